@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDate>
+#include <QList>
+#include <QMap>
+#include <QMetaObject>
+#include <QPixmap>
+#include <QSize>
+#include <QString>
+
+#include "API/ArchiveRecord.h"
+#include "API/Types.h"
+
+namespace ZorvaneClient {
+namespace API {
+namespace Internal {
+
+/// State of a Camera.
+class CameraPrivate
+{
+public:
+    /// True for a LAN camera, or when the service gave the right.
+    bool hasRight(CameraRight right) const;
+
+    QPixmap oriented(const QPixmap &pixmap) const;
+
+    /// Under this name the last preview is kept from one run to the next.
+    QString previewFile() const;
+    QString rotationKey() const;
+
+    server_id_t serverId;
+    camera_id_t id = 0;
+    QString name;
+    QString fullName;
+    int kind = CloudCamera;
+    QString sessionId; ///< LAN cameras only: the password of the server
+    QPixmap preview;
+    QPixmap rawPreview; ///< as received; shares its pixels with `preview` if nothing is turned
+    bool speedPlay = false;
+    bool exportEnabled = false;
+    bool arcSearch = false;
+    QSize videoSize;
+    QString vcodec;
+    int flags = 0;
+    QString activeService;
+    int rotation = 0;
+    bool mirror = false;
+    int rights = 0;
+    QMap<QDate, QList<ArchiveRecord>> records;
+    QMap<QDate, int> calendar;
+    QList<QMetaObject::Connection> connections; ///< to request clients, which outlive the camera
+};
+
+} // namespace Internal
+} // namespace API
+} // namespace ZorvaneClient

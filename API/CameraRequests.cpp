@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#include <QDebug>
+
+#include "API/Camera.h"
+#include "API/CameraPrivate.h"
+#include "API/CloudAPIClient.h"
+#include "API/PreviewImage.h"
+#include "API/StreamerClient.h"
+
+// What a camera asks for over the network. Each request has a client of its own without a
+// parent. Its handlers release it; they end with the signal that tells of the outcome, as a
+// receiver may let go of the camera.
+
+namespace ZorvaneClient {
+namespace API {
+
+void Camera::updatePreview()
+{
+    if (d->kind == LocalCamera) {
+        updateLocalPreview();
+    } else {
+        updateCloudPreview();
+    }
+}
+
+void Camera::updateCloudPreview()
+{
+    auto *client = new CloudAPIClient;
+    d->connections << connect(client, &CloudAPIClient::previewReceived, client,
+                              [this, client](const QPixmap &pixmap) {
+                                  client->deleteLater();
+                                  setPreview(pixmap);
+                              });
+    d->connections << connect(client, &CloudAPIClient::previewError, client, [this, client] {
+        qDebug() << "Error downloading preview";
+        client->deleteLater();
+        setPreview(QPixmap());
+    });
+    client->requestPreview(d->serverId, d->id);
+}
+
+void Camera::updateLocalPreview()
+{
+    auto *client = new StreamerClient(host(), port());
+    d->connections << connect(client, &StreamerClient::responseReceived, client,
+                              [this, client](const QVariant &response) {
+                                  client->deleteLater();
+                                  setPreview(decodePreview(response.toByteArray()));
+                              });
+    d->connections << connect(client, &StreamerClient::error, client, [this, client] {
+        qDebug() << "Error downloading preview";
+        client->deleteLater();
+        setPreview(QPixmap());
+    });
+
+    QVariantMap params;
+    params.insert(QStringLiteral("server"), 1);
+    params.insert(QStringLiteral("camera"), d->id);
+    params.insert(QStringLiteral("sessionId"), d->sessionId);
+    client->request(QStringLiteral("preview/live"), params, false);
+}
+
+void Camera::updateTimeline(QDate date)
+{
+    if (!isArchiveShared()) {
+        d->records.clear();
+        emit recordsChanged(date);
+        return;
+    }
+    auto *client = new CloudAPIClient;
+    d->connections << connect(client, &CloudAPIClient::archivesReceived, client,
+                              [this, client, date](const QVariant &reply) {
+                                  client->deleteLater();
+                                  d->records[date] = archiveRecordsOfDay(reply, date);
+                                  emit recordsChanged(date);
+                              });
+    d->connections << connect(client, &CloudAPIClient::archivesError, client, [this, client] {
+        qDebug() << "Error downloading archive list";
+        client->deleteLater();
+        emit recordsError();
+    });
+
+    const uint start = firstSecondOfDay(date);
+    const uint end = lastSecondOfDay(date);
+    if (d->kind == LocalCamera) {
+        client->getTimeline(globalId(), start, end, host(), port(), d->sessionId);
+    } else {
+        client->getTimeline(globalId(), start, end, QString(), 0, QString());
+    }
+}
+
+void Camera::updateCalendar(QDate start, QDate end)
+{
+    if (!isArchiveShared()) {
+        d->calendar.clear();
+        return;
+    }
+    auto *client = new CloudAPIClient;
+    d->connections << connect(client, &CloudAPIClient::archiveDatesReceived, client,
+                              [this, client, start, end](const QVariant &reply) {
+                                  client->deleteLater();
+                                  const QMap<QDate, int> counts = recordCountsByDay(reply);
+                                  for (auto it = counts.begin(); it != counts.end(); ++it) {
+                                      d->calendar.insert(it.key(), it.value());
+                                  }
+                                  emit calendarChanged(start, end);
+                              });
+    d->connections << connect(client, &CloudAPIClient::archiveDatesError, client, [client] {
+        qDebug() << "Error downloading calendar";
+        client->deleteLater();
+    });
+
+    const uint first = firstSecondOfDay(start);
+    const uint last = lastSecondOfDay(end);
+    if (d->kind == LocalCamera) {
+        client->getCalendar(globalId(), first, last, host(), port(), d->sessionId);
+    } else {
+        client->getCalendar(globalId(), first, last, QString(), 0, QString());
+    }
+}
+
+} // namespace API
+} // namespace ZorvaneClient

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "API/LayoutDocument.h"
+
+#include <QCryptographicHash>
+#include <QDebug>
+#include <QStandardPaths>
+
+#include "API/Layout.h"
+
+namespace ZorvaneClient {
+namespace API {
+namespace Internal {
+
+namespace {
+
+// Both return true when they had to change something. A missing key stays missing.
+
+bool boundNumber(QVariantMap &map, const QString &key)
+{
+    const auto number = map.find(key);
+    if (number == map.end())
+        return false;
+    const int bounded = qBound(0, number->toInt(), LayoutBounds::gridSide);
+    if (bounded == number->toInt())
+        return false;
+    *number = bounded;
+    return true;
+}
+
+bool boundName(QVariantMap &map)
+{
+    const auto name = map.find(QStringLiteral("name"));
+    if (name == map.end() || name->toString().size() <= LayoutBounds::nameLength)
+        return false;
+    *name = name->toString().left(LayoutBounds::nameLength);
+    return true;
+}
+
+bool isInsideGrid(const QVariantMap &cell)
+{
+    const int row = cell.value(QStringLiteral("row")).toInt();
+    const int column = cell.value(QStringLiteral("column")).toInt();
+    return row >= 0 && row < LayoutBounds::gridSide && column >= 0 &&
+           column < LayoutBounds::gridSide;
+}
+
+bool boundCells(QVariantMap &layout)
+{
+    const auto cameras = layout.find(QStringLiteral("cameras"));
+    if (cameras == layout.end())
+        return false;
+    bool cut = false;
+    QVariantList cells;
+    const QVariantList given = cameras->toList();
+    for (const QVariant &entry : given) {
+        QVariantMap cell = entry.toMap();
+        if (!isInsideGrid(cell)) {
+            cut = true;
+            continue;
+        }
+        cut |= boundNumber(cell, QStringLiteral("w"));
+        cut |= boundNumber(cell, QStringLiteral("h"));
+        cells.append(cell);
+    }
+    *cameras = cells;
+    return cut;
+}
+
+bool boundLayout(QVariantMap &layout)
+{
+    bool cut = boundNumber(layout, QStringLiteral("rows"));
+    cut |= boundNumber(layout, QStringLiteral("columns"));
+    cut |= boundName(layout);
+    cut |= boundCells(layout);
+    return cut;
+}
+
+} // namespace
+
+QList<QVariantMap> boundedLayouts(const QVariantList &layouts)
+{
+    if (layouts.size() > LayoutBounds::layouts)
+        qWarning() << "Too many layouts:" << layouts.size() << "taken:" << LayoutBounds::layouts;
+    QList<QVariantMap> result;
+    int cutCount = 0;
+    for (const QVariant &entry : layouts.mid(0, LayoutBounds::layouts)) {
+        QVariantMap layout = entry.toMap();
+        if (boundLayout(layout))
+            ++cutCount;
+        result.append(layout);
+    }
+    if (cutCount > 0)
+        qWarning() << "Layouts beyond all bounds, cut:" << cutCount;
+    return result;
+}
+
+QVariantList toVariantList(const LayoutsContainer &layouts)
+{
+    QVariantList list;
+    for (const LayoutPtr &layout : layouts)
+        list.append(layout->toVariantMap());
+    return list;
+}
+
+QString layoutsCacheFile(const QString &email)
+{
+    const QByteArray account =
+        QCryptographicHash::hash(email.toLower().toUtf8(), QCryptographicHash::Md5).toHex();
+    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) +
+           QStringLiteral("/layouts.") + QString::fromLatin1(account);
+}
+
+} // namespace Internal
+} // namespace API
+} // namespace ZorvaneClient

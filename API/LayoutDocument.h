@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QVariant>
+
+#include "API/Types.h"
+
+namespace ZorvaneClient {
+namespace API {
+namespace Internal {
+
+/// Bounds on layouts that come from outside: far beyond what people make, small enough that
+/// no document can stop the program.
+struct LayoutBounds {
+    static constexpr qint64 documentBytes = 16 * 1024 * 1024;
+    static constexpr int layouts = 1000;
+    static constexpr int gridSide = 64; ///< rows, columns and spans
+    static constexpr int nameLength = 1000;
+};
+
+/// The layouts of a document, each cut to LayoutBounds; a warning in the log says so.
+QList<QVariantMap> boundedLayouts(const QVariantList &layouts);
+
+/// The layouts as they are saved, in the container's order.
+QVariantList toVariantList(const LayoutsContainer &layouts);
+
+/// Cache file of the account with this address; letter case doesn't matter.
+QString layoutsCacheFile(const QString &email);
+
+} // namespace Internal
+} // namespace API
+} // namespace ZorvaneClient

@@ -1,0 +1,261 @@
+// SPDX-License-Identifier: MIT
+#include "App/Application.h"
+
+#include <QDesktopServices>
+#include <QDir>
+#include <QFontDatabase>
+#include <QIcon>
+#include <QLocale>
+#include <QScreen>
+#include <QSet>
+#include <QStandardPaths>
+#include <QUrl>
+
+#include "API/Camera.h"
+#include "API/CloudAPIClient.h"
+#include "API/Layout.h"
+#include "API/Server.h"
+#include "App/Language.h"
+#include "App/Log.h"
+#include "App/ServiceProfile.h"
+#include "App/Settings.h"
+#include "GUI/LoginDialog.h"
+#include "GUI/MainWindow.h"
+
+namespace ZorvaneClient {
+namespace App {
+
+namespace {
+
+constexpr int cascadeOffsetPixels = 30;
+
+// Icons come in two sizes; without these a high-density screen gets the small one.
+int &withHighDensityPictures(int &argc)
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
+    return argc;
+}
+
+void addFonts()
+{
+    const char *const files[] = {"PTS55F", "PTS56F", "PTS75F", "PTS76F",
+                                 "PTC55F", "PTC75F", "PTN57F", "PTN77F"};
+    for (const char *file : files)
+        QFontDatabase::addApplicationFont(
+            QStringLiteral(":/login/fonts/%1.ttf").arg(QLatin1String(file)));
+}
+
+void makeFolders()
+{
+    QDir().mkdir(QStandardPaths::writableLocation(QStandardPaths::CacheLocation));
+    QDir().mkdir(QStandardPaths::writableLocation(QStandardPaths::ConfigLocation));
+}
+
+int screenNumber(const QWidget *window)
+{
+    return static_cast<int>(QGuiApplication::screens().indexOf(window->screen()));
+}
+
+} // namespace
+
+Application::Application(int &argc, char **argv)
+    : QApplication(withHighDensityPictures(argc), argv)
+{
+    setApplicationName(QStringLiteral("Zorvane Client"));
+    setApplicationVersion(QStringLiteral("6.0.1.114"));
+    loadLanguage(language());
+    addFonts();
+    makeFolders();
+    openLog();
+    ServiceProfile::setCurrent(ServiceProfile::fromFile(QStringLiteral("service.ini")));
+    setWindowIcon(QIcon(QStringLiteral("://icons/zorvane-client.png")));
+}
+
+Application::~Application()
+{
+    qDeleteAll(mainWindows);
+    delete loginDialog;
+}
+
+QString Application::globalStyleSheet()
+{
+    return QStringLiteral("* { font: 12px \"PT Sans\"; }"
+                          "QMenu { background-color: white; border: none; margin: 4px; }"
+                          "QMenu::item:selected { background-color: rgb(62, 183, 253); }");
+}
+
+QString Application::language() const
+{
+    const QVariant code = settings().value(QStringLiteral("common/language"));
+    if (code.isValid())
+        return code.toString();
+    const bool isRussian = QLocale().language() == QLocale::Russian;
+    return isRussian ? QStringLiteral("ru") : QStringLiteral("en");
+}
+
+int Application::playerCount() const
+{
+    int count = 0;
+    for (const GUI::MainWindow *window : mainWindows)
+        count += window->playerCount();
+    return count;
+}
+
+int Application::cellCount() const
+{
+    int count = 0;
+    for (const GUI::MainWindow *window : mainWindows)
+        count += window->cellCount();
+    return count;
+}
+
+void Application::restart()
+{
+    QCoreApplication::exit(restartExitCode);
+}
+
+void Application::translate(QString language)
+{
+    loadLanguage(language);
+    settings().setValue(QStringLiteral("common/language"), language);
+}
+
+void Application::startLogin()
+{
+    if (!loginDialog) {
+        loginDialog = new GUI::LoginDialog;
+        connect(loginDialog, &GUI::LoginDialog::loginSuccessful, this,
+                &Application::loginSuccessful);
+        connect(loginDialog, &GUI::LoginDialog::exitRequested, this, &Application::quit);
+    }
+    loginDialog->show();
+}
+
+void Application::createMainWindow()
+{
+    setupMainWindow(new GUI::MainWindow);
+}
+
+void Application::createMainWindow(API::CameraPtr camera)
+{
+    auto *window = new GUI::MainWindow;
+    setupMainWindow(window);
+    window->openCamera(camera);
+}
+
+void Application::createMainWindow(API::LayoutPtr layout)
+{
+    auto *window = new GUI::MainWindow;
+    setupMainWindow(window);
+    window->openLayout(layout);
+}
+
+void Application::setupMainWindow(GUI::MainWindow *mainWindow)
+{
+    connectMainWindow(mainWindow);
+    placeMainWindow(mainWindow);
+    mainWindows.append(mainWindow);
+    mainWindow->show();
+}
+
+void Application::connectMainWindow(GUI::MainWindow *mainWindow)
+{
+    using GUI::MainWindow;
+    connect(mainWindow, &MainWindow::signout, this, &Application::mainWindowSignout);
+    connect(mainWindow, &MainWindow::clone, this,
+            QOverload<>::of(&Application::createMainWindow));
+    connect(mainWindow, QOverload<API::CameraPtr>::of(&MainWindow::openInNewWindow), this,
+            QOverload<API::CameraPtr>::of(&Application::createMainWindow));
+    connect(mainWindow, QOverload<API::LayoutPtr>::of(&MainWindow::openInNewWindow), this,
+            QOverload<API::LayoutPtr>::of(&Application::createMainWindow));
+    connect(mainWindow, &MainWindow::closeRequested, this, &Application::closeMainWindow);
+    connect(mainWindow, &MainWindow::cameraActivated, this, &Application::setActiveCamera);
+    connect(mainWindow, &MainWindow::volumeChanged, this, &Application::setSoundVolume);
+    connect(mainWindow, &MainWindow::soundEnabled, this, &Application::enableSound);
+}
+
+void Application::placeMainWindow(GUI::MainWindow *mainWindow)
+{
+    if (mainWindows.isEmpty()) {
+        const QByteArray geometry =
+            settings().value(QStringLiteral("mainWindow/geometry")).toByteArray();
+        if (!geometry.isEmpty())
+            mainWindow->restoreGeometry(geometry);
+    } else if (const auto *source = qobject_cast<GUI::MainWindow *>(sender())) {
+        mainWindow->setGeometry(
+            source->geometry().translated(cascadeOffsetPixels, cascadeOffsetPixels));
+    }
+
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    if (screens.size() < 2)
+        return;
+    QSet<int> taken;
+    for (const GUI::MainWindow *window : qAsConst(mainWindows))
+        taken.insert(screenNumber(window));
+    for (int number = 0; taken.size() < screens.size() && number < screens.size(); ++number) {
+        if (!taken.contains(number)) {
+            mainWindow->move(screens.at(number)->geometry().center());
+            return;
+        }
+    }
+}
+
+void Application::closeMainWindow(GUI::MainWindow *mainWindow)
+{
+    mainWindows.removeOne(mainWindow);
+    mainWindow->deleteLater();
+    if (mainWindows.isEmpty())
+        quit();
+}
+
+void Application::mainWindowSignout()
+{
+    for (GUI::MainWindow *window : qAsConst(mainWindows))
+        window->deleteLater();
+    mainWindows.clear();
+    API::CloudAPIClient().logout();
+    settings().setValue(QStringLiteral("auth/password"), QString(QLatin1String("")));
+    settings().setValue(QStringLiteral("auth/saveAuth"), QString(QLatin1String("")));
+    startLogin();
+}
+
+void Application::loginSuccessful()
+{
+    // The dialog is the last window for a moment, and its closing must not end the program.
+    loginDialog->setAttribute(Qt::WA_QuitOnClose, false);
+    loginDialog->close();
+    loginDialog->deleteLater();
+    loginDialog = nullptr;
+    API::CloudAPIClient().clearRoster();
+    createMainWindow();
+}
+
+void Application::setSoundVolume(int volume)
+{
+    for (GUI::MainWindow *window : qAsConst(mainWindows))
+        window->setSoundVolume(volume);
+}
+
+void Application::enableSound(bool enable)
+{
+    for (GUI::MainWindow *window : qAsConst(mainWindows))
+        window->enableSound(enable);
+}
+
+void Application::setActiveCamera(API::CameraPtr camera)
+{
+    for (GUI::MainWindow *window : qAsConst(mainWindows))
+        window->activateCamera(camera);
+}
+
+void Application::openDownloadsPage()
+{
+    QDesktopServices::openUrl(QUrl(QStringLiteral("http://%1/?target=downloads&lang=%2")
+                                       .arg(ServiceProfile::current().redirectorHost, language())));
+}
+
+} // namespace App
+} // namespace ZorvaneClient

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "App/Log.h"
+
+#include <QDateTime>
+#include <QDebug>
+#include <QFile>
+#include <QMutex>
+#include <QMutexLocker>
+#include <QTextStream>
+
+#include <cstdlib>
+
+namespace ZorvaneClient {
+namespace App {
+
+namespace {
+
+// File and stream live until the process ends; the handler may be called up to then.
+QFile *logFile = nullptr;
+QTextStream *logStream = nullptr;
+QMutex logMutex;
+QtMessageHandler previousHandler = nullptr;
+
+void writeLine(const char *level, const QString &line)
+{
+    // A newline and a flush: each line is on disk at once.
+    *logStream << level << line << '\n';
+    logStream->flush();
+}
+
+void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    if (previousHandler)
+        previousHandler(type, context, text);
+    const QString line =
+        QDateTime::currentDateTime().toString(QStringLiteral("dd.MM.yyyy hh:mm::ss.zzz ")) + text;
+    QMutexLocker locker(&logMutex);
+    switch (type) {
+    case QtDebugMsg:
+        writeLine("", line);
+        break;
+    case QtWarningMsg:
+        writeLine("Warning: ", line);
+        break;
+    case QtCriticalMsg:
+        writeLine("Critical: ", line);
+        break;
+    case QtFatalMsg:
+        writeLine("Fatal: ", line);
+        abort();
+    default:
+        break;
+    }
+}
+
+} // namespace
+
+void openLog()
+{
+    const QString path = QStringLiteral("zorvane_client_log.txt");
+    qDebug() << "LogPath:" << path;
+    logFile = new QFile(path);
+    if (!logFile->open(QIODevice::WriteOnly))
+        qFatal("Cannot open log file");
+    logStream = new QTextStream(logFile);
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    logStream->setCodec("UTF-8");
+#endif
+    previousHandler = qInstallMessageHandler(handleMessage);
+}
+
+} // namespace App
+} // namespace ZorvaneClient

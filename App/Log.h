@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace ZorvaneClient {
+namespace App {
+
+/// Opens `zorvane_client_log.txt` in the working directory, emptying it, and sends every
+/// message of qDebug(), qWarning() and their kin there, on top of the usual output.
+/// A file that can't be opened ends the process. Call once.
+void openLog();
+
+} // namespace App
+} // namespace ZorvaneClient

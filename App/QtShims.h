@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDateTime>
+#include <QEvent>
+#include <QNetworkReply>
+#include <QtGlobal>
+
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+#include <QEnterEvent>
+#endif
+
+namespace ZorvaneClient {
+
+// What differs between Qt 5.15 and Qt 6, in one place.
+
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+using EnterEvent = QEnterEvent;
+#else
+using EnterEvent = QEvent;
+#endif
+
+/// Seconds since the epoch, cut to 32 unsigned bits.
+inline uint toEpochSeconds(const QDateTime &time)
+{
+    return static_cast<uint>(time.toSecsSinceEpoch());
+}
+
+/// Local time of `seconds` since the epoch.
+inline QDateTime fromEpochSeconds(qint64 seconds)
+{
+    return QDateTime::fromSecsSinceEpoch(seconds);
+}
+
+} // namespace ZorvaneClient

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#include "App/Settings.h"
+
+#include <QSettings>
+
+namespace ZorvaneClient {
+namespace App {
+
+namespace Internal {
+
+class SettingsPrivate
+{
+public:
+    // No folder: the file lies in the working directory, beside the log.
+    QSettings store{QStringLiteral("ZorvaneClient.ini"), QSettings::IniFormat};
+};
+
+} // namespace Internal
+
+Settings::Settings()
+    : d(new Internal::SettingsPrivate)
+{
+}
+
+QVariant Settings::value(const QString &key, const QVariant &defaultValue) const
+{
+    return d->store.value(key, defaultValue);
+}
+
+void Settings::setValue(const QString &key, const QVariant &value)
+{
+    d->store.setValue(key, value);
+}
+
+QString Settings::fileName() const
+{
+    return d->store.fileName();
+}
+
+Settings &settings()
+{
+    static Settings shared;
+    return shared;
+}
+
+} // namespace App
+} // namespace ZorvaneClient

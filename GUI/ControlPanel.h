@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDateTime>
+#include <QScopedPointer>
+#include <QStackedWidget>
+
+class QMenu;
+class QWidgetAction;
+
+namespace Ui {
+class ControlPanel;
+}
+
+namespace ZorvaneClient {
+namespace GUI {
+
+/// The bar at the foot of the window. Decides nothing about playback: it emits what the user
+/// pressed and shows what it is told.
+class ControlPanel : public QStackedWidget
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(ControlPanel)
+
+public:
+    explicit ControlPanel(QWidget *parent = nullptr);
+    ~ControlPanel() override;
+
+    /// 0 to 100.
+    int volume() const;
+    /// Archive speed: 1, 2, 4, 8, 16 or 32.
+    int speed() const;
+    bool isSoundEnabled() const;
+    /// Offers the archive's buttons, or leaves their place empty.
+    void setRecordsAvailable(bool available);
+    void setTime(QDateTime dateTime);
+    void resetSpeed();
+    /// Checks "Auto" in the menu; emits nothing.
+    void resetQuality();
+
+public slots:
+    void showSpeedSlider();
+    void showSoundSlider();
+    void hideSpeedSlider();
+    void hideSoundSlider();
+    void setExportMode();
+    void setNormalMode();
+    void setEmptyMode(bool active);
+    void showRecordsControls();
+    void hideRecordsControls();
+    void showLiveLabel();
+    void showDateLabel();
+    void showPauseButton();
+    void showPlayButton();
+    void enableExport(bool enabled);
+    void setSoundVolume(int volume);
+    void enableSound(bool enable);
+    void enterFullscreen();
+    void leaveFullscreen();
+    void exportStarted();
+    void exportPercentDone(int percent);
+
+signals:
+    void showRecordsButtonClicked();
+    void hideRecordsButtonClicked();
+    void liveButtonClicked();
+    void exportModeButtonClicked();
+    void cancelExportButtonClicked();
+    void exportButtonClicked();
+    void fullscreenButtonClicked();
+    void setLowQuality();
+    void setMidQuality();
+    void setHighQuality();
+    void setAutoQuality();
+    void pause();
+    void play();
+    void soundVolumeChanged(int volume);
+    void soundEnabled(bool enable);
+    void speedChanged(int speed);
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private slots:
+    void on_speedSlider_valueChanged(int value);
+    void on_soundSlider_valueChanged(int value);
+    void on_soundButton_clicked();
+    void on_speedButton_clicked();
+    void updateVolumeButton();
+    QWidgetAction *createQualityMenuItem(QString text, bool checked);
+
+private:
+    void createQualityMenu();
+    void connectButtons();
+
+    QScopedPointer<Ui::ControlPanel> ui;
+    QMenu *qualityMenu = nullptr;
+};
+
+} // namespace GUI
+} // namespace ZorvaneClient

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QSize>
+
+namespace ZorvaneClient {
+namespace GUI {
+
+/// The largest grid that a user can make, in rows and in columns.
+constexpr int maxGridSide = 6;
+
+/// A grid's number of rows and columns.
+struct GridSize {
+    int rows = 1;
+    int columns = 1;
+};
+
+inline bool operator==(const GridSize &a, const GridSize &b)
+{
+    return a.rows == b.rows && a.columns == b.columns;
+}
+
+/// Stream quality, 0 to 2, of a tile: the larger its share of the grid, the better.
+int tileQuality(const GridSize &grid, int rowSpan, int columnSpan);
+
+/// The size that the grid takes when a server of `cameras` cameras is dropped on it while
+/// `freeCells` are free; the present size if they fit or if it can't grow.
+GridSize gridSizeForServer(const GridSize &grid, int cameras, int freeCells);
+
+} // namespace GUI
+} // namespace ZorvaneClient

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#include "GUI/GridSizeEditor.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace ZorvaneClient {
+namespace GUI {
+
+namespace {
+
+constexpr QSize popupSize(104, 92);
+constexpr int marginPixels = 10;
+constexpr int farMarginPixels = 9;
+constexpr int cellStepX = 14;
+constexpr int cellStepY = 12;
+constexpr qreal cellWidth = 12;
+constexpr qreal cellHeight = 10;
+constexpr qreal popupRadius = 4.0;
+constexpr qreal cellRadius = 2.0;
+
+const QColor backgroundColor(41, 44, 49, 255);
+const QColor emptyColor(52, 55, 60, 255);
+const QColor currentColor(129, 134, 144, 255);
+const QColor hoverColor(62, 183, 253, 255);
+
+} // namespace
+
+GridSizeEditor::GridSizeEditor(QWidget *parent)
+    : QWidget(parent, Qt::Popup)
+{
+    setAttribute(Qt::WA_DeleteOnClose);
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAutoFillBackground(false);
+    setMouseTracking(true);
+    setFocus();
+    resize(popupSize);
+}
+
+void GridSizeEditor::setCurrentSize(int rows, int columns)
+{
+    currentRows = rows;
+    currentColumns = columns;
+    update();
+}
+
+GridSize GridSizeEditor::sizeAt(const QPoint &position, const QSize &size)
+{
+    const int right = size.width() - 1;
+    const int bottom = size.height() - 1;
+    if (position.x() < marginPixels || position.x() >= right - farMarginPixels
+        || position.y() >= bottom - farMarginPixels)
+        return {0, 0};
+    return {static_cast<int>((position.y() - marginPixels) / static_cast<double>(cellStepY) + 1.0),
+            static_cast<int>((position.x() - marginPixels) / static_cast<double>(cellStepX) + 1.0)};
+}
+
+void GridSizeEditor::paintEvent(QPaintEvent *event)
+{
+    QWidget::paintEvent(event);
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(backgroundColor);
+    painter.drawRoundedRect(rect(), popupRadius, popupRadius);
+    for (int row = 0; row < maxGridSide; ++row) {
+        for (int column = 0; column < maxGridSide; ++column) {
+            if (row < hoverRows && column < hoverColumns)
+                painter.setBrush(hoverColor);
+            else if (row < currentRows && column < currentColumns)
+                painter.setBrush(currentColor);
+            else
+                painter.setBrush(emptyColor);
+            const QRectF cell(marginPixels + cellStepX * column, marginPixels + cellStepY * row,
+                              cellWidth, cellHeight);
+            painter.drawRoundedRect(cell, cellRadius, cellRadius);
+        }
+    }
+}
+
+void GridSizeEditor::mouseMoveEvent(QMouseEvent *event)
+{
+    const GridSize hovered = sizeAt(event->pos(), size());
+    if (hovered.rows == hoverRows && hovered.columns == hoverColumns)
+        return;
+    hoverRows = hovered.rows;
+    hoverColumns = hovered.columns;
+    update();
+}
+
+void GridSizeEditor::mousePressEvent(QMouseEvent *)
+{
+    if (hoverRows > 0 && hoverColumns > 0)
+        emit sizeSelected(hoverRows, hoverColumns);
+    else
+        close();
+}
+
+} // namespace GUI
+} // namespace ZorvaneClient

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QWidget>
+
+#include "GUI/GridRules.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+
+/// The popup in which the mouse picks a grid's size across a matrix of little cells.
+/// Deletes itself when it closes.
+class GridSizeEditor : public QWidget
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(GridSizeEditor)
+
+public:
+    explicit GridSizeEditor(QWidget *parent = nullptr);
+
+    /// The size under `position` in a popup of `size`; 0 by 0 outside the matrix, and no rows
+    /// above it.
+    static GridSize sizeAt(const QPoint &position, const QSize &size);
+
+public slots:
+    void setCurrentSize(int rows, int columns);
+
+signals:
+    void sizeSelected(int rows, int columns);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+
+private:
+    int currentRows = 0;
+    int currentColumns = 0;
+    int hoverRows = 0;
+    int hoverColumns = 0;
+};
+
+} // namespace GUI
+} // namespace ZorvaneClient

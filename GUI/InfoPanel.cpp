@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: MIT
+#include "GUI/InfoPanel.h"
+
+#include <QMenu>
+#include <QPainter>
+#include <QStyleOption>
+
+#include "API/Layout.h"
+#include "GUI/GridSizeEditor.h"
+#include "ui_InfoPanel.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+
+namespace {
+
+constexpr int popupGapPixels = 5;
+
+} // namespace
+
+InfoPanel::InfoPanel(QWidget *parent)
+    : QWidget(parent)
+    , ui(new Ui::InfoPanel)
+{
+    ui->setupUi(this);
+    setProperty("modified", false);
+    connect(ui->saveLayoutButton, &QPushButton::clicked, this, &InfoPanel::layoutSaved);
+    connect(ui->cancelLayoutButton, &QPushButton::clicked, this, &InfoPanel::layoutCancelled);
+    connect(ui->showPBtn, &QPushButton::clicked, this, &InfoPanel::showRequest);
+    connect(ui->actionEdit_view, &QAction::triggered, this, &InfoPanel::editMode);
+    connect(ui->actionClose, &QAction::triggered, this, &InfoPanel::closeLayout);
+    connect(ui->actionClone_window, &QAction::triggered, this, &InfoPanel::cloneWindowClicked);
+    hideShowButton();
+    enterEmptyMode();
+}
+
+InfoPanel::~InfoPanel() = default;
+
+QString InfoPanel::layoutName() const
+{
+    return ui->layoutNameEdit->text();
+}
+
+int InfoPanel::mode() const
+{
+    return currentMode;
+}
+
+void InfoPanel::setTitle(QString title)
+{
+    ui->layoutNameEdit->setText(title);
+}
+
+void InfoPanel::hideShowButton()
+{
+    ui->showPBtn->hide();
+}
+
+void InfoPanel::showShowButton()
+{
+    ui->showPBtn->show();
+}
+
+void InfoPanel::setCurrentLayout(API::LayoutPtr layout)
+{
+    currentLayout = layout;
+    setTitle(layout->name());
+    enterViewMode();
+}
+
+void InfoPanel::enterEmptyMode()
+{
+    currentMode = EmptyMode;
+    ui->layoutNameEdit->hide();
+    ui->gridSizeButton->hide();
+    ui->buttonsStack->setCurrentWidget(ui->settingsPage);
+    rebuildMenu({ui->actionClone_window});
+}
+
+void InfoPanel::enterViewMode()
+{
+    currentMode = ViewMode;
+    showReadOnlyName();
+    ui->buttonsStack->setCurrentWidget(ui->settingsPage);
+    rebuildMenu(viewActions());
+}
+
+void InfoPanel::enterUnsavedMode()
+{
+    if (currentMode == EditMode)
+        return;
+    currentMode = UnsavedMode;
+    showReadOnlyName();
+    ui->buttonsStack->setCurrentWidget(ui->controlsPage);
+    rebuildMenu(viewActions());
+}
+
+void InfoPanel::enterEditMode()
+{
+    if (currentMode == EditMode)
+        return;
+    currentMode = EditMode;
+    ui->layoutNameEdit->show();
+    ui->layoutNameEdit->setReadOnly(false);
+    ui->layoutNameEdit->setFocusPolicy(Qt::StrongFocus);
+    ui->gridSizeButton->show();
+    ui->buttonsStack->setCurrentWidget(ui->controlsPage);
+    rebuildMenu(viewActions());
+}
+
+void InfoPanel::showReadOnlyName()
+{
+    ui->layoutNameEdit->show();
+    ui->layoutNameEdit->setReadOnly(true);
+    ui->layoutNameEdit->setFocusPolicy(Qt::NoFocus);
+    ui->layoutNameEdit->clearFocus();
+    ui->gridSizeButton->hide();
+}
+
+QList<QAction *> InfoPanel::viewActions() const
+{
+    return {ui->actionEdit_view, ui->actionClone_window, ui->actionClose};
+}
+
+void InfoPanel::rebuildMenu(const QList<QAction *> &actions)
+{
+    QMenu *oldMenu = ui->settingsButton->menu();
+    auto *menu = new QMenu(this);
+    menu->addActions(actions);
+    ui->settingsButton->setMenu(menu);
+    if (oldMenu)
+        oldMenu->deleteLater();
+}
+
+void InfoPanel::on_layoutNameEdit_returnPressed()
+{
+    ui->layoutNameEdit->clearFocus();
+}
+
+void InfoPanel::on_gridSizeButton_clicked()
+{
+    auto *editor = new GridSizeEditor(ui->gridSizeButton);
+    connect(editor, &GridSizeEditor::sizeSelected, this, [this, editor](int rows, int columns) {
+        editor->close();
+        emit layoutSizeChanged(rows, columns);
+    });
+    editor->setCurrentSize(currentLayout ? currentLayout->rows() : 1,
+                           currentLayout ? currentLayout->columns() : 1);
+    const QPoint below(0, ui->gridSizeButton->height() + popupGapPixels);
+    editor->move(ui->gridSizeButton->mapToGlobal(below));
+    editor->show();
+}
+
+void InfoPanel::paintEvent(QPaintEvent *)
+{
+    QStyleOption option;
+    option.initFrom(this);
+    QPainter painter(this);
+    style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
+}
+
+} // namespace GUI
+} // namespace ZorvaneClient

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+#include "GUI/LayoutListWidget.h"
+
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <chrono>
+
+#include "API/CloudAPIClient.h"
+#include "API/Layout.h"
+#include "GUI/LayoutCard.h"
+#include "ui_LayoutListWidget.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+
+namespace {
+
+constexpr std::chrono::milliseconds pollInterval{5000};
+constexpr int cardSpacingPixels = 10;
+constexpr int stretchFactor = 10;
+
+} // namespace
+
+LayoutListWidget::LayoutListWidget(QWidget *parent)
+    : QWidget(parent)
+    , ui(new Ui::LayoutListWidget)
+    , client(new API::CloudAPIClient)
+{
+    ui->setupUi(this);
+    setObjectName(QStringLiteral("layoutListWidget"));
+    client->setParent(this);
+    cardsLayout = new QVBoxLayout(ui->scrollContent);
+    cardsLayout->setSizeConstraint(QLayout::SetMinimumSize);
+    cardsLayout->setContentsMargins(0, 0, 0, 0);
+    cardsLayout->setSpacing(cardSpacingPixels);
+
+    connect(client, &API::CloudAPIClient::layoutsUpdated, this,
+            QOverload<>::of(&LayoutListWidget::updateLayouts));
+    connect(client, &API::CloudAPIClient::rosterUpdated, client,
+            &API::CloudAPIClient::updateLayouts);
+    client->updateRoster();
+    connect(ui->addLayoutButton, &QPushButton::clicked, this,
+            &LayoutListWidget::addLayoutButtonClicked);
+    startTimer(pollInterval, Qt::CoarseTimer);
+}
+
+LayoutListWidget::~LayoutListWidget() = default;
+
+bool LayoutListWidget::hasLayout(const API::LayoutPtr &layout) const
+{
+    return cards.contains(layout);
+}
+
+void LayoutListWidget::timerEvent(QTimerEvent *)
+{
+    client->updateLayouts();
+}
+
+void LayoutListWidget::updateLayouts()
+{
+    updateLayouts(client->layoutList());
+}
+
+void LayoutListWidget::updateLayouts(API::LayoutsContainer layouts)
+{
+    removeStaleCards(layouts);
+    for (const API::LayoutPtr &layout : qAsConst(layouts)) {
+        if (LayoutCard *card = cards.value(layout, nullptr))
+            card->setLayoutInfo(layout);
+        else
+            cards.insert(layout, createCard(layout));
+    }
+    arrangeCards(layouts);
+    search(searchText);
+}
+
+void LayoutListWidget::removeStaleCards(const API::LayoutsContainer &layouts)
+{
+    const QList<API::LayoutPtr> present = layouts.values();
+    const QList<API::LayoutPtr> known = cards.keys();
+    for (const API::LayoutPtr &layout : known) {
+        if (!present.contains(layout)) {
+            LayoutCard *card = cards.take(layout);
+            card->hide();
+            card->deleteLater();
+        }
+    }
+}
+
+LayoutCard *LayoutListWidget::createCard(const API::LayoutPtr &layout)
+{
+    auto *card = new LayoutCard(layout);
+    connect(card, &LayoutCard::openLayout, this, &LayoutListWidget::openLayout);
+    connect(card, &LayoutCard::openInNewWindow, this, &LayoutListWidget::openInNewWindow);
+    connect(card, &LayoutCard::layoutDeleted, this, &LayoutListWidget::deleteLayout);
+    return card;
+}
+
+void LayoutListWidget::arrangeCards(const API::LayoutsContainer &layouts)
+{
+    QList<QPair<QString, API::LayoutPtr>> sorted;
+    for (const API::LayoutPtr &layout : layouts)
+        sorted.append({layout->name(), layout});
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const auto &a, const auto &b) { return a.first < b.first; });
+
+    while (QLayoutItem *item = cardsLayout->takeAt(0))
+        delete item;
+    for (const auto &entry : qAsConst(sorted))
+        cardsLayout->addWidget(cards.value(entry.second), 0, Qt::AlignHCenter);
+    cardsLayout->addStretch(stretchFactor);
+}
+
+void LayoutListWidget::addLayout(API::LayoutPtr newLayout)
+{
+    client->addLayout(newLayout);
+}
+
+void LayoutListWidget::saveLayouts()
+{
+    client->saveLayoutsToFile();
+    client->saveLayoutsToAPI();
+}
+
+void LayoutListWidget::deleteLayout(API::LayoutPtr layout)
+{
+    client->deleteLayout(layout);
+    saveLayouts();
+}
+
+void LayoutListWidget::search(QString name)
+{
+    searchText = name;
+    for (auto entry = cards.cbegin(); entry != cards.cend(); ++entry) {
+        const bool matches = entry.key()->name().indexOf(name, 0, Qt::CaseInsensitive) >= 0;
+        entry.value()->setVisible(matches);
+    }
+}
+
+} // namespace GUI
+} // namespace ZorvaneClient

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDateTime>
+#include <QList>
+#include <QWidget>
+
+#include "API/Types.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+
+namespace Player {
+class VideoWidget;
+}
+
+namespace Internal {
+class LayoutWidgetPrivate;
+}
+
+/// The grid that shows one layout: a tile for each camera, a placeholder in each empty cell.
+/// Keeps the layout as opened apart from the layout as edited. Starts no playback by itself.
+class LayoutWidget : public QWidget
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(LayoutWidget)
+
+public:
+    explicit LayoutWidget(QWidget *parent = nullptr);
+    ~LayoutWidget() override;
+
+    /// The layout as shown, with the edits.
+    API::LayoutPtr workingLayout() const;
+    /// The layout as opened.
+    API::LayoutPtr savedLayout() const;
+
+    bool isPaused() const;
+    /// True as soon as one tile plays.
+    bool isPlaying() const;
+    int playerCount() const;
+    QList<Player::VideoWidget *> players() const;
+    /// The first tile of `camera`, or null.
+    Player::VideoWidget *player(const API::CameraPtr &camera) const;
+    /// Clock of the playing tile that is furthest behind; now if none plays.
+    QDateTime earliestPlaybackTime() const;
+    void setTime(QDateTime time);
+
+public slots:
+    /// Puts `camera` in the place of the sending tile or placeholder, else in the first free
+    /// cell; without a free cell nothing happens.
+    void addCamera(API::CameraPtr camera);
+    void addCamera(API::CameraPtr camera, API::LayoutPoint position, API::CellSize span);
+    /// Closes every tile of `camera`.
+    void removeCamera(API::CameraPtr camera);
+    void setActiveCamera(API::CameraPtr camera);
+    void setSoundVolume(int volume);
+    void enableSound(bool enable);
+    /// Lets the quality follow the size of the grid.
+    void updateQuality();
+    /// Gives every tile the same quality, 0 to 2.
+    void updateQuality(int quality);
+    void openLayout(API::LayoutPtr layout);
+    void resizeLayout(int rows, int columns);
+    void playLive();
+    void stop();
+    void pause();
+    void unpause();
+    void setArchiveMode();
+    void clear();
+    void saveLayout(QString layoutName);
+
+signals:
+    void cameraClosed(API::CameraPtr camera);
+    void cameraAdded(API::CameraPtr camera);
+    void serverAdded(API::ServerPtr server);
+    void clicked(API::CameraPtr camera);
+    void msecsAdded(qlonglong delta);
+    void layoutModified();
+    void layoutDropped(API::LayoutPtr layout);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private slots:
+    void onMsecsAdded(qlonglong delta);
+    void exchangeCells(int row, int column);
+    void showSnapshotHint(QString path);
+    void updateHintPositions();
+    void removePlayer(Player::VideoWidget *widget);
+
+private:
+    void makeGrid();
+    void ensureWorkingCopy();
+    void addPlaceholder(int row, int column, int rowSpan, int columnSpan);
+    Player::VideoWidget *createTile(const API::CameraPtr &camera);
+    void addToFreeCell(const API::CameraPtr &camera);
+    /// Takes the widget in a cell out of the grid and releases it once its signal is over.
+    void releaseWidgetAt(int row, int column);
+    void addNotification(const QString &text, bool error);
+    void setDropTarget(bool isTarget);
+    void dropServer(const QByteArray &bytes);
+    void dropLayout(const QByteArray &bytes);
+
+    QSharedPointer<Internal::LayoutWidgetPrivate> d;
+};
+
+} // namespace GUI
+} // namespace ZorvaneClient

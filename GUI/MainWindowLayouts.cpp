@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+// Opening, editing and closing layouts.
+#include "GUI/MainWindow.h"
+
+#include <QDebug>
+#include <QMessageBox>
+
+#include "API/CloudAPIClient.h"
+#include "API/Layout.h"
+#include "GUI/ControlPanel.h"
+#include "GUI/InfoPanel.h"
+#include "GUI/LayoutListWidget.h"
+#include "GUI/LayoutWidget.h"
+#include "GUI/RosterWidget.h"
+#include "GUI/SideBar.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+
+namespace {
+
+constexpr int newLayoutSide = 2;
+
+} // namespace
+
+/// Asks about unsaved edits and saves them if told so; true if the user cancels.
+bool MainWindow::keepsModifiedLayout()
+{
+    if (infoPanel->mode() != InfoPanel::EditMode && infoPanel->mode() != InfoPanel::UnsavedMode)
+        return false;
+    QMessageBox question(this);
+    question.setText(tr("The layout has been modified."));
+    question.setInformativeText(tr("Do you want to save your changes?"));
+    question.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    question.setDefaultButton(QMessageBox::Save);
+    question.setStyleSheet(QStringLiteral("font-size: 14px;"));
+    question.setWindowModality(Qt::WindowModal);
+    const int answer = question.exec();
+    if (answer == QMessageBox::Save)
+        saveLayout();
+    return answer == QMessageBox::Cancel;
+}
+
+bool MainWindow::openLayout(API::LayoutPtr layout)
+{
+    qDebug() << "Open layout";
+    if (keepsModifiedLayout())
+        return false;
+    controlPanel->resetQuality();
+    prepareToLive();
+    layoutWidget->openLayout(layout);
+    layoutWidget->updateQuality();
+    infoPanel->setCurrentLayout(layout);
+    if (const API::CameraPtr camera = firstCamera())
+        activateCamera(camera);
+    layoutWidget->setSoundVolume(controlPanel->volume());
+    layoutWidget->enableSound(controlPanel->isSoundEnabled());
+    update();
+    return true;
+}
+
+void MainWindow::openNewLayout()
+{
+    const auto layout = API::LayoutPtr::create();
+    layout->resize(newLayoutSide, newLayoutSide);
+    openLayout(layout);
+    setRosterMode();
+    infoPanel->enterEditMode();
+    newLayoutUntouched = true;
+}
+
+void MainWindow::resizeLayout(int row, int column)
+{
+    layoutWidget->resizeLayout(row, column);
+}
+
+void MainWindow::layoutModified()
+{
+    newLayoutUntouched = false;
+    infoPanel->enterEditMode();
+    controlPanel->setEmptyMode(!firstCamera());
+    const API::LayoutPtr layout = layoutWidget->workingLayout();
+    sideBar->rosterWidget()->setAddToLayoutEnabled(layout && layout->freeCellCount() != 0);
+}
+
+void MainWindow::saveLayout()
+{
+    layoutWidget->saveLayout(infoPanel->layoutName());
+    LayoutListWidget *list = sideBar->layoutListWidget();
+    if (!layoutListHolds(layoutWidget->savedLayout()))
+        list->addLayout(layoutWidget->savedLayout());
+    list->saveLayouts();
+    list->updateLayouts();
+    infoPanel->enterViewMode();
+}
+
+bool MainWindow::layoutListHolds(const API::LayoutPtr &layout) const
+{
+    return layout && sideBar->layoutListWidget()->hasLayout(layout);
+}
+
+void MainWindow::cancelLayout()
+{
+    const API::LayoutPtr saved = layoutWidget->savedLayout();
+    const API::LayoutPtr working = layoutWidget->workingLayout();
+    if (newLayoutUntouched) {
+        infoPanel->enterEmptyMode();
+        closeCurrentView();
+    } else if (saved && working && *saved == *working) {
+        infoPanel->enterViewMode();
+    } else if (layoutListHolds(saved)) {
+        openLayout(saved);
+    } else {
+        closeCurrentView();
+    }
+}
+
+void MainWindow::closeCurrentView()
+{
+    if (openLayout(API::LayoutPtr::create()))
+        infoPanel->enterEmptyMode();
+}
+
+void MainWindow::forceCloseView()
+{
+    infoPanel->enterEmptyMode();
+    closeCurrentView();
+}
+
+} // namespace GUI
+} // namespace ZorvaneClient

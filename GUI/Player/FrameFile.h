@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QFile>
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+namespace ZorvaneClient {
+namespace GUI {
+namespace Player {
+namespace Internal {
+
+/// The file in the temporary folder through which a child hands its frames to a tile: pixels
+/// in the order blue, green, red, alpha, rows from the top, no header. The child writes while
+/// the tile reads.
+class FrameFile
+{
+public:
+    static constexpr qint64 byteCount = 12582912;
+
+    /// Takes the next name of this process. Makes no file.
+    FrameFile();
+    /// Removes the file.
+    ~FrameFile();
+    Q_DISABLE_COPY(FrameFile)
+
+    /// Bare name: the child looks in the same temporary folder.
+    QString name() const;
+    /// Makes the file, readable by its owner only, and maps it; once that is done, does nothing.
+    /// False, with a warning in the log and no file left, if it can't.
+    bool open();
+
+    /// The current frame in place, with no copy; valid as long as this object. Null if there
+    /// is no file yet or it has no room for `size`.
+    QImage image(QSize size) const;
+    static bool hasRoomFor(QSize size);
+
+private:
+    bool map();
+
+    QString frameFileName;
+    QFile file;
+    uchar *frameMemory = nullptr;
+};
+
+} // namespace Internal
+} // namespace Player
+} // namespace GUI
+} // namespace ZorvaneClient

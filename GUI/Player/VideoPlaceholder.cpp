@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "GUI/Player/VideoPlaceholder.h"
+
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QStyleOption>
+
+#include "GUI/Player/DropDecoder.h"
+#include "ui_VideoPlaceholder.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+namespace Player {
+
+namespace {
+
+constexpr auto dropProperty = "drop";
+
+} // namespace
+
+VideoPlaceholder::VideoPlaceholder(QWidget *parent) : QWidget(parent), ui(new Ui::VideoPlaceholder)
+{
+    ui->setupUi(this);
+}
+
+VideoPlaceholder::~VideoPlaceholder() = default;
+
+API::CellSize VideoPlaceholder::span() const
+{
+    return API::CellSize{columnSpan, rowSpan};
+}
+
+void VideoPlaceholder::paintEvent(QPaintEvent *)
+{
+    QStyleOption option;
+    option.initFrom(this);
+    QPainter painter(this);
+    style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
+}
+
+void VideoPlaceholder::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!acceptsDrag(*event, *this)) {
+        event->ignore();
+        return;
+    }
+    event->acceptProposedAction();
+    if (property(dropProperty).toString() != QLatin1String("true"))
+        setDropTarget(true);
+}
+
+void VideoPlaceholder::dragLeaveEvent(QDragLeaveEvent *)
+{
+    setDropTarget(false);
+}
+
+void VideoPlaceholder::dropEvent(QDropEvent *event)
+{
+    setDropTarget(false);
+    if (event->source() == this && event->possibleActions().testFlag(Qt::MoveAction))
+        return;
+    if (event->proposedAction() == Qt::CopyAction) {
+        event->acceptProposedAction();
+        const API::CameraPtr camera = droppedCamera(*event->mimeData());
+        if (camera)
+            emit openCamera(camera);
+    } else if (event->proposedAction() == Qt::MoveAction) {
+        event->acceptProposedAction();
+        API::LayoutPoint cell;
+        if (readDroppedCell(*event->mimeData(), cell))
+            emit swapRequested(cell.row, cell.column);
+    }
+}
+
+void VideoPlaceholder::setDropTarget(bool isDropTarget)
+{
+    setProperty(dropProperty, isDropTarget);
+    style()->unpolish(this);
+    ensurePolished();
+    update();
+}
+
+} // namespace Player
+} // namespace GUI
+} // namespace ZorvaneClient

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDateTime>
+#include <QScopedPointer>
+#include <QSharedPointer>
+#include <QString>
+#include <QWidget>
+
+#include "API/Types.h"
+#include "App/QtShims.h"
+
+QT_BEGIN_NAMESPACE
+namespace Ui {
+class VideoWidget;
+}
+QT_END_NAMESPACE
+
+namespace ZorvaneClient {
+namespace GUI {
+namespace Player {
+
+namespace Internal {
+class VideoWidgetPrivate;
+struct BorderRule;
+struct PlayerEvent;
+} // namespace Internal
+
+/// One tile of the grid: plays one camera, live or from the archive, through a child process
+/// of its own that decodes into a file which the tile maps and paints from.
+/// The camera never changes. Starting and ending a child block until it has started or ended.
+class VideoWidget : public QWidget
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(VideoWidget)
+
+public:
+    explicit VideoWidget(API::CameraPtr camera, QWidget *parent = nullptr);
+    /// Ends the child and removes the frame file.
+    ~VideoWidget() override;
+
+    API::CameraPtr camera() const;
+    API::LayoutPoint position() const;
+    API::CellSize span() const;
+    /// The time on the tile's clock.
+    QDateTime playbackTime() const;
+    /// Live: frames arrive. Archive: there is a child that has not failed.
+    bool isPlaying() const;
+
+public slots:
+    /// Starts a child on `url` in place of the one that runs. False, with a text in the tile,
+    /// if the camera can't be played; false with error() if there is no frame file. A program
+    /// that can't be started gives true.
+    bool play(QString url);
+    bool playLive();
+    bool playArchive(QDateTime start, QDateTime end, int speed);
+    bool playArchive(QDateTime start, QDateTime end);
+    /// Plays from `start` to the end of the record that holds it.
+    bool playArchive(QDateTime start, int speed);
+    bool playArchive(QDateTime start);
+    /// Sets the mode and nothing else.
+    void setArchiveMode(bool archivePlaying);
+    void stop();
+    void pause();
+    void unpause();
+    /// Heard only while the tile is active and sound is enabled.
+    void setSoundVolume(int volume);
+    void enableSound(bool enable);
+    void setTime(QDateTime dateTime);
+    void setCameraName(QString name);
+    /// Takes effect on the sound at the next volume command or start of the child.
+    void setActive(bool isActive);
+    void setPosition(int row, int column);
+    void setSpan(int rowSpan, int columnSpan);
+    /// 0 to 2, low to high; other values are ignored. A change restarts what plays.
+    void setQuality(int quality);
+
+signals:
+    /// The frame file could not be made.
+    void error();
+    /// The tile's clock moved by `msecs` with the stream's position.
+    void msecsAdded(qlonglong msecs);
+    void closed(Player::VideoWidget *widget);
+    void clicked(API::CameraPtr camera);
+    /// The tile at (`row`, `column`) was dropped here.
+    void swapRequested(int row, int column);
+    /// Another camera was dropped here.
+    void openCamera(API::CameraPtr camera);
+    /// A snapshot was written into the folder `path`, or at least tried.
+    void snapshotSaved(QString path);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void enterEvent(EnterEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private slots:
+    void readPlayerState();
+    void readPlayerErrors();
+    void orientationChanged();
+    void onFlagsChanged();
+    void on_closeButton_clicked();
+    void on_actionClose_triggered();
+    void on_cameraScreenshotButton_clicked();
+
+private:
+    void setUpBars();
+    void setUpPlayer();
+    void deliverPendingCommands();
+    void sendCommand(const QString &command);
+    void sendVolume();
+    void closePlayer();
+    void applyPlayerEvent(const Internal::PlayerEvent &event);
+    void applyVlcState(const QString &vlcState);
+    void applyPosition(const QString &text);
+    void presentFrame();
+    void reloadByTimer();
+    void showSpinner();
+    void hideSpinner();
+    void showError(const QString &text);
+    void clearImage();
+    void showBars(bool visible);
+    void updateAspectRatio();
+    Internal::BorderRule borderRule() const;
+    void dragTile();
+    void dumpState() const;
+
+    QScopedPointer<Ui::VideoWidget> ui;
+    QSharedPointer<Internal::VideoWidgetPrivate> d;
+};
+
+} // namespace Player
+} // namespace GUI
+} // namespace ZorvaneClient

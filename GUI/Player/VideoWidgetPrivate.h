@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDateTime>
+#include <QImage>
+#include <QProcess>
+#include <QSharedPointer>
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+#include "API/Types.h"
+#include "GUI/Player/FrameFile.h"
+#include "GUI/Player/PictureGeometry.h"
+#include "GUI/Player/TileState.h"
+#include "GUI/Player/Watchdog.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+namespace Player {
+namespace Internal {
+
+constexpr int highestQuality = 2;
+
+class VideoWidgetPrivate
+{
+public:
+    QString url;
+    int state = Idle;
+    QString errorText; ///< stands in the middle of the tile in place of a picture
+    Watchdog watchdog;
+    bool archivePlaying = false;
+
+    QSharedPointer<QProcess> playerProcess;
+    QStringList pendingCommands; ///< given while no child ran
+    FrameFile frameFile;
+    QString vlcState = QStringLiteral("unknown");
+
+    bool hasPicture = false;
+    QImage image; ///< over the memory of `frameFile`
+    int videoWidth = 320;
+    int videoHeight = 240;
+    QSize refusedSize; ///< the size last logged as too large
+    double aspectRatio = defaultAspectRatio;
+
+    int volume = 0;
+    bool soundEnabled = true;
+    int speed = 1; ///< of the archive; live play leaves it alone
+    int quality = highestQuality;
+    QDateTime playbackTime;
+    QDateTime baseTime; ///< when the stream began: now for live, the requested start for archive
+    QDateTime endTime;
+    API::CameraPtr camera;
+
+    bool isActive = false;
+    int pressX = 0;
+    int pressY = 0;
+    int row = 0;
+    int column = 0;
+    int rowSpan = 1;
+    int columnSpan = 1;
+    bool isDragging = false;
+    bool isDropTarget = false;
+    bool isHovered = false;
+
+    QSize streamSize() const { return QSize(videoWidth, videoHeight); }
+    int effectiveVolume() const { return isActive && soundEnabled ? volume : 0; }
+    bool childRuns() const { return playerProcess->state() == QProcess::Running; }
+};
+
+} // namespace Internal
+} // namespace Player
+} // namespace GUI
+} // namespace ZorvaneClient

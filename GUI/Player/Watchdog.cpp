@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#include "GUI/Player/Watchdog.h"
+
+#include "GUI/Player/TileState.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+namespace Player {
+namespace Internal {
+
+void Watchdog::started(const QDateTime &now)
+{
+    lastRequestTime = now;
+    freezeTime = now;
+    reloadsCount = 0;
+}
+
+bool Watchdog::isFrozen(const QDateTime &now) const
+{
+    return lastRequestTime.secsTo(now) > requestTimeoutSecs &&
+           freezeTime.secsTo(now) > freezeTimeoutSecs;
+}
+
+Watchdog::Verdict Watchdog::judge(int state, bool archivePlaying, bool childRuns,
+                                  const QDateTime &now) const
+{
+    const bool diedPlaying = !childRuns && state == Playing;
+    if (archivePlaying || (state != Error && !diedPlaying))
+        return Verdict::Wait;
+    if (reloadsCount >= maxReloads)
+        return Verdict::GiveUp;
+    return isFrozen(now) ? Verdict::Reload : Verdict::Wait;
+}
+
+} // namespace Internal
+} // namespace Player
+} // namespace GUI
+} // namespace ZorvaneClient

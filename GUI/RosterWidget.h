@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QMap>
+#include <QScrollArea>
+#include <QString>
+
+#include "API/CloudAPIClient.h"
+#include "API/Types.h"
+
+class QVBoxLayout;
+
+namespace ZorvaneClient {
+namespace GUI {
+
+class ServerWidget;
+
+/// The page of the side bar that lists the servers with the cards of their cameras. Asks the
+/// service for the roster as long as it exists; only cards in view ask for previews.
+class RosterWidget : public QScrollArea
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(RosterWidget)
+
+public:
+    explicit RosterWidget(QWidget *parent = nullptr);
+
+signals:
+    void openCamera(API::CameraPtr camera);
+    void addToLayout(API::CameraPtr camera);
+    void openInNewWindow(API::CameraPtr camera);
+    void editServer(API::ServerPtr server);
+
+public slots:
+    /// Opens the servers with a camera whose name contains `name`, closes those that match in
+    /// nothing, and marks what was found. An empty text restores what was open before.
+    void search(QString name);
+    /// Takes over the process-wide roster as it is now.
+    void updateRoster();
+    void setAddToLayoutEnabled(bool enabled);
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private slots:
+    void deleteServer(API::ServerPtr server);
+    void updatePreviews();
+
+private:
+    void startPolling();
+    void removeStaleServers(const QMap<API::server_id_t, API::ServerPtr> &list);
+    ServerWidget *createServer(const API::ServerPtr &server);
+    void rebuildOrder();
+    void prepareFirstCards();
+
+    QMap<API::server_id_t, ServerWidget *> servers;
+    QVBoxLayout *serversLayout = nullptr;
+    API::CloudAPIClient client;
+    QString searchText;
+};
+
+} // namespace GUI
+} // namespace ZorvaneClient

@@ -1,0 +1,233 @@
+// SPDX-License-Identifier: MIT
+#include "GUI/ServerWidget.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QDataStream>
+#include <QEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QVBoxLayout>
+
+#include "API/Camera.h"
+#include "API/Server.h"
+#include "GUI/CameraWidget.h"
+#include "GUI/CardDrag.h"
+#include "GUI/WidgetOrder.h"
+#include "ui_ServerWidget.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+
+namespace {
+
+constexpr int cardSpacingPixels = 8;
+constexpr int cardsMarginPixels = 5;
+constexpr QPoint notPressed(-1, -1);
+
+} // namespace
+
+ServerWidget::ServerWidget(API::ServerPtr server, QWidget *parent)
+    : QWidget(parent), ui(new Ui::ServerWidget), shownServer(server)
+{
+    ui->setupUi(this);
+    connect(server.data(), &API::Server::aliasChanged, this, &ServerWidget::updateServerName);
+
+    cardsLayout = new QVBoxLayout(ui->container);
+    cardsLayout->setContentsMargins(0, cardsMarginPixels, 0, cardsMarginPixels);
+    cardsLayout->setSpacing(cardSpacingPixels);
+    noCamerasLabel = new QLabel(tr("No cameras attached"), ui->container);
+    noCamerasLabel->setObjectName(QStringLiteral("noCamerasLabel"));
+    noCamerasLabel->setAlignment(Qt::AlignHCenter);
+    noCamerasLabel->hide();
+
+    connect(ui->expandButton, &QCheckBox::stateChanged, ui->container,
+            [this](int state) { ui->container->setVisible(state == Qt::Checked); });
+    ui->controlBar->installEventFilter(this);
+    if (!server->isLocal())
+        ui->settingsButton->hide();
+    createMenu();
+    updateServer(server);
+    ui->expandButton->setChecked(true);
+}
+
+ServerWidget::~ServerWidget() = default;
+
+void ServerWidget::createMenu()
+{
+    auto *menu = new QMenu(this);
+    menu->addAction(tr("Delete"), this, QOverload<>::of(&ServerWidget::deleteServer));
+    ui->settingsButton->setMenu(menu);
+}
+
+API::ServerPtr ServerWidget::server() const
+{
+    return shownServer;
+}
+
+QList<CameraWidget *> ServerWidget::cameraWidgets() const
+{
+    return cards.values();
+}
+
+void ServerWidget::updateServer(API::ServerPtr server)
+{
+    updateServerName(server->alias());
+    shownServer->setFlags(server->flags());
+    const QMap<API::camera_id_t, API::CameraPtr> cameras = server->cameras();
+    removeStaleCards(cameras);
+    updateCards(cameras);
+    arrangeCards(server->sortedCameras());
+    updateState();
+}
+
+/// A LAN server that was out of reach comes back with new camera objects under the old
+/// numbers: they get new cards.
+void ServerWidget::removeStaleCards(const QMap<API::camera_id_t, API::CameraPtr> &cameras)
+{
+    for (auto entry = cards.begin(); entry != cards.end();) {
+        CameraWidget *card = entry.value();
+        if (cameras.value(entry.key()) == card->camera()) {
+            ++entry;
+            continue;
+        }
+        cardsLayout->removeWidget(card);
+        entry = cards.erase(entry);
+        card->hide();
+        card->deleteLater();
+    }
+}
+
+void ServerWidget::updateCards(const QMap<API::camera_id_t, API::CameraPtr> &cameras)
+{
+    for (auto entry = cameras.cbegin(); entry != cameras.cend(); ++entry) {
+        if (CameraWidget *card = cards.value(entry.key(), nullptr)) {
+            card->updateCamera(entry.value());
+        } else {
+            cards.insert(entry.key(), createCard(entry.value()));
+        }
+    }
+}
+
+CameraWidget *ServerWidget::createCard(const API::CameraPtr &camera)
+{
+    auto *card = CameraWidget::createUnprepared(camera, ui->container);
+    connect(card, &CameraWidget::openCamera, this, &ServerWidget::openCamera);
+    connect(card, &CameraWidget::addToLayout, this, &ServerWidget::addToLayout);
+    connect(card, &CameraWidget::openInNewWindow, this, &ServerWidget::openInNewWindow);
+    return card;
+}
+
+void ServerWidget::arrangeCards(const QList<API::CameraPtr> &sorted)
+{
+    QList<QWidget *> order;
+    for (const API::CameraPtr &camera : sorted) {
+        if (CameraWidget *card = cards.value(camera->id(), nullptr))
+            order.append(card);
+    }
+    if (sorted.isEmpty())
+        order.append(noCamerasLabel);
+    noCamerasLabel->setVisible(sorted.isEmpty());
+    setWidgetOrder(cardsLayout, order);
+}
+
+void ServerWidget::updateState()
+{
+    ui->serverOfflineImage->setVisible(shownServer->flags() == API::ServerOffline);
+}
+
+void ServerWidget::expand()
+{
+    ui->expandButton->setChecked(true);
+}
+
+void ServerWidget::collapse()
+{
+    ui->expandButton->setChecked(false);
+}
+
+void ServerWidget::setFlatMode(bool enabled)
+{
+    ui->controlBar->setVisible(!enabled);
+    ui->line->setVisible(!enabled);
+    draggable = !enabled;
+    if (enabled)
+        expand();
+}
+
+void ServerWidget::saveExpandState()
+{
+    if (expandSaved)
+        return;
+    savedExpanded = ui->expandButton->isChecked();
+    expandSaved = true;
+}
+
+void ServerWidget::restoreExpandState()
+{
+    if (!expandSaved)
+        return;
+    ui->expandButton->setChecked(savedExpanded);
+    expandSaved = false;
+}
+
+void ServerWidget::highlight(QString text)
+{
+    ui->serverName->highlight(text);
+}
+
+void ServerWidget::highlightOff()
+{
+    highlight(QString());
+}
+
+void ServerWidget::updateServerName(QString name)
+{
+    ui->serverName->setText(name);
+}
+
+void ServerWidget::deleteServer()
+{
+    emit deleteServer(shownServer);
+}
+
+void ServerWidget::setAddToLayoutEnabled(bool enabled)
+{
+    for (CameraWidget *card : qAsConst(cards))
+        card->setAddToLayoutEnabled(enabled);
+}
+
+bool ServerWidget::eventFilter(QObject *object, QEvent *event)
+{
+    if (object != ui->controlBar)
+        return QWidget::eventFilter(object, event);
+    if (event->type() == QEvent::MouseButtonRelease)
+        ui->expandButton->toggle();
+    return false;
+}
+
+void ServerWidget::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton)
+        pressPosition = event->pos();
+}
+
+void ServerWidget::mouseMoveEvent(QMouseEvent *event)
+{
+    const bool held = event->buttons().testFlag(Qt::LeftButton) && pressPosition != notPressed;
+    const int distance = (event->pos() - pressPosition).manhattanLength();
+    if (!draggable || !held || distance < QApplication::startDragDistance())
+        return;
+    pressPosition = notPressed;
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream << shownServer->id();
+    auto *mimeData = new QMimeData;
+    mimeData->setData(QStringLiteral("server"), bytes);
+    dragCard(this, mimeData, Qt::MoveAction);
+}
+
+} // namespace GUI
+} // namespace ZorvaneClient

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "GUI/SideBar.h"
+
+#include <QGraphicsDropShadowEffect>
+
+#include "ui_SideBar.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+
+namespace {
+
+constexpr qreal shadowDownPixels = 1;
+constexpr qreal shadowBlurPixels = 5;
+const QColor shadowColor(208, 212, 218, 255);
+
+} // namespace
+
+SideBar::SideBar(QWidget *parent) : QWidget(parent), ui(new Ui::SideBar)
+{
+    ui->setupUi(this);
+    connect(ui->hideRosterButton, &QPushButton::clicked, this, &SideBar::hideRequest);
+    connect(ui->searchEdit, &QLineEdit::textChanged, ui->rosterWidget, &RosterWidget::search);
+    connect(ui->searchEdit, &QLineEdit::textChanged, ui->layoutListWidget,
+            &LayoutListWidget::search);
+
+    auto *shadow = new QGraphicsDropShadowEffect(ui->searchEdit);
+    shadow->setOffset(0, shadowDownPixels);
+    shadow->setColor(shadowColor);
+    shadow->setBlurRadius(shadowBlurPixels);
+    ui->searchEdit->setGraphicsEffect(shadow);
+    setRosterMode();
+}
+
+SideBar::~SideBar() = default;
+
+RosterWidget *SideBar::rosterWidget() const
+{
+    return ui->rosterWidget;
+}
+
+LayoutListWidget *SideBar::layoutListWidget() const
+{
+    return ui->layoutListWidget;
+}
+
+void SideBar::setRosterMode()
+{
+    ui->stack->setCurrentWidget(ui->rosterPage);
+    ui->headerStack->setCurrentWidget(ui->searchPage);
+    ui->searchEdit->setPlaceholderText(QObject::tr("Search for cameras..."));
+}
+
+void SideBar::setLayoutsMode()
+{
+    ui->stack->setCurrentWidget(ui->layoutsListPage);
+    ui->headerStack->setCurrentWidget(ui->searchPage);
+    ui->searchEdit->setPlaceholderText(QObject::tr("Search for layouts..."));
+}
+
+} // namespace GUI
+} // namespace ZorvaneClient

@@ -1,0 +1,252 @@
+// SPDX-License-Identifier: MIT
+// What a painted frame costs the client: tiles of 640x360 sources in a window of 1280x720,
+// frames announced by real children, beside a bare QPainter loop that scales such pictures at
+// the same pace into the same places of an image like the window's. CPU of this process only.
+#include <QApplication>
+#include <QBackingStore>
+#include <QElapsedTimer>
+#include <QGridLayout>
+#include <QImage>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QTextStream>
+#include <QTimer>
+#include <QVector>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include <time.h>
+
+#include "API/Camera.h"
+#include "GUI/Player/FrameFile.h"
+#include "GUI/Player/PictureGeometry.h"
+#include "GUI/Player/VideoWidget.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScriptedChild.h"
+
+using namespace ZorvaneClient;
+using GUI::Player::VideoWidget;
+using GUI::Player::Internal::FrameFile;
+
+namespace {
+
+constexpr QSize windowSize(1280, 720);
+constexpr QSize streamSize(640, 360);
+constexpr int framesPerSecond = 25;
+constexpr int rounds = 5;
+constexpr int roundMsecs = 1200;
+constexpr int warmUpMsecs = 500;
+constexpr int settleMsecs = 100;
+constexpr int patienceMsecs = 30000;
+constexpr int gridMargin = 2;
+
+constexpr int judgedTiles = 16;
+constexpr double wantedRatio = 1.3;
+
+double cpuMicroseconds()
+{
+    timespec time;
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return time.tv_sec * 1e6 + time.tv_nsec / 1e3;
+}
+
+class PaintCounter : public QObject
+{
+public:
+    int paints = 0;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        paints += event->type() == QEvent::Paint;
+        return false;
+    }
+};
+
+API::CameraPtr camera(int number)
+{
+    const auto camera = API::CameraPtr::create();
+    camera->setKind(API::LocalCamera);
+    camera->setId(QStringLiteral("127.0.0.1:1"), number);
+    camera->setName(QStringLiteral("Camera %1").arg(number));
+    return camera;
+}
+
+void spin(int msecs)
+{
+    QEventLoop loop;
+    QTimer::singleShot(msecs, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+/// A window of `side` by `side` tiles that play.
+class TileWindow
+{
+public:
+    explicit TileWindow(int side)
+    {
+        auto *grid = new QGridLayout(&window);
+        grid->setContentsMargins(gridMargin, gridMargin, gridMargin, gridMargin);
+        grid->setSpacing(gridMargin);
+        for (int cell = 0; cell < side * side; ++cell) {
+            auto *tile = new VideoWidget(camera(cell), &window);
+            grid->addWidget(tile, cell / side, cell % side);
+            tiles << tile;
+        }
+        window.resize(windowSize);
+        window.show();
+        for (VideoWidget *tile : qAsConst(tiles)) {
+            tile->playLive();
+            tile->installEventFilter(&counter);
+        }
+        waitUntilAllPlay();
+        spin(warmUpMsecs);
+    }
+
+    /// CPU microseconds for each frame painted in one round.
+    double cost()
+    {
+        spin(settleMsecs); // takes what the children said meanwhile
+        counter.paints = 0;
+        const double start = cpuMicroseconds();
+        spin(roundMsecs);
+        return (cpuMicroseconds() - start) / qMax(1, counter.paints);
+    }
+
+    /// Where the pictures stand in the window.
+    QVector<QRect> places() const
+    {
+        const double ratio = double(streamSize.width()) / streamSize.height();
+        QVector<QRect> result;
+        for (const VideoWidget *tile : tiles)
+            result
+                << GUI::Player::Internal::fitPicture(tile->size(), ratio).translated(tile->pos());
+        return result;
+    }
+
+    QImage::Format surfaceFormat() const
+    {
+        const auto *surface = dynamic_cast<QImage *>(window.backingStore()->paintDevice());
+        return surface ? surface->format() : QImage::Format_RGB32;
+    }
+
+private:
+    void waitUntilAllPlay()
+    {
+        QElapsedTimer patience;
+        patience.start();
+        const auto isPlaying = [](const VideoWidget *tile) { return tile->isPlaying(); };
+        while (!std::all_of(tiles.cbegin(), tiles.cend(), isPlaying)) {
+            if (patience.elapsed() > patienceMsecs)
+                qFatal("the tiles don't play");
+            spin(warmUpMsecs);
+        }
+    }
+
+    PaintCounter counter;
+    QWidget window;
+    QVector<VideoWidget *> tiles;
+};
+
+/// Scales pictures of its own into the same places at the same pace, and nothing else.
+class BareLoop
+{
+public:
+    BareLoop(const QVector<QRect> &places, QImage::Format surfaceFormat)
+        : targets(places), surface(windowSize, surfaceFormat)
+    {
+        surface.fill(Qt::black);
+        for (int i = 0; i < targets.size(); ++i) {
+            files.push_back(std::make_unique<FrameFile>());
+            if (!files.back()->open())
+                qFatal("no frame file");
+            QImage picture = files.back()->image(streamSize);
+            picture.fill(Qt::red);
+            picture.reinterpretAsFormat(QImage::Format_RGB32);
+            pictures << picture;
+        }
+    }
+
+    double cost()
+    {
+        const int frames = framesPerSecond * pictures.size() * roundMsecs / 1000;
+        const std::chrono::microseconds interval(1000000 / framesPerSecond / pictures.size());
+        const double start = cpuMicroseconds();
+        auto next = std::chrono::steady_clock::now();
+        for (int frame = 0; frame < frames; ++frame) {
+            std::this_thread::sleep_until(next += interval);
+            const int i = frame % pictures.size();
+            QPainter painter(&surface);
+            painter.drawImage(QRectF(targets.at(i)), pictures.at(i), QRectF(pictures.at(i).rect()));
+        }
+        return (cpuMicroseconds() - start) / frames;
+    }
+
+private:
+    QVector<QRect> targets;
+    QImage surface;
+    std::vector<std::unique_ptr<FrameFile>> files;
+    QVector<QImage> pictures;
+};
+
+struct Costs {
+    double client = 0;
+    double bare = 0;
+};
+
+/// The least disturbed rounds of both, taken in turns so that both meet the same machine.
+Costs measure(int side)
+{
+    TileWindow window(side);
+    BareLoop loop(window.places(), window.surfaceFormat());
+    Costs least{window.cost(), loop.cost()};
+    for (int round = 1; round < rounds; ++round) {
+        least.client = std::min(least.client, window.cost());
+        least.bare = std::min(least.bare, loop.cost());
+    }
+    return least;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    if (application.arguments().size() > 1) {
+        QTextStream(stderr) << "usage: bench_paint\n";
+        return 2;
+    }
+    const QTemporaryDir folder; // away from the frame files of other processes
+    qputenv("TMPDIR", QFile::encodeName(folder.path()));
+    const Tests::LogCapture log; // keeps the tiles' debug lines off the table
+    const Tests::ScriptedChild child({QStringLiteral("solid 640 360 ff0000ff"),
+                                      QStringLiteral("print size 640 360\\n"),
+                                      QStringLiteral("pace %1 frame\\n").arg(framesPerSecond)});
+
+    QTextStream out(stdout);
+    out << "CPU for each painted frame, 640x360 sources in a window of 1280x720\n"
+        << "tiles   client us   bare us   ratio\n";
+    bool passed = true;
+    for (int side : {1, 2, 4, 6}) {
+        const int tiles = side * side;
+        const Costs costs = measure(side);
+        const double ratio = costs.client / costs.bare;
+        out << qSetFieldWidth(5) << tiles << qSetFieldWidth(12)
+            << QString::number(costs.client, 'f', 1) << qSetFieldWidth(10)
+            << QString::number(costs.bare, 'f', 1) << qSetFieldWidth(8)
+            << QString::number(ratio, 'f', 2) << qSetFieldWidth(0);
+        if (tiles == judgedTiles) {
+            passed = ratio <= wantedRatio;
+            out << (passed ? "   pass" : "   FAIL") << " (at most " << wantedRatio << ")";
+        }
+        out << "\n";
+        out.flush();
+    }
+    return passed ? 0 : 1;
+}

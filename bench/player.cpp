@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: MIT
+// What the companion player costs beside a loop that only decodes the same stream: processor
+// time for each picture, resident memory, and the time to the first picture.
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <optional>
+#include <vector>
+
+#include "companion/AvHandles.h"
+#include "tests/support/FlvClip.h"
+#include "tests/support/PlayerProcess.h"
+#include "tests/support/StreamServer.h"
+
+using namespace ZorvaneClient::Tests;
+using namespace ZorvaneClient::Companion;
+
+namespace {
+
+constexpr int runs = 5;
+constexpr int startRuns = 9;
+constexpr int clipMilliseconds = 9000;
+constexpr int measuredPictures = 200;
+constexpr long pictureNanoseconds = 40'000'000;
+constexpr int runLimitMilliseconds = 30'000;
+
+constexpr double maxCpuRatio = 1.15;
+constexpr double maxMebibytes = 60;
+constexpr double maxFirstFrameMilliseconds = 150;
+
+enum class Pace { Stream, FlatOut };
+
+struct PlayerRun {
+    double cpuMilliseconds = 0; ///< for each picture after the first
+    double mebibytes = 0;
+    double firstFrameMilliseconds = 0;
+};
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+double millisecondsOf(clockid_t id)
+{
+    timespec time = {};
+    clock_gettime(id, &time);
+    return time.tv_sec * 1e3 + time.tv_nsec / 1e6;
+}
+
+CodecHandle openDecoder(const AVCodecParameters *parameters)
+{
+    const AVCodec *decoder = avcodec_find_decoder(parameters->codec_id);
+    CodecHandle codec(avcodec_alloc_context3(decoder));
+    avcodec_parameters_to_context(codec.get(), parameters);
+    codec->thread_count = 1;
+    avcodec_open2(codec.get(), decoder, nullptr);
+    return codec;
+}
+
+void sleepUntil(timespec &due)
+{
+    due.tv_nsec += pictureNanoseconds;
+    if (due.tv_nsec >= 1'000'000'000) {
+        due.tv_nsec -= 1'000'000'000;
+        ++due.tv_sec;
+    }
+    clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &due, nullptr);
+}
+
+/// Processor time for each picture after the first, in this process.
+double decodeFile(const QByteArray &path, Pace pace)
+{
+    AVFormatContext *context = avformat_alloc_context();
+    context->flags |= AVFMT_FLAG_NOPARSE | AVFMT_FLAG_NOFILLIN;
+    if (avformat_open_input(&context, path.constData(), nullptr, nullptr) < 0)
+        return 0;
+    const FormatHandle input(context);
+    const PacketHandle packet(av_packet_alloc());
+    const FrameHandle frame(av_frame_alloc());
+    CodecHandle codec;
+    int pictures = -1;
+    double started = 0;
+    timespec due = {};
+    clock_gettime(CLOCK_MONOTONIC, &due);
+    while (pictures < measuredPictures && av_read_frame(input.get(), packet.get()) >= 0) {
+        const AVStream *stream = input->streams[packet->stream_index];
+        if (stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO) {
+            if (!codec)
+                codec = openDecoder(stream->codecpar);
+            if (pace == Pace::Stream)
+                sleepUntil(due);
+            avcodec_send_packet(codec.get(), packet.get());
+            while (avcodec_receive_frame(codec.get(), frame.get()) >= 0) {
+                if (++pictures == 0)
+                    started = millisecondsOf(CLOCK_PROCESS_CPUTIME_ID);
+            }
+        }
+        av_packet_unref(packet.get());
+    }
+    return (millisecondsOf(CLOCK_PROCESS_CPUTIME_ID) - started) / pictures;
+}
+
+/// `decodeFile()` in a process of its own.
+double decodeInChild(const QByteArray &path, Pace pace)
+{
+    int ends[2];
+    if (pipe(ends) != 0)
+        return 0;
+    const pid_t child = fork();
+    if (child == 0) {
+        const double result = decodeFile(path, pace);
+        const ssize_t written = write(ends[1], &result, sizeof result);
+        _exit(written == sizeof result ? 0 : 1);
+    }
+    close(ends[1]);
+    double result = 0;
+    if (read(ends[0], &result, sizeof result) != sizeof result)
+        result = 0;
+    close(ends[0]);
+    waitpid(child, nullptr, 0);
+    return result;
+}
+
+double peakMebibytes(qint64 pid)
+{
+    QFile status(QStringLiteral("/proc/%1/status").arg(pid));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).simplified().split(' ').first().toDouble() / 1024;
+    }
+    return 0;
+}
+
+/// Plays until `pictures` have come; nothing if they don't.
+std::optional<PlayerRun> play(const StreamServer &server, int pictures)
+{
+    PlayerProcess player;
+    QEventLoop loop;
+    PlayerRun run;
+    clockid_t cpuClock = 0;
+    double started = 0;
+    bool complete = false;
+    QObject::connect(&player, &PlayerProcess::frameShown, &loop, [&] {
+        if (player.frames() == 1)
+            started = millisecondsOf(cpuClock);
+        if (player.frames() < pictures || complete)
+            return;
+        complete = true;
+        run.firstFrameMilliseconds = static_cast<double>(player.firstFrameTime());
+        if (pictures > 1)
+            run.cpuMilliseconds = (millisecondsOf(cpuClock) - started) / (pictures - 1);
+        run.mebibytes = peakMebibytes(player.pid());
+        loop.quit();
+    });
+    QTimer::singleShot(runLimitMilliseconds, &loop, &QEventLoop::quit);
+    if (!player.start(server.url("/flv/live")) ||
+        clock_getcpuclockid(static_cast<pid_t>(player.pid()), &cpuClock) != 0)
+        return std::nullopt;
+    player.send("volume 0");
+    loop.exec();
+    return complete ? std::optional<PlayerRun>(run) : std::nullopt;
+}
+
+bool report(const char *name, double value, const char *unit, double limit)
+{
+    const bool ok = value <= limit;
+    std::printf("%-44s %8.2f %-4s limit %6.2f  %s\n", name, value, unit, limit, ok ? "ok" : "OVER");
+    return ok;
+}
+
+FlvClip cameraClip()
+{
+    return FlvClip::make(QStringLiteral("-f lavfi -i testsrc2=s=1280x720:r=25 "
+                                        "-f lavfi -i sine=frequency=440:sample_rate=44100 "
+                                        "-vf noise=alls=6:allf=t -c:v libx264 -preset medium "
+                                        "-profile:v main -bf 0 -b:v 2500k -g 50 "
+                                        "-pix_fmt yuv420p -c:a libmp3lame -t %1")
+                             .arg(clipMilliseconds / 1000)
+                             .split(QLatin1Char(' ')));
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    av_log_set_level(AV_LOG_QUIET);
+    StreamScript script;
+    script.clip = cameraClip();
+    StreamServer server;
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("clip.flv")));
+    if (script.clip.isEmpty() || !server.start() || !file.open(QIODevice::WriteOnly)) {
+        std::fprintf(stderr, "bench_player: the clip can't be made or served\n");
+        return 1;
+    }
+    file.write(script.clip.bytes());
+    file.close();
+    server.setScript(script);
+
+    std::vector<double> decodePaced;
+    std::vector<double> decodeFlatOut;
+    std::vector<double> playerCpu;
+    std::vector<double> memory;
+    std::vector<double> firstFrame;
+    const QByteArray path = QFile::encodeName(file.fileName());
+    for (int i = 0; i < runs; ++i) {
+        decodeFlatOut.push_back(decodeInChild(path, Pace::FlatOut));
+        decodePaced.push_back(decodeInChild(path, Pace::Stream));
+        const auto run = play(server, measuredPictures + 1);
+        if (!run) {
+            std::fprintf(stderr, "bench_player: the player showed too few pictures\n");
+            return 1;
+        }
+        playerCpu.push_back(run->cpuMilliseconds);
+        memory.push_back(run->mebibytes);
+        std::printf("run %d: decode flat out %.2f, decode at 25/s %.2f, player %.2f ms a picture\n",
+                    i + 1, decodeFlatOut.back(), decodePaced.back(), playerCpu.back());
+        std::fflush(stdout);
+    }
+    for (int i = 0; i < startRuns; ++i) {
+        const auto run = play(server, 1);
+        firstFrame.push_back(run ? run->firstFrameMilliseconds : runLimitMilliseconds);
+    }
+
+    std::printf("\n1280x720, 25 pictures a second, H.264 and MP3 in FLV over loopback; medians\n");
+    std::printf("%-44s %8.2f ms\n", "decode only, flat out, CPU a picture", median(decodeFlatOut));
+    std::printf("%-44s %8.2f ms\n", "decode only, 25 a second, CPU a picture", median(decodePaced));
+    std::printf("%-44s %8.2f ms\n", "player, CPU a picture", median(playerCpu));
+    bool ok = report("player to decode only at the same pace",
+                     median(playerCpu) / median(decodePaced), "x", maxCpuRatio);
+    ok = report("player, resident memory at its peak", median(memory), "MiB", maxMebibytes) && ok;
+    ok = report("player, start to first picture", median(firstFrame), "ms",
+                maxFirstFrameMilliseconds) &&
+         ok;
+    return ok ? 0 : 1;
+}

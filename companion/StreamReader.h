@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <memory>
+
+#include "companion/Arguments.h"
+#include "companion/Controls.h"
+#include "companion/PacketQueue.h"
+
+namespace ZorvaneClient {
+namespace Companion {
+
+/// Reads the stream from the network and sorts its packets into the queues. Reads nothing
+/// while the client has paused, and gives up when no data comes for `stallLimit`.
+class StreamReader
+{
+public:
+    static constexpr auto stallLimit = std::chrono::seconds(10);
+
+    StreamReader(const Arguments &arguments, const Controls &controls, PacketQueue &video,
+                 PacketQueue &audio);
+
+    /// Returns at the end of the stream; the queues then are finished.
+    void run();
+
+private:
+    static int interruptWhenStalled(void *reader);
+
+    bool open();
+    PacketQueue::End readToEnd();
+    void route(PacketHandle packet);
+    const AVStream &firstStreamLike(const AVStream &stream);
+    std::shared_ptr<const StreamFormat> formatOf(const AVStream &stream);
+    void restartStallClock();
+    void restBetweenLooks(int64_t newBytes);
+    bool isStalled() const;
+
+    const Arguments &arguments;
+    const Controls &controls;
+    PacketQueue &video;
+    PacketQueue &audio;
+    FormatHandle input;
+    std::map<AVMediaType, std::shared_ptr<const StreamFormat>> formats;
+    int64_t bytesSeen = 0;
+    Controls::Time lastData{0};
+    Controls::Time restAfter = Controls::Time::max();
+    std::chrono::steady_clock::time_point lastLook;
+};
+
+} // namespace Companion
+} // namespace ZorvaneClient

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: MIT
+#include "demo/Access.h"
+
+#include <algorithm>
+
+#include "demo/Clip.h"
+
+namespace ZorvaneDemo {
+
+namespace {
+
+constexpr int forbidden = 403;
+constexpr int notFound = 404;
+
+Access::Result refused(int status)
+{
+    Access::Result result;
+    result.status = status;
+    return result;
+}
+
+int cameraId(std::map<std::string, std::string> &parameters)
+{
+    return static_cast<int>(numberOr(parameters["camera"], 0));
+}
+
+} // namespace
+
+Access::Result Access::check(const HttpRequest &request, Need need) const
+{
+    // A LAN recorder has its streams on its own port, beside everything else.
+    return request.listener == "lan" ? checkLan(request, need) : checkCloud(request, need);
+}
+
+Access::Result Access::checkCloud(const HttpRequest &request, Need need) const
+{
+    auto parameters = request.parameters();
+    if (!accounts.isSignedIn(parameters["sessionId"]))
+        return refused(forbidden);
+    Server server;
+    const auto camera = world.camera(parameters["server"], cameraId(parameters), &server);
+    if (!camera || server.lan)
+        return refused(notFound);
+    const bool live = need == Need::Live;
+    const bool shared = live ? camera->live && server.live : camera->archive && server.archive;
+    if (!shared || !camera->paid)
+        return refused(forbidden);
+    if (!server.online || (live && !camera->online))
+        return refused(notFound);
+    Result result;
+    result.camera = *camera;
+    return result;
+}
+
+Access::Result Access::checkLan(const HttpRequest &request, Need need) const
+{
+    auto parameters = request.parameters();
+    Server server;
+    const auto camera = world.camera(lanServerId(request), cameraId(parameters), &server);
+    if (!camera || !server.online || parameters["server"] != "1")
+        return refused(notFound);
+    if (!isPassword(server, parameters["sessionId"]))
+        return refused(forbidden);
+    if (need == Need::Live && !camera->online)
+        return refused(notFound);
+    Result result;
+    result.camera = *camera;
+    return result;
+}
+
+bool Access::isPassword(const Server &server, const std::string &text)
+{
+    return text == server.password;
+}
+
+std::string Access::lanServerId(const HttpRequest &request)
+{
+    return "127.0.0.1:" + std::to_string(request.localPort);
+}
+
+int requestedQuality(const HttpRequest &request)
+{
+    const std::int64_t quality = numberOr(request.parameters()["q"], 0);
+    return static_cast<int>(std::clamp<std::int64_t>(quality, 0, qualityCount - 1));
+}
+
+} // namespace ZorvaneDemo

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <mutex>
+#include <string>
+
+#include "demo/Accounts.h"
+#include "demo/Http.h"
+#include "demo/World.h"
+
+namespace ZorvaneDemo {
+
+/// The cloud API: every reply is `{"success": true, "response": ...}` or
+/// `{"success": false, "response": {"code": ...}}`.
+class ApiService
+{
+public:
+    enum Error : int {
+        wrongPassword = 10001,
+        unknownSession = 10002,
+        malformedRequest = 10003,
+        notFound = 10004,
+        signInRefused = 10005
+    };
+
+    ApiService(World &cameras, Accounts &accountBook, std::string clientVersion)
+        : world(cameras), accounts(accountBook), version(std::move(clientVersion))
+    {
+    }
+
+    HttpReply handle(const HttpRequest &request);
+    /// What the update check is told.
+    void setVersion(const std::string &newest);
+
+private:
+    HttpReply signIn(const HttpRequest &request);
+    HttpReply signOut(const HttpRequest &request);
+    HttpReply saveLayouts(const HttpRequest &request);
+    HttpReply rotate(const HttpRequest &request);
+    bool isSignedIn(const HttpRequest &request) const;
+
+    World &world;
+    Accounts &accounts;
+    std::mutex mutex;
+    std::string version;
+};
+
+} // namespace ZorvaneDemo

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <functional>
+#include <string>
+
+#include "demo/Clip.h"
+
+namespace ZorvaneDemo {
+
+/// Draws the minute of one scene once and encodes it in every quality.
+struct ClipMaker {
+    int scene = 0;
+    int framesPerSecond = 25;
+    std::array<std::string, qualityCount> fileNames;
+    /// Told after each second of pictures.
+    std::function<void()> secondDone;
+
+    /// Empty on success, else what failed.
+    std::string run() const;
+};
+
+/// Encodes a minute of quiet room tone with a soft chime each ten seconds as MP3.
+/// Empty on success, else what failed.
+std::string makeSoundClip(const std::string &fileName);
+
+} // namespace ZorvaneDemo

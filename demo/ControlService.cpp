@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: MIT
+#include "demo/ControlService.h"
+
+namespace ZorvaneDemo {
+
+namespace {
+
+HttpReply json(int status, const nlohmann::json &content)
+{
+    HttpReply reply;
+    reply.status = status;
+    reply.contentType = "application/json";
+    reply.body = content.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+    return reply;
+}
+
+HttpReply done(bool good)
+{
+    return good ? json(200, {{"ok", true}}) : json(404, {{"error", "no such object"}});
+}
+
+HttpReply unknown()
+{
+    return json(404, {{"error", "no such command"}});
+}
+
+bool begins(const std::string &text, const std::string &beginning)
+{
+    return text.compare(0, beginning.size(), beginning) == 0;
+}
+
+} // namespace
+
+HttpReply ControlService::handle(const HttpRequest &request)
+{
+    if (request.method == "GET")
+        return show(request);
+    if (request.method != "POST")
+        return unknown();
+    const auto body =
+        nlohmann::json::parse(request.body.empty() ? "{}" : request.body, nullptr, false);
+    if (!body.is_object())
+        return json(400, {{"error", "the body is no JSON object"}});
+    try {
+        return change(request.path, body);
+    } catch (const nlohmann::json::exception &failure) {
+        return json(400, {{"error", failure.what()}});
+    }
+}
+
+HttpReply ControlService::show(const HttpRequest &request)
+{
+    if (request.path == "/world")
+        return json(200, world.describe());
+    if (request.path == "/requests")
+        return json(200, log.describe(request.parameters()["path"]));
+    if (request.path == "/faults")
+        return json(200, {{"faults", faults.describe()}});
+    if (request.path == "/streams")
+        return json(200, {{"open", flv.openStreams()}});
+    return unknown();
+}
+
+HttpReply ControlService::change(const std::string &path, const nlohmann::json &body)
+{
+    if (begins(path, "/cameras/"))
+        return changeCameras(path, body);
+    if (begins(path, "/servers/"))
+        return changeServers(path, body);
+    if (begins(path, "/faults/"))
+        return changeFaults(path, body);
+    if (path == "/sign-in/set") {
+        accounts.setRefused(body.at("refuse"));
+    } else if (path == "/sessions/drop") {
+        accounts.dropSessions();
+    } else if (path == "/version/set") {
+        api.setVersion(body.at("version"));
+    } else if (path == "/requests/clear") {
+        log.clear();
+    } else if (path == "/reset") {
+        faults.clear();
+        accounts.setRefused(false);
+        log.clear();
+        world.reset();
+    } else {
+        return unknown();
+    }
+    return done(true);
+}
+
+HttpReply ControlService::changeCameras(const std::string &path, const nlohmann::json &body)
+{
+    const std::string server = body.at("server");
+    if (path == "/cameras/set")
+        return done(world.setCamera(server, body.at("camera"), body));
+    if (path == "/cameras/remove")
+        return done(world.removeCamera(server, body.at("camera")));
+    if (path == "/cameras/add") {
+        const int id = world.addCamera(server, body.value("name", ""));
+        return id > 0 ? json(200, {{"camera", id}}) : done(false);
+    }
+    return unknown();
+}
+
+HttpReply ControlService::changeServers(const std::string &path, const nlohmann::json &body)
+{
+    if (path == "/servers/add")
+        return json(
+            200, {{"server", world.addServer(body.value("name", ""), body.value("cameras", 0))}});
+    const std::string server = body.at("server");
+    if (path == "/servers/set")
+        return done(world.setServer(server, body));
+    if (path == "/servers/remove")
+        return done(world.removeServer(server));
+    return unknown();
+}
+
+HttpReply ControlService::changeFaults(const std::string &path, const nlohmann::json &body)
+{
+    if (path == "/faults/add") {
+        const auto fault = Fault::fromJson(body);
+        if (!fault)
+            return json(400, {{"error", "no such kind of fault"}});
+        return json(200, {{"fault", faults.add(*fault)}});
+    }
+    if (path == "/faults/remove")
+        return done(faults.remove(body.at("fault")));
+    if (path == "/faults/clear") {
+        faults.clear();
+        return done(true);
+    }
+    return unknown();
+}
+
+} // namespace ZorvaneDemo

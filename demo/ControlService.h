@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include "demo/Accounts.h"
+#include "demo/ApiService.h"
+#include "demo/Faults.h"
+#include "demo/FlvService.h"
+#include "demo/Http.h"
+#include "demo/RequestLog.h"
+#include "demo/World.h"
+
+namespace ZorvaneDemo {
+
+/// What tests ask of the service behind its back; docs/demo-service.md lists it.
+class ControlService
+{
+public:
+    ControlService(World &cameras, Accounts &accountBook, Faults &faultList, RequestLog &requests,
+                   ApiService &apiService, const FlvService &flvService)
+        : world(cameras)
+        , accounts(accountBook)
+        , faults(faultList)
+        , log(requests)
+        , api(apiService)
+        , flv(flvService)
+    {
+    }
+
+    HttpReply handle(const HttpRequest &request);
+
+private:
+    HttpReply show(const HttpRequest &request);
+    HttpReply change(const std::string &path, const nlohmann::json &body);
+    HttpReply changeCameras(const std::string &path, const nlohmann::json &body);
+    HttpReply changeServers(const std::string &path, const nlohmann::json &body);
+    HttpReply changeFaults(const std::string &path, const nlohmann::json &body);
+
+    World &world;
+    Accounts &accounts;
+    Faults &faults;
+    RequestLog &log;
+    ApiService &api;
+    const FlvService &flv;
+};
+
+} // namespace ZorvaneDemo

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+#include "demo/Flv.h"
+
+#include <cstring>
+#include <string>
+
+namespace ZorvaneDemo {
+
+namespace {
+
+constexpr std::uint8_t soundTag = 8;
+constexpr std::uint8_t videoTag = 9;
+constexpr std::uint8_t scriptTag = 18;
+constexpr std::uint8_t keyFrameAvc = 0x17;
+constexpr std::uint8_t interFrameAvc = 0x27;
+// MP3, 16 bit, mono; 48 kHz goes under the number of 44.1 kHz.
+constexpr std::uint8_t soundFlags = 0x2e;
+constexpr std::uint8_t sequenceHeader = 0;
+constexpr std::uint8_t pictureUnits = 1;
+constexpr std::size_t tagHeaderBytes = 11;
+constexpr int secondsPerMinute = 60;
+
+void putNumber(std::uint64_t value, int bytes, Bytes *out)
+{
+    for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8)
+        out->push_back(static_cast<std::uint8_t>(value >> shift));
+}
+
+/// A tag's header; returns where the tag begins.
+std::size_t beginTag(std::uint8_t type, std::uint32_t timeMs, Bytes *out)
+{
+    const std::size_t begin = out->size();
+    out->push_back(type);
+    putNumber(0, 3, out);
+    putNumber(timeMs & 0xffffffu, 3, out);
+    out->push_back(static_cast<std::uint8_t>(timeMs >> 24));
+    putNumber(0, 3, out);
+    return begin;
+}
+
+/// Sets the tag's length and appends the size that follows every tag.
+void endTag(std::size_t begin, Bytes *out)
+{
+    const std::size_t size = out->size() - begin - tagHeaderBytes;
+    (*out)[begin + 1] = static_cast<std::uint8_t>(size >> 16);
+    (*out)[begin + 2] = static_cast<std::uint8_t>(size >> 8);
+    (*out)[begin + 3] = static_cast<std::uint8_t>(size);
+    putNumber(size + tagHeaderBytes, 4, out);
+}
+
+void putName(const std::string &name, Bytes *out)
+{
+    putNumber(name.size(), 2, out);
+    out->insert(out->end(), name.begin(), name.end());
+}
+
+void putDouble(const std::string &name, double value, Bytes *out)
+{
+    putName(name, out);
+    out->push_back(0);
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    putNumber(bits, 8, out);
+}
+
+void appendMetadata(const Clip &video, Bytes *out)
+{
+    const std::size_t begin = beginTag(scriptTag, 0, out);
+    out->push_back(2);
+    putName("onMetaData", out);
+    out->push_back(8);
+    putNumber(5, 4, out);
+    putDouble("width", video.width(), out);
+    putDouble("height", video.height(), out);
+    putDouble("framerate", static_cast<double>(video.packetCount()) / secondsPerMinute, out);
+    putDouble("videocodecid", 7, out);
+    putDouble("audiocodecid", 2, out);
+    putNumber(9, 3, out);
+    endTag(begin, out);
+}
+
+void appendSequenceHeader(const Clip &video, Bytes *out)
+{
+    const Bytes sps = video.sps();
+    const Bytes pps = video.pps();
+    const std::size_t begin = beginTag(videoTag, 0, out);
+    out->push_back(keyFrameAvc);
+    out->push_back(sequenceHeader);
+    putNumber(0, 3, out);
+    out->push_back(1);
+    out->insert(out->end(), sps.begin() + 1, sps.begin() + 4);
+    out->push_back(0xff); // four-byte lengths
+    out->push_back(0xe1); // one sequence parameter set
+    putNumber(sps.size(), 2, out);
+    out->insert(out->end(), sps.begin(), sps.end());
+    out->push_back(1);
+    putNumber(pps.size(), 2, out);
+    out->insert(out->end(), pps.begin(), pps.end());
+    endTag(begin, out);
+}
+
+} // namespace
+
+void appendFlvHeader(const Clip &video, Bytes *out)
+{
+    const std::uint8_t header[] = {'F', 'L', 'V', 1, 5, 0, 0, 0, 9, 0, 0, 0, 0};
+    out->insert(out->end(), std::begin(header), std::end(header));
+    appendMetadata(video, out);
+    appendSequenceHeader(video, out);
+}
+
+void appendFlvVideo(std::uint32_t timeMs, bool keyFrame, const Bytes &picture, Bytes *out)
+{
+    const std::size_t begin = beginTag(videoTag, timeMs, out);
+    out->push_back(keyFrame ? keyFrameAvc : interFrameAvc);
+    out->push_back(pictureUnits);
+    putNumber(0, 3, out);
+    out->insert(out->end(), picture.begin(), picture.end());
+    endTag(begin, out);
+}
+
+void appendFlvSound(std::uint32_t timeMs, const std::uint8_t *data, std::size_t size, Bytes *out)
+{
+    const std::size_t begin = beginTag(soundTag, timeMs, out);
+    out->push_back(soundFlags);
+    out->insert(out->end(), data, data + size);
+    endTag(begin, out);
+}
+
+} // namespace ZorvaneDemo

@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "demo/LanService.h"
+
+#include <nlohmann/json.hpp>
+
+#include "demo/Access.h"
+#include "demo/Clip.h"
+
+namespace ZorvaneDemo {
+
+namespace {
+
+HttpReply refused(int status)
+{
+    HttpReply reply;
+    reply.status = status;
+    return reply;
+}
+
+nlohmann::json serverInformation(const Server &server)
+{
+    return {{"name", server.name}, {"functions", {"arc_search", "speed_play"}}};
+}
+
+nlohmann::json streamInformation(const Server &server)
+{
+    const PictureSize size = pictureSizes.back();
+    auto list = nlohmann::json::array();
+    for (const auto &[id, camera] : server.cameras) {
+        list.push_back({{"id", id},
+                        {"name", camera.name},
+                        {"status", camera.online ? 1 : 0},
+                        {"width", size.width},
+                        {"height", size.height},
+                        {"vcodec", "h264"}});
+    }
+    return list;
+}
+
+} // namespace
+
+HttpReply LanService::handle(const HttpRequest &request) const
+{
+    const auto server = world.server(Access::lanServerId(request));
+    if (!server || !server->online) {
+        HttpReply reply;
+        reply.hangUp = true;
+        return reply;
+    }
+    if (request.method != "GET")
+        return refused(405);
+    if (request.path == "/vs_info/" || request.path == "/streams/info")
+        return information(request, *server);
+    if (request.path == "/preview/live")
+        return streaming.preview(request);
+    if (request.path == "/archive/list")
+        return streaming.archiveList(request);
+    if (request.path == "/archive/days")
+        return streaming.archiveDays(request);
+    if (request.path == "/flv/live")
+        return flv.live(request);
+    if (request.path == "/flv/archive")
+        return flv.archive(request);
+    return refused(404);
+}
+
+HttpReply LanService::information(const HttpRequest &request, const Server &server) const
+{
+    auto parameters = request.parameters();
+    if (parameters["server"] != "1")
+        return refused(404);
+    if (!Access::isPassword(server, parameters["sessionId"]))
+        return refused(403);
+    HttpReply reply;
+    reply.contentType = "application/json";
+    reply.body =
+        (request.path == "/vs_info/" ? serverInformation(server) : streamInformation(server))
+            .dump();
+    return reply;
+}
+
+} // namespace ZorvaneDemo

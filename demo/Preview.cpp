@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#include "demo/Preview.h"
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+}
+
+namespace ZorvaneDemo {
+
+namespace {
+
+constexpr int jpegQuality = 3; ///< of 2 (best) to 31
+constexpr std::uint8_t startCode[4] = {0, 0, 0, 1};
+
+struct Deleter {
+    void operator()(AVCodecContext *codec) const { avcodec_free_context(&codec); }
+    void operator()(AVFrame *frame) const { av_frame_free(&frame); }
+    void operator()(AVPacket *packet) const { av_packet_free(&packet); }
+};
+using Codec = std::unique_ptr<AVCodecContext, Deleter>;
+using Frame = std::unique_ptr<AVFrame, Deleter>;
+using Packet = std::unique_ptr<AVPacket, Deleter>;
+
+void appendUnit(const std::uint8_t *data, std::size_t size, Bytes *out)
+{
+    out->insert(out->end(), std::begin(startCode), std::end(startCode));
+    out->insert(out->end(), data, data + size);
+}
+
+/// The picture as a byte stream that needs nothing before it.
+Bytes standalone(const Clip &clip, int index, int number)
+{
+    Bytes units;
+    clip.appendPicture(index, number, &units);
+    const Bytes sps = clip.sps();
+    const Bytes pps = clip.pps();
+    Bytes out;
+    appendUnit(sps.data(), sps.size(), &out);
+    appendUnit(pps.data(), pps.size(), &out);
+    for (std::size_t at = 0; at + 4 <= units.size();) {
+        const std::size_t size = (std::size_t(units[at]) << 24) |
+                                 (std::size_t(units[at + 1]) << 16) |
+                                 (std::size_t(units[at + 2]) << 8) | units[at + 3];
+        appendUnit(units.data() + at + 4, size, &out);
+        at += 4 + size;
+    }
+    return out;
+}
+
+Frame decoded(const Bytes &stream)
+{
+    Codec codec(avcodec_alloc_context3(avcodec_find_decoder(AV_CODEC_ID_H264)));
+    codec->thread_count = 1;
+    codec->flags |= AV_CODEC_FLAG_LOW_DELAY;
+    Packet packet(av_packet_alloc());
+    Frame frame(av_frame_alloc());
+    if (avcodec_open2(codec.get(), nullptr, nullptr) < 0 ||
+        av_new_packet(packet.get(), static_cast<int>(stream.size())) < 0)
+        return nullptr;
+    std::copy(stream.begin(), stream.end(), packet->data);
+    if (avcodec_send_packet(codec.get(), packet.get()) < 0)
+        return nullptr;
+    avcodec_send_packet(codec.get(), nullptr);
+    return avcodec_receive_frame(codec.get(), frame.get()) == 0 ? std::move(frame) : nullptr;
+}
+
+/// JPEG knows no other levels than 0 to 255.
+bool toFullRange(AVFrame *frame)
+{
+    if (av_frame_make_writable(frame) < 0)
+        return false;
+    for (int plane = 0; plane < 3; ++plane) {
+        const int lines = plane == 0 ? frame->height : (frame->height + 1) / 2;
+        const int width = plane == 0 ? frame->width : (frame->width + 1) / 2;
+        for (int y = 0; y < lines; ++y) {
+            std::uint8_t *line = frame->data[plane] + y * frame->linesize[plane];
+            for (int x = 0; x < width; ++x) {
+                const int value =
+                    plane == 0 ? (line[x] - 16) * 255 / 219 : (line[x] - 128) * 255 / 224 + 128;
+                line[x] = static_cast<std::uint8_t>(std::clamp(value, 0, 255));
+            }
+        }
+    }
+    frame->format = AV_PIX_FMT_YUVJ420P;
+    frame->color_range = AVCOL_RANGE_JPEG;
+    return true;
+}
+
+} // namespace
+
+std::string previewJpeg(const Clip &clip, int number, std::int64_t momentMs)
+{
+    const std::int64_t second = momentMs / 1000 % 60;
+    const int index = static_cast<int>(second * clip.packetCount() / 60);
+    const Frame frame = decoded(standalone(clip, index, number));
+    if (!frame || !toFullRange(frame.get()))
+        return {};
+    Codec codec(avcodec_alloc_context3(avcodec_find_encoder(AV_CODEC_ID_MJPEG)));
+    codec->width = frame->width;
+    codec->height = frame->height;
+    codec->pix_fmt = AV_PIX_FMT_YUVJ420P;
+    codec->color_range = AVCOL_RANGE_JPEG;
+    codec->time_base = {1, 25};
+    codec->thread_count = 1;
+    codec->flags |= AV_CODEC_FLAG_QSCALE;
+    codec->global_quality = FF_QP2LAMBDA * jpegQuality;
+    Packet packet(av_packet_alloc());
+    if (avcodec_open2(codec.get(), nullptr, nullptr) < 0)
+        return {};
+    frame->quality = codec->global_quality;
+    frame->pict_type = AV_PICTURE_TYPE_NONE;
+    if (avcodec_send_frame(codec.get(), frame.get()) < 0 ||
+        avcodec_receive_packet(codec.get(), packet.get()) < 0)
+        return {};
+    return std::string(reinterpret_cast<const char *>(packet->data),
+                       static_cast<std::size_t>(packet->size));
+}
+
+} // namespace ZorvaneDemo

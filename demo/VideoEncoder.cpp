@@ -1,0 +1,230 @@
+// SPDX-License-Identifier: MIT
+#include "demo/VideoEncoder.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavutil/opt.h>
+}
+
+namespace ZorvaneDemo {
+
+namespace {
+
+constexpr int macroblock = 16;
+constexpr unsigned sliceNal = 1;
+constexpr unsigned idrNal = 5;
+constexpr unsigned spsNal = 7;
+constexpr unsigned ppsNal = 8;
+// What stands in the strip while encoding: far from any scene's colours, so that neither
+// motion search nor deblocking draws on lines that the viewer will see replaced.
+constexpr std::uint8_t placeholder[3] = {16, 240, 240};
+
+struct Unit {
+    const std::uint8_t *data;
+    std::size_t size;
+    unsigned type() const { return data[0] & 0x1fu; }
+};
+
+/// The NAL units of a byte stream with start codes.
+std::vector<Unit> unitsOf(const std::uint8_t *data, std::size_t size)
+{
+    std::vector<Unit> units;
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i + 3 <= size; ++i) {
+        if (data[i] != 0 || data[i + 1] != 0 || data[i + 2] != 1)
+            continue;
+        if (begin > 0)
+            units.push_back({data + begin, i - begin});
+        begin = i + 3;
+        i += 2;
+    }
+    if (begin > 0)
+        units.push_back({data + begin, size - begin});
+    for (Unit &unit : units) {
+        while (unit.size > 1 && unit.data[unit.size - 1] == 0)
+            --unit.size;
+    }
+    return units;
+}
+
+void appendWithLength(const Unit &unit, Bytes *out)
+{
+    for (int shift = 24; shift >= 0; shift -= 8)
+        out->push_back(static_cast<std::uint8_t>(unit.size >> shift));
+    out->insert(out->end(), unit.data, unit.data + unit.size);
+}
+
+} // namespace
+
+VideoEncoder::VideoEncoder(PictureSize pictureSize, int framesPerSecond) : size(pictureSize)
+{
+    codedHeight = (size.height + macroblock - 1) / macroblock * macroblock;
+    cropTop = codedHeight - size.height;
+    if (open(framesPerSecond))
+        paintFixedLines();
+}
+
+VideoEncoder::~VideoEncoder()
+{
+    av_packet_free(&output);
+    av_frame_free(&frame);
+    avcodec_free_context(&codec);
+}
+
+bool VideoEncoder::fail(const std::string &what)
+{
+    if (failure.empty())
+        failure = what;
+    return false;
+}
+
+bool VideoEncoder::open(int framesPerSecond)
+{
+    const AVCodec *encoder = avcodec_find_encoder_by_name("libx264");
+    if (!encoder)
+        return fail("FFmpeg has no libx264 encoder");
+    codec = avcodec_alloc_context3(encoder);
+    output = av_packet_alloc();
+    frame = av_frame_alloc();
+
+    StripLayout &strip = writer.header.strip;
+    strip.widthMbs = static_cast<std::uint16_t>(size.width / macroblock);
+    const int cellHeight = static_cast<int>(size.height / StripCode::heightDivisor);
+    strip.rows = static_cast<std::uint16_t>((cellHeight + macroblock - 1) / macroblock);
+    strip.firstRow = static_cast<std::uint16_t>(codedHeight / macroblock - strip.rows);
+    strip.cellTop = static_cast<std::uint16_t>(strip.rows * macroblock - cellHeight);
+    writer.header.width = static_cast<std::uint32_t>(size.width);
+    writer.header.height = static_cast<std::uint32_t>(size.height);
+
+    codec->width = size.width;
+    codec->height = codedHeight;
+    codec->pix_fmt = AV_PIX_FMT_YUV420P;
+    codec->color_range = AVCOL_RANGE_MPEG;
+    codec->colorspace = AVCOL_SPC_SMPTE170M;
+    codec->color_primaries = AVCOL_PRI_SMPTE170M;
+    codec->color_trc = AVCOL_TRC_SMPTE170M;
+    codec->time_base = {1, framesPerSecond};
+    codec->framerate = {framesPerSecond, 1};
+    codec->gop_size = framesPerSecond;
+    codec->max_b_frames = 0;
+    codec->thread_count = 1;
+    codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    const std::string parameters =
+        "cabac=0:8x8dct=0:ref=1:weightp=0:scenecut=0:mbtree=0:rc-lookahead=0:min-keyint=" +
+        std::to_string(framesPerSecond) +
+        ":slice-max-mbs=" + std::to_string(strip.firstRow * strip.widthMbs) + ":crop-rect=0," +
+        std::to_string(cropTop) + ",0,0";
+    av_opt_set(codec->priv_data, "preset", "superfast", 0);
+    av_opt_set(codec->priv_data, "crf", size.width > 1000 ? "26" : "25", 0);
+    av_opt_set(codec->priv_data, "x264-params", parameters.c_str(), 0);
+    if (avcodec_open2(codec, encoder, nullptr) < 0)
+        return fail("cannot open the H.264 encoder");
+
+    for (const Unit &unit :
+         unitsOf(codec->extradata, static_cast<std::size_t>(codec->extradata_size))) {
+        if (unit.type() == spsNal)
+            writer.sps.assign(unit.data, unit.data + unit.size);
+        else if (unit.type() == ppsNal)
+            writer.pps.assign(unit.data, unit.data + unit.size);
+    }
+    if (!strip.readParameterSets(writer.sps, writer.pps))
+        return fail("the H.264 encoder made another kind of stream than asked for");
+
+    frame->format = codec->pix_fmt;
+    frame->width = codec->width;
+    frame->height = codec->height;
+    if (av_frame_get_buffer(frame, 0) < 0)
+        return fail("no memory for a picture");
+    return true;
+}
+
+void VideoEncoder::paintFixedLines()
+{
+    for (int plane = 0; plane < 3; ++plane) {
+        const int lines = plane == 0 ? codedHeight : codedHeight / 2;
+        for (int y = 0; y < lines; ++y)
+            std::memset(frame->data[plane] + y * frame->linesize[plane], placeholder[plane],
+                        static_cast<std::size_t>(lineBytes(plane)));
+    }
+}
+
+int VideoEncoder::lineBytes(int plane) const
+{
+    return plane == 0 ? size.width : size.width / 2;
+}
+
+std::uint8_t *VideoEncoder::line(int plane, int y)
+{
+    const int top = plane == 0 ? cropTop : cropTop / 2;
+    return frame->data[plane] + (y + top) * frame->linesize[plane];
+}
+
+int VideoEncoder::sceneHeight() const
+{
+    return size.height - writer.header.strip.rows * macroblock;
+}
+
+bool VideoEncoder::encode()
+{
+    if (!failure.empty())
+        return false;
+    frame->pts = frameNumber++;
+    if (avcodec_send_frame(codec, frame) < 0)
+        return fail("the H.264 encoder refused a picture");
+    // The encoder has its own copy of a picture once it was sent without look-ahead.
+    return av_frame_make_writable(frame) >= 0 && receive();
+}
+
+bool VideoEncoder::receive()
+{
+    for (;;) {
+        const int result = avcodec_receive_packet(codec, output);
+        if (result == AVERROR(EAGAIN) || result == AVERROR_EOF)
+            return true;
+        if (result < 0)
+            return fail("the H.264 encoder failed");
+        const bool taken = take(output);
+        av_packet_unref(output);
+        if (!taken)
+            return false;
+    }
+}
+
+bool VideoEncoder::take(const AVPacket *packet)
+{
+    Bytes picture;
+    StripPicture strip;
+    int slices = 0;
+    for (const Unit &unit : unitsOf(packet->data, static_cast<std::size_t>(packet->size))) {
+        if (unit.type() != sliceNal && unit.type() != idrNal)
+            continue;
+        if (slices++ == 0) {
+            strip = StripPicture::fromSlice(writer.header.strip, unit.data, unit.size);
+            appendWithLength(unit, &picture);
+        }
+    }
+    if (slices != 2)
+        return fail("the H.264 encoder did not keep the strip in a slice of its own");
+    writer.add(picture, (packet->flags & AV_PKT_FLAG_KEY) != 0, strip);
+    return true;
+}
+
+bool VideoEncoder::finish(const std::string &fileName)
+{
+    if (!failure.empty())
+        return false;
+    avcodec_send_frame(codec, nullptr);
+    if (!receive())
+        return false;
+    if (static_cast<std::int64_t>(writer.packetCount()) != frameNumber)
+        return fail("the H.264 encoder lost pictures");
+    if (!writer.save(fileName))
+        return fail("cannot write " + fileName + ": " + std::strerror(errno));
+    return true;
+}
+
+} // namespace ZorvaneDemo

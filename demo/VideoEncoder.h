@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "demo/Clip.h"
+
+struct AVCodecContext;
+struct AVFrame;
+struct AVPacket;
+
+namespace ZorvaneDemo {
+
+/// Encodes the minute of one quality into a clip: H.264, a key frame each second, the strip
+/// in a slice of its own that is left out of the clip.
+class VideoEncoder
+{
+public:
+    VideoEncoder(PictureSize size, int framesPerSecond);
+    ~VideoEncoder();
+    VideoEncoder(const VideoEncoder &) = delete;
+    VideoEncoder &operator=(const VideoEncoder &) = delete;
+
+    /// Empty while all is well, else what failed.
+    const std::string &error() const { return failure; }
+
+    /// The visible lines of a plane (0 to 2) of the picture to encode next; what is not
+    /// written keeps the picture before. The last lines belong to the strip.
+    std::uint8_t *line(int plane, int y);
+    int lineBytes(int plane) const;
+    /// Visible luma lines above the strip.
+    int sceneHeight() const;
+
+    bool encode();
+    /// Drains the encoder and writes the clip.
+    bool finish(const std::string &fileName);
+
+private:
+    bool open(int framesPerSecond);
+    void paintFixedLines();
+    bool receive();
+    bool take(const AVPacket *packet);
+    bool fail(const std::string &what);
+
+    PictureSize size;
+    int codedHeight = 0;
+    int cropTop = 0;
+    std::int64_t frameNumber = 0;
+    AVCodecContext *codec = nullptr;
+    AVFrame *frame = nullptr;
+    AVPacket *output = nullptr;
+    ClipWriter writer;
+    std::string failure;
+};
+
+} // namespace ZorvaneDemo

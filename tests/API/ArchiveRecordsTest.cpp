@@ -1,0 +1,209 @@
+// SPDX-License-Identifier: MIT
+#include <QtTest>
+
+#include <ctime>
+#include <limits>
+
+#include "API/ArchiveRecord.h"
+
+using namespace ZorvaneClient;
+using API::ArchiveRecord;
+
+namespace {
+
+// Zones as rules, so that the tests need no time zone database.
+const QByteArray utc = "UTC0";
+const QByteArray berlin = "CET-1CEST,M3.5.0,M10.5.0/3";
+/// The clock goes forward at midnight.
+const QByteArray brasilia = "BRT3BRST,M11.1.0/0,M2.3.0/0";
+
+void setZone(const QByteArray &zone)
+{
+    qputenv("TZ", zone);
+    tzset();
+}
+
+qint64 epoch(const char *utcText)
+{
+    const QDateTime time = QDateTime::fromString(QString::fromLatin1(utcText), Qt::ISODate);
+    return time.toSecsSinceEpoch();
+}
+
+QVariant record(qint64 startMs, qint64 durationMs)
+{
+    return QVariantMap{{QStringLiteral("startTime"), startMs},
+                       {QStringLiteral("duration"), durationMs}};
+}
+
+} // namespace
+
+class ArchiveRecordsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+    void clipping_data();
+    void clipping();
+    void recordOfAnotherDay();
+    void keepsOrderAndSkipsWhatIsNoRecord();
+    void requestSpan_data();
+    void requestSpan();
+    void calendarDays();
+};
+
+void ArchiveRecordsTest::cleanup()
+{
+    setZone(utc);
+}
+
+void ArchiveRecordsTest::clipping_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<QDate>("date");
+    QTest::addColumn<QByteArray>("serviceStart");
+    QTest::addColumn<int>("serviceSeconds");
+    QTest::addColumn<QByteArray>("start"); // empty: no record
+    QTest::addColumn<QByteArray>("end");
+
+    const QDate day(2026, 3, 10);
+    QTest::newRow("one second") << utc << day << QByteArray("2026-03-10T12:00:00Z") << 1
+                                << QByteArray("2026-03-10T12:00:01Z")
+                                << QByteArray("2026-03-10T12:00:02Z");
+    QTest::newRow("no length") << utc << day << QByteArray("2026-03-10T12:00:00Z") << 0
+                               << QByteArray() << QByteArray();
+    QTest::newRow("from the day before")
+        << utc << day << QByteArray("2026-03-09T23:50:00Z") << 1200
+        << QByteArray("2026-03-10T00:00:00Z") << QByteArray("2026-03-10T00:10:01Z");
+    QTest::newRow("into the next day")
+        << utc << day << QByteArray("2026-03-10T23:50:00Z") << 1200
+        << QByteArray("2026-03-10T23:50:01Z") << QByteArray("2026-03-10T23:59:59Z");
+    QTest::newRow("over the whole day")
+        << utc << day << QByteArray("2026-03-09T12:00:00Z") << 2 * 86400
+        << QByteArray("2026-03-10T00:00:00Z") << QByteArray("2026-03-10T23:59:59Z");
+    QTest::newRow("last second of the day before")
+        << utc << day << QByteArray("2026-03-09T23:59:59Z") << 60
+        << QByteArray("2026-03-10T00:00:00Z") << QByteArray("2026-03-10T00:01:00Z");
+    QTest::newRow("nothing left after clipping")
+        << utc << day << QByteArray("2026-03-10T23:59:58Z") << 5 << QByteArray() << QByteArray();
+    QTest::newRow("local midnight is not that of UTC")
+        << berlin << day << QByteArray("2026-03-09T22:30:00Z") << 3600
+        << QByteArray("2026-03-09T23:00:00Z") << QByteArray("2026-03-09T23:30:01Z");
+    QTest::newRow("hour that does not exist")
+        << berlin << QDate(2026, 3, 29) << QByteArray("2026-03-29T00:30:00Z") << 3600
+        << QByteArray("2026-03-29T00:30:01Z") << QByteArray("2026-03-29T01:30:01Z");
+    QTest::newRow("hour that comes twice")
+        << berlin << QDate(2026, 10, 25) << QByteArray("2026-10-25T00:30:00Z") << 3600
+        << QByteArray("2026-10-25T00:30:01Z") << QByteArray("2026-10-25T01:30:01Z");
+    QTest::newRow("day that begins at one")
+        << brasilia << QDate(2018, 11, 4) << QByteArray("2018-11-04T02:50:00Z") << 1200
+        << QByteArray("2018-11-04T03:00:00Z") << QByteArray("2018-11-04T03:10:01Z");
+}
+
+void ArchiveRecordsTest::clipping()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(QDate, date);
+    QFETCH(QByteArray, serviceStart);
+    QFETCH(int, serviceSeconds);
+    QFETCH(QByteArray, start);
+    QFETCH(QByteArray, end);
+    setZone(zone);
+
+    // Milliseconds below a second are cut off, not rounded.
+    const qint64 startMs = epoch(serviceStart) * 1000 + 999;
+    const qint64 durationMs = serviceSeconds * 1000LL + 999;
+    if (start.isEmpty()) {
+        QTest::ignoreMessage(QtDebugMsg, "Archive record skipped");
+    }
+    const QList<ArchiveRecord> records =
+        API::archiveRecordsOfDay(QVariantList{record(startMs, durationMs)}, date);
+
+    QCOMPARE(records.size(), start.isEmpty() ? 0 : 1);
+    if (!records.isEmpty()) {
+        QCOMPARE(records.first().start.toSecsSinceEpoch(), epoch(start));
+        QCOMPARE(records.first().end.toSecsSinceEpoch(), epoch(end));
+        QCOMPARE(records.first().start.date(), date);
+        QCOMPARE(records.first().end.date(), date);
+    }
+}
+
+void ArchiveRecordsTest::recordOfAnotherDay()
+{
+    setZone(utc);
+    QTest::ignoreMessage(QtWarningMsg,
+                         "Received record with start.date() QDate(\"2026-03-11\") end.date() "
+                         "QDate(\"2026-03-11\") but current date is QDate(\"2026-03-10\")");
+    const QVariantList reply{record(epoch("2026-03-11T00:00:00Z") * 1000, 60000)};
+    QVERIFY(API::archiveRecordsOfDay(reply, QDate(2026, 3, 10)).isEmpty());
+
+    // Numbers beyond all dates are cut to 32 bits and lie elsewhere, too.
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Received record")));
+    const QVariantList farReply{record(std::numeric_limits<qint64>::max(), 0)};
+    QVERIFY(API::archiveRecordsOfDay(farReply, QDate(2026, 3, 10)).isEmpty());
+}
+
+void ArchiveRecordsTest::keepsOrderAndSkipsWhatIsNoRecord()
+{
+    setZone(utc);
+    const qint64 noon = epoch("2026-03-10T12:00:00Z");
+    QTest::ignoreMessage(QtWarningMsg, QRegularExpression(QStringLiteral("^Received record")));
+    const QVariantList reply{record((noon + 600) * 1000, 60000), QStringLiteral("no record"),
+                             record(noon * 1000, 60000)};
+    const QList<ArchiveRecord> records = API::archiveRecordsOfDay(reply, QDate(2026, 3, 10));
+    QCOMPARE(records.size(), 2);
+    QCOMPARE(records.at(0).start.toSecsSinceEpoch(), noon + 601);
+    QCOMPARE(records.at(1).start.toSecsSinceEpoch(), noon + 1);
+
+    QVERIFY(
+        API::archiveRecordsOfDay(QVariantMap{{QStringLiteral("startTime"), 1}}, QDate(2026, 3, 10))
+            .isEmpty());
+}
+
+void ArchiveRecordsTest::requestSpan_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<QDate>("date");
+    QTest::addColumn<QByteArray>("first");
+    QTest::addColumn<QByteArray>("last");
+
+    QTest::newRow("plain day") << utc << QDate(2026, 3, 10) << QByteArray("2026-03-10T00:00:00Z")
+                               << QByteArray("2026-03-10T23:59:59Z");
+    QTest::newRow("23 hours") << berlin << QDate(2026, 3, 29) << QByteArray("2026-03-28T23:00:00Z")
+                              << QByteArray("2026-03-29T21:59:59Z");
+    QTest::newRow("25 hours") << berlin << QDate(2026, 10, 25) << QByteArray("2026-10-24T22:00:00Z")
+                              << QByteArray("2026-10-25T22:59:59Z");
+    QTest::newRow("no midnight") << brasilia << QDate(2018, 11, 4)
+                                 << QByteArray("2018-11-04T03:00:00Z")
+                                 << QByteArray("2018-11-05T01:59:59Z");
+}
+
+void ArchiveRecordsTest::requestSpan()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(QDate, date);
+    QFETCH(QByteArray, first);
+    QFETCH(QByteArray, last);
+    setZone(zone);
+    QCOMPARE(qint64(API::firstSecondOfDay(date)), epoch(first));
+    QCOMPARE(qint64(API::lastSecondOfDay(date)), epoch(last));
+}
+
+void ArchiveRecordsTest::calendarDays()
+{
+    setZone(berlin);
+    const auto day = [](qint64 seconds, int count) {
+        return QVariantMap{{QStringLiteral("date"), seconds},
+                           {QStringLiteral("recordsCount"), count}};
+    };
+    constexpr qint64 beyond32Bits = Q_INT64_C(1) << 32;
+    const QMap<QDate, int> counts = API::recordCountsByDay(
+        QVariantList{day(epoch("2026-03-09T23:30:00Z"), 4), day(epoch("2026-03-11T12:00:00Z"), 0),
+                     day(beyond32Bits + epoch("2026-03-12T12:00:00Z"), 7)});
+    const QMap<QDate, int> expected{
+        {QDate(2026, 3, 10), 4}, {QDate(2026, 3, 11), 0}, {QDate(2026, 3, 12), 7}};
+    QCOMPARE(counts, expected);
+}
+
+QTEST_GUILESS_MAIN(ArchiveRecordsTest)
+#include "ArchiveRecordsTest.moc"

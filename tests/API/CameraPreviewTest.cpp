@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: MIT
+#include <QtTest>
+
+#include <QBuffer>
+#include <QPixmap>
+#include <QStandardPaths>
+
+#include "API/Camera.h"
+#include "API/PreviewImage.h"
+
+using namespace ZorvaneClient::API;
+
+namespace {
+
+const QString serverId = QStringLiteral("10.0.0.5:80");
+
+CameraPtr makeCamera(const QString &server = serverId)
+{
+    const CameraPtr camera = CameraPtr::create();
+    camera->setId(server, 7);
+    camera->setKind(LocalCamera);
+    return camera;
+}
+
+QString cacheFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+}
+
+QPixmap plainPicture(const QSize &size)
+{
+    QPixmap picture(size);
+    picture.fill(Qt::green);
+    return picture;
+}
+
+/// Two pixels side by side, red and blue.
+QPixmap twoPixels()
+{
+    QImage image(2, 1, QImage::Format_RGB32);
+    image.setPixelColor(0, 0, Qt::red);
+    image.setPixelColor(1, 0, Qt::blue);
+    return QPixmap::fromImage(image);
+}
+
+/// Letters of the pixels, rows parted by a bar.
+QString letters(const QPixmap &pixmap)
+{
+    const QImage image = pixmap.toImage();
+    QString text;
+    for (int y = 0; y < image.height(); ++y) {
+        text += y > 0 ? QStringLiteral("|") : QString();
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor color = image.pixelColor(x, y);
+            text += QLatin1Char(color == Qt::red ? 'r' : color == Qt::blue ? 'b' : '?');
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+class CameraPreviewTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void orientation_data();
+    void orientation();
+    void orientationWithoutPreview();
+    void cacheFile();
+    void releasedPreviewComesBack();
+    void fileStaysInTheCacheFolder();
+    void decoding_data();
+    void decoding();
+};
+
+void CameraPreviewTest::initTestCase()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("CameraPreviewTest"));
+}
+
+void CameraPreviewTest::init()
+{
+    QVERIFY(QDir(cacheFolder()).removeRecursively());
+    QVERIFY(QDir().mkpath(cacheFolder()));
+}
+
+void CameraPreviewTest::orientation_data()
+{
+    QTest::addColumn<int>("rotation");
+    QTest::addColumn<bool>("mirror");
+    QTest::addColumn<QString>("shown");
+
+    QTest::newRow("as it is") << 0 << false << QStringLiteral("rb");
+    QTest::newRow("clockwise") << 90 << false << QStringLiteral("r|b");
+    QTest::newRow("upside down") << 180 << false << QStringLiteral("br");
+    QTest::newRow("anticlockwise") << -90 << false << QStringLiteral("b|r");
+    QTest::newRow("mirrored") << 0 << true << QStringLiteral("br");
+    QTest::newRow("turned, then mirrored") << 90 << true << QStringLiteral("r|b");
+}
+
+void CameraPreviewTest::orientation()
+{
+    QFETCH(int, rotation);
+    QFETCH(bool, mirror);
+    const CameraPtr camera = makeCamera();
+    camera->setPreview(twoPixels());
+    camera->setRotation(rotation);
+    camera->setMirrored(mirror);
+    QTEST(letters(camera->preview()), "shown");
+    QCOMPARE(letters(camera->sourcePreview()), QStringLiteral("rb"));
+
+    // A picture that comes later is turned in the same way.
+    camera->setPreview(twoPixels());
+    QTEST(letters(camera->preview()), "shown");
+}
+
+void CameraPreviewTest::orientationWithoutPreview()
+{
+    const CameraPtr camera = makeCamera();
+    QStringList heard;
+    connect(camera.data(), &Camera::previewChanged, this, [&heard](const QPixmap &pixmap) {
+        heard << (pixmap.isNull() ? QStringLiteral("null") : QStringLiteral("picture"));
+    });
+    connect(camera.data(), &Camera::orientationChanged, this,
+            [&heard] { heard << QStringLiteral("orientation"); });
+    camera->setRotation(90);
+    camera->setMirrored(true);
+    QCOMPARE(heard, (QStringList{QStringLiteral("null"), QStringLiteral("orientation"),
+                                 QStringLiteral("null"), QStringLiteral("orientation")}));
+    QVERIFY(!camera->hasPreview());
+}
+
+void CameraPreviewTest::cacheFile()
+{
+    QVERIFY(makeCamera()->preview().isNull());
+
+    const CameraPtr first = makeCamera();
+    first->setRotation(90);
+    first->setPreview(plainPicture(QSize(32, 18)));
+    QCOMPARE(QDir(cacheFolder()).entryList(QDir::Files | QDir::Hidden),
+             QStringList(QStringLiteral("10.0.0.5:80_7.jpeg")));
+
+    // The file keeps the picture as it was received.
+    const CameraPtr second = makeCamera();
+    QVERIFY(!second->hasPreview());
+    QCOMPARE(second->preview().size(), QSize(32, 18));
+    QVERIFY(second->hasPreview());
+}
+
+void CameraPreviewTest::releasedPreviewComesBack()
+{
+    const CameraPtr camera = makeCamera();
+    camera->setPreview(plainPicture(QSize(32, 18)));
+    QSignalSpy spy(camera.data(), &Camera::previewChanged);
+    camera->setPreview(QPixmap());
+    QVERIFY(!camera->hasPreview());
+    QCOMPARE(spy.size(), 1);
+    QVERIFY(spy.first().first().value<QPixmap>().isNull());
+    QCOMPARE(camera->preview().size(), QSize(32, 18));
+}
+
+void CameraPreviewTest::fileStaysInTheCacheFolder()
+{
+    const CameraPtr camera = makeCamera(QStringLiteral("../outside/%2"));
+    camera->setPreview(plainPicture(QSize(32, 18)));
+    QCOMPARE(QDir(cacheFolder()).entryList(QDir::Files | QDir::Hidden),
+             QStringList(QStringLiteral(".._outside_%2_7.jpeg")));
+    camera->setPreview(QPixmap());
+    QCOMPARE(camera->sourcePreview().size(), QSize(32, 18));
+}
+
+void CameraPreviewTest::decoding_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QSize>("size");
+
+    const auto encoded = [](const char *format) {
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        plainPicture(QSize(64, 36)).save(&buffer, format);
+        return buffer.data();
+    };
+    QTest::newRow("jpeg") << encoded("JPEG") << QSize(64, 36);
+    QTest::newRow("png") << encoded("PNG") << QSize(64, 36);
+    QTest::newRow("empty") << QByteArray() << QSize(0, 0);
+    QTest::newRow("garbage") << QByteArray(4096, 'x') << QSize(0, 0);
+    QTest::newRow("head of a jpeg") << encoded("JPEG").left(20) << QSize(0, 0);
+
+    // A header that promises 20,000 by 10,000 pixels, which would be 800 MB.
+    QByteArray bomb = encoded("JPEG");
+    const int frame = bomb.indexOf("\xff\xc0");
+    QVERIFY(frame > 0);
+    bomb.replace(frame + 5, 4, QByteArray::fromHex("27104e20"));
+    QTest::newRow("giant") << bomb << QSize(0, 0);
+}
+
+void CameraPreviewTest::decoding()
+{
+    QFETCH(QByteArray, bytes);
+    QTEST(decodePreview(bytes).size(), "size");
+}
+
+QTEST_MAIN(CameraPreviewTest)
+#include "CameraPreviewTest.moc"

@@ -1,0 +1,478 @@
+// SPDX-License-Identifier: MIT
+#include "API/CloudAPIClient.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSignalSpy>
+#include <QStandardPaths>
+#include <QTest>
+
+#include "API/Camera.h"
+#include "API/Layout.h"
+#include "API/Server.h"
+#include "App/Environment.h"
+#include "App/Settings.h"
+#include "tests/support/ScriptedService.h"
+
+using namespace ZorvaneClient::API;
+using namespace ZorvaneClient::Tests;
+
+namespace App = ZorvaneClient::App;
+
+namespace {
+
+// MD5 of "demo@zorvane.example".
+const QString demoCache = QStringLiteral("layouts.924942403f0708c36c6637682cb19b21");
+
+// 2026-11-14 09:00:00 UTC.
+constexpr int startStamp = 1794646800;
+
+QString cachePath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + QLatin1Char('/') +
+           demoCache;
+}
+
+void writeCache(const QByteArray &content)
+{
+    QFile file(cachePath());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(content);
+}
+
+QByteArray cacheContent()
+{
+    QFile file(cachePath());
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray document(int stamp, const QByteArray &layouts)
+{
+    return "{\"last_update\":" + QByteArray::number(stamp) + ",\"layouts\":[" + layouts + "]}";
+}
+
+QByteArray layoutJson(const QByteArray &id, const QByteArray &name, const QByteArray &cameras = "")
+{
+    return "{\"id\":\"" + id + "\",\"name\":\"" + name +
+           "\",\"rows\":2,\"columns\":3,\"cameras\":[" + cameras + "]}";
+}
+
+QStringList names()
+{
+    QStringList list;
+    const LayoutsContainer layouts = CloudAPIClient::layoutList();
+    for (const LayoutPtr &layout : layouts)
+        list.append(layout->name());
+    return list;
+}
+
+} // namespace
+
+class CloudLayoutsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void nothingWithoutServers();
+    void requestOnTheWire();
+    void newerCopyOfTheServiceWins();
+    void serviceGetsWhatIsNewer_data();
+    void serviceGetsWhatIsNewer();
+    void cacheComesFirst();
+    void damagedCache_data();
+    void damagedCache();
+    void throttle_data();
+    void throttle();
+    void knownLayoutKeepsItsObject();
+    void emptyListEmptiesMemory();
+    void failureKeepsLayouts();
+    void failedSaveIsTold();
+    void addAndDelete();
+    void documentOnDisk();
+    void savingReplacesTheFileWhole();
+    void cacheThatCannotBeWritten();
+    void signOutKeepsTheCache();
+
+private:
+    void setTime(int seconds);
+    void loadServers();
+    /// Asks once and waits until the service's answer was taken and all traffic is over.
+    void update(CloudAPIClient *client);
+
+    ScriptedService service;
+};
+
+void CloudLayoutsTest::initTestCase()
+{
+    QVERIFY(service.start());
+    QVERIFY(QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::CacheLocation)));
+}
+
+void CloudLayoutsTest::init()
+{
+    setTime(0);
+    App::settings().setValue(QStringLiteral("auth/email"), QStringLiteral("demo@zorvane.example"));
+    QDir().rmdir(cachePath());
+    const QDir cache(QStandardPaths::writableLocation(QStandardPaths::CacheLocation));
+    for (const QString &file : cache.entryList({QStringLiteral("layouts*")}))
+        QVERIFY(QFile::remove(cache.filePath(file)));
+    service.reset();
+    CloudAPIClient().logout();
+    QTRY_COMPARE(service.requests().size(), 1);
+    service.reset();
+    loadServers();
+    service.succeed("GET", "//layouts", document(0, ""));
+    service.succeed("POST", "//layouts", "null");
+}
+
+void CloudLayoutsTest::setTime(int seconds)
+{
+    const QDateTime time = QDateTime::fromSecsSinceEpoch(startStamp + seconds);
+    App::Environment::setClock([time] { return time; });
+}
+
+void CloudLayoutsTest::loadServers()
+{
+    service.succeed("GET", "/public/roster",
+                    R"({"1":{"id":"s1","cameras":{"7":{"id":7},"8":{"id":8}}}})");
+    CloudAPIClient client;
+    QSignalSpy updated(&client, &CloudAPIClient::rosterUpdated);
+    client.updateRoster();
+    QTRY_COMPARE(updated.count(), 1);
+    service.server().clearRequests();
+}
+
+void CloudLayoutsTest::update(CloudAPIClient *client)
+{
+    static int minutes = 0;
+    constexpr int pastThrottleSeconds = 60;
+    setTime(++minutes * pastThrottleSeconds);
+    service.server().clearRequests();
+    client->updateLayouts();
+    QTRY_VERIFY(!service.requestsTo("//layouts").isEmpty());
+    QTRY_COMPARE(service.server().openConnections(), 0);
+    // An exchange begun later has its outcome, so this one was handled, and so was what it
+    // led to.
+    for (int hop = 0; hop < 2; ++hop) {
+        CloudAPIClient later;
+        QSignalSpy done(&later, &CloudAPIClient::updatesError);
+        later.checkForUpdates();
+        QTRY_COMPARE(done.count(), 1);
+        QTRY_COMPARE(service.server().openConnections(), 0);
+    }
+}
+
+void CloudLayoutsTest::nothingWithoutServers()
+{
+    CloudAPIClient client;
+    client.clearRoster();
+    writeCache(document(100, layoutJson("a", "Cached")));
+    QSignalSpy updated(&client, &CloudAPIClient::layoutsUpdated);
+    QSignalSpy failed(&client, &CloudAPIClient::layoutsUpdateError);
+    client.updateLayouts();
+    QCOMPARE(client.layoutList().size(), 0);
+    loadServers();
+    QCOMPARE(service.requestsTo("//layouts").size(), 0);
+    QCOMPARE(updated.count() + failed.count(), 0);
+}
+
+void CloudLayoutsTest::requestOnTheWire()
+{
+    service.succeed("POST", "/public/sessions", R"({"session_id":"abc"})");
+    CloudAPIClient client;
+    QSignalSpy signedIn(&client, &CloudAPIClient::loginSuccess);
+    client.tryLogin(QString(), QString());
+    QTRY_COMPARE(signedIn.count(), 1);
+    update(&client);
+    const auto requests = service.requestsTo("//layouts");
+    QCOMPARE(requests.size(), 2);
+    QCOMPARE(requests.at(0).requestLine(), QByteArray("GET //layouts?sessionId=abc HTTP/1.1"));
+    QCOMPARE(requests.at(1).requestLine(), QByteArray("POST //layouts?sessionId=abc HTTP/1.1"));
+    QCOMPARE(requests.at(1).header("Content-Type"), QByteArray("application/json"));
+    QCOMPARE(QJsonDocument::fromJson(requests.at(1).body), QJsonDocument(QJsonArray()));
+}
+
+void CloudLayoutsTest::newerCopyOfTheServiceWins()
+{
+    const QByteArray cell = R"({"server":"s1","camera":7,"row":1,"column":2,"w":1,"h":1})";
+    writeCache(document(100, layoutJson("a", "Cached") + "," + layoutJson("b", "Dropped")));
+    service.succeed("GET", "//layouts", document(101, layoutJson("a", "Fresh", cell)));
+    CloudAPIClient client;
+    QSignalSpy updated(&client, &CloudAPIClient::layoutsUpdated);
+    update(&client);
+    QCOMPARE(names(), QStringList({"Fresh"}));
+    QCOMPARE(updated.count(), 2); // the cache's copy, then the service's
+    const LayoutPtr layout = client.layoutList().value(QStringLiteral("a"));
+    QCOMPARE(layout->rows(), 2);
+    QCOMPARE(layout->columns(), 3);
+    QCOMPARE(layout->cellList().size(), 1);
+    QCOMPARE(layout->cellAt(1, 2).camera,
+             client.serverList().value(QStringLiteral("s1"))->cameras().value(7));
+
+    // The cache has the new list under a stamp of its own, and nothing was sent.
+    const QJsonObject saved = QJsonDocument::fromJson(cacheContent()).object();
+    QVERIFY(saved.value(QStringLiteral("last_update")).toInt() > startStamp);
+    QCOMPARE(saved.value(QStringLiteral("layouts")).toArray().size(), 1);
+    QCOMPARE(service.requestsTo("//layouts").size(), 1);
+}
+
+void CloudLayoutsTest::serviceGetsWhatIsNewer_data()
+{
+    QTest::addColumn<int>("stamp");
+    QTest::newRow("equal") << 100;
+    QTest::newRow("older") << 99;
+    QTest::newRow("negative") << -1;
+    QTest::newRow("none") << 0;
+}
+
+void CloudLayoutsTest::serviceGetsWhatIsNewer()
+{
+    QFETCH(int, stamp);
+
+    const QByteArray cell = R"({"server":"s1","camera":8,"row":0,"column":0,"w":1,"h":2})";
+    writeCache(document(100, layoutJson("a", "Cached", cell)));
+    service.succeed("GET", "//layouts", document(stamp, layoutJson("b", "Old")));
+    CloudAPIClient client;
+    QTest::ignoreMessage(QtDebugMsg, QStringLiteral("Outdated layouts: %1").arg(stamp).toUtf8());
+    QTest::ignoreMessage(QtDebugMsg, "Layouts saved to API");
+    update(&client);
+    QCOMPARE(names(), QStringList({"Cached"}));
+    const auto requests = service.requestsTo("//layouts");
+    QCOMPARE(requests.size(), 2);
+    QCOMPARE(requests.at(1).method(), QByteArray("POST"));
+    const QJsonArray sent = QJsonDocument::fromJson(requests.at(1).body).array();
+    QCOMPARE(sent, QJsonDocument::fromJson("[" + layoutJson("a", "Cached", cell) + "]").array());
+}
+
+void CloudLayoutsTest::cacheComesFirst()
+{
+    writeCache(document(100, layoutJson("a", "Cached")));
+    CloudAPIClient client;
+    QSignalSpy updated(&client, &CloudAPIClient::layoutsUpdated);
+    client.updateLayouts();
+    QCOMPARE(updated.count(), 1); // before any answer
+    QCOMPARE(names(), QStringList({"Cached"}));
+    QTRY_COMPARE(service.requestsTo("//layouts").size(), 2);
+}
+
+void CloudLayoutsTest::damagedCache_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("cut off") << document(100, layoutJson("a", "Cached")).chopped(1);
+    QTest::newRow("array") << QByteArray("[1,2]");
+    QTest::newRow("stamp is text")
+        << QByteArray(R"({"last_update":"soon","layouts":[{"id":"a"}]})");
+    QTest::newRow("garbage") << QByteArray(100000, '\x81');
+    QTest::newRow("nested too deep") << QByteArray(100000, '[');
+}
+
+void CloudLayoutsTest::damagedCache()
+{
+    QFETCH(QByteArray, content);
+
+    writeCache(content);
+    service.succeed("GET", "//layouts", document(5, layoutJson("a", "Fresh")));
+    CloudAPIClient client;
+    QTest::ignoreMessage(QtDebugMsg, "Outdated layouts: 0");
+    update(&client);
+    QCOMPARE(names(), QStringList({"Fresh"}));
+}
+
+void CloudLayoutsTest::throttle_data()
+{
+    QTest::addColumn<int>("seconds");
+    QTest::addColumn<bool>("asks");
+    QTest::newRow("next tick") << 5 << false;
+    QTest::newRow("29 seconds") << 29 << false;
+    QTest::newRow("30 seconds") << 30 << true;
+}
+
+void CloudLayoutsTest::throttle()
+{
+    QFETCH(int, seconds);
+    QFETCH(bool, asks);
+
+    CloudAPIClient client;
+    client.updateLayouts();
+    QTRY_COMPARE(service.requestsTo("//layouts").size(), 2); // GET and POST
+    setTime(seconds);
+
+    // The signal comes with the lock held; what a list reads must not block.
+    int servers = 0;
+    connect(&client, &CloudAPIClient::layoutsUpdated, this, [&] {
+        servers = client.serverList().size() + client.layoutList().size();
+        client.sessionId();
+    });
+    QSignalSpy updated(&client, &CloudAPIClient::layoutsUpdated);
+    client.updateLayouts();
+    QCOMPARE(updated.count(), asks ? 0 : 1);
+    QCOMPARE(servers, asks ? 0 : 1);
+    QTRY_COMPARE(service.requestsTo("//layouts").size(), asks ? 4 : 2);
+}
+
+void CloudLayoutsTest::knownLayoutKeepsItsObject()
+{
+    service.succeed("GET", "//layouts",
+                    document(startStamp, layoutJson("a", "A") + "," + layoutJson("b", "B")));
+    CloudAPIClient client;
+    update(&client);
+    const LayoutPtr a = client.layoutList().value(QStringLiteral("a"));
+    QCOMPARE(names(), QStringList({"A", "B"}));
+    constexpr int farAhead = 2000000000;
+    service.succeed("GET", "//layouts",
+                    document(farAhead, layoutJson("a", "Renamed") + "," + layoutJson("c", "C")));
+    update(&client);
+    QCOMPARE(names(), QStringList({"Renamed", "C"}));
+    QCOMPARE(client.layoutList().value(QStringLiteral("a")), a);
+}
+
+void CloudLayoutsTest::emptyListEmptiesMemory()
+{
+    writeCache(document(100, layoutJson("a", "A")));
+    service.succeed("GET", "//layouts", document(101, ""));
+    CloudAPIClient client;
+    update(&client);
+    QCOMPARE(client.layoutList().size(), 0);
+    QCOMPARE(QJsonDocument::fromJson(cacheContent())
+                 .object()
+                 .value(QStringLiteral("layouts"))
+                 .toArray()
+                 .size(),
+             0);
+}
+
+void CloudLayoutsTest::failureKeepsLayouts()
+{
+    writeCache(document(100, layoutJson("a", "A")));
+    service.answer("GET", "//layouts", WireReply::json("", 500));
+    CloudAPIClient client;
+    QSignalSpy failed(&client, &CloudAPIClient::layoutsUpdateError);
+    QTest::ignoreMessage(QtDebugMsg, "Error updating layouts");
+    update(&client);
+    QCOMPARE(failed.count(), 1);
+    QCOMPARE(names(), QStringList({"A"}));
+    QCOMPARE(cacheContent(), document(100, layoutJson("a", "A")));
+}
+
+void CloudLayoutsTest::failedSaveIsTold()
+{
+    service.answer("POST", "//layouts",
+                   WireReply::json(R"({"success":false,"response":{"code":10003}})"));
+    CloudAPIClient client;
+    QSignalSpy failed(&client, &CloudAPIClient::layoutsUpdateError);
+    client.addLayout(LayoutPtr::create());
+    QTest::ignoreMessage(QtWarningMsg, "Error saving layouts");
+    client.saveLayoutsToAPI();
+    QTRY_COMPARE(failed.count(), 1);
+
+    // The stamp here stays ahead, so the next round sends the list again.
+    service.succeed("POST", "//layouts", "null");
+    update(&client);
+    QCOMPARE(service.requestsTo("//layouts").size(), 2);
+    const QByteArray sent = service.requestsTo("//layouts").constLast().body;
+    QCOMPARE(QJsonDocument::fromJson(sent).array().size(), 1);
+}
+
+void CloudLayoutsTest::addAndDelete()
+{
+    CloudAPIClient client;
+    QSignalSpy updated(&client, &CloudAPIClient::layoutsUpdated);
+    const LayoutPtr first = LayoutPtr::create();
+    client.addLayout(first);
+    const LayoutPtr copy = LayoutPtr::create(*first); // the same id
+    client.addLayout(copy);
+    QCOMPARE(client.layoutList().size(), 1);
+    QCOMPARE(client.layoutList().first(), copy);
+    QCOMPARE(updated.count(), 2);
+    client.deleteLayout(first);
+    QCOMPARE(client.layoutList().size(), 0);
+    QCOMPARE(updated.count(), 3);
+    client.addLayout(LayoutPtr());
+    client.deleteLayout(LayoutPtr());
+    QCOMPARE(updated.count(), 3);
+    QVERIFY(!QFile::exists(cachePath()));
+    QCOMPARE(service.requests().size(), 0);
+}
+
+void CloudLayoutsTest::documentOnDisk()
+{
+    CloudAPIClient client;
+    client.addLayout(
+        LayoutPtr::create(QJsonDocument::fromJson(layoutJson("a", "A")).toVariant().toMap()));
+    setTime(7);
+    client.saveLayoutsToFile();
+    const QByteArray expected = "{\n"
+                                "    \"last_update\": " +
+                                QByteArray::number(startStamp + 7) +
+                                ",\n"
+                                "    \"layouts\": [\n"
+                                "        {\n"
+                                "            \"cameras\": [\n"
+                                "            ],\n"
+                                "            \"columns\": 3,\n"
+                                "            \"id\": \"a\",\n"
+                                "            \"name\": \"A\",\n"
+                                "            \"rows\": 2\n"
+                                "        }\n"
+                                "    ]\n"
+                                "}\n";
+    QCOMPARE(cacheContent(), expected);
+    constexpr auto others = QFileDevice::ReadGroup | QFileDevice::WriteGroup |
+                            QFileDevice::ReadOther | QFileDevice::WriteOther;
+    QVERIFY(!(QFile::permissions(cachePath()) & others));
+}
+
+void CloudLayoutsTest::savingReplacesTheFileWhole()
+{
+    const QByteArray old = document(100, layoutJson("a", "A"));
+    writeCache(old);
+    QFile reader(cachePath());
+    QVERIFY(reader.open(QIODevice::ReadOnly));
+    CloudAPIClient client;
+    client.saveLayoutsToFile();
+    QCOMPARE(reader.readAll(), old);
+    QVERIFY(cacheContent() != old);
+    QCOMPARE(QFileInfo(cachePath()).dir().entryList({QStringLiteral("layouts*")}),
+             QStringList({demoCache}));
+}
+
+void CloudLayoutsTest::cacheThatCannotBeWritten()
+{
+    QVERIFY(QDir().mkdir(cachePath())); // stands where the file should
+    CloudAPIClient client;
+    client.addLayout(LayoutPtr::create());
+    QTest::ignoreMessage(
+        QtWarningMsg,
+        QStringLiteral("Could not save layouts cache to \"%1\"").arg(cachePath()).toUtf8());
+    client.saveLayoutsToFile();
+    // The stamp has moved all the same, so an older copy of the service changes nothing.
+    service.succeed("GET", "//layouts", document(startStamp, layoutJson("b", "Old")));
+    update(&client);
+    QCOMPARE(client.layoutList().size(), 1);
+    QVERIFY(!names().contains(QStringLiteral("Old")));
+}
+
+void CloudLayoutsTest::signOutKeepsTheCache()
+{
+    CloudAPIClient client;
+    client.addLayout(LayoutPtr::create());
+    client.saveLayoutsToFile();
+    const QByteArray saved = cacheContent();
+    client.logout();
+    QCOMPARE(client.layoutList().size(), 0);
+    QCOMPARE(cacheContent(), saved);
+    loadServers();
+    client.updateLayouts();
+    QCOMPARE(client.layoutList().size(), 1);
+    QTRY_COMPARE(service.requestsTo("//layouts").size(), 2);
+}
+
+QTEST_MAIN(CloudLayoutsTest)
+#include "CloudLayoutsTest.moc"

@@ -1,0 +1,275 @@
+// SPDX-License-Identifier: MIT
+#include "API/CloudAPIClient.h"
+
+#include <QCoreApplication>
+#include <QSignalSpy>
+#include <QTest>
+
+#include "API/Layout.h"
+#include "API/LocalServer.h"
+#include "App/ServiceProfile.h"
+#include "tests/support/ScriptedService.h"
+
+using namespace ZorvaneClient::API;
+using namespace ZorvaneClient::Tests;
+
+namespace App = ZorvaneClient::App;
+
+class CloudSessionTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void signIn_data();
+    void signIn();
+    void signInFails_data();
+    void signInFails();
+    void signInWithoutNetwork();
+    void onlyTheAskingHandleHears();
+    void signOutForgetsEverything();
+    void signOutWithoutSession();
+    void updateCheck_data();
+    void updateCheck();
+    void updateCheckFails();
+    void deadHandleIsHarmless();
+
+private:
+    void signInAs(const QByteArray &session);
+
+    ScriptedService service;
+};
+
+void CloudSessionTest::initTestCase()
+{
+    QVERIFY(service.start());
+    QCoreApplication::setApplicationVersion(QStringLiteral("6.0.1.114"));
+}
+
+void CloudSessionTest::init()
+{
+    service.reset();
+    CloudAPIClient().logout();
+    QTRY_COMPARE(service.requests().size(), 1);
+    service.reset();
+}
+
+void CloudSessionTest::signInAs(const QByteArray &session)
+{
+    service.succeed("POST", "/public/sessions", "{\"session_id\":\"" + session + "\"}");
+    CloudAPIClient client;
+    QSignalSpy success(&client, &CloudAPIClient::loginSuccess);
+    client.tryLogin(QStringLiteral("a@b"), QStringLiteral("p"));
+    QTRY_COMPARE(success.count(), 1);
+    service.reset();
+}
+
+void CloudSessionTest::signIn_data()
+{
+    QTest::addColumn<QString>("email");
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<QByteArray>("response");
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<QString>("session");
+
+    const QByteArray client = "clientType=windows&clientVersion=6.0.1.114&";
+    QTest::newRow("plain") << "demo@zorvane.example"
+                           << "demo" << QByteArray(R"({"session_id":"abc"})")
+                           << client + "login=demo%40zorvane.example&password=demo"
+                           << "abc";
+    QTest::newRow("separators") << "a+b@c"
+                                << "1&2=3+4 %" << QByteArray(R"({"session_id":"abc"})")
+                                << client + "login=a%2Bb%40c&password=1%262%3D3%2B4%20%25"
+                                << "abc";
+    QTest::newRow("Cyrillic") << "a" << QString::fromUtf8("Ж") << QByteArray(R"({"session_id":7})")
+                              << client + "login=a&password=%D0%96"
+                              << "7";
+    QTest::newRow("no session in the reply")
+        << ""
+        << "" << QByteArray("{}") << client + "login=&password="
+        << "";
+}
+
+void CloudSessionTest::signIn()
+{
+    QFETCH(QString, email);
+    QFETCH(QString, password);
+    QFETCH(QByteArray, response);
+    QFETCH(QByteArray, body);
+    QFETCH(QString, session);
+
+    service.succeed("POST", "/public/sessions", response);
+    CloudAPIClient client;
+    QSignalSpy success(&client, &CloudAPIClient::loginSuccess);
+    client.tryLogin(email, password);
+    QTRY_COMPARE(success.count(), 1);
+    QCOMPARE(CloudAPIClient::sessionId(), session);
+    const WireRequest request = service.requests().constFirst();
+    QCOMPARE(request.requestLine(), QByteArray("POST /public/sessions HTTP/1.1"));
+    QCOMPARE(request.header("Content-Type"), QByteArray("application/x-www-form-urlencoded"));
+    QCOMPARE(request.body, body);
+}
+
+void CloudSessionTest::signInFails_data()
+{
+    QTest::addColumn<QByteArray>("reply");
+    QTest::newRow("wrong password")
+        << WireReply::json(R"({"success":false,"response":{"code":10001}})").bytes;
+    QTest::newRow("empty body") << WireReply::json("").bytes;
+    QTest::newRow("not JSON") << WireReply::json("<html>", 502).bytes;
+    QTest::newRow("no envelope") << WireReply::json(R"({"session_id":"abc"})").bytes;
+    QTest::newRow("closed") << QByteArray();
+}
+
+void CloudSessionTest::signInFails()
+{
+    QFETCH(QByteArray, reply);
+
+    service.answer("POST", "/public/sessions", WireReply::raw(reply));
+    CloudAPIClient client;
+    QSignalSpy success(&client, &CloudAPIClient::loginSuccess);
+    QSignalSpy failed(&client, &CloudAPIClient::loginFailed);
+    client.tryLogin(QStringLiteral("a@b"), QStringLiteral("wrong"));
+    QTRY_COMPARE(failed.count(), 1);
+    QCOMPARE(success.count(), 0);
+    QCOMPARE(CloudAPIClient::sessionId(), QString());
+}
+
+void CloudSessionTest::signInWithoutNetwork()
+{
+    const App::ServiceProfile own = App::ServiceProfile::current();
+    App::ServiceProfile dead = own;
+    dead.apiPort = MisbehavingServer::deadPort();
+    dead.caCertificate.clear();
+    App::ServiceProfile::setCurrent(dead);
+    CloudAPIClient client;
+    QSignalSpy failed(&client, &CloudAPIClient::loginFailed);
+    client.tryLogin(QStringLiteral("a@b"), QStringLiteral("p"));
+    App::ServiceProfile restored = own;
+    restored.caCertificate.clear(); // trusted already
+    App::ServiceProfile::setCurrent(restored);
+    QTRY_COMPARE(failed.count(), 1);
+    QCOMPARE(service.requests().size(), 0);
+}
+
+void CloudSessionTest::onlyTheAskingHandleHears()
+{
+    service.succeed("POST", "/public/sessions", R"({"session_id":"abc"})");
+    CloudAPIClient asking;
+    CloudAPIClient other;
+    QSignalSpy asked(&asking, &CloudAPIClient::loginSuccess);
+    QSignalSpy overheard(&other, &CloudAPIClient::loginSuccess);
+    asking.tryLogin(QStringLiteral("a@b"), QStringLiteral("p"));
+    QTRY_COMPARE(asked.count(), 1);
+    QCOMPARE(overheard.count(), 0);
+    QCOMPARE(other.sessionId(), QStringLiteral("abc"));
+}
+
+void CloudSessionTest::signOutForgetsEverything()
+{
+    signInAs("abc");
+    service.succeed("GET", "/public/roster", R"({"x":{"id":"s1","online":true}})");
+    CloudAPIClient client;
+    QSignalSpy roster(&client, &CloudAPIClient::rosterUpdated);
+    QSignalSpy layouts(&client, &CloudAPIClient::layoutsUpdated);
+    client.updateRoster();
+    QTRY_COMPARE(roster.count(), 1);
+    client.addLocalServer(LocalServerPtr::create(QStringLiteral("LAN"), QStringLiteral("127.0.0.1"),
+                                                 MisbehavingServer::deadPort(), QString()));
+    client.addLayout(LayoutPtr::create());
+    QCOMPARE(client.serverList().size(), 2);
+    QCOMPARE(client.layoutList().size(), 1);
+    const int rosterBefore = roster.count();
+    const int layoutsBefore = layouts.count();
+
+    // What a list in an open window does: it reads while it is told.
+    int seenServers = -1;
+    int seenLayouts = -1;
+    connect(&client, &CloudAPIClient::rosterUpdated, this, [&] {
+        client.clearRoster();
+        seenServers = client.serverList().size();
+    });
+    connect(&client, &CloudAPIClient::layoutsUpdated, this,
+            [&] { seenLayouts = client.layoutList().size(); });
+    client.logout();
+    QCOMPARE(roster.count(), rosterBefore + 1);
+    QCOMPARE(layouts.count(), layoutsBefore + 1);
+    QCOMPARE(seenServers, 0);
+    QCOMPARE(seenLayouts, 0);
+    QCOMPARE(client.sessionId(), QString());
+    QTRY_COMPARE(service.requestsTo("/public/sessions/abc").size(), 1);
+    QCOMPARE(service.requestsTo("/public/sessions/abc").constFirst().requestLine(),
+             QByteArray("DELETE /public/sessions/abc HTTP/1.1"));
+}
+
+void CloudSessionTest::signOutWithoutSession()
+{
+    CloudAPIClient().logout();
+    QTRY_COMPARE(service.requests().size(), 1);
+    QCOMPARE(service.requests().constFirst().requestLine(),
+             QByteArray("DELETE /public/sessions/ HTTP/1.1"));
+}
+
+void CloudSessionTest::updateCheck_data()
+{
+    QTest::addColumn<QByteArray>("response");
+    QTest::addColumn<QString>("version");
+    QTest::newRow("newer") << QByteArray(R"({"version":"7.0.0.1"})") << "7.0.0.1";
+    QTest::newRow("missing") << QByteArray("{}") << "";
+    QTest::newRow("no object") << QByteArray("[1]") << "";
+}
+
+void CloudSessionTest::updateCheck()
+{
+    QFETCH(QByteArray, response);
+    QFETCH(QString, version);
+
+    service.succeed("GET", "/public/version/client_windows", response);
+    CloudAPIClient client;
+    QSignalSpy found(&client, &CloudAPIClient::updatesFound);
+    client.checkForUpdates();
+    QTRY_COMPARE(found.count(), 1);
+    QCOMPARE(found.at(0).at(0).toString(), version);
+}
+
+void CloudSessionTest::updateCheckFails()
+{
+    CloudAPIClient client;
+    QSignalSpy found(&client, &CloudAPIClient::updatesFound);
+    QSignalSpy failed(&client, &CloudAPIClient::updatesError);
+    client.checkForUpdates();
+    QTRY_COMPARE(failed.count(), 1);
+    QCOMPARE(found.count(), 0);
+}
+
+void CloudSessionTest::deadHandleIsHarmless()
+{
+    const camera_global_id_t camera{QStringLiteral("s1"), 1};
+    service.succeed("GET", "/public/roster", R"({"x":{"id":"s1"}})");
+    QTest::ignoreMessage(QtWarningMsg, "Error saving layouts");
+    QTest::ignoreMessage(QtWarningMsg, "Error saving rotation 10001 500");
+    {
+        CloudAPIClient client;
+        client.checkForUpdates();
+        client.updateRoster();
+        client.requestPreview(camera.server, camera.camera);
+        client.getTimeline(camera, 1, 2);
+        client.getCalendar(camera, 1, 2);
+        client.setCameraRotation(camera, 90);
+        client.saveLayoutsToAPI();
+        client.tryLogin(QStringLiteral("a"), QStringLiteral("b"));
+    }
+    constexpr int requestCount = 8;
+    QTRY_COMPARE(service.requests().size(), requestCount);
+    QTRY_COMPARE(service.server().openConnections(), 0);
+    // An exchange begun later has its outcome, so theirs have been handled.
+    CloudAPIClient later;
+    QSignalSpy failed(&later, &CloudAPIClient::updatesError);
+    later.checkForUpdates();
+    QTRY_COMPARE(failed.count(), 1);
+    QVERIFY(!later.serverList().contains(camera.server)); // dropped with its handle
+}
+
+QTEST_MAIN(CloudSessionTest)
+#include "CloudSessionTest.moc"

@@ -1,0 +1,329 @@
+// SPDX-License-Identifier: MIT
+#include "API/CloudAPIClient.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTest>
+
+#include "API/LocalServer.h"
+#include "API/Server.h"
+#include "App/Environment.h"
+#include "tests/support/ScriptedService.h"
+
+using namespace ZorvaneClient::API;
+using namespace ZorvaneClient::Tests;
+
+namespace App = ZorvaneClient::App;
+
+namespace {
+
+const QString rosterFile = QStringLiteral("local_roster.txt");
+const QString localhost = QStringLiteral("127.0.0.1");
+const QByteArray oneServer = R"({"x":{"id":"s1","name":"One","online":true}})";
+
+void writeFile(const QByteArray &content)
+{
+    QFile file(rosterFile);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(content);
+}
+
+QByteArray fileContent()
+{
+    QFile file(rosterFile);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// Ports below 4 refuse on loopback.
+LocalServerPtr lanServer(int port, const QString &alias = QStringLiteral("LAN"))
+{
+    return LocalServerPtr::create(alias, localhost, port, QStringLiteral("secret"));
+}
+
+} // namespace
+
+class LocalRosterTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void localFile_data();
+    void localFile();
+    void localFileIsReadOnEveryRequest();
+    void localServersWithoutService();
+    void fileOnDisk();
+    void savingReplacesTheFileWhole();
+    void fileThatCannotBeWritten();
+    void addReplacesTheSameAddress();
+    void deleteLeavesTheOthers();
+    void edit_data();
+    void edit();
+    void nullServerIsIgnored();
+    void localServersComeBackAfterSignOut();
+
+private:
+    void setTime(int seconds);
+    void update(CloudAPIClient *client);
+
+    ScriptedService service;
+};
+
+void LocalRosterTest::initTestCase()
+{
+    QVERIFY(service.start());
+}
+
+void LocalRosterTest::init()
+{
+    setTime(0);
+    QDir().rmdir(rosterFile);
+    QFile::remove(rosterFile);
+    service.reset();
+    CloudAPIClient().logout();
+    QTRY_COMPARE(service.requests().size(), 1);
+    service.reset();
+    service.succeed("GET", "/public/roster", oneServer);
+}
+
+void LocalRosterTest::setTime(int seconds)
+{
+    const QDateTime time = QDateTime(QDate(2026, 11, 14), QTime(9, 0)).addSecs(seconds);
+    App::Environment::setClock([time] { return time; });
+}
+
+/// Asks past the throttle and waits for the outcome.
+void LocalRosterTest::update(CloudAPIClient *client)
+{
+    static int minutes = 0;
+    constexpr int pastThrottleSeconds = 60;
+    setTime(++minutes * pastThrottleSeconds);
+    QSignalSpy updated(client, &CloudAPIClient::rosterUpdated);
+    QSignalSpy failed(client, &CloudAPIClient::rosterUpdateError);
+    const int requests = service.requestsTo("/public/roster").size();
+    client->updateRoster();
+    QTRY_COMPARE(updated.count() + failed.count(), 1);
+    QVERIFY(service.requestsTo("/public/roster").size() > requests);
+}
+
+void LocalRosterTest::localFile_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QStringList>("ids");
+    QTest::addColumn<QString>("firstAlias");
+
+    const QByteArray one = R"({"ip":"127.0.0.1","name":"One","password":"p","port":1})";
+    QTest::newRow("one") << "[" + one + "]" << QStringList{"127.0.0.1:1"} << "One";
+    QTest::newRow("sorted by id")
+        << QByteArray(R"([{"ip":"127.0.0.3","port":2},{"ip":"127.0.0.2","port":3,"name":"B"}])")
+        << QStringList{"127.0.0.2:3", "127.0.0.3:2"} << "B";
+    QTest::newRow("first of the same id wins")
+        << "[" + one + R"(,{"ip":"127.0.0.1","name":"Two","port":1}])" << QStringList{"127.0.0.1:1"}
+        << "One";
+    QTest::newRow("port as text") << QByteArray(R"([{"ip":"127.0.0.1","port":"2"}])")
+                                  << QStringList{"127.0.0.1:2"} << "";
+    QTest::newRow("Cyrillic")
+        << QStringLiteral("[{\"ip\":\"127.0.0.1\",\"name\":\"Двор\"}]").toUtf8()
+        << QStringList{"127.0.0.1:0"} << QString::fromUtf8("Двор");
+    QTest::newRow("damaged") << QByteArray("[" + one) << QStringList() << "";
+    QTest::newRow("empty") << QByteArray() << QStringList() << "";
+    QTest::newRow("object") << one << QStringList() << "";
+    QTest::newRow("garbage") << QByteArray(1000, '\xff') << QStringList() << "";
+}
+
+void LocalRosterTest::localFile()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QStringList, ids);
+    QFETCH(QString, firstAlias);
+
+    writeFile(content);
+    CloudAPIClient client;
+    client.loadLocalRoster();
+    const auto servers = client.serverList();
+    QCOMPARE(servers.keys(), ids);
+    if (!ids.isEmpty()) {
+        QCOMPARE(servers.first()->alias(), firstAlias);
+        QVERIFY(servers.first()->isLocal());
+    }
+    QCOMPARE(fileContent(), content);
+}
+
+void LocalRosterTest::localFileIsReadOnEveryRequest()
+{
+    writeFile(R"([{"ip":"127.0.0.1","name":"One","port":1}])");
+    CloudAPIClient client;
+    update(&client);
+    const ServerPtr first = client.serverList().value(QStringLiteral("127.0.0.1:1"));
+    QVERIFY(first);
+
+    // Objects in memory win over the file, and stay when the file has lost them.
+    writeFile(R"([{"ip":"127.0.0.1","name":"Other","port":1},{"ip":"127.0.0.1","port":2}])");
+    update(&client);
+    QCOMPARE(client.serverList().keys(), QStringList({"127.0.0.1:1", "127.0.0.1:2", "s1"}));
+    QCOMPARE(client.serverList().value(QStringLiteral("127.0.0.1:1")), first);
+    QCOMPARE(first->alias(), QStringLiteral("One"));
+    writeFile("[]");
+    update(&client);
+    QCOMPARE(client.serverList().size(), 3);
+
+    QVERIFY(QFile::remove(rosterFile));
+    QTest::ignoreMessage(QtDebugMsg, "Local roster file not present");
+    update(&client);
+    QCOMPARE(client.serverList().keys(), QStringList({"s1"}));
+}
+
+void LocalRosterTest::localServersWithoutService()
+{
+    service.answer("GET", "/public/roster", WireReply::raw(QByteArray()));
+    writeFile(R"([{"ip":"127.0.0.1","port":1}])");
+    CloudAPIClient client;
+    QSignalSpy failed(&client, &CloudAPIClient::rosterUpdateError);
+    update(&client);
+    QCOMPARE(failed.count(), 1);
+    QCOMPARE(client.serverList().keys(), QStringList({"127.0.0.1:1"}));
+}
+
+void LocalRosterTest::fileOnDisk()
+{
+    CloudAPIClient client;
+    client.addLocalServer(lanServer(2, QString::fromUtf8("Двор")));
+    client.addLocalServer(lanServer(1, QStringLiteral("Yard")));
+    const QByteArray expected = QStringLiteral("[\n"
+                                               "    {\n"
+                                               "        \"ip\": \"127.0.0.1\",\n"
+                                               "        \"name\": \"Yard\",\n"
+                                               "        \"password\": \"secret\",\n"
+                                               "        \"port\": 1\n"
+                                               "    },\n"
+                                               "    {\n"
+                                               "        \"ip\": \"127.0.0.1\",\n"
+                                               "        \"name\": \"Двор\",\n"
+                                               "        \"password\": \"secret\",\n"
+                                               "        \"port\": 2\n"
+                                               "    }\n"
+                                               "]\n")
+                                    .toUtf8();
+    QCOMPARE(fileContent(), expected);
+    constexpr auto others = QFileDevice::ReadGroup | QFileDevice::WriteGroup |
+                            QFileDevice::ReadOther | QFileDevice::WriteOther;
+    QVERIFY(!(QFile::permissions(rosterFile) & others));
+    QCOMPARE(QDir().entryList({QStringLiteral("local_roster*")}), QStringList({rosterFile}));
+}
+
+// A crash in the middle must not cost the list: who has the old file open keeps all of it.
+void LocalRosterTest::savingReplacesTheFileWhole()
+{
+    const QByteArray old = R"([{"ip":"127.0.0.1","port":1}])";
+    writeFile(old);
+    QVERIFY(QFile::setPermissions(rosterFile, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                                  QFileDevice::ReadOther));
+    QFile reader(rosterFile);
+    QVERIFY(reader.open(QIODevice::ReadOnly));
+    CloudAPIClient client;
+    client.loadLocalRoster();
+    client.addLocalServer(lanServer(2));
+    QCOMPARE(reader.readAll(), old);
+    QVERIFY(fileContent().contains("\"port\": 2"));
+    QVERIFY(!(QFile::permissions(rosterFile) & QFileDevice::ReadOther));
+}
+
+void LocalRosterTest::fileThatCannotBeWritten()
+{
+    QVERIFY(QDir().mkdir(rosterFile)); // stands where the file should
+    CloudAPIClient client;
+    QSignalSpy updated(&client, &CloudAPIClient::rosterUpdated);
+    QTest::ignoreMessage(QtWarningMsg, "Cannot save local roster");
+    client.addLocalServer(lanServer(1));
+    QCOMPARE(updated.count(), 1);
+    QCOMPARE(client.serverList().size(), 1);
+}
+
+void LocalRosterTest::addReplacesTheSameAddress()
+{
+    CloudAPIClient client;
+    client.addLocalServer(lanServer(1, QStringLiteral("First")));
+    const LocalServerPtr second = lanServer(1, QStringLiteral("Second"));
+    client.addLocalServer(second);
+    QCOMPARE(client.serverList().size(), 1);
+    QCOMPARE(client.serverList().first().data(), second.data());
+    QVERIFY(!fileContent().contains("First"));
+    QCOMPARE(fileContent().count("Second"), 1);
+}
+
+void LocalRosterTest::deleteLeavesTheOthers()
+{
+    CloudAPIClient client;
+    const LocalServerPtr first = lanServer(1);
+    client.addLocalServer(first);
+    client.addLocalServer(lanServer(2));
+    QSignalSpy updated(&client, &CloudAPIClient::rosterUpdated);
+    client.deleteLocalServer(first);
+    QCOMPARE(updated.count(), 1);
+    QCOMPARE(client.serverList().keys(), QStringList({"127.0.0.1:2"}));
+    QVERIFY(!fileContent().contains("\"port\": 1"));
+    QVERIFY(fileContent().contains("\"port\": 2"));
+    update(&client);
+    QVERIFY(!client.serverList().contains(QStringLiteral("127.0.0.1:1")));
+}
+
+void LocalRosterTest::edit_data()
+{
+    QTest::addColumn<QString>("host");
+    QTest::addColumn<int>("port");
+    QTest::addColumn<QStringList>("ids");
+    QTest::newRow("same address") << localhost << 1 << QStringList{"127.0.0.1:1", "127.0.0.1:2"};
+    QTest::newRow("new port") << localhost << 3 << QStringList{"127.0.0.1:2", "127.0.0.1:3"};
+    QTest::newRow("new host") << "127.0.0.9" << 1 << QStringList{"127.0.0.1:2", "127.0.0.9:1"};
+    QTest::newRow("address of another") << localhost << 2 << QStringList{"127.0.0.1:2"};
+}
+
+void LocalRosterTest::edit()
+{
+    QFETCH(QString, host);
+    QFETCH(int, port);
+    QFETCH(QStringList, ids);
+
+    CloudAPIClient client;
+    const LocalServerPtr server = lanServer(1);
+    client.addLocalServer(server);
+    client.addLocalServer(lanServer(2));
+    QSignalSpy updated(&client, &CloudAPIClient::rosterUpdated);
+    client.editLocalServer(server, QStringLiteral("New"), host, port, QStringLiteral("changed"));
+    QCOMPARE(updated.count(), 1);
+    QCOMPARE(client.serverList().keys(), ids);
+    QCOMPARE(client.serverList().value(server->id()).data(), server.data());
+    QCOMPARE(server->alias(), QStringLiteral("New"));
+    QCOMPARE(server->password(), QStringLiteral("changed"));
+    QCOMPARE(fileContent().count("\"ip\""), ids.size());
+    QVERIFY(fileContent().contains("changed"));
+}
+
+void LocalRosterTest::nullServerIsIgnored()
+{
+    CloudAPIClient client;
+    QSignalSpy updated(&client, &CloudAPIClient::rosterUpdated);
+    client.addLocalServer(LocalServerPtr());
+    client.deleteLocalServer(LocalServerPtr());
+    client.editLocalServer(LocalServerPtr(), QString(), QString(), 0, QString());
+    QCOMPARE(updated.count(), 0);
+    QVERIFY(!QFile::exists(rosterFile));
+}
+
+void LocalRosterTest::localServersComeBackAfterSignOut()
+{
+    CloudAPIClient client;
+    client.addLocalServer(lanServer(1));
+    update(&client);
+    QCOMPARE(client.serverList().size(), 2);
+    client.logout();
+    QCOMPARE(client.serverList().size(), 0);
+    QVERIFY(QFile::exists(rosterFile));
+    update(&client);
+    QCOMPARE(client.serverList().keys(), QStringList({"127.0.0.1:1", "s1"}));
+}
+
+QTEST_MAIN(LocalRosterTest)
+#include "LocalRosterTest.moc"

@@ -1,0 +1,299 @@
+// SPDX-License-Identifier: MIT
+#include <QtTest>
+
+#include <QUrlQuery>
+
+#include <algorithm>
+
+#include "API/Camera.h"
+#include "API/LocalServer.h"
+#include "tests/support/MisbehavingServer.h"
+
+using namespace ZorvaneClient::API;
+using ZorvaneClient::Tests::MisbehavingServer;
+using ZorvaneClient::Tests::WireReply;
+using ZorvaneClient::Tests::WireRequest;
+
+namespace {
+
+const QByteArray infoPath = "/vs_info/";
+const QByteArray streamsPath = "/streams/info";
+const WireReply failure = WireReply::json(QByteArray());
+
+/// A video server on loopback with a reply for each of its two paths.
+struct FakeVideoServer {
+    FakeVideoServer()
+    {
+        http.setHandler([this](const WireRequest &request) {
+            return request.path() == infoPath ? info : streams;
+        });
+        if (!http.start()) {
+            qFatal("No loopback port");
+        }
+    }
+
+    LocalServerPtr client(const QString &password = QString()) const
+    {
+        return LocalServerPtr::create(QStringLiteral("LAN"), QStringLiteral("127.0.0.1"),
+                                      http.port(), password);
+    }
+
+    int requestCount(const QByteArray &path) const
+    {
+        const QList<WireRequest> all = http.requests();
+        return static_cast<int>(
+            std::count_if(all.begin(), all.end(),
+                          [&path](const WireRequest &request) { return request.path() == path; }));
+    }
+
+    MisbehavingServer http;
+    WireReply info = WireReply::json("{\"functions\":[\"arc_search\"]}");
+    WireReply streams = WireReply::json(
+        R"([{"id":1,"name":"Gate","status":1,"width":1280,"height":720,"vcodec":"h264"},)"
+        R"({"id":2,"name":"Yard","status":0}])");
+};
+
+/// Polls once more and waits until both replies are in.
+bool poll(const LocalServerPtr &server, int signalsExpected = 2)
+{
+    QSignalSpy spy(server.data(), &LocalServer::updated);
+    server->update();
+    return QTest::qWaitFor([&] { return spy.size() >= signalsExpected; });
+}
+
+} // namespace
+
+class LocalServerTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void videoSize_data();
+    void videoSize();
+    void storedForm();
+    void firstReplies();
+    void asksAgainByItself();
+    void passwordOnTheWire();
+    void sameCamerasStay();
+    void unusableEntries();
+    void failures_data();
+    void failures();
+    void noCameras();
+    void hangingInfoIsNotAskedTwice();
+    void movesToAnotherAddress();
+    void diesWhileAsking();
+};
+
+void LocalServerTest::videoSize_data()
+{
+    QTest::addColumn<int>("width");
+    QTest::addColumn<int>("height");
+    QTest::addColumn<bool>("taken");
+
+    QTest::newRow("too narrow") << 79 << 720 << false;
+    QTest::newRow("narrowest") << 80 << 60 << true;
+    QTest::newRow("too low") << 80 << 59 << false;
+    QTest::newRow("largest") << 2400 << 2000 << true;
+    QTest::newRow("too wide") << 2401 << 2000 << false;
+    QTest::newRow("too high") << 1920 << 2001 << false;
+    QTest::newRow("negative") << -640 << -480 << false;
+}
+
+void LocalServerTest::videoSize()
+{
+    QFETCH(int, width);
+    QFETCH(int, height);
+    QFETCH(bool, taken);
+    const QSize size = LocalServer::checkedVideoSize(
+        {{QStringLiteral("width"), width}, {QStringLiteral("height"), height}});
+    QCOMPARE(size, taken ? QSize(width, height) : QSize(640, 480));
+    QCOMPARE(LocalServer::checkedVideoSize(QVariantMap()), QSize(640, 480));
+}
+
+void LocalServerTest::storedForm()
+{
+    const QVariantMap stored{{QStringLiteral("ip"), QStringLiteral("127.0.0.1")},
+                             {QStringLiteral("port"), MisbehavingServer::deadPort()},
+                             {QStringLiteral("name"), QStringLiteral("Склад")},
+                             {QStringLiteral("password"), QStringLiteral("p&%1")}};
+    const LocalServer server(stored);
+    QCOMPARE(server.toJson(), stored);
+    QCOMPARE(server.id(), QStringLiteral("127.0.0.1:%1").arg(server.port()));
+    QVERIFY(!server.isOnline());
+}
+
+void LocalServerTest::firstReplies()
+{
+    FakeVideoServer fake;
+    const LocalServerPtr server = fake.client(QStringLiteral("secret"));
+    QVERIFY(!server->isOnline());
+    QTRY_COMPARE(server->cameras().size(), 2);
+    QTRY_VERIFY(server->isArcSearchEnabled());
+    QVERIFY(server->isOnline());
+
+    const CameraPtr gate = server->cameras().value(1);
+    QCOMPARE(gate->name(), QStringLiteral("Gate"));
+    QCOMPARE(gate->serverId(), server->id());
+    QCOMPARE(gate->kind(), int(LocalCamera));
+    QCOMPARE(gate->videoSize(), QSize(1280, 720));
+    QCOMPARE(gate->vcodec(), QStringLiteral("h264"));
+    QVERIFY(gate->isExportEnabled() && gate->isOnline() && gate->isPaid());
+    QVERIFY(gate->liveUrl(2).contains(QStringLiteral("&sessionId=secret&")));
+    const CameraPtr yard = server->cameras().value(2);
+    QCOMPARE(yard->flags(), int(CameraOffline));
+    QCOMPARE(yard->videoSize(), QSize(640, 480));
+}
+
+void LocalServerTest::asksAgainByItself()
+{
+    FakeVideoServer fake;
+    const LocalServerPtr server = fake.client();
+    QTRY_VERIFY_WITH_TIMEOUT(fake.requestCount(streamsPath) >= 2, 20000);
+    QTRY_VERIFY(fake.requestCount(infoPath) >= 2);
+}
+
+void LocalServerTest::passwordOnTheWire()
+{
+    FakeVideoServer fake;
+    const LocalServerPtr server = fake.client(QStringLiteral("a+b&c d"));
+    QTRY_VERIFY(fake.http.requests().size() >= 2);
+    const QList<WireRequest> requests = fake.http.requests();
+    for (const WireRequest &request : requests) {
+        const QUrlQuery query(QString::fromLatin1(request.target().split('?').value(1)));
+        // What arrives after the server has decoded the query is the password itself.
+        QCOMPARE(query.queryItemValue(QStringLiteral("sessionId"), QUrl::FullyDecoded),
+                 QStringLiteral("a+b&c d"));
+        QCOMPARE(query.queryItemValue(QStringLiteral("server")), QStringLiteral("1"));
+    }
+}
+
+void LocalServerTest::sameCamerasStay()
+{
+    FakeVideoServer fake;
+    const LocalServerPtr server = fake.client();
+    QTRY_COMPARE(server->cameras().size(), 2);
+    const CameraPtr gate = server->cameras().value(1);
+    const CameraPtr yard = server->cameras().value(2);
+    QSignalSpy flagsSpy(gate.data(), &Camera::flagsChanged);
+    QVERIFY(poll(server));
+    QCOMPARE(server->cameras().value(1), gate);
+    QVERIFY(flagsSpy.isEmpty());
+
+    fake.streams = WireReply::json(R"([{"id":1,"name":"Door","status":0}])");
+    QVERIFY(poll(server));
+    QCOMPARE(server->cameras().keys(), QList<camera_id_t>{1});
+    QCOMPARE(gate->name(), QStringLiteral("Door"));
+    QCOMPARE(flagsSpy.size(), 1);
+    QCOMPARE(yard->name(), QStringLiteral("Yard"));
+}
+
+void LocalServerTest::unusableEntries()
+{
+    FakeVideoServer fake;
+    const LocalServerPtr server = fake.client();
+    QTRY_COMPARE(server->cameras().size(), 2);
+    fake.streams = WireReply::json(
+        R"([{"id":"two"},{},7,{"name":"no id"},{"id":null},{"id":"12","name":"text"}])");
+    QVERIFY(poll(server));
+    QCOMPARE(server->cameras().keys(), QList<camera_id_t>{12});
+}
+
+void LocalServerTest::failures_data()
+{
+    QTest::addColumn<bool>("infoFails");
+    QTest::addColumn<bool>("streamsFail");
+    QTest::addColumn<int>("cameras");
+
+    QTest::newRow("info only") << true << false << 2;
+    QTest::newRow("streams only") << false << true << 0;
+    QTest::newRow("both") << true << true << 0;
+}
+
+void LocalServerTest::failures()
+{
+    QFETCH(bool, infoFails);
+    QFETCH(bool, streamsFail);
+    FakeVideoServer fake;
+    const LocalServerPtr server = fake.client();
+    QTRY_VERIFY(server->isArcSearchEnabled() && server->cameras().size() == 2);
+
+    QSignalSpy removedSpy(server.data(), &Server::camerasRemoved);
+    fake.info = infoFails ? failure : fake.info;
+    fake.streams = streamsFail ? failure : fake.streams;
+    QVERIFY(poll(server));
+    QTEST(server->cameras().size(), "cameras");
+    QCOMPARE(removedSpy.size(), streamsFail ? 1 : 0);
+    QVERIFY(server->isArcSearchEnabled());
+    if (streamsFail) {
+        QCOMPARE(server->isOnline(), !infoFails);
+    }
+}
+
+void LocalServerTest::noCameras()
+{
+    FakeVideoServer fake;
+    const LocalServerPtr server = fake.client();
+    QTRY_VERIFY(server->isArcSearchEnabled() && server->cameras().size() == 2);
+
+    fake.streams = WireReply::json("[]");
+    fake.info = WireReply::silence();
+    QSignalSpy updatedSpy(server.data(), &LocalServer::updated);
+    QSignalSpy removedSpy(server.data(), &Server::camerasRemoved);
+    server->update();
+    QTRY_COMPARE(removedSpy.size(), 1);
+    QVERIFY(server->cameras().isEmpty());
+    QVERIFY(server->isOnline());
+    QVERIFY(updatedSpy.isEmpty());
+}
+
+void LocalServerTest::hangingInfoIsNotAskedTwice()
+{
+    FakeVideoServer fake;
+    fake.info = WireReply::silence();
+    const LocalServerPtr server = fake.client();
+    QTRY_COMPARE(server->cameras().size(), 2);
+    QVERIFY(poll(server, 1));
+    QVERIFY(poll(server, 1));
+    QCOMPARE(fake.requestCount(infoPath), 1);
+    QVERIFY(fake.requestCount(streamsPath) >= 3);
+}
+
+void LocalServerTest::movesToAnotherAddress()
+{
+    FakeVideoServer first;
+    FakeVideoServer second;
+    const LocalServerPtr server = first.client();
+    QTRY_VERIFY(server->isArcSearchEnabled() && server->cameras().size() == 2);
+    const CameraPtr known = server->cameras().value(1);
+    const server_id_t oldId = server->id();
+
+    second.streams = WireReply::json(R"([{"id":1,"name":"moved"},{"id":3}])");
+    server->setPort(second.http.port());
+    server->setPassword(QStringLiteral("new"));
+    QVERIFY(poll(server));
+    QVERIFY(second.requestCount(infoPath) >= 1 && second.requestCount(streamsPath) >= 1);
+    QCOMPARE(server->id(), QStringLiteral("127.0.0.1:%1").arg(second.http.port()));
+    // Known cameras keep address and password; new ones get the new.
+    QCOMPARE(known->name(), QStringLiteral("moved"));
+    QCOMPARE(known->serverId(), oldId);
+    QVERIFY(known->liveUrl(0).contains(QStringLiteral("&sessionId=&")));
+    const CameraPtr added = server->cameras().value(3);
+    QCOMPARE(added->serverId(), server->id());
+    QVERIFY(added->liveUrl(0).contains(QStringLiteral("&sessionId=new&")));
+}
+
+void LocalServerTest::diesWhileAsking()
+{
+    FakeVideoServer fake;
+    fake.info = WireReply::silence();
+    fake.streams = WireReply::silence();
+    LocalServerPtr server = fake.client();
+    QTRY_COMPARE(fake.http.requests().size(), 2);
+    QCOMPARE(fake.http.openConnections(), 2);
+    server.reset();
+    // The clients go with it, and what they held open.
+    QTRY_COMPARE(fake.http.openConnections(), 0);
+}
+
+QTEST_MAIN(LocalServerTest)
+#include "LocalServerTest.moc"

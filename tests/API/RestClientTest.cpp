@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: MIT
+#include "API/RestClient.h"
+
+#include <QSignalSpy>
+#include <QTest>
+#include <QUrl>
+
+#include "App/ServiceProfile.h"
+#include "tests/support/ScriptedService.h"
+#include "tests/support/TlsIdentity.h"
+
+using ZorvaneClient::API::RestClient;
+using namespace ZorvaneClient::Tests;
+
+namespace App = ZorvaneClient::App;
+
+namespace {
+
+// What a service makes of a form body: one decoding of each key and value.
+QMap<QByteArray, QString> decodedForm(const QByteArray &body)
+{
+    QMap<QByteArray, QString> form;
+    for (const QByteArray &item : body.split('&')) {
+        const auto equals = item.indexOf('=');
+        QByteArray value = item.mid(equals + 1);
+        value.replace('+', ' ');
+        form.insert(item.left(equals), QString::fromUtf8(QByteArray::fromPercentEncoding(value)));
+    }
+    return form;
+}
+
+QString everyAsciiCharacter()
+{
+    QString text;
+    for (char16_t code = 1; code < 128; ++code)
+        text.append(QChar(code));
+    return text;
+}
+
+} // namespace
+
+class RestClientTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void envelope_data();
+    void envelope();
+    void requestOnTheWire_data();
+    void requestOnTheWire();
+    void jsonOnTheWire();
+    void encodedValueArrives_data();
+    void encodedValueArrives();
+    void certificateOfAStranger();
+    void redirectOverTls();
+
+private:
+    ScriptedService service;
+};
+
+void RestClientTest::initTestCase()
+{
+    QVERIFY(service.start());
+}
+
+void RestClientTest::init()
+{
+    service.reset();
+}
+
+void RestClientTest::envelope_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<bool>("success");
+    QTest::addColumn<QVariant>("response");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<int>("reportedStatus");
+
+    const auto good = [](const char *name, const QByteArray &body, const QVariant &response,
+                         int status = 200) {
+        QTest::newRow(name) << body << status << true << response << 0 << 0;
+    };
+    const auto bad = [](const char *name, const QByteArray &body, int code, int reportedStatus,
+                        int status = 200) {
+        QTest::newRow(name) << body << status << false << QVariant() << code << reportedStatus;
+    };
+    good("object", R"({"success":true,"response":{"a":"b"}})", QVariantMap{{"a", "b"}});
+    good("list", R"({"success":true,"response":["x"]})", QVariantList{"x"});
+    good("no response", R"({"success":true})", QVariant());
+    good("success as text", R"({"success":"true","response":"x"})", QVariant("x"));
+    good("success with status 500", R"({"success":true,"response":"x"})", QVariant("x"), 500);
+    bad("service error", R"({"success":false,"response":{"code":10016}})", 10016, 500);
+    bad("negative code", R"({"success":false,"response":{"code":-1}})", -1, 500);
+    bad("status is not looked at", R"({"success":false,"response":{"code":10001}})", 10001, 500,
+        403);
+    bad("response is no object", R"({"success":false,"response":[1]})", 0, 500);
+    bad("no code", R"({"success":false})", 0, 500);
+    bad("success is null", R"({"success":null,"response":{"code":3}})", 3, 500);
+    bad("no success", R"({"response":{"a":"b"}})", -2, 400);
+    bad("list instead of an envelope", R"([{"success":true}])", -2, 400);
+    bad("empty object", "{}", -2, 400);
+    bad("no JSON", "busy", -2, 400, 502);
+    bad("empty body", "", -2, 204);
+}
+
+void RestClientTest::envelope()
+{
+    QFETCH(QByteArray, body);
+    QFETCH(int, status);
+    QFETCH(bool, success);
+    QFETCH(QVariant, response);
+    QFETCH(int, code);
+    QFETCH(int, reportedStatus);
+
+    service.answer("GET", "/public/roster", WireReply::json(body, status));
+    RestClient client;
+    QSignalSpy received(&client, &RestClient::responseReceived);
+    QSignalSpy failed(&client, &RestClient::error);
+    client.request(QStringLiteral("public/roster"), QVariantMap());
+    QTRY_COMPARE(received.count() + failed.count(), 1);
+    QCOMPARE(received.count() == 1, success);
+    if (success) {
+        QCOMPARE(received.at(0).at(0).value<QVariant>(), response);
+    } else {
+        QCOMPARE(failed.at(0).at(0).toInt(), code);
+        QCOMPARE(failed.at(0).at(1).toInt(), reportedStatus);
+    }
+}
+
+void RestClientTest::requestOnTheWire_data()
+{
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<int>("operation");
+    QTest::addColumn<QVariantMap>("params");
+    QTest::addColumn<QByteArray>("requestLine");
+    QTest::addColumn<QByteArray>("contentType");
+    QTest::addColumn<QByteArray>("body");
+
+    const QByteArray form = "application/x-www-form-urlencoded";
+    QTest::newRow("get") << "public/roster" << int(QNetworkAccessManager::GetOperation)
+                         << QVariantMap{{"sessionId", "abc"}}
+                         << QByteArray("GET /public/roster?sessionId=abc HTTP/1.1") << QByteArray()
+                         << QByteArray();
+    QTest::newRow("get, two slashes")
+        << "/layouts" << int(QNetworkAccessManager::GetOperation)
+        << QVariantMap{{"sessionId", "abc"}} << QByteArray("GET //layouts?sessionId=abc HTTP/1.1")
+        << QByteArray() << QByteArray();
+    QTest::newRow("delete") << "public/sessions/abc" << int(QNetworkAccessManager::DeleteOperation)
+                            << QVariantMap{{"b", 2}, {"a", "1"}}
+                            << QByteArray("DELETE /public/sessions/abc?a=1&b=2 HTTP/1.1")
+                            << QByteArray() << QByteArray();
+    QTest::newRow("post, key order")
+        << "/public/x" << int(QNetworkAccessManager::PostOperation)
+        << QVariantMap{{"sessionId", "abc"}, {"degrees", -90}, {"Big", 1u}}
+        << QByteArray("POST //public/x HTTP/1.1") << form
+        << QByteArray("Big=1&degrees=-90&sessionId=abc");
+    QTest::newRow("post, separators")
+        << "x" << int(QNetworkAccessManager::PostOperation) << QVariantMap{{"a", "1&2=3+4 %2B"}}
+        << QByteArray("POST /x HTTP/1.1") << form << QByteArray("a=1%262%3D3+4%20%2B");
+    QTest::newRow("post without parameters")
+        << "x" << int(QNetworkAccessManager::PostOperation) << QVariantMap()
+        << QByteArray("POST /x HTTP/1.1") << form << QByteArray();
+    QTest::newRow("any other operation is a post")
+        << "x" << int(QNetworkAccessManager::PutOperation) << QVariantMap{{"a", "b"}}
+        << QByteArray("POST /x HTTP/1.1") << form << QByteArray("a=b");
+}
+
+void RestClientTest::requestOnTheWire()
+{
+    QFETCH(QString, command);
+    QFETCH(int, operation);
+    QFETCH(QVariantMap, params);
+    QFETCH(QByteArray, requestLine);
+    QFETCH(QByteArray, contentType);
+    QFETCH(QByteArray, body);
+
+    RestClient client;
+    client.request(command, params, static_cast<QNetworkAccessManager::Operation>(operation));
+    QTRY_COMPARE(service.requests().size(), 1);
+    const WireRequest request = service.requests().constFirst();
+    QCOMPARE(request.requestLine(), requestLine);
+    QCOMPARE(request.header("Accept"), QByteArray("application/json"));
+    QCOMPARE(request.header("Content-Type"), contentType);
+    QCOMPARE(request.body, body);
+}
+
+void RestClientTest::jsonOnTheWire()
+{
+    service.succeed("POST", "//layouts", "true");
+    RestClient client;
+    QSignalSpy received(&client, &RestClient::responseReceived);
+    const QByteArray body = QStringLiteral("[{\"name\":\"Двор & ворота\"}]").toUtf8();
+    client.postJSON(QStringLiteral("/layouts"), {{QStringLiteral("sessionId"), "abc"}}, body);
+    QTRY_COMPARE(received.count(), 1);
+    const WireRequest request = service.requests().constFirst();
+    QCOMPARE(request.requestLine(), QByteArray("POST //layouts?sessionId=abc HTTP/1.1"));
+    QCOMPARE(request.header("Content-Type"), QByteArray("application/json"));
+    QCOMPARE(request.body, body);
+}
+
+void RestClientTest::encodedValueArrives_data()
+{
+    QTest::addColumn<QString>("value");
+
+    QTest::newRow("plain") << "demo@zorvane.example";
+    QTest::newRow("every ASCII character") << everyAsciiCharacter();
+    QTest::newRow("every ASCII character twice") << everyAsciiCharacter() + everyAsciiCharacter();
+    QTest::newRow("looks encoded") << "100%25 %2B%26 +&=#;%";
+    QTest::newRow("percent at the end") << "%4";
+    QTest::newRow("Cyrillic") << QString::fromUtf8("Пароль+Ё&ъ");
+    QTest::newRow("beyond the basic plane") << QString::fromUtf8("\xf0\x9f\x8e\xa5");
+}
+
+void RestClientTest::encodedValueArrives()
+{
+    QFETCH(QString, value);
+
+    RestClient client;
+    client.post(QStringLiteral("public/sessions"),
+                {{QStringLiteral("login"), QUrl::toPercentEncoding(value)},
+                 {QStringLiteral("password"), QUrl::toPercentEncoding(value)}});
+    QTRY_COMPARE(service.requests().size(), 1);
+    const auto form = decodedForm(service.requests().constFirst().body);
+    QCOMPARE(form.value("login"), value);
+    QCOMPARE(form.value("password"), value);
+    QCOMPARE(form.size(), 2);
+}
+
+void RestClientTest::certificateOfAStranger()
+{
+    const TlsIdentity stranger(QStringLiteral("stranger"));
+    QVERIFY(stranger.isValid());
+    MisbehavingServer server;
+    QVERIFY(server.start(&stranger));
+    const App::ServiceProfile own = App::ServiceProfile::current();
+    App::ServiceProfile other;
+    other.apiHost = QStringLiteral("localhost");
+    other.apiPort = server.port();
+    App::ServiceProfile::setCurrent(other);
+    RestClient client;
+    App::ServiceProfile::setCurrent(own);
+
+    QSignalSpy failed(&client, &RestClient::error);
+    client.request(QStringLiteral("public/roster"), QVariantMap());
+    QTRY_COMPARE(failed.count(), 1);
+    QCOMPARE(failed.at(0).at(0).toInt(), -2);
+    QCOMPARE(failed.at(0).at(1).toInt(), 204);
+    QCOMPARE(server.requests().size(), 0);
+}
+
+void RestClientTest::redirectOverTls()
+{
+    service.answer("GET", "//layouts",
+                   WireReply::redirect(service.server().origin() + "//moved?sessionId=abc"));
+    service.succeed("GET", "//moved", R"("here")");
+    RestClient client;
+    QSignalSpy received(&client, &RestClient::responseReceived);
+    client.request(QStringLiteral("/layouts"), {{QStringLiteral("sessionId"), "abc"}});
+    QTRY_COMPARE(received.count(), 1);
+    QCOMPARE(service.requests().constLast().target(), QByteArray("//moved?sessionId=abc"));
+}
+
+QTEST_GUILESS_MAIN(RestClientTest)
+#include "RestClientTest.moc"

@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: MIT
+#include <QtTest>
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "API/Camera.h"
+#include "API/LocalServer.h"
+#include "API/Server.h"
+
+using namespace ZorvaneClient::API;
+
+namespace {
+
+QVariantMap parse(const char *json)
+{
+    QByteArray text(json);
+    text.replace('\'', '"');
+    const QJsonDocument document = QJsonDocument::fromJson(text);
+    Q_ASSERT(document.isObject());
+    return document.object().toVariantMap();
+}
+
+QStringList names(const QList<CameraPtr> &cameras)
+{
+    QStringList result;
+    for (const CameraPtr &camera : cameras) {
+        result.append(camera->name());
+    }
+    return result;
+}
+
+} // namespace
+
+class ServerTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void firstRoster();
+    void emptyRosterEntry();
+    void functions_data();
+    void functions();
+    void laterRoster();
+    void keyAndNumberDisagree();
+    void removedCameraIsFrozen();
+    void sortedCameras_data();
+    void sortedCameras();
+    void handles();
+};
+
+void ServerTest::firstRoster()
+{
+    Server server(parse("{'id':'s1','name':'Depot','owner':true,'live':true,'online':true,"
+                        "'cameras':{'3':{'id':3,'name':'Gate'},'4':{},'5':'no camera'}}"));
+    QCOMPARE(server.id(), QStringLiteral("s1"));
+    QCOMPARE(server.alias(), QStringLiteral("Depot"));
+    QVERIFY(server.isOwner());
+    QVERIFY(server.isLiveEnabled());
+    QVERIFY(!server.isArchiveEnabled());
+    QVERIFY(server.isOnline());
+    QVERIFY(!server.isLocal());
+    QCOMPARE(server.cameras().keys(), QList<camera_id_t>{3});
+    const CameraPtr camera = server.cameras().value(3);
+    const camera_global_id_t expected{QStringLiteral("s1"), 3};
+    QVERIFY(camera->globalId() == expected);
+    QCOMPARE(camera->fullName(), QStringLiteral("Depot-Gate"));
+}
+
+void ServerTest::emptyRosterEntry()
+{
+    Server server{QVariantMap()};
+    QCOMPARE(server.flags(), ServerFlags(ServerOffline));
+    QVERIFY(server.cameras().isEmpty());
+    QVERIFY(!server.isCamera() && !server.isSpeedPlayEnabled() && !server.isArcSearchEnabled());
+}
+
+void ServerTest::functions_data()
+{
+    QTest::addColumn<QByteArray>("info");
+    QTest::addColumn<bool>("speedPlay");
+    QTest::addColumn<bool>("arcSearch");
+    QTest::addColumn<bool>("isCamera");
+
+    QTest::newRow("both") << QByteArray("{'functions':['arc_search','speed_play']}") << true << true
+                          << false;
+    QTest::newRow("one") << QByteArray("{'functions':['arc_search','other']}") << false << true
+                         << false;
+    QTest::newRow("other types") << QByteArray("{'functions':[true,0,{}]}") << false << false
+                                 << false;
+    QTest::newRow("not a list") << QByteArray("{'functions':'speed_play'}") << false << false
+                                << false;
+    QTest::newRow("camera") << QByteArray("{'build_type':'arm-camera'}") << false << false << true;
+    QTest::newRow("Camera") << QByteArray("{'build_type':'arm-Camera'}") << false << false << false;
+}
+
+void ServerTest::functions()
+{
+    QFETCH(QByteArray, info);
+    const Server server(parse("{'online':true,'info':" + info + "}"));
+    QTEST(server.isSpeedPlayEnabled(), "speedPlay");
+    QTEST(server.isArcSearchEnabled(), "arcSearch");
+    QTEST(server.isCamera(), "isCamera");
+}
+
+void ServerTest::laterRoster()
+{
+    Server server(parse("{'id':'s1','name':'Depot','owner':true,'online':true,"
+                        "'info':{'functions':['arc_search']},'cameras':{'3':{'id':3}}}"));
+    const CameraPtr camera = server.cameras().value(3);
+    QSignalSpy flagsSpy(&server, &Server::flagsChanged);
+    QSignalSpy aliasSpy(&server, &Server::aliasChanged);
+    QSignalSpy liveSpy(&server, &Server::liveEnabledChanged);
+    int added = 0;
+    connect(&server, &Server::cameraAdded, this, [&added](CameraPtr) { ++added; });
+
+    server.update(parse("{'id':'other','name':'Depot','online':false,'live':true,"
+                        "'cameras':{'3':{'id':3,'name':'Gate'},'9':{'id':9}}}"));
+    QVERIFY(!server.isOnline());
+    QVERIFY(flagsSpy.isEmpty());
+    QVERIFY(aliasSpy.isEmpty());
+    QCOMPARE(liveSpy.size(), 1);
+    QCOMPARE(added, 1);
+    // What the first roster said and later ones don't change.
+    QCOMPARE(server.id(), QStringLiteral("s1"));
+    QVERIFY(server.isOwner());
+    QVERIFY(server.isArcSearchEnabled());
+    // The object that widgets hold is the one that is brought up to date.
+    QCOMPARE(server.cameras().value(3), camera);
+    QCOMPARE(camera->name(), QStringLiteral("Gate"));
+
+    server.update(parse("{'name':'Yard','online':true}"));
+    QVERIFY(server.isOnline());
+    QCOMPARE(aliasSpy.size(), 1);
+    QCOMPARE(liveSpy.size(), 2);
+}
+
+void ServerTest::keyAndNumberDisagree()
+{
+    Server server(parse("{'id':'s1','online':true,'cameras':{'7':{'id':7,'name':'seven'}}}"));
+    QTest::ignoreMessage(QtDebugMsg, "Removed camera \"s1\" : 8");
+    server.update(parse("{'cameras':{'7':{'id':8,'name':'eight'}}}"));
+    QCOMPARE(server.cameras().keys(), QList<camera_id_t>{7});
+    QCOMPARE(server.cameras().value(7)->name(), QStringLiteral("seven"));
+}
+
+void ServerTest::removedCameraIsFrozen()
+{
+    Server server(parse("{'online':true,'cameras':{'1':{'id':1,'name':'a','online':true},"
+                        "'2':{'id':2}}}"));
+    const CameraPtr held = server.cameras().value(1);
+    QList<int> removed;
+    connect(&server, &Server::cameraRemoved, this,
+            [&removed](camera_id_t number) { removed.append(number); });
+
+    server.update(parse("{'online':true,'cameras':{}}"));
+    QCOMPARE(removed, (QList<int>{1, 2}));
+    server.removeCamera(1);
+    QCOMPARE(removed.size(), 2);
+
+    server.update(parse("{'online':true,'cameras':{'1':{'id':1,'name':'b'}}}"));
+    QCOMPARE(held->name(), QStringLiteral("a"));
+    QVERIFY(held->isOnline());
+    QVERIFY(server.cameras().value(1) != held);
+}
+
+void ServerTest::sortedCameras_data()
+{
+    QTest::addColumn<QList<int>>("flags"); // of "b", "a", "C"
+    QTest::addColumn<QStringList>("order");
+
+    const auto order = [](const char *text) { return QString::fromLatin1(text).split(' '); };
+    QTest::newRow("all online") << QList<int>{0, 0, 0} << order("C a b");
+    QTest::newRow("one offline") << QList<int>{0, CameraOffline, 0} << order("C b a");
+    QTest::newRow("offline and not paid")
+        << QList<int>{0, CameraOffline | CameraNotPaid, 0} << order("C a b");
+    QTest::newRow("all offline") << QList<int>{CameraOffline, CameraOffline, CameraOffline}
+                                 << order("C a b");
+}
+
+void ServerTest::sortedCameras()
+{
+    QFETCH(QList<int>, flags);
+    Server server;
+    const QStringList cameraNames{QStringLiteral("b"), QStringLiteral("a"), QStringLiteral("C")};
+    for (int i = 0; i < cameraNames.size(); ++i) {
+        const CameraPtr camera = CameraPtr::create();
+        camera->setId(QStringLiteral("s"), i);
+        camera->setName(cameraNames.at(i));
+        camera->setFlags(flags.at(i));
+        server.addCamera(camera);
+    }
+    QTEST(names(server.sortedCameras()), "order");
+}
+
+void ServerTest::handles()
+{
+    const ServerPtr cloud = ServerPtr::create();
+    const ServerPtr local(
+        new LocalServer(QStringLiteral("LAN"), QStringLiteral("127.0.0.1"), 1, QString()));
+    QVERIFY(!qSharedPointerDynamicCast<LocalServer>(cloud));
+    QCOMPARE(qSharedPointerDynamicCast<LocalServer>(local).data(), local.data());
+    QVERIFY(local->isLocal());
+    QCOMPARE(local->id(), QStringLiteral("127.0.0.1:1"));
+
+    const LayoutPoint highRow{0, 5};
+    const LayoutPoint nextColumn{1, 0};
+    QVERIFY(highRow < nextColumn);
+    QVERIFY(!(nextColumn < highRow));
+}
+
+QTEST_MAIN(ServerTest)
+#include "ServerTest.moc"

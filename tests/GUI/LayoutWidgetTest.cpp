@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: MIT
+#include <QGridLayout>
+#include <QPointer>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include "API/Camera.h"
+#include "API/Layout.h"
+#include "GUI/LayoutWidget.h"
+#include "GUI/Player/PlayerNotification.h"
+#include "GUI/Player/VideoPlaceholder.h"
+#include "GUI/Player/VideoWidget.h"
+#include "tests/support/Roster.h"
+
+using namespace ZorvaneClient;
+using namespace ZorvaneClient::Tests;
+using GUI::LayoutWidget;
+using GUI::Player::VideoPlaceholder;
+using GUI::Player::VideoWidget;
+
+class LayoutWidgetTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void opensTilesAndPlaceholders();
+    void openingAnEqualLayoutKeepsTheTiles();
+    void theFirstEditMakesACopy();
+    void cameraGoesToTheFirstFreeCell();
+    void withoutAFreeCellNothingHappens();
+    void cameraDroppedOnATileReplacesIt();
+    void cameraDroppedOnAPlaceholderTakesItsCell();
+    void closingATileLeavesAPlaceholder();
+    void closingATileInItsOwnSignalIsSafe();
+    void oneCameraInTwoCells();
+    void resizeKeepsTheSavedLayout();
+    void savingKeepsTheObject();
+    void spansComeBackTransposed();
+    void hintsStackFromTheTop();
+
+private:
+    API::LayoutPtr layoutOf(int rows, int columns, const QList<API::LayoutPoint> &cells);
+    API::CameraPtr camera(int number) { return rosterCamera(QStringLiteral("s"), number); }
+};
+
+namespace {
+
+template <typename T>
+T *at(LayoutWidget &grid, int row, int column)
+{
+    auto *layout = qobject_cast<QGridLayout *>(grid.layout());
+    QLayoutItem *item = layout->itemAtPosition(row, column);
+    return item ? qobject_cast<T *>(item->widget()) : nullptr;
+}
+
+int placeholdersIn(LayoutWidget &grid)
+{
+    int count = 0;
+    for (int index = 0; index < grid.layout()->count(); ++index)
+        count += qobject_cast<VideoPlaceholder *>(grid.layout()->itemAt(index)->widget()) ? 1 : 0;
+    return count;
+}
+
+} // namespace
+
+void LayoutWidgetTest::initTestCase()
+{
+    qRegisterMetaType<API::CameraPtr>("API::CameraPtr");
+    addServerToRoster(QStringLiteral("s"), {"a", "b", "c", "d", "e"});
+}
+
+/// A layout with cameras 1, 2, ... in `cells`.
+API::LayoutPtr LayoutWidgetTest::layoutOf(int rows, int columns,
+                                          const QList<API::LayoutPoint> &cells)
+{
+    const auto layout = API::LayoutPtr::create();
+    layout->resize(rows, columns);
+    int number = 0;
+    for (const API::LayoutPoint &cell : cells)
+        layout->setCamera(camera(++number), cell.row, cell.column, 1, 1);
+    return layout;
+}
+
+void LayoutWidgetTest::opensTilesAndPlaceholders()
+{
+    LayoutWidget grid;
+    QSignalSpy added(&grid, &LayoutWidget::cameraAdded);
+    QSignalSpy modified(&grid, &LayoutWidget::layoutModified);
+    grid.show();
+    grid.openLayout(layoutOf(2, 3, {{2, 0}, {0, 1}}));
+    QCOMPARE(grid.playerCount(), 2);
+    QCOMPARE(added.count(), 2);
+    QCOMPARE(modified.count(), 3);
+    QCOMPARE(placeholdersIn(grid), 4);
+    QCOMPARE(at<VideoWidget>(grid, 0, 2)->camera(), camera(1));
+    QCOMPARE(at<VideoWidget>(grid, 1, 0)->camera(), camera(2));
+    QCOMPARE(at<VideoWidget>(grid, 1, 0)->position(), (API::LayoutPoint{0, 1}));
+    QVERIFY(at<VideoPlaceholder>(grid, 0, 0));
+    QCOMPARE(grid.player(camera(2)), at<VideoWidget>(grid, 1, 0));
+    QVERIFY(!grid.player(camera(5)));
+}
+
+void LayoutWidgetTest::openingAnEqualLayoutKeepsTheTiles()
+{
+    LayoutWidget grid;
+    const API::LayoutPtr layout = layoutOf(1, 2, {{0, 0}});
+    grid.openLayout(layout);
+    const QPointer<VideoWidget> tile = grid.player(camera(1));
+    grid.openLayout(API::LayoutPtr::create(*layout));
+    QCOMPARE(grid.player(camera(1)), tile.data());
+    QCOMPARE(grid.savedLayout(), layout);
+}
+
+void LayoutWidgetTest::theFirstEditMakesACopy()
+{
+    LayoutWidget grid;
+    const API::LayoutPtr layout = layoutOf(1, 2, {});
+    grid.openLayout(layout);
+    QCOMPARE(grid.workingLayout(), layout);
+    QCOMPARE(grid.savedLayout(), layout);
+    grid.addCamera(camera(1));
+    QVERIFY(grid.workingLayout() != layout);
+    QCOMPARE(grid.savedLayout(), layout);
+    QVERIFY(layout->cellList().isEmpty());
+    const API::LayoutPtr edited = grid.workingLayout();
+    grid.addCamera(camera(2));
+    QCOMPARE(grid.workingLayout(), edited);
+}
+
+void LayoutWidgetTest::cameraGoesToTheFirstFreeCell()
+{
+    LayoutWidget grid;
+    grid.openLayout(layoutOf(2, 2, {{0, 0}}));
+    grid.addCamera(camera(2));
+    QCOMPARE(grid.player(camera(2))->position(), (API::LayoutPoint{1, 0}));
+    grid.addCamera(camera(3));
+    QCOMPARE(grid.player(camera(3))->position(), (API::LayoutPoint{0, 1}));
+    QCOMPARE(grid.workingLayout()->cellAt(1, 0).camera, camera(3));
+}
+
+void LayoutWidgetTest::withoutAFreeCellNothingHappens()
+{
+    LayoutWidget grid;
+    grid.openLayout(layoutOf(1, 1, {{0, 0}}));
+    QSignalSpy modified(&grid, &LayoutWidget::layoutModified);
+    grid.addCamera(camera(2));
+    QCOMPARE(grid.playerCount(), 1);
+    QCOMPARE(modified.count(), 0);
+}
+
+void LayoutWidgetTest::cameraDroppedOnATileReplacesIt()
+{
+    LayoutWidget grid;
+    grid.openLayout(layoutOf(1, 2, {{0, 0}, {1, 0}}));
+    QSignalSpy closed(&grid, &LayoutWidget::cameraClosed);
+    const QPointer<VideoWidget> tile = at<VideoWidget>(grid, 0, 1);
+    emit tile->openCamera(camera(3));
+    QCOMPARE(closed.count(), 1);
+    QCOMPARE(at<VideoWidget>(grid, 0, 1)->camera(), camera(3));
+    QCOMPARE(grid.workingLayout()->cellAt(0, 1).camera, camera(3));
+    QCOMPARE(grid.playerCount(), 2);
+    QTRY_VERIFY(!tile);
+}
+
+void LayoutWidgetTest::cameraDroppedOnAPlaceholderTakesItsCell()
+{
+    LayoutWidget grid;
+    grid.openLayout(layoutOf(2, 2, {}));
+    const QPointer<VideoPlaceholder> placeholder = at<VideoPlaceholder>(grid, 1, 0);
+    emit placeholder->openCamera(camera(4));
+    QCOMPARE(at<VideoWidget>(grid, 1, 0)->camera(), camera(4));
+    QTRY_VERIFY(!placeholder);
+}
+
+void LayoutWidgetTest::closingATileLeavesAPlaceholder()
+{
+    LayoutWidget grid;
+    const API::LayoutPtr layout = layoutOf(1, 2, {{0, 0}, {1, 0}});
+    grid.openLayout(layout);
+    QSignalSpy closed(&grid, &LayoutWidget::cameraClosed);
+    grid.removeCamera(camera(1));
+    QCOMPARE(closed.count(), 1);
+    QVERIFY(at<VideoPlaceholder>(grid, 0, 0));
+    QVERIFY(!grid.workingLayout()->cellAt(0, 0).camera);
+    QCOMPARE(layout->cellList().size(), 2);
+    grid.removeCamera(camera(1));
+    QCOMPARE(closed.count(), 1);
+}
+
+void LayoutWidgetTest::closingATileInItsOwnSignalIsSafe()
+{
+    LayoutWidget grid;
+    grid.openLayout(layoutOf(1, 1, {{0, 0}}));
+    // What a window does when its only tile goes: the whole grid is built anew.
+    connect(&grid, &LayoutWidget::cameraClosed, &grid,
+            [&grid] { grid.openLayout(API::LayoutPtr::create()); });
+    const QPointer<VideoWidget> tile = grid.player(camera(1));
+    emit tile->closed(tile);
+    QVERIFY2(tile, "the tile went in the middle of its own signal");
+    QTRY_VERIFY(!tile);
+    QCOMPARE(placeholdersIn(grid), 1);
+}
+
+void LayoutWidgetTest::oneCameraInTwoCells()
+{
+    LayoutWidget grid;
+    const API::LayoutPtr layout = layoutOf(1, 2, {{0, 0}});
+    layout->setCamera(camera(1), 0, 1, 1, 1);
+    grid.openLayout(layout);
+    QCOMPARE(grid.playerCount(), 2);
+    QSignalSpy closed(&grid, &LayoutWidget::cameraClosed);
+    grid.removeCamera(camera(1));
+    QCOMPARE(closed.count(), 2);
+    QCOMPARE(grid.playerCount(), 0);
+}
+
+void LayoutWidgetTest::resizeKeepsTheSavedLayout()
+{
+    LayoutWidget grid;
+    const API::LayoutPtr layout = layoutOf(1, 2, {{0, 0}, {1, 0}});
+    grid.openLayout(layout);
+    grid.resizeLayout(3, 1);
+    QCOMPARE(grid.savedLayout(), layout);
+    QCOMPARE(grid.workingLayout()->rows(), 3);
+    QCOMPARE(grid.workingLayout()->id(), layout->id());
+    QCOMPARE(grid.playerCount(), 1);
+    QCOMPARE(placeholdersIn(grid), 2);
+    QCOMPARE(layout->columns(), 2);
+}
+
+void LayoutWidgetTest::savingKeepsTheObject()
+{
+    LayoutWidget grid;
+    const API::LayoutPtr layout = layoutOf(1, 2, {});
+    grid.openLayout(layout);
+    grid.addCamera(camera(1));
+    grid.saveLayout(QStringLiteral("Gate"));
+    QCOMPARE(grid.savedLayout(), layout);
+    QCOMPARE(grid.workingLayout(), layout);
+    QCOMPARE(layout->name(), QStringLiteral("Gate"));
+    QCOMPARE(layout->cellAt(0, 0).camera, camera(1));
+}
+
+void LayoutWidgetTest::spansComeBackTransposed()
+{
+    LayoutWidget grid;
+    const auto layout = API::LayoutPtr::create();
+    layout->resize(3, 3);
+    layout->setCamera(camera(1), 0, 0, 2, 1);
+    grid.openLayout(layout);
+    QCOMPARE(grid.player(camera(1))->span(), (API::CellSize{2, 1}));
+}
+
+void LayoutWidgetTest::hintsStackFromTheTop()
+{
+    LayoutWidget grid;
+    grid.resize(600, 400);
+    grid.openLayout(layoutOf(1, 1, {{0, 0}}));
+    grid.show();
+    emit grid.player(camera(1))->snapshotSaved(QStringLiteral("/tmp"));
+    emit grid.player(camera(1))->snapshotSaved(QStringLiteral("/tmp"));
+    const auto hints = grid.findChildren<GUI::PlayerNotification *>();
+    QCOMPARE(hints.size(), 2);
+    QTRY_COMPARE(hints.last()->pos(), QPoint(10, 10));
+    QTRY_COMPARE(hints.first()->pos(), QPoint(10, 10 + hints.last()->height() + 5));
+    emit hints.last()->closed();
+    QTRY_COMPARE(hints.first()->pos(), QPoint(10, 10));
+}
+
+QTEST_MAIN(LayoutWidgetTest)
+#include "LayoutWidgetTest.moc"

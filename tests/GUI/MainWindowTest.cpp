@@ -1,0 +1,295 @@
+// SPDX-License-Identifier: MIT
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QStackedWidget>
+#include <QTimer>
+#include <QtTest>
+
+#include "API/Camera.h"
+#include "API/Layout.h"
+#include "App/Settings.h"
+#include "GUI/ControlPanel.h"
+#include "GUI/InfoPanel.h"
+#include "GUI/LayoutWidget.h"
+#include "GUI/MainWindow.h"
+#include "GUI/Player/VideoWidget.h"
+#include "GUI/SideBar.h"
+#include "GUI/ToolBar.h"
+#include "tests/support/Roster.h"
+
+using namespace ZorvaneClient;
+using namespace ZorvaneClient::Tests;
+using namespace ZorvaneClient::GUI;
+
+class MainWindowTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void startsEmptyWithTheRoster();
+    void openTabIsRemembered();
+    void cameraOpensAsOneCell();
+    void closingTheOnlyCameraEmptiesTheWindow();
+    void editsAreAskedAbout_data();
+    void editsAreAskedAbout();
+    void cancelledNewLayoutEntersEditModeAllTheSame();
+    void untouchedNewLayoutGoesWithoutAQuestion();
+    void activeCameraIsToldOnce();
+    void pauseAndUnpause();
+    void sidePanelsHideAndComeBack();
+    void fullscreenKeepsTheSide();
+    void closingTellsAndStoresTheGeometry();
+
+private:
+    API::CameraPtr camera(int number) { return rosterCamera(QStringLiteral("s"), number); }
+};
+
+namespace {
+
+/// Presses `button` in the next question, and notes that it was asked.
+class Answer : public QObject
+{
+public:
+    explicit Answer(QMessageBox::StandardButton pressed)
+        : button(pressed)
+    {
+        connect(&timer, &QTimer::timeout, this, [this] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!box)
+                return;
+            text = box->text();
+            timer.stop();
+            box->button(button)->click();
+        });
+        timer.start(10);
+    }
+
+    bool wasAsked() const { return !text.isEmpty(); }
+    QString text;
+
+private:
+    QMessageBox::StandardButton button;
+    QTimer timer;
+};
+
+LayoutWidget *gridOf(MainWindow &window)
+{
+    return window.findChild<LayoutWidget *>();
+}
+
+int modeOf(MainWindow &window)
+{
+    return window.findChild<InfoPanel *>()->mode();
+}
+
+} // namespace
+
+void MainWindowTest::initTestCase()
+{
+    addServerToRoster(QStringLiteral("s"), {"a", "b", "c", "d", "e"});
+}
+
+void MainWindowTest::startsEmptyWithTheRoster()
+{
+    MainWindow window;
+    QCOMPARE(window.size(), QSize(1100, 650));
+    QCOMPARE(window.playerCount(), 0);
+    QCOMPARE(window.cellCount(), 1);
+    QCOMPARE(modeOf(window), int(InfoPanel::EmptyMode));
+    QVERIFY(!App::settings().value(QStringLiteral("mainWindow/openTab")).isValid());
+}
+
+void MainWindowTest::openTabIsRemembered()
+{
+    {
+        MainWindow window;
+        window.findChild<ToolBar *>()
+            ->findChild<QPushButton *>(QStringLiteral("layoutsButton"))
+            ->click();
+        QCOMPARE(App::settings().value(QStringLiteral("mainWindow/openTab")).toString(),
+                 QStringLiteral("Layouts"));
+    }
+    MainWindow window;
+    const auto *stack =
+        window.findChild<SideBar *>()->findChild<QStackedWidget *>(QStringLiteral("stack"));
+    QCOMPARE(stack->currentWidget()->objectName(), QStringLiteral("layoutsListPage"));
+    window.setRosterMode();
+    QCOMPARE(stack->currentWidget()->objectName(), QStringLiteral("rosterPage"));
+    QCOMPARE(App::settings().value(QStringLiteral("mainWindow/openTab")).toString(),
+             QStringLiteral("Cameras"));
+}
+
+void MainWindowTest::cameraOpensAsOneCell()
+{
+    MainWindow window;
+    window.openCamera(camera(1));
+    QCOMPARE(window.playerCount(), 1);
+    QCOMPARE(window.cellCount(), 1);
+    QCOMPARE(modeOf(window), int(InfoPanel::ViewMode));
+    QCOMPARE(window.findChild<InfoPanel *>()->layoutName(), QStringLiteral("a"));
+    window.openCamera(camera(2));
+    QCOMPARE(window.playerCount(), 1);
+    QCOMPARE(gridOf(window)->players().first()->camera(), camera(2));
+    QCOMPARE(modeOf(window), int(InfoPanel::ViewMode));
+}
+
+void MainWindowTest::closingTheOnlyCameraEmptiesTheWindow()
+{
+    MainWindow window;
+    window.openCamera(camera(1));
+    Player::VideoWidget *tile = gridOf(window)->players().first();
+    emit tile->closed(tile);
+    QCOMPARE(window.playerCount(), 0);
+    QCOMPARE(modeOf(window), int(InfoPanel::EmptyMode));
+}
+
+void MainWindowTest::editsAreAskedAbout_data()
+{
+    QTest::addColumn<int>("button");
+    QTest::addColumn<bool>("opened");
+    QTest::newRow("discard") << int(QMessageBox::Discard) << true;
+    QTest::newRow("cancel") << int(QMessageBox::Cancel) << false;
+    QTest::newRow("save") << int(QMessageBox::Save) << true;
+}
+
+void MainWindowTest::editsAreAskedAbout()
+{
+    QFETCH(int, button);
+    QFETCH(bool, opened);
+    MainWindow window;
+    const auto layout = API::LayoutPtr::create();
+    layout->resize(1, 2);
+    layout->setName(QStringLiteral("Yard"));
+    QVERIFY(window.openLayout(layout));
+    window.addToLayout(camera(1));
+    QCOMPARE(modeOf(window), int(InfoPanel::EditMode));
+    const API::LayoutPtr edited = gridOf(window)->workingLayout();
+
+    Answer answer(static_cast<QMessageBox::StandardButton>(button));
+    QCOMPARE(window.openLayout(API::LayoutPtr::create()), opened);
+    QVERIFY(answer.wasAsked());
+    QCOMPARE(answer.text, QStringLiteral("The layout has been modified."));
+    QCOMPARE(gridOf(window)->workingLayout() == edited, !opened);
+    // Saving assigns to the object that was opened; the other answers leave it alone.
+    QCOMPARE(layout->cellList().isEmpty(), button != int(QMessageBox::Save));
+}
+
+void MainWindowTest::cancelledNewLayoutEntersEditModeAllTheSame()
+{
+    MainWindow window;
+    const auto layout = API::LayoutPtr::create();
+    layout->resize(1, 2);
+    window.openLayout(layout);
+    window.addToLayout(camera(1));
+    Answer answer(QMessageBox::Cancel);
+    window.openNewLayout();
+    QVERIFY(answer.wasAsked());
+    QCOMPARE(window.playerCount(), 1);
+    QCOMPARE(window.cellCount(), 2);
+    QCOMPARE(modeOf(window), int(InfoPanel::EditMode));
+}
+
+void MainWindowTest::untouchedNewLayoutGoesWithoutAQuestion()
+{
+    MainWindow window;
+    window.openNewLayout();
+    QCOMPARE(window.cellCount(), 4);
+    QCOMPARE(modeOf(window), int(InfoPanel::EditMode));
+    Answer answer(QMessageBox::Cancel);
+    emit window.findChild<InfoPanel *>()->layoutCancelled();
+    QVERIFY(!answer.wasAsked());
+    QCOMPARE(window.cellCount(), 1);
+    QCOMPARE(modeOf(window), int(InfoPanel::EmptyMode));
+}
+
+void MainWindowTest::activeCameraIsToldOnce()
+{
+    MainWindow window;
+    const auto layout = API::LayoutPtr::create();
+    layout->resize(1, 2);
+    layout->setCamera(camera(1), 0, 0, 1, 1);
+    layout->setCamera(camera(2), 0, 1, 1, 1);
+    QList<API::CameraPtr> told;
+    connect(&window, &MainWindow::cameraActivated, &window,
+            [&told](API::CameraPtr activated) { told.append(activated); });
+    window.openLayout(layout);
+    QCOMPARE(told, QList<API::CameraPtr>{camera(1)});
+    window.activateCamera(camera(1));
+    QCOMPARE(told.size(), 1);
+    emit gridOf(window)->player(camera(2))->clicked(camera(2));
+    QCOMPARE(told.last(), camera(2));
+    // A camera of another window takes the mark away, and says nothing.
+    window.activateCamera(camera(5));
+    QCOMPARE(told.size(), 2);
+    window.activateCamera(camera(2));
+    QCOMPARE(told.size(), 3);
+}
+
+void MainWindowTest::pauseAndUnpause()
+{
+    MainWindow window;
+    window.openCamera(camera(1));
+    auto *stack = window.findChild<QStackedWidget *>(QStringLiteral("playPauseStack"));
+    window.findChild<QPushButton *>(QStringLiteral("pauseButton"))->click();
+    QVERIFY(gridOf(window)->isPaused());
+    QCOMPARE(stack->currentWidget()->objectName(), QStringLiteral("playPage"));
+    window.findChild<QPushButton *>(QStringLiteral("playButton"))->click();
+    QVERIFY(!gridOf(window)->isPaused());
+    QCOMPARE(stack->currentWidget()->objectName(), QStringLiteral("pausePage"));
+    window.pause();
+    window.openCamera(camera(2));
+    QVERIFY2(!gridOf(window)->isPaused(), "every new view starts live");
+}
+
+void MainWindowTest::sidePanelsHideAndComeBack()
+{
+    MainWindow window;
+    window.show();
+    auto *side = window.findChild<SideBar *>();
+    auto *back = window.findChild<QPushButton *>(QStringLiteral("showPBtn"));
+    QVERIFY(!back->isVisible());
+    window.findChild<QPushButton *>(QStringLiteral("hideRosterButton"))->click();
+    QVERIFY(!side->isVisible());
+    QVERIFY(!window.findChild<ToolBar *>()->isVisible());
+    QVERIFY(back->isVisible());
+    back->click();
+    QVERIFY(side->isVisible());
+    QVERIFY(!back->isVisible());
+}
+
+void MainWindowTest::fullscreenKeepsTheSide()
+{
+    MainWindow window;
+    window.show();
+    auto *side = window.findChild<SideBar *>();
+    window.onFullscreen();
+    QVERIFY(window.isFullScreen());
+    QVERIFY(!side->isVisible());
+    QTest::keyClick(&window, Qt::Key_Escape);
+    QVERIFY(!window.isFullScreen());
+    QVERIFY(side->isVisible());
+    window.hideRosterAndToolbar();
+    window.onFullscreen();
+    window.onFullscreen();
+    QVERIFY(!side->isVisible());
+    QVERIFY(window.findChild<InfoPanel *>()->isVisible());
+}
+
+void MainWindowTest::closingTellsAndStoresTheGeometry()
+{
+    MainWindow window;
+    window.show();
+    QList<MainWindow *> closed;
+    connect(&window, &MainWindow::closeRequested, &window,
+            [&closed](MainWindow *sender) { closed.append(sender); });
+    window.close();
+    QCOMPARE(closed, QList<MainWindow *>{&window});
+    QCOMPARE(App::settings().value(QStringLiteral("mainWindow/geometry")).toByteArray(),
+             window.saveGeometry());
+}
+
+QTEST_MAIN(MainWindowTest)
+#include "MainWindowTest.moc"

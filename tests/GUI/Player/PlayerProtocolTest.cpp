@@ -1,0 +1,704 @@
+// SPDX-License-Identifier: MIT
+#include <QDir>
+#include <QLabel>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+#include <memory>
+
+#include <sys/resource.h>
+
+#include "API/Camera.h"
+#include "App/Environment.h"
+#include "App/Settings.h"
+#include "GUI/Player/FrameFile.h"
+#include "GUI/Player/VideoWidget.h"
+#include "tests/GUI/Player/TileFixture.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScriptedChild.h"
+
+using namespace ZorvaneClient;
+using GUI::Player::VideoWidget;
+using namespace ZorvaneClient::Tests;
+
+namespace {
+
+const QDateTime noon(QDate(2015, 3, 3), QTime(12, 0, 0));
+
+QString frameFileOf(const ScriptedChild &child)
+{
+    return QDir::tempPath() + QDir::separator() + child.starts().last().value(1);
+}
+
+/// Name that the next tile's frame file will have after that of `last`.
+QString nextFrameFile(const QString &last)
+{
+    const int dash = last.lastIndexOf(QLatin1Char('-')) + 1;
+    return last.left(dash) + QString::number(last.mid(dash).toLongLong() + 1);
+}
+
+void setProxy(bool use, const QString &host, const QString &user, const QString &password)
+{
+    App::settings().setValue(QStringLiteral("proxy/useProxy"), use);
+    App::settings().setValue(QStringLiteral("proxy/host"), host);
+    App::settings().setValue(QStringLiteral("proxy/port"), 3128);
+    App::settings().setValue(QStringLiteral("proxy/username"), user);
+    App::settings().setValue(QStringLiteral("proxy/password"), password);
+}
+
+/// While it lives, and if it is wanted, no file may grow beyond a megabyte.
+class SmallFilesOnly
+{
+public:
+    explicit SmallFilesOnly(bool isWanted)
+    {
+        ::getrlimit(RLIMIT_FSIZE, &previous);
+        previousHandler = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit = previous;
+        if (isWanted)
+            limit.rlim_cur = 1 << 20;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~SmallFilesOnly()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &previous);
+        std::signal(SIGXFSZ, previousHandler);
+    }
+
+private:
+    rlimit previous;
+    void (*previousHandler)(int) = SIG_DFL;
+};
+
+} // namespace
+
+/// What a tile and its child say to each other, over real pipes and a real mapped file.
+class PlayerProtocolTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void cleanup();
+    void arguments_data();
+    void arguments();
+    void frameFileLivesWithTheTile();
+    void frameFileIsFreshAndPrivate();
+    void noFrameFile_data();
+    void noFrameFile();
+    void pendingCommandsGoFirst();
+    void commandsReachTheChild();
+    void effectiveVolume_data();
+    void effectiveVolume();
+    void pings();
+    void lines_data();
+    void lines();
+    void tornLines_data();
+    void tornLines();
+    void sizeOfOneReadGoesFirst();
+    void positions_data();
+    void positions();
+    void frameInAPauseRenewsThePause();
+    void sizesThatCannotBe_data();
+    void sizesThatCannotBe();
+    void garbageAndFloods_data();
+    void garbageAndFloods();
+    void deathAtEveryPoint_data();
+    void deathAtEveryPoint();
+    void programThatCannotStart_data();
+    void programThatCannotStart();
+    void hungChildIsEnded_data();
+    void hungChildIsEnded();
+};
+
+void PlayerProtocolTest::cleanup()
+{
+    setProxy(false, QString(), QString(), QString());
+}
+
+void PlayerProtocolTest::arguments_data()
+{
+    QTest::addColumn<bool>("isLocal");
+    QTest::addColumn<bool>("useProxy");
+    QTest::addColumn<QString>("host");
+    QTest::addColumn<QString>("user");
+    QTest::addColumn<QString>("password");
+    QTest::addColumn<QStringList>("proxyArguments");
+
+    QTest::newRow("no proxy") << false << false << "proxy"
+                              << ""
+                              << "" << QStringList();
+    QTest::newRow("no host") << false << true << ""
+                             << "ann"
+                             << "secret" << QStringList();
+    QTest::newRow("host") << false << true << "proxy"
+                          << ""
+                          << "" << QStringList{":http-proxy=http://proxy:3128/"};
+    QTest::newRow("user") << false << true << "proxy"
+                          << "ann"
+                          << "" << QStringList{":http-proxy=http://ann@proxy:3128/"};
+    QTest::newRow("user and password")
+        << false << true << "proxy"
+        << "ann"
+        << "s%1 t" << QStringList{":http-proxy=http://ann@proxy:3128/", ":http-proxy-pwd=s%1 t"};
+    QTest::newRow("password alone")
+        << false << true << "proxy"
+        << ""
+        << "secret" << QStringList{":http-proxy=http://proxy:3128/", ":http-proxy-pwd=secret"};
+    QTest::newRow("user with a marker") << false << true << "proxy"
+                                        << "a%2"
+                                        << "" << QStringList{":http-proxy=http://a%2@proxy:3128/"};
+    QTest::newRow("LAN camera") << true << true << "proxy"
+                                << "ann"
+                                << "secret" << QStringList();
+}
+
+void PlayerProtocolTest::arguments()
+{
+    QFETCH(bool, isLocal);
+    QFETCH(bool, useProxy);
+    QFETCH(QString, host);
+    QFETCH(QString, user);
+    QFETCH(QString, password);
+    QFETCH(QStringList, proxyArguments);
+
+    ScriptedChild child;
+    setProxy(useProxy, host, user, password);
+    VideoWidget tile(isLocal ? localCamera() : cloudCamera());
+    QVERIFY(tile.play(QStringLiteral("http://host/a b&c")));
+    QTRY_COMPARE(child.starts().size(), 1);
+    const QStringList arguments = child.starts().first();
+    QCOMPARE(arguments.value(0), QStringLiteral("http://host/a b&c"));
+    QVERIFY(QRegularExpression(QStringLiteral("^zorvane-player-\\d+$"))
+                .match(arguments.value(1))
+                .hasMatch());
+    QCOMPARE(arguments.mid(2), proxyArguments);
+}
+
+void PlayerProtocolTest::frameFileLivesWithTheTile()
+{
+    ScriptedChild child;
+    const QStringList before = QDir::temp().entryList(QDir::Files);
+    auto tile = std::make_unique<VideoWidget>(localCamera());
+    QCOMPARE(QDir::temp().entryList(QDir::Files), before);
+
+    QVERIFY(tile->playLive());
+    QTRY_COMPARE(child.starts().size(), 1);
+    const QString path = frameFileOf(child);
+    QCOMPARE(QFileInfo(path).size(), qint64(12582912));
+
+    QFile mark(path);
+    QVERIFY(mark.open(QIODevice::ReadWrite));
+    mark.seek(12582911);
+    mark.write("x");
+    mark.flush();
+    QVERIFY(tile->playLive());
+    QTRY_COMPARE(child.starts().size(), 2);
+    QCOMPARE(frameFileOf(child), path);
+    mark.seek(12582911);
+    QCOMPARE(mark.read(1), QByteArray("x"));
+
+    tile->stop();
+    QVERIFY(QFileInfo::exists(path));
+    tile.reset();
+    QVERIFY(!QFileInfo::exists(path));
+}
+
+void PlayerProtocolTest::frameFileIsFreshAndPrivate()
+{
+    ScriptedChild child;
+    VideoWidget first(localCamera());
+    QVERIFY(first.playLive());
+    QTRY_COMPARE(child.starts().size(), 1);
+    const auto access = QFileInfo(frameFileOf(child)).permissions();
+    QVERIFY(
+        !(access & (QFile::ReadGroup | QFile::ReadOther | QFile::WriteGroup | QFile::WriteOther)));
+
+    // A link that somebody put in the place of the next file is not followed.
+    QTemporaryDir folder;
+    QFile victim(folder.filePath(QStringLiteral("victim")));
+    QVERIFY(victim.open(QIODevice::WriteOnly));
+    victim.write("precious");
+    victim.close();
+    QVERIFY(victim.link(nextFrameFile(frameFileOf(child))));
+    VideoWidget second(localCamera());
+    QVERIFY(second.playLive());
+    QTRY_COMPARE(child.starts().size(), 2);
+    QVERIFY(!QFileInfo(frameFileOf(child)).isSymLink());
+    QVERIFY(victim.open(QIODevice::ReadOnly));
+    QCOMPARE(victim.readAll(), QByteArray("precious"));
+}
+
+void PlayerProtocolTest::noFrameFile_data()
+{
+    QTest::addColumn<bool>("isInTheWay");
+    QTest::addColumn<QString>("logged");
+    QTest::newRow("can't be opened") << true << "VideoWidget: Could not open SHM file  \"";
+    QTest::newRow("can't be that large")
+        << false << "VideoWidget: Could not resize SHM file to  12582912  bytes";
+}
+
+void PlayerProtocolTest::noFrameFile()
+{
+    QFETCH(bool, isInTheWay);
+    QFETCH(QString, logged);
+    ScriptedChild child;
+    {
+        VideoWidget tile(localCamera());
+        QVERIFY(tile.playLive());
+        QTRY_COMPARE(child.starts().size(), 1);
+    }
+    const QString path = nextFrameFile(frameFileOf(child));
+    VideoWidget tile(localCamera());
+    QSignalSpy failed(&tile, &VideoWidget::error);
+    {
+        const LogCapture log;
+        const SmallFilesOnly limit(!isInTheWay);
+        if (isInTheWay)
+            QVERIFY(QDir().mkdir(path));
+        QVERIFY(!tile.playLive());
+        QCOMPARE(log.linesOf(logged).size(), 1);
+    }
+    QCOMPARE(failed.size(), 1);
+    QCOMPARE(stateOf(tile), QStringLiteral("Idle"));
+    if (isInTheWay)
+        QVERIFY(QDir().rmdir(path));
+    QVERIFY(!QFileInfo::exists(path));
+    QCOMPARE(child.starts().size(), 1);
+
+    QVERIFY(tile.playLive());
+    QTRY_COMPARE(child.starts().size(), 2);
+    QCOMPARE(frameFileOf(child), path);
+}
+
+void PlayerProtocolTest::pendingCommandsGoFirst()
+{
+    ScriptedChild child;
+    VideoWidget tile(localCamera());
+    tile.setActive(true);
+    tile.setSoundVolume(30);
+    tile.pause();
+    tile.setSoundVolume(70);
+    tile.stop(); // keeps what waits
+    QVERIFY(tile.playLive());
+    QTRY_COMPARE(child.commands(), QStringList({"volume 30", "pause", "volume 70", "volume 70"}));
+
+    // Nothing waits any more.
+    child.forgetCommands();
+    QVERIFY(tile.playLive());
+    QTRY_COMPARE(child.commands(), QStringList{"volume 70"});
+}
+
+void PlayerProtocolTest::commandsReachTheChild()
+{
+    ScriptedChild child;
+    VideoWidget tile(localCamera());
+    QVERIFY(tile.playLive());
+    tile.pause();
+    tile.unpause();
+    tile.setActive(true);
+    tile.setSoundVolume(40);
+    tile.enableSound(false);
+    tile.enableSound(true);
+    QTRY_COMPARE(child.commands(), QStringList({"volume 0", "pause", "unpause", "volume 40",
+                                                "volume 0", "volume 40"}));
+}
+
+void PlayerProtocolTest::effectiveVolume_data()
+{
+    QTest::addColumn<bool>("isActive");
+    QTest::addColumn<bool>("isEnabled");
+    QTest::addColumn<QString>("command");
+    QTest::newRow("active") << true << true << "volume 55";
+    QTest::newRow("not active") << false << true << "volume 0";
+    QTest::newRow("muted") << true << false << "volume 0";
+    QTest::newRow("neither") << false << false << "volume 0";
+}
+
+void PlayerProtocolTest::effectiveVolume()
+{
+    QFETCH(bool, isActive);
+    QFETCH(bool, isEnabled);
+    QFETCH(QString, command);
+    ScriptedChild child;
+    VideoWidget tile(localCamera());
+    tile.setSoundVolume(55);
+    tile.enableSound(isEnabled);
+    tile.setActive(isActive);
+    QVERIFY(tile.playLive());
+    QTRY_COMPARE(child.commands(), QStringList({"volume 0", "volume 0", command}));
+}
+
+void PlayerProtocolTest::pings()
+{
+    ScriptedChild child;
+    VideoWidget tile(localCamera());
+    tick(tile);
+    QVERIFY(tile.playLive());
+    tick(tile);
+    QTRY_COMPARE(child.commands(), QStringList({"volume 0", "ping"}));
+    // The tile's own timer does the same, every two seconds.
+    QTRY_COMPARE_WITH_TIMEOUT(child.commands().count("ping"), 2, 15000);
+}
+
+void PlayerProtocolTest::lines_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<QString>("state");
+    QTest::addColumn<QString>("resolution");
+    QTest::addColumn<QString>("logged");
+
+    QTest::newRow("frame alone") << "frame\\n"
+                                 << "Playing"
+                                 << "320x240"
+                                 << "";
+    QTest::newRow("size") << "size 640 480\\n"
+                          << "Starting"
+                          << "640x480"
+                          << "";
+    QTest::newRow("size and frame") << "size 64 48\\nframe\\n"
+                                    << "Playing"
+                                    << "64x48"
+                                    << "";
+    QTest::newRow("one number") << "size 640\\nframe\\n"
+                                << "Playing"
+                                << "320x240"
+                                << "Bad VLC input \"size 640\"";
+    QTest::newRow("no state") << "state\\n"
+                              << "Starting"
+                              << "320x240"
+                              << "Bad VLC input \"state\"";
+    QTest::newRow("not a number") << "size x 480\\n"
+                                  << "Starting"
+                                  << "0x480"
+                                  << "";
+    QTest::newRow("states that change nothing")
+        << "state 1\\nstate 2\\nstate 3\\nstate 5\\nstate 6\\n"
+        << "Starting"
+        << "320x240"
+        << "";
+    QTest::newRow("paused") << "state 4\\n"
+                            << "Paused"
+                            << "320x240"
+                            << "";
+    QTest::newRow("paused, then a frame") << "state 4\\nframe\\n"
+                                          << "Paused"
+                                          << "320x240"
+                                          << "";
+    QTest::newRow("error") << "state 7\\n"
+                           << "Error"
+                           << "320x240"
+                           << "";
+    QTest::newRow("error, then a frame") << "state 7\\nframe\\n"
+                                         << "Error"
+                                         << "320x240"
+                                         << "";
+    QTest::newRow("not quite an error") << "state 07\\n"
+                                        << "Starting"
+                                        << "320x240"
+                                        << "";
+    QTest::newRow("unknown words") << "hello\\nSIZE 1 1\\n\\n"
+                                   << "Starting"
+                                   << "320x240"
+                                   << "";
+}
+
+void PlayerProtocolTest::lines()
+{
+    QFETCH(QString, output);
+    QFETCH(QString, state);
+    QFETCH(QString, resolution);
+    QFETCH(QString, logged);
+    ScriptedChild child({"print " + output, "print state mark\\n"});
+    VideoWidget tile(localCamera());
+    const LogCapture log;
+    QVERIFY(tile.playLive());
+    QTRY_VERIFY(dumpOf(tile).contains(QLatin1String("VLC state: \"mark\"")));
+    QCOMPARE(log.linesOf(QStringLiteral("Bad VLC input")),
+             logged.isEmpty() ? QStringList() : QStringList{logged});
+    QCOMPARE(stateOf(tile), state);
+    QCOMPARE(resolutionOf(tile), resolution);
+}
+
+void PlayerProtocolTest::tornLines_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("second");
+    QTest::addColumn<QString>("resolution");
+    QTest::addColumn<QString>("state");
+    QTest::newRow("between lines") << "size 64 48\\n"
+                                   << "frame\\n"
+                                   << "64x48"
+                                   << "Playing";
+    QTest::newRow("before a line's end") << "size 64 48"
+                                         << "\\nframe\\n"
+                                         << "64x48"
+                                         << "Playing";
+    QTest::newRow("within a number") << "size 64 4"
+                                     << "8\\nframe\\n"
+                                     << "64x4"
+                                     << "Playing";
+    QTest::newRow("within a size") << "size 64"
+                                   << " 48\\nframe\\n"
+                                   << "320x240"
+                                   << "Playing";
+    QTest::newRow("within a word") << "size 64 48\\nfra"
+                                   << "me\\n"
+                                   << "64x48"
+                                   << "Starting";
+    QTest::newRow("within an error") << "size 64 48\\nstate"
+                                     << " 7\\n"
+                                     << "64x48"
+                                     << "Starting";
+}
+
+void PlayerProtocolTest::tornLines()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, second);
+    QFETCH(QString, resolution);
+    QFETCH(QString, state);
+    // The first half begins with a line that tells when it has been read.
+    ScriptedChild child({"print state first\\n" + first, "wait go", "print " + second, "wait more",
+                         "print state last\\n"});
+    VideoWidget tile(localCamera());
+    QVERIFY(tile.playLive());
+    QTRY_VERIFY(dumpOf(tile).contains(QLatin1String("VLC state: \"first\"")));
+    QSignalSpy read(tile.findChild<QProcess *>(), &QProcess::readyReadStandardOutput);
+    child.tell(QStringLiteral("go"));
+    QTRY_COMPARE(read.size(), 1);
+    child.tell(QStringLiteral("more"));
+    QTRY_VERIFY(dumpOf(tile).contains(QLatin1String("VLC state: \"last\"")));
+    QCOMPARE(resolutionOf(tile), resolution);
+    QCOMPARE(stateOf(tile), state);
+}
+
+void PlayerProtocolTest::sizeOfOneReadGoesFirst()
+{
+    // The frame was announced ahead of its size, in one read.
+    ScriptedChild child({"solid 32 24 ff0000ff", "print frame\\nsize 32 24\\n"});
+    VideoWidget tile(localCamera());
+    tile.resize(320, 240);
+    QVERIFY(tile.playLive());
+    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
+    tile.show();
+    // The red pixels reach no further than a picture of that size does.
+    QCOMPARE(pixelOf(tile, 160, 230), QColor(Qt::red));
+}
+
+void PlayerProtocolTest::positions_data()
+{
+    QTest::addColumn<QString>("output");
+    QTest::addColumn<int>("speed");
+    QTest::addColumn<QList<qlonglong>>("deltas");
+    QTest::addColumn<int>("clock");
+    using Deltas = QList<qlonglong>;
+    QTest::newRow("one") << "time 1500\\n" << 1 << Deltas{1500} << 1500;
+    QTest::newRow("differences") << "time 1000\\ntime 2500\\n" << 1 << Deltas{1000, 1500} << 2500;
+    QTest::newRow("backwards") << "time 2000\\ntime 1500\\n" << 1 << Deltas{2000, -500} << 1500;
+    QTest::newRow("speed") << "time 1000\\n" << 4 << Deltas{4000} << 4000;
+    QTest::newRow("zero") << "time 0\\n" << 1 << Deltas{} << 0;
+    QTest::newRow("negative") << "time -40\\n" << 1 << Deltas{} << 0;
+    QTest::newRow("no number") << "time soon\\ntime 1.5\\n" << 1 << Deltas{} << 0;
+    QTest::newRow("too large") << "time 99999999999999999999\\n" << 1 << Deltas{} << 0;
+}
+
+void PlayerProtocolTest::positions()
+{
+    QFETCH(QString, output);
+    QFETCH(int, speed);
+    QFETCH(QList<qlonglong>, deltas);
+    QFETCH(int, clock);
+    ScriptedChild child({"wait go", "print " + output + "state mark\\n"});
+    VideoWidget tile(localCamera());
+    QSignalSpy moved(&tile, &VideoWidget::msecsAdded);
+    QVERIFY(tile.playArchive(noon, noon.addSecs(600), speed));
+    child.tell(QStringLiteral("go"));
+    QTRY_VERIFY(dumpOf(tile).contains(QLatin1String("VLC state: \"mark\"")));
+    QList<qlonglong> seen;
+    for (const QList<QVariant> &arguments : qAsConst(moved))
+        seen << arguments.first().toLongLong();
+    QCOMPARE(seen, deltas);
+    QCOMPARE(tile.playbackTime(), noon.addMSecs(clock));
+    QCOMPARE(tile.findChild<QLabel *>(QStringLiteral("cameraTime"))->text(),
+             noon.addMSecs(clock).toString(QStringLiteral("hh:mm:ss")));
+}
+
+void PlayerProtocolTest::frameInAPauseRenewsThePause()
+{
+    ScriptedChild child({"print frame\\n", "wait paused", "print frame\\nframe\\n"});
+    VideoWidget tile(localCamera());
+    QVERIFY(tile.playLive());
+    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
+    tile.pause();
+    child.tell(QStringLiteral("paused"));
+    QTRY_COMPARE(child.commands(), QStringList({"volume 0", "pause", "pause"}));
+    QCOMPARE(stateOf(tile), QStringLiteral("Paused"));
+}
+
+void PlayerProtocolTest::sizesThatCannotBe_data()
+{
+    QTest::addColumn<QString>("size");
+    QTest::newRow("one pixel too many") << "1 3145729";
+    QTest::newRow("wraps 32 bits") << "65536 65536";
+    QTest::newRow("largest") << "2147483647 2147483647";
+    QTest::newRow("beyond an int") << "99999999999 99999999999";
+    QTest::newRow("negative") << "-640 480";
+    QTest::newRow("both negative") << "-640 -480";
+    QTest::newRow("no width") << "0 480";
+    QTest::newRow("no height") << "640 0";
+    QTest::newRow("nothing") << "0 0";
+}
+
+void PlayerProtocolTest::sizesThatCannotBe()
+{
+    QFETCH(QString, size);
+    ScriptedChild child({"print size " + size + "\\nframe\\n", "wait more",
+                         "print frame\\nstate mark\\n", "wait good", "solid 32 24 ff0000ff",
+                         "print size 32 24\\nframe\\nstate good\\n"});
+    VideoWidget tile(localCamera());
+    tile.resize(320, 240);
+    tile.show();
+    const LogCapture log;
+    QVERIFY(tile.playLive());
+    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
+    QCOMPARE(pixelOf(tile, 160, 120), QColor(25, 25, 29));
+    child.tell(QStringLiteral("more"));
+    QTRY_VERIFY(dumpOf(tile).contains(QLatin1String("VLC state: \"mark\"")));
+    QCOMPARE(log.linesOf(QStringLiteral("VideoWidget: No frame of")).size(), 1);
+
+    child.tell(QStringLiteral("good"));
+    QTRY_VERIFY(dumpOf(tile).contains(QLatin1String("VLC state: \"good\"")));
+    QCOMPARE(pixelOf(tile, 160, 120), QColor(Qt::red));
+}
+
+void PlayerProtocolTest::garbageAndFloods_data()
+{
+    QTest::addColumn<QString>("line");
+    QRandomGenerator generator(20150303);
+    QString noise;
+    for (int i = 0; i < 4000; ++i)
+        noise += QStringLiteral("\\x%1").arg(generator.bounded(256), 2, 16, QLatin1Char('0'));
+    QTest::newRow("noise") << "print " + noise;
+    QTest::newRow("much noise") << "flood 500 " + noise;
+    QTest::newRow("NULs") << "flood 100000 \\x00";
+    QTest::newRow("line without end") << "flood 300000 abcdefgh";
+    QTest::newRow("size without end") << "flood 300000 size 1 ";
+    QTest::newRow("blanks") << "flood 300000 \\x20";
+    QTest::newRow("empty lines") << "flood 1000000 \\n";
+    QTest::newRow("frames") << "flood 1000000 frame\\n";
+    QTest::newRow("sizes") << "flood 1000000 size 64 48\\n";
+    QTest::newRow("states") << "flood 1000000 state 3\\n";
+    QTest::newRow("positions") << "flood 300000 time 5\\n";
+    QTest::newRow("bad lines") << "flood 300000 size 9\\n";
+}
+
+void PlayerProtocolTest::garbageAndFloods()
+{
+    QFETCH(QString, line);
+    ScriptedChild child({line, "until go \\nstate after\\n", "solid 32 24 ff0000ff",
+                         "print size 32 24\\nframe\\nstate good\\n"});
+    VideoWidget tile(localCamera());
+    tile.resize(320, 240);
+    tile.show();
+    const LogCapture log; // keeps the console quiet
+    QVERIFY(tile.playLive());
+    QTRY_VERIFY_WITH_TIMEOUT(dumpOf(tile).contains(QLatin1String("VLC state: \"after\"")), 60000);
+    child.tell(QStringLiteral("go"));
+    QTRY_VERIFY(dumpOf(tile).contains(QLatin1String("VLC state: \"good\"")));
+    QCOMPARE(stateOf(tile), QStringLiteral("Playing"));
+    QCOMPARE(pixelOf(tile, 160, 120), QColor(Qt::red));
+}
+
+void PlayerProtocolTest::deathAtEveryPoint_data()
+{
+    QTest::addColumn<QStringList>("script");
+    QTest::addColumn<QString>("state");
+    QTest::newRow("at once") << QStringList{"die"} << "Starting";
+    QTest::newRow("with a code") << QStringList{"exit 2"} << "Starting";
+    QTest::newRow("after a size") << QStringList{"print size 64 48\\n", "die"} << "Starting";
+    QTest::newRow("in a line") << QStringList{"print size 64 48\\nfra", "die"} << "Starting";
+    QTest::newRow("after a frame") << QStringList{"print frame\\n", "die"} << "Playing";
+    QTest::newRow("in a later line") << QStringList{"print frame\\nsta", "die"} << "Playing";
+    QTest::newRow("after an error") << QStringList{"print state 7\\n", "exit 0"} << "Error";
+    QTest::newRow("in a pause") << QStringList{"print frame\\nstate 4\\n", "die"} << "Paused";
+    QTest::newRow("in a flood") << QStringList{"flood 20000 frame\\n", "die"} << "Playing";
+}
+
+void PlayerProtocolTest::deathAtEveryPoint()
+{
+    QFETCH(QStringList, script);
+    QFETCH(QString, state);
+    ScriptedChild child(script);
+    VideoWidget tile(localCamera());
+    tile.show();
+    QVERIFY(tile.playLive());
+    const QProcess &process = *tile.findChild<QProcess *>();
+    QTRY_COMPARE(process.state(), QProcess::NotRunning);
+    QTRY_COMPARE(stateOf(tile), state);
+
+    // What is said to the dead waits for the next one.
+    tile.setActive(true);
+    tile.setSoundVolume(12);
+    tick(tile);
+    tile.grab();
+    child.setScript({"print frame\\n"});
+    child.forgetCommands();
+    QVERIFY(tile.playLive());
+    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
+    QTRY_COMPARE(child.commands(), QStringList({"volume 12", "volume 12"}));
+}
+
+void PlayerProtocolTest::programThatCannotStart_data()
+{
+    QTest::addColumn<QString>("program");
+    QTest::newRow("missing") << "/nowhere/player";
+    QTest::newRow("folder") << QDir::tempPath();
+    QTest::newRow("not executable") << QStringLiteral(ZORVANE_SOURCE_DIR "/LICENSE");
+}
+
+void PlayerProtocolTest::programThatCannotStart()
+{
+    QFETCH(QString, program);
+    ScriptedChild child({"print frame\\n"});
+    App::Environment::setPlayerProgram(program);
+    VideoWidget tile(localCamera());
+    QVERIFY(tile.playLive());
+    QCOMPARE(stateOf(tile), QStringLiteral("Starting"));
+    tick(tile);
+    QCOMPARE(stateOf(tile), QStringLiteral("Starting"));
+
+    App::Environment::setPlayerProgram(ScriptedChild::program());
+    QVERIFY(tile.playLive());
+    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
+}
+
+void PlayerProtocolTest::hungChildIsEnded_data()
+{
+    QTest::addColumn<QStringList>("script");
+    QTest::newRow("stopped") << QStringList{"print frame\\n", "hang"};
+    QTest::newRow("reads nothing") << QStringList{"deaf", "print frame\\n"};
+    QTest::newRow("floods") << QStringList{"deaf", "flood 2000000000 frame\\n"};
+}
+
+void PlayerProtocolTest::hungChildIsEnded()
+{
+    QFETCH(QStringList, script);
+    ScriptedChild child(script);
+    VideoWidget tile(localCamera());
+    QVERIFY(tile.playLive());
+    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
+    const qint64 processId = child.lastProcessId();
+    // More than a pipe holds.
+    for (int i = 0; i < 20000; ++i)
+        tile.setSoundVolume(i);
+    tile.stop();
+    QVERIFY(!ScriptedChild::isAlive(processId));
+    QCOMPARE(stateOf(tile), QStringLiteral("Idle"));
+}
+
+QTEST_MAIN(PlayerProtocolTest)
+#include "PlayerProtocolTest.moc"

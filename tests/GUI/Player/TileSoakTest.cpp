@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QtTest>
+
+#include <csignal>
+#include <memory>
+
+#include <unistd.h>
+
+#include "GUI/Player/VideoWidget.h"
+#include "tests/GUI/Player/TileFixture.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScriptedChild.h"
+
+using namespace ZorvaneClient;
+using GUI::Player::VideoWidget;
+using namespace ZorvaneClient::Tests;
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool memoryTells = false; // what is freed is kept for a while
+#else
+constexpr bool memoryTells = true;
+#endif
+
+constexpr int usualCycles = 25;
+constexpr int warmUpCycles = 5;
+constexpr qint64 memoryGrowthLimit = 4 << 20;
+
+/// Set ZORVANE_SOAK=500 for a long run.
+int soakCycles()
+{
+    bool isSet = false;
+    const int cycles = qEnvironmentVariableIntValue("ZORVANE_SOAK", &isSet);
+    return isSet ? cycles : usualCycles;
+}
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+qint64 residentBytes()
+{
+    const QByteArray pages = contentOf(QStringLiteral("/proc/self/statm")).split(' ').value(1);
+    return pages.toLongLong() * ::sysconf(_SC_PAGESIZE);
+}
+
+int childCount()
+{
+    const QByteArray self = QByteArray::number(static_cast<qint64>(::getpid()));
+    int count = 0;
+    const QStringList processes = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
+    for (const QString &process : processes) {
+        const QByteArray status = contentOf("/proc/" + process + "/stat");
+        count += status.mid(status.lastIndexOf(')') + 4).split(' ').first() == self;
+    }
+    return count;
+}
+
+/// What a tile could leave behind.
+struct Traces {
+    int descriptors = QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::Files).size();
+    int mappings = contentOf(QStringLiteral("/proc/self/maps")).count("zorvane-player-");
+    int files = QDir::temp().entryList({QStringLiteral("zorvane-player-*")}).size();
+    int children = childCount();
+};
+
+} // namespace
+
+/// Tiles and children by the hundred: nothing of them may stay.
+class TileSoakTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void openAndClose();
+    void kills();
+};
+
+#define COMPARE_TRACES(now, before)                                                                \
+    QCOMPARE(now.descriptors, before.descriptors);                                                 \
+    QCOMPARE(now.mappings, before.mappings);                                                       \
+    QCOMPARE(now.files, before.files);                                                             \
+    QCOMPARE(now.children, before.children)
+
+void TileSoakTest::openAndClose()
+{
+    const LogCapture log; // keeps the console quiet
+    ScriptedChild child({"solid 640 360 ff0000ff", "print size 640 360\\nframe\\n"});
+    QWidget window;
+    window.resize(640, 480);
+    window.show();
+    Traces before;
+    qint64 memoryBefore = 0;
+    for (int cycle = -warmUpCycles; cycle < soakCycles(); ++cycle) {
+        if (cycle == 0) {
+            before = Traces();
+            memoryBefore = residentBytes();
+        }
+        auto tile = std::make_unique<VideoWidget>(localCamera(), &window);
+        tile->resize(640, 360);
+        tile->show();
+        QVERIFY(tile->playLive());
+        if (cycle == 0) {
+            QCOMPARE(Traces().mappings, before.mappings + 1);
+            QCOMPARE(Traces().children, before.children + 1);
+        }
+        QTRY_COMPARE(stateOf(*tile), QStringLiteral("Playing"));
+        QCOMPARE(pixelOf(*tile, 320, 180), QColor(Qt::red));
+    }
+    const Traces after;
+    COMPARE_TRACES(after, before);
+    if (memoryTells)
+        QVERIFY2(residentBytes() - memoryBefore < memoryGrowthLimit,
+                 qPrintable(QString::number(residentBytes() - memoryBefore)));
+}
+
+void TileSoakTest::kills()
+{
+    constexpr int longestWaitMsecs = 15;
+    const int kills = qMax(10, soakCycles() * 2 / 5);
+    const LogCapture log;
+    FakeClock clock(QDateTime(QDate(2015, 3, 3), QTime(12, 0, 0)));
+    ScriptedChild child({"solid 640 360 ff0000ff", "print size 640 360\\n", "flood 20 frame\\n",
+                         "pace 500 frame\\n"});
+    const Traces before;
+    {
+        VideoWidget tile(localCamera());
+        tile.resize(640, 360);
+        tile.show();
+        QProcess &process = *tile.findChild<QProcess *>();
+        QVERIFY(tile.playLive());
+        QRandomGenerator generator(20150303);
+        for (int kill = 0; kill < kills; ++kill) {
+            QElapsedTimer time;
+            time.start();
+            const int wait = generator.bounded(longestWaitMsecs);
+            while (time.elapsed() < wait)
+                QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+            QVERIFY(process.processId() > 0);
+            ::kill(static_cast<pid_t>(process.processId()), SIGKILL);
+            QTRY_COMPARE(process.state(), QProcess::NotRunning);
+
+            // A tile that had got to play is brought back by itself, one that had not by its user.
+            const bool wasPlaying = tile.isPlaying();
+            clock.advance(11);
+            tick(tile);
+            if (!wasPlaying || process.state() == QProcess::NotRunning)
+                QVERIFY(tile.playLive());
+            QCOMPARE(process.state(), QProcess::Running);
+        }
+        QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
+        QCOMPARE(pixelOf(tile, 320, 180), QColor(Qt::red));
+    }
+    const Traces after;
+    COMPARE_TRACES(after, before);
+}
+
+QTEST_MAIN(TileSoakTest)
+#include "TileSoakTest.moc"

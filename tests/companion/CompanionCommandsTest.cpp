@@ -1,0 +1,306 @@
+// SPDX-License-Identifier: MIT
+#include <QFile>
+#include <QFileInfo>
+#include <QtTest>
+
+#include <cstdlib>
+
+#include "tests/companion/Clips.h"
+#include "tests/support/PlayerProcess.h"
+#include "tests/support/StreamServer.h"
+
+using namespace ZorvaneClient::Tests;
+
+namespace {
+
+constexpr int deadline = 30'000;
+constexpr int soundRate = 44'100;
+
+/// Of interleaved stereo: loudest sample, and how often the left channel rises through zero
+/// in each second, both over the part that isn't silent.
+struct Sound {
+    int peak = 0;
+    double frequency = 0;
+};
+
+Sound soundIn(const QByteArray &bytes)
+{
+    const auto *samples = reinterpret_cast<const qint16 *>(bytes.constData());
+    const int frames = static_cast<int>(bytes.size()) / 4;
+    Sound sound;
+    int first = -1;
+    int last = -1;
+    int rises = 0;
+    for (int i = 1; i < frames; ++i) {
+        const int value = samples[2 * i];
+        sound.peak = qMax(sound.peak, std::abs(value));
+        if (samples[2 * i - 2] < 0 && value >= 0) {
+            first = first < 0 ? i : first;
+            last = i;
+            ++rises;
+        }
+    }
+    if (last > first)
+        sound.frequency = (rises - 1) * double(soundRate) / (last - first);
+    return sound;
+}
+
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+/// What the client says on standard input, and what comes of it.
+class CompanionCommandsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void pauseFreezesAndStopsReading();
+    void pauseBeforeTheFirstPicture();
+    void strangeLines();
+    void noPing();
+    void closedInput_data();
+    void closedInput();
+    void sound_data();
+    void sound();
+    void noSoundAtVolumeZero();
+    void noAudioDevice();
+
+private:
+    FlvClip heavy;
+    FlvClip counting;
+};
+
+void CompanionCommandsTest::initTestCase()
+{
+    heavy =
+        FlvClip::make(QStringLiteral("-f lavfi -i nullsrc=s=640x360:r=25,geq=random(1)*255:128:128"
+                                     " -t 1 -c:v libx264 -preset ultrafast -qp 6 -g 5"
+                                     " -tune zerolatency -pix_fmt yuv420p")
+                          .split(QLatin1Char(' ')));
+    counting = Clips::counting(4000);
+    QVERIFY(heavy.bytes().size() > 3'000'000);
+    QVERIFY(!counting.isEmpty());
+}
+
+/// For longer than a stream may stall, too.
+void CompanionCommandsTest::pauseFreezesAndStopsReading()
+{
+    StreamScript script;
+    script.clip = heavy.repeated(60);
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/live")));
+    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 5, deadline);
+
+    player.send("pause");
+    const qint64 pausedAt = player.elapsed();
+    qint64 taken = -1;
+    const auto serverIsStuck = [&] { return taken == std::exchange(taken, server.takenBytes()); };
+    QTRY_VERIFY_WITH_TIMEOUT((QTest::qWait(1000), serverIsStuck()), deadline);
+    const int frames = player.frames();
+    const QByteArray picture = player.frameFile();
+    const auto lines = player.lines().size();
+    QTRY_VERIFY_WITH_TIMEOUT(player.elapsed() > pausedAt + 12'000, deadline);
+    QVERIFY(player.isRunning());
+    QCOMPARE(server.takenBytes(), taken);
+    QCOMPARE(player.frames(), frames);
+    QCOMPARE(player.lines().size(), lines);
+    QVERIFY(player.frameFile() == picture);
+    QVERIFY(!player.states().contains(4));
+
+    player.send("unpause");
+    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > frames + 10, deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(server.takenBytes() > taken + heavy.bytes().size(), deadline);
+    QVERIFY(!player.states().contains(7));
+}
+
+void CompanionCommandsTest::pauseBeforeTheFirstPicture()
+{
+    StreamScript script;
+    script.clip = counting;
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/live")));
+    player.send("pause");
+    QTRY_VERIFY_WITH_TIMEOUT(player.states().contains(1), deadline);
+    QTest::qWait(1000);
+    const int frames = player.frames();
+    QVERIFY2(frames <= 1, QByteArray::number(frames));
+    player.send("unpause");
+    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 10, deadline);
+}
+
+void CompanionCommandsTest::strangeLines()
+{
+    StreamScript script;
+    script.clip = counting.repeated(10);
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/live")));
+    for (const char *line :
+         {"", " ", "PAUSE", "pauses", "volume", "volume ", "volume x", "volume 5x",
+          "volume 99999999999999999999", "volume -1", "state 7", "ping pong"})
+        player.send(line);
+    player.send(QByteArray(60'000, 'a') + " pause");
+    player.send(QByteArray("pause\0", 6) + "more");
+    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 20, deadline);
+
+    player.send("  pause \r");
+    int frames = -1;
+    const auto isStill = [&] { return frames == std::exchange(frames, player.frames()); };
+    QTRY_VERIFY_WITH_TIMEOUT((QTest::qWait(500), isStill()), deadline);
+    QVERIFY(player.isRunning());
+}
+
+void CompanionCommandsTest::noPing()
+{
+    StreamScript script;
+    script.clip = counting.repeated(10);
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/live")));
+    player.stopPinging();
+    player.send("volume 0");
+    QTRY_VERIFY_WITH_TIMEOUT(player.elapsed() > 8000, deadline);
+    QVERIFY(player.isRunning());
+    player.send("unpause");
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), 10'000);
+    QVERIFY2(player.elapsed() >= 10'000, QByteArray::number(player.elapsed()));
+    QCOMPARE(player.exitCode(), 0);
+    QVERIFY(!player.states().contains(7));
+}
+
+void CompanionCommandsTest::closedInput_data()
+{
+    QTest::addColumn<QByteArray>("command");
+    QTest::addColumn<int>("frames");
+    QTest::addColumn<bool>("silentServer");
+    QTest::newRow("at once") << QByteArray() << 0 << false;
+    QTest::newRow("while it waits for the server") << QByteArray() << 0 << true;
+    QTest::newRow("playing") << QByteArray("volume 50") << 10 << false;
+    QTest::newRow("paused") << QByteArray("pause") << 10 << false;
+}
+
+void CompanionCommandsTest::closedInput()
+{
+    QFETCH(QByteArray, command);
+    QFETCH(int, frames);
+    QFETCH(bool, silentServer);
+    StreamScript script;
+    script.clip = counting;
+    if (silentServer) {
+        script.stopAt = 0;
+        script.ending = StreamScript::Ending::Stall;
+    }
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/live")));
+    QTRY_VERIFY_WITH_TIMEOUT(player.frames() >= frames, deadline);
+    if (silentServer)
+        QTRY_COMPARE_WITH_TIMEOUT(server.heads().size(), 1, deadline);
+    player.send(command);
+    player.closeInput();
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), 3000);
+    QCOMPARE(player.exitCode(), 0);
+}
+
+void CompanionCommandsTest::sound_data()
+{
+    QTest::addColumn<QString>("codec");
+    QTest::addColumn<QByteArray>("volume");
+    QTest::addColumn<double>("share");
+    QTest::newRow("MP3") << QStringLiteral("libmp3lame") << QByteArray("volume 100") << 1.0;
+    QTest::newRow("AAC") << QStringLiteral("aac") << QByteArray("volume 100") << 1.0;
+    QTest::newRow("half") << QStringLiteral("aac") << QByteArray("volume 50") << 0.5;
+    QTest::newRow("more than all") << QStringLiteral("aac") << QByteArray("volume 1000") << 1.0;
+}
+
+/// The audio library writes what would be heard into a file.
+void CompanionCommandsTest::sound()
+{
+    QFETCH(QString, codec);
+    QFETCH(QByteArray, volume);
+    QFETCH(double, share);
+    constexpr double tonePeak = 32767.0 / 8; // of ffmpeg's "sine"
+    const QString path = QDir::current().filePath(QStringLiteral("sound.raw"));
+    QFile::remove(path);
+    StreamScript script;
+    script.clip = Clips::withTone(3000, codec);
+    QVERIFY(!script.clip.isEmpty());
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    player.setEnvironment("SDL_AUDIODRIVER", "disk");
+    player.setEnvironment("SDL_DISKAUDIOFILE", path.toUtf8());
+    QVERIFY(player.start(server.url("/flv/live")));
+    player.send(volume);
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+    QCOMPARE(player.exitCode(), 0);
+    QVERIFY(player.frames() > 10);
+
+    const Sound heard = soundIn(contents(path));
+    QVERIFY2(qAbs(heard.peak - tonePeak * share) < tonePeak * 0.2, QByteArray::number(heard.peak));
+    QVERIFY2(heard.frequency > 300 && heard.frequency < 480, QByteArray::number(heard.frequency));
+}
+
+void CompanionCommandsTest::noSoundAtVolumeZero()
+{
+    const QString path = QDir::current().filePath(QStringLiteral("silence.raw"));
+    StreamScript script;
+    script.clip = Clips::withTone(6000, QStringLiteral("aac"));
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    player.setEnvironment("SDL_AUDIODRIVER", "disk");
+    player.setEnvironment("SDL_DISKAUDIOFILE", path.toUtf8());
+    QVERIFY(player.start(server.url("/flv/live")));
+    player.send("volume 0");
+    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 25, deadline);
+    QVERIFY(!QFile::exists(path));
+
+    player.send("volume 80");
+    QTRY_VERIFY_WITH_TIMEOUT(soundIn(contents(path)).peak > 1000, deadline);
+    player.send("volume 0");
+    const int frames = player.frames();
+    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > frames + 15, deadline);
+    const qint64 bytes = QFileInfo(path).size();
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+    QCOMPARE(QFileInfo(path).size(), bytes);
+}
+
+void CompanionCommandsTest::noAudioDevice()
+{
+    StreamScript script;
+    script.clip = Clips::withTone(1000, QStringLiteral("libmp3lame"));
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    player.setEnvironment("SDL_AUDIODRIVER", "no such driver");
+    QVERIFY(player.start(server.url("/flv/live")));
+    player.send("volume 100");
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+    QCOMPARE(player.exitCode(), 0);
+    QVERIFY2(player.frames() > 10, QByteArray::number(player.frames()));
+}
+
+QTEST_GUILESS_MAIN(CompanionCommandsTest)
+#include "CompanionCommandsTest.moc"

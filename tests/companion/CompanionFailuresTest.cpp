@@ -1,0 +1,339 @@
+// SPDX-License-Identifier: MIT
+#include <QFileInfo>
+#include <QtTest>
+
+#include <memory>
+#include <vector>
+
+#include "tests/companion/Clips.h"
+#include "tests/support/PlayerProcess.h"
+#include "tests/support/StreamServer.h"
+
+using namespace ZorvaneClient::Tests;
+
+namespace {
+
+constexpr int deadline = 40'000;
+/// The limit is ten seconds; the rest is for a machine under load.
+constexpr int errorDeadline = 13'000;
+
+StreamScript rawScript(const QByteArray &bytes)
+{
+    StreamScript script;
+    script.raw = bytes;
+    return script;
+}
+
+StreamScript statusScript(int status, const QByteArray &location = QByteArray())
+{
+    StreamScript script;
+    script.status = status;
+    script.location = location;
+    return script;
+}
+
+StreamScript stallScript(const FlvClip &clip, int stopAt)
+{
+    StreamScript script;
+    script.clip = clip;
+    script.stopAt = stopAt;
+    script.ending = StreamScript::Ending::Stall;
+    return script;
+}
+
+QByteArray randomBytes(int count)
+{
+    return garbled(QByteArray(count, '\0'), 1, 4 * count, 0);
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(ZorvaneClient::Tests::StreamScript)
+
+/// Streams that are none, end badly or are damaged.
+class CompanionFailuresTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void neverAPicture_data();
+    void neverAPicture();
+    void otherSchemes_data();
+    void otherSchemes();
+    void nobodyListens();
+    void redirect();
+    void stall();
+    void endsInTheMiddle_data();
+    void endsInTheMiddle();
+    void decoderGivesUp();
+    void damagedStreams_data();
+    void damagedStreams();
+    void cutStreams();
+    void outputClosed();
+
+private:
+    void playAll(const QList<QByteArray> &streams);
+
+    FlvClip clip;
+    FlvClip withTone;
+};
+
+void CompanionFailuresTest::initTestCase()
+{
+    clip = Clips::quarters(QSize(160, 96), 1000);
+    withTone = Clips::withTone(1000, QStringLiteral("aac"));
+    QVERIFY(!clip.isEmpty());
+    QVERIFY(!withTone.isEmpty());
+}
+
+void CompanionFailuresTest::neverAPicture_data()
+{
+    const FlvClip tone = Clips::toneOnly(15'000);
+    StreamScript toneAtOnce;
+    toneAtOnce.clip = tone;
+    toneAtOnce.speed = 0;
+    StreamScript tonePaced;
+    tonePaced.clip = tone;
+    StreamScript endlessGarbage = rawScript(clip.header + randomBytes(2'000'000));
+    endlessGarbage.rawBytesPerSecond = 100'000;
+
+    QTest::addColumn<StreamScript>("script");
+    QTest::newRow("not found") << statusScript(404);
+    QTest::newRow("server error") << statusScript(500);
+    QTest::newRow("redirect to nowhere") << statusScript(302);
+    QTest::newRow("redirect to itself") << statusScript(302, "/flv/live");
+    QTest::newRow("redirect to a file") << statusScript(302, "file:///etc/hostname");
+    QTest::newRow("a page") << rawScript("<html><body>" + QByteArray(5000, 'x') + "</body></html>");
+    QTest::newRow("one byte") << rawScript("F");
+    QTest::newRow("header only") << rawScript(clip.header);
+    QTest::newRow("header, then silence") << stallScript(clip, 0);
+    QTest::newRow("garbage") << rawScript(randomBytes(200'000));
+    QTest::newRow("garbage that goes on") << endlessGarbage;
+    QTest::newRow("sound only") << toneAtOnce;
+    QTest::newRow("sound only, paced") << tonePaced;
+}
+
+void CompanionFailuresTest::neverAPicture()
+{
+    QFETCH(StreamScript, script);
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/live")));
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+    QCOMPARE(player.exitCode(), 1);
+    QCOMPARE(player.frames(), 0);
+    QCOMPARE(player.lastState(), 7);
+    QVERIFY(!player.states().contains(6));
+    QVERIFY2(player.timeOfState(7) < errorDeadline, QByteArray::number(player.timeOfState(7)));
+    QVERIFY(player.frameFile() ==
+            QByteArray(PlayerProcess::frameFileBytes, PlayerProcess::untouched));
+}
+
+void CompanionFailuresTest::otherSchemes_data()
+{
+    QTest::addColumn<QByteArray>("prefix");
+    QTest::newRow("file") << QByteArray("file://");
+    QTest::newRow("concat") << QByteArray("concat://");
+    QTest::newRow("subfile") << QByteArray("subfile,,start,0,end,0,,://");
+}
+
+/// A stream address never reads a file of this machine.
+void CompanionFailuresTest::otherSchemes()
+{
+    QFETCH(QByteArray, prefix);
+    QFile file(QStringLiteral("clip.flv"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(clip.bytes());
+    file.close();
+    PlayerProcess player;
+    QVERIFY(player.start(prefix + QFileInfo(file).absoluteFilePath().toUtf8()));
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+    QVERIFY(player.exitCode() == 1 || player.exitCode() == 2);
+    QCOMPARE(player.frames(), 0);
+}
+
+void CompanionFailuresTest::nobodyListens()
+{
+    PlayerProcess player;
+    const int port = StreamServer::deadPort();
+    QVERIFY(player.start("http://127.0.0.1:" + QByteArray::number(port) + "/flv/live"));
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+    const QList<int> expected = {1, 7};
+    QCOMPARE(player.states(), expected);
+    QVERIFY(player.timeOfState(7) < errorDeadline);
+}
+
+void CompanionFailuresTest::redirect()
+{
+    StreamServer target;
+    QVERIFY(target.start());
+    StreamScript script;
+    script.clip = clip;
+    target.setScript(script);
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(statusScript(302, target.url("/elsewhere")));
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/live")));
+    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 5, deadline);
+}
+
+void CompanionFailuresTest::stall()
+{
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(stallScript(clip, 600));
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/live")));
+    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 5, deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+    QCOMPARE(player.exitCode(), 1);
+    const QList<int> expected = {1, 2, 3, 2, 7};
+    QCOMPARE(player.states(), expected);
+    const qint64 stalled = player.timeOfState(7) - player.firstFrameTime() - 600;
+    QVERIFY2(stalled > 9500 && stalled < errorDeadline, QByteArray::number(stalled));
+}
+
+void CompanionFailuresTest::endsInTheMiddle_data()
+{
+    StreamScript closed;
+    closed.clip = clip;
+    closed.stopAt = 600;
+    StreamScript reset = closed;
+    reset.ending = StreamScript::Ending::Reset;
+    StreamScript shorter = closed;
+    shorter.contentLength = clip.bytes().size();
+
+    QTest::addColumn<StreamScript>("script");
+    QTest::addColumn<bool>("isEnd");
+    QTest::newRow("closed") << closed << true;
+    QTest::newRow("reset") << reset << true; // the HTTP layer takes it for a close
+    QTest::newRow("shorter than told") << shorter << false;
+}
+
+void CompanionFailuresTest::endsInTheMiddle()
+{
+    QFETCH(StreamScript, script);
+    QFETCH(bool, isEnd);
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/live")));
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+    QVERIFY(player.frames() > 5);
+    QCOMPARE(player.states().contains(6), isEnd);
+    QCOMPARE(player.lastState(), 7);
+    QCOMPARE(player.exitCode(), isEnd ? 0 : 1);
+}
+
+/// Packets go on and on, and none makes a picture any more.
+void CompanionFailuresTest::decoderGivesUp()
+{
+    FlvClip broken = clip.repeated(15);
+    for (FlvTag &tag : broken.tags) {
+        constexpr int firstPayloadByte = 11 + 5;
+        const bool isVideo = tag.bytes.at(0) == 9;
+        if (isVideo && tag.milliseconds > 1000 && tag.bytes.size() > firstPayloadByte + 4)
+            tag.bytes.replace(firstPayloadByte, tag.bytes.size() - firstPayloadByte - 4,
+                              QByteArray(tag.bytes.size() - firstPayloadByte - 4, '\x7F'));
+    }
+    StreamScript script;
+    script.clip = broken;
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/live")));
+    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 5, deadline);
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+    QCOMPARE(player.exitCode(), 1);
+    QVERIFY(!player.states().contains(6));
+    const qint64 blind = player.timeOfState(7) - player.firstFrameTime() - 1000;
+    QVERIFY2(blind > 0 && blind < errorDeadline, QByteArray::number(blind));
+}
+
+void CompanionFailuresTest::damagedStreams_data()
+{
+    QTest::addColumn<int>("firstSeed");
+    QTest::addColumn<int>("damagedBytes");
+    QTest::newRow("a few bytes") << 1 << 10;
+    QTest::newRow("more bytes") << 101 << 100;
+    QTest::newRow("many bytes") << 201 << 1000;
+}
+
+void CompanionFailuresTest::damagedStreams()
+{
+    QFETCH(int, firstSeed);
+    QFETCH(int, damagedBytes);
+    constexpr int seeds = 8;
+    const FlvClip odd = Clips::quarters(QSize(161, 97), 600, Clips::Codec::Flv);
+    const FlvClip sizes = clip.then(Clips::quarters(QSize(2048, 1536), 120)).then(clip);
+    QList<QByteArray> streams;
+    for (int i = 0; i < seeds; ++i) {
+        const auto seed = static_cast<quint32>(firstSeed + i);
+        for (const FlvClip &whole : {clip, withTone, odd, sizes})
+            streams.append(garbled(whole.bytes(), seed, damagedBytes, whole.header.size()));
+    }
+    playAll(streams);
+}
+
+void CompanionFailuresTest::cutStreams()
+{
+    const QByteArray whole = withTone.bytes();
+    QList<QByteArray> streams;
+    for (int length = 1; length < 600; length += 37)
+        streams.append(whole.left(length));
+    for (int length = 1000; length < whole.size(); length += static_cast<int>(whole.size()) / 8)
+        streams.append(whole.left(length));
+    playAll(streams);
+}
+
+/// Whatever the bytes are, each child says its 7 and ends by itself, with no more lines than
+/// the protocol has, and with a frame file of the old size.
+void CompanionFailuresTest::playAll(const QList<QByteArray> &streams)
+{
+    constexpr int atOnce = 8;
+    StreamServer server;
+    QVERIFY(server.start());
+    for (int first = 0; first < streams.size(); first += atOnce) {
+        std::vector<std::unique_ptr<PlayerProcess>> players;
+        for (int i = first; i < qMin<int>(first + atOnce, streams.size()); ++i) {
+            const QByteArray path = "/" + QByteArray::number(i);
+            server.setScript(rawScript(streams.at(i)), path);
+            players.push_back(std::make_unique<PlayerProcess>());
+            QVERIFY(players.back()->start(server.url(path)));
+            players.back()->send("volume 10");
+        }
+        for (const auto &player : players) {
+            QTRY_VERIFY_WITH_TIMEOUT(!player->isRunning(), deadline);
+            QCOMPARE(player->exitSignal(), 0);
+            QVERIFY(player->exitCode() == 0 || player->exitCode() == 1);
+            QCOMPARE(player->lastState(), 7);
+            QCOMPARE(QFileInfo(player->frameFilePath()).size(),
+                     qint64(PlayerProcess::frameFileBytes));
+            QVERIFY(qint64(player->size().width()) * player->size().height() <= 3'145'728);
+        }
+    }
+}
+
+void CompanionFailuresTest::outputClosed()
+{
+    StreamScript script;
+    script.clip = clip.repeated(10);
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/live")));
+    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 3, deadline);
+    player.closeOutput();
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), 5000);
+    QCOMPARE(player.exitSignal(), 0);
+}
+
+QTEST_GUILESS_MAIN(CompanionFailuresTest)
+#include "CompanionFailuresTest.moc"

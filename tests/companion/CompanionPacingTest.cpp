@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: MIT
+#include <QtTest>
+
+#include "tests/companion/Clips.h"
+#include "tests/support/PlayerProcess.h"
+#include "tests/support/StreamServer.h"
+
+using namespace ZorvaneClient::Tests;
+
+namespace {
+
+constexpr int deadline = 30'000;
+constexpr int pictureInterval = 40;
+
+/// Milliseconds of the server's stream between what it has sent and what is to be seen.
+int latency(const StreamServer &server, const PlayerProcess &player)
+{
+    const int sent = server.sentMilliseconds() / pictureInterval % Clips::maxCount;
+    const int shown = Clips::countIn(player.picture());
+    return (sent - shown + Clips::maxCount) % Clips::maxCount * pictureInterval;
+}
+
+/// Middle value of what is seen during the next two seconds.
+int usualLatency(const StreamServer &server, const PlayerProcess &player)
+{
+    constexpr int samples = 21;
+    constexpr int sampleMilliseconds = 100;
+    QVector<int> values;
+    for (int i = 0; i < samples; ++i) {
+        QTest::qWait(sampleMilliseconds);
+        values.append(latency(server, player));
+    }
+    std::sort(values.begin(), values.end());
+    return values.at(samples / 2);
+}
+
+QList<int> times(const PlayerProcess &player)
+{
+    QList<int> values;
+    for (const PlayerLine &line : player.lines()) {
+        if (line.text.startsWith("time "))
+            values.append(line.text.mid(5).toInt());
+    }
+    return values;
+}
+
+QString faultInTimes(const PlayerProcess &player)
+{
+    const QList<int> values = times(player);
+    for (int i = 1; i < values.size(); ++i) {
+        if (values.at(i) < values.at(i - 1))
+            return QStringLiteral("%1 after %2").arg(values.at(i)).arg(values.at(i - 1));
+    }
+    return QString();
+}
+
+/// Every line is one of the protocol's, and no write brings two frames.
+QString faultInLines(const PlayerProcess &player)
+{
+    const QRegularExpression known(
+        QStringLiteral("^(frame|time [0-9]+|state [12367]|size [1-9][0-9]* [1-9][0-9]*)$"));
+    int writeWithFrame = -1;
+    for (const PlayerLine &line : player.lines()) {
+        if (!known.match(QString::fromLatin1(line.text)).hasMatch())
+            return QString::fromLatin1(line.text);
+        if (line.text != "frame")
+            continue;
+        if (line.write == writeWithFrame)
+            return QStringLiteral("two frames in one write");
+        writeWithFrame = line.write;
+    }
+    return QString();
+}
+
+} // namespace
+
+/// When pictures come, and what is said about the time.
+class CompanionPacingTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void playsInTheStreamsTime_data();
+    void playsInTheStreamsTime();
+    void fastArchiveIsThinnedOut();
+    void timeRunsBetweenSlowPictures_data();
+    void timeRunsBetweenSlowPictures();
+    void liveShowsTheNewest_data();
+    void liveShowsTheNewest();
+    void liveCatchesUpAfterPause();
+    void timestampsJump_data();
+    void timestampsJump();
+
+private:
+    FlvClip counting;
+};
+
+void CompanionPacingTest::initTestCase()
+{
+    counting = Clips::counting(4000);
+    QVERIFY(!counting.isEmpty());
+}
+
+void CompanionPacingTest::playsInTheStreamsTime_data()
+{
+    QTest::addColumn<double>("serverSpeed");
+    QTest::addColumn<QByteArray>("path");
+    QTest::newRow("archive, all at once") << 0.0 << QByteArray("/flv/archive");
+    QTest::newRow("archive, paced") << 1.0 << QByteArray("/flv/archive");
+    QTest::newRow("live") << 1.0 << QByteArray("/flv/live?q=2");
+}
+
+void CompanionPacingTest::playsInTheStreamsTime()
+{
+    QFETCH(double, serverSpeed);
+    QFETCH(QByteArray, path);
+    StreamScript script;
+    script.clip = counting;
+    script.speed = serverSpeed;
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url(path)));
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+
+    const QList<int> expectedStates = {1, 2, 3, 6, 7};
+    QCOMPARE(player.states(), expectedStates);
+    QCOMPARE(player.exitCode(), 0);
+    QCOMPARE(player.lines().last().text, QByteArray("state 7"));
+    QCOMPARE(faultInLines(player), QString());
+    QCOMPARE(faultInTimes(player), QString());
+
+    const qint64 playing = player.timeOfState(6) - player.firstFrameTime();
+    QVERIFY2(playing > 3700, QByteArray::number(playing));
+    QVERIFY2(player.frames() > 50 && player.frames() <= 100, QByteArray::number(player.frames()));
+    QVERIFY2(player.lastTime() > 3700 && player.lastTime() < 4100,
+             QByteArray::number(player.lastTime()));
+    QVERIFY2(times(player).size() >= 4 * 3.7, QByteArray::number(times(player).size()));
+}
+
+/// Sixteen seconds in one: more pictures than can be seen come no faster than a hundred a
+/// second, and the time is the stream's own.
+void CompanionPacingTest::fastArchiveIsThinnedOut()
+{
+    StreamScript script;
+    script.clip = counting.repeated(4).faster(16);
+    script.speed = 0;
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/archive?speed=16")));
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+    QCOMPARE(player.exitCode(), 0);
+    QVERIFY2(player.frames() > 5 && player.frames() <= 110, QByteArray::number(player.frames()));
+    QVERIFY2(player.lastTime() > 800 && player.lastTime() <= 1000,
+             QByteArray::number(player.lastTime()));
+}
+
+void CompanionPacingTest::timeRunsBetweenSlowPictures_data()
+{
+    QTest::addColumn<double>("serverSpeed");
+    QTest::addColumn<QByteArray>("path");
+    QTest::newRow("archive") << 0.0 << QByteArray("/flv/archive");
+    QTest::newRow("live") << 1.0 << QByteArray("/flv/live");
+}
+
+void CompanionPacingTest::timeRunsBetweenSlowPictures()
+{
+    QFETCH(double, serverSpeed);
+    QFETCH(QByteArray, path);
+    StreamScript script;
+    script.clip = FlvClip::make(QStringLiteral("-f lavfi -i testsrc=s=160x96:r=1 -t 4 -c:v libx264 "
+                                               "-tune zerolatency -pix_fmt yuv420p")
+                                    .split(QLatin1Char(' ')));
+    script.speed = serverSpeed;
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url(path)));
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+    QCOMPARE(player.frames(), 4);
+    QVERIFY2(times(player).size() >= 12, QByteArray::number(times(player).size()));
+    QCOMPARE(faultInTimes(player), QString());
+}
+
+void CompanionPacingTest::liveShowsTheNewest_data()
+{
+    QTest::addColumn<int>("burst");
+    QTest::newRow("no burst") << 0;
+    QTest::newRow("half a second") << 500;
+    QTest::newRow("two seconds") << 2000;
+    QTest::newRow("thirty seconds") << 30'000;
+}
+
+/// Servers begin with what they have kept since the last key frame or longer.
+void CompanionPacingTest::liveShowsTheNewest()
+{
+    QFETCH(int, burst);
+    StreamScript script;
+    script.clip = counting.repeated(15);
+    script.burst = burst;
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/live")));
+    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 10, deadline);
+    const int value = usualLatency(server, player);
+    QVERIFY2(value < 1000, QByteArray::number(value));
+    const int behind = server.sentMilliseconds() - player.lastTime();
+    QVERIFY2(behind < 1500, QByteArray::number(behind));
+    QCOMPARE(faultInTimes(player), QString());
+    QCOMPARE(faultInLines(player), QString());
+}
+
+void CompanionPacingTest::liveCatchesUpAfterPause()
+{
+    StreamScript script;
+    script.clip = counting.repeated(15);
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/live")));
+    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 10, deadline);
+    player.send("pause");
+    const int pausedAt = server.sentMilliseconds();
+    QTRY_VERIFY_WITH_TIMEOUT(server.sentMilliseconds() > pausedAt + 6000, deadline);
+    player.send("unpause");
+    QTRY_VERIFY_WITH_TIMEOUT(player.lastTime() > pausedAt + 5000, deadline);
+    const int value = usualLatency(server, player);
+    QVERIFY2(value < 1000, QByteArray::number(value));
+    QCOMPARE(faultInTimes(player), QString());
+}
+
+void CompanionPacingTest::timestampsJump_data()
+{
+    QTest::addColumn<int>("gap");
+    QTest::addColumn<int>("leastTime");
+    QTest::addColumn<int>("mostTime");
+    QTest::newRow("back") << -3900 << 7000 << 8500;
+    QTest::newRow("a little ahead") << 1500 << 8500 << 10'000;
+    QTest::newRow("seven seconds ahead") << 7000 << 14'000 << 15'500;
+    QTest::newRow("an hour ahead") << 3'600'000 << 7000 << 8500;
+}
+
+void CompanionPacingTest::timestampsJump()
+{
+    QFETCH(int, gap);
+    QFETCH(int, leastTime);
+    QFETCH(int, mostTime);
+    StreamScript script;
+    script.clip = counting.then(counting, gap);
+    script.speed = 0;
+    StreamServer server;
+    QVERIFY(server.start());
+    server.setScript(script);
+    PlayerProcess player;
+    QVERIFY(player.start(server.url("/flv/archive")));
+    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+    QCOMPARE(player.exitCode(), 0);
+    QCOMPARE(faultInTimes(player), QString());
+    QVERIFY2(player.lastTime() >= leastTime && player.lastTime() <= mostTime,
+             QByteArray::number(player.lastTime()));
+}
+
+QTEST_GUILESS_MAIN(CompanionPacingTest)
+#include "CompanionPacingTest.moc"

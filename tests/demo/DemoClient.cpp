@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "tests/demo/DemoClient.h"
+
+#include <QEventLoop>
+#include <QNetworkProxy>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QTimer>
+
+namespace ZorvaneClient {
+namespace Tests {
+
+namespace {
+
+/// Qt sends one of several leading slashes; what it will drop is added here.
+QUrl withLeadingSlashesKept(const QString &text)
+{
+    QUrl url(text);
+    const QString path = url.path();
+    const QString sent = url.adjusted(QUrl::NormalizePathSegments).path();
+    if (path.startsWith(QLatin1String("//")) && sent.size() < path.size())
+        url.setPath(QString(path.size() - sent.size(), QLatin1Char('/')) + path);
+    return url;
+}
+
+} // namespace
+
+DemoClient::DemoClient(const DemoService &demo, bool trustAuthority)
+    : service(demo), trusting(trustAuthority)
+{
+    manager.setProxy(QNetworkProxy::NoProxy);
+}
+
+QNetworkRequest DemoClient::request(const QString &url) const
+{
+    QNetworkRequest result(withLeadingSlashesKept(url));
+    QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
+    tls.setCaCertificates(trusting ? QSslCertificate::fromPath(service.caCertificate())
+                                   : QList<QSslCertificate>());
+    result.setSslConfiguration(tls);
+    result.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                        QNetworkRequest::ManualRedirectPolicy);
+    return result;
+}
+
+Answer DemoClient::finish(QNetworkReply *reply, int timeoutMs)
+{
+    QEventLoop loop;
+    QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
+    if (!reply->isFinished())
+        loop.exec();
+    Answer answer;
+    answer.timedOut = !reply->isFinished();
+    answer.status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    answer.redirect = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
+    answer.error = reply->error();
+    answer.body = reply->readAll();
+    reply->abort();
+    reply->deleteLater();
+    return answer;
+}
+
+Answer DemoClient::get(const QString &url, int timeoutMs)
+{
+    return finish(manager.get(request(url)), timeoutMs);
+}
+
+Answer DemoClient::post(const QString &url, const QByteArray &body, const QByteArray &type)
+{
+    QNetworkRequest post = request(url);
+    post.setRawHeader("Content-Type", type);
+    return finish(manager.post(post, body), 15'000);
+}
+
+Answer DemoClient::del(const QString &url)
+{
+    return finish(manager.deleteResource(request(url)), 15'000);
+}
+
+QString DemoClient::api(const QString &path) const
+{
+    return QStringLiteral("https://127.0.0.1:%1").arg(service.apiPort()) + path;
+}
+
+QString DemoClient::streaming(const QString &path) const
+{
+    return QStringLiteral("https://127.0.0.1:%1").arg(service.streamingPort()) + path;
+}
+
+QString DemoClient::flv(const QString &path) const
+{
+    return QStringLiteral("http://127.0.0.1:%1").arg(service.flvPort()) + path;
+}
+
+QString DemoClient::lan(const QString &path) const
+{
+    return QStringLiteral("http://127.0.0.1:%1").arg(service.lanPorts().value(0)) + path;
+}
+
+Answer DemoClient::signIn(const QByteArray &login, const QByteArray &password)
+{
+    return post(api(QStringLiteral("/public/sessions")),
+                "clientType=windows&clientVersion=1.0&login=" + login.toPercentEncoding() +
+                    "&password=" + password.toPercentEncoding());
+}
+
+QString DemoClient::session()
+{
+    return signIn(service.email().toUtf8(), service.password().toUtf8())
+        .response()
+        .value(QLatin1String("session_id"))
+        .toString();
+}
+
+QString DemoClient::query(const DemoCamera &camera, const QString &session) const
+{
+    return QStringLiteral("?server=%1&camera=%2&sessionId=%3")
+        .arg(camera.server)
+        .arg(camera.camera)
+        .arg(session);
+}
+
+} // namespace Tests
+} // namespace ZorvaneClient

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QUrl>
+
+#include "tests/support/DemoService.h"
+
+namespace ZorvaneClient {
+namespace Tests {
+
+/// How an exchange ended.
+struct Answer {
+    int status = 0; ///< 0 when no reply came
+    QNetworkReply::NetworkError error = QNetworkReply::NoError;
+    QByteArray body;
+    QUrl redirect;
+    bool timedOut = false; ///< no end within the time given
+
+    QJsonObject json() const { return QJsonDocument::fromJson(body).object(); }
+    bool success() const { return json().value(QLatin1String("success")).toBool(); }
+    QJsonObject response() const { return json().value(QLatin1String("response")).toObject(); }
+    int code() const { return response().value(QLatin1String("code")).toInt(); }
+};
+
+/// Speaks to a demo service the way the client does, paths and queries as given.
+class DemoClient
+{
+public:
+    /// Trusts the service's authority and nothing else, unless told to trust none.
+    explicit DemoClient(const DemoService &service, bool trusting = true);
+
+    Answer get(const QString &url, int timeoutMs = 15'000);
+    Answer post(const QString &url, const QByteArray &body,
+                const QByteArray &type = "application/x-www-form-urlencoded");
+    Answer del(const QString &url);
+
+    /// URL of a path at the API, at the streaming endpoint, for streams and at a LAN server.
+    QString api(const QString &path) const;
+    QString streaming(const QString &path) const;
+    QString flv(const QString &path) const;
+    QString lan(const QString &path) const;
+
+    Answer signIn(const QByteArray &login, const QByteArray &password);
+    /// Signs in with the service's own account; the session, empty on failure.
+    QString session();
+    /// Query of a cloud camera.
+    QString query(const DemoCamera &camera, const QString &session) const;
+
+private:
+    Answer finish(QNetworkReply *reply, int timeoutMs);
+    QNetworkRequest request(const QString &url) const;
+
+    const DemoService &service;
+    const bool trusting;
+    QNetworkAccessManager manager;
+};
+
+} // namespace Tests
+} // namespace ZorvaneClient

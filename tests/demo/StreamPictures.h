@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QImage>
+#include <QString>
+#include <QVector>
+
+namespace ZorvaneClient {
+namespace Tests {
+
+/// What a stream showed.
+struct StreamPictures {
+    struct Picture {
+        QImage image;
+        qint64 stampMs = 0;    ///< time stamp in the stream
+        qint64 receivedMs = 0; ///< wall clock when it was decoded, since the epoch
+    };
+
+    QVector<Picture> pictures;
+    bool sound = false; ///< MP3 sound was among the packets
+    bool opened = false;
+    bool ended = false;   ///< the stream came to its end before enough pictures
+    bool damaged = false; ///< the decoder met faults
+
+    /// Opens `url`, decodes up to `count` pictures and closes it. Blocks; gives up after
+    /// `timeoutMs` without an end.
+    static StreamPictures from(const QString &url, int count, int timeoutMs = 20'000);
+};
+
+} // namespace Tests
+} // namespace ZorvaneClient

@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/StreamConnection.h"
+
+#include <sys/socket.h>
+
+namespace ZorvaneClient {
+namespace Tests {
+
+namespace {
+
+constexpr int paceMilliseconds = 5;
+/// More isn't kept in this process: the rest waits until the client has read.
+constexpr qint64 maxWaitingBytes = 64 * 1024;
+constexpr int rawChunkBytes = 16 * 1024;
+
+} // namespace
+
+StreamConnection::StreamConnection(qintptr descriptor, StreamServer *server)
+    : QTcpSocket(server), owner(server)
+{
+    setSocketDescriptor(descriptor);
+    setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    ++owner->connections;
+    pace.setTimerType(Qt::PreciseTimer);
+    connect(this, &QTcpSocket::readyRead, this, &StreamConnection::readRequest);
+    connect(this, &QTcpSocket::disconnected, this, &QObject::deleteLater);
+    connect(this, &QTcpSocket::bytesWritten, this, [this](qint64 bytes) {
+        owner->taken += bytes;
+        sendDue();
+    });
+    connect(&pace, &QTimer::timeout, this, &StreamConnection::sendDue);
+}
+
+StreamConnection::~StreamConnection()
+{
+    disconnect();
+    --owner->connections;
+}
+
+void StreamConnection::readRequest()
+{
+    head += readAll();
+    const int end = static_cast<int>(head.indexOf("\r\n\r\n"));
+    if (end < 0 || answered)
+        return;
+    answered = true;
+    head.truncate(end);
+    owner->receivedHeads.append(head);
+    script = owner->scriptFor(head);
+    answer();
+}
+
+void StreamConnection::answer()
+{
+    if (!owner->isAuthorized(head)) {
+        write("HTTP/1.1 407 Proxy Authentication Required\r\n"
+              "Proxy-Authenticate: Basic realm=\"test\"\r\n"
+              "Content-Length: 0\r\nConnection: close\r\n\r\n");
+        disconnectFromHost();
+        return;
+    }
+    write(replyHead());
+    if (script.status != 200) {
+        disconnectFromHost();
+        return;
+    }
+    if (script.raw.isEmpty())
+        write(script.clip.header);
+    started.start();
+    pace.start(paceMilliseconds);
+    sendDue();
+}
+
+QByteArray StreamConnection::replyHead() const
+{
+    QByteArray reply = "HTTP/1.1 " + QByteArray::number(script.status) + " Reply\r\n";
+    if (!script.location.isEmpty())
+        reply += "Location: " + script.location + "\r\n";
+    if (script.contentLength >= 0)
+        reply += "Content-Length: " + QByteArray::number(script.contentLength) + "\r\n";
+    return reply + "Content-Type: video/x-flv\r\nConnection: close\r\n\r\n";
+}
+
+void StreamConnection::sendDue()
+{
+    if (ended || !started.isValid())
+        return;
+    if (script.raw.isEmpty())
+        sendTags();
+    else
+        sendRaw();
+}
+
+void StreamConnection::sendRaw()
+{
+    const qint64 allowed = script.rawBytesPerSecond > 0
+                               ? started.elapsed() * script.rawBytesPerSecond / 1000
+                               : script.raw.size();
+    while (rawSent < allowed && rawSent < script.raw.size() && bytesToWrite() < maxWaitingBytes) {
+        const int left = static_cast<int>(qMin<qint64>(allowed, script.raw.size())) - rawSent;
+        rawSent += static_cast<int>(write(script.raw.mid(rawSent, qMin(left, rawChunkBytes))));
+    }
+    if (rawSent >= script.raw.size())
+        end();
+}
+
+void StreamConnection::sendTags()
+{
+    while (nextTag < script.clip.tags.size() && bytesToWrite() < maxWaitingBytes) {
+        const FlvTag &tag = script.clip.tags.at(nextTag);
+        if (script.stopAt >= 0 && tag.milliseconds >= script.stopAt) {
+            end();
+            return;
+        }
+        if (!isDue(tag))
+            return;
+        write(tag.bytes);
+        owner->sent = qMax(owner->sent, tag.milliseconds);
+        ++nextTag;
+    }
+    if (nextTag == script.clip.tags.size())
+        end();
+}
+
+bool StreamConnection::isDue(const FlvTag &tag) const
+{
+    if (script.speed <= 0 || tag.milliseconds <= script.burst)
+        return true;
+    return tag.milliseconds - script.burst <= started.elapsed() * script.speed;
+}
+
+void StreamConnection::end()
+{
+    ended = true;
+    pace.stop();
+    if (script.ending == StreamScript::Ending::Close) {
+        disconnectFromHost();
+    } else if (script.ending == StreamScript::Ending::Reset) {
+        waitForBytesWritten();
+        const linger hard = {1, 0};
+        setsockopt(static_cast<int>(socketDescriptor()), SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
+        abort();
+        deleteLater();
+    }
+}
+
+} // namespace Tests
+} // namespace ZorvaneClient

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QTcpServer>
+
+#include "tests/support/FlvClip.h"
+
+namespace ZorvaneClient {
+namespace Tests {
+
+/// How a stream is served.
+struct StreamScript {
+    enum class Ending { Close, Reset, Stall };
+
+    FlvClip clip;
+    double speed = 1; ///< of the clip's own time; 0: as fast as the client reads
+    int burst = 0;    ///< milliseconds of the clip that go out at once
+    int stopAt = -1;  ///< the clip's time at which `ending` comes; -1: at its end
+    Ending ending = Ending::Close;
+
+    QByteArray raw;            ///< if set, sent at once in place of the clip
+    int rawBytesPerSecond = 0; ///< 0: no limit
+
+    int status = 200;
+    QByteArray location; ///< of a redirect
+    qint64 contentLength = -1;
+};
+
+/// A streaming server on loopback, which is also a proxy: it answers whatever host it is asked
+/// for. Paces the clip in the event loop of the test.
+class StreamServer : public QTcpServer
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(StreamServer)
+
+public:
+    explicit StreamServer(QObject *parent = nullptr);
+
+    bool start();
+    /// "http://127.0.0.1:port" and the path.
+    QByteArray url(const QByteArray &path) const;
+
+    /// The script of every later request; for one path only, if that is given.
+    void setScript(const StreamScript &script, const QByteArray &path = QByteArray());
+    /// From now on a request without this user and password gets 407.
+    void requireProxyAuthorization(const QByteArray &user, const QByteArray &password);
+
+    /// Request line and header lines of each request.
+    QList<QByteArray> heads() const { return receivedHeads; }
+    /// Time of the newest part of the clip that was handed to a connection.
+    int sentMilliseconds() const { return sent; }
+    /// Bytes that the system has taken from this server.
+    qint64 takenBytes() const { return taken; }
+    int openConnections() const { return connections; }
+
+    /// A port of loopback that nobody listens on.
+    static int deadPort();
+
+protected:
+    void incomingConnection(qintptr descriptor) override;
+
+private:
+    friend class StreamConnection;
+
+    StreamScript scriptFor(const QByteArray &head) const;
+    bool isAuthorized(const QByteArray &head) const;
+
+    QHash<QByteArray, StreamScript> scripts;
+    QByteArray proxyCredentials;
+    QList<QByteArray> receivedHeads;
+    int sent = 0;
+    qint64 taken = 0;
+    int connections = 0;
+};
+
+} // namespace Tests
+} // namespace ZorvaneClient
