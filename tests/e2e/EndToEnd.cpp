@@ -153,6 +153,16 @@ void reveal(GUI::CameraWidget *card)
     QCoreApplication::processEvents();
 }
 
+bool getsPreview(GUI::CameraWidget *card)
+{
+    return QTest::qWaitFor(
+        [card] {
+            reveal(card);
+            return !card->camera()->sourcePreview().isNull();
+        },
+        pollDeadlineMs);
+}
+
 GUI::Player::VideoWidget *tile()
 {
     return mainWindow() ? mainWindow()->findChild<GUI::Player::VideoWidget *>() : nullptr;

@@ -62,6 +62,8 @@ QList<GUI::CameraWidget *> cardsOf(GUI::ServerWidget *server);
 GUI::CameraWidget *card(const QString &server, int camera);
 /// Scrolls the card into view.
 void reveal(GUI::CameraWidget *card);
+/// Keeps the card in view, whatever the roster does meanwhile, until its preview is there.
+bool getsPreview(GUI::CameraWidget *card);
 
 /// The first tile of the first main window, or null.
 GUI::Player::VideoWidget *tile();

@@ -151,7 +151,7 @@ void ProxyTest::signInAndPictureGoThroughTheProxy()
     QVERIFY(showsMovingPicture(tile(), camera.number));
     QVERIFY(proxyLog().contains(
         QStringLiteral("http://127.0.0.1:%1/flv/live").arg(service.flvPort())));
-    QTRY_VERIFY_WITH_TIMEOUT(!shown->camera()->sourcePreview().isNull(), pollDeadlineMs);
+    QVERIFY(getsPreview(shown));
     QVERIFY(proxyLog().contains(
         QStringLiteral("CONNECT 127.0.0.1:%1").arg(service.streamingPort())));
 }

@@ -162,8 +162,7 @@ void SignInToPictureTest::cardsStandInOrderWithPreviews()
     for (const DemoCamera &camera : world) {
         GUI::CameraWidget *shown = card(camera.server, camera.camera);
         QVERIFY(shown);
-        reveal(shown);
-        QTRY_VERIFY_WITH_TIMEOUT(!shown->camera()->sourcePreview().isNull(), pollDeadlineMs);
+        QVERIFY(getsPreview(shown));
         const auto strip = StripReader::read(shown->camera()->sourcePreview().toImage());
         QVERIFY(strip);
         QCOMPARE(strip->camera, camera.number);
