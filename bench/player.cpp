@@ -200,6 +200,7 @@ int main(int argc, char *argv[])
     av_log_set_level(AV_LOG_QUIET);
     StreamScript script;
     script.clip = cameraClip();
+    script.burst = 100; // whatever time stamp the encoder gave it, the key frame is there at once
     StreamServer server;
     const QTemporaryDir folder;
     QFile file(folder.filePath(QStringLiteral("clip.flv")));

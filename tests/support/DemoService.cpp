@@ -98,7 +98,6 @@ bool DemoService::start(const Options &options)
                             dataFolder,
                             QStringLiteral("--clips"),
                             clipFolder(),
-                            QStringLiteral("--test-clips"),
                             QStringLiteral("--scenes"),
                             QString::number(options.scenes),
                             QStringLiteral("--seed"),
@@ -113,6 +112,8 @@ bool DemoService::start(const Options &options)
                             options.email,
                             QStringLiteral("--password"),
                             options.password};
+    if (!options.fullRate)
+        arguments << QStringLiteral("--test-clips");
     if (options.plain)
         arguments << QStringLiteral("--plain");
     arguments << options.further;

@@ -126,7 +126,10 @@ bool StreamConnection::isDue(const FlvTag &tag) const
 {
     if (script.speed <= 0 || tag.milliseconds <= script.burst)
         return true;
-    return tag.milliseconds - script.burst <= started.elapsed() * script.speed;
+    int due = tag.milliseconds - script.burst;
+    if (script.bundle > 0)
+        due += script.bundle - due % script.bundle;
+    return due <= started.elapsed() * script.speed;
 }
 
 void StreamConnection::end()

@@ -10,6 +10,12 @@ StreamServer::StreamServer(QObject *parent) : QTcpServer(parent)
 {
 }
 
+/// Connections count themselves off, so they go while the counter is there.
+StreamServer::~StreamServer()
+{
+    qDeleteAll(findChildren<StreamConnection *>(QString(), Qt::FindDirectChildrenOnly));
+}
+
 bool StreamServer::start()
 {
     return listen(QHostAddress::LocalHost);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHash>
 #include <QList>
 #include <QTcpServer>
 
@@ -17,6 +18,7 @@ struct StreamScript {
     FlvClip clip;
     double speed = 1; ///< of the clip's own time; 0: as fast as the client reads
     int burst = 0;    ///< milliseconds of the clip that go out at once
+    int bundle = 0;   ///< milliseconds of the clip that are held and then sent together
     int stopAt = -1;  ///< the clip's time at which `ending` comes; -1: at its end
     Ending ending = Ending::Close;
 
@@ -37,6 +39,7 @@ class StreamServer : public QTcpServer
 
 public:
     explicit StreamServer(QObject *parent = nullptr);
+    ~StreamServer() override;
 
     bool start();
     /// "http://127.0.0.1:port" and the path.

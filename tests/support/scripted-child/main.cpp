@@ -8,9 +8,11 @@
 //
 //   print TEXT            one write; \n, \\ and \xHH stand for bytes
 //   flood COUNT TEXT      TEXT as often as that, as fast as it is read
+//   complain COUNT TEXT   the same on standard error
 //   solid W H RRGGBBAA    fills a frame of that size
 //   corners W H           a frame of four coloured quarters
 //   pace FPS TEXT         TEXT that many times a second, for good
+//   film FPS W H          frames of that size that change colour, announced, for good
 //   wait NAME             until a file of that name is in the folder
 //   until NAME TEXT       the same, and meanwhile TEXT a hundred times a second
 //   deaf                  standard input is left unread from the start
@@ -22,6 +24,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
@@ -145,27 +148,38 @@ void printUntil(const std::string &name, const std::string &text)
     }
 }
 
-void pace(int framesPerSecond, const std::string &text)
+/// Does `act` that many times a second, for good.
+template <typename Act>
+[[noreturn]] void pace(int timesPerSecond, Act act)
 {
-    const auto interval = std::chrono::microseconds(1000000 / framesPerSecond);
+    const auto interval = std::chrono::microseconds(1000000 / timesPerSecond);
     for (auto next = Clock::now();; next += interval) {
         std::this_thread::sleep_until(next);
-        writeAll(STDOUT_FILENO, text);
+        act();
     }
 }
 
-void flood(long count, const std::string &text)
+[[noreturn]] void film(int framesPerSecond, std::uint32_t *memory, std::size_t pixels)
+{
+    std::uint32_t frame = 0;
+    pace(framesPerSecond, [&] {
+        std::fill_n(memory, pixels, 0xff000000 | ++frame);
+        writeAll(STDOUT_FILENO, "frame\n");
+    });
+}
+
+void flood(int fd, long count, const std::string &text)
 {
     constexpr std::size_t blockBytes = 65536;
     std::string block;
     for (long i = 0; i < count; ++i) {
         block += text;
         if (block.size() >= blockBytes) {
-            writeAll(STDOUT_FILENO, block);
+            writeAll(fd, block);
             block.clear();
         }
     }
-    writeAll(STDOUT_FILENO, block);
+    writeAll(fd, block);
 }
 
 std::string restOf(std::istringstream &line)
@@ -182,10 +196,10 @@ void obey(const std::string &text, const char *frameFileName)
     line >> word;
     if (word == "print") {
         writeAll(STDOUT_FILENO, restOf(line));
-    } else if (word == "flood") {
+    } else if (word == "flood" || word == "complain") {
         long count = 0;
         line >> count;
-        flood(count, restOf(line));
+        flood(word == "flood" ? STDOUT_FILENO : STDERR_FILENO, count, restOf(line));
     } else if (word == "solid") {
         std::size_t width = 0;
         std::size_t height = 0;
@@ -201,7 +215,14 @@ void obey(const std::string &text, const char *frameFileName)
     } else if (word == "pace") {
         int framesPerSecond = 1;
         line >> framesPerSecond;
-        pace(framesPerSecond, restOf(line));
+        const std::string bytes = restOf(line);
+        pace(framesPerSecond, [&] { writeAll(STDOUT_FILENO, bytes); });
+    } else if (word == "film") {
+        int framesPerSecond = 1;
+        std::size_t width = 0;
+        std::size_t height = 0;
+        line >> framesPerSecond >> width >> height;
+        film(framesPerSecond, frameMemory(frameFileName), width * height);
     } else if (word == "wait") {
         waitFor(restOf(line));
     } else if (word == "until") {

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include "bench/DecodeLoop.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "companion/AvHandles.h"
+
+namespace ZorvaneClient {
+namespace Bench {
+
+using namespace Companion;
+
+namespace {
+
+constexpr int measuredPictures = 200;
+constexpr long pictureNanoseconds = 40'000'000;
+constexpr long secondNanoseconds = 1'000'000'000;
+
+CodecHandle openDecoder(const AVCodecParameters *parameters)
+{
+    const AVCodec *decoder = avcodec_find_decoder(parameters->codec_id);
+    CodecHandle codec(avcodec_alloc_context3(decoder));
+    avcodec_parameters_to_context(codec.get(), parameters);
+    codec->thread_count = 1;
+    avcodec_open2(codec.get(), decoder, nullptr);
+    return codec;
+}
+
+void sleepUntil(timespec &due)
+{
+    due.tv_nsec += pictureNanoseconds;
+    if (due.tv_nsec >= secondNanoseconds) {
+        due.tv_nsec -= secondNanoseconds;
+        ++due.tv_sec;
+    }
+    clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &due, nullptr);
+}
+
+double decodeFile(const QByteArray &path, Pace pace)
+{
+    AVFormatContext *context = avformat_alloc_context();
+    context->flags |= AVFMT_FLAG_NOPARSE | AVFMT_FLAG_NOFILLIN;
+    if (avformat_open_input(&context, path.constData(), nullptr, nullptr) < 0)
+        return 0;
+    const FormatHandle input(context);
+    const PacketHandle packet(av_packet_alloc());
+    const FrameHandle frame(av_frame_alloc());
+    CodecHandle codec;
+    int pictures = -1;
+    double started = 0;
+    timespec due = {};
+    clock_gettime(CLOCK_MONOTONIC, &due);
+    while (pictures < measuredPictures && av_read_frame(input.get(), packet.get()) >= 0) {
+        const AVStream *stream = input->streams[packet->stream_index];
+        if (stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO) {
+            if (!codec)
+                codec = openDecoder(stream->codecpar);
+            if (pace == Pace::Stream)
+                sleepUntil(due);
+            avcodec_send_packet(codec.get(), packet.get());
+            while (avcodec_receive_frame(codec.get(), frame.get()) >= 0) {
+                if (++pictures == 0)
+                    started = millisecondsOf(CLOCK_PROCESS_CPUTIME_ID);
+            }
+        }
+        av_packet_unref(packet.get());
+    }
+    return pictures > 0 ? (millisecondsOf(CLOCK_PROCESS_CPUTIME_ID) - started) / pictures : 0;
+}
+
+} // namespace
+
+double millisecondsOf(clockid_t clock)
+{
+    timespec time = {};
+    clock_gettime(clock, &time);
+    return time.tv_sec * 1e3 + time.tv_nsec / 1e6;
+}
+
+double decodeMilliseconds(const QByteArray &path, Pace pace)
+{
+    int ends[2];
+    if (pipe(ends) != 0)
+        return 0;
+    const pid_t child = fork();
+    if (child == 0) {
+        const double result = decodeFile(path, pace);
+        const ssize_t written = write(ends[1], &result, sizeof result);
+        _exit(written == sizeof result ? 0 : 1);
+    }
+    close(ends[1]);
+    double result = 0;
+    if (read(ends[0], &result, sizeof result) != sizeof result)
+        result = 0;
+    close(ends[0]);
+    waitpid(child, nullptr, 0);
+    return result;
+}
+
+} // namespace Bench
+} // namespace ZorvaneClient
