@@ -4,6 +4,8 @@
 #include <QStandardPaths>
 #include <QTransform>
 
+#include <algorithm>
+
 namespace ZorvaneClient {
 namespace API {
 namespace Internal {
@@ -33,6 +35,14 @@ QString CameraPrivate::previewFile() const
 QString CameraPrivate::rotationKey() const
 {
     return QStringLiteral("cameras/%1/%2/rotation").arg(serverId, QString::number(id));
+}
+
+void CameraPrivate::keep(const QMetaObject::Connection &connection)
+{
+    const auto isGone = [](const QMetaObject::Connection &kept) { return !kept; };
+    connections.erase(std::remove_if(connections.begin(), connections.end(), isGone),
+                      connections.end());
+    connections.append(connection);
 }
 
 } // namespace Internal

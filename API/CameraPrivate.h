@@ -29,6 +29,10 @@ public:
     QString previewFile() const;
     QString rotationKey() const;
 
+    /// Keeps a connection to a request client. Those whose client is gone make room for it, or
+    /// they would pile up while a camera is watched for weeks.
+    void keep(const QMetaObject::Connection &connection);
+
     server_id_t serverId;
     camera_id_t id = 0;
     QString name;
@@ -49,7 +53,7 @@ public:
     int rights = 0;
     QMap<QDate, QList<ArchiveRecord>> records;
     QMap<QDate, int> calendar;
-    QList<QMetaObject::Connection> connections; ///< to request clients, which outlive the camera
+    QList<QMetaObject::Connection> connections; ///< to request clients, which can outlive it
 };
 
 } // namespace Internal

@@ -26,32 +26,32 @@ void Camera::updatePreview()
 void Camera::updateCloudPreview()
 {
     auto *client = new CloudAPIClient;
-    d->connections << connect(client, &CloudAPIClient::previewReceived, client,
-                              [this, client](const QPixmap &pixmap) {
-                                  client->deleteLater();
-                                  setPreview(pixmap);
-                              });
-    d->connections << connect(client, &CloudAPIClient::previewError, client, [this, client] {
+    d->keep(connect(client, &CloudAPIClient::previewReceived, client,
+                    [this, client](const QPixmap &pixmap) {
+                        client->deleteLater();
+                        setPreview(pixmap);
+                    }));
+    d->keep(connect(client, &CloudAPIClient::previewError, client, [this, client] {
         qDebug() << "Error downloading preview";
         client->deleteLater();
         setPreview(QPixmap());
-    });
+    }));
     client->requestPreview(d->serverId, d->id);
 }
 
 void Camera::updateLocalPreview()
 {
     auto *client = new StreamerClient(host(), port());
-    d->connections << connect(client, &StreamerClient::responseReceived, client,
-                              [this, client](const QVariant &response) {
-                                  client->deleteLater();
-                                  setPreview(decodePreview(response.toByteArray()));
-                              });
-    d->connections << connect(client, &StreamerClient::error, client, [this, client] {
+    d->keep(connect(client, &StreamerClient::responseReceived, client,
+                    [this, client](const QVariant &response) {
+                        client->deleteLater();
+                        setPreview(decodePreview(response.toByteArray()));
+                    }));
+    d->keep(connect(client, &StreamerClient::error, client, [this, client] {
         qDebug() << "Error downloading preview";
         client->deleteLater();
         setPreview(QPixmap());
-    });
+    }));
 
     QVariantMap params;
     params.insert(QStringLiteral("server"), 1);
@@ -68,17 +68,17 @@ void Camera::updateTimeline(QDate date)
         return;
     }
     auto *client = new CloudAPIClient;
-    d->connections << connect(client, &CloudAPIClient::archivesReceived, client,
-                              [this, client, date](const QVariant &reply) {
-                                  client->deleteLater();
-                                  d->records[date] = archiveRecordsOfDay(reply, date);
-                                  emit recordsChanged(date);
-                              });
-    d->connections << connect(client, &CloudAPIClient::archivesError, client, [this, client] {
+    d->keep(connect(client, &CloudAPIClient::archivesReceived, client,
+                    [this, client, date](const QVariant &reply) {
+                        client->deleteLater();
+                        d->records[date] = archiveRecordsOfDay(reply, date);
+                        emit recordsChanged(date);
+                    }));
+    d->keep(connect(client, &CloudAPIClient::archivesError, client, [this, client] {
         qDebug() << "Error downloading archive list";
         client->deleteLater();
         emit recordsError();
-    });
+    }));
 
     const uint start = firstSecondOfDay(date);
     const uint end = lastSecondOfDay(date);
@@ -96,19 +96,19 @@ void Camera::updateCalendar(QDate start, QDate end)
         return;
     }
     auto *client = new CloudAPIClient;
-    d->connections << connect(client, &CloudAPIClient::archiveDatesReceived, client,
-                              [this, client, start, end](const QVariant &reply) {
-                                  client->deleteLater();
-                                  const QMap<QDate, int> counts = recordCountsByDay(reply);
-                                  for (auto it = counts.begin(); it != counts.end(); ++it) {
-                                      d->calendar.insert(it.key(), it.value());
-                                  }
-                                  emit calendarChanged(start, end);
-                              });
-    d->connections << connect(client, &CloudAPIClient::archiveDatesError, client, [client] {
+    d->keep(connect(client, &CloudAPIClient::archiveDatesReceived, client,
+                    [this, client, start, end](const QVariant &reply) {
+                        client->deleteLater();
+                        const QMap<QDate, int> counts = recordCountsByDay(reply);
+                        for (auto it = counts.begin(); it != counts.end(); ++it) {
+                            d->calendar.insert(it.key(), it.value());
+                        }
+                        emit calendarChanged(start, end);
+                    }));
+    d->keep(connect(client, &CloudAPIClient::archiveDatesError, client, [client] {
         qDebug() << "Error downloading calendar";
         client->deleteLater();
-    });
+    }));
 
     const uint first = firstSecondOfDay(start);
     const uint last = lastSecondOfDay(end);

@@ -14,7 +14,7 @@ namespace API {
 
 /// The program's gateway to the service. Session, roster and layouts are process-wide; an
 /// object of this class is a handle without data, and its signals tell of the requests made
-/// through it only. A handle may die while a request is out: the reply is then dropped.
+/// through it only. A handle may die while a request is out: nobody then hears of the reply.
 /// GUI thread only.
 class CloudAPIClient : public QObject
 {
@@ -101,6 +101,7 @@ private slots:
     void onNewRosterReceived(QVariant roster);
 
 private:
+    void requestRoster();
     void readLayoutsCache();
     void onLayoutsReceived(const QVariant &response);
 };

@@ -7,6 +7,7 @@
 
 #include "API/CloudData.h"
 #include "API/CloudExchange.h"
+#include "API/PreviewImage.h"
 #include "API/RestClient.h"
 #include "API/StreamerClient.h"
 
@@ -48,10 +49,8 @@ void CloudAPIClient::requestPreview(server_id_t serverID, camera_id_t cameraID)
     watchExchange(
         client, OnError::Keep,
         [self](const QVariant &response) {
-            QPixmap preview;
-            preview.loadFromData(response.toByteArray(), "JPEG");
             if (self)
-                emit self->previewReceived(preview);
+                emit self->previewReceived(decodePreview(response.toByteArray(), "JPEG"));
         },
         [self](int, int) {
             if (self)

@@ -8,9 +8,15 @@ namespace ZorvaneClient {
 namespace API {
 namespace Internal {
 
-/// What becomes of the client object when its request fails. A kept one stays until the
-/// process ends; it holds no connection.
+/// What becomes of the client object when its request fails.
 enum class OnError { Keep, Release };
+
+/// How many clients of failed requests are kept, in all.
+constexpr int maximumKeptClients = 1000;
+
+/// Leaves a client without connections behind after a failure. When there are too many of them
+/// the oldest is released: an outage of days would leave tens of thousands.
+void keepFailedClient(QObject *client);
 
 /// Hands the outcome of a one-shot exchange to one of two functors. `client` is a RestClient
 /// or StreamerClient that lives until its reply.
@@ -26,6 +32,8 @@ void watchExchange(Client *client, OnError onError, Received received, Failed fa
                      [client, onError, failed](int errorCode, int httpStatus) {
                          if (onError == OnError::Release)
                              client->deleteLater();
+                         else
+                             keepFailedClient(client);
                          failed(errorCode, httpStatus);
                      });
 }

@@ -7,9 +7,11 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QMutexLocker>
+#include <QPointer>
 #include <QSet>
 
 #include "API/CloudData.h"
+#include "API/CloudExchange.h"
 #include "API/LocalServer.h"
 #include "API/PrivateFile.h"
 #include "API/RestClient.h"
@@ -20,6 +22,8 @@ namespace ZorvaneClient {
 namespace API {
 
 using Internal::cloudData;
+using Internal::OnError;
+using Internal::watchExchange;
 
 namespace {
 
@@ -64,21 +68,32 @@ void CloudAPIClient::updateRoster()
         fresh = !cloudData.servers.isEmpty() && Internal::isFresh(cloudData.lastRosterUpdate);
         if (!fresh) {
             loadLocalRoster();
-            qDebug() << "Requesting roster";
-            cloudData.lastRosterUpdate = App::Environment::now();
-            auto *client = new RestClient;
-            connect(client, &RestClient::error, this, [this] { emit rosterUpdateError(); });
-            connect(client, &RestClient::responseReceived, this,
-                    &CloudAPIClient::onNewRosterReceived);
-            client->request(QStringLiteral("public/roster"),
-                            {{QStringLiteral("sessionId"), cloudData.sessionId}},
-                            QNetworkAccessManager::GetOperation);
+            requestRoster();
         }
     }
     if (fresh) {
         qDebug() << "Roster: Shortcut";
         emit rosterUpdated();
     }
+}
+
+void CloudAPIClient::requestRoster()
+{
+    qDebug() << "Requesting roster";
+    cloudData.lastRosterUpdate = App::Environment::now();
+    const QPointer<CloudAPIClient> self(this);
+    auto *client = new RestClient;
+    // Releases the client even when this handle is gone by the time of the reply.
+    watchExchange(
+        client, OnError::Keep, [](const QVariant &) {},
+        [self](int, int) {
+            if (self)
+                emit self->rosterUpdateError();
+        });
+    connect(client, &RestClient::responseReceived, this, &CloudAPIClient::onNewRosterReceived);
+    client->request(QStringLiteral("public/roster"),
+                    {{QStringLiteral("sessionId"), cloudData.sessionId}},
+                    QNetworkAccessManager::GetOperation);
 }
 
 void CloudAPIClient::onNewRosterReceived(QVariant roster)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "API/HTTPClient.h"
 
+#include <QCoreApplication>
 #include <QDebug>
 #include <QJsonDocument>
 #include <QNetworkProxy>
@@ -57,7 +58,8 @@ QUrl withLeadingSlashesKept(const QUrl &url)
     if (lost <= 0)
         return url;
     QUrl kept = url;
-    kept.setPath(QString(lost, QLatin1Char('/')) + path);
+    // The text is encoded already: taken for decoded, its percent signs would be encoded again.
+    kept.setPath(QString(lost, QLatin1Char('/')) + path, QUrl::TolerantMode);
     return kept;
 }
 
@@ -81,8 +83,35 @@ bool isFollowable(const QUrl &target)
 
 } // namespace
 
+QSet<HTTPClient *> &HTTPClient::living()
+{
+    // Never freed: clients may die with the statics.
+    static auto *clients = new QSet<HTTPClient *>;
+    return *clients;
+}
+
+// A manager works in a thread of its own. One that runs on while the process takes its statics
+// down can crash it.
+void HTTPClient::closeAllConnections()
+{
+    for (HTTPClient *client : qAsConst(living())) {
+        for (QNetworkReply *reply : qAsConst(client->replies)) {
+            reply->disconnect(client);
+            reply->abort();
+            // The thread may be waiting for an answer to one of these, and nobody gives it now.
+            QCoreApplication::removePostedEvents(reply);
+        }
+        client->manager.clearConnectionCache();
+    }
+}
+
 HTTPClient::HTTPClient(QString host, int port, bool ssl, bool useProxy)
 {
+    if (living().isEmpty()) {
+        qRemovePostRoutine(closeAllConnections);
+        qAddPostRoutine(closeAllConnections);
+    }
+    living().insert(this);
     url.setScheme(ssl ? QStringLiteral("https") : QStringLiteral("http"));
     setAddress(host, port);
     if (!useProxy) {
@@ -99,6 +128,7 @@ HTTPClient::HTTPClient(QString host, bool ssl, bool useProxy) : HTTPClient(host,
 
 HTTPClient::~HTTPClient()
 {
+    living().remove(this);
     for (QNetworkReply *reply : qAsConst(replies)) {
         reply->disconnect(this);
         reply->deleteLater();

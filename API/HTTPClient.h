@@ -5,6 +5,7 @@
 #include <QList>
 #include <QNetworkAccessManager>
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QUrl>
 #include <QVariant>
@@ -16,7 +17,8 @@ namespace API {
 
 /// One exchange with one host over HTTP: sends a request, follows redirects and ends in
 /// finished() or error(). No time-out and no retry; a reply that is still running when its
-/// client dies is dropped without a signal. One request at a time.
+/// client dies is dropped without a signal. One request at a time. The end of the application
+/// object ends what clients that are left still have running.
 class HTTPClient : public QObject
 {
     Q_OBJECT
@@ -57,6 +59,9 @@ private slots:
     void httpError();
 
 private:
+    static QSet<HTTPClient *> &living();
+    static void closeAllConnections();
+
     void setRequestUrl(const QString &path, const QVariantMap &params);
     void track(QNetworkReply *reply);
     void followRedirect(const QUrl &target);

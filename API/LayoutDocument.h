@@ -17,7 +17,7 @@ namespace Internal {
 struct LayoutBounds {
     static constexpr qint64 documentBytes = 16 * 1024 * 1024;
     static constexpr int layouts = 1000;
-    static constexpr int gridSide = 64; ///< rows, columns and spans
+    static constexpr int gridSide = 32; ///< rows, columns and spans
     static constexpr int nameLength = 1000;
 };
 

@@ -61,8 +61,7 @@ int screenNumber(const QWidget *window)
 
 } // namespace
 
-Application::Application(int &argc, char **argv)
-    : QApplication(withHighDensityPictures(argc), argv)
+Application::Application(int &argc, char **argv) : QApplication(withHighDensityPictures(argc), argv)
 {
     setApplicationName(QStringLiteral("Zorvane Client"));
     setApplicationVersion(QStringLiteral("6.0.1.114"));
@@ -76,7 +75,10 @@ Application::Application(int &argc, char **argv)
 
 Application::~Application()
 {
-    qDeleteAll(mainWindows);
+    // What a window still says while it dies must find no window that is dead already.
+    const QList<GUI::MainWindow *> windows = mainWindows;
+    mainWindows.clear();
+    qDeleteAll(windows);
     delete loginDialog;
 }
 
@@ -165,8 +167,7 @@ void Application::connectMainWindow(GUI::MainWindow *mainWindow)
 {
     using GUI::MainWindow;
     connect(mainWindow, &MainWindow::signout, this, &Application::mainWindowSignout);
-    connect(mainWindow, &MainWindow::clone, this,
-            QOverload<>::of(&Application::createMainWindow));
+    connect(mainWindow, &MainWindow::clone, this, QOverload<>::of(&Application::createMainWindow));
     connect(mainWindow, QOverload<API::CameraPtr>::of(&MainWindow::openInNewWindow), this,
             QOverload<API::CameraPtr>::of(&Application::createMainWindow));
     connect(mainWindow, QOverload<API::LayoutPtr>::of(&MainWindow::openInNewWindow), this,

@@ -14,8 +14,9 @@ constexpr int languageCodeLength = 2;
 
 void loadTranslator(QTranslator *translator, const QString &pattern, const QString &code)
 {
-    const bool loaded =
-        translator->load(pattern.arg(code), QString(), QString(), QString(QLatin1String("")));
+    // Empty, not null: null would let the toolkit try shorter names and a suffix of its own.
+    const QString none(QLatin1String(""));
+    const bool loaded = translator->load(pattern.arg(code), none, none, none);
     Q_UNUSED(loaded)
 }
 

@@ -5,6 +5,7 @@
 #include <QJsonObject>
 
 #include "API/Camera.h"
+#include "API/CameraPrivate.h"
 #include "API/CloudData.h"
 #include "API/LocalServer.h"
 #include "API/Server.h"
@@ -78,6 +79,7 @@ private slots:
     void localAddress();
     void localRotation();
     void equality();
+    void finishedRequestsAreLetGo();
 };
 
 void CameraTest::cleanup()
@@ -305,6 +307,26 @@ void CameraTest::equality()
     QVERIFY(a->globalId() != c->globalId());
     b->setName(QStringLiteral("Yard"));
     QVERIFY(!(*a == *b));
+}
+
+void CameraTest::finishedRequestsAreLetGo()
+{
+    Internal::CameraPrivate state;
+    const QObject running;
+    const auto keep = [&state](const QObject *client) {
+        state.keep(connect(client, &QObject::objectNameChanged, client, [] {}));
+    };
+    keep(&running);
+    for (int i = 0; i < 100; ++i) {
+        const QObject finished;
+        keep(&finished);
+    }
+    keep(&running);
+    // What is still out can still be cut when the camera dies.
+    QCOMPARE(state.connections.size(), 2);
+    for (const QMetaObject::Connection &connection : qAsConst(state.connections)) {
+        QVERIFY(disconnect(connection));
+    }
 }
 
 QTEST_MAIN(CameraTest)

@@ -5,6 +5,7 @@
 #include <QPixmap>
 #include <QSignalSpy>
 #include <QTest>
+#include <QtEndian>
 
 #include "API/Layout.h"
 #include "API/Server.h"
@@ -26,6 +27,17 @@ QByteArray jpeg()
     QBuffer buffer(&bytes);
     image.save(&buffer, "JPEG");
     return bytes;
+}
+
+// A small file whose header promises a picture of this size.
+QByteArray jpegClaiming(quint16 side)
+{
+    constexpr int heightOffset = 5; // behind marker, length and precision; the width follows
+    QByteArray bytes = jpeg();
+    const auto frameHeader = bytes.indexOf("\xff\xc0");
+    QByteArray number(2, '\0');
+    qToBigEndian(side, number.data());
+    return bytes.replace(frameHeader + heightOffset, 4, number + number);
 }
 
 } // namespace
@@ -75,6 +87,8 @@ void CloudCameraRequestsTest::preview_data()
     QTest::addColumn<QSize>("size");
     QTest::newRow("picture") << jpeg() << QSize(32, 24);
     QTest::newRow("no picture") << QByteArray("busy") << QSize(0, 0);
+    QTest::newRow("other size") << jpegClaiming(64) << QSize(64, 64);
+    QTest::newRow("far too large") << jpegClaiming(8000) << QSize(0, 0);
     QTest::newRow("another format") << QByteArray("GIF89a\x01") << QSize(0, 0);
 }
 
@@ -212,26 +226,33 @@ void CloudCameraRequestsTest::archiveFails()
 
 void CloudCameraRequestsTest::rotation_data()
 {
+    QTest::addColumn<QString>("server");
     QTest::addColumn<int>("angle");
+    QTest::addColumn<QByteArray>("path");
     QTest::addColumn<QByteArray>("body");
-    QTest::newRow("clockwise") << 90 << QByteArray("degrees=90&sessionId=abc");
-    QTest::newRow("back") << -90 << QByteArray("degrees=-90&sessionId=abc");
+    const QByteArray path = "//public/servers/s1/cameras/7/rotation";
+    QTest::newRow("clockwise") << "s1" << 90 << path << QByteArray("degrees=90&sessionId=abc");
+    QTest::newRow("back") << "s1" << -90 << path << QByteArray("degrees=-90&sessionId=abc");
+    QTest::newRow("server to be encoded")
+        << "s 1%2&" << 90 << QByteArray("//public/servers/s%201%252&/cameras/7/rotation")
+        << QByteArray("degrees=90&sessionId=abc");
 }
 
 void CloudCameraRequestsTest::rotation()
 {
+    QFETCH(QString, server);
     QFETCH(int, angle);
+    QFETCH(QByteArray, path);
     QFETCH(QByteArray, body);
 
-    service.succeed("POST", "//public/servers/s1/cameras/7/rotation", "null");
+    service.succeed("POST", path, "null");
     CloudAPIClient client;
     QSignalSpy ok(&client, &CloudAPIClient::ok);
     QTest::ignoreMessage(QtDebugMsg, "Rotation saved to API");
-    client.setCameraRotation({QStringLiteral("s1"), 7}, angle);
+    client.setCameraRotation({server, 7}, angle);
     QTRY_COMPARE(ok.count(), 1);
     const WireRequest request = service.requests().constFirst();
-    QCOMPARE(request.requestLine(),
-             QByteArray("POST //public/servers/s1/cameras/7/rotation HTTP/1.1"));
+    QCOMPARE(request.requestLine(), "POST " + path + " HTTP/1.1");
     QCOMPARE(request.body, body);
 }
 

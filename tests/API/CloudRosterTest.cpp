@@ -49,6 +49,7 @@ private slots:
     void failureKeepsTheRoster();
     void secondHandleHearsAtOnce();
     void rosterCanBeReadWhileItChanges();
+    void replyToADeadHandleHoldsNothing();
 
 private:
     void setTime(int seconds);
@@ -273,6 +274,19 @@ void CloudRosterTest::rosterCanBeReadWhileItChanges()
     service.succeed("GET", "/public/roster", R"({"1":{"id":"s1","name":"Renamed"}})");
     update(&client);
     QCOMPARE(seen, QStringList({"s1", "0"}));
+}
+
+// The server leaves the connection open; only who asked can close it.
+void CloudRosterTest::replyToADeadHandleHoldsNothing()
+{
+    WireReply reply = WireReply::json("{\"success\":true,\"response\":" + oneServer + "}");
+    reply.bytes.replace("Connection: close\r\n", "");
+    reply.ending = WireReply::Ending::KeepOpen;
+    service.answer("GET", "/public/roster", reply);
+    CloudAPIClient().updateRoster();
+    QTRY_COMPARE(service.requestsTo("/public/roster").size(), 1);
+    QTRY_COMPARE(service.server().openConnections(), 0);
+    QVERIFY(CloudAPIClient::serverList().isEmpty());
 }
 
 QTEST_MAIN(CloudRosterTest)

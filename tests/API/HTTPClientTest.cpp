@@ -217,6 +217,9 @@ void HTTPClientTest::requestOnTheWire_data()
     QTest::newRow("three slashes")
         << "GET"
         << "///a//b" << QVariantMap{{"x", "y"}} << true << QByteArray("GET ///a//b?x=y HTTP/1.1");
+    QTest::newRow("two slashes before what must be encoded")
+        << "GET" << QString::fromUtf8("//a b%41/Ж") << QVariantMap() << true
+        << QByteArray("GET //a%20b%2541/%D0%96 HTTP/1.1");
     QTest::newRow("key order")
         << "GET"
         << "//preview/live"

@@ -1,0 +1,393 @@
+// SPDX-License-Identifier: MIT
+#include <QLineEdit>
+#include <QLocale>
+#include <QPointer>
+#include <QPushButton>
+#include <QSlider>
+#include <QTimer>
+#include <QtTest>
+
+#include "API/Camera.h"
+#include "API/CloudAPIClient.h"
+#include "API/Layout.h"
+#include "API/Server.h"
+#include "App/Application.h"
+#include "App/ServiceProfile.h"
+#include "App/Settings.h"
+#include "GUI/ControlPanel.h"
+#include "GUI/LayoutWidget.h"
+#include "GUI/LoginDialog.h"
+#include "GUI/MainWindow.h"
+#include "GUI/Player/VideoWidget.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/MisbehavingServer.h"
+#include "tests/support/Roster.h"
+
+using namespace ZorvaneClient;
+using namespace ZorvaneClient::Tests;
+using App::Application;
+using GUI::MainWindow;
+
+/// The real application object and its real windows.
+class ApplicationTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void languageOfTheSettingWins_data();
+    void languageOfTheSettingWins();
+    void languageIsLoadedOnceAndStoredEachTime();
+    void signInOpensTheFirstWindow();
+    void aSecondCallShowsTheSameDialog();
+    void firstWindowTakesTheStoredGeometry();
+    void cloneStandsThirtyPixelsOff();
+    void cameraAndLayoutOpenInWindowsOfTheirOwn();
+    void soundIsSharedByAllWindows();
+    void activeCameraIsSharedByAllWindows();
+    void signOutClosesAllWindows();
+    void signOutEndsAQuestion();
+    void onlyTheLastWindowToCloseQuits();
+    void restartLeavesTheEventLoop();
+
+private:
+    MainWindow *openWindow();
+};
+
+namespace {
+
+constexpr int deadlineMs = 20000;
+
+Application *application()
+{
+    return qobject_cast<Application *>(qApp);
+}
+
+template <typename T>
+QList<T *> visibleTopLevels()
+{
+    QList<T *> found;
+    const QWidgetList widgets = QApplication::topLevelWidgets();
+    for (QWidget *widget : widgets) {
+        auto *match = qobject_cast<T *>(widget);
+        if (match && match->isVisible())
+            found.append(match);
+    }
+    return found;
+}
+
+int widgetsLeft()
+{
+    int count = 0;
+    const QWidgetList widgets = QApplication::allWidgets();
+    for (const QWidget *widget : widgets) {
+        const bool isOfAWindow = qobject_cast<const MainWindow *>(widget) ||
+                                 qobject_cast<const GUI::Player::VideoWidget *>(widget);
+        count += isOfAWindow ? 1 : 0;
+    }
+    return count;
+}
+
+API::CameraPtr camera(int number)
+{
+    return rosterCamera(QStringLiteral("s"), number);
+}
+
+API::LayoutPtr layoutOf(const QList<API::CameraPtr> &cameras)
+{
+    const auto layout = API::LayoutPtr::create();
+    layout->resize(1, 3);
+    int column = 0;
+    for (const API::CameraPtr &shown : cameras)
+        layout->setCamera(shown, 0, column++, 1, 1);
+    return layout;
+}
+
+GUI::LayoutWidget *gridOf(MainWindow *window)
+{
+    return window->findChild<GUI::LayoutWidget *>();
+}
+
+GUI::ControlPanel *panelOf(MainWindow *window)
+{
+    return window->findChild<GUI::ControlPanel *>();
+}
+
+QString setting(const char *key)
+{
+    return App::settings().value(QLatin1String(key)).toString();
+}
+
+} // namespace
+
+void ApplicationTest::initTestCase()
+{
+    // So that the end comes from the list of windows alone.
+    QApplication::setQuitOnLastWindowClosed(false);
+    App::ServiceProfile profile;
+    profile.apiHost = profile.streamingHost = QStringLiteral("127.0.0.1");
+    profile.apiPort = profile.streamingPort = MisbehavingServer::deadPort();
+    App::ServiceProfile::setCurrent(profile);
+}
+
+void ApplicationTest::init()
+{
+    addServerToRoster(QStringLiteral("s"), {"a", "b", "c"});
+    App::settings().setValue(QStringLiteral("mainWindow/geometry"), QByteArray());
+    App::settings().setValue(QStringLiteral("sound/volume"), 50);
+    App::settings().setValue(QStringLiteral("sound/on"), true);
+}
+
+void ApplicationTest::cleanup()
+{
+    const QList<MainWindow *> windows = visibleTopLevels<MainWindow>();
+    if (!windows.isEmpty())
+        emit windows.first()->signout();
+    const QList<GUI::LoginDialog *> dialogs = visibleTopLevels<GUI::LoginDialog>();
+    for (GUI::LoginDialog *dialog : dialogs)
+        dialog->close();
+    QTRY_COMPARE(widgetsLeft(), 0);
+}
+
+MainWindow *ApplicationTest::openWindow()
+{
+    const QList<MainWindow *> before = visibleTopLevels<MainWindow>();
+    application()->createMainWindow();
+    const QList<MainWindow *> windows = visibleTopLevels<MainWindow>();
+    for (MainWindow *window : windows) {
+        if (!before.contains(window))
+            return window;
+    }
+    return nullptr;
+}
+
+void ApplicationTest::languageOfTheSettingWins_data()
+{
+    QTest::addColumn<QString>("setting");
+    QTest::addColumn<QLocale>("locale");
+    QTest::addColumn<QString>("language");
+    const QLocale russian(QLocale::Russian, QLocale::Kazakhstan);
+    const QLocale german(QLocale::German);
+    QTest::newRow("Russian system") << QString() << russian << "ru";
+    QTest::newRow("any other system") << QString() << german << "en";
+    QTest::newRow("Russian chosen") << "ru" << german << "ru";
+    QTest::newRow("English chosen") << "en" << russian << "en";
+    QTest::newRow("as it was given") << "ru_RU" << german << "ru_RU";
+}
+
+void ApplicationTest::languageOfTheSettingWins()
+{
+    QFETCH(QString, setting);
+    QFETCH(QLocale, locale);
+    QFETCH(QString, language);
+    const QString key = QStringLiteral("common/language");
+    App::settings().setValue(key, setting.isNull() ? QVariant() : QVariant(setting));
+    const QLocale before;
+    QLocale::setDefault(locale);
+    const QString found = application()->language();
+    QLocale::setDefault(before);
+    App::settings().setValue(key, QVariant());
+    QCOMPARE(found, language);
+}
+
+void ApplicationTest::languageIsLoadedOnceAndStoredEachTime()
+{
+    application()->translate(QStringLiteral("en"));
+    const LogCapture log;
+    const QString line = QStringLiteral("Loading language:");
+    application()->translate(QStringLiteral("ru_RU"));
+    QCOMPARE(setting("common/language"), QStringLiteral("ru_RU"));
+    QCOMPARE(log.linesOf(line), QStringList{QStringLiteral("Loading language: \"ru\"")});
+    application()->translate(QStringLiteral("ru"));
+    QCOMPARE(setting("common/language"), QStringLiteral("ru"));
+    QCOMPARE(log.linesOf(line).size(), 1);
+    application()->translate(QStringLiteral("en"));
+    QCOMPARE(setting("common/language"), QStringLiteral("en"));
+    QCOMPARE(log.linesOf(line).size(), 2);
+    QVERIFY(log.lines().last().contains(QStringLiteral("\"en\"")));
+}
+
+void ApplicationTest::signInOpensTheFirstWindow()
+{
+    application()->startLogin();
+    const QPointer<GUI::LoginDialog> dialog = visibleTopLevels<GUI::LoginDialog>().value(0);
+    QVERIFY(dialog);
+    QVERIFY(!API::CloudAPIClient::serverList().isEmpty());
+    emit dialog->loginSuccessful();
+    QVERIFY(!dialog->isVisible());
+    QTRY_VERIFY(!dialog);
+    QCOMPARE(visibleTopLevels<MainWindow>().size(), 1);
+    QVERIFY(API::CloudAPIClient::serverList().isEmpty());
+}
+
+void ApplicationTest::aSecondCallShowsTheSameDialog()
+{
+    application()->startLogin();
+    GUI::LoginDialog *dialog = visibleTopLevels<GUI::LoginDialog>().value(0);
+    dialog->hide();
+    application()->startLogin();
+    QCOMPARE(visibleTopLevels<GUI::LoginDialog>(), QList<GUI::LoginDialog *>{dialog});
+}
+
+void ApplicationTest::firstWindowTakesTheStoredGeometry()
+{
+    MainWindow *window = openWindow();
+    QCOMPARE(window->size(), QSize(1100, 650));
+    window->setGeometry(40, 50, 960, 540);
+    QTimer::singleShot(0, window, [window] { window->close(); });
+    QCOMPARE(Application::exec(), 0);
+    QCOMPARE(widgetsLeft(), 0);
+    window = openWindow();
+    QCOMPARE(window->geometry(), QRect(40, 50, 960, 540));
+    // Only the first: a window that no other window asked for has the size of its own.
+    QCOMPARE(openWindow()->size(), QSize(1100, 650));
+}
+
+void ApplicationTest::cloneStandsThirtyPixelsOff()
+{
+    QCOMPARE(QGuiApplication::screens().size(), 1);
+    MainWindow *window = openWindow();
+    window->setGeometry(20, 30, 970, 550);
+    emit window->clone();
+    QCOMPARE(visibleTopLevels<MainWindow>().size(), 2);
+    const QList<MainWindow *> windows = visibleTopLevels<MainWindow>();
+    MainWindow *clone = windows.first() == window ? windows.last() : windows.first();
+    QCOMPARE(clone->geometry(), QRect(50, 60, 970, 550));
+}
+
+void ApplicationTest::cameraAndLayoutOpenInWindowsOfTheirOwn()
+{
+    MainWindow *window = openWindow();
+    QCOMPARE(application()->playerCount(), 0);
+    QCOMPARE(application()->cellCount(), 1);
+    emit window->openInNewWindow(camera(1));
+    QCOMPARE(visibleTopLevels<MainWindow>().size(), 2);
+    QCOMPARE(application()->playerCount(), 1);
+    QCOMPARE(application()->cellCount(), 2);
+    emit window->openInNewWindow(layoutOf({camera(2), camera(3)}));
+    QCOMPARE(visibleTopLevels<MainWindow>().size(), 3);
+    QCOMPARE(application()->playerCount(), 3);
+    QCOMPARE(application()->cellCount(), 5);
+    QCOMPARE(window->playerCount(), 0);
+}
+
+void ApplicationTest::soundIsSharedByAllWindows()
+{
+    MainWindow *first = openWindow();
+    MainWindow *second = openWindow();
+    panelOf(first)->findChild<QSlider *>(QStringLiteral("soundSlider"))->setValue(23);
+    QCOMPARE(panelOf(second)->volume(), 23);
+    QCOMPARE(panelOf(first)->volume(), 23);
+    auto *button = panelOf(second)->findChild<QPushButton *>(QStringLiteral("soundButton"));
+    button->click();
+    QVERIFY(!panelOf(first)->isSoundEnabled());
+    QVERIFY(!panelOf(second)->isSoundEnabled());
+    button->click();
+    QVERIFY(panelOf(first)->isSoundEnabled());
+    QCOMPARE(setting("sound/on"), QStringLiteral("true"));
+}
+
+void ApplicationTest::activeCameraIsSharedByAllWindows()
+{
+    MainWindow *first = openWindow();
+    MainWindow *second = openWindow();
+    MainWindow *third = openWindow();
+    first->openLayout(layoutOf({camera(1), camera(2)}));
+    second->openLayout(layoutOf({camera(3), camera(1)}));
+    third->openLayout(layoutOf({camera(2)}));
+    QList<QPair<MainWindow *, API::CameraPtr>> told;
+    for (MainWindow *window : {first, second, third})
+        connect(window, &MainWindow::cameraActivated, window,
+                [&told, window](API::CameraPtr activated) {
+                    told.append({window, activated});
+                });
+    emit gridOf(first)->player(camera(1))->clicked(camera(1));
+    QCOMPARE(told.size(), 2);
+    QVERIFY(told.contains({first, camera(1)}));
+    QVERIFY(told.contains({second, camera(1)}));
+    // The third window has lost its active camera, so the next click there counts.
+    told.clear();
+    emit gridOf(third)->player(camera(2))->clicked(camera(2));
+    QVERIFY(told.contains({third, camera(2)}));
+    QVERIFY(told.contains({first, camera(2)}));
+    QCOMPARE(told.size(), 2);
+}
+
+void ApplicationTest::signOutClosesAllWindows()
+{
+    App::settings().setValue(QStringLiteral("auth/email"), QStringLiteral("a@b.example"));
+    App::settings().setValue(QStringLiteral("auth/password"), QStringLiteral("secret"));
+    App::settings().setValue(QStringLiteral("auth/saveAuth"), QStringLiteral("a@b.example"));
+    MainWindow *window = openWindow();
+    openWindow()->openLayout(layoutOf({camera(1), camera(2)}));
+    openWindow()->openCamera(camera(3));
+    QCOMPARE(application()->playerCount(), 3);
+    emit window->signout();
+    QCOMPARE(application()->playerCount(), 0);
+    QCOMPARE(visibleTopLevels<GUI::LoginDialog>().size(), 1);
+    QTRY_COMPARE(widgetsLeft(), 0);
+    QCOMPARE(setting("auth/email"), QStringLiteral("a@b.example"));
+    QCOMPARE(setting("auth/password"), QString());
+    QCOMPARE(setting("auth/saveAuth"), QString());
+    QVERIFY(API::CloudAPIClient::serverList().isEmpty());
+    auto *dialog = visibleTopLevels<GUI::LoginDialog>().first();
+    QCOMPARE(dialog->findChild<QLineEdit *>(QStringLiteral("emailLn"))->text(),
+             QStringLiteral("a@b.example"));
+    QCOMPARE(dialog->findChild<QLineEdit *>(QStringLiteral("passwordLn"))->text(), QString());
+}
+
+void ApplicationTest::signOutEndsAQuestion()
+{
+    MainWindow *other = openWindow();
+    const QPointer<MainWindow> asking = openWindow();
+    asking->openLayout(layoutOf({camera(1)}));
+    asking->addToLayout(camera(2));
+    bool wasAsking = false;
+    QTimer::singleShot(0, asking, [&] {
+        wasAsking = QApplication::activeModalWidget() != nullptr;
+        emit other->signout();
+    });
+    asking->openCamera(camera(3));
+    QVERIFY(wasAsking);
+    QTRY_VERIFY(!asking);
+    QTRY_COMPARE(widgetsLeft(), 0);
+    QCOMPARE(visibleTopLevels<GUI::LoginDialog>().size(), 1);
+}
+
+void ApplicationTest::onlyTheLastWindowToCloseQuits()
+{
+    MainWindow *first = openWindow();
+    MainWindow *second = openWindow();
+    bool wentOn = false;
+    QTimer::singleShot(0, first, [first] { first->close(); });
+    connect(first, &QObject::destroyed, second, [&wentOn, second] {
+        QTimer::singleShot(0, second, [&wentOn, second] {
+            wentOn = true;
+            second->close();
+        });
+    });
+    QTimer::singleShot(deadlineMs, first, [] { QCoreApplication::exit(1); });
+    QTimer::singleShot(deadlineMs, second, [] { QCoreApplication::exit(1); });
+    QCOMPARE(Application::exec(), 0);
+    QVERIFY(wentOn);
+    QCOMPARE(widgetsLeft(), 0);
+}
+
+void ApplicationTest::restartLeavesTheEventLoop()
+{
+    QTimer::singleShot(0, application(), &Application::restart);
+    QTimer::singleShot(deadlineMs, this, [] { QCoreApplication::exit(1); });
+    QCOMPARE(Application::exec(), -666);
+}
+
+int main(int argc, char **argv)
+{
+    Application application(argc, argv);
+    application.setStyleSheet(Application::globalStyleSheet());
+    ApplicationTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "ApplicationTest.moc"
