@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/ControlPanel.h"
 
+#include <QCoreApplication>
 #include <QGraphicsOpacityEffect>
 #include <QMenu>
 #include <QRadioButton>
@@ -40,21 +41,21 @@ void setStyleProperty(QWidget *widget, const char *name, const QString &value)
 
 } // namespace
 
-ControlPanel::ControlPanel(QWidget *parent)
-    : QStackedWidget(parent)
-    , ui(new Ui::ControlPanel)
+ControlPanel::ControlPanel(QWidget *parent) : QStackedWidget(parent), ui(new Ui::ControlPanel)
 {
     ui->setupUi(this);
     ui->speedSelector->installEventFilter(this);
     ui->soundControl->installEventFilter(this);
     ui->speedSelector->hide();
+    ui->soundSlider->setAccessibleName(
+        QCoreApplication::translate("CameraSettingsDialog", "Sound"));
 
     const int storedVolume = App::settings().value(volumeKey, defaultVolume).toInt();
     const bool soundOn = App::settings().value(soundKey, true).toBool();
     setSoundVolume(storedVolume);
     enableSound(soundOn);
 
-    ui->speedButton->setProperty("acc", QStringLiteral("no"));
+    setStyleProperty(ui->speedButton, "acc", QStringLiteral("no"));
     hideSpeedSlider();
     ui->soundSlider->hide();
     setTime(App::Environment::now());
@@ -88,7 +89,7 @@ QWidgetAction *ControlPanel::createQualityMenuItem(QString text, bool checked)
     button->setStyleSheet(QStringLiteral(
         "QRadioButton { padding: 10px; }"
         "QRadioButton:hover { background-color: rgb(62, 183, 253); color: white; }"
-        "QRadioButton::indicator { image: none; }"
+        "QRadioButton::indicator { width: 16px; height: 16px; image: none; }"
         "QRadioButton::indicator:checked { image: url(:/mainwidget/icons/dropdownCheck.png); }"
         "QRadioButton::indicator:checked:hover {"
         " image: url(:/mainwidget/icons/dropdownCheck_hover.png); }"));
@@ -105,10 +106,8 @@ void ControlPanel::connectButtons()
     connect(ui->goLiveButton, &Button::clicked, this, &ControlPanel::liveButtonClicked);
     connect(ui->exportModeButton, &Button::clicked, this, &ControlPanel::exportModeButtonClicked);
     connect(ui->cancelButton, &Button::clicked, this, &ControlPanel::cancelExportButtonClicked);
-    connect(ui->showRecordsButton, &Button::clicked, this,
-            &ControlPanel::showRecordsButtonClicked);
-    connect(ui->hideRecordsButton, &Button::clicked, this,
-            &ControlPanel::hideRecordsButtonClicked);
+    connect(ui->showRecordsButton, &Button::clicked, this, &ControlPanel::showRecordsButtonClicked);
+    connect(ui->hideRecordsButton, &Button::clicked, this, &ControlPanel::hideRecordsButtonClicked);
     connect(ui->exportButton, &Button::clicked, this, &ControlPanel::exportButtonClicked);
     connect(ui->fullscreenButton, &Button::clicked, this, &ControlPanel::fullscreenButtonClicked);
     connect(ui->pauseButton, &Button::clicked, this, &ControlPanel::pause);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/InfoPanel.h"
 
+#include <QCoreApplication>
 #include <QMenu>
 #include <QPainter>
 #include <QStyleOption>
@@ -18,11 +19,10 @@ constexpr int popupGapPixels = 5;
 
 } // namespace
 
-InfoPanel::InfoPanel(QWidget *parent)
-    : QWidget(parent)
-    , ui(new Ui::InfoPanel)
+InfoPanel::InfoPanel(QWidget *parent) : QWidget(parent), ui(new Ui::InfoPanel)
 {
     ui->setupUi(this);
+    ui->settingsButton->setAccessibleName(QCoreApplication::translate("VideoWidget", "Options"));
     setProperty("modified", false);
     connect(ui->saveLayoutButton, &QPushButton::clicked, this, &InfoPanel::layoutSaved);
     connect(ui->cancelLayoutButton, &QPushButton::clicked, this, &InfoPanel::layoutCancelled);
@@ -49,6 +49,8 @@ int InfoPanel::mode() const
 void InfoPanel::setTitle(QString title)
 {
     ui->layoutNameEdit->setText(title);
+    // A name too long for its field shows how it begins.
+    ui->layoutNameEdit->setCursorPosition(0);
 }
 
 void InfoPanel::hideShowButton()
@@ -64,7 +66,7 @@ void InfoPanel::showShowButton()
 void InfoPanel::setCurrentLayout(API::LayoutPtr layout)
 {
     currentLayout = layout;
-    setTitle(layout->name());
+    setTitle(layout ? layout->name() : QString());
     enterViewMode();
 }
 
@@ -114,6 +116,7 @@ void InfoPanel::showReadOnlyName()
     ui->layoutNameEdit->setReadOnly(true);
     ui->layoutNameEdit->setFocusPolicy(Qt::NoFocus);
     ui->layoutNameEdit->clearFocus();
+    ui->layoutNameEdit->setCursorPosition(0);
     ui->gridSizeButton->hide();
 }
 

@@ -28,16 +28,15 @@ const QColor gridBackground(41, 44, 49, 255);
 
 } // namespace
 
-LayoutWidget::LayoutWidget(QWidget *parent)
-    : QWidget(parent)
-    , d(new Internal::LayoutWidgetPrivate)
+LayoutWidget::LayoutWidget(QWidget *parent) : QWidget(parent), d(new Internal::LayoutWidgetPrivate)
 {
     setObjectName(QStringLiteral("LayoutWidget"));
     setProperty("drop", false);
-    setStyleSheet(QStringLiteral(
-        "#LayoutWidget { background-color: rgb(41, 44, 49); }"
-        "#LayoutWidget[drop=\"true\"] { border: 2px solid rgb(25, 134, 243); }"
-        "#LayoutWidget[drop=\"false\"] { border: none; }"));
+    // Once a sheet gives the widget a border, or none, its palette no longer fills it.
+    setStyleSheet(
+        QStringLiteral("#LayoutWidget { background-color: rgb(41, 44, 49); }"
+                       "#LayoutWidget[drop=\"true\"] { border: 2px solid rgb(25, 134, 243); }"
+                       "#LayoutWidget[drop=\"false\"] { border: none; }"));
     QPalette colours = palette();
     colours.setColor(QPalette::Window, gridBackground);
     setPalette(colours);
@@ -121,8 +120,8 @@ void LayoutWidget::ensureWorkingCopy()
 {
     if (d->workingLayout != d->savedLayout)
         return;
-    d->workingLayout = d->workingLayout ? API::LayoutPtr::create(*d->workingLayout)
-                                        : API::LayoutPtr::create();
+    d->workingLayout =
+        d->workingLayout ? API::LayoutPtr::create(*d->workingLayout) : API::LayoutPtr::create();
 }
 
 void LayoutWidget::addPlaceholder(int row, int column, int rowSpan, int columnSpan)
@@ -150,12 +149,17 @@ VideoWidget *LayoutWidget::createTile(const API::CameraPtr &camera)
 
 void LayoutWidget::addCamera(API::CameraPtr camera, API::LayoutPoint position, API::CellSize span)
 {
+    if (!camera)
+        return;
+    // A stored layout can lack a span, and the grid takes an empty one for its whole rest.
+    const int rowSpan = qMax(1, span.rows);
+    const int columnSpan = qMax(1, span.columns);
     ensureWorkingCopy();
     VideoWidget *tile = createTile(camera);
     tile->setPosition(position.row, position.column);
-    tile->setSpan(span.rows, span.columns);
-    d->grid->addWidget(tile, position.row, position.column, span.rows, span.columns);
-    d->workingLayout->setCamera(camera, position.row, position.column, span.rows, span.columns);
+    tile->setSpan(rowSpan, columnSpan);
+    d->grid->addWidget(tile, position.row, position.column, rowSpan, columnSpan);
+    d->workingLayout->setCamera(camera, position.row, position.column, rowSpan, columnSpan);
     emit layoutModified();
     emit cameraAdded(camera);
 }
@@ -165,14 +169,16 @@ void LayoutWidget::addCamera(API::CameraPtr camera)
     if (auto *placeholder = qobject_cast<VideoPlaceholder *>(sender())) {
         qDebug() << "Trigger - Placeholder";
         const API::LayoutPoint position = d->cellOf(placeholder);
-        releaseWidgetAt(position.row, position.column);
+        if (position.row < 0)
+            return;
+        releasePlaceholder(placeholder);
         addCamera(camera, position, placeholder->span());
     } else if (auto *tile = qobject_cast<VideoWidget *>(sender())) {
         qDebug() << "Trigger - Video Widget";
         const API::LayoutPoint position = tile->position();
         const API::CellSize span = tile->span();
         removePlayer(tile);
-        releaseWidgetAt(position.row, position.column);
+        releasePlaceholder(d->placeholderAt(position.row, position.column));
         addCamera(camera, position, span);
     } else {
         qDebug() << "Trigger - Self (server dropped)";
@@ -187,7 +193,7 @@ void LayoutWidget::addToFreeCell(const API::CameraPtr &camera)
             for (int column = 0; column < d->workingLayout->columns(); ++column) {
                 if (d->workingLayout->cellAt(row, column).camera)
                     continue;
-                releaseWidgetAt(row, column);
+                releasePlaceholder(d->placeholderAt(row, column));
                 addCamera(camera, API::LayoutPoint{column, row}, API::CellSize{});
                 return;
             }
@@ -196,16 +202,13 @@ void LayoutWidget::addToFreeCell(const API::CameraPtr &camera)
     qDebug() << "No place to add another camera";
 }
 
-void LayoutWidget::releaseWidgetAt(int row, int column)
+void LayoutWidget::releasePlaceholder(VideoPlaceholder *placeholder)
 {
-    QLayoutItem *item = d->grid->itemAtPosition(row, column);
-    if (!item)
+    if (!placeholder)
         return;
-    QWidget *widget = item->widget();
-    d->grid->removeItem(item);
-    delete item;
-    widget->hide();
-    widget->deleteLater();
+    d->grid->removeWidget(placeholder);
+    placeholder->hide();
+    placeholder->deleteLater();
 }
 
 void LayoutWidget::removeCamera(API::CameraPtr camera)
@@ -218,7 +221,7 @@ void LayoutWidget::removeCamera(API::CameraPtr camera)
 void LayoutWidget::removePlayer(VideoWidget *widget)
 {
     const API::CameraPtr camera = widget->camera();
-    if (!d->players.contains(camera)) {
+    if (!d->players.contains(camera, widget)) {
         qWarning() << "Camera is not in list";
         return;
     }
@@ -229,6 +232,8 @@ void LayoutWidget::removePlayer(VideoWidget *widget)
     d->grid->removeWidget(widget);
     addPlaceholder(position.row, position.column, span.rows, span.columns);
     d->workingLayout->clearCell(position.row, position.column);
+    // Its player ends now, before those of the next layout start.
+    widget->stop();
     // The tile is in the middle of its own signal when its close button brought us here, and
     // what follows may clear the whole grid: it must not be found among the children then.
     widget->hide();
@@ -286,8 +291,10 @@ void LayoutWidget::openLayout(API::LayoutPtr layout)
     clear();
     d->workingLayout = layout;
     d->savedLayout = layout;
-    for (int row = 0; row < layout->rows(); ++row) {
-        for (int column = 0; column < layout->columns(); ++column) {
+    const int rows = layout ? layout->rows() : 0;
+    const int columns = layout ? layout->columns() : 0;
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
             const API::LayoutCell cell = layout->cellAt(row, column);
             // The area's width counts rows, yet it is taken for columns here, and so on: a
             // reopened tile comes back transposed, and stored layouts rely on that.
@@ -304,8 +311,8 @@ void LayoutWidget::openLayout(API::LayoutPtr layout)
 void LayoutWidget::resizeLayout(int rows, int columns)
 {
     const API::LayoutPtr remembered = d->savedLayout;
-    const auto resized = d->workingLayout ? API::LayoutPtr::create(*d->workingLayout)
-                                          : API::LayoutPtr::create();
+    const auto resized =
+        d->workingLayout ? API::LayoutPtr::create(*d->workingLayout) : API::LayoutPtr::create();
     resized->resize(rows, columns);
     openLayout(resized);
     d->savedLayout = remembered;

@@ -11,8 +11,9 @@ namespace ZorvaneClient {
 namespace GUI {
 
 namespace Player {
+class VideoPlaceholder;
 class VideoWidget;
-}
+} // namespace Player
 
 namespace Internal {
 class LayoutWidgetPrivate;
@@ -98,8 +99,8 @@ private:
     void addPlaceholder(int row, int column, int rowSpan, int columnSpan);
     Player::VideoWidget *createTile(const API::CameraPtr &camera);
     void addToFreeCell(const API::CameraPtr &camera);
-    /// Takes the widget in a cell out of the grid and releases it once its signal is over.
-    void releaseWidgetAt(int row, int column);
+    /// Takes a placeholder out of the grid and releases it once its signal is over.
+    void releasePlaceholder(Player::VideoPlaceholder *placeholder);
     void addNotification(const QString &text, bool error);
     void setDropTarget(bool isTarget);
     void dropServer(const QByteArray &bytes);

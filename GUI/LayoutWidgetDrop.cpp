@@ -32,8 +32,8 @@ constexpr int hintSpacingPixels = 5;
 
 QString folderLink(const QString &folder, const QString &text)
 {
-    return QStringLiteral("<a style=\"color: white\" href=\"") + folder + QStringLiteral("\">")
-           + text + QStringLiteral("</a>");
+    return QStringLiteral("<a style=\"color: white\" href=\"") + folder + QStringLiteral("\">") +
+           text + QStringLiteral("</a>");
 }
 
 } // namespace
@@ -41,12 +41,11 @@ QString folderLink(const QString &folder, const QString &text)
 void LayoutWidget::exchangeCells(int row, int column)
 {
     auto *target = qobject_cast<QWidget *>(sender());
-    const QLayoutItem *draggedItem = d->grid->itemAtPosition(row, column);
-    if (!target || !draggedItem)
+    VideoWidget *dragged = d->tileAt(row, column);
+    if (!target || !dragged || target == dragged)
         return;
     const API::LayoutPoint targetCell = d->cellOf(target);
-    auto *dragged = qobject_cast<VideoWidget *>(const_cast<QLayoutItem *>(draggedItem)->widget());
-    if (targetCell.row < 0 || !dragged)
+    if (targetCell.row < 0)
         return;
 
     d->grid->removeWidget(dragged);
@@ -66,14 +65,14 @@ void LayoutWidget::setDropTarget(bool isTarget)
 {
     setProperty("drop", isTarget);
     style()->unpolish(this);
-    ensurePolished();
+    style()->polish(this);
     update();
 }
 
 void LayoutWidget::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (event->mimeData()->data(serverFormat).isEmpty()
-        && event->mimeData()->data(layoutFormat).isEmpty()) {
+    if (event->mimeData()->data(serverFormat).isEmpty() &&
+        event->mimeData()->data(layoutFormat).isEmpty()) {
         event->ignore();
         return;
     }

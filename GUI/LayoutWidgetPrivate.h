@@ -13,8 +13,9 @@ namespace GUI {
 class PlayerNotification;
 
 namespace Player {
+class VideoPlaceholder;
 class VideoWidget;
-}
+} // namespace Player
 
 namespace Internal {
 
@@ -32,18 +33,15 @@ public:
     bool isPaused = false;
     bool autoQuality = true;
 
-    /// Cell of `widget` in the grid, scanned row by row; (-1, -1) if it isn't there.
-    API::LayoutPoint cellOf(const QWidget *widget) const
-    {
-        for (int row = 0; row < grid->rowCount(); ++row) {
-            for (int column = 0; column < grid->columnCount(); ++column) {
-                const QLayoutItem *item = grid->itemAtPosition(row, column);
-                if (item && const_cast<QLayoutItem *>(item)->widget() == widget)
-                    return {column, row};
-            }
-        }
-        return {-1, -1};
-    }
+    // Stored spans can overlap, so that several widgets lie over one cell: a widget is found by
+    // the cell in which it begins.
+
+    /// (-1, -1) if `widget` isn't in the grid.
+    API::LayoutPoint cellOf(QWidget *widget) const;
+    /// The tile that begins in a cell, or null.
+    Player::VideoWidget *tileAt(int row, int column) const;
+    /// The placeholder that begins in a cell, or null.
+    Player::VideoPlaceholder *placeholderAt(int row, int column) const;
 };
 
 } // namespace Internal

@@ -188,6 +188,8 @@ void MainWindow::onCameraAdded(API::CameraPtr camera)
             tile->setArchiveMode(true);
         else
             tile->playLive();
+        // A new tile knows nothing of a sound that is switched off.
+        tile->enableSound(controlPanel->isSoundEnabled());
     }
     const API::LayoutPtr layout = layoutWidget->workingLayout();
     if (layout->rows() == 1 && layout->columns() == 1) {
@@ -212,6 +214,8 @@ void MainWindow::startLayoutEditor()
 void MainWindow::openCamera(API::CameraPtr camera)
 {
     qDebug() << "Open camera";
+    if (!camera)
+        return;
     const auto layout = API::LayoutPtr::create();
     layout->setCamera(camera, 0, 0, 1, 1);
     layout->setName(camera->name());

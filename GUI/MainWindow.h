@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 
 #include "API/Types.h"
+
+class QMessageBox;
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -69,6 +72,7 @@ signals:
     void soundEnabled(bool enabled);
 
 protected:
+    bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
@@ -85,6 +89,7 @@ private:
     void connectGrid();
     void arrange();
     bool keepsModifiedLayout();
+    int askToSave();
     bool layoutListHolds(const API::LayoutPtr &layout) const;
     /// Cameras of the open layout, in the order of its cells.
     QList<API::CameraPtr> layoutCameras() const;
@@ -101,6 +106,9 @@ private:
     bool wasMaximized = false;
     bool archiveMode = false;
     bool newLayoutUntouched = false;
+    /// The question about unsaved edits, while it is being asked.
+    QPointer<QMessageBox> question;
+    bool isReleasePending = false;
 };
 
 } // namespace GUI

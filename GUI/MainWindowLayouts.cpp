@@ -2,8 +2,10 @@
 // Opening, editing and closing layouts.
 #include "GUI/MainWindow.h"
 
+#include <QApplication>
 #include <QDebug>
 #include <QMessageBox>
+#include <QTimer>
 
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
@@ -23,28 +25,51 @@ constexpr int newLayoutSide = 2;
 
 } // namespace
 
-/// Asks about unsaved edits and saves them if told so; true if the user cancels.
+/// Asks about unsaved edits and saves them if told so; true if they are to be kept as they are.
 bool MainWindow::keepsModifiedLayout()
 {
     if (infoPanel->mode() != InfoPanel::EditMode && infoPanel->mode() != InfoPanel::UnsavedMode)
         return false;
-    QMessageBox question(this);
-    question.setText(tr("The layout has been modified."));
-    question.setInformativeText(tr("Do you want to save your changes?"));
-    question.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
-    question.setDefaultButton(QMessageBox::Save);
-    question.setStyleSheet(QStringLiteral("font-size: 14px;"));
-    question.setWindowModality(Qt::WindowModal);
-    const int answer = question.exec();
+    const int answer = askToSave();
     if (answer == QMessageBox::Save)
         saveLayout();
-    return answer == QMessageBox::Cancel;
+    // A question that goes without an answer, as at the end of the program, is no "Discard".
+    return answer != QMessageBox::Save && answer != QMessageBox::Discard;
+}
+
+int MainWindow::askToSave()
+{
+    QMessageBox box(this);
+    box.setText(tr("The layout has been modified."));
+    box.setInformativeText(tr("Do you want to save your changes?"));
+    box.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    box.setDefaultButton(QMessageBox::Save);
+    box.setStyleSheet(QStringLiteral("font-size: 14px;"));
+    box.setWindowModality(Qt::WindowModal);
+    question = &box;
+    const int answer = box.exec();
+    question.clear();
+    if (!isReleasePending)
+        return answer;
+    QTimer::singleShot(0, qApp, [window = QPointer<MainWindow>(this)] { delete window; });
+    return QMessageBox::Cancel;
+}
+
+/// Another window can release this one while it waits for an answer, with the question on its
+/// stack: it goes once the question is over.
+bool MainWindow::event(QEvent *event)
+{
+    if (event->type() != QEvent::DeferredDelete || !question)
+        return QWidget::event(event);
+    isReleasePending = true;
+    question->reject();
+    return true;
 }
 
 bool MainWindow::openLayout(API::LayoutPtr layout)
 {
     qDebug() << "Open layout";
-    if (keepsModifiedLayout())
+    if (!layout || keepsModifiedLayout())
         return false;
     controlPanel->resetQuality();
     prepareToLive();

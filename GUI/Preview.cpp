@@ -5,9 +5,9 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
-#include <QPixmapCache>
 
 #include "GUI/CardDrag.h"
+#include "GUI/IconPixmap.h"
 #include "ui_Preview.h"
 
 namespace ZorvaneClient {
@@ -25,17 +25,6 @@ const QString cameraIcon = QStringLiteral(":/roster/icons/rosterCardPreviewCam.p
 const QString noCameraIcon = QStringLiteral(":/roster/icons/rosterCardPreviewNoCam.png");
 const QString stateOnIcon = QStringLiteral(":/roster/icons/rosterCardOn.png");
 const QString stateOffIcon = QStringLiteral(":/roster/icons/rosterCardOff.png");
-
-/// Thousands of cards share the icons, so that the way by file name is too long.
-QPixmap sharedIcon(const QString &path)
-{
-    QPixmap icon;
-    if (!path.isEmpty() && !QPixmapCache::find(path, &icon)) {
-        icon = QPixmap(path);
-        QPixmapCache::insert(path, icon);
-    }
-    return icon;
-}
 
 QString stateIcon(int state)
 {
@@ -92,6 +81,7 @@ void Preview::makeForm()
     ui.reset(new Ui::Preview);
     ui->setupUi(this);
     ui->spinnerWidget->setColor(spinnerColor);
+    ui->previewMenu->setAccessibleName(QCoreApplication::translate("VideoWidget", "Options"));
     if (caption.isNull())
         caption = ui->cameraName->text();
     showCaption();
@@ -164,7 +154,7 @@ void Preview::showPicture()
     if (!hasForm())
         return;
     if (image.isNull()) {
-        ui->previewImage->setPixmap(sharedIcon(icon));
+        ui->previewImage->setPixmap(iconPixmap(icon));
         return;
     }
     const qreal ratio = ui->previewImage->devicePixelRatioF();
@@ -189,7 +179,7 @@ void Preview::setState(State state)
 void Preview::showState()
 {
     if (hasForm())
-        ui->cameraStateImage->setPixmap(sharedIcon(stateIcon(cardState)));
+        ui->cameraStateImage->setPixmap(iconPixmap(stateIcon(cardState)));
 }
 
 void Preview::setText(QString text)

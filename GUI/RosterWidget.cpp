@@ -197,14 +197,16 @@ void RosterWidget::prepareFirstCards()
     }
 }
 
+/// A server that went and came back unseen is a new object under the old identifier: it gets
+/// a new widget.
 void RosterWidget::removeStaleServers(const QMap<API::server_id_t, API::ServerPtr> &list)
 {
     for (auto entry = servers.begin(); entry != servers.end();) {
-        if (list.contains(entry.key())) {
+        ServerWidget *widget = entry.value();
+        if (list.value(entry.key()) == widget->server()) {
             ++entry;
             continue;
         }
-        ServerWidget *widget = entry.value();
         serversLayout->removeWidget(widget);
         entry = servers.erase(entry);
         widget->hide();
@@ -221,6 +223,7 @@ ServerWidget *RosterWidget::createServer(const API::ServerPtr &server)
     connect(widget, &ServerWidget::editServer, this, &RosterWidget::editServer);
     connect(widget, QOverload<API::ServerPtr>::of(&ServerWidget::deleteServer), this,
             &RosterWidget::deleteServer);
+    widget->setAddToLayoutEnabled(addToLayoutEnabled);
     return widget;
 }
 
@@ -234,6 +237,7 @@ void RosterWidget::rebuildOrder()
 
 void RosterWidget::setAddToLayoutEnabled(bool enabled)
 {
+    addToLayoutEnabled = enabled;
     for (ServerWidget *widget : qAsConst(servers))
         widget->setAddToLayoutEnabled(enabled);
 }

@@ -37,6 +37,7 @@ public slots:
     void search(QString name);
     /// Takes over the process-wide roster as it is now.
     void updateRoster();
+    /// For the cards that are here and for those that come later.
     void setAddToLayoutEnabled(bool enabled);
 
 protected:
@@ -57,6 +58,7 @@ private:
     QVBoxLayout *serversLayout = nullptr;
     API::CloudAPIClient client;
     QString searchText;
+    bool addToLayoutEnabled = true;
 };
 
 } // namespace GUI

@@ -15,6 +15,7 @@
 #include "API/Server.h"
 #include "GUI/CameraWidget.h"
 #include "GUI/CardDrag.h"
+#include "GUI/IconPixmap.h"
 #include "GUI/WidgetOrder.h"
 #include "ui_ServerWidget.h"
 
@@ -26,6 +27,7 @@ namespace {
 constexpr int cardSpacingPixels = 8;
 constexpr int cardsMarginPixels = 5;
 constexpr QPoint notPressed(-1, -1);
+const QString offlineIcon = QStringLiteral(":/roster/icons/rosterOfflineserver.png");
 
 } // namespace
 
@@ -33,6 +35,7 @@ ServerWidget::ServerWidget(API::ServerPtr server, QWidget *parent)
     : QWidget(parent), ui(new Ui::ServerWidget), shownServer(server)
 {
     ui->setupUi(this);
+    ui->serverOfflineImage->setPixmap(iconPixmap(offlineIcon));
     connect(server.data(), &API::Server::aliasChanged, this, &ServerWidget::updateServerName);
 
     cardsLayout = new QVBoxLayout(ui->container);
@@ -117,6 +120,7 @@ CameraWidget *ServerWidget::createCard(const API::CameraPtr &camera)
     connect(card, &CameraWidget::openCamera, this, &ServerWidget::openCamera);
     connect(card, &CameraWidget::addToLayout, this, &ServerWidget::addToLayout);
     connect(card, &CameraWidget::openInNewWindow, this, &ServerWidget::openInNewWindow);
+    card->setAddToLayoutEnabled(addToLayoutEnabled);
     return card;
 }
 
@@ -195,6 +199,7 @@ void ServerWidget::deleteServer()
 
 void ServerWidget::setAddToLayoutEnabled(bool enabled)
 {
+    addToLayoutEnabled = enabled;
     for (CameraWidget *card : qAsConst(cards))
         card->setAddToLayoutEnabled(enabled);
 }

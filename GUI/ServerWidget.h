@@ -57,6 +57,7 @@ public slots:
     void updateState();
     /// Takes name, flags and cameras of `server`.
     void updateServer(API::ServerPtr server);
+    /// For the cards that are here and for those that come later.
     void setAddToLayoutEnabled(bool enabled);
 
 protected:
@@ -84,6 +85,7 @@ private:
     bool expandSaved = false;
     QPoint pressPosition{-1, -1};
     bool draggable = true;
+    bool addToLayoutEnabled = true;
 };
 
 } // namespace GUI

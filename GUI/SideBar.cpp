@@ -48,14 +48,20 @@ void SideBar::setRosterMode()
 {
     ui->stack->setCurrentWidget(ui->rosterPage);
     ui->headerStack->setCurrentWidget(ui->searchPage);
-    ui->searchEdit->setPlaceholderText(QObject::tr("Search for cameras..."));
+    showSearchText(QObject::tr("Search for cameras..."));
 }
 
 void SideBar::setLayoutsMode()
 {
     ui->stack->setCurrentWidget(ui->layoutsListPage);
     ui->headerStack->setCurrentWidget(ui->searchPage);
-    ui->searchEdit->setPlaceholderText(QObject::tr("Search for layouts..."));
+    showSearchText(QObject::tr("Search for layouts..."));
+}
+
+void SideBar::showSearchText(const QString &text)
+{
+    ui->searchEdit->setPlaceholderText(text);
+    ui->searchEdit->setAccessibleName(text);
 }
 
 } // namespace GUI

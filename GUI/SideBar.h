@@ -36,6 +36,8 @@ public slots:
     void setLayoutsMode();
 
 private:
+    void showSearchText(const QString &text);
+
     QScopedPointer<Ui::SideBar> ui;
 };
 

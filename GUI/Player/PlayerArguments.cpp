@@ -12,10 +12,10 @@ namespace {
 
 QString proxyAddress(const PlayerProxy &proxy)
 {
+    const QString port = QString::number(proxy.port);
     if (proxy.userName.isEmpty())
-        return QStringLiteral(":http-proxy=http://%1:%2/").arg(proxy.host).arg(proxy.port);
-    return QStringLiteral(":http-proxy=http://%1@%2:%3/")
-        .arg(proxy.userName, proxy.host, QString::number(proxy.port));
+        return QStringLiteral(":http-proxy=http://%1:%2/").arg(proxy.host, port);
+    return QStringLiteral(":http-proxy=http://%1@%2:%3/").arg(proxy.userName, proxy.host, port);
 }
 
 } // namespace

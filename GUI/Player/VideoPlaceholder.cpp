@@ -78,7 +78,7 @@ void VideoPlaceholder::setDropTarget(bool isDropTarget)
 {
     setProperty(dropProperty, isDropTarget);
     style()->unpolish(this);
-    ensurePolished();
+    style()->polish(this); // ensurePolished() would do nothing for a widget that once was
     update();
 }
 

@@ -215,6 +215,7 @@ void VideoWidget::onFlagsChanged()
 
 void VideoWidget::timerEvent(QTimerEvent *)
 {
+    boundErrorOutput();
     const bool childRuns = d->childRuns();
     if (childRuns)
         sendCommand(QStringLiteral("ping"));

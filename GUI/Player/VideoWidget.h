@@ -119,6 +119,7 @@ private:
     void sendCommand(const QString &command);
     void sendVolume();
     void closePlayer();
+    void boundErrorOutput();
     void applyPlayerEvent(const Internal::PlayerEvent &event);
     void applyVlcState(const QString &vlcState);
     void applyPosition(const QString &text);

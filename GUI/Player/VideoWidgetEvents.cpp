@@ -101,6 +101,7 @@ bool VideoWidget::eventFilter(QObject *watched, QEvent *event)
         return QWidget::eventFilter(watched, event);
     if (event->type() != QEvent::Hide)
         return false;
+    watched->event(event); // or else the button waits for its menu for ever
     showBars(false);
     return true;
 }
@@ -145,6 +146,7 @@ void VideoWidget::dragTile()
     drag->setHotSpot(dragHotSpot);
     const QPointer<VideoWidget> guard(this); // the grid may be cleared in the drag's own loop
     d->isDragging = true;
+    update();
     drag->exec(Qt::MoveAction);
     if (!guard)
         return;

@@ -19,6 +19,7 @@ using namespace Internal;
 namespace {
 
 constexpr int startTimeoutMsecs = 30000;
+constexpr qint64 errorOutputLimitBytes = 65536;
 
 // What the child reports, as libVLC numbers its states.
 constexpr QLatin1String vlcPaused("4");
@@ -204,6 +205,16 @@ void VideoWidget::presentFrame()
     d->image = d->frameFile.image(size);
     d->hasPicture = true;
     update();
+}
+
+void VideoWidget::boundErrorOutput()
+{
+    // Nobody reads what a child complains about, and it must not pile up.
+    d->playerProcess->setReadChannel(QProcess::StandardError);
+    const bool isTooMuch = d->playerProcess->bytesAvailable() > errorOutputLimitBytes;
+    d->playerProcess->setReadChannel(QProcess::StandardOutput);
+    if (isTooMuch)
+        d->playerProcess->readAllStandardError();
 }
 
 void VideoWidget::readPlayerErrors()

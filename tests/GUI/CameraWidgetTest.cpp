@@ -43,7 +43,9 @@ private slots:
     void menuAndClickEmitTheCamera();
     void addToLayoutCanBeDisabled();
     void dragCarriesServerAndCamera();
+    void unpreparedCardShowsWhatItWasTold_data();
     void unpreparedCardShowsWhatItWasTold();
+    void unpreparedCardIsPressedDraggedAndReleased();
 
 private:
     int previewRequests() const;
@@ -55,6 +57,7 @@ namespace {
 
 constexpr std::chrono::milliseconds releaseDelay(30000);
 const QString cameraIcon = QStringLiteral(":/roster/icons/rosterCardPreviewCam.png");
+const QString noCameraIcon = QStringLiteral(":/roster/icons/rosterCardPreviewNoCam.png");
 
 void setCamera(const WorldCamera &camera)
 {
@@ -322,23 +325,39 @@ void CameraWidgetTest::dragCarriesServerAndCamera()
     QCOMPARE(drag->supportedActions(), Qt::DropActions(Qt::CopyAction));
 }
 
+void CameraWidgetTest::unpreparedCardShowsWhatItWasTold_data()
+{
+    QTest::addColumn<bool>("online");
+    QTest::addColumn<bool>("picture");
+    QTest::addColumn<QString>("caption");
+    QTest::newRow("offline") << false << false << "Gate (offline)";
+    QTest::newRow("without a picture") << true << false << "Gate";
+    QTest::newRow("with a picture") << true << true << "Gate";
+}
+
 void CameraWidgetTest::unpreparedCardShowsWhatItWasTold()
 {
+    QFETCH(bool, online);
+    QFETCH(bool, picture);
+    QFETCH(QString, caption);
     QWidget window;
     window.resize(300, 200);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
-    const API::CameraPtr camera = makeCamera(false);
+    const API::CameraPtr camera = makeCamera(online);
     CameraWidget *card = CameraWidget::createUnprepared(camera, &window);
     card->updateCamera(camera);
+    if (picture)
+        camera->setPreview(QPixmap::fromImage(QImage::fromData(jpeg())));
+    QCOMPARE(card->hasPreview(), picture);
     QVERIFY(card->findChildren<QLabel *>().isEmpty());
     QCOMPARE(card->size(), QSize(233, 157));
 
     card->show();
     QTRY_VERIFY(!card->findChildren<QLabel *>().isEmpty());
-    QCOMPARE(labelText(card, "cameraName"), QStringLiteral("Gate (offline)"));
-    QCOMPARE(labelPicture(card, "previewImage"),
-             resourcePicture(QStringLiteral(":/roster/icons/rosterCardPreviewNoCam.png")));
+    QCOMPARE(labelText(card, "cameraName"), caption);
+    if (!online)
+        QCOMPARE(labelPicture(card, "previewImage"), resourcePicture(noCameraIcon));
     QVERIFY(card->findChild<QLabel *>("cameraName")->isVisible());
     QCOMPARE(menuTexts(*card).size(), 3);
 
@@ -349,6 +368,25 @@ void CameraWidgetTest::unpreparedCardShowsWhatItWasTold()
         return widget->grab().toImage().convertToFormat(QImage::Format_RGB32);
     };
     QTRY_COMPARE(look(card), look(&whole));
+}
+
+void CameraWidgetTest::unpreparedCardIsPressedDraggedAndReleased()
+{
+    QWidget window;
+    window.resize(300, 200);
+    CameraWidget *card = CameraWidget::createUnprepared(makeCamera(), &window);
+    window.show();
+    int opened = 0;
+    connect(card, &CameraWidget::openCamera, this, [&] { ++opened; });
+    QTest::mouseClick(card, Qt::LeftButton);
+    QCOMPARE(opened, 1);
+    QCOMPARE(card->pos(), QPoint(0, 0));
+    const QDrag *drag = dragFrom(card, QPoint(5, 5), QPoint(100, 60));
+    QVERIFY(drag);
+    QVERIFY(drag->mimeData()->hasFormat(QStringLiteral("camera")));
+    // The drag's picture is the card's.
+    QVERIFY(!card->findChildren<QLabel *>().isEmpty());
+    QCOMPARE(card->pos(), QPoint(0, 0));
 }
 
 QTEST_MAIN(CameraWidgetTest)

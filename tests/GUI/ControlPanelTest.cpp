@@ -31,6 +31,8 @@ private slots:
     void qualityMenu();
     void buttonsEmit();
     void modes();
+    void speedIconShowsFromTheStart();
+    void barEndsRound();
 };
 
 namespace {
@@ -164,8 +166,7 @@ void ControlPanelTest::slidersAppearUnderTheMouse()
 void ControlPanelTest::qualityMenu()
 {
     ControlPanel panel;
-    const QList<QAction *> actions =
-        child<QPushButton>(panel, "qualityButton")->menu()->actions();
+    const QList<QAction *> actions = child<QPushButton>(panel, "qualityButton")->menu()->actions();
     QCOMPARE(actions.size(), 4);
     QList<QRadioButton *> items;
     for (QAction *action : actions)
@@ -243,6 +244,36 @@ void ControlPanelTest::modes()
     panel.setTime(QDateTime(QDate(2026, 8, 10), QTime(9, 7, 5)));
     QCOMPARE(child<QLabel>(panel, "timeLabel")->text(), QStringLiteral("09:07:05"));
     QCOMPARE(child<QLabel>(panel, "dateLabel")->text(), QStringLiteral("10/08"));
+}
+
+void ControlPanelTest::speedIconShowsFromTheStart()
+{
+    ControlPanel panel;
+    panel.show();
+    panel.showRecordsControls();
+    QVERIFY(QTest::qWaitForWindowExposed(&panel));
+    const QImage picture = child<QPushButton>(panel, "speedButton")->grab().toImage();
+    int brightest = 0;
+    for (int x = 0; x < picture.width(); ++x)
+        brightest = qMax(brightest, picture.pixelColor(x, picture.height() / 2).green());
+    QVERIFY2(brightest > 150, qPrintable(QString::number(brightest)));
+}
+
+void ControlPanelTest::barEndsRound()
+{
+    const QColor background(64, 69, 78);
+    ControlPanel panel;
+    panel.resize(800, 50);
+    panel.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&panel));
+    auto *bar = child<QWidget>(panel, "controlBar");
+    const QImage picture = panel.grab().toImage();
+    const QPoint origin = bar->mapTo(&panel, QPoint(0, 0));
+    // Four pixels in from the corner, a bar with a radius of 16 is not there yet.
+    for (const QPoint &corner :
+         {QPoint(4, 0), QPoint(8, 0), QPoint(8, bar->height() - 1), QPoint(bar->width() - 9, 0)})
+        QCOMPARE(picture.pixelColor(origin + corner), background);
+    QCOMPARE(picture.pixelColor(origin + QPoint(20, 1)), QColor(77, 83, 94));
 }
 
 QTEST_MAIN(ControlPanelTest)

@@ -24,6 +24,7 @@ private slots:
     void buttonsAndMenuEntriesEmit();
     void pickedSizeIsEmittedOnceThePopupIsClosed();
     void returnEndsTheEditingOfTheName();
+    void aLongNameShowsItsBeginning();
 };
 
 namespace {
@@ -73,8 +74,8 @@ void InfoPanelTest::modes_data()
                            << QStringList{"Open new window"};
     QTest::newRow("view") << &InfoPanel::enterViewMode << 2 << true << false << "settingsPage"
                           << viewMenu;
-    QTest::newRow("unsaved") << &InfoPanel::enterUnsavedMode << 3 << true << false
-                             << "controlsPage" << viewMenu;
+    QTest::newRow("unsaved") << &InfoPanel::enterUnsavedMode << 3 << true << false << "controlsPage"
+                             << viewMenu;
     QTest::newRow("edit") << &InfoPanel::enterEditMode << 4 << true << true << "controlsPage"
                           << viewMenu;
 }
@@ -177,6 +178,20 @@ void InfoPanelTest::returnEndsTheEditingOfTheName()
     QTRY_VERIFY(edit->hasFocus());
     QTest::keyClick(edit, Qt::Key_Return);
     QVERIFY(!edit->hasFocus());
+}
+
+void InfoPanelTest::aLongNameShowsItsBeginning()
+{
+    InfoPanel panel;
+    auto *edit = panel.findChild<QLineEdit *>(QStringLiteral("layoutNameEdit"));
+    panel.setTitle(QStringLiteral("A name longer than its field ").repeated(10));
+    QCOMPARE(edit->cursorPosition(), 0);
+    panel.enterEditMode();
+    edit->setCursorPosition(edit->text().size());
+    panel.enterViewMode();
+    QCOMPARE(edit->cursorPosition(), 0);
+    panel.setCurrentLayout(API::LayoutPtr());
+    QCOMPARE(panel.layoutName(), QString());
 }
 
 QTEST_MAIN(InfoPanelTest)

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
+#include <QFile>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QPointer>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QtTest>
 
 #include "API/Camera.h"
 #include "API/Layout.h"
+#include "App/Environment.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/Player/PlayerNotification.h"
 #include "GUI/Player/VideoPlaceholder.h"
@@ -38,6 +42,12 @@ private slots:
     void savingKeepsTheObject();
     void spansComeBackTransposed();
     void hintsStackFromTheTop();
+    void placeholderOverASpanIsACellOfItsOwn();
+    void brokenLayouts_data();
+    void brokenLayouts();
+    void missingLayoutsAndCamerasAreNone();
+    void closingATileEndsItsPlayer();
+    void backgroundShowsBetweenTheCells();
 
 private:
     API::LayoutPtr layoutOf(int rows, int columns, const QList<API::LayoutPoint> &cells);
@@ -266,6 +276,158 @@ void LayoutWidgetTest::hintsStackFromTheTop()
     QTRY_COMPARE(hints.first()->pos(), QPoint(10, 10 + hints.last()->height() + 5));
     emit hints.last()->closed();
     QTRY_COMPARE(hints.first()->pos(), QPoint(10, 10));
+}
+
+void LayoutWidgetTest::placeholderOverASpanIsACellOfItsOwn()
+{
+    LayoutWidget grid;
+    const auto layout = API::LayoutPtr::create();
+    layout->resize(2, 2);
+    layout->setCamera(camera(1), 0, 0, 2, 2);
+    grid.openLayout(layout);
+    grid.show();
+    const QPointer<VideoWidget> spanned = grid.player(camera(1));
+    QCOMPARE(placeholdersIn(grid), 3);
+
+    VideoPlaceholder *corner = nullptr;
+    for (int index = 0; index < grid.layout()->count(); ++index) {
+        if (auto *found = qobject_cast<VideoPlaceholder *>(grid.layout()->itemAt(index)->widget()))
+            corner = found;
+    }
+    emit corner->openCamera(camera(2));
+    QCOMPARE(grid.player(camera(2))->position(), (API::LayoutPoint{1, 1}));
+    grid.addCamera(camera(3));
+    QCOMPARE(grid.player(camera(3))->position(), (API::LayoutPoint{1, 0}));
+    grid.addCamera(camera(4));
+    QCOMPARE(grid.player(camera(4))->position(), (API::LayoutPoint{0, 1}));
+    QCOMPARE(placeholdersIn(grid), 0);
+
+    emit spanned->swapRequested(1, 1);
+    QCOMPARE(grid.player(camera(2))->position(), (API::LayoutPoint{0, 0}));
+    QCOMPARE(spanned->position(), (API::LayoutPoint{1, 1}));
+    QCOMPARE(grid.workingLayout()->cellAt(0, 0).camera, camera(2));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY2(spanned, "a tile in use was released");
+    QCOMPARE(grid.playerCount(), 4);
+}
+
+void LayoutWidgetTest::brokenLayouts_data()
+{
+    using Cells = QList<QRect>; // left is the row, top the column
+    QTest::addColumn<QSize>("columnsByRows");
+    QTest::addColumn<Cells>("cells");
+    QTest::addColumn<int>("tiles");
+    QTest::newRow("no rows, no columns") << QSize(0, 0) << Cells{{0, 0, 1, 1}} << 0;
+    QTest::newRow("no columns") << QSize(0, 3) << Cells{{0, 0, 1, 1}} << 0;
+    QTest::newRow("negative size") << QSize(-2, -3) << Cells{} << 0;
+    QTest::newRow("empty spans") << QSize(2, 2) << Cells{{0, 0, 0, 0}, {1, 1, 0, 0}} << 2;
+    QTest::newRow("negative spans") << QSize(2, 2) << Cells{{0, 0, -5, -1}, {1, 0, 1, -64}} << 2;
+    QTest::newRow("overlapping spans")
+        << QSize(3, 3) << Cells{{0, 0, 3, 3}, {0, 1, 2, 2}, {1, 1, 2, 2}, {2, 2, 1, 1}} << 4;
+    QTest::newRow("spans beyond the edge")
+        << QSize(2, 2) << Cells{{0, 0, 64, 64}, {1, 1, 64, 64}} << 2;
+    QTest::newRow("cells outside the grid")
+        << QSize(2, 2) << Cells{{-1, 0, 1, 1}, {0, -7, 1, 1}, {2, 2, 1, 1}, {1, 1, 1, 1}} << 1;
+    QTest::newRow("far more cells than anybody needs")
+        << QSize(24, 24) << Cells{{0, 0, 64, 64}, {23, 23, 64, 64}} << 2;
+}
+
+void LayoutWidgetTest::brokenLayouts()
+{
+    QFETCH(QSize, columnsByRows);
+    QFETCH(QList<QRect>, cells);
+    QFETCH(int, tiles);
+    const auto layout = API::LayoutPtr::create();
+    layout->resize(64, 64);
+    int number = 0;
+    for (const QRect &cell : cells)
+        layout->setCamera(camera(++number), cell.left(), cell.top(), cell.width(), cell.height());
+    LayoutWidget grid;
+    grid.show();
+    // Smaller only now: the cells that fall outside stay.
+    QVariantMap map = layout->toVariantMap();
+    map.insert(QStringLiteral("rows"), columnsByRows.height());
+    map.insert(QStringLiteral("columns"), columnsByRows.width());
+    layout->update(map);
+    grid.openLayout(layout);
+    QCOMPARE(grid.playerCount(), tiles);
+    const QList<VideoWidget *> shown = grid.players();
+    for (const VideoWidget *tile : shown)
+        QVERIFY(tile->span().rows >= 1 && tile->span().columns >= 1);
+    QCoreApplication::processEvents();
+    grid.grab();
+
+    // Whatever the user does with it then.
+    grid.updateQuality();
+    grid.addCamera(camera(5));
+    const QList<VideoWidget *> opened = grid.players();
+    for (VideoWidget *tile : opened) {
+        emit tile->swapRequested(0, 0);
+        emit tile->swapRequested(1, 1);
+    }
+    if (VideoPlaceholder *placeholder = grid.findChild<VideoPlaceholder *>())
+        emit placeholder->openCamera(camera(5));
+    QCoreApplication::processEvents();
+    grid.resizeLayout(2, 2);
+    QCOMPARE(grid.workingLayout()->rows(), 2);
+    QVERIFY(grid.playerCount() <= 4);
+    const QList<VideoWidget *> left = grid.players();
+    for (VideoWidget *tile : left)
+        emit tile->closed(tile);
+    QCOMPARE(grid.playerCount(), 0);
+    QCOMPARE(grid.findChildren<VideoWidget *>().size(), 0);
+    QCoreApplication::processEvents();
+}
+
+void LayoutWidgetTest::missingLayoutsAndCamerasAreNone()
+{
+    LayoutWidget grid;
+    grid.openLayout(layoutOf(1, 2, {{0, 0}}));
+    grid.addCamera(API::CameraPtr());
+    grid.addCamera(API::CameraPtr(), API::LayoutPoint{1, 0}, API::CellSize{});
+    QCOMPARE(grid.playerCount(), 1);
+    grid.openLayout(API::LayoutPtr());
+    QCOMPARE(grid.playerCount(), 0);
+    QCOMPARE(placeholdersIn(grid), 0);
+    grid.addCamera(camera(1));
+    QCOMPARE(grid.playerCount(), 0);
+}
+
+void LayoutWidgetTest::closingATileEndsItsPlayer()
+{
+    QFile player(QStringLiteral("player"));
+    QVERIFY(player.open(QIODevice::WriteOnly));
+    player.write("#!/bin/sh\nexec cat > /dev/null\n");
+    player.setPermissions(player.permissions() | QFileDevice::ExeOwner);
+    player.close();
+    App::Environment::setPlayerProgram(QFileInfo(player).absoluteFilePath());
+    addServerToRoster(QStringLiteral("online"), {"x"}, true);
+
+    LayoutWidget grid;
+    grid.openLayout(layoutOf(1, 1, {}));
+    grid.addCamera(rosterCamera(QStringLiteral("online"), 1));
+    VideoWidget *tile = grid.players().first();
+    QVERIFY(tile->playLive());
+    const QPointer<QProcess> process = tile->findChild<QProcess *>();
+    QCOMPARE(process->state(), QProcess::Running);
+    // Before the event loop turns: a layout that follows has its own players to start.
+    grid.clear();
+    QVERIFY(process);
+    QCOMPARE(process->state(), QProcess::NotRunning);
+    QTRY_VERIFY(!process);
+}
+
+void LayoutWidgetTest::backgroundShowsBetweenTheCells()
+{
+    LayoutWidget grid;
+    grid.resize(404, 304);
+    grid.openLayout(layoutOf(1, 2, {}));
+    grid.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&grid));
+    const QImage picture = grid.grab().toImage();
+    QCOMPARE(picture.pixelColor(0, 0), QColor(41, 44, 49));
+    const int gap = at<VideoPlaceholder>(grid, 0, 0)->geometry().right() + 1;
+    QCOMPARE(picture.pixelColor(gap, 150), QColor(41, 44, 49));
 }
 
 QTEST_MAIN(LayoutWidgetTest)

@@ -62,6 +62,7 @@ private slots:
     void cancelTakesTheProxyBack();
     void proxyInForceIsShownAtStart();
     void localModeIsNotOffered();
+    void labelsAreOfOneSize();
 };
 
 void LoginPagesTest::init()
@@ -212,6 +213,21 @@ void LoginPagesTest::localModeIsNotOffered()
     QVERIFY(form.openSettings(365));
     QVERIFY(form.defaultChoice->isVisible() && form.proxyChoice->isVisible());
     QVERIFY(!form.child<QRadioButton>("localModeChoice")->isVisible());
+}
+
+void LoginPagesTest::labelsAreOfOneSize()
+{
+    const LoginForm form;
+    const QList<QLabel *> labels = form.dialog.findChildren<QLabel *>();
+    int texts = 0;
+    for (QLabel *label : labels) {
+        label->ensurePolished();
+        const bool isHeader = label->objectName() == QLatin1String("accountSettingsHeader");
+        QCOMPARE(label->font().pixelSize(), isHeader ? 24 : 16);
+        texts += label->text().isEmpty() ? 0 : 1;
+    }
+    // Three alerts, the header and the four proxy fields.
+    QCOMPARE(texts, 8);
 }
 
 QTEST_MAIN(LoginPagesTest)

@@ -1,20 +1,26 @@
 // SPDX-License-Identifier: MIT
+#include <QFile>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSlider>
 #include <QStackedWidget>
 #include <QTimer>
 #include <QtTest>
 
 #include "API/Camera.h"
 #include "API/Layout.h"
+#include "App/Environment.h"
 #include "App/Settings.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/InfoPanel.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
+#include "GUI/RosterWidget.h"
 #include "GUI/SideBar.h"
 #include "GUI/ToolBar.h"
 #include "tests/support/Roster.h"
@@ -42,6 +48,10 @@ private slots:
     void sidePanelsHideAndComeBack();
     void fullscreenKeepsTheSide();
     void closingTellsAndStoresTheGeometry();
+    void anUnansweredQuestionKeepsTheLayout();
+    void windowReleasedWhileItAsksGoesAfterwards();
+    void aNewTileKeepsQuietWithTheSoundOff();
+    void everyControlHasAName();
 
 private:
     API::CameraPtr camera(int number) { return rosterCamera(QStringLiteral("s"), number); }
@@ -53,8 +63,7 @@ namespace {
 class Answer : public QObject
 {
 public:
-    explicit Answer(QMessageBox::StandardButton pressed)
-        : button(pressed)
+    explicit Answer(QMessageBox::StandardButton pressed) : button(pressed)
     {
         connect(&timer, &QTimer::timeout, this, [this] {
             auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
@@ -289,6 +298,89 @@ void MainWindowTest::closingTellsAndStoresTheGeometry()
     QCOMPARE(closed, QList<MainWindow *>{&window});
     QCOMPARE(App::settings().value(QStringLiteral("mainWindow/geometry")).toByteArray(),
              window.saveGeometry());
+}
+
+void MainWindowTest::anUnansweredQuestionKeepsTheLayout()
+{
+    MainWindow window;
+    const auto layout = API::LayoutPtr::create();
+    layout->resize(1, 2);
+    window.openLayout(layout);
+    window.addToLayout(camera(1));
+    QTimer::singleShot(0, &window, [&window] {
+        // As the end of the event loop leaves it.
+        window.findChild<QMessageBox *>()->done(0);
+    });
+    QVERIFY(!window.openLayout(API::LayoutPtr::create()));
+    QCOMPARE(window.playerCount(), 1);
+}
+
+void MainWindowTest::windowReleasedWhileItAsksGoesAfterwards()
+{
+    const QPointer<MainWindow> window = new MainWindow;
+    window->show();
+    const auto layout = API::LayoutPtr::create();
+    layout->resize(1, 2);
+    window->openLayout(layout);
+    window->addToLayout(camera(1));
+    QTimer::singleShot(0, window, [window] {
+        QVERIFY(window->findChild<QMessageBox *>());
+        window->deleteLater();
+    });
+    // The longest way on after the question.
+    window->openNewLayout();
+    QVERIFY2(window, "the window went under its own question");
+    QCOMPARE(window->playerCount(), 1);
+    QTRY_VERIFY(!window);
+}
+
+void MainWindowTest::aNewTileKeepsQuietWithTheSoundOff()
+{
+    QFile player(QStringLiteral("player"));
+    QVERIFY(player.open(QIODevice::WriteOnly));
+    player.write("#!/bin/sh\nexec cat > commands\n");
+    player.setPermissions(player.permissions() | QFileDevice::ExeOwner);
+    player.close();
+    App::Environment::setPlayerProgram(QFileInfo(player).absoluteFilePath());
+    addServerToRoster(QStringLiteral("online"), {"x"}, true);
+
+    MainWindow window;
+    const auto layout = API::LayoutPtr::create();
+    layout->resize(1, 2);
+    window.openLayout(layout);
+    window.setSoundVolume(70);
+    window.enableSound(false);
+    window.addToLayout(rosterCamera(QStringLiteral("online"), 1));
+    const auto lastVolume = [] {
+        QFile commands(QStringLiteral("commands"));
+        if (!commands.open(QIODevice::ReadOnly))
+            return QByteArray();
+        const QList<QByteArray> lines = commands.readAll().trimmed().split('\n');
+        return lines.last();
+    };
+    QTRY_COMPARE(lastVolume(), QByteArray("volume 0"));
+    window.enableSound(true);
+    QTRY_COMPARE(lastVolume(), QByteArray("volume 70"));
+}
+
+void MainWindowTest::everyControlHasAName()
+{
+    MainWindow window;
+    const auto *roster = window.findChild<RosterWidget *>();
+    const QList<QWidget *> widgets = window.findChildren<QWidget *>();
+    int controls = 0;
+    for (const QWidget *widget : widgets) {
+        const auto *button = qobject_cast<const QPushButton *>(widget);
+        const bool isControl = button || qobject_cast<const QSlider *>(widget) ||
+                               qobject_cast<const QLineEdit *>(widget);
+        if (!isControl || roster->isAncestorOf(widget))
+            continue;
+        ++controls;
+        const bool isNamed =
+            !widget->accessibleName().isEmpty() || (button && !button->text().isEmpty());
+        QVERIFY2(isNamed, qPrintable(widget->objectName()));
+    }
+    QVERIFY(controls > 15);
 }
 
 QTEST_MAIN(MainWindowTest)

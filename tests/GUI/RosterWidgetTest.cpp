@@ -3,6 +3,8 @@
 #include <QCheckBox>
 #include <QFile>
 #include <QLabel>
+#include <QMenu>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QtTest>
@@ -46,8 +48,12 @@ private slots:
     void pollAsksTheService();
     void deletingALanServer();
     void cloudServerIsNotDeleted();
+    void serverThatCameBackUnseenIsTheNewOne();
+    void cardLeavesTheRosterWithItsMenuOpen();
+    void rosterThatComesAndGoesLeavesNothingBehind();
     void largeRosterMakesCardsAsTheyAreSeen();
     void signalsReachTheWindow();
+    void laterServersCannotBeAddedEither();
 
 private:
     QSet<QByteArray> previewedCameras() const;
@@ -399,6 +405,69 @@ void RosterWidgetTest::cloudServerIsNotDeleted()
     QVERIFY(API::CloudAPIClient::serverList().contains(QStringLiteral("home")));
 }
 
+void RosterWidgetTest::serverThatCameBackUnseenIsTheNewOne()
+{
+    setWorld(homeAndShop());
+    Stage stage;
+    const API::ServerPtr old = worldServer(QStringLiteral("home"));
+    setWorld({});
+    QList<WorldServer> world = homeAndShop();
+    world.first().alias = QStringLiteral("Zoo");
+    setWorld(world);
+    stage.roster.updateRoster();
+    QTRY_COMPARE(stage.aliases(), QStringList({"Shop", "Zoo"}));
+    QVERIFY(worldServer(QStringLiteral("home")) != old);
+    QCOMPARE(stage.entry(QStringLiteral("home"))->server(), worldServer(QStringLiteral("home")));
+    QCOMPARE(stage.entry(QStringLiteral("home"))->cameraWidgets().size(), 2);
+}
+
+void RosterWidgetTest::cardLeavesTheRosterWithItsMenuOpen()
+{
+    setWorld(homeAndShop());
+    Stage stage;
+    const QPointer<CameraWidget> card(stage.entry(QStringLiteral("home"))->cameraWidgets().first());
+    auto *button = card->findChild<QPushButton *>("previewMenu");
+    const QPointer<QMenu> menu(button->menu());
+    bool opened = false;
+    QTimer::singleShot(0, &stage.roster, [&] {
+        opened = menu->isVisible();
+        setWorld({homeAndShop().last()});
+        stage.roster.updateRoster();
+    });
+    QTest::mousePress(button, Qt::LeftButton);
+    QVERIFY(opened);
+    QTRY_VERIFY(!card);
+    QVERIFY(!menu);
+    QCOMPARE(stage.aliases(), QStringList{"Shop"});
+}
+
+void RosterWidgetTest::rosterThatComesAndGoesLeavesNothingBehind()
+{
+    const auto poll = [](RosterWidget &roster, const QList<WorldServer> &world) {
+        setWorld(world);
+        roster.updateRoster();
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    };
+    QList<WorldServer> changed{homeAndShop().last(), manyCameras(30)};
+    changed.first().cameras.removeFirst();
+    changed.first().online = false;
+    changed.last().cameras.first().online = false;
+
+    Stage stage;
+    poll(stage.roster, changed);
+    poll(stage.roster, homeAndShop());
+    const QPointer<QObject> shop(stage.entry(QStringLiteral("shop")));
+    const int objects = stage.roster.findChildren<QObject *>().size();
+    for (int round = 0; round < 12; ++round) {
+        poll(stage.roster, changed);
+        poll(stage.roster, homeAndShop());
+    }
+    QCOMPARE(stage.roster.findChildren<QObject *>().size(), objects);
+    QCOMPARE(stage.entry(QStringLiteral("shop")), shop.data());
+    QCOMPARE(stage.aliases(), QStringList({"My Home", "Shop"}));
+}
+
 void RosterWidgetTest::largeRosterMakesCardsAsTheyAreSeen()
 {
     setWorld({manyCameras(1000)});
@@ -434,6 +503,19 @@ void RosterWidgetTest::signalsReachTheWindow()
             QCOMPARE(std::count_if(actions.begin(), actions.end(), disabled), 1);
         }
     }
+}
+
+void RosterWidgetTest::laterServersCannotBeAddedEither()
+{
+    setWorld({});
+    Stage stage;
+    stage.roster.setAddToLayoutEnabled(false);
+    setWorld(homeAndShop());
+    stage.roster.updateRoster();
+    CameraWidget *card = stage.entry(QStringLiteral("home"))->cameraWidgets().first();
+    const auto actions = card->findChild<QPushButton *>("previewMenu")->menu()->actions();
+    QCOMPARE(actions.at(1)->text(), QStringLiteral("Add to layout"));
+    QVERIFY(!actions.at(1)->isEnabled());
 }
 
 QTEST_MAIN(RosterWidgetTest)

@@ -37,6 +37,7 @@ private slots:
     void newObjectUnderAnOldNumberGetsANewCard();
     void serverWithoutCamerasSaysSo();
     void onlyALanServerHasAMenu();
+    void headingStandsInOrder();
     void headingOpensAndCloses_data();
     void headingOpensAndCloses();
     void firstSavedExpansionCounts();
@@ -45,6 +46,7 @@ private slots:
     void nameFollowsTheServer();
     void dragCarriesTheServer();
     void signalsOfTheCardsAreRelayed();
+    void laterCardsCannotBeAddedEither();
 };
 
 namespace {
@@ -189,6 +191,25 @@ void ServerWidgetTest::onlyALanServerHasAMenu()
     QCOMPARE(deleted, server);
 }
 
+void ServerWidgetTest::headingStandsInOrder()
+{
+    // A LAN server is offline until it answers.
+    const Stage lan(API::LocalServerPtr::create(QStringLiteral("LAN"), QStringLiteral("127.0.0.1"),
+                                                MisbehavingServer::deadPort(),
+                                                QStringLiteral("password")));
+    int right = -1;
+    for (const char *name :
+         {"expandButton", "serverName", "settingsButton", "serverOfflineImage"}) {
+        const QWidget *part = lan.part(name);
+        QVERIFY(part->isVisible());
+        QVERIFY2(part->x() > right, name);
+        right = part->geometry().right();
+    }
+    QVERIFY(right < 240);
+    QCOMPARE(lan.part("settingsButton")->height(), 32);
+    QCOMPARE(lan.part("serverName")->height(), 24);
+}
+
 void ServerWidgetTest::headingOpensAndCloses_data()
 {
     QTest::addColumn<QByteArray>("part");
@@ -314,6 +335,23 @@ void ServerWidgetTest::signalsOfTheCardsAreRelayed()
     QCOMPARE(heard, QStringList({"open", "add", "window"}));
     stage.entry->setAddToLayoutEnabled(false);
     QVERIFY(!actions.at(1)->isEnabled());
+}
+
+void ServerWidgetTest::laterCardsCannotBeAddedEither()
+{
+    const API::ServerPtr server = makeServer({{1, QStringLiteral("One")}});
+    const Stage stage(server);
+    stage.entry->setAddToLayoutEnabled(false);
+    server->clearCameras();
+    makeServer({{1, QStringLiteral("One")}, {2, QStringLiteral("Two")}});
+    stage.entry->updateServer(server);
+    const QList<CameraWidget *> cards = stage.entry->cameraWidgets();
+    QCOMPARE(cards.size(), 2);
+    for (CameraWidget *card : cards) {
+        card->prepare();
+        const auto actions = card->findChild<QPushButton *>("previewMenu")->menu()->actions();
+        QVERIFY(!actions.at(1)->isEnabled());
+    }
 }
 
 QTEST_MAIN(ServerWidgetTest)

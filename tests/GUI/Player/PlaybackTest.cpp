@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include <QProcess>
 #include <QSignalSpy>
 #include <QtTest>
 
 #include "API/Camera.h"
-#include "API/Server.h"
 #include "GUI/Player/VideoWidget.h"
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/LogCapture.h"
@@ -51,12 +49,6 @@ QString urlKey(const ScriptedChild &child, const QString &name)
     return QRegularExpression(QStringLiteral("[?&]%1=([^&]*)").arg(name)).match(url).captured(1);
 }
 
-QString reloadLine(int count)
-{
-    return QStringLiteral("Camera \"Door\" freezed and reload by timer. Reloads count: %1")
-        .arg(count);
-}
-
 } // namespace
 
 /// When a tile starts and ends its child, and what it shows meanwhile.
@@ -83,13 +75,6 @@ private slots:
     void qualityGoesOnWhereTheArchiveWas();
     void flagsInLivePlay();
     void flagsInTheArchive();
-    void errorIsReloadedAfterTenSeconds();
-    void reloadsEndAfterThree();
-    void deathInPlayIsReloaded();
-    void whatIsNotReloaded_data();
-    void whatIsNotReloaded();
-    void errorInTheArchive();
-    void unpausedIdleTileStarts();
     void lastWordsOfAChildAreDropped();
     void clickTellsTheCameraAndDumps();
 };
@@ -372,151 +357,6 @@ void PlaybackTest::flagsInTheArchive()
     QCOMPARE(stateOf(tile), QStringLiteral("Playing"));
     camera->setFlags(0);
     QCOMPARE(child.starts().size(), 1);
-}
-
-void PlaybackTest::errorIsReloadedAfterTenSeconds()
-{
-    FakeClock clock(noon);
-    ScriptedChild child({"print frame\\n", "wait fail", "print state 7\\n"});
-    VideoWidget tile(localCamera());
-    QVERIFY(tile.playLive());
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-    clock.advance(100);
-    tick(tile);
-    QCOMPARE(stateOf(tile), QStringLiteral("Playing"));
-    child.tell(QStringLiteral("fail"));
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Error"));
-
-    const LogCapture log;
-    clock.advance(10);
-    tick(tile);
-    QCOMPARE(stateOf(tile), QStringLiteral("Error"));
-    QVERIFY(log.linesOf(QStringLiteral("Camera \"Door\" freezed")).isEmpty());
-    clock.advance(1);
-    child.setScript(playing);
-    tick(tile);
-    QCOMPARE(log.linesOf(QStringLiteral("Camera \"Door\" freezed")), QStringList{reloadLine(1)});
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-    QCOMPARE(child.starts().size(), 2);
-    QVERIFY(dumpOf(tile).contains(QLatin1String("reloads count: 1 ")));
-    QCOMPARE(tile.playbackTime(), clock.now());
-}
-
-void PlaybackTest::reloadsEndAfterThree()
-{
-    FakeClock clock(noon);
-    ScriptedChild child(failing);
-    VideoWidget tile(localCamera());
-    tile.resize(320, 240);
-    tile.show();
-    const LogCapture log;
-    QVERIFY(tile.playLive());
-    for (int reload = 1; reload <= 3; ++reload) {
-        QTRY_COMPARE(stateOf(tile), QStringLiteral("Error"));
-        clock.advance(11);
-        tick(tile);
-        QTRY_COMPARE(child.starts().size(), reload + 1);
-    }
-    QCOMPARE(log.linesOf(QStringLiteral("Camera \"Door\" freezed")),
-             QStringList({reloadLine(1), reloadLine(2), reloadLine(3)}));
-
-    // The fourth error is not waited on.
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Error"));
-    tick(tile);
-    QCOMPARE(stateOf(tile), QStringLiteral("Idle"));
-    QVERIFY(showsText(tile, QStringLiteral("No video available")));
-    QVERIFY(!ScriptedChild::isAlive(child.lastProcessId()));
-
-    // A start by anybody else counts from the beginning.
-    child.setScript(playing);
-    QVERIFY(tile.playLive());
-    QVERIFY(dumpOf(tile).contains(QLatin1String("reloads count: 0 ")));
-}
-
-void PlaybackTest::deathInPlayIsReloaded()
-{
-    FakeClock clock(noon);
-    ScriptedChild child({"print frame\\n", "wait die", "die"});
-    VideoWidget tile(localCamera());
-    QVERIFY(tile.playLive());
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-    clock.advance(11);
-    tick(tile);
-    child.tell(QStringLiteral("die"));
-    const QProcess &process = *tile.findChild<QProcess *>();
-    QTRY_COMPARE(process.state(), QProcess::NotRunning);
-    QCOMPARE(stateOf(tile), QStringLiteral("Playing"));
-    child.setScript(playing);
-    tick(tile);
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-    QTRY_COMPARE(child.starts().size(), 2);
-}
-
-void PlaybackTest::whatIsNotReloaded_data()
-{
-    QTest::addColumn<QStringList>("script");
-    QTest::addColumn<bool>("archive");
-    QTest::addColumn<QString>("state");
-    QTest::newRow("dies starting") << QStringList{"exit 0"} << false << "Starting";
-    QTest::newRow("dies paused") << QStringList{"print state 4\\n", "exit 0"} << false << "Paused";
-    QTest::newRow("dies in the archive")
-        << QStringList{"print frame\\n", "exit 0"} << true << "Playing";
-    QTest::newRow("ends by itself, in the archive")
-        << QStringList{"print frame\\nstate 6\\n", "exit 0"} << true << "Playing";
-}
-
-void PlaybackTest::whatIsNotReloaded()
-{
-    QFETCH(QStringList, script);
-    QFETCH(bool, archive);
-    QFETCH(QString, state);
-    FakeClock clock(noon);
-    ScriptedChild child(script);
-    VideoWidget tile(localCamera());
-    QVERIFY(archive ? tile.playArchive(noon, noon.addSecs(60), 1) : tile.playLive());
-    const QProcess &process = *tile.findChild<QProcess *>();
-    QTRY_COMPARE(process.state(), QProcess::NotRunning);
-    QTRY_COMPARE(stateOf(tile), state);
-    clock.advance(1000);
-    tick(tile);
-    QCOMPARE(stateOf(tile), state);
-    QCOMPARE(child.starts().size(), 1);
-}
-
-void PlaybackTest::errorInTheArchive()
-{
-    FakeClock clock(noon);
-    ScriptedChild child({"print frame\\n", "wait fail", "print state 7\\n"});
-    VideoWidget tile(localCamera());
-    tile.resize(320, 240);
-    tile.show();
-    QVERIFY(tile.playArchive(noon, noon.addSecs(60), 1));
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-    child.tell(QStringLiteral("fail"));
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Error"));
-    QVERIFY(!ScriptedChild::isAlive(child.lastProcessId()));
-    QVERIFY(showsText(tile, QString()));
-    clock.advance(1000);
-    tick(tile);
-    QCOMPARE(stateOf(tile), QStringLiteral("Error"));
-    QCOMPARE(child.starts().size(), 1);
-}
-
-void PlaybackTest::unpausedIdleTileStarts()
-{
-    FakeClock clock(noon);
-    ScriptedChild child(playing);
-    VideoWidget tile(localCamera());
-    QVERIFY(tile.playLive());
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-    tile.stop();
-    tile.unpause();
-    QCOMPARE(stateOf(tile), QStringLiteral("Playing"));
-    tick(tile);
-    QCOMPARE(child.starts().size(), 1);
-    clock.advance(11);
-    tick(tile);
-    QTRY_COMPARE(child.starts().size(), 2);
 }
 
 void PlaybackTest::lastWordsOfAChildAreDropped()

@@ -5,10 +5,14 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMimeData>
+#include <QPointer>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QStandardPaths>
+#include <QTimer>
 #include <QtTest>
+
+#include <memory>
 
 #include "API/Camera.h"
 #include "GUI/Player/VideoWidget.h"
@@ -104,6 +108,7 @@ private slots:
     void dropBorder();
     void barsFollowTheMouse();
     void barsStayForTheMenu();
+    void buttonComesBackFromItsMenu();
     void doubleClickOnABarIsEaten_data();
     void doubleClickOnABarIsEaten();
     void nameIsElided();
@@ -311,6 +316,27 @@ void TilePaintTest::barsStayForTheMenu()
     QTRY_VERIFY(menu.isVisible());
     menu.hide();
     QVERIFY(!top.isVisible());
+}
+
+void TilePaintTest::buttonComesBackFromItsMenu()
+{
+    auto tile = std::make_unique<VideoWidget>(localCamera());
+    tile->resize(320, 240);
+    tile->show();
+    sendEnter(*tile);
+    const QPointer<QPushButton> button =
+        tile->findChild<QPushButton *>(QStringLiteral("settingsButton"));
+    const QPointer<QMenu> menu = button->menu();
+    QSignalSpy hidden(menu, &QMenu::aboutToHide);
+    QTimer::singleShot(0, menu, [menu] { menu->hide(); });
+    // A menu that goes on waiting is let go together with its tile.
+    QTimer::singleShot(5000, menu, [&tile] { tile.reset(); });
+    QTest::mousePress(button, Qt::LeftButton);
+    QVERIFY(button);
+    QTest::mouseRelease(button, Qt::LeftButton);
+    QVERIFY(!menu->isVisible());
+    QCOMPARE(hidden.size(), 1);
+    QVERIFY(!button->isDown());
 }
 
 void TilePaintTest::doubleClickOnABarIsEaten_data()

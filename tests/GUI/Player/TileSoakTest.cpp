@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QtTest>
@@ -9,11 +7,10 @@
 #include <csignal>
 #include <memory>
 
-#include <unistd.h>
-
 #include "GUI/Player/VideoWidget.h"
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ProcessTraces.h"
 #include "tests/support/ScriptedChild.h"
 
 using namespace ZorvaneClient;
@@ -29,48 +26,14 @@ constexpr bool memoryTells = true;
 #endif
 
 constexpr int usualCycles = 25;
+constexpr int longCycles = 500;
 constexpr int warmUpCycles = 5;
 constexpr qint64 memoryGrowthLimit = 4 << 20;
 
-/// Set ZORVANE_SOAK=500 for a long run.
 int soakCycles()
 {
-    bool isSet = false;
-    const int cycles = qEnvironmentVariableIntValue("ZORVANE_SOAK", &isSet);
-    return isSet ? cycles : usualCycles;
+    return qEnvironmentVariableIsSet("ZORVANE_SOAK") ? longCycles : usualCycles;
 }
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-qint64 residentBytes()
-{
-    const QByteArray pages = contentOf(QStringLiteral("/proc/self/statm")).split(' ').value(1);
-    return pages.toLongLong() * ::sysconf(_SC_PAGESIZE);
-}
-
-int childCount()
-{
-    const QByteArray self = QByteArray::number(static_cast<qint64>(::getpid()));
-    int count = 0;
-    const QStringList processes = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
-    for (const QString &process : processes) {
-        const QByteArray status = contentOf("/proc/" + process + "/stat");
-        count += status.mid(status.lastIndexOf(')') + 4).split(' ').first() == self;
-    }
-    return count;
-}
-
-/// What a tile could leave behind.
-struct Traces {
-    int descriptors = QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::Files).size();
-    int mappings = contentOf(QStringLiteral("/proc/self/maps")).count("zorvane-player-");
-    int files = QDir::temp().entryList({QStringLiteral("zorvane-player-*")}).size();
-    int children = childCount();
-};
 
 } // namespace
 
@@ -84,12 +47,6 @@ private slots:
     void kills();
 };
 
-#define COMPARE_TRACES(now, before)                                                                \
-    QCOMPARE(now.descriptors, before.descriptors);                                                 \
-    QCOMPARE(now.mappings, before.mappings);                                                       \
-    QCOMPARE(now.files, before.files);                                                             \
-    QCOMPARE(now.children, before.children)
-
 void TileSoakTest::openAndClose()
 {
     const LogCapture log; // keeps the console quiet
@@ -97,11 +54,11 @@ void TileSoakTest::openAndClose()
     QWidget window;
     window.resize(640, 480);
     window.show();
-    Traces before;
+    ProcessTraces before;
     qint64 memoryBefore = 0;
     for (int cycle = -warmUpCycles; cycle < soakCycles(); ++cycle) {
         if (cycle == 0) {
-            before = Traces();
+            before = ProcessTraces::now();
             memoryBefore = residentBytes();
         }
         auto tile = std::make_unique<VideoWidget>(localCamera(), &window);
@@ -109,14 +66,13 @@ void TileSoakTest::openAndClose()
         tile->show();
         QVERIFY(tile->playLive());
         if (cycle == 0) {
-            QCOMPARE(Traces().mappings, before.mappings + 1);
-            QCOMPARE(Traces().children, before.children + 1);
+            QCOMPARE(ProcessTraces::now().mappings, before.mappings + 1);
+            QCOMPARE(ProcessTraces::now().children, before.children + 1);
         }
         QTRY_COMPARE(stateOf(*tile), QStringLiteral("Playing"));
         QCOMPARE(pixelOf(*tile, 320, 180), QColor(Qt::red));
     }
-    const Traces after;
-    COMPARE_TRACES(after, before);
+    QCOMPARE(ProcessTraces::now().text(), before.text());
     if (memoryTells)
         QVERIFY2(residentBytes() - memoryBefore < memoryGrowthLimit,
                  qPrintable(QString::number(residentBytes() - memoryBefore)));
@@ -130,7 +86,7 @@ void TileSoakTest::kills()
     FakeClock clock(QDateTime(QDate(2015, 3, 3), QTime(12, 0, 0)));
     ScriptedChild child({"solid 640 360 ff0000ff", "print size 640 360\\n", "flood 20 frame\\n",
                          "pace 500 frame\\n"});
-    const Traces before;
+    const ProcessTraces before = ProcessTraces::now();
     {
         VideoWidget tile(localCamera());
         tile.resize(640, 360);
@@ -159,8 +115,7 @@ void TileSoakTest::kills()
         QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
         QCOMPARE(pixelOf(tile, 320, 180), QColor(Qt::red));
     }
-    const Traces after;
-    COMPARE_TRACES(after, before);
+    QCOMPARE(ProcessTraces::now().text(), before.text());
 }
 
 QTEST_MAIN(TileSoakTest)
