@@ -42,7 +42,8 @@ constexpr auto maxWait = milliseconds(5000);
 /// Times go out with frames, and also without when those come slowly.
 constexpr auto timeLineInterval = milliseconds(120);
 constexpr auto maxTimeLineInterval = milliseconds(200);
-/// How far the time runs on without a new picture.
+/// Without a new picture the time runs on for as long as the last two were apart, within these.
+constexpr auto minTimeAhead = milliseconds(250);
 constexpr auto maxTimeAhead = milliseconds(1500);
 constexpr auto bufferingAfter = milliseconds(2000);
 constexpr auto idleInterval = milliseconds(100);
@@ -156,8 +157,12 @@ void Player::present(const AVFrame &picture)
         picture.pts == AV_NOPTS_VALUE ? lastShownPosition : Time(milliseconds(picture.pts));
     keepClock(position);
     decoder.setHurry(controls.now() - clock.due(position) > hurryLateness);
-    if (isSkipped(position))
+    if (isSkipped(position)) {
+        // The client's clock goes on even where its pictures don't.
+        tellTime(position, maxTimeLineInterval);
+        flush();
         return;
+    }
     waitUntilDue(position);
     controls.waitWhilePaused();
     show(picture, position);
@@ -169,9 +174,8 @@ void Player::keepClock(Time position)
 {
     const Time now = controls.now();
     const Time late = now - clock.due(position);
-    const bool newerWaits = !videoPackets.isEmpty();
-    const bool streamIsLate =
-        late > Time(0) && (!newerWaits || (ranDry && !arguments.live) || late > maxLateness);
+    const bool waitedForStream = ranDry || videoPackets.isEmpty();
+    const bool streamIsLate = late > Time(0) && (waitedForStream || late > maxLateness);
     if (!clock.isRunning() || streamIsLate || -late > maxWait)
         clock.anchor(position, now);
     ranDry = false;
@@ -233,6 +237,7 @@ void Player::show(const AVFrame &picture, Time position)
     }
     enter(Phase::Playing);
     lastShown = controls.now();
+    timeAhead = std::clamp<Time>(position - lastShownPosition, minTimeAhead, maxTimeAhead);
     lastShownPosition = position;
     tellTime(position, timeLineInterval);
     output.frame();
@@ -247,8 +252,7 @@ void Player::whileIdle()
     if (now - lastShown > bufferingAfter)
         enter(Phase::Buffering);
     else
-        tellTime(std::min<Time>(clock.position(now), lastShownPosition + maxTimeAhead),
-                 maxTimeLineInterval);
+        tellTime(std::min(clock.position(now), lastShownPosition + timeAhead), maxTimeLineInterval);
     flush();
 }
 

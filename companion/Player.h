@@ -81,6 +81,7 @@ private:
     std::optional<Time> packetSince;
     std::optional<std::chrono::steady_clock::time_point> lastPacket;
     Time lastShownPosition{0};
+    Time timeAhead{0};
     Time lastShown{0};
     std::optional<std::chrono::milliseconds> toldPosition;
     Time lastTold{0};

@@ -299,7 +299,7 @@ HttpReply Faults::apply(const HttpRequest &request, HttpReply reply)
     if (!running && !fault)
         return reply;
     const auto write = running ? reply.stream : [body = reply.body](BodySink &sink) {
-        sink.write(body.data(), body.size());
+        return sink.write(body.data(), body.size());
     };
     if (!running) {
         // The receiver is told the whole length and can see that a part is missing.
@@ -307,7 +307,7 @@ HttpReply Faults::apply(const HttpRequest &request, HttpReply reply)
     }
     reply.stream = [this, request, fault, write](BodySink &sink) {
         FaultySink faulty(sink, *this, request, fault);
-        write(faulty);
+        return write(faulty);
     };
     return reply;
 }

@@ -159,16 +159,16 @@ HttpReply FlvService::live(const HttpRequest &request)
     reply.contentType = contentType;
     reply.stream = [this, request, camera = result.camera](BodySink &sink) {
         const Counted counted(streams);
-        sendLive(request, camera, sink);
+        return sendLive(request, camera, sink);
     };
     return reply;
 }
 
-void FlvService::sendLive(const HttpRequest &request, const Camera &camera, BodySink &sink) const
+bool FlvService::sendLive(const HttpRequest &request, const Camera &camera, BodySink &sink) const
 {
     Feed feed(clips, camera, requestedQuality(request), sink);
     if (!feed.isReady() || !feed.begin(nowMs()))
-        return;
+        return false;
     std::uint64_t generation = world.generation();
     std::int64_t checkedMs = nowMs();
     for (;;) {
@@ -178,12 +178,12 @@ void FlvService::sendLive(const HttpRequest &request, const Camera &camera, Body
             generation = world.generation();
             checkedMs = now;
             if (access.check(request, Access::Need::Live).status != 200)
-                return;
+                return true;
         }
         if (now - feed.nextMs() > largestLagMs)
             feed.seek(now);
         if (!feed.send(1))
-            return;
+            return false;
     }
 }
 
@@ -210,17 +210,17 @@ HttpReply FlvService::archive(const HttpRequest &request)
     reply.contentType = contentType;
     reply.stream = [this, request, camera = result.camera, span](BodySink &sink) {
         const Counted counted(streams);
-        sendArchive(request, camera, span, sink);
+        return sendArchive(request, camera, span, sink);
     };
     return reply;
 }
 
-void FlvService::sendArchive(const HttpRequest &request, const Camera &camera, const Span &span,
+bool FlvService::sendArchive(const HttpRequest &request, const Camera &camera, const Span &span,
                              BodySink &sink) const
 {
     Feed feed(clips, camera, requestedQuality(request), sink);
     if (!feed.isReady() || !feed.begin(span.startMs))
-        return;
+        return false;
     const std::int64_t beganMs = nowMs();
     const std::int64_t firstMs = feed.nextMs();
     std::int64_t endMs = 0;
@@ -232,7 +232,7 @@ void FlvService::sendArchive(const HttpRequest &request, const Camera &camera, c
                 Archive(camera.number, nowMs()).recordAt(std::max(moment, span.startMs));
             const bool over = !record || (!span.paced && moment >= span.endMs);
             if (over || access.check(request, Access::Need::Archive).status != 200)
-                return;
+                return true;
             endMs = std::min(record->endMs, moment + secondMs);
             if (!span.paced)
                 endMs = std::min(endMs, span.endMs);
@@ -240,7 +240,7 @@ void FlvService::sendArchive(const HttpRequest &request, const Camera &camera, c
         if (span.paced)
             sleepUntil(beganMs + (moment - firstMs) / span.speed);
         if (!feed.send(span.speed))
-            return;
+            return false;
     }
 }
 

@@ -34,8 +34,9 @@ private:
     struct Span;
     class Feed;
 
-    void sendLive(const HttpRequest &request, const Camera &camera, BodySink &sink) const;
-    void sendArchive(const HttpRequest &request, const Camera &camera, const Span &span,
+    // True when the stream came to its end, false when the receiver is gone.
+    bool sendLive(const HttpRequest &request, const Camera &camera, BodySink &sink) const;
+    bool sendArchive(const HttpRequest &request, const Camera &camera, const Span &span,
                      BodySink &sink) const;
 
     const World &world;

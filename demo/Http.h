@@ -44,9 +44,10 @@ struct HttpReply {
     std::string contentType = "text/plain";
     std::string body;
     std::vector<std::pair<std::string, std::string>> headers;
-    /// When set, writes a body of unknown length in place of `body`; the connection closes
-    /// behind it.
-    std::function<void(BodySink &)> stream;
+    /// When set, writes the body in place of `body`: in chunks, unless the headers tell its
+    /// length. True when it came to its end, false when it broke off; the connection closes
+    /// either way.
+    std::function<bool(BodySink &)> stream;
     /// The connection closes without any reply.
     bool hangUp = false;
 };

@@ -142,14 +142,17 @@ void send(const HttpRequest &request, const HttpReply &reply, httplib::Response 
         return;
     }
     to->set_header("Connection", "close");
-    to->set_content_provider(reply.contentType, [request, stream = reply.stream](
-                                                    std::size_t, httplib::DataSink &target) {
+    const auto provide = [request, stream = reply.stream](std::size_t, httplib::DataSink &target) {
         Sink sink(target);
-        stream(sink);
+        if (stream(sink))
+            target.done();
         hangUp(request);
-        target.done();
-        return true;
-    });
+        return false;
+    };
+    if (to->has_header("Content-Length"))
+        to->set_content_provider(reply.contentType, provide);
+    else
+        to->set_chunked_content_provider(reply.contentType, provide);
 }
 
 } // namespace

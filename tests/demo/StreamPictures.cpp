@@ -71,8 +71,9 @@ StreamPictures StreamPictures::from(const QString &url, int count, int timeoutMs
     const std::unique_ptr<AVFrame, Deleter> frame(av_frame_alloc());
     bool open = false;
     while (result.pictures.size() < count) {
-        if (av_read_frame(input.get(), packet.get()) < 0) {
-            result.ended = interrupted(&deadline) == 0;
+        const int read = av_read_frame(input.get(), packet.get());
+        if (read < 0) {
+            result.ended = read == AVERROR_EOF;
             return result;
         }
         const AVCodecParameters *parameters = input->streams[packet->stream_index]->codecpar;

@@ -19,7 +19,7 @@ struct StreamPictures {
     QVector<Picture> pictures;
     bool sound = false; ///< MP3 sound was among the packets
     bool opened = false;
-    bool ended = false;   ///< the stream came to its end before enough pictures
+    bool ended = false;   ///< the stream came to its proper end before enough pictures
     bool damaged = false; ///< the decoder met faults
 
     /// Opens `url`, decodes up to `count` pictures and closes it. Blocks; gives up after
