@@ -6,6 +6,10 @@
 
 #include "companion/AvHandles.h"
 
+extern "C" {
+#include <libavutil/log.h>
+}
+
 namespace ZorvaneClient {
 namespace Bench {
 
@@ -85,6 +89,7 @@ double decodeMilliseconds(const QByteArray &path, Pace pace)
         return 0;
     const pid_t child = fork();
     if (child == 0) {
+        av_log_set_level(AV_LOG_QUIET);
         const double result = decodeFile(path, pace);
         const ssize_t written = write(ends[1], &result, sizeof result);
         _exit(written == sizeof result ? 0 : 1);

@@ -7,7 +7,6 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
-#include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -16,13 +15,15 @@
 #include <optional>
 #include <vector>
 
-#include "companion/AvHandles.h"
+#include "bench/DecodeLoop.h"
 #include "tests/support/FlvClip.h"
 #include "tests/support/PlayerProcess.h"
 #include "tests/support/StreamServer.h"
 
 using namespace ZorvaneClient::Tests;
-using namespace ZorvaneClient::Companion;
+using ZorvaneClient::Bench::decodeMilliseconds;
+using ZorvaneClient::Bench::millisecondsOf;
+using ZorvaneClient::Bench::Pace;
 
 namespace {
 
@@ -30,14 +31,11 @@ constexpr int runs = 5;
 constexpr int startRuns = 9;
 constexpr int clipMilliseconds = 9000;
 constexpr int measuredPictures = 200;
-constexpr long pictureNanoseconds = 40'000'000;
 constexpr int runLimitMilliseconds = 30'000;
 
 constexpr double maxCpuRatio = 1.15;
 constexpr double maxMebibytes = 60;
 constexpr double maxFirstFrameMilliseconds = 150;
-
-enum class Pace { Stream, FlatOut };
 
 struct PlayerRun {
     double cpuMilliseconds = 0; ///< for each picture after the first
@@ -49,87 +47,6 @@ double median(std::vector<double> values)
 {
     std::sort(values.begin(), values.end());
     return values.at(values.size() / 2);
-}
-
-double millisecondsOf(clockid_t id)
-{
-    timespec time = {};
-    clock_gettime(id, &time);
-    return time.tv_sec * 1e3 + time.tv_nsec / 1e6;
-}
-
-CodecHandle openDecoder(const AVCodecParameters *parameters)
-{
-    const AVCodec *decoder = avcodec_find_decoder(parameters->codec_id);
-    CodecHandle codec(avcodec_alloc_context3(decoder));
-    avcodec_parameters_to_context(codec.get(), parameters);
-    codec->thread_count = 1;
-    avcodec_open2(codec.get(), decoder, nullptr);
-    return codec;
-}
-
-void sleepUntil(timespec &due)
-{
-    due.tv_nsec += pictureNanoseconds;
-    if (due.tv_nsec >= 1'000'000'000) {
-        due.tv_nsec -= 1'000'000'000;
-        ++due.tv_sec;
-    }
-    clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &due, nullptr);
-}
-
-/// Processor time for each picture after the first, in this process.
-double decodeFile(const QByteArray &path, Pace pace)
-{
-    AVFormatContext *context = avformat_alloc_context();
-    context->flags |= AVFMT_FLAG_NOPARSE | AVFMT_FLAG_NOFILLIN;
-    if (avformat_open_input(&context, path.constData(), nullptr, nullptr) < 0)
-        return 0;
-    const FormatHandle input(context);
-    const PacketHandle packet(av_packet_alloc());
-    const FrameHandle frame(av_frame_alloc());
-    CodecHandle codec;
-    int pictures = -1;
-    double started = 0;
-    timespec due = {};
-    clock_gettime(CLOCK_MONOTONIC, &due);
-    while (pictures < measuredPictures && av_read_frame(input.get(), packet.get()) >= 0) {
-        const AVStream *stream = input->streams[packet->stream_index];
-        if (stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO) {
-            if (!codec)
-                codec = openDecoder(stream->codecpar);
-            if (pace == Pace::Stream)
-                sleepUntil(due);
-            avcodec_send_packet(codec.get(), packet.get());
-            while (avcodec_receive_frame(codec.get(), frame.get()) >= 0) {
-                if (++pictures == 0)
-                    started = millisecondsOf(CLOCK_PROCESS_CPUTIME_ID);
-            }
-        }
-        av_packet_unref(packet.get());
-    }
-    return (millisecondsOf(CLOCK_PROCESS_CPUTIME_ID) - started) / pictures;
-}
-
-/// `decodeFile()` in a process of its own.
-double decodeInChild(const QByteArray &path, Pace pace)
-{
-    int ends[2];
-    if (pipe(ends) != 0)
-        return 0;
-    const pid_t child = fork();
-    if (child == 0) {
-        const double result = decodeFile(path, pace);
-        const ssize_t written = write(ends[1], &result, sizeof result);
-        _exit(written == sizeof result ? 0 : 1);
-    }
-    close(ends[1]);
-    double result = 0;
-    if (read(ends[0], &result, sizeof result) != sizeof result)
-        result = 0;
-    close(ends[0]);
-    waitpid(child, nullptr, 0);
-    return result;
 }
 
 double peakMebibytes(qint64 pid)
@@ -197,7 +114,6 @@ FlvClip cameraClip()
 int main(int argc, char *argv[])
 {
     const QCoreApplication application(argc, argv);
-    av_log_set_level(AV_LOG_QUIET);
     StreamScript script;
     script.clip = cameraClip();
     script.burst = 100; // whatever time stamp the encoder gave it, the key frame is there at once
@@ -219,8 +135,8 @@ int main(int argc, char *argv[])
     std::vector<double> firstFrame;
     const QByteArray path = QFile::encodeName(file.fileName());
     for (int i = 0; i < runs; ++i) {
-        decodeFlatOut.push_back(decodeInChild(path, Pace::FlatOut));
-        decodePaced.push_back(decodeInChild(path, Pace::Stream));
+        decodeFlatOut.push_back(decodeMilliseconds(path, Pace::FlatOut));
+        decodePaced.push_back(decodeMilliseconds(path, Pace::Stream));
         const auto run = play(server, measuredPictures + 1);
         if (!run) {
             std::fprintf(stderr, "bench_player: the player showed too few pictures\n");

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QMimeData>
+#include <QString>
+#include <QVector>
+
+#include <memory>
+
+#include "API/Types.h"
+
+namespace ZorvaneClient {
+
+namespace GUI {
+class LayoutCard;
+class LayoutWidget;
+class MainWindow;
+} // namespace GUI
+
+namespace Tests {
+
+/// Which camera should stand in which cell, by the numbers of their strips.
+class WallPlan
+{
+public:
+    WallPlan() = default;
+    WallPlan(int rows, int columns);
+
+    int rows() const;
+    int columns() const;
+    /// 0 for an empty cell.
+    int at(int row, int column) const;
+    void set(int row, int column, int camera);
+    void exchange(API::LayoutPoint a, API::LayoutPoint b);
+    /// Keeps what stands inside the new size.
+    void resize(int rows, int columns);
+    /// Puts `camera` into the first empty cell, row by row.
+    void append(int camera);
+
+    /// Such as "3 . | . 7": rows from top to bottom, a point for an empty cell.
+    QString text() const;
+
+private:
+    int rowCount = 0;
+    int columnCount = 0;
+    QVector<int> cells;
+};
+
+GUI::LayoutWidget *gridOf(GUI::MainWindow *window);
+/// The tile or placeholder that covers the middle of a cell in a grid of so many cells; null
+/// before the grid has been laid out.
+QWidget *widgetInCell(GUI::LayoutWidget *grid, API::LayoutPoint cell, int rows, int columns);
+/// What the painted grid shows, read from the strips, in the form of WallPlan::text();
+/// "?" for a tile without a readable picture, "-" where no cell is.
+QString paintedWall(GUI::MainWindow *window, int rows, int columns);
+/// True once every tile of the window shows a later picture than now.
+bool everyTileMoves(GUI::MainWindow *window);
+
+// What the cards and tiles put into their drags.
+std::unique_ptr<QMimeData> cameraDrag(const QString &server, int camera);
+std::unique_ptr<QMimeData> serverDrag(const QString &server);
+std::unique_ptr<QMimeData> tileDrag(API::LayoutPoint cell);
+/// Enters and drops on `target` or, where that refuses, on what it stands in; false if nobody
+/// takes it.
+bool dropOn(QWidget *target, const QMimeData &data, Qt::DropAction action);
+
+/// Presses the button of that object name in the window.
+void press(GUI::MainWindow *window, const char *button);
+/// The card of that caption in the list of layouts, or null.
+GUI::LayoutCard *layoutCard(GUI::MainWindow *window, const QString &name);
+
+} // namespace Tests
+} // namespace ZorvaneClient
