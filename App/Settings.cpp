@@ -17,8 +17,7 @@ public:
 
 } // namespace Internal
 
-Settings::Settings()
-    : d(new Internal::SettingsPrivate)
+Settings::Settings() : d(new Internal::SettingsPrivate)
 {
 }
 

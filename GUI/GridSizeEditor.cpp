@@ -26,8 +26,7 @@ const QColor hoverColor(62, 183, 253, 255);
 
 } // namespace
 
-GridSizeEditor::GridSizeEditor(QWidget *parent)
-    : QWidget(parent, Qt::Popup)
+GridSizeEditor::GridSizeEditor(QWidget *parent) : QWidget(parent, Qt::Popup)
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setAttribute(Qt::WA_TranslucentBackground);
@@ -48,8 +47,8 @@ GridSize GridSizeEditor::sizeAt(const QPoint &position, const QSize &size)
 {
     const int right = size.width() - 1;
     const int bottom = size.height() - 1;
-    if (position.x() < marginPixels || position.x() >= right - farMarginPixels
-        || position.y() >= bottom - farMarginPixels)
+    if (position.x() < marginPixels || position.x() >= right - farMarginPixels ||
+        position.y() >= bottom - farMarginPixels)
         return {0, 0};
     return {static_cast<int>((position.y() - marginPixels) / static_cast<double>(cellStepY) + 1.0),
             static_cast<int>((position.x() - marginPixels) / static_cast<double>(cellStepX) + 1.0)};

@@ -46,8 +46,7 @@ void paintLines(QPainter *painter, const API::Layout &layout, const QSize &cellS
 {
     painter->setPen(QPen(lineColor, gridLineWidth));
     for (int row = 1; row < layout.rows(); ++row)
-        painter->drawLine(0, row * cellSize.height(), pictureSize.width(),
-                          row * cellSize.height());
+        painter->drawLine(0, row * cellSize.height(), pictureSize.width(), row * cellSize.height());
     for (int column = 1; column < layout.columns(); ++column)
         painter->drawLine(column * cellSize.width(), 0, column * cellSize.width(),
                           pictureSize.height());
@@ -57,9 +56,8 @@ QPixmap pictureOf(const API::Layout &layout)
 {
     QPixmap picture(pictureSize);
     picture.fill(cellColor);
-    const bool paintable = layout.rows() > 0 && layout.columns() > 0
-                           && layout.rows() <= maxPaintedSide
-                           && layout.columns() <= maxPaintedSide;
+    const bool paintable = layout.rows() > 0 && layout.columns() > 0 &&
+                           layout.rows() <= maxPaintedSide && layout.columns() <= maxPaintedSide;
     if (!paintable)
         return picture;
     const QSize cellSize(pictureSize.width() / layout.columns(),
@@ -72,8 +70,7 @@ QPixmap pictureOf(const API::Layout &layout)
 
 } // namespace
 
-LayoutCard::LayoutCard(API::LayoutPtr layout, QWidget *parent)
-    : Preview(layoutCardKind, parent)
+LayoutCard::LayoutCard(API::LayoutPtr layout, QWidget *parent) : Preview(layoutCardKind, parent)
 {
     setObjectName(QStringLiteral("LayoutCard"));
     auto *actions = new QMenu(this);

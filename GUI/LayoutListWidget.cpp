@@ -23,9 +23,7 @@ constexpr int stretchFactor = 10;
 } // namespace
 
 LayoutListWidget::LayoutListWidget(QWidget *parent)
-    : QWidget(parent)
-    , ui(new Ui::LayoutListWidget)
-    , client(new API::CloudAPIClient)
+    : QWidget(parent), ui(new Ui::LayoutListWidget), client(new API::CloudAPIClient)
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("layoutListWidget"));

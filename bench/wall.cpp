@@ -72,9 +72,8 @@ class StallProbe : public QObject
 public:
     StallProbe()
     {
-        connect(&timer, &QTimer::timeout, this, [this] {
-            longestMs = std::max(longestMs, since.restart());
-        });
+        connect(&timer, &QTimer::timeout, this,
+                [this] { longestMs = std::max(longestMs, since.restart()); });
         timer.setTimerType(Qt::PreciseTimer);
         since.start();
         timer.start(stallProbeMs);
@@ -226,8 +225,8 @@ QByteArray record(const API::CameraPtr &camera, int quality, const QTemporaryDir
 bool report(const char *what, double value, const char *unit, double limit, bool atLeast)
 {
     const bool good = atLeast ? value >= limit : value <= limit;
-    std::printf("%-58s %8.2f %-3s %s %.2f: %s\n", what, value, unit, atLeast ? "min" : "max",
-                limit, good ? "ok" : "OVER");
+    std::printf("%-58s %8.2f %-3s %s %.2f: %s\n", what, value, unit, atLeast ? "min" : "max", limit,
+                good ? "ok" : "OVER");
     return good;
 }
 
@@ -235,9 +234,8 @@ void print(const WallRun &run)
 {
     const QByteArray quality = run.quality < 0 ? "rule" : QByteArray::number(run.quality);
     std::printf("%5d  %-7s %14.2f %14.1f %12.1f %% %9lld ms %9lld ms\n", run.tiles,
-                quality.constData(), run.cpuMsAPicture, run.pssMebibytesATile,
-                100 * run.shownShare, static_cast<long long>(run.stallMs),
-                static_cast<long long>(run.openMs));
+                quality.constData(), run.cpuMsAPicture, run.pssMebibytesATile, 100 * run.shownShare,
+                static_cast<long long>(run.stallMs), static_cast<long long>(run.openMs));
     std::fflush(stdout);
 }
 

@@ -38,9 +38,9 @@ void GridRulesTest::quality()
     QFETCH(QSize, columnsByRows);
     QFETCH(QSize, span);
     QFETCH(int, expected);
-    QCOMPARE(tileQuality({columnsByRows.height(), columnsByRows.width()}, span.height(),
-                         span.width()),
-             expected);
+    QCOMPARE(
+        tileQuality({columnsByRows.height(), columnsByRows.width()}, span.height(), span.width()),
+        expected);
 }
 
 void GridRulesTest::sizeForServer_data()

@@ -57,8 +57,7 @@ QStringList names(int count)
     return result;
 }
 
-bool drop(LayoutWidget &grid, const QString &format, const QByteArray &bytes,
-          Qt::DropAction action)
+bool drop(LayoutWidget &grid, const QString &format, const QByteArray &bytes, Qt::DropAction action)
 {
     QMimeData data;
     data.setData(format, bytes);
@@ -146,7 +145,7 @@ void LayoutDropTest::droppedServerFillsTheGrid()
     QVERIFY(drop(grid, QStringLiteral("server"), serverData(server), Qt::MoveAction));
     QCOMPARE(QSize(grid.workingLayout()->columns(), grid.workingLayout()->rows()), after);
     QCOMPARE(serverAdded.count(), announced ? 1 : 0);
-    const int cameras = server == QLatin1String("five") ? 5
+    const int cameras = server == QLatin1String("five")  ? 5
                         : server == QLatin1String("ten") ? 10
                                                          : 36;
     QCOMPARE(grid.playerCount(), taken + cameras);

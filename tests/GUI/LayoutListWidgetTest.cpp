@@ -91,8 +91,7 @@ void LayoutListWidgetTest::cardsStandByName()
     list.resize(260, 700);
     list.show();
     const API::LayoutPtr renamed = named(QStringLiteral("b"));
-    QList<API::LayoutPtr> layouts{named(QStringLiteral("a")), renamed,
-                                  named(QStringLiteral("C"))};
+    QList<API::LayoutPtr> layouts{named(QStringLiteral("a")), renamed, named(QStringLiteral("C"))};
     list.updateLayouts(container(layouts));
     QCOMPARE(shownNames(list), (QStringList{"C", "a", "b"}));
     renamed->setName(QStringLiteral("A"));

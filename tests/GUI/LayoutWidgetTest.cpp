@@ -41,6 +41,7 @@ private slots:
     void resizeKeepsTheSavedLayout();
     void savingKeepsTheObject();
     void spansComeBackTransposed();
+    void cellsStayEqualUnderTheMouse();
     void hintsStackFromTheTop();
     void placeholderOverASpanIsACellOfItsOwn();
     void brokenLayouts_data();
@@ -260,6 +261,26 @@ void LayoutWidgetTest::spansComeBackTransposed()
     layout->setCamera(camera(1), 0, 0, 2, 1);
     grid.openLayout(layout);
     QCOMPARE(grid.player(camera(1))->span(), (API::CellSize{2, 1}));
+}
+
+void LayoutWidgetTest::cellsStayEqualUnderTheMouse()
+{
+    LayoutWidget grid;
+    grid.resize(902, 602);
+    grid.openLayout(layoutOf(2, 3, {{0, 0}, {2, 1}}));
+    grid.show();
+    // The bars that come up with the mouse must not make their tile ask for more room.
+    QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), QPointF(5, 5));
+    QCoreApplication::sendEvent(grid.player(camera(1)), &enter);
+    QCoreApplication::processEvents();
+    const QSize cell = at<VideoWidget>(grid, 0, 0)->size();
+    for (int row = 0; row < 2; ++row) {
+        for (int column = 0; column < 3; ++column) {
+            const QSize size = at<QWidget>(grid, row, column)->size();
+            QVERIFY(qAbs(size.width() - cell.width()) <= 1);
+            QVERIFY(qAbs(size.height() - cell.height()) <= 1);
+        }
+    }
 }
 
 void LayoutWidgetTest::hintsStackFromTheTop()

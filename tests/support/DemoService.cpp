@@ -94,24 +94,15 @@ DemoService::~DemoService()
 bool DemoService::start(const Options &options)
 {
     dataFolder = newDataFolder();
-    arguments = QStringList{QStringLiteral("--data"),
-                            dataFolder,
-                            QStringLiteral("--clips"),
-                            clipFolder(),
-                            QStringLiteral("--scenes"),
-                            QString::number(options.scenes),
-                            QStringLiteral("--seed"),
-                            QString::number(options.seed),
-                            QStringLiteral("--servers"),
-                            QString::number(options.servers),
-                            QStringLiteral("--cameras"),
-                            QString::number(options.cameras),
-                            QStringLiteral("--lan-servers"),
-                            QString::number(options.lanServers),
-                            QStringLiteral("--email"),
-                            options.email,
-                            QStringLiteral("--password"),
-                            options.password};
+    arguments = QStringList{QStringLiteral("--data"),        dataFolder,
+                            QStringLiteral("--clips"),       clipFolder(),
+                            QStringLiteral("--scenes"),      QString::number(options.scenes),
+                            QStringLiteral("--seed"),        QString::number(options.seed),
+                            QStringLiteral("--servers"),     QString::number(options.servers),
+                            QStringLiteral("--cameras"),     QString::number(options.cameras),
+                            QStringLiteral("--lan-servers"), QString::number(options.lanServers),
+                            QStringLiteral("--email"),       options.email,
+                            QStringLiteral("--password"),    options.password};
     if (!options.fullRate)
         arguments << QStringLiteral("--test-clips");
     if (options.plain)

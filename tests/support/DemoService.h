@@ -67,8 +67,8 @@ public:
         int servers = 5;
         int cameras = 14;
         int lanServers = 1;
-        bool plain = false; ///< every camera online, paid for and with all rights
-        int scenes = 2;     ///< how many different clips the cameras share
+        bool plain = false;    ///< every camera online, paid for and with all rights
+        int scenes = 2;        ///< how many different clips the cameras share
         bool fullRate = false; ///< 25 pictures a second instead of 10
         QString email = QStringLiteral("demo@zorvane.example");
         QString password = QStringLiteral("demo");

@@ -33,15 +33,15 @@ API::ServerPtr addServerToRoster(const QString &id, const QStringList &cameraNam
     QVariantMap cameras;
     for (int index = 0; index < cameraNames.size(); ++index) {
         const QVariantMap active{{QStringLiteral("active"), true}};
-        cameras.insert(QString::number(index + 1),
-                       QVariantMap{{QStringLiteral("id"), index + 1},
-                                   {QStringLiteral("name"), cameraNames.at(index)},
-                                   {QStringLiteral("online"), online},
-                                   {QStringLiteral("services"),
-                                    QVariantMap{{QStringLiteral("enabled"), active}}},
-                                   {QStringLiteral("rights"),
-                                    QStringList{QStringLiteral("live"),
-                                                QStringLiteral("archive")}}});
+        cameras.insert(
+            QString::number(index + 1),
+            QVariantMap{
+                {QStringLiteral("id"), index + 1},
+                {QStringLiteral("name"), cameraNames.at(index)},
+                {QStringLiteral("online"), online},
+                {QStringLiteral("services"), QVariantMap{{QStringLiteral("enabled"), active}}},
+                {QStringLiteral("rights"),
+                 QStringList{QStringLiteral("live"), QStringLiteral("archive")}}});
     }
     wholeRoster().insert(id, QVariantMap{{QStringLiteral("id"), id},
                                          {QStringLiteral("name"), id},
