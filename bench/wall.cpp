@@ -178,7 +178,9 @@ WallRun measure(int side, int quality)
     QElapsedTimer opened;
     opened.start();
     window->openLayout(wallOf(side));
-    if (quality == 2)
+    if (quality == 1)
+        window->setMidQuality();
+    else if (quality == 2)
         window->setHighQuality();
     const QList<VideoWidget *> tiles = window->findChild<GUI::LayoutWidget *>()->players();
     if (!QTest::qWaitFor([&] { return allShow(tiles); }, openLimitMs))
@@ -276,23 +278,26 @@ int main(int argc, char **argv)
                 "last opened\n");
 
     QMap<QPair<int, int>, WallRun> runs;
+    const auto take = [&runs](int side, int quality) {
+        const WallRun run = measure(side, quality);
+        runs.insert({run.tiles, quality}, run);
+        print(run);
+    };
     for (const int quality : {-1, 2}) {
-        for (const int side : {1, 2, 3, 4, 6}) {
-            const WallRun run = measure(side, quality);
-            runs.insert({run.tiles, quality}, run);
-            print(run);
-        }
+        for (const int side : {1, 2, 3, 4, 6})
+            take(side, quality);
     }
+    take(4, 1);
 
     std::printf("\n");
     const WallRun nine = runs.value({9, 2});
-    const WallRun sixteen = runs.value({16, -1});
+    const WallRun sixteen = runs.value({16, 1});
     const WallRun thirtySix = runs.value({36, -1});
     bool good = report("9 tiles of 1280x720: CPU to decode only", nine.cpuMsAPicture / decodeHigh,
                        "x", maxCpuRatioAtNine, false);
-    good &= report("16 tiles by the rule: pictures shown", 100 * sixteen.shownShare, "%",
+    good &= report("16 tiles of 640x360: pictures shown", 100 * sixteen.shownShare, "%",
                    100 * minShownShareAtSixteen, true);
-    good &= report("16 tiles by the rule: longest stall", static_cast<double>(sixteen.stallMs),
+    good &= report("16 tiles of 640x360: longest stall", static_cast<double>(sixteen.stallMs),
                    "ms", maxStallMs, false);
     good &= report("36 tiles by the rule: opened to last first picture",
                    static_cast<double>(thirtySix.openMs), "ms", maxOpenMsAtThirtySix, false);

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <thread>
 #include <utility>
 
 namespace ZorvaneClient {
@@ -14,11 +13,6 @@ namespace {
 /// Kept small, so that a pause reaches the server soon and little old video waits after it.
 const char *const receiveBufferBytes = "262144";
 constexpr int maxErrorsInARow = 100;
-constexpr auto lookInterval = std::chrono::milliseconds(80);
-/// After this many bytes at one look more may wait already.
-constexpr int64_t burstBytes = 16 * 1024;
-/// How long after its first packet a stream flows evenly.
-constexpr auto settlingTime = std::chrono::seconds(1);
 constexpr unsigned flvMpeg4Number = 9;
 /// A packet that says to be shown later or earlier than this from its decoding is damaged.
 constexpr int64_t maxReorderMilliseconds = 2000;
@@ -127,7 +121,6 @@ void StreamReader::route(PacketHandle packet)
     if (type == AVMEDIA_TYPE_VIDEO) {
         video.push({std::move(packet), formatOf(stream), {}});
         restartStallClock();
-        restAfter = std::min<Controls::Time>(restAfter, lastData + settlingTime);
     } else if (type == AVMEDIA_TYPE_AUDIO && controls.volume() > 0) {
         audio.push({std::move(packet), formatOf(stream), {}});
     }
@@ -177,19 +170,7 @@ int StreamReader::interruptWhenStalled(void *pointer)
     if (newBytes > 0)
         reader->restartStallClock();
     reader->bytesSeen += newBytes;
-    reader->restBetweenLooks(newBytes);
     return reader->isStalled();
-}
-
-/// A waking for every sound packet costs more than its reading: once the stream flows and what
-/// has come is read, the next look comes a while later and takes all that came meanwhile.
-void StreamReader::restBetweenLooks(int64_t newBytes)
-{
-    if (controls.now() < restAfter)
-        return;
-    if (newBytes < burstBytes)
-        std::this_thread::sleep_until(lastLook + lookInterval);
-    lastLook = std::chrono::steady_clock::now();
 }
 
 bool StreamReader::isStalled() const

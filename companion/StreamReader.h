@@ -34,7 +34,6 @@ private:
     const AVStream &firstStreamLike(const AVStream &stream);
     std::shared_ptr<const StreamFormat> formatOf(const AVStream &stream);
     void restartStallClock();
-    void restBetweenLooks(int64_t newBytes);
     bool isStalled() const;
 
     const Arguments &arguments;
@@ -45,8 +44,6 @@ private:
     std::map<AVMediaType, std::shared_ptr<const StreamFormat>> formats;
     int64_t bytesSeen = 0;
     Controls::Time lastData{0};
-    Controls::Time restAfter = Controls::Time::max();
-    std::chrono::steady_clock::time_point lastLook;
 };
 
 } // namespace Companion
