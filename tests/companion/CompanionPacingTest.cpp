@@ -107,18 +107,22 @@ void CompanionPacingTest::playsInTheStreamsTime_data()
 {
     QTest::addColumn<double>("serverSpeed");
     QTest::addColumn<QByteArray>("path");
-    QTest::newRow("archive, all at once") << 0.0 << QByteArray("/flv/archive");
-    QTest::newRow("archive, paced") << 1.0 << QByteArray("/flv/archive");
-    QTest::newRow("live") << 1.0 << QByteArray("/flv/live?q=2");
+    QTest::addColumn<bool>("chunked");
+    QTest::newRow("archive, all at once") << 0.0 << QByteArray("/flv/archive") << false;
+    QTest::newRow("archive, paced") << 1.0 << QByteArray("/flv/archive") << false;
+    QTest::newRow("live") << 1.0 << QByteArray("/flv/live?q=2") << false;
+    QTest::newRow("live in chunks") << 1.0 << QByteArray("/flv/live?q=2") << true;
 }
 
 void CompanionPacingTest::playsInTheStreamsTime()
 {
     QFETCH(double, serverSpeed);
     QFETCH(QByteArray, path);
+    QFETCH(bool, chunked);
     StreamScript script;
     script.clip = counting;
     script.speed = serverSpeed;
+    script.chunked = chunked;
     StreamServer server;
     QVERIFY(server.start());
     server.setScript(script);

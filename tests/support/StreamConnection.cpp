@@ -65,7 +65,7 @@ void StreamConnection::answer()
         return;
     }
     if (script.raw.isEmpty())
-        write(script.clip.header);
+        writePart(script.clip.header);
     started.start();
     pace.start(paceMilliseconds);
     sendDue();
@@ -78,6 +78,8 @@ QByteArray StreamConnection::replyHead() const
         reply += "Location: " + script.location + "\r\n";
     if (script.contentLength >= 0)
         reply += "Content-Length: " + QByteArray::number(script.contentLength) + "\r\n";
+    if (script.chunked)
+        reply += "Transfer-Encoding: chunked\r\n";
     return reply + "Content-Type: video/x-flv\r\nConnection: close\r\n\r\n";
 }
 
@@ -114,12 +116,20 @@ void StreamConnection::sendTags()
         }
         if (!isDue(tag))
             return;
-        write(tag.bytes);
+        writePart(tag.bytes);
         owner->sent = qMax(owner->sent, tag.milliseconds);
         ++nextTag;
     }
     if (nextTag == script.clip.tags.size())
         end();
+}
+
+void StreamConnection::writePart(const QByteArray &bytes)
+{
+    if (script.chunked)
+        write(QByteArray::number(bytes.size(), 16) + "\r\n" + bytes + "\r\n");
+    else
+        write(bytes);
 }
 
 bool StreamConnection::isDue(const FlvTag &tag) const
@@ -137,6 +147,8 @@ void StreamConnection::end()
     ended = true;
     pace.stop();
     if (script.ending == StreamScript::Ending::Close) {
+        if (script.chunked)
+            write("0\r\n\r\n");
         disconnectFromHost();
     } else if (script.ending == StreamScript::Ending::Reset) {
         waitForBytesWritten();

@@ -27,6 +27,7 @@ private:
     void sendDue();
     void sendRaw();
     void sendTags();
+    void writePart(const QByteArray &bytes);
     bool isDue(const FlvTag &tag) const;
     void end();
 

@@ -25,6 +25,8 @@ struct StreamScript {
     QByteArray raw;            ///< if set, sent at once in place of the clip
     int rawBytesPerSecond = 0; ///< 0: no limit
 
+    bool chunked = false; ///< the clip goes out in chunks of the transfer coding, one a tag
+
     int status = 200;
     QByteArray location; ///< of a redirect
     qint64 contentLength = -1;
