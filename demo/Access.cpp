@@ -56,8 +56,11 @@ Access::Result Access::checkLan(const HttpRequest &request, Need need) const
 {
     auto parameters = request.parameters();
     Server server;
-    const auto camera = world.camera(lanServerId(request), cameraId(parameters), &server);
-    if (!camera || !server.online || parameters["server"] != "1")
+    const std::string id = lanServerId(request);
+    const auto camera = world.camera(id, cameraId(parameters), &server);
+    // A recorder calls itself 1 and also answers to its address.
+    const bool isMeant = parameters["server"] == "1" || parameters["server"] == id;
+    if (!camera || !server.online || !isMeant)
         return refused(notFound);
     if (!isPassword(server, parameters["sessionId"]))
         return refused(forbidden);

@@ -2,81 +2,70 @@
 #include "demo/Archive.h"
 
 #include <algorithm>
-#include <ctime>
 
 namespace ZorvaneDemo {
 
 namespace {
 
-constexpr std::int64_t minuteMs = 60'000;
-constexpr std::int64_t hourMs = 60 * minuteMs;
-constexpr std::int64_t keptMs = 14 * 24 * hourMs;
-constexpr std::int64_t recordMs = 52 * minuteMs;
-constexpr int startSpreadMinutes = 8;
-// Of each so many hours one is missing.
-constexpr int gapPeriod = 7;
-
-std::int64_t noonOf(std::int64_t momentMs)
-{
-    const auto seconds = static_cast<std::time_t>(momentMs / 1000);
-    std::tm local{};
-    localtime_r(&seconds, &local);
-    local.tm_hour = 12;
-    local.tm_min = 0;
-    local.tm_sec = 0;
-    local.tm_isdst = -1;
-    return static_cast<std::int64_t>(std::mktime(&local));
-}
+constexpr std::int64_t secondMs = 1000;
+constexpr int keptDays = 30;
 
 } // namespace
 
-Archive::Archive(int cameraNumber, std::int64_t present) : number(cameraNumber), nowMs(present)
+Archive::Archive(const Camera &whose, std::int64_t present) : camera(whose), presentMs(present)
 {
-}
-
-std::optional<Record> Archive::recordOfHour(std::int64_t hour) const
-{
-    if ((hour + number) % gapPeriod == 0)
-        return std::nullopt;
-    Record record{};
-    record.startMs = hour * hourMs + number % startSpreadMinutes * minuteMs;
-    record.endMs = std::min(record.startMs + recordMs, nowMs);
-    if (record.startMs < nowMs - keptMs || record.startMs >= record.endMs)
-        return std::nullopt;
-    return record;
+    if (!camera.records)
+        oldestMs = LocalDay::numbered(LocalDay::holding(presentMs).number - keptDays).beginMs;
+    else if (!camera.records->empty())
+        oldestMs = camera.records->front().startMs;
 }
 
 std::vector<Record> Archive::records(std::int64_t startMs, std::int64_t endMs) const
 {
     std::vector<Record> result;
-    const std::int64_t first = std::max(startMs, nowMs - keptMs) / hourMs - 1;
-    const std::int64_t last = std::min(endMs, nowMs) / hourMs;
-    for (std::int64_t hour = first; hour <= last; ++hour) {
-        const auto record = recordOfHour(hour);
-        if (record && record->endMs > startMs && record->startMs <= endMs)
-            result.push_back(*record);
+    const auto add = [&](const std::vector<Record> &list) {
+        for (Record record : list) {
+            record.endMs = std::min(record.endMs, presentMs);
+            if (record.startMs < record.endMs && record.endMs > startMs && record.startMs <= endMs)
+                result.push_back(record);
+        }
+    };
+    if (camera.records) {
+        add(*camera.records);
+        return result;
     }
+    const std::int64_t lastMs = std::min(endMs, presentMs);
+    LocalDay day = LocalDay::holding(std::max(startMs, oldestMs));
+    // The last record of the day before may run on.
+    if (day.beginMs > oldestMs)
+        add(plannedRecords(camera.number, LocalDay::numbered(day.number - 1)));
+    for (; day.beginMs <= lastMs; day = day.next())
+        add(plannedRecords(camera.number, day));
     return result;
 }
 
 std::optional<Record> Archive::recordAt(std::int64_t momentMs) const
 {
-    for (const Record &record : records(momentMs, momentMs)) {
-        if (record.startMs <= momentMs && momentMs < record.endMs)
-            return record;
-    }
-    return std::nullopt;
+    const std::vector<Record> found = records(momentMs, momentMs);
+    return found.empty() ? std::nullopt : std::optional<Record>(found.front());
+}
+
+std::optional<Record> Archive::recordFrom(std::int64_t momentMs) const
+{
+    const std::vector<Record> found = records(momentMs, presentMs);
+    return found.empty() ? std::nullopt : std::optional<Record>(found.front());
 }
 
 std::map<std::int64_t, int> Archive::days(std::int64_t startMs, std::int64_t endMs) const
 {
     std::map<std::int64_t, int> result;
-    for (const Record &record : records(startMs, endMs)) {
-        const std::int64_t first = noonOf(record.startMs);
-        const std::int64_t last = noonOf(record.endMs - 1);
-        ++result[first];
-        if (last != first)
-            ++result[last];
+    const std::int64_t lastMs = std::min(endMs, presentMs);
+    for (LocalDay day = LocalDay::holding(std::max(startMs, oldestMs)); day.beginMs <= lastMs;) {
+        const LocalDay next = day.next();
+        const auto count = static_cast<int>(records(day.beginMs, next.beginMs - 1).size());
+        if (count > 0)
+            result[day.noonMs / secondMs] = count;
+        day = next;
     }
     return result;
 }

@@ -6,33 +6,32 @@
 #include <optional>
 #include <vector>
 
+#include "demo/RecordPlan.h"
+#include "demo/World.h"
+
 namespace ZorvaneDemo {
 
-/// One recorded span, in milliseconds since the epoch.
-struct Record {
-    std::int64_t startMs;
-    std::int64_t endMs;
-};
-
-/// What the archive of camera `number` holds: at most one record in each hour, with gaps
-/// that depend on the camera, for the last days until `nowMs`.
+/// What the archive of a camera holds at one moment: the records that it was given or those of
+/// its plan for the last days. A record that is still being written ends at that moment.
 class Archive
 {
 public:
-    Archive(int cameraNumber, std::int64_t present);
+    Archive(const Camera &camera, std::int64_t presentMs);
 
     /// The records that touch [startMs, endMs], ascending.
     std::vector<Record> records(std::int64_t startMs, std::int64_t endMs) const;
     /// The record that holds the moment.
     std::optional<Record> recordAt(std::int64_t momentMs) const;
-    /// Records by local day, the day given as its noon in seconds since the epoch.
+    /// The first record that ends after the moment.
+    std::optional<Record> recordFrom(std::int64_t momentMs) const;
+    /// Number of records of each local day that [startMs, endMs] touches, the day given as its
+    /// noon in seconds since the epoch. A record across midnight counts for both days.
     std::map<std::int64_t, int> days(std::int64_t startMs, std::int64_t endMs) const;
 
 private:
-    std::optional<Record> recordOfHour(std::int64_t hour) const;
-
-    int number;
-    std::int64_t nowMs;
+    const Camera camera;
+    const std::int64_t presentMs;
+    std::int64_t oldestMs = 0;
 };
 
 } // namespace ZorvaneDemo

@@ -1,6 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "demo/ControlService.h"
 
+#include <memory>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
 namespace ZorvaneDemo {
 
 namespace {
@@ -24,6 +29,21 @@ HttpReply unknown()
     return json(404, {{"error", "no such command"}});
 }
 
+/// Reads [[start, end], ...]; throws when these are no records.
+std::vector<Record> recordsFrom(const nlohmann::json &list)
+{
+    std::vector<Record> records;
+    std::int64_t freeFrom = 0;
+    for (const auto &[start, end] :
+         list.get<std::vector<std::pair<std::int64_t, std::int64_t>>>()) {
+        if (start < freeFrom || end <= start || end > largestTime)
+            throw std::invalid_argument("records must be ascending and apart");
+        records.push_back({start, end});
+        freeFrom = end;
+    }
+    return records;
+}
+
 bool begins(const std::string &text, const std::string &beginning)
 {
     return text.compare(0, beginning.size(), beginning) == 0;
@@ -43,7 +63,7 @@ HttpReply ControlService::handle(const HttpRequest &request)
         return json(400, {{"error", "the body is no JSON object"}});
     try {
         return change(request.path, body);
-    } catch (const nlohmann::json::exception &failure) {
+    } catch (const std::exception &failure) {
         return json(400, {{"error", failure.what()}});
     }
 }
@@ -93,6 +113,12 @@ HttpReply ControlService::changeCameras(const std::string &path, const nlohmann:
     const std::string server = body.at("server");
     if (path == "/cameras/set")
         return done(world.setCamera(server, body.at("camera"), body));
+    if (path == "/cameras/archive") {
+        std::shared_ptr<const std::vector<Record>> records;
+        if (body.contains("records"))
+            records = std::make_shared<const std::vector<Record>>(recordsFrom(body["records"]));
+        return done(world.setRecords(server, body.at("camera"), std::move(records)));
+    }
     if (path == "/cameras/remove")
         return done(world.removeCamera(server, body.at("camera")));
     if (path == "/cameras/add") {

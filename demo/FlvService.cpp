@@ -2,13 +2,13 @@
 #include "demo/FlvService.h"
 
 #include <algorithm>
-#include <chrono>
+#include <limits>
 #include <memory>
-#include <thread>
-#include <utility>
+#include <optional>
 
 #include "demo/Archive.h"
 #include "demo/Flv.h"
+#include "demo/LocalTime.h"
 
 namespace ZorvaneDemo {
 
@@ -16,23 +16,16 @@ namespace {
 
 constexpr const char *contentType = "video/x-flv";
 constexpr std::int64_t secondMs = 1000;
-/// A receiver that fell back further is sent on to the present.
+/// A receiver of a live stream that fell back further is sent on to the present; an archive
+/// stream goes on from where it was.
 constexpr std::int64_t largestLagMs = 3000;
+/// An archive stream comes so much before its time: recorders read ahead.
+constexpr std::int64_t leadMs = 500;
 constexpr int keyFramesOnlyFrom = 4;
+constexpr int mostKeyFramesPerSecond = 25;
 constexpr int largestSpeed = 32;
-
-std::int64_t nowMs()
-{
-    using namespace std::chrono;
-    return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
-}
-
-void sleepUntil(std::int64_t momentMs)
-{
-    const std::int64_t left = momentMs - nowMs();
-    if (left > 0)
-        std::this_thread::sleep_for(std::chrono::milliseconds(left));
-}
+constexpr std::int64_t largestUploadRate = 1'000'000;
+constexpr std::int64_t endless = std::numeric_limits<std::int64_t>::max();
 
 /// Number, since the epoch, of the packet of `clip` that begins at or after `momentMs`.
 std::int64_t packetFrom(const Clip &clip, std::int64_t momentMs)
@@ -45,14 +38,115 @@ std::int64_t packetTimeMs(const Clip &clip, std::int64_t number)
     return number * minuteMs / clip.packetCount();
 }
 
+/// The first key frame of what `record` holds from `momentMs` on. A picture needs the key frame
+/// of its second, unless that was before the record began.
+std::int64_t keyFrameFrom(const Record &record, std::int64_t momentMs)
+{
+    const std::int64_t second = std::max(momentMs, record.startMs) / secondMs * secondMs;
+    return second < record.startMs ? second + secondMs : second;
+}
+
+/// Lets pass so many bytes a millisecond; 0: as fast as they are taken.
+class RateLimit : public BodySink
+{
+public:
+    RateLimit(BodySink &receiver, std::int64_t bytesPerMs) : sink(receiver), rate(bytesPerMs) {}
+
+    bool write(const void *data, std::size_t size) override
+    {
+        if (!sink.write(data, size))
+            return false;
+        passed += static_cast<std::int64_t>(size);
+        if (rate > 0)
+            sleepUntil(beganMs + passed / rate);
+        return true;
+    }
+
+    bool isOpen() override { return sink.isOpen(); }
+
+private:
+    BodySink &sink;
+    const std::int64_t rate;
+    const std::int64_t beganMs = nowMs();
+    std::int64_t passed = 0;
+};
+
+/// Says when what is played is to be sent.
+class Pace
+{
+public:
+    Pace(std::int64_t startMs, int playSpeed) : firstMs(startMs), speed(playSpeed) {}
+
+    /// Blocks until `momentMs` is due; what isn't recorded yet is waited for.
+    void await(std::int64_t momentMs)
+    {
+        const std::int64_t dueMs = beganMs + (momentMs - firstMs) / speed - leadMs;
+        const std::int64_t lagMs = nowMs() - dueMs;
+        if (lagMs > largestLagMs)
+            beganMs += lagMs;
+        sleepUntil(std::max(dueMs, momentMs + 1));
+    }
+
+private:
+    const std::int64_t firstMs;
+    const int speed;
+    std::int64_t beganMs = nowMs();
+};
+
 } // namespace
 
-/// What to play of an archive.
+/// What is wanted of an archive.
 struct FlvService::Span {
     std::int64_t startMs = 0;
-    std::int64_t endMs = 0;
+    std::int64_t endMs = endless;
     int speed = 1;
-    bool paced = true;
+    bool isExport = false;
+    std::int64_t bytesPerMs = 0;
+
+    /// A span without an end is played, its times are seconds; one with an end is exported.
+    static std::optional<Span> from(const HttpRequest &request);
+};
+
+std::optional<FlvService::Span> FlvService::Span::from(const HttpRequest &request)
+{
+    auto parameters = request.parameters();
+    Span span;
+    span.startMs = numberOr(parameters["startTime"], -1);
+    if (span.startMs < 0 || span.startMs > largestTime)
+        return std::nullopt;
+    span.isExport = parameters.count("endTime") > 0;
+    if (!span.isExport) {
+        span.startMs *= secondMs;
+        span.speed = static_cast<int>(
+            std::clamp<std::int64_t>(numberOr(parameters["speed"], 1), 1, largestSpeed));
+        return span;
+    }
+    span.endMs = std::min(numberOr(parameters["endTime"], -1), nowMs());
+    span.bytesPerMs =
+        std::clamp<std::int64_t>(numberOr(parameters["uploadRate"], 0), 0, largestUploadRate);
+    return span.endMs < 0 ? std::nullopt : std::optional<Span>(span);
+}
+
+/// Tells when it is time to look whether a camera may still be seen.
+class FlvService::Watch
+{
+public:
+    explicit Watch(const World &cameras) : world(cameras) {}
+
+    bool isDue()
+    {
+        const std::int64_t now = nowMs();
+        if (generation == world.generation() && now - checkedMs < secondMs)
+            return false;
+        generation = world.generation();
+        checkedMs = now;
+        return true;
+    }
+
+private:
+    const World &world;
+    std::uint64_t generation = world.generation();
+    std::int64_t checkedMs = nowMs();
 };
 
 /// Turns moments into FLV for one receiver.
@@ -69,21 +163,31 @@ public:
 
     bool isReady() const { return video && sound; }
 
+    /// Begins with the key frame of the second that holds `momentMs`, at time stamp 0.
     bool begin(std::int64_t momentMs)
     {
         Bytes out;
         appendFlvHeader(*video, &out);
-        startMs = momentMs / secondMs * secondMs;
-        seek(startMs);
+        zeroMs = momentMs / secondMs * secondMs;
+        seek(zeroMs);
         return sink.write(out.data(), out.size());
     }
 
-    /// Goes on with the key frame of the second that holds `momentMs`.
+    /// Goes on with the key frame of the second that holds `momentMs`, as much later by the
+    /// time stamps.
     void seek(std::int64_t momentMs)
     {
         const std::int64_t second = momentMs / secondMs * secondMs;
         nextPicture = packetFrom(*video, second);
         nextSound = packetFrom(*sound, second);
+    }
+
+    /// Goes on there as if nothing lay between.
+    void join(std::int64_t momentMs)
+    {
+        zeroMs -= nextMs();
+        seek(momentMs);
+        zeroMs += nextMs();
     }
 
     std::int64_t nextMs() const { return packetTimeMs(*video, nextPicture); }
@@ -104,16 +208,22 @@ public:
         video->appendPicture(at, number, &picture);
         appendFlvVideo(stamp(momentMs, speed), video->isKeyFrame(at), picture, &out);
         if (speed >= keyFramesOnlyFrom)
-            nextPicture += video->packetCount() / (minuteMs / secondMs);
+            nextPicture += keyFrameStep(speed) * video->packetCount() / (minuteMs / secondMs);
         else
             ++nextPicture;
         return sink.write(out.data(), out.size());
     }
 
 private:
+    /// In seconds; so large that no more key frames come than a player can show.
+    static std::int64_t keyFrameStep(int speed)
+    {
+        return (speed + mostKeyFramesPerSecond - 1) / mostKeyFramesPerSecond;
+    }
+
     std::uint32_t stamp(std::int64_t momentMs, int speed) const
     {
-        return static_cast<std::uint32_t>((momentMs - startMs) / speed);
+        return static_cast<std::uint32_t>((momentMs - zeroMs) / speed);
     }
 
     const std::shared_ptr<const Clip> video;
@@ -121,7 +231,7 @@ private:
     const int number;
     BodySink &sink;
     Bytes picture;
-    std::int64_t startMs = 0;
+    std::int64_t zeroMs = 0; ///< moment of time stamp 0
     std::int64_t nextPicture = 0;
     std::int64_t nextSound = 0;
 };
@@ -141,20 +251,13 @@ private:
     std::atomic<int> &count;
 };
 
-HttpReply refused(int status)
-{
-    HttpReply reply;
-    reply.status = status;
-    return reply;
-}
-
 } // namespace
 
 HttpReply FlvService::live(const HttpRequest &request)
 {
     const Access::Result result = access.check(request, Access::Need::Live);
     if (result.status != 200)
-        return refused(result.status);
+        return HttpReply::refusal(result.status);
     HttpReply reply;
     reply.contentType = contentType;
     reply.stream = [this, request, camera = result.camera](BodySink &sink) {
@@ -169,17 +272,12 @@ bool FlvService::sendLive(const HttpRequest &request, const Camera &camera, Body
     Feed feed(clips, camera, requestedQuality(request), sink);
     if (!feed.isReady() || !feed.begin(nowMs()))
         return false;
-    std::uint64_t generation = world.generation();
-    std::int64_t checkedMs = nowMs();
+    Watch watch(world);
     for (;;) {
         sleepUntil(feed.nextMs());
+        if (watch.isDue() && access.check(request, Access::Need::Live).status != 200)
+            return true;
         const std::int64_t now = nowMs();
-        if (generation != world.generation() || now - checkedMs >= secondMs) {
-            generation = world.generation();
-            checkedMs = now;
-            if (access.check(request, Access::Need::Live).status != 200)
-                return true;
-        }
         if (now - feed.nextMs() > largestLagMs)
             feed.seek(now);
         if (!feed.send(1))
@@ -191,57 +289,71 @@ HttpReply FlvService::archive(const HttpRequest &request)
 {
     const Access::Result result = access.check(request, Access::Need::Archive);
     if (result.status != 200)
-        return refused(result.status);
-    auto parameters = request.parameters();
-    Span span;
-    span.startMs = numberOr(parameters["startTime"], -1);
-    span.endMs = numberOr(parameters["endTime"], -1);
-    span.speed = static_cast<int>(
-        std::clamp<std::int64_t>(numberOr(parameters["speed"], 1), 1, largestSpeed));
-    if (span.endMs >= 0) {
-        span.paced = false;
-        span.speed = 1;
-    } else {
-        span.startMs = std::min(span.startMs, largestTime / secondMs) * secondMs;
-    }
-    if (span.startMs < 0 || !Archive(result.camera.number, nowMs()).recordAt(span.startMs))
-        return refused(404);
+        return HttpReply::refusal(result.status);
+    const auto span = Span::from(request);
+    if (!span)
+        return HttpReply::refusal(400);
+    // The cloud gives no archive away.
+    if (span->isExport && request.listener != "lan")
+        return HttpReply::refusal(403);
+    const Archive archive(result.camera, nowMs());
+    const auto record =
+        span->isExport ? archive.recordFrom(span->startMs) : archive.recordAt(span->startMs);
+    if (!record || record->startMs >= span->endMs)
+        return HttpReply::refusal(404);
     HttpReply reply;
     reply.contentType = contentType;
-    reply.stream = [this, request, camera = result.camera, span](BodySink &sink) {
+    reply.stream = [this, request, camera = result.camera, span = *span,
+                    record = *record](BodySink &sink) {
         const Counted counted(streams);
-        return sendArchive(request, camera, span, sink);
+        return sendArchive(request, camera, span, record, sink);
     };
     return reply;
 }
 
 bool FlvService::sendArchive(const HttpRequest &request, const Camera &camera, const Span &span,
-                             BodySink &sink) const
+                             Record record, BodySink &sink) const
 {
-    Feed feed(clips, camera, requestedQuality(request), sink);
-    if (!feed.isReady() || !feed.begin(span.startMs))
+    RateLimit limited(sink, span.bytesPerMs);
+    Feed feed(clips, camera, requestedQuality(request), limited);
+    if (!feed.isReady() || !feed.begin(keyFrameFrom(record, span.startMs)))
         return false;
-    const std::int64_t beganMs = nowMs();
-    const std::int64_t firstMs = feed.nextMs();
-    std::int64_t endMs = 0;
+    Pace pace(feed.nextMs(), span.speed);
+    Watch watch(world);
     for (;;) {
         const std::int64_t moment = feed.nextMs();
-        if (moment >= endMs) {
-            // A record that is still being written grows while it is watched.
-            const auto record =
-                Archive(camera.number, nowMs()).recordAt(std::max(moment, span.startMs));
-            const bool over = !record || (!span.paced && moment >= span.endMs);
-            if (over || access.check(request, Access::Need::Archive).status != 200)
+        if (moment >= span.endMs)
+            return true;
+        if (!span.isExport)
+            pace.await(moment);
+        if (moment >= record.endMs || watch.isDue()) {
+            if (!findRecord(request, span, &record, &feed))
                 return true;
-            endMs = std::min(record->endMs, moment + secondMs);
-            if (!span.paced)
-                endMs = std::min(endMs, span.endMs);
-        }
-        if (span.paced)
-            sleepUntil(beganMs + (moment - firstMs) / span.speed);
-        if (!feed.send(span.speed))
+        } else if (!feed.send(span.speed)) {
             return false;
+        }
     }
+}
+
+bool FlvService::findRecord(const HttpRequest &request, const Span &span, Record *record,
+                            Feed *feed) const
+{
+    const Access::Result result = access.check(request, Access::Need::Archive);
+    if (result.status != 200)
+        return false;
+    const Archive archive(result.camera, nowMs());
+    const std::int64_t moment = feed->nextMs();
+    const auto found = span.isExport ? archive.recordFrom(moment) : archive.recordAt(moment);
+    if (!found)
+        return false;
+    // Else it is the one at hand, which may have grown.
+    if (found->startMs != record->startMs) {
+        if (!span.isExport || found->startMs >= span.endMs)
+            return false;
+        feed->join(keyFrameFrom(*found, moment));
+    }
+    *record = *found;
+    return true;
 }
 
 } // namespace ZorvaneDemo

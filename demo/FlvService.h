@@ -7,6 +7,7 @@
 #include "demo/Access.h"
 #include "demo/ClipStore.h"
 #include "demo/Http.h"
+#include "demo/RecordPlan.h"
 #include "demo/World.h"
 
 namespace ZorvaneDemo {
@@ -24,8 +25,9 @@ public:
     /// the camera may not be seen any more.
     HttpReply live(const HttpRequest &request);
     /// `startTime` (seconds) and `speed`: plays the record that holds the moment up to its
-    /// end; from speed 4 on with key frames only. With `endTime` both are milliseconds and
-    /// the span comes as fast as it is taken.
+    /// end, from speed 4 on with key frames only. A record that is still being written is
+    /// followed. With `endTime`, at LAN servers alone, both are milliseconds: what is recorded
+    /// between them, without the gaps, by `uploadRate` kilobytes a second.
     HttpReply archive(const HttpRequest &request);
 
     int openStreams() const { return streams; }
@@ -33,11 +35,14 @@ public:
 private:
     struct Span;
     class Feed;
+    class Watch;
 
     // True when the stream came to its end, false when the receiver is gone.
     bool sendLive(const HttpRequest &request, const Camera &camera, BodySink &sink) const;
     bool sendArchive(const HttpRequest &request, const Camera &camera, const Span &span,
-                     BodySink &sink) const;
+                     Record record, BodySink &sink) const;
+    // Finds what to go on with at the feed's moment; false when there is nothing more.
+    bool findRecord(const HttpRequest &request, const Span &span, Record *record, Feed *feed) const;
 
     const World &world;
     const Access &access;

@@ -67,6 +67,13 @@ std::map<std::string, std::string> HttpRequest::parameters() const
     return decodedItems(query, false);
 }
 
+HttpReply HttpReply::refusal(int status)
+{
+    HttpReply reply;
+    reply.status = status;
+    return reply;
+}
+
 std::string HttpRequest::header(const std::string &name) const
 {
     for (const auto &[key, value] : headers) {

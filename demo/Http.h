@@ -50,6 +50,9 @@ struct HttpReply {
     std::function<bool(BodySink &)> stream;
     /// The connection closes without any reply.
     bool hangUp = false;
+
+    /// A reply without a body.
+    static HttpReply refusal(int status);
 };
 
 /// Percent-decoding; what is no valid escape stays as it is.

@@ -10,13 +10,6 @@ namespace ZorvaneDemo {
 
 namespace {
 
-HttpReply refused(int status)
-{
-    HttpReply reply;
-    reply.status = status;
-    return reply;
-}
-
 nlohmann::json serverInformation(const Server &server)
 {
     return {{"name", server.name}, {"functions", {"arc_search", "speed_play"}}};
@@ -48,7 +41,7 @@ HttpReply LanService::handle(const HttpRequest &request) const
         return reply;
     }
     if (request.method != "GET")
-        return refused(405);
+        return HttpReply::refusal(405);
     if (request.path == "/vs_info/" || request.path == "/streams/info")
         return information(request, *server);
     if (request.path == "/preview/live")
@@ -61,16 +54,16 @@ HttpReply LanService::handle(const HttpRequest &request) const
         return flv.live(request);
     if (request.path == "/flv/archive")
         return flv.archive(request);
-    return refused(404);
+    return HttpReply::refusal(404);
 }
 
 HttpReply LanService::information(const HttpRequest &request, const Server &server) const
 {
     auto parameters = request.parameters();
     if (parameters["server"] != "1")
-        return refused(404);
+        return HttpReply::refusal(404);
     if (!Access::isPassword(server, parameters["sessionId"]))
-        return refused(403);
+        return HttpReply::refusal(403);
     HttpReply reply;
     reply.contentType = "application/json";
     reply.body =

@@ -3,9 +3,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include <chrono>
-
 #include "demo/Archive.h"
+#include "demo/LocalTime.h"
 #include "demo/Preview.h"
 
 namespace ZorvaneDemo {
@@ -13,19 +12,6 @@ namespace ZorvaneDemo {
 namespace {
 
 constexpr std::int64_t secondMs = 1000;
-
-std::int64_t nowMs()
-{
-    using namespace std::chrono;
-    return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
-}
-
-HttpReply refused(int status)
-{
-    HttpReply reply;
-    reply.status = status;
-    return reply;
-}
 
 HttpReply json(const nlohmann::json &content)
 {
@@ -61,21 +47,21 @@ HttpReply StreamingService::handle(const HttpRequest &request) const
         return archiveList(request);
     if (request.method == "GET" && request.path == "//archive/days")
         return archiveDays(request);
-    return refused(404);
+    return HttpReply::refusal(404);
 }
 
 HttpReply StreamingService::preview(const HttpRequest &request) const
 {
     const Access::Result result = access.check(request, Access::Need::Live);
     if (result.status != 200)
-        return refused(result.status);
+        return HttpReply::refusal(result.status);
     const auto clip = clips.video(result.camera.scene, requestedQuality(request));
     HttpReply reply;
     reply.contentType = "image/jpeg";
     if (clip)
         reply.body = previewJpeg(*clip, result.camera.number, nowMs());
     if (reply.body.empty())
-        return refused(500);
+        return HttpReply::refusal(500);
     return reply;
 }
 
@@ -84,9 +70,9 @@ HttpReply StreamingService::archiveList(const HttpRequest &request) const
     const Access::Result result = access.check(request, Access::Need::Archive);
     const Span span = requestedSpan(request);
     if (result.status != 200 || !span.valid)
-        return refused(result.status != 200 ? result.status : 400);
+        return HttpReply::refusal(result.status != 200 ? result.status : 400);
     auto list = nlohmann::json::array();
-    const Archive archive(result.camera.number, nowMs());
+    const Archive archive(result.camera, nowMs());
     for (const Record &record : archive.records(span.startMs, span.endMs))
         list.push_back(
             {{"startTime", record.startMs}, {"duration", record.endMs - record.startMs}});
@@ -98,9 +84,9 @@ HttpReply StreamingService::archiveDays(const HttpRequest &request) const
     const Access::Result result = access.check(request, Access::Need::Archive);
     const Span span = requestedSpan(request);
     if (result.status != 200 || !span.valid)
-        return refused(result.status != 200 ? result.status : 400);
+        return HttpReply::refusal(result.status != 200 ? result.status : 400);
     auto list = nlohmann::json::array();
-    const Archive archive(result.camera.number, nowMs());
+    const Archive archive(result.camera, nowMs());
     for (const auto &[day, count] : archive.days(span.startMs, span.endMs))
         list.push_back({{"date", day}, {"recordsCount", count}});
     return json(list);

@@ -306,6 +306,18 @@ bool World::setCamera(const std::string &serverOf, int id, const nlohmann::json 
     return true;
 }
 
+bool World::setRecords(const std::string &serverOf, int id,
+                       std::shared_ptr<const std::vector<Record>> records)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    Server *found = find(serverOf);
+    if (!found || found->cameras.count(id) == 0)
+        return false;
+    found->cameras[id].records = std::move(records);
+    ++changes;
+    return true;
+}
+
 bool World::setServer(const std::string &id, const nlohmann::json &values)
 {
     const std::lock_guard<std::mutex> lock(mutex);

@@ -6,11 +6,14 @@
 #include <atomic>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <set>
 #include <string>
 #include <vector>
+
+#include "demo/RecordPlan.h"
 
 namespace ZorvaneDemo {
 
@@ -26,6 +29,8 @@ struct Camera {
     bool ptz = false;    ///< the right
     int rotation = 0;
     bool mirror = false;
+    /// In place of the planned ones, ascending and apart; null: the planned ones.
+    std::shared_ptr<const std::vector<Record>> records;
 };
 
 struct Server {
@@ -79,6 +84,9 @@ public:
     nlohmann::json localRoster() const;
 
     bool setCamera(const std::string &server, int id, const nlohmann::json &values);
+    /// Gives the camera these records; null: those of its plan again.
+    bool setRecords(const std::string &server, int id,
+                    std::shared_ptr<const std::vector<Record>> records);
     bool setServer(const std::string &server, const nlohmann::json &values);
     /// The new camera's id, 0 when there is no such server.
     int addCamera(const std::string &server, const std::string &name);

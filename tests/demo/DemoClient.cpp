@@ -116,9 +116,9 @@ QString DemoClient::session()
 QString DemoClient::query(const DemoCamera &camera, const QString &session) const
 {
     return QStringLiteral("?server=%1&camera=%2&sessionId=%3")
-        .arg(camera.server)
+        .arg(camera.lan ? QStringLiteral("1") : camera.server)
         .arg(camera.camera)
-        .arg(session);
+        .arg(camera.lan ? service.lanPassword() : session);
 }
 
 } // namespace Tests

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QNetworkAccessManager>
@@ -22,6 +23,7 @@ struct Answer {
     bool timedOut = false; ///< no end within the time given
 
     QJsonObject json() const { return QJsonDocument::fromJson(body).object(); }
+    QJsonArray list() const { return QJsonDocument::fromJson(body).array(); }
     bool success() const { return json().value(QLatin1String("success")).toBool(); }
     QJsonObject response() const { return json().value(QLatin1String("response")).toObject(); }
     int code() const { return response().value(QLatin1String("code")).toInt(); }
@@ -48,7 +50,7 @@ public:
     Answer signIn(const QByteArray &login, const QByteArray &password);
     /// Signs in with the service's own account; the session, empty on failure.
     QString session();
-    /// Query of a cloud camera.
+    /// Query of a camera; a LAN camera takes its server's password for the session.
     QString query(const DemoCamera &camera, const QString &session) const;
 
 private:

@@ -5,21 +5,18 @@
 #include <QProcess>
 #include <QtTest>
 
-#include "tests/demo/DemoClient.h"
-#include "tests/support/DemoService.h"
+#include "tests/demo/DemoTest.h"
 #include "tests/support/StripReader.h"
 
 using namespace ZorvaneClient;
 using namespace ZorvaneClient::Tests;
 
 /// Sign-in, paths, stored state, pictures, LAN interface and life of the demo service.
-class DemoServiceTest : public QObject
+class DemoServiceTest : public DemoTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
     void keysAreTheOwnersAlone();
     void certificateIsChecked();
     void badSignIns_data();
@@ -30,27 +27,13 @@ private slots:
     void sessionIsNeeded();
     void layoutsAndSessionsOutliveTheService();
     void previewShowsCameraAndSecond();
-    void archiveDaysMatchTheirRecords();
     void lanServerWantsItsPassword_data();
     void lanServerWantsItsPassword();
     void requestsAreShownAsTheyCame();
     void endsWithItsInput();
     void refusesUnknownOptions_data();
     void refusesUnknownOptions();
-
-private:
-    DemoService service;
 };
-
-void DemoServiceTest::initTestCase()
-{
-    QVERIFY2(service.start(), qPrintable(service.errorString()));
-}
-
-void DemoServiceTest::init()
-{
-    QVERIFY(service.reset());
-}
 
 void DemoServiceTest::keysAreTheOwnersAlone()
 {
@@ -102,7 +85,6 @@ void DemoServiceTest::badSignIns()
     QFETCH(bool, refused);
     QFETCH(int, code);
     QVERIFY(service.setSignInRefused(refused));
-    DemoClient client(service);
     const Answer answer = client.post(client.api(QStringLiteral("/public/sessions")), body, type);
     QVERIFY(answer.json().contains(QStringLiteral("success")));
     QVERIFY(!answer.success());
@@ -116,11 +98,11 @@ void DemoServiceTest::passwordReachesTheServiceIntact()
     options.password = QStringLiteral("p&s+w %41=ё");
     DemoService other;
     QVERIFY2(other.start(options), qPrintable(other.errorString()));
-    DemoClient client(other);
-    QVERIFY(client.signIn(options.email.toUtf8(), options.password.toUtf8()).success());
-    QVERIFY(!client.signIn(options.email.toUtf8(), "p&s w %41=ё").success());
+    DemoClient stranger(other);
+    QVERIFY(stranger.signIn(options.email.toUtf8(), options.password.toUtf8()).success());
+    QVERIFY(!stranger.signIn(options.email.toUtf8(), "p&s w %41=ё").success());
     // A session is made anew for each sign-in.
-    QVERIFY(client.session() != client.session());
+    QVERIFY(stranger.session() != stranger.session());
 }
 
 void DemoServiceTest::onlyExactPaths_data()
@@ -145,8 +127,7 @@ void DemoServiceTest::onlyExactPaths()
     QFETCH(bool, streaming);
     QFETCH(QString, path);
     QFETCH(int, status);
-    DemoClient client(service);
-    const QString wanted = path + client.query(service.camera(1), client.session());
+    const QString wanted = path + client.query(service.camera(1), session);
     const Answer answer = client.get(streaming ? client.streaming(wanted) : client.api(wanted));
     QCOMPARE(answer.status, status);
     if (!streaming)
@@ -157,8 +138,6 @@ void DemoServiceTest::onlyExactPaths()
 
 void DemoServiceTest::sessionIsNeeded()
 {
-    DemoClient client(service);
-    const QString session = client.session();
     const QString wanted = client.api(QStringLiteral("/public/roster?sessionId=")) + session;
     QVERIFY(client.get(wanted).success());
     QCOMPARE(client.get(client.api(QStringLiteral("/public/roster?sessionId="))).code(), 10002);
@@ -176,11 +155,7 @@ void DemoServiceTest::sessionIsNeeded()
 
 void DemoServiceTest::layoutsAndSessionsOutliveTheService()
 {
-    DemoService kept;
-    QVERIFY2(kept.start(), qPrintable(kept.errorString()));
-    DemoClient client(kept);
     const QString path = client.api(QStringLiteral("//layouts?sessionId="));
-    const QString session = client.session();
     const QJsonObject empty = client.get(path + session).response();
     QCOMPARE(empty.value(QLatin1String("last_update")).toInt(-1), 0);
     QVERIFY(empty.value(QLatin1String("layouts")).toArray().isEmpty());
@@ -193,9 +168,9 @@ void DemoServiceTest::layoutsAndSessionsOutliveTheService()
     QCOMPARE(client.post(path + QStringLiteral("none"), list, "application/json").code(), 10002);
     QVERIFY(client.post(path + session, list, "application/json").success());
 
-    QVERIFY2(kept.restart(), qPrintable(kept.errorString()));
+    QVERIFY2(service.restart(), qPrintable(service.errorString()));
     QVERIFY2(client.get(path + session).success(), "the session did not outlive the service");
-    QVERIFY(kept.dropSessions());
+    QVERIFY(service.dropSessions());
     QCOMPARE(client.get(path + session).code(), 10002);
     const QJsonObject stored = client.get(path + client.session()).response();
     QVERIFY(stored.value(QLatin1String("last_update")).toInt() >= before);
@@ -205,8 +180,6 @@ void DemoServiceTest::layoutsAndSessionsOutliveTheService()
 
 void DemoServiceTest::previewShowsCameraAndSecond()
 {
-    DemoClient client(service);
-    const QString session = client.session();
     for (const int number : {1, 2, 14}) {
         const Answer answer =
             client.get(client.streaming(QStringLiteral("//preview/live")) +
@@ -230,45 +203,6 @@ void DemoServiceTest::previewShowsCameraAndSecond()
     QVERIFY(!StripReader::read(blank));
 }
 
-void DemoServiceTest::archiveDaysMatchTheirRecords()
-{
-    DemoClient client(service);
-    const QString query = client.query(service.camera(1), client.session());
-    const QDate today = QDate::currentDate();
-    const auto span = [](const QDate &first, const QDate &last) {
-        return QStringLiteral("&startTime=%1&endTime=%2")
-            .arg(QDateTime(first, QTime(0, 0)).toSecsSinceEpoch())
-            .arg(QDateTime(last, QTime(23, 59, 59)).toSecsSinceEpoch());
-    };
-    const QJsonArray days =
-        QJsonDocument::fromJson(client
-                                    .get(client.streaming(QStringLiteral("//archive/days")) +
-                                         query + span(today.addDays(-3), today.addDays(-1)))
-                                    .body)
-            .array();
-    QCOMPARE(days.size(), 3);
-    for (const QJsonValue value : days) {
-        const QJsonObject day = value.toObject();
-        const QDate date = QDateTime::fromSecsSinceEpoch(
-                               static_cast<qint64>(day.value(QLatin1String("date")).toDouble()))
-                               .date();
-        const QJsonArray records =
-            QJsonDocument::fromJson(client
-                                        .get(client.streaming(QStringLiteral("//archive/list")) +
-                                             query + span(date, date))
-                                        .body)
-                .array();
-        QCOMPARE(records.size(), day.value(QLatin1String("recordsCount")).toInt());
-        QVERIFY(records.size() >= 18);
-        double end = 0;
-        for (const QJsonValue record : records) {
-            const double start = record.toObject().value(QLatin1String("startTime")).toDouble();
-            QVERIFY2(start >= end, "records overlap or are out of order");
-            end = start + record.toObject().value(QLatin1String("duration")).toDouble();
-        }
-    }
-}
-
 void DemoServiceTest::lanServerWantsItsPassword_data()
 {
     QTest::addColumn<QString>("password");
@@ -284,7 +218,6 @@ void DemoServiceTest::lanServerWantsItsPassword()
 {
     QFETCH(QString, password);
     QFETCH(int, status);
-    DemoClient client(service);
     const QString query = QStringLiteral("?server=1&sessionId=") + password;
     const Answer information = client.get(client.lan(QStringLiteral("/vs_info/")) + query);
     QCOMPARE(information.status, status);
@@ -301,7 +234,7 @@ void DemoServiceTest::lanServerWantsItsPassword()
                 .value(QLatin1String("functions"))
                 .toArray()
                 .contains(QStringLiteral("arc_search")));
-    const QJsonArray cameras = QJsonDocument::fromJson(streams.body).array();
+    const QJsonArray cameras = streams.list();
     QCOMPARE(cameras.size(), 3);
     QCOMPARE(cameras.at(2).toObject().value(QLatin1String("id")).toInt(), 3);
     QCOMPARE(cameras.at(2).toObject().value(QLatin1String("status")).toInt(), 1);
@@ -312,8 +245,6 @@ void DemoServiceTest::lanServerWantsItsPassword()
 
 void DemoServiceTest::requestsAreShownAsTheyCame()
 {
-    DemoClient client(service);
-    const QString session = client.session();
     client.get(client.api(QStringLiteral("//layouts?sessionId=%1&x=a%2Bb").arg(session)));
     const QVector<DemoRequest> requests = service.requests(QStringLiteral("//layouts"));
     QCOMPARE(requests.size(), 1);
@@ -331,20 +262,17 @@ void DemoServiceTest::requestsAreShownAsTheyCame()
 
 void DemoServiceTest::endsWithItsInput()
 {
-    DemoService other;
-    QVERIFY2(other.start(), qPrintable(other.errorString()));
-    other.process()->closeWriteChannel();
-    QTRY_COMPARE_WITH_TIMEOUT(other.process()->state(), QProcess::NotRunning, 10'000);
-    QCOMPARE(other.process()->exitStatus(), QProcess::NormalExit);
-    QCOMPARE(other.process()->exitCode(), 0);
-
-    QVERIFY2(other.restart(), qPrintable(other.errorString()));
-    DemoClient client(other);
-    QVERIFY(!client.session().isEmpty());
-    other.process()->terminate();
-    QTRY_COMPARE_WITH_TIMEOUT(other.process()->state(), QProcess::NotRunning, 10'000);
-    QCOMPARE(other.process()->exitStatus(), QProcess::NormalExit);
-    QCOMPARE(other.process()->exitCode(), 0);
+    for (const bool bySignal : {false, true}) {
+        if (bySignal)
+            service.process()->terminate();
+        else
+            service.process()->closeWriteChannel();
+        QTRY_COMPARE_WITH_TIMEOUT(service.process()->state(), QProcess::NotRunning, 10'000);
+        QCOMPARE(service.process()->exitStatus(), QProcess::NormalExit);
+        QCOMPARE(service.process()->exitCode(), 0);
+        QVERIFY2(service.restart(), qPrintable(service.errorString()));
+        QVERIFY(!client.session().isEmpty());
+    }
 }
 
 void DemoServiceTest::refusesUnknownOptions_data()

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include <QElapsedTimer>
-#include <QJsonArray>
-#include <QSet>
 #include <QTcpSocket>
 #include <QtTest>
 
-#include "tests/demo/DemoClient.h"
+#include "tests/demo/DemoTest.h"
 #include "tests/demo/StreamPictures.h"
-#include "tests/support/DemoService.h"
 #include "tests/support/StripReader.h"
 
 using namespace ZorvaneClient;
@@ -21,24 +18,21 @@ constexpr int liveLagMs = 2000;
 
 } // namespace
 
-/// Live and archive streams, and what goes wrong with streams and replies on purpose.
-class DemoStreamTest : public QObject
+/// Live streams, and what goes wrong with streams and replies on purpose.
+class DemoStreamTest : public DemoTest
 {
     Q_OBJECT
 
+public:
+    DemoStreamTest() : DemoTest(plainWorld()) {}
+
 private slots:
-    void initTestCase();
-    void init();
     void liveStreamFollowsTheClock_data();
     void liveStreamFollowsTheClock();
     void lanStreamWantsItsPassword();
     void camerasKeepTheirNumbersInSharedClips();
     void refusedStreams_data();
     void refusedStreams();
-    void archiveShowsTheMomentAskedFor();
-    void archiveEndsWithItsRecord();
-    void archiveFastForward();
-    void exportedSpanIsNotPaced();
     void cameraGoneOfflineEndsItsStream();
     void faultyReplies_data();
     void faultyReplies();
@@ -49,44 +43,25 @@ private slots:
 
 private:
     QString liveUrl(const DemoCamera &camera, int quality = 0);
-    QJsonObject recordOfYesterday(const DemoCamera &camera);
+    void openStream(const QString &url);
 
-    DemoService service;
-    QScopedPointer<DemoClient> client;
-    QString session;
+    QTcpSocket socket;
 };
-
-void DemoStreamTest::initTestCase()
-{
-    DemoService::Options options;
-    options.servers = 2;
-    options.cameras = 4;
-    options.plain = true;
-    QVERIFY2(service.start(options), qPrintable(service.errorString()));
-    client.reset(new DemoClient(service));
-}
-
-void DemoStreamTest::init()
-{
-    QVERIFY(service.reset());
-    session = client->session();
-    QVERIFY(!session.isEmpty());
-}
 
 QString DemoStreamTest::liveUrl(const DemoCamera &camera, int quality)
 {
-    return client->flv(QStringLiteral("/flv/live")) + client->query(camera, session) +
+    return client.flv(QStringLiteral("/flv/live")) + client.query(camera, session) +
            QStringLiteral("&q=%1&vcodec=h264&vcodec=flv&vcodec=mpeg4&acodec=mp3").arg(quality);
 }
 
-QJsonObject DemoStreamTest::recordOfYesterday(const DemoCamera &camera)
+/// Opens it by the socket and reads until it is running.
+void DemoStreamTest::openStream(const QString &url)
 {
-    const qint64 day = 24 * 3600;
-    const qint64 now = QDateTime::currentSecsSinceEpoch();
-    const Answer answer = client->get(
-        client->streaming(QStringLiteral("//archive/list")) + client->query(camera, session) +
-        QStringLiteral("&startTime=%1&endTime=%2").arg(now - 2 * day).arg(now - day));
-    return QJsonDocument::fromJson(answer.body).array().at(3).toObject();
+    const QString path = url.mid(client.flv(QString()).size());
+    socket.abort();
+    socket.connectToHost(QStringLiteral("127.0.0.1"), static_cast<quint16>(service.flvPort()));
+    socket.write("GET " + path.toUtf8() + " HTTP/1.1\r\nHost: x\r\n\r\n");
+    QTRY_VERIFY_WITH_TIMEOUT(socket.bytesAvailable() > 20'000, 10'000);
 }
 
 void DemoStreamTest::liveStreamFollowsTheClock_data()
@@ -112,33 +87,28 @@ void DemoStreamTest::liveStreamFollowsTheClock()
     int moment = -1;
     for (const auto &picture : stream.pictures) {
         QCOMPARE(picture.image.size(), size);
-        const auto strip = StripReader::read(picture.image);
-        QVERIFY(strip);
-        QCOMPARE(strip->camera, 3);
+        QCOMPARE(picture.strip.camera, 3);
         QVERIFY(picture.stampMs > before);
         // Ten pictures a second in the test clips, without a hole.
-        QVERIFY(moment < 0 || strip->milliseconds == (moment + 100) % 60'000);
+        QVERIFY(moment < 0 || picture.strip.milliseconds == (moment + 100) % 60'000);
         before = picture.stampMs;
-        moment = strip->milliseconds;
+        moment = picture.strip.milliseconds;
     }
     const auto &last = stream.pictures.last();
-    const auto strip = StripReader::read(last.image);
-    QVERIFY(StripReader::ageMs(*strip, last.receivedMs) < liveLagMs);
+    QVERIFY(StripReader::ageMs(last.strip, last.receivedMs) < liveLagMs);
     const auto small = StripReader::readTile(
         last.image.scaled(155, 87, Qt::IgnoreAspectRatio, Qt::FastTransformation));
     QVERIFY(small);
-    QCOMPARE(small->milliseconds, strip->milliseconds);
+    QCOMPARE(small->milliseconds, last.strip.milliseconds);
 }
 
 void DemoStreamTest::lanStreamWantsItsPassword()
 {
-    const QString url = client->lan(QStringLiteral("/flv/live?server=1&camera=2&q=0&sessionId="));
+    const QString url = client.lan(QStringLiteral("/flv/live?server=1&camera=2&q=0&sessionId="));
     QVERIFY(!StreamPictures::from(url + QStringLiteral("wrong"), 1).opened);
     const StreamPictures stream = StreamPictures::from(url + service.lanPassword(), 1);
     QCOMPARE(stream.pictures.size(), 1);
-    const auto strip = StripReader::read(stream.pictures.first().image);
-    QVERIFY(strip);
-    QCOMPARE(strip->camera, 6);
+    QCOMPARE(stream.pictures.first().strip.camera, 6);
 }
 
 void DemoStreamTest::camerasKeepTheirNumbersInSharedClips()
@@ -157,9 +127,7 @@ void DemoStreamTest::camerasKeepTheirNumbersInSharedClips()
         const StreamPictures stream = StreamPictures::from(
             other.flv(QStringLiteral("/flv/live")) + other.query(many.camera(number), signedIn), 1);
         QCOMPARE(stream.pictures.size(), 1);
-        const auto strip = StripReader::read(stream.pictures.first().image);
-        QVERIFY(strip);
-        QCOMPARE(strip->camera, number);
+        QCOMPARE(stream.pictures.first().strip.camera, number);
     }
 }
 
@@ -169,16 +137,10 @@ void DemoStreamTest::refusedStreams_data()
     QTest::addColumn<QString>("changed"); // JSON of the camera's change
     QTest::addColumn<int>("status");
     const QString live = QStringLiteral("/flv/live");
-    const QString archive = QStringLiteral("/flv/archive?startTime=%1")
-                                .arg(QDateTime::currentSecsSinceEpoch() - 90'000);
     QTest::newRow("offline") << live << "{\"online\":false}" << 404;
     QTest::newRow("not paid for") << live << "{\"paid\":false}" << 403;
     QTest::newRow("no live right") << live << "{\"rights\":[\"archive\"]}" << 403;
-    QTest::newRow("no archive right") << archive << "{\"rights\":[\"live\"]}" << 403;
     QTest::newRow("unknown path") << QStringLiteral("/flv/later") << "{\"online\":true}" << 404;
-    QTest::newRow("future") << QStringLiteral("/flv/archive?startTime=4000000000")
-                            << "{\"online\":true}" << 404;
-    QTest::newRow("no time") << QStringLiteral("/flv/archive") << "{\"online\":true}" << 404;
 }
 
 void DemoStreamTest::refusedStreams()
@@ -189,99 +151,15 @@ void DemoStreamTest::refusedStreams()
     const DemoCamera camera = service.camera(1);
     QVERIFY(service.setCamera(camera.server, camera.camera,
                               QJsonDocument::fromJson(changed.toUtf8()).object()));
-    QString query = client->query(camera, session);
-    if (path.contains(QLatin1Char('?')))
-        query.replace(0, 1, QLatin1Char('&'));
-    const Answer answer = client->get(client->flv(path) + query);
+    const Answer answer = client.get(client.flv(path) + client.query(camera, session));
     QCOMPARE(answer.status, status);
     QVERIFY(answer.body.isEmpty());
-}
-
-void DemoStreamTest::archiveShowsTheMomentAskedFor()
-{
-    const DemoCamera camera = service.camera(2);
-    const QJsonObject record = recordOfYesterday(camera);
-    const auto start = static_cast<qint64>(record.value(QLatin1String("startTime")).toDouble());
-    const qint64 second = start / 1000 + 137;
-    const StreamPictures stream = StreamPictures::from(
-        client->flv(QStringLiteral("/flv/archive")) + client->query(camera, session) +
-            QStringLiteral("&q=1&startTime=%1&speed=1").arg(second),
-        12);
-    QCOMPARE(stream.pictures.size(), 12);
-    QVERIFY(stream.sound);
-    for (const auto &picture : stream.pictures) {
-        const auto strip = StripReader::read(picture.image);
-        QVERIFY(strip);
-        QCOMPARE(strip->camera, 2);
-        QCOMPARE(qint64(strip->milliseconds), (second * 1000 + picture.stampMs) % 60'000);
-    }
-}
-
-void DemoStreamTest::archiveEndsWithItsRecord()
-{
-    const DemoCamera camera = service.camera(2);
-    const QJsonObject record = recordOfYesterday(camera);
-    const auto end = static_cast<qint64>(record.value(QLatin1String("startTime")).toDouble() +
-                                         record.value(QLatin1String("duration")).toDouble());
-    const QString url =
-        client->flv(QStringLiteral("/flv/archive")) + client->query(camera, session);
-    const StreamPictures stream =
-        StreamPictures::from(url + QStringLiteral("&startTime=%1").arg(end / 1000 - 2), 1000);
-    QVERIFY(stream.ended);
-    QCOMPARE(stream.pictures.size(), 20);
-    QCOMPARE(client->get(url + QStringLiteral("&startTime=%1").arg(end / 1000 + 1)).status, 404);
-}
-
-void DemoStreamTest::archiveFastForward()
-{
-    const DemoCamera camera = service.camera(1);
-    const QJsonObject record = recordOfYesterday(camera);
-    const auto start =
-        static_cast<qint64>(record.value(QLatin1String("startTime")).toDouble()) / 1000;
-    QElapsedTimer clock;
-    clock.start();
-    const StreamPictures stream = StreamPictures::from(
-        client->flv(QStringLiteral("/flv/archive")) + client->query(camera, session) +
-            QStringLiteral("&startTime=%1&speed=8").arg(start),
-        17);
-    QCOMPARE(stream.pictures.size(), 17);
-    // Sixteen seconds of archive, a picture for each, in two.
-    QVERIFY(clock.elapsed() >= 1900);
-    for (int i = 0; i < stream.pictures.size(); ++i) {
-        QCOMPARE(stream.pictures.at(i).stampMs, qint64(i) * 125);
-        const auto strip = StripReader::read(stream.pictures.at(i).image);
-        QVERIFY(strip);
-        QCOMPARE(qint64(strip->milliseconds), (start + i) * 1000 % 60'000);
-    }
-}
-
-void DemoStreamTest::exportedSpanIsNotPaced()
-{
-    const DemoCamera camera = service.camera(1);
-    const QJsonObject record = recordOfYesterday(camera);
-    const auto start = static_cast<qint64>(record.value(QLatin1String("startTime")).toDouble());
-    QElapsedTimer clock;
-    clock.start();
-    const StreamPictures stream = StreamPictures::from(
-        client->flv(QStringLiteral("/flv/archive")) + client->query(camera, session) +
-            QStringLiteral("&startTime=%1&endTime=%2&uploadRate=500")
-                .arg(start)
-                .arg(start + 30'000),
-        1000);
-    QVERIFY(stream.ended);
-    QCOMPARE(stream.pictures.size(), 300);
-    QCOMPARE(stream.pictures.last().stampMs, qint64(29'900));
-    QVERIFY2(clock.elapsed() < 25'000, "the span came in real time");
 }
 
 void DemoStreamTest::cameraGoneOfflineEndsItsStream()
 {
     const DemoCamera camera = service.camera(1);
-    QTcpSocket socket;
-    socket.connectToHost(QStringLiteral("127.0.0.1"), static_cast<quint16>(service.flvPort()));
-    const QString path = liveUrl(camera).mid(client->flv(QString()).size());
-    socket.write("GET " + path.toUtf8() + " HTTP/1.1\r\nHost: x\r\n\r\n");
-    QTRY_VERIFY_WITH_TIMEOUT(socket.bytesAvailable() > 20'000, 10'000);
+    openStream(liveUrl(camera));
     QCOMPARE(service.openStreams(), 1);
     QVERIFY(service.setCameraOnline(camera.server, camera.camera, false));
     QTRY_COMPARE_WITH_TIMEOUT(socket.state(), QAbstractSocket::UnconnectedState, 10'000);
@@ -324,8 +202,8 @@ void DemoStreamTest::faultyReplies()
     fault.after = kind == QLatin1String("truncate") ? 200 : 0;
     fault.location = QStringLiteral("https://127.0.0.1:1/elsewhere");
     QVERIFY(service.addFault(fault) > 0);
-    const QString url = client->api(QStringLiteral("/public/roster?sessionId=")) + session;
-    const Answer answer = client->get(url, kind == QLatin1String("stall") ? 1500 : 15'000);
+    const QString url = client.api(QStringLiteral("/public/roster?sessionId=")) + session;
+    const Answer answer = client.get(url, kind == QLatin1String("stall") ? 1500 : 15'000);
     const bool json = !QJsonDocument::fromJson(answer.body).isNull();
     QString found = QStringLiteral("nothing wrong");
     if (answer.timedOut)
@@ -344,13 +222,13 @@ void DemoStreamTest::faultyReplies()
         found = QStringLiteral("not JSON");
     QCOMPARE(found, outcome);
     QVERIFY(service.clearFaults());
-    QVERIFY(client->get(url).success());
+    QVERIFY(client.get(url).success());
 }
 
 void DemoStreamTest::slowAndDelayedReplies()
 {
-    const QString url = client->api(QStringLiteral("/public/roster?sessionId=")) + session;
-    const int size = client->get(url).body.size();
+    const QString url = client.api(QStringLiteral("/public/roster?sessionId=")) + session;
+    const int size = client.get(url).body.size();
     DemoFault slow;
     slow.kind = QStringLiteral("slow");
     slow.route = QStringLiteral("/public/roster");
@@ -358,7 +236,7 @@ void DemoStreamTest::slowAndDelayedReplies()
     const int number = service.addFault(slow);
     QElapsedTimer clock;
     clock.start();
-    QCOMPARE(client->get(url).body.size(), size);
+    QCOMPARE(client.get(url).body.size(), size);
     QVERIFY(clock.elapsed() >= 900);
     QVERIFY(service.clearFault(number));
 
@@ -368,7 +246,7 @@ void DemoStreamTest::slowAndDelayedReplies()
     delay.value = 700;
     QVERIFY(service.addFault(delay) > 0);
     clock.restart();
-    QVERIFY(client->get(url).success());
+    QVERIFY(client.get(url).success());
     QVERIFY(clock.elapsed() >= 700);
 }
 
@@ -383,8 +261,8 @@ void DemoStreamTest::faultHitsOnlyItsCameraAndTimes()
     QVERIFY(service.addFault(fault) > 0);
     const auto isEmpty = [&](int number) {
         return client
-            ->get(client->streaming(QStringLiteral("//preview/live")) +
-                  client->query(service.camera(number), session))
+            .get(client.streaming(QStringLiteral("//preview/live")) +
+                 client.query(service.camera(number), session))
             .body.isEmpty();
     };
     QVERIFY(isEmpty(1));
@@ -404,11 +282,7 @@ void DemoStreamTest::faultReachesARunningStream_data()
 void DemoStreamTest::faultReachesARunningStream()
 {
     QFETCH(QString, kind);
-    const QString path = liveUrl(service.camera(1)).mid(client->flv(QString()).size());
-    QTcpSocket socket;
-    socket.connectToHost(QStringLiteral("127.0.0.1"), static_cast<quint16>(service.flvPort()));
-    socket.write("GET " + path.toUtf8() + " HTTP/1.1\r\nHost: x\r\n\r\n");
-    QTRY_VERIFY_WITH_TIMEOUT(socket.bytesAvailable() > 20'000, 10'000);
+    openStream(liveUrl(service.camera(1)));
     DemoFault fault;
     fault.kind = kind;
     fault.route = QStringLiteral("/flv/*");

@@ -1,23 +1,19 @@
 // SPDX-License-Identifier: MIT
-#include <QJsonArray>
 #include <QRegularExpression>
 #include <QSet>
 #include <QtTest>
 
-#include "tests/demo/DemoClient.h"
-#include "tests/support/DemoService.h"
+#include "tests/demo/DemoTest.h"
 
 using namespace ZorvaneClient;
 using namespace ZorvaneClient::Tests;
 
 /// The servers and cameras of the demo service as the roster shows them.
-class DemoWorldTest : public QObject
+class DemoWorldTest : public DemoTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
     void rosterHasEveryKindOfCamera();
     void worldIsMadeFromItsSeed();
     void rotationIsKept_data();
@@ -25,32 +21,17 @@ private slots:
     void changesOfTheWorldAreInTheRoster();
 
 private:
-    QJsonObject roster(DemoClient *client);
-
-    DemoService service;
+    QJsonObject roster();
 };
 
-void DemoWorldTest::initTestCase()
+QJsonObject DemoWorldTest::roster()
 {
-    QVERIFY2(service.start(), qPrintable(service.errorString()));
-}
-
-void DemoWorldTest::init()
-{
-    QVERIFY(service.reset());
-}
-
-QJsonObject DemoWorldTest::roster(DemoClient *client)
-{
-    return client
-        ->get(client->api(QStringLiteral("/public/roster?sessionId=%1").arg(client->session())))
-        .response();
+    return client.get(client.api(QStringLiteral("/public/roster?sessionId=")) + session).response();
 }
 
 void DemoWorldTest::rosterHasEveryKindOfCamera()
 {
-    DemoClient client(service);
-    const QJsonObject servers = roster(&client);
+    const QJsonObject servers = roster();
     QCOMPARE(servers.size(), 5);
     QSet<QString> kinds;
     int cameras = 0;
@@ -149,15 +130,13 @@ void DemoWorldTest::rotationIsKept()
 {
     QFETCH(QByteArray, degrees);
     QFETCH(int, code);
-    DemoClient client(service);
     const DemoCamera camera = service.camera(2);
     const QString path = QStringLiteral("//public/servers/%1/cameras/%2/rotation");
-    const Answer answer =
-        client.post(client.api(path.arg(camera.server).arg(camera.camera)),
-                    "degrees=" + degrees + "&sessionId=" + client.session().toUtf8());
+    const Answer answer = client.post(client.api(path.arg(camera.server).arg(camera.camera)),
+                                      "degrees=" + degrees + "&sessionId=" + session.toUtf8());
     QCOMPARE(answer.success(), code == 0);
     QCOMPARE(answer.code(), code);
-    const int rotation = roster(&client)
+    const int rotation = roster()
                              .value(camera.server)
                              .toObject()
                              .value(QLatin1String("cameras"))
@@ -171,14 +150,9 @@ void DemoWorldTest::rotationIsKept()
 
 void DemoWorldTest::changesOfTheWorldAreInTheRoster()
 {
-    DemoClient client(service);
     const DemoCamera camera = service.camera(1);
     const auto cameras = [&] {
-        return roster(&client)
-            .value(camera.server)
-            .toObject()
-            .value(QLatin1String("cameras"))
-            .toObject();
+        return roster().value(camera.server).toObject().value(QLatin1String("cameras")).toObject();
     };
     const int before = cameras().size();
     const int added = service.addCamera(camera.server, QStringLiteral("New one"));
@@ -194,13 +168,12 @@ void DemoWorldTest::changesOfTheWorldAreInTheRoster()
              QJsonValue(false));
 
     const QString server = service.addServer(QStringLiteral("Annex"), 2);
-    QCOMPARE(roster(&client).value(server).toObject().value(QLatin1String("name")),
+    QCOMPARE(roster().value(server).toObject().value(QLatin1String("name")),
              QJsonValue(QStringLiteral("Annex")));
     QVERIFY(service.setServerOnline(server, false));
-    QCOMPARE(roster(&client).value(server).toObject().value(QLatin1String("online")),
-             QJsonValue(false));
+    QCOMPARE(roster().value(server).toObject().value(QLatin1String("online")), QJsonValue(false));
     QVERIFY(service.removeServer(server));
-    QVERIFY(!roster(&client).contains(server));
+    QVERIFY(!roster().contains(server));
 }
 
 QTEST_GUILESS_MAIN(DemoWorldTest)

@@ -88,8 +88,10 @@ StreamPictures StreamPictures::from(const QString &url, int count, int timeoutMs
                 result.damaged = true;
             while (open && avcodec_receive_frame(codec.get(), frame.get()) == 0) {
                 result.damaged |= frame->decode_error_flags != 0;
-                result.pictures.append(
-                    {imageOf(frame.get()), frame->pts, QDateTime::currentMSecsSinceEpoch()});
+                const QImage image = imageOf(frame.get());
+                result.pictures.append({image, frame->pts, QDateTime::currentMSecsSinceEpoch(),
+                                        (packet->flags & AV_PKT_FLAG_KEY) != 0,
+                                        StripReader::read(image).value_or(Strip())});
             }
         }
         av_packet_unref(packet.get());

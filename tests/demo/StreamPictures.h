@@ -5,6 +5,8 @@
 #include <QString>
 #include <QVector>
 
+#include "tests/support/StripReader.h"
+
 namespace ZorvaneClient {
 namespace Tests {
 
@@ -14,6 +16,8 @@ struct StreamPictures {
         QImage image;
         qint64 stampMs = 0;    ///< time stamp in the stream
         qint64 receivedMs = 0; ///< wall clock when it was decoded, since the epoch
+        bool keyFrame = false;
+        Strip strip; ///< of camera 0 when none could be read
     };
 
     QVector<Picture> pictures;

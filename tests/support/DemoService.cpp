@@ -316,6 +316,19 @@ bool DemoService::setCamera(const QString &server, int camera, const QJsonObject
     return !control("POST", QStringLiteral("/cameras/set"), body).isEmpty();
 }
 
+bool DemoService::setArchive(const DemoCamera &camera,
+                             const QVector<QPair<qint64, qint64>> &records)
+{
+    QJsonArray list;
+    for (const auto &[start, end] : records)
+        list.append(QJsonArray{start, end});
+    return !control("POST", QStringLiteral("/cameras/archive"),
+                    {{QStringLiteral("server"), camera.server},
+                     {QStringLiteral("camera"), camera.camera},
+                     {QStringLiteral("records"), list}})
+                .isEmpty();
+}
+
 bool DemoService::setServer(const QString &server, const QJsonObject &values)
 {
     QJsonObject body = values;

@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QJsonObject>
 #include <QObject>
+#include <QPair>
 #include <QStringList>
 #include <QVector>
 
@@ -111,6 +112,9 @@ public:
     bool setServerOnline(const QString &server, bool online);
     /// Sets any of: online, name, paid, rights (array), rotation, mirror.
     bool setCamera(const QString &server, int camera, const QJsonObject &values);
+    /// Gives the camera these records, each begin and end in milliseconds since the epoch,
+    /// in place of the made-up ones.
+    bool setArchive(const DemoCamera &camera, const QVector<QPair<qint64, qint64>> &records);
     /// Sets any of: online, name, live, archive.
     bool setServer(const QString &server, const QJsonObject &values);
     /// Returns the new camera's id, 0 on failure.
