@@ -6,6 +6,7 @@
 #include "API/CameraPrivate.h"
 #include "API/CloudAPIClient.h"
 #include "API/Server.h"
+#include "App/OwnerOnly.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
 
@@ -335,7 +336,10 @@ void Camera::setPreview(QPixmap pixmap)
 {
     d->rawPreview = pixmap;
     if (!pixmap.isNull()) {
-        pixmap.save(d->previewFile());
+        const QString file = d->previewFile();
+        const App::OwnerOnlyFiles guard; // what cameras see is nobody else's business
+        App::restrictToOwner(file);
+        pixmap.save(file);
     }
     d->preview = d->oriented(d->rawPreview);
     emit previewChanged(d->preview);

@@ -22,10 +22,8 @@ namespace {
 
 constexpr int previewQuality = 0;
 
-StreamerClient *archiveClient(const QString &apiHost, int apiPort)
-{
-    return apiHost.isEmpty() ? new StreamerClient : new StreamerClient(apiHost, apiPort);
-}
+using Received = void (CloudAPIClient::*)(QVariant);
+using Failed = void (CloudAPIClient::*)();
 
 // A LAN server takes its password in the place of a session.
 QVariantMap archiveParams(const camera_global_id_t &camera, uint startTime, uint endTime,
@@ -38,6 +36,25 @@ QVariantMap archiveParams(const camera_global_id_t &camera, uint startTime, uint
         {QStringLiteral("startTime"), startTime},
         {QStringLiteral("endTime"), endTime},
     };
+}
+
+/// Asks the LAN server, or the service where there is none, and tells `caller` by these signals.
+void askArchive(CloudAPIClient *caller, const QString &method, const QVariantMap &params,
+                const QString &apiHost, int apiPort, Received received, Failed failed)
+{
+    const QPointer<CloudAPIClient> self(caller);
+    auto *client = apiHost.isEmpty() ? new StreamerClient : new StreamerClient(apiHost, apiPort);
+    watchExchange(
+        client, OnError::Keep,
+        [self, received](const QVariant &response) {
+            if (self)
+                emit(self->*received)(response);
+        },
+        [self, failed](int, int) {
+            if (self)
+                emit(self->*failed)();
+        });
+    client->request(method, params, true);
 }
 
 } // namespace
@@ -68,39 +85,17 @@ void CloudAPIClient::requestPreview(server_id_t serverID, camera_id_t cameraID)
 void CloudAPIClient::getTimeline(camera_global_id_t cameraID, uint startTime, uint endTime,
                                  QString apiHost, int apiPort, QString password)
 {
-    const QPointer<CloudAPIClient> self(this);
-    StreamerClient *client = archiveClient(apiHost, apiPort);
-    watchExchange(
-        client, OnError::Keep,
-        [self](const QVariant &response) {
-            if (self)
-                emit self->archivesReceived(response);
-        },
-        [self](int, int) {
-            if (self)
-                emit self->archivesError();
-        });
-    client->request(QStringLiteral("archive/list"),
-                    archiveParams(cameraID, startTime, endTime, apiHost, password), true);
+    askArchive(this, QStringLiteral("archive/list"),
+               archiveParams(cameraID, startTime, endTime, apiHost, password), apiHost, apiPort,
+               &CloudAPIClient::archivesReceived, &CloudAPIClient::archivesError);
 }
 
 void CloudAPIClient::getCalendar(camera_global_id_t cameraID, uint startTime, uint endTime,
                                  QString apiHost, int apiPort, QString password)
 {
-    const QPointer<CloudAPIClient> self(this);
-    StreamerClient *client = archiveClient(apiHost, apiPort);
-    watchExchange(
-        client, OnError::Keep,
-        [self](const QVariant &response) {
-            if (self)
-                emit self->archiveDatesReceived(response);
-        },
-        [self](int, int) {
-            if (self)
-                emit self->archiveDatesError();
-        });
-    client->request(QStringLiteral("archive/days"),
-                    archiveParams(cameraID, startTime, endTime, apiHost, password), true);
+    askArchive(this, QStringLiteral("archive/days"),
+               archiveParams(cameraID, startTime, endTime, apiHost, password), apiHost, apiPort,
+               &CloudAPIClient::archiveDatesReceived, &CloudAPIClient::archiveDatesError);
 }
 
 void CloudAPIClient::setCameraRotation(camera_global_id_t cameraId, int angle)

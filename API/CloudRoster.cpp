@@ -28,6 +28,9 @@ using Internal::watchExchange;
 namespace {
 
 const QString localRosterFile = QStringLiteral("local_roster.txt");
+// Far beyond what people enter by hand, and each server has connections and a poll of its own.
+constexpr qint64 maximumLocalRosterBytes = 1LL << 20;
+constexpr int maximumLocalServers = 256;
 
 // The id that a LocalServer made of `json` will have; making one starts its polling.
 server_id_t localServerId(const QVariantMap &json)
@@ -127,11 +130,19 @@ void CloudAPIClient::loadLocalRoster()
         cloudData.localServers.clear();
         return;
     }
+    if (file.size() > maximumLocalRosterBytes) {
+        qWarning() << "Local roster is too large:" << file.size();
+        return;
+    }
     const QVariantList entries = QJsonDocument::fromJson(file.readAll()).toVariant().toList();
     for (const QVariant &entry : entries) {
         const QVariantMap json = entry.toMap();
         if (cloudData.localServers.contains(localServerId(json)))
             continue; // objects in memory win
+        if (cloudData.localServers.size() >= maximumLocalServers) {
+            qWarning() << "Too many local servers, taken:" << maximumLocalServers;
+            return;
+        }
         const auto server = LocalServerPtr::create(json);
         cloudData.localServers.insert(server->id(), server);
     }

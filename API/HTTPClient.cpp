@@ -30,6 +30,10 @@ constexpr int badRequestStatus = 400;
 
 constexpr int unsetPort = -1;
 
+// A roster of ten thousand cameras takes about five. Without a bound a server could fill the
+// memory with a reply that never ends.
+constexpr qint64 maximumReplyBytes = 64LL << 20;
+
 QNetworkProxy proxyFromSettings()
 {
     const App::Settings &settings = App::settings();
@@ -95,12 +99,10 @@ QSet<HTTPClient *> &HTTPClient::living()
 void HTTPClient::closeAllConnections()
 {
     for (HTTPClient *client : qAsConst(living())) {
-        for (QNetworkReply *reply : qAsConst(client->replies)) {
-            reply->disconnect(client);
-            reply->abort();
-            // The thread may be waiting for an answer to one of these, and nobody gives it now.
-            QCoreApplication::removePostedEvents(reply);
-        }
+        // The thread may wait for a reply's answer, or be about to, and nobody gives it any
+        // more. Only a reply that is gone keeps nobody waiting.
+        qDeleteAll(client->replies);
+        client->replies.clear();
         client->manager.clearConnectionCache();
     }
 }
@@ -210,6 +212,12 @@ void HTTPClient::track(QNetworkReply *reply)
         return;
     connect(reply, &QNetworkReply::finished, this, &HTTPClient::httpReply);
     connect(reply, &QNetworkReply::errorOccurred, this, &HTTPClient::httpError);
+    connect(reply, &QNetworkReply::readyRead, this, [reply] {
+        if (reply->bytesAvailable() <= maximumReplyBytes)
+            return;
+        qWarning() << "HTTP reply is too large:" << reply->url().host();
+        reply->abort();
+    });
     replies.append(reply);
 }
 
@@ -226,7 +234,7 @@ void HTTPClient::httpReply()
 
     const QUrl target = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
     if (target.isEmpty())
-        deliver(reply->readAll());
+        deliver(reply->isOpen() ? reply->readAll() : QByteArray());
     else
         followRedirect(target);
 }

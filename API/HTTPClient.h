@@ -50,8 +50,8 @@ signals:
     /// The parsed document if JSON was asked for, else the body as a byte array.
     /// The HTTP status is not looked at.
     void finished(QVariant response);
-    /// (1, -1) no reply object; (-3, 302) bad redirect address; (-2, 204) empty body or no
-    /// connection; (-2, 400) not JSON.
+    /// (1, -1) no reply object; (-3, 302) bad redirect address; (-2, 204) empty body, no
+    /// connection or a body beyond all bounds; (-2, 400) not JSON.
     void error(int errorCode, int httpStatus);
 
 private slots:

@@ -34,6 +34,11 @@ inline bool operator!=(const camera_global_id_t &a, const camera_global_id_t &b)
     return !(a == b);
 }
 
+inline bool operator<(const camera_global_id_t &a, const camera_global_id_t &b)
+{
+    return a.server != b.server ? a.server < b.server : a.camera < b.camera;
+}
+
 // A null handle is legal in every place that takes one.
 using CameraPtr = QSharedPointer<Camera>;
 using ServerPtr = QSharedPointer<Server>;

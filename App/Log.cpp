@@ -10,6 +10,8 @@
 
 #include <cstdlib>
 
+#include "App/OwnerOnly.h"
+
 namespace ZorvaneClient {
 namespace App {
 
@@ -60,6 +62,9 @@ void openLog()
     const QString path = QStringLiteral("zorvane_client_log.txt");
     qDebug() << "LogPath:" << path;
     logFile = new QFile(path);
+    // Addresses of streams hold sessions and passwords.
+    const OwnerOnlyFiles guard;
+    restrictToOwner(path);
     if (!logFile->open(QIODevice::WriteOnly))
         qFatal("Cannot open log file");
     logStream = new QTextStream(logFile);

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QDate>
 #include <QDateTime>
 #include <QEvent>
 #include <QNetworkReply>
+#include <QPointF>
 #include <QtGlobal>
 
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
@@ -16,8 +18,10 @@ namespace ZorvaneClient {
 
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
 using EnterEvent = QEnterEvent;
+using CalendarDate = QDate; // of QCalendarWidget's cells
 #else
 using EnterEvent = QEvent;
+using CalendarDate = const QDate &;
 #endif
 
 /// Seconds since the epoch, cut to 32 unsigned bits.
@@ -30,6 +34,17 @@ inline uint toEpochSeconds(const QDateTime &time)
 inline QDateTime fromEpochSeconds(qint64 seconds)
 {
     return QDateTime::fromSecsSinceEpoch(seconds);
+}
+
+/// Where a QMouseEvent happened, in the widget's coordinates.
+template <typename MouseEvent>
+QPointF localPosition(const MouseEvent &event)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    return event.position();
+#else
+    return event.localPos();
+#endif
 }
 
 } // namespace ZorvaneClient

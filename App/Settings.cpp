@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "App/Settings.h"
 
+#include <QFile>
 #include <QSettings>
+
+#include "App/OwnerOnly.h"
 
 namespace ZorvaneClient {
 namespace App {
@@ -11,6 +14,15 @@ namespace Internal {
 class SettingsPrivate
 {
 public:
+    // It holds passwords. An empty file now, since the store would make one that others can
+    // read for a moment.
+    SettingsPrivate()
+    {
+        const OwnerOnlyFiles guard;
+        QFile(store.fileName()).open(QIODevice::ReadWrite);
+        restrictToOwner(store.fileName());
+    }
+
     // No folder: the file lies in the working directory, beside the log.
     QSettings store{QStringLiteral("ZorvaneClient.ini"), QSettings::IniFormat};
 };

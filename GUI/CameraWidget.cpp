@@ -12,6 +12,7 @@
 
 #include "API/Camera.h"
 #include "App/Environment.h"
+#include "GUI/CameraSettingsDialog.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -79,6 +80,10 @@ void CameraWidget::createMenu()
     auto *menu = new QMenu(this);
     menu->addAction(tr("Open camera"), this, &CameraWidget::onCameraOpen);
     menu->addAction(d->addToLayoutAction);
+    // Queued: the card can leave the roster while the dialog is open, and the menu with it.
+    const QAction *settingsAction = menu->addAction(tr("Settings"));
+    connect(settingsAction, &QAction::triggered, this, &CameraWidget::editSettings,
+            Qt::QueuedConnection);
     menu->addAction(tr("Open in a new window"), this, &CameraWidget::onOpenInNewWindow);
     setMenu(menu);
 }
@@ -177,6 +182,11 @@ void CameraWidget::onOpenInNewWindow()
 {
     qDebug() << "Open camera in new window";
     emit openInNewWindow(d->camera);
+}
+
+void CameraWidget::editSettings()
+{
+    CameraSettingsDialog::editCamera(d->camera);
 }
 
 void CameraWidget::setAddToLayoutEnabled(bool enabled)

@@ -56,6 +56,7 @@ private slots:
     void onAddToLayout();
     void onOpenInNewWindow();
     void previewUpdated(QPixmap preview);
+    void editSettings();
     void actualPreviewDelete();
 
 private:

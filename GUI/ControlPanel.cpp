@@ -129,11 +129,6 @@ bool ControlPanel::isSoundEnabled() const
     return ui->soundButton->property("volume").toString() != QLatin1String("mute");
 }
 
-void ControlPanel::setRecordsAvailable(bool available)
-{
-    ui->showRecordsButton->setVisible(available);
-}
-
 void ControlPanel::setTime(QDateTime dateTime)
 {
     ui->timeLabel->setText(dateTime.time().toString(QStringLiteral("hh:mm:ss")));

@@ -31,8 +31,6 @@ public:
     /// Archive speed: 1, 2, 4, 8, 16 or 32.
     int speed() const;
     bool isSoundEnabled() const;
-    /// Offers the archive's buttons, or leaves their place empty.
-    void setRecordsAvailable(bool available);
     void setTime(QDateTime dateTime);
     void resetSpeed();
     /// Checks "Auto" in the menu; emits nothing.

@@ -3,11 +3,11 @@
 
 #include <QCoreApplication>
 #include <QMenu>
-#include <QPainter>
-#include <QStyleOption>
 
 #include "API/Layout.h"
 #include "GUI/GridSizeEditor.h"
+#include "GUI/IconButton.h"
+#include "GUI/StyleBackground.h"
 #include "ui_InfoPanel.h"
 
 namespace ZorvaneClient {
@@ -22,7 +22,7 @@ constexpr int popupGapPixels = 5;
 InfoPanel::InfoPanel(QWidget *parent) : QWidget(parent), ui(new Ui::InfoPanel)
 {
     ui->setupUi(this);
-    ui->settingsButton->setAccessibleName(QCoreApplication::translate("VideoWidget", "Options"));
+    nameIconButton(ui->settingsButton, QCoreApplication::translate("VideoWidget", "Options"));
     setProperty("modified", false);
     connect(ui->saveLayoutButton, &QPushButton::clicked, this, &InfoPanel::layoutSaved);
     connect(ui->cancelLayoutButton, &QPushButton::clicked, this, &InfoPanel::layoutCancelled);
@@ -156,10 +156,7 @@ void InfoPanel::on_gridSizeButton_clicked()
 
 void InfoPanel::paintEvent(QPaintEvent *)
 {
-    QStyleOption option;
-    option.initFrom(this);
-    QPainter painter(this);
-    style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
+    drawStyleBackground(*this);
 }
 
 } // namespace GUI

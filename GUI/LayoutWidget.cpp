@@ -2,8 +2,6 @@
 #include "GUI/LayoutWidget.h"
 
 #include <QDebug>
-#include <QPainter>
-#include <QStyleOption>
 
 #include "API/Camera.h"
 #include "API/Layout.h"
@@ -13,6 +11,7 @@
 #include "GUI/Player/PlayerNotification.h"
 #include "GUI/Player/VideoPlaceholder.h"
 #include "GUI/Player/VideoWidget.h"
+#include "GUI/StyleBackground.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -107,6 +106,19 @@ void LayoutWidget::setTime(QDateTime time)
         tile->setTime(time);
 }
 
+void LayoutWidget::exportArchive(const API::CameraPtr &camera, const QDateTime &start,
+                                 const QDateTime &end)
+{
+    if (VideoWidget *tile = player(camera))
+        tile->exportFragment(start, end);
+}
+
+void LayoutWidget::cancelExport(const API::CameraPtr &camera)
+{
+    if (VideoWidget *tile = player(camera))
+        tile->cancelExport();
+}
+
 void LayoutWidget::makeGrid()
 {
     d->grid = new QGridLayout;
@@ -143,6 +155,12 @@ VideoWidget *LayoutWidget::createTile(const API::CameraPtr &camera)
     connect(tile, &VideoWidget::openCamera, this,
             QOverload<API::CameraPtr>::of(&LayoutWidget::addCamera));
     connect(tile, &VideoWidget::snapshotSaved, this, &LayoutWidget::showSnapshotHint);
+    connect(tile, &VideoWidget::exportDone, this, &LayoutWidget::exportDone);
+    connect(tile, &VideoWidget::exportDone, this, &LayoutWidget::showExportDoneHint);
+    connect(tile, &VideoWidget::exportError, this, &LayoutWidget::exportError);
+    connect(tile, &VideoWidget::exportError, this, &LayoutWidget::showExportErrorHint);
+    connect(tile, &VideoWidget::exportPercentDone, this, &LayoutWidget::exportPercentDone);
+    connect(tile, &VideoWidget::exportStarted, this, &LayoutWidget::exportStarted);
     d->players.insert(camera, tile);
     return tile;
 }
@@ -397,10 +415,7 @@ void LayoutWidget::onMsecsAdded(qlonglong delta)
 
 void LayoutWidget::paintEvent(QPaintEvent *)
 {
-    QStyleOption option;
-    option.initFrom(this);
-    QPainter painter(this);
-    style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
+    drawStyleBackground(*this);
 }
 
 void LayoutWidget::resizeEvent(QResizeEvent *event)

@@ -46,6 +46,11 @@ public:
     QDateTime earliestPlaybackTime() const;
     void setTime(QDateTime time);
 
+    // An export is the matter of the camera's first tile; without one nothing happens.
+
+    void exportArchive(const API::CameraPtr &camera, const QDateTime &start, const QDateTime &end);
+    void cancelExport(const API::CameraPtr &camera);
+
 public slots:
     /// Puts `camera` in the place of the sending tile or placeholder, else in the first free
     /// cell; without a free cell nothing happens.
@@ -78,6 +83,11 @@ signals:
     void msecsAdded(qlonglong delta);
     void layoutModified();
     void layoutDropped(API::LayoutPtr layout);
+    // What the tiles tell of their exports; the file is `path`.
+    void exportDone(QString path);
+    void exportError(QString path);
+    void exportStarted();
+    void exportPercentDone(int percent);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -90,6 +100,8 @@ private slots:
     void onMsecsAdded(qlonglong delta);
     void exchangeCells(int row, int column);
     void showSnapshotHint(QString path);
+    void showExportDoneHint(QString path);
+    void showExportErrorHint(QString path);
     void updateHintPositions();
     void removePlayer(Player::VideoWidget *widget);
 

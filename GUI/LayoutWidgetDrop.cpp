@@ -167,5 +167,17 @@ void LayoutWidget::showSnapshotHint(QString path)
                     false);
 }
 
+void LayoutWidget::showExportDoneHint(QString path)
+{
+    addNotification(tr("Record saved.") + QLatin1Char(' ') +
+                        folderLink(QFileInfo(path).absolutePath(), tr("Open folder")),
+                    false);
+}
+
+void LayoutWidget::showExportErrorHint(QString)
+{
+    addNotification(tr("Error while exporting."), true);
+}
+
 } // namespace GUI
 } // namespace ZorvaneClient

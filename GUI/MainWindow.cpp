@@ -11,13 +11,16 @@
 #include "API/Server.h"
 #include "App/Environment.h"
 #include "App/Settings.h"
+#include "GUI/ArchiveControlPanel.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/InfoPanel.h"
 #include "GUI/LayoutListWidget.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/RosterWidget.h"
+#include "GUI/SettingsWidget.h"
 #include "GUI/SideBar.h"
+#include "GUI/Timeline.h"
 #include "GUI/ToolBar.h"
 
 namespace ZorvaneClient {
@@ -38,13 +41,16 @@ MainWindow::MainWindow(QWidget *parent)
     , sideBar(new SideBar)
     , controlPanel(new ControlPanel)
     , infoPanel(new InfoPanel)
+    , archiveControlPanel(new ArchiveControlPanel)
+    , timeline(new Timeline(App::Environment::now().date()))
     , layoutWidget(new LayoutWidget)
 {
-    controlPanel->hideRecordsControls();
-    controlPanel->setRecordsAvailable(false);
+    hideArchivePanels();
     connectSide();
     connectPanels();
     connectGrid();
+    connectArchive();
+    connectExport();
     arrange();
     resize(firstSize);
 
@@ -69,10 +75,16 @@ void MainWindow::connectSide()
     connect(layoutList, &LayoutListWidget::addLayoutButtonClicked, this,
             &MainWindow::openNewLayout);
 
+    SettingsWidget *settings = sideBar->settingsWidget();
+    connect(settings, &SettingsWidget::serverAdded, roster, &RosterWidget::updateRoster);
+    connect(roster, &RosterWidget::editServer, settings, &SettingsWidget::editServer);
+
+    connect(sideBar, &SideBar::signout, this, &MainWindow::signout);
     connect(sideBar, &SideBar::hideRequest, this, &MainWindow::hideRosterAndToolbar);
     connect(infoPanel, &InfoPanel::showRequest, this, &MainWindow::showRosterAndToolbar);
     connect(toolBar, &ToolBar::liveClicked, this, &MainWindow::setRosterMode);
     connect(toolBar, &ToolBar::layoutsClicked, this, &MainWindow::setLayoutsMode);
+    connect(toolBar, &ToolBar::settingsClicked, this, &MainWindow::setSettingsMode);
 }
 
 void MainWindow::connectPanels()
@@ -112,6 +124,8 @@ void MainWindow::arrange()
     centre->setSpacing(0);
     centre->addWidget(infoPanel);
     centre->addWidget(layoutWidget, 1);
+    centre->addWidget(archiveControlPanel);
+    centre->addWidget(timeline);
     centre->addWidget(controlPanel);
 
     auto *row = new QHBoxLayout(this);
@@ -145,6 +159,12 @@ void MainWindow::setLayoutsMode()
     sideBar->setLayoutsMode();
     toolBar->setLayoutsMode();
     App::settings().setValue(openTabKey, layoutsTab);
+}
+
+void MainWindow::setSettingsMode()
+{
+    sideBar->setSettingsMode();
+    toolBar->setSettingsMode();
 }
 
 void MainWindow::hideRosterAndToolbar()
@@ -182,6 +202,8 @@ API::CameraPtr MainWindow::firstCamera() const
 
 void MainWindow::onCameraAdded(API::CameraPtr camera)
 {
+    timeline->addCamera(camera);
+    archiveControlPanel->addCamera(camera);
     layoutWidget->setSoundVolume(controlPanel->volume());
     if (Player::VideoWidget *tile = layoutWidget->player(camera)) {
         if (archiveMode)
@@ -230,11 +252,13 @@ void MainWindow::addToLayout(API::CameraPtr camera)
 
 void MainWindow::closeCamera(API::CameraPtr camera)
 {
+    if (!camera)
+        return;
     const API::CameraPtr next = firstCamera();
-    if (activeCamera == camera && next)
+    if (timeline->activeCamera() == camera && next)
         activateCamera(next);
-    if (activeCamera == camera && !layoutWidget->player(camera))
-        activeCamera.clear();
+    timeline->removeCamera(camera->globalId());
+    archiveControlPanel->clear(camera);
     const API::LayoutPtr layout = layoutWidget->workingLayout();
     if (layout && layout->rows() == 1 && layout->columns() == 1) {
         infoPanel->enterEmptyMode();
@@ -244,14 +268,14 @@ void MainWindow::closeCamera(API::CameraPtr camera)
 
 void MainWindow::activateCamera(API::CameraPtr camera)
 {
-    if (camera && camera == activeCamera)
+    if (camera == timeline->activeCamera())
         return;
-    if (!camera || !layoutWidget->player(camera)) {
-        activeCamera.clear();
+    if (!camera || !timeline->hasCamera(camera->globalId())) {
         layoutWidget->setActiveCamera(API::CameraPtr());
+        timeline->setActiveCameraId({});
     } else {
-        activeCamera = camera;
         layoutWidget->setActiveCamera(camera);
+        timeline->setActiveCameraId(camera->globalId());
         emit cameraActivated(camera);
     }
     layoutWidget->setSoundVolume(controlPanel->volume());
@@ -259,7 +283,11 @@ void MainWindow::activateCamera(API::CameraPtr camera)
 
 void MainWindow::prepareToLive()
 {
-    controlPanel->setTime(App::Environment::now());
+    const QDateTime now = App::Environment::now();
+    timeline->setSliderVisible(false);
+    timeline->setCurrentValue(now);
+    hideArchivePanels();
+    controlPanel->setTime(now);
     controlPanel->showLiveLabel();
     unpause();
     archiveMode = false;
@@ -271,11 +299,6 @@ void MainWindow::playLive()
 {
     prepareToLive();
     layoutWidget->playLive();
-}
-
-void MainWindow::updateTimeline(qlonglong)
-{
-    controlPanel->setTime(layoutWidget->earliestPlaybackTime());
 }
 
 void MainWindow::pause()

@@ -5,16 +5,23 @@
 #include <QWidget>
 
 #include "API/Types.h"
+#include "GUI/Playlist.h"
 
 class QMessageBox;
 
 namespace ZorvaneClient {
 namespace GUI {
 
+namespace Player {
+class VideoWidget;
+}
+
+class ArchiveControlPanel;
 class ControlPanel;
 class InfoPanel;
 class LayoutWidget;
 class SideBar;
+class Timeline;
 class ToolBar;
 
 /// One top-level window: the panels round the grid, and the wiring that makes them one.
@@ -34,8 +41,16 @@ public:
 public slots:
     void hideRosterAndToolbar();
     void showRosterAndToolbar();
+    void hideArchivePanels();
+    void showArchivePanels();
+    void setExportMode();
+    void setControlMode();
+    /// Writes the marked fragment of the active camera into a file.
+    void exportArchive();
+    void cancelExport();
     void setRosterMode();
     void setLayoutsMode();
+    void setSettingsMode();
     void startLayoutEditor();
     void onCameraAdded(API::CameraPtr camera);
     void onServerAdded(API::ServerPtr server);
@@ -49,13 +64,25 @@ public slots:
     void resizeLayout(int row, int column);
     void prepareToLive();
     void playLive();
-    /// The clock follows the tile that is furthest behind; the argument is not used.
+    /// Plays all tiles from `time` on.
+    void onPlayArchive(QDateTime time);
+    /// The tick of archive play: starts what is due, keeps the tiles in step.
+    void playArchive();
+    void updatePlaylist();
+    /// Cursor and clock follow the tile that is furthest behind; the argument is not used.
     void updateTimeline(qlonglong);
+    void updateDate(QDate date);
     void pause();
     void unpause();
     void setSoundVolume(int volume);
     void enableSound(bool enable);
+    /// Starts the archive anew at the cursor; the argument is not used.
+    void setSpeed(int);
     void onFullscreen();
+    void onExportDone(QString);
+    void onExportError(QString);
+    void onExportStarted();
+    void onExportPercentDone(int percent);
     void setLowQuality();
     void setMidQuality();
     void setHighQuality();
@@ -73,6 +100,7 @@ signals:
 
 protected:
     bool event(QEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
@@ -87,7 +115,13 @@ private:
     void connectSide();
     void connectPanels();
     void connectGrid();
+    void connectArchive();
+    void connectExport();
     void arrange();
+    void startDueSpans(const QDateTime &position);
+    void keepInStep(const QDateTime &position);
+    void restartTile(Player::VideoWidget *tile, const QDateTime &position);
+    void endExport();
     bool keepsModifiedLayout();
     int askToSave();
     bool layoutListHolds(const API::LayoutPtr &layout) const;
@@ -100,8 +134,10 @@ private:
     SideBar *sideBar;
     ControlPanel *controlPanel;
     InfoPanel *infoPanel;
+    ArchiveControlPanel *archiveControlPanel;
+    Timeline *timeline;
     LayoutWidget *layoutWidget;
-    API::CameraPtr activeCamera;
+    Playlist playlist;
     bool rosterWasVisible = true;
     bool wasMaximized = false;
     bool archiveMode = false;

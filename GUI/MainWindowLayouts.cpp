@@ -9,6 +9,7 @@
 
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
+#include "GUI/ArchiveControlPanel.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/InfoPanel.h"
 #include "GUI/LayoutListWidget.h"
@@ -71,6 +72,7 @@ bool MainWindow::openLayout(API::LayoutPtr layout)
     qDebug() << "Open layout";
     if (!layout || keepsModifiedLayout())
         return false;
+    archiveControlPanel->clear();
     controlPanel->resetQuality();
     prepareToLive();
     layoutWidget->openLayout(layout);

@@ -7,6 +7,7 @@
 #include <QMouseEvent>
 
 #include "GUI/CardDrag.h"
+#include "GUI/IconButton.h"
 #include "GUI/IconPixmap.h"
 #include "ui_Preview.h"
 
@@ -81,7 +82,7 @@ void Preview::makeForm()
     ui.reset(new Ui::Preview);
     ui->setupUi(this);
     ui->spinnerWidget->setColor(spinnerColor);
-    ui->previewMenu->setAccessibleName(QCoreApplication::translate("VideoWidget", "Options"));
+    nameIconButton(ui->previewMenu, QCoreApplication::translate("VideoWidget", "Options"));
     if (caption.isNull())
         caption = ui->cameraName->text();
     showCaption();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/ServerWidget.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QDataStream>
@@ -15,6 +16,7 @@
 #include "API/Server.h"
 #include "GUI/CameraWidget.h"
 #include "GUI/CardDrag.h"
+#include "GUI/IconButton.h"
 #include "GUI/IconPixmap.h"
 #include "GUI/WidgetOrder.h"
 #include "ui_ServerWidget.h"
@@ -61,8 +63,12 @@ ServerWidget::~ServerWidget() = default;
 void ServerWidget::createMenu()
 {
     auto *menu = new QMenu(this);
+    // Queued: this entry can leave the roster while the dialog is open, and the menu with it.
+    const QAction *editAction = menu->addAction(tr("Edit"));
+    connect(editAction, &QAction::triggered, this, &ServerWidget::edit, Qt::QueuedConnection);
     menu->addAction(tr("Delete"), this, QOverload<>::of(&ServerWidget::deleteServer));
     ui->settingsButton->setMenu(menu);
+    nameIconButton(ui->settingsButton, QCoreApplication::translate("VideoWidget", "Options"));
 }
 
 API::ServerPtr ServerWidget::server() const
@@ -190,6 +196,12 @@ void ServerWidget::highlightOff()
 void ServerWidget::updateServerName(QString name)
 {
     ui->serverName->setText(name);
+    nameIconButton(ui->expandButton, name);
+}
+
+void ServerWidget::edit()
+{
+    emit editServer(shownServer);
 }
 
 void ServerWidget::deleteServer()

@@ -66,6 +66,7 @@ protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private slots:
+    void edit();
     void deleteServer();
     void updateServerName(QString name);
 

@@ -23,6 +23,7 @@ SideBar::SideBar(QWidget *parent) : QWidget(parent), ui(new Ui::SideBar)
     connect(ui->searchEdit, &QLineEdit::textChanged, ui->rosterWidget, &RosterWidget::search);
     connect(ui->searchEdit, &QLineEdit::textChanged, ui->layoutListWidget,
             &LayoutListWidget::search);
+    connect(ui->settingsWidget, &SettingsWidget::signout, this, &SideBar::signout);
 
     auto *shadow = new QGraphicsDropShadowEffect(ui->searchEdit);
     shadow->setOffset(0, shadowDownPixels);
@@ -44,6 +45,11 @@ LayoutListWidget *SideBar::layoutListWidget() const
     return ui->layoutListWidget;
 }
 
+SettingsWidget *SideBar::settingsWidget() const
+{
+    return ui->settingsWidget;
+}
+
 void SideBar::setRosterMode()
 {
     ui->stack->setCurrentWidget(ui->rosterPage);
@@ -56,6 +62,12 @@ void SideBar::setLayoutsMode()
     ui->stack->setCurrentWidget(ui->layoutsListPage);
     ui->headerStack->setCurrentWidget(ui->searchPage);
     showSearchText(QObject::tr("Search for layouts..."));
+}
+
+void SideBar::setSettingsMode()
+{
+    ui->stack->setCurrentWidget(ui->settingsPage);
+    ui->headerStack->setCurrentWidget(ui->settingsHeader);
 }
 
 void SideBar::showSearchText(const QString &text)

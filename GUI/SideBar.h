@@ -13,9 +13,10 @@ namespace GUI {
 
 class LayoutListWidget;
 class RosterWidget;
+class SettingsWidget;
 
-/// The panel at the left edge: the roster or the layout list, with one search field for both
-/// above them. The text of the search stays when the page changes.
+/// The panel at the left edge: the roster, the layout list or the settings. The first two have
+/// one search field above them, whose text stays when the page changes.
 class SideBar : public QWidget
 {
     Q_OBJECT
@@ -27,13 +28,16 @@ public:
 
     RosterWidget *rosterWidget() const;
     LayoutListWidget *layoutListWidget() const;
+    SettingsWidget *settingsWidget() const;
 
 signals:
     void hideRequest();
+    void signout();
 
 public slots:
     void setRosterMode();
     void setLayoutsMode();
+    void setSettingsMode();
 
 private:
     void showSearchText(const QString &text);

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/ToolBar.h"
 
-#include <QPainter>
-#include <QStyleOption>
+#include "GUI/StyleBackground.h"
 
 #include "ui_ToolBar.h"
 
@@ -14,6 +13,7 @@ ToolBar::ToolBar(QWidget *parent) : QWidget(parent), ui(new Ui::ToolBar)
     ui->setupUi(this);
     connect(ui->rosterButton, &QPushButton::clicked, this, &ToolBar::liveClicked);
     connect(ui->layoutsButton, &QPushButton::clicked, this, &ToolBar::layoutsClicked);
+    connect(ui->settingsButton, &QPushButton::clicked, this, &ToolBar::settingsClicked);
 }
 
 ToolBar::~ToolBar() = default;
@@ -28,12 +28,14 @@ void ToolBar::setLayoutsMode()
     ui->layoutsButton->setChecked(true);
 }
 
+void ToolBar::setSettingsMode()
+{
+    ui->settingsButton->setChecked(true);
+}
+
 void ToolBar::paintEvent(QPaintEvent *)
 {
-    QStyleOption option;
-    option.initFrom(this);
-    QPainter painter(this);
-    style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
+    drawStyleBackground(*this);
 }
 
 } // namespace GUI

@@ -24,10 +24,12 @@ public:
 signals:
     void liveClicked();
     void layoutsClicked();
+    void settingsClicked();
 
 public slots:
     void setRosterMode();
     void setLayoutsMode();
+    void setSettingsMode();
 
 protected:
     void paintEvent(QPaintEvent *event) override;

@@ -9,7 +9,6 @@
 #include <QFile>
 #include <QRegularExpression>
 #include <QScrollBar>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <chrono>
@@ -22,6 +21,7 @@
 #include "App/ServiceProfile.h"
 #include "GUI/CameraWidget.h"
 #include "GUI/RosterWidget.h"
+#include "bench/QuietRun.h"
 
 using namespace ZorvaneClient;
 
@@ -203,14 +203,7 @@ void print(const Row &row)
 
 int main(int argc, char *argv[])
 {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QTemporaryDir folder;
-    QDir::setCurrent(folder.path());
-    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &, const QString &text) {
-        if (type != QtDebugMsg)
-            std::fprintf(stderr, "%s\n", qUtf8Printable(text));
-    });
+    const Bench::QuietRun surroundings;
     QApplication application(argc, argv);
     application.setStyleSheet(App::Application::globalStyleSheet());
     App::ServiceProfile profile;

@@ -3,6 +3,7 @@
 // each picture shown, memory of both for each tile, pictures shown against pictures sent, the
 // longest stall of the event loop, and the time from opening a layout to its last first picture.
 // Beside it, a loop that only decodes the same streams.
+// With two arguments, side of the grid and quality (-1: by the rule), only that wall is shown.
 #include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -18,6 +19,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <unistd.h>
 
 #include "API/Camera.h"
@@ -283,6 +285,11 @@ int main(int argc, char **argv)
         runs.insert({run.tiles, quality}, run);
         print(run);
     };
+    if (argc == 3) {
+        take(std::atoi(argv[1]), std::atoi(argv[2]));
+        leave();
+        return 0;
+    }
     for (const int quality : {-1, 2}) {
         for (const int side : {1, 2, 3, 4, 6})
             take(side, quality);

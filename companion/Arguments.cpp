@@ -11,7 +11,8 @@ namespace Companion {
 
 const char *const usageLine =
     "Usage: vlc-stream URL FRAME-FILE-NAME [:http-proxy=http://[USER@]HOST:"
-    "PORT/ [:http-proxy-pwd=PASSWORD]]";
+    "PORT/ [:http-proxy-pwd=PASSWORD]]\n"
+    "       vlc-stream export URL mp4|avi LENGTH-MS PATH";
 
 namespace {
 
@@ -37,14 +38,6 @@ void appendEscaped(std::string &text, unsigned char byte)
 bool isBareName(const std::string &name)
 {
     return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos;
-}
-
-bool hasScheme(const std::string &url)
-{
-    const size_t colon = url.find("://");
-    return colon != std::string::npos && colon > 0 &&
-           std::all_of(url.begin(), url.begin() + static_cast<std::ptrdiff_t>(colon),
-                       [](unsigned char c) { return std::isalnum(c) || std::strchr("+-.", c); });
 }
 
 bool isPort(const std::string &text)
@@ -104,6 +97,14 @@ std::string proxyUrlOf(const ProxyAddress &address, const std::string &password)
 }
 
 } // namespace
+
+bool hasScheme(const std::string &url)
+{
+    const size_t colon = url.find("://");
+    return colon != std::string::npos && colon > 0 &&
+           std::all_of(url.begin(), url.begin() + static_cast<std::ptrdiff_t>(colon),
+                       [](unsigned char c) { return std::isalnum(c) || std::strchr("+-.", c); });
+}
 
 std::string percentEncoded(const std::string &text)
 {

@@ -22,6 +22,9 @@ extern const char *const usageLine;
 /// Reads the arguments after the program name; nothing if they are wrong.
 std::optional<Arguments> parseArguments(const std::vector<std::string> &arguments);
 
+/// "scheme://" at the front.
+bool hasScheme(const std::string &url);
+
 /// Every byte but letters, digits and "-._~" as %XX.
 std::string percentEncoded(const std::string &text);
 

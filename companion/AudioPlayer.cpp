@@ -7,6 +7,8 @@ extern "C" {
 #include <libavutil/opt.h>
 }
 
+#include "companion/Decoder.h"
+
 namespace ZorvaneClient {
 namespace Companion {
 
@@ -80,17 +82,8 @@ void AudioPlayer::decode(const QueuedPacket &item)
 bool AudioPlayer::openDecoder(const std::shared_ptr<const StreamFormat> &newFormat)
 {
     format = newFormat;
-    codec.reset();
-    const AVCodec *decoder = avcodec_find_decoder(format->parameters->codec_id);
-    CodecHandle opened(decoder ? avcodec_alloc_context3(decoder) : nullptr);
-    if (!opened || avcodec_parameters_to_context(opened.get(), format->parameters.get()) < 0)
-        return false;
-    opened->pkt_timebase = millisecondBase;
-    opened->thread_count = 1;
-    if (avcodec_open2(opened.get(), decoder, nullptr) < 0)
-        return false;
-    codec = std::move(opened);
-    return true;
+    codec = Companion::openDecoder(*format->parameters);
+    return codec != nullptr;
 }
 
 void AudioPlayer::play(const AVFrame &sound)

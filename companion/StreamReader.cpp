@@ -2,8 +2,9 @@
 #include "companion/StreamReader.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
+
+#include "companion/StreamInput.h"
 
 namespace ZorvaneClient {
 namespace Companion {
@@ -11,44 +12,8 @@ namespace Companion {
 namespace {
 
 /// Kept small, so that a pause reaches the server soon and little old video waits after it.
-const char *const receiveBufferBytes = "262144";
+constexpr int receiveBufferBytes = 262144;
 constexpr int maxErrorsInARow = 100;
-constexpr unsigned flvMpeg4Number = 9;
-/// A packet that says to be shown later or earlier than this from its decoding is damaged.
-constexpr int64_t maxReorderMilliseconds = 2000;
-
-AVDictionary *inputOptions(const Arguments &arguments)
-{
-    AVDictionary *options = nullptr;
-    av_dict_set(&options, "protocol_whitelist", "http,https,tcp,tls,httpproxy", 0);
-    av_dict_set(&options, "tls_verify", "1", 0);
-    av_dict_set(&options, "user_agent", "ZorvaneClient", 0);
-    av_dict_set(&options, "seekable", "0", 0);
-    av_dict_set(&options, "icy", "0", 0);
-    av_dict_set(&options, "recv_buffer_size", receiveBufferBytes, 0);
-    if (!arguments.proxyUrl.empty())
-        av_dict_set(&options, "http_proxy", arguments.proxyUrl.c_str(), 0);
-    return options;
-}
-
-/// False if the packet has no time at all.
-bool completeTimes(AVPacket &packet)
-{
-    if (packet.dts == AV_NOPTS_VALUE)
-        packet.dts = packet.pts;
-    if (packet.pts == AV_NOPTS_VALUE || std::abs(packet.pts - packet.dts) > maxReorderMilliseconds)
-        packet.pts = packet.dts;
-    return packet.dts != AV_NOPTS_VALUE;
-}
-
-/// A stream without a stated length ends when the server closes it, which the HTTP layer takes
-/// for a failure too.
-bool isEndOfStream(AVIOContext &io)
-{
-    if (io.error == 0 || io.error == AVERROR_EOF)
-        return io.eof_reached;
-    return io.error == AVERROR(EIO) && avio_size(&io) <= 0;
-}
 
 } // namespace
 
@@ -65,24 +30,13 @@ void StreamReader::run()
     audio.finish(end);
 }
 
-/// The container is always FLV and tells its streams as it goes: no probing, so that the first
-/// picture needs nothing but the first video packet.
+/// Without probing, so that the first picture needs nothing but the first video packet.
 bool StreamReader::open()
 {
-    AVFormatContext *context = avformat_alloc_context();
-    if (!context)
-        return false;
-    context->interrupt_callback = {&StreamReader::interruptWhenStalled, this};
-    context->flags |= AVFMT_FLAG_NOPARSE | AVFMT_FLAG_NOFILLIN;
-    AVDictionary *options = inputOptions(arguments);
     restartStallClock();
-    const int result =
-        avformat_open_input(&context, arguments.url.c_str(), av_find_input_format("flv"), &options);
-    av_dict_free(&options);
-    if (result < 0)
-        return false;
-    input.reset(context);
-    return true;
+    input = openStream(arguments.url, arguments.proxyUrl, receiveBufferBytes,
+                       {&StreamReader::interruptWhenStalled, this});
+    return input != nullptr;
 }
 
 PacketQueue::End StreamReader::readToEnd()
@@ -113,7 +67,7 @@ PacketQueue::End StreamReader::readToEnd()
 
 void StreamReader::route(PacketHandle packet)
 {
-    const AVStream &stream = firstStreamLike(*input->streams[packet->stream_index]);
+    const AVStream &stream = firstStreamLike(*input, *input->streams[packet->stream_index]);
     const AVMediaType type = stream.codecpar->codec_type;
     av_packet_rescale_ts(packet.get(), stream.time_base, millisecondBase);
     if (packet->size <= 0 || !completeTimes(*packet))
@@ -124,23 +78,6 @@ void StreamReader::route(PacketHandle packet)
     } else if (type == AVMEDIA_TYPE_AUDIO && controls.volume() > 0) {
         audio.push({std::move(packet), formatOf(stream), {}});
     }
-}
-
-/// The demuxer doesn't know MPEG-4 pictures again, and makes a new stream of every packet unless
-/// the streams bear the number of that codec. The decoder's set-up is with the first of them.
-const AVStream &StreamReader::firstStreamLike(const AVStream &stream)
-{
-    const AVStream *first = nullptr;
-    for (unsigned i = 0; i < input->nb_streams; ++i) {
-        AVCodecParameters &parameters = *input->streams[i]->codecpar;
-        if (parameters.codec_id != stream.codecpar->codec_id)
-            continue;
-        if (parameters.codec_id == AV_CODEC_ID_MPEG4)
-            parameters.codec_tag = flvMpeg4Number;
-        if (!first)
-            first = input->streams[i];
-    }
-    return *first;
 }
 
 std::shared_ptr<const StreamFormat> StreamReader::formatOf(const AVStream &stream)

@@ -31,7 +31,6 @@ private:
     bool open();
     PacketQueue::End readToEnd();
     void route(PacketHandle packet);
-    const AVStream &firstStreamLike(const AVStream &stream);
     std::shared_ptr<const StreamFormat> formatOf(const AVStream &stream);
     void restartStallClock();
     bool isStalled() const;

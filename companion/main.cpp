@@ -11,9 +11,14 @@
 #include "companion/Arguments.h"
 #include "companion/CommandInput.h"
 #include "companion/Controls.h"
+#include "companion/ExportArguments.h"
+#include "companion/ExportOutput.h"
+#include "companion/ExportWatch.h"
+#include "companion/Exporter.h"
 #include "companion/FrameFile.h"
 #include "companion/LineOutput.h"
 #include "companion/Player.h"
+#include "companion/TargetFile.h"
 
 namespace {
 
@@ -38,30 +43,71 @@ void obeyClient(Controls &controls)
     }).detach();
 }
 
-} // namespace
-
-int main(int argc, char *argv[])
+int complain(const std::string &text)
 {
-    const auto arguments = parseArguments(std::vector<std::string>(argv + (argc > 0), argv + argc));
+    std::fprintf(stderr, "vlc-stream: %s\n", text.c_str());
+    return errorExitCode;
+}
+
+int playStream(const std::vector<std::string> &words)
+{
+    const auto arguments = parseArguments(words);
     if (!arguments) {
         std::fprintf(stderr, "%s\n", usageLine);
         return usageExitCode;
     }
-    std::signal(SIGPIPE, SIG_IGN);
-    forgetProxyOfEnvironment();
-    av_log_set_level(AV_LOG_QUIET);
-
     LineOutput output(STDOUT_FILENO);
     FrameFile frameFile;
     if (!frameFile.open(arguments->frameName)) {
-        std::fprintf(stderr, "vlc-stream: %s\n", frameFile.error().c_str());
         output.state(StreamState::Error);
         output.flushPatiently();
-        return errorExitCode;
+        return complain(frameFile.error());
     }
-
     Controls controls;
     obeyClient(controls);
     Player player(*arguments, controls, frameFile, output);
     std::_Exit(player.run());
+}
+
+int exportStream(const std::vector<std::string> &words)
+{
+    ExportOutput output(STDOUT_FILENO);
+    const auto arguments = parseExportArguments(words);
+    if (!arguments) {
+        std::fprintf(stderr, "%s\n", usageLine);
+        output.error();
+        return usageExitCode;
+    }
+    const ExportWatch watch;
+    TargetFile file(arguments->path);
+    if (!file.open()) {
+        output.error();
+        return complain(file.error());
+    }
+    watch.start(file, output);
+    output.start();
+    Exporter exporter(*arguments, file, output);
+    if (exporter.run()) {
+        output.done();
+        std::_Exit(EXIT_SUCCESS);
+    }
+    file.discard();
+    output.error();
+    std::_Exit(complain(exporter.error()));
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN); // a write beyond the limit then just fails
+    forgetProxyOfEnvironment();
+    av_log_set_level(AV_LOG_QUIET);
+
+    std::vector<std::string> words(argv + (argc > 0), argv + argc);
+    if (words.empty() || words.front() != exportWord)
+        return playStream(words);
+    words.erase(words.begin());
+    return exportStream(words);
 }

@@ -24,6 +24,13 @@ int cameraId(std::map<std::string, std::string> &parameters)
     return static_cast<int>(numberOr(parameters["camera"], 0));
 }
 
+/// With the colon; empty when there is none.
+std::string portOf(const std::string &address)
+{
+    const std::size_t colon = address.rfind(':');
+    return colon == std::string::npos ? std::string() : address.substr(colon);
+}
+
 } // namespace
 
 Access::Result Access::check(const HttpRequest &request, Need need) const
@@ -58,8 +65,8 @@ Access::Result Access::checkLan(const HttpRequest &request, Need need) const
     Server server;
     const std::string id = lanServerId(request);
     const auto camera = world.camera(id, cameraId(parameters), &server);
-    // A recorder calls itself 1 and also answers to its address.
-    const bool isMeant = parameters["server"] == "1" || parameters["server"] == id;
+    // A recorder calls itself 1 and also answers to its address, by whatever host name.
+    const bool isMeant = parameters["server"] == "1" || portOf(parameters["server"]) == portOf(id);
     if (!camera || !server.online || !isMeant)
         return refused(notFound);
     if (!isPassword(server, parameters["sessionId"]))

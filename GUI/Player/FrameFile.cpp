@@ -4,9 +4,7 @@
 #include <QDebug>
 #include <QDir>
 
-#ifdef Q_OS_UNIX
-#include <sys/stat.h>
-#endif
+#include "App/OwnerOnly.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -19,25 +17,6 @@ constexpr qint64 bytesPerPixel = 4;
 constexpr auto pixelFormat = QImage::Format_ARGB32_Premultiplied;
 
 quint64 nextFrameFileNumber = 0;
-
-/// While it lives, files that are made are for their owner only: what cameras see is nobody
-/// else's business, also in the moment before permissions could be set.
-class OwnerOnlyFiles
-{
-public:
-#ifdef Q_OS_UNIX
-    OwnerOnlyFiles() : previous(::umask(S_IRWXG | S_IRWXO))
-    {
-    }
-    ~OwnerOnlyFiles()
-    {
-        ::umask(previous);
-    }
-
-private:
-    mode_t previous;
-#endif
-};
 
 } // namespace
 
@@ -76,7 +55,8 @@ bool FrameFile::map()
 {
     // A file of that name is left over from a run that crashed, or planted: never write into it.
     file.remove();
-    const OwnerOnlyFiles guard;
+    // What cameras see is nobody else's business.
+    const App::OwnerOnlyFiles guard;
     if (!file.open(QIODevice::ReadWrite | QIODevice::NewOnly)) {
         qWarning() << "VideoWidget: Could not open SHM file " << file.fileName();
         return false;

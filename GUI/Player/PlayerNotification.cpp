@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/Player/PlayerNotification.h"
 
+#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QPropertyAnimation>
 #include <QTimerEvent>
@@ -8,6 +9,7 @@
 
 #include <chrono>
 
+#include "GUI/IconButton.h"
 #include "ui_PlayerNotification.h"
 
 namespace ZorvaneClient {
@@ -47,6 +49,7 @@ PlayerNotification::PlayerNotification(QString text, bool error, QWidget *parent
 {
     ui->setupUi(this);
     ui->messageLabel->setText(text);
+    nameIconButton(ui->closeButton, QCoreApplication::translate("VideoWidget", "Close"));
     setWindowFlags(windowFlags() | Qt::FramelessWindowHint);
     setAttribute(Qt::WA_ShowWithoutActivating);
     hideTimerId = startCoarseTimer(this, showTime);

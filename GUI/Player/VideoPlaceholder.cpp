@@ -3,11 +3,10 @@
 
 #include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QPainter>
 #include <QStyle>
-#include <QStyleOption>
 
 #include "GUI/Player/DropDecoder.h"
+#include "GUI/StyleBackground.h"
 #include "ui_VideoPlaceholder.h"
 
 namespace ZorvaneClient {
@@ -34,10 +33,7 @@ API::CellSize VideoPlaceholder::span() const
 
 void VideoPlaceholder::paintEvent(QPaintEvent *)
 {
-    QStyleOption option;
-    option.initFrom(this);
-    QPainter painter(this);
-    style()->drawPrimitive(QStyle::PE_Widget, &option, &painter, this);
+    drawStyleBackground(*this);
 }
 
 void VideoPlaceholder::dragEnterEvent(QDragEnterEvent *event)

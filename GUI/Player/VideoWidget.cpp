@@ -14,6 +14,7 @@
 
 #include "API/Camera.h"
 #include "App/Environment.h"
+#include "GUI/CameraSettingsDialog.h"
 #include "GUI/Player/DoubleClickFilter.h"
 #include "GUI/Player/TilePainter.h"
 #include "GUI/Player/VideoWidgetPrivate.h"
@@ -48,6 +49,7 @@ VideoWidget::VideoWidget(API::CameraPtr camera, QWidget *parent)
     setAttribute(Qt::WA_OpaquePaintEvent); // paintEvent() fills what the picture leaves free
 
     setUpPlayer();
+    setUpExport();
     setUpBars();
     setCameraName(d->camera->name());
     setTime(App::Environment::now());
@@ -63,6 +65,7 @@ VideoWidget::~VideoWidget()
 {
     if (d->playerProcess->state() != QProcess::NotRunning)
         stop();
+    cancelExport();
 }
 
 void VideoWidget::setUpBars()
@@ -73,6 +76,7 @@ void VideoWidget::setUpBars()
     ui->bottomBar->installEventFilter(filter);
 
     auto *menu = new QMenu(ui->settingsButton);
+    menu->addAction(ui->actionSettings);
     menu->addAction(ui->actionClose);
     menu->installEventFilter(this);
     ui->settingsButton->setMenu(menu);
@@ -102,6 +106,11 @@ QDateTime VideoWidget::playbackTime() const
 bool VideoWidget::isPlaying() const
 {
     return d->archivePlaying ? hasChild(d->state) : d->state == Playing;
+}
+
+bool VideoWidget::isPaused() const
+{
+    return d->state == Paused;
 }
 
 bool VideoWidget::playLive()
@@ -292,6 +301,12 @@ void VideoWidget::on_closeButton_clicked()
 void VideoWidget::on_actionClose_triggered()
 {
     emit closed(this);
+}
+
+void VideoWidget::on_actionSettings_triggered()
+{
+    // Later: the tile can go while the dialog is open, and the menu that is at work with it.
+    QTimer::singleShot(0, this, [camera = d->camera] { CameraSettingsDialog::editCamera(camera); });
 }
 
 void VideoWidget::on_cameraScreenshotButton_clicked()

@@ -36,7 +36,7 @@ class VideoWidget : public QWidget
 
 public:
     explicit VideoWidget(API::CameraPtr camera, QWidget *parent = nullptr);
-    /// Ends the child and removes the frame file.
+    /// Ends the children, an export too, and removes the frame file.
     ~VideoWidget() override;
 
     API::CameraPtr camera() const;
@@ -46,6 +46,10 @@ public:
     QDateTime playbackTime() const;
     /// Live: frames arrive. Archive: there is a child that has not failed.
     bool isPlaying() const;
+    /// By pause(), or because the child says so.
+    bool isPaused() const;
+    /// Shows `text` in place of the picture.
+    void showError(const QString &text);
 
 public slots:
     /// Starts a child on `url` in place of the one that runs. False, with a text in the tile,
@@ -74,6 +78,12 @@ public slots:
     void setSpan(int rowSpan, int columnSpan);
     /// 0 to 2, low to high; other values are ignored. A change restarts what plays.
     void setQuality(int quality);
+    /// Writes what is recorded between the two moments into a file in the user's folder of
+    /// films, as fast as the camera gives it, while the tile plays on. Nothing happens if that
+    /// day has no record there. One export runs at a time; another one is refused.
+    void exportFragment(QDateTime start, QDateTime end);
+    /// Ends the export without a signal; nothing of the file stays. Blocks for a moment.
+    void cancelExport();
 
 signals:
     /// The frame file could not be made.
@@ -88,6 +98,11 @@ signals:
     void openCamera(API::CameraPtr camera);
     /// A snapshot was written into the folder `path`, or at least tried.
     void snapshotSaved(QString path);
+    // The file of an export is `path`.
+    void exportDone(QString path);
+    void exportError(QString path);
+    void exportStarted();
+    void exportPercentDone(int percent);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -106,15 +121,18 @@ protected:
 private slots:
     void readPlayerState();
     void readPlayerErrors();
+    void readExportMessages();
     void orientationChanged();
     void onFlagsChanged();
     void on_closeButton_clicked();
     void on_actionClose_triggered();
+    void on_actionSettings_triggered();
     void on_cameraScreenshotButton_clicked();
 
 private:
     void setUpBars();
     void setUpPlayer();
+    void setUpExport();
     void deliverPendingCommands();
     void sendCommand(const QString &command);
     void sendVolume();
@@ -127,7 +145,6 @@ private:
     void reloadByTimer();
     void showSpinner();
     void hideSpinner();
-    void showError(const QString &text);
     void clearImage();
     void showBars(bool visible);
     void updateAspectRatio();

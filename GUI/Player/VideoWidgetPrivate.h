@@ -26,12 +26,14 @@ class VideoWidgetPrivate
 {
 public:
     QString url;
+    QString exportPath; ///< target of the export that was asked for last
     int state = Idle;
     QString errorText; ///< stands in the middle of the tile in place of a picture
     Watchdog watchdog;
     bool archivePlaying = false;
 
     QSharedPointer<QProcess> playerProcess;
+    QSharedPointer<QProcess> exportProcess;
     QStringList pendingCommands; ///< given while no child ran
     FrameFile frameFile;
     QString vlcState = QStringLiteral("unknown");

@@ -141,8 +141,13 @@ void CameraPreviewTest::cacheFile()
     const CameraPtr first = makeCamera();
     first->setRotation(90);
     first->setPreview(plainPicture(QSize(32, 18)));
-    QCOMPARE(QDir(cacheFolder()).entryList(QDir::Files | QDir::Hidden),
-             QStringList(QStringLiteral("10.0.0.5:80_7.jpeg")));
+    const QString name = QStringLiteral("10.0.0.5:80_7.jpeg");
+    QCOMPARE(QDir(cacheFolder()).entryList(QDir::Files | QDir::Hidden), QStringList(name));
+    const QString file = QDir(cacheFolder()).filePath(name);
+    QVERIFY(!(QFile::permissions(file) & QFile::ReadOther));
+    QFile::setPermissions(file, QFile::permissions(file) | QFile::ReadOther);
+    first->setPreview(plainPicture(QSize(32, 18)));
+    QVERIFY(!(QFile::permissions(file) & QFile::ReadOther));
 
     // The file keeps the picture as it was received.
     const CameraPtr second = makeCamera();

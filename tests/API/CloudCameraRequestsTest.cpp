@@ -5,7 +5,6 @@
 #include <QPixmap>
 #include <QSignalSpy>
 #include <QTest>
-#include <QtEndian>
 
 #include "API/Layout.h"
 #include "API/Server.h"
@@ -27,17 +26,6 @@ QByteArray jpeg()
     QBuffer buffer(&bytes);
     image.save(&buffer, "JPEG");
     return bytes;
-}
-
-// A small file whose header promises a picture of this size.
-QByteArray jpegClaiming(quint16 side)
-{
-    constexpr int heightOffset = 5; // behind marker, length and precision; the width follows
-    QByteArray bytes = jpeg();
-    const auto frameHeader = bytes.indexOf("\xff\xc0");
-    QByteArray number(2, '\0');
-    qToBigEndian(side, number.data());
-    return bytes.replace(frameHeader + heightOffset, 4, number + number);
 }
 
 } // namespace
@@ -87,9 +75,6 @@ void CloudCameraRequestsTest::preview_data()
     QTest::addColumn<QSize>("size");
     QTest::newRow("picture") << jpeg() << QSize(32, 24);
     QTest::newRow("no picture") << QByteArray("busy") << QSize(0, 0);
-    QTest::newRow("other size") << jpegClaiming(64) << QSize(64, 64);
-    QTest::newRow("far too large") << jpegClaiming(8000) << QSize(0, 0);
-    QTest::newRow("another format") << QByteArray("GIF89a\x01") << QSize(0, 0);
 }
 
 void CloudCameraRequestsTest::preview()
@@ -122,19 +107,17 @@ void CloudCameraRequestsTest::previewFails()
 void CloudCameraRequestsTest::archiveFromTheService_data()
 {
     QTest::addColumn<bool>("calendar");
-    QTest::addColumn<int>("givenArguments");
-    QTest::newRow("list") << false << 3;
-    QTest::newRow("list, empty host") << false << 4;
-    QTest::newRow("list, a port without a host") << false << 5;
-    QTest::newRow("list, a password without a host") << false << 6;
-    QTest::newRow("days") << true << 3;
-    QTest::newRow("days, a password without a host") << true << 6;
+    QTest::addColumn<bool>("plain");
+    QTest::newRow("list") << false << true;
+    QTest::newRow("days") << true << true;
+    QTest::newRow("list, port and password without a host") << false << false;
+    QTest::newRow("days, port and password without a host") << true << false;
 }
 
 void CloudCameraRequestsTest::archiveFromTheService()
 {
     QFETCH(bool, calendar);
-    QFETCH(int, givenArguments);
+    QFETCH(bool, plain);
 
     const QByteArray path = calendar ? "//archive/days" : "//archive/list";
     service.answer("GET", path, WireReply::json(R"([{"duration":5}])"));
@@ -145,18 +128,13 @@ void CloudCameraRequestsTest::archiveFromTheService()
     constexpr uint end = 4294967295;
     const QString secret = QStringLiteral("secret");
     constexpr int ignoredPort = 9;
-    if (calendar && givenArguments == 3)
-        client.getCalendar(camera, start, end);
+    const auto ask = calendar ? &CloudAPIClient::getCalendar : &CloudAPIClient::getTimeline;
+    if (!plain)
+        (client.*ask)(camera, start, end, QString(), ignoredPort, secret);
     else if (calendar)
-        client.getCalendar(camera, start, end, QString(), ignoredPort, secret);
-    else if (givenArguments == 3)
-        client.getTimeline(camera, start, end);
-    else if (givenArguments == 4)
-        client.getTimeline(camera, start, end, QString());
-    else if (givenArguments == 5)
-        client.getTimeline(camera, start, end, QString(), ignoredPort);
+        client.getCalendar(camera, start, end);
     else
-        client.getTimeline(camera, start, end, QString(), ignoredPort, secret);
+        client.getTimeline(camera, start, end);
     QTRY_COMPARE(received.count(), 1);
     const QVariantList records = received.at(0).at(0).value<QVariant>().toList();
     QCOMPARE(records.value(0).toMap().value(QStringLiteral("duration")).toInt(), 5);

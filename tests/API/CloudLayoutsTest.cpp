@@ -13,6 +13,7 @@
 
 #include "API/Camera.h"
 #include "API/Layout.h"
+#include "API/LayoutDocument.h"
 #include "API/Server.h"
 #include "App/Environment.h"
 #include "App/Settings.h"
@@ -22,6 +23,7 @@ using namespace ZorvaneClient::API;
 using namespace ZorvaneClient::Tests;
 
 namespace App = ZorvaneClient::App;
+using Internal::LayoutBounds;
 
 namespace {
 
@@ -87,6 +89,8 @@ private slots:
     void cacheComesFirst();
     void damagedCache_data();
     void damagedCache();
+    void hostileDocument_data();
+    void hostileDocument();
     void throttle_data();
     void throttle();
     void knownLayoutKeepsItsObject();
@@ -95,7 +99,6 @@ private slots:
     void failedSaveIsTold();
     void addAndDelete();
     void documentOnDisk();
-    void savingReplacesTheFileWhole();
     void cacheThatCannotBeWritten();
     void signOutKeepsTheCache();
 
@@ -285,6 +288,49 @@ void CloudLayoutsTest::damagedCache()
     QCOMPARE(names(), QStringList({"Fresh"}));
 }
 
+void CloudLayoutsTest::hostileDocument_data()
+{
+    QTest::addColumn<QByteArray>("layouts");
+    QTest::newRow("wrong types") << QByteArray(
+        R"(7,null,"x",[1],{"id":{},"name":[1],"rows":"many","columns":{},"cameras":"all"},)"
+        R"({"id":"a","rows":2,"columns":2,"cameras":[7,null,[1],{"server":[1],"camera":{}},)"
+        R"({"server":"s1","camera":7,"row":"x","column":[1],"w":{},"h":"y"}]})");
+    QByteArray cells;
+    for (int i = 0; i < 10000; ++i)
+        cells += R"({"server":"s1","camera":7,"row":)" + QByteArray::number(i / 100 - 10) +
+                 ",\"column\":" + QByteArray::number(i % 100 - 10) + R"(,"w":1000000000,"h":-7},)";
+    cells.chop(1);
+    QTest::newRow("grid and cells beyond all bounds")
+        << R"({"id":"a","rows":1000000000,"columns":1000000000,"cameras":[)" + cells + "]}";
+}
+
+void CloudLayoutsTest::hostileDocument()
+{
+    QFETCH(QByteArray, layouts);
+    const auto boundedCells = [] {
+        constexpr QRect bounds(0, 0, LayoutBounds::gridSide, LayoutBounds::gridSide);
+        const LayoutPtr layout = CloudAPIClient::layoutList().value(QStringLiteral("a"));
+        if (!layout || layout->rows() > LayoutBounds::gridSide ||
+            layout->columns() > LayoutBounds::gridSide)
+            return -1;
+        const QList<LayoutCell> cells = layout->cellList();
+        for (const LayoutCell &cell : cells) {
+            if (!bounds.contains(cell.area.topLeft()) ||
+                cell.area.width() > LayoutBounds::gridSide || cell.area.height() < 0)
+                return -1;
+        }
+        return static_cast<int>(cells.size());
+    };
+    writeCache(document(100, layouts));
+    CloudAPIClient client;
+    client.updateLayouts();
+    const int cells = boundedCells();
+    QVERIFY(cells > 0);
+    service.succeed("GET", "//layouts", document(101, layouts));
+    update(&client);
+    QCOMPARE(boundedCells(), cells);
+}
+
 void CloudLayoutsTest::throttle_data()
 {
     QTest::addColumn<int>("seconds");
@@ -403,6 +449,8 @@ void CloudLayoutsTest::addAndDelete()
 
 void CloudLayoutsTest::documentOnDisk()
 {
+    writeCache(document(100, ""));
+    QVERIFY(QFile::setPermissions(cachePath(), QFile::permissions(cachePath()) | QFile::ReadOther));
     CloudAPIClient client;
     client.addLayout(
         LayoutPtr::create(QJsonDocument::fromJson(layoutJson("a", "A")).toVariant().toMap()));
@@ -424,23 +472,7 @@ void CloudLayoutsTest::documentOnDisk()
                                 "    ]\n"
                                 "}\n";
     QCOMPARE(cacheContent(), expected);
-    constexpr auto others = QFileDevice::ReadGroup | QFileDevice::WriteGroup |
-                            QFileDevice::ReadOther | QFileDevice::WriteOther;
-    QVERIFY(!(QFile::permissions(cachePath()) & others));
-}
-
-void CloudLayoutsTest::savingReplacesTheFileWhole()
-{
-    const QByteArray old = document(100, layoutJson("a", "A"));
-    writeCache(old);
-    QFile reader(cachePath());
-    QVERIFY(reader.open(QIODevice::ReadOnly));
-    CloudAPIClient client;
-    client.saveLayoutsToFile();
-    QCOMPARE(reader.readAll(), old);
-    QVERIFY(cacheContent() != old);
-    QCOMPARE(QFileInfo(cachePath()).dir().entryList({QStringLiteral("layouts*")}),
-             QStringList({demoCache}));
+    QVERIFY(!(QFile::permissions(cachePath()) & QFile::ReadOther));
 }
 
 void CloudLayoutsTest::cacheThatCannotBeWritten()

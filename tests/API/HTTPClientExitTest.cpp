@@ -2,13 +2,17 @@
 #include "API/HTTPClient.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QSemaphore>
+#include <QSslConfiguration>
 #include <QTest>
 #include <QThread>
 
 #include "tests/support/MisbehavingServer.h"
+#include "tests/support/TlsIdentity.h"
 
 using ZorvaneClient::API::HTTPClient;
 using namespace ZorvaneClient::Tests;
@@ -16,6 +20,8 @@ using namespace ZorvaneClient::Tests;
 namespace {
 
 constexpr qint64 listingDeadlineMs = 2000;
+// A thread that is stuck is waited for five seconds.
+constexpr qint64 stuckMs = 4000;
 
 int networkThreadCount()
 {
@@ -29,6 +35,75 @@ int networkThreadCount()
     return count;
 }
 
+// A thread that has ended can still be listed for a moment.
+bool noNetworkThreadIsLeft()
+{
+    QElapsedTimer clock;
+    clock.start();
+    while (networkThreadCount() > 0 && !clock.hasExpired(listingDeadlineMs))
+        QThread::yieldCurrentThread();
+    return networkThreadCount() == 0;
+}
+
+/// A server over TLS that goes on while the application object dies. It never answers.
+class ServerThread : public QThread
+{
+public:
+    ~ServerThread() override
+    {
+        quit();
+        wait();
+    }
+
+    /// Returns the port.
+    int listen(const TlsIdentity &tlsIdentity)
+    {
+        identity = &tlsIdentity;
+        start();
+        listening.acquire();
+        return port;
+    }
+
+protected:
+    void run() override
+    {
+        MisbehavingServer server;
+        server.setReply(WireReply::silence());
+        server.start(identity);
+        port = server.port();
+        listening.release();
+        exec();
+    }
+
+private:
+    const TlsIdentity *identity = nullptr;
+    int port = 0;
+    QSemaphore listening;
+};
+
+void trust(const TlsIdentity &identity)
+{
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setCaCertificates({identity.certificate()});
+    QSslConfiguration::setDefaultConfiguration(configuration);
+}
+
+/// The application object of one run.
+struct Application {
+    int argumentCount = 1;
+    char program[5] = "test";
+    char *arguments[2] = {program, nullptr};
+    QCoreApplication object{argumentCount, arguments};
+};
+
+using Clients = QList<QSharedPointer<HTTPClient>>;
+
+void ask(Clients &clients, const QString &host, int port, bool ssl)
+{
+    clients.append(QSharedPointer<HTTPClient>::create(host, port, ssl, false));
+    clients.last()->get(QStringLiteral("/"), QVariantMap(), true);
+}
+
 } // namespace
 
 /// What is left of requests when the application object goes.
@@ -38,34 +113,56 @@ class HTTPClientExitTest : public QObject
 
 private slots:
     void noThreadOutlivesTheApplication();
+    void noThreadIsStuckInItsHandshake();
 };
 
 void HTTPClientExitTest::noThreadOutlivesTheApplication()
 {
-    QList<QSharedPointer<HTTPClient>> clients;
+    Clients clients;
     {
-        int argc = 1;
-        char program[] = "test";
-        char *argv[] = {program, nullptr};
-        QCoreApplication application(argc, argv);
+        Application application;
         MisbehavingServer server;
         QVERIFY(server.start());
         server.setReply(WireReply::silence());
         constexpr int clientCount = 5;
-        for (int i = 0; i < clientCount; ++i) {
-            clients.append(QSharedPointer<HTTPClient>::create(QStringLiteral("127.0.0.1"),
-                                                              server.port(), false, false));
-            clients.last()->get(QStringLiteral("/"), QVariantMap(), true);
-        }
+        for (int i = 0; i < clientCount; ++i)
+            ask(clients, QStringLiteral("127.0.0.1"), server.port(), false);
         QTRY_COMPARE(server.requests().size(), clientCount);
         QCOMPARE(networkThreadCount(), clientCount);
     }
-    // A thread that has ended can still be listed for a moment.
-    QElapsedTimer clock;
-    clock.start();
-    while (networkThreadCount() > 0 && !clock.hasExpired(listingDeadlineMs))
-        QThread::yieldCurrentThread();
-    QCOMPARE(networkThreadCount(), 0);
+    QVERIFY(noNetworkThreadIsLeft());
+}
+
+void HTTPClientExitTest::noThreadIsStuckInItsHandshake()
+{
+    // Each run ends at another moment of the handshake.
+    constexpr int runCount = 60;
+    constexpr int latestMomentMs = 20;
+    constexpr int clientCount = 3;
+    QScopedPointer<TlsIdentity> identity;
+    for (int run = 0; run < runCount; ++run) {
+        ServerThread server;
+        Clients clients;
+        QElapsedTimer ending;
+        {
+            Application application;
+            if (!identity) {
+                identity.reset(new TlsIdentity(QStringLiteral("exit")));
+                QVERIFY(identity->isValid());
+                trust(*identity);
+            }
+            const int port = server.listen(*identity);
+            for (int i = 0; i < clientCount; ++i)
+                ask(clients, QStringLiteral("localhost"), port, true);
+            const QDeadlineTimer moment(run % latestMomentMs);
+            do {
+                QCoreApplication::processEvents();
+            } while (!moment.hasExpired());
+            ending.start();
+        }
+        QVERIFY(ending.elapsed() < stuckMs);
+        QVERIFY(noNetworkThreadIsLeft());
+    }
 }
 
 QTEST_APPLESS_MAIN(HTTPClientExitTest)

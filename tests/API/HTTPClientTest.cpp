@@ -3,12 +3,16 @@
 
 #include <QDir>
 #include <QJsonDocument>
+#include <QNetworkProxy>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
 
+#include "App/Settings.h"
 #include "tests/support/MisbehavingServer.h"
 
+namespace App = ZorvaneClient::App;
 using ZorvaneClient::API::HTTPClient;
 using namespace ZorvaneClient::Tests;
 
@@ -55,6 +59,7 @@ private slots:
     void outcome();
     void resetMidBody();
     void refused();
+    void endlessBodyIsCutOff();
     void binaryBodyIsNotParsed();
     void requestOnTheWire_data();
     void requestOnTheWire();
@@ -67,6 +72,7 @@ private slots:
     void redirectedDeleteEndsSilently();
     void pathIsUrlAfterRedirect();
     void newAddress();
+    void noProxyUnlessAskedFor();
     void deadClientIsSilent();
     void failuresHoldNoThreads();
 
@@ -182,6 +188,21 @@ void HTTPClientTest::refused()
     QTRY_COMPARE(outcome.count(), 1);
     QCOMPARE(outcome.code(), -2);
     QCOMPARE(outcome.status(), 204);
+}
+
+void HTTPClientTest::endlessBodyIsCutOff()
+{
+    constexpr int tooManyBytes = 65 * 1024 * 1024;
+    server->setReply(WireReply::raw("HTTP/1.1 200 OK\r\n\r\n" + QByteArray(tooManyBytes, '1'),
+                                    Ending::KeepOpen));
+    HTTPClient client(localhost, server->port(), false, false);
+    Outcome outcome(&client);
+    QTest::ignoreMessage(QtWarningMsg, "HTTP reply is too large: \"127.0.0.1\"");
+    client.get(QStringLiteral("/"), QVariantMap(), false);
+    QTRY_COMPARE_WITH_TIMEOUT(outcome.count(), 1, 60000);
+    QCOMPARE(outcome.code(), -2);
+    QCOMPARE(outcome.status(), 204);
+    QTRY_COMPARE(server->openConnections(), 0);
 }
 
 void HTTPClientTest::binaryBodyIsNotParsed()
@@ -454,6 +475,27 @@ void HTTPClientTest::newAddress()
     QCOMPARE(other.requests().size(), 1);
     QCOMPARE(other.requests().constFirst().header("Host"),
              "localhost:" + QByteArray::number(other.port()));
+}
+
+void HTTPClientTest::noProxyUnlessAskedFor()
+{
+    const int deadPort = MisbehavingServer::deadPort();
+    for (const auto &setting : QList<QPair<QString, QVariant>>{
+             {"proxy/useProxy", true}, {"proxy/host", localhost}, {"proxy/port", deadPort}})
+        App::settings().setValue(setting.first, setting.second);
+    // What a desktop-wide proxy amounts to.
+    QNetworkProxy::setApplicationProxy(
+        QNetworkProxy(QNetworkProxy::HttpProxy, localhost, static_cast<quint16>(deadPort)));
+    const auto restore =
+        qScopeGuard([] { QNetworkProxy::setApplicationProxy(QNetworkProxy::DefaultProxy); });
+    // An address that arrives here and that no rule for loopback keeps from a proxy.
+    for (const bool useProxy : {false, true}) {
+        HTTPClient client(QStringLiteral("0.0.0.0"), server->port(), false, useProxy);
+        Outcome outcome(&client);
+        client.get(QStringLiteral("/"), QVariantMap(), true);
+        QTRY_COMPARE(outcome.count(), 1);
+        QCOMPARE(outcome.finished.count(), useProxy ? 0 : 1);
+    }
 }
 
 void HTTPClientTest::deadClientIsSilent()

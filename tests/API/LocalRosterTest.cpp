@@ -8,19 +8,14 @@
 
 #include "API/LocalServer.h"
 #include "API/Server.h"
-#include "App/Environment.h"
-#include "tests/support/ScriptedService.h"
+#include "tests/API/RosterFixture.h"
 
 using namespace ZorvaneClient::API;
 using namespace ZorvaneClient::Tests;
 
-namespace App = ZorvaneClient::App;
-
 namespace {
 
-const QString rosterFile = QStringLiteral("local_roster.txt");
 const QString localhost = QStringLiteral("127.0.0.1");
-const QByteArray oneServer = R"({"x":{"id":"s1","name":"One","online":true}})";
 
 void writeFile(const QByteArray &content)
 {
@@ -35,27 +30,20 @@ QByteArray fileContent()
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// Ports below 4 refuse on loopback.
-LocalServerPtr lanServer(int port, const QString &alias = QStringLiteral("LAN"))
-{
-    return LocalServerPtr::create(alias, localhost, port, QStringLiteral("secret"));
-}
-
 } // namespace
 
-class LocalRosterTest : public QObject
+class LocalRosterTest : public RosterFixture
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
     void localFile_data();
     void localFile();
+    void monstrousFile_data();
+    void monstrousFile();
     void localFileIsReadOnEveryRequest();
     void localServersWithoutService();
     void fileOnDisk();
-    void savingReplacesTheFileWhole();
     void fileThatCannotBeWritten();
     void addReplacesTheSameAddress();
     void deleteLeavesTheOthers();
@@ -63,50 +51,7 @@ private slots:
     void edit();
     void nullServerIsIgnored();
     void localServersComeBackAfterSignOut();
-
-private:
-    void setTime(int seconds);
-    void update(CloudAPIClient *client);
-
-    ScriptedService service;
 };
-
-void LocalRosterTest::initTestCase()
-{
-    QVERIFY(service.start());
-}
-
-void LocalRosterTest::init()
-{
-    setTime(0);
-    QDir().rmdir(rosterFile);
-    QFile::remove(rosterFile);
-    service.reset();
-    CloudAPIClient().logout();
-    QTRY_COMPARE(service.requests().size(), 1);
-    service.reset();
-    service.succeed("GET", "/public/roster", oneServer);
-}
-
-void LocalRosterTest::setTime(int seconds)
-{
-    const QDateTime time = QDateTime(QDate(2026, 11, 14), QTime(9, 0)).addSecs(seconds);
-    App::Environment::setClock([time] { return time; });
-}
-
-/// Asks past the throttle and waits for the outcome.
-void LocalRosterTest::update(CloudAPIClient *client)
-{
-    static int minutes = 0;
-    constexpr int pastThrottleSeconds = 60;
-    setTime(++minutes * pastThrottleSeconds);
-    QSignalSpy updated(client, &CloudAPIClient::rosterUpdated);
-    QSignalSpy failed(client, &CloudAPIClient::rosterUpdateError);
-    const int requests = service.requestsTo("/public/roster").size();
-    client->updateRoster();
-    QTRY_COMPARE(updated.count() + failed.count(), 1);
-    QVERIFY(service.requestsTo("/public/roster").size() > requests);
-}
 
 void LocalRosterTest::localFile_data()
 {
@@ -131,6 +76,9 @@ void LocalRosterTest::localFile_data()
     QTest::newRow("empty") << QByteArray() << QStringList() << "";
     QTest::newRow("object") << one << QStringList() << "";
     QTest::newRow("garbage") << QByteArray(1000, '\xff') << QStringList() << "";
+    QTest::newRow("wrong types")
+        << QByteArray(R"([7,null,[1],{"ip":{"a":1},"port":[1],"name":{},"password":[]}])")
+        << QStringList{":0"} << "";
 }
 
 void LocalRosterTest::localFile()
@@ -149,6 +97,29 @@ void LocalRosterTest::localFile()
         QVERIFY(servers.first()->isLocal());
     }
     QCOMPARE(fileContent(), content);
+}
+
+void LocalRosterTest::monstrousFile_data()
+{
+    QTest::addColumn<int>("entries");
+    QTest::addColumn<int>("bytes");
+    QTest::addColumn<int>("taken");
+    QTest::newRow("ten thousand servers") << 10000 << 0 << 256;
+    QTest::newRow("two megabytes") << 1 << 2 * 1024 * 1024 << 0;
+}
+
+void LocalRosterTest::monstrousFile()
+{
+    QFETCH(int, entries);
+    QFETCH(int, bytes);
+    QByteArray content = "[";
+    for (int port = 1; port <= entries; ++port)
+        content += "{\"ip\":\"127.0.0.1\",\"port\":" + QByteArray::number(port) + "},";
+    content.chop(1);
+    writeFile(content.leftJustified(bytes) + ']');
+    CloudAPIClient client;
+    client.loadLocalRoster();
+    QTEST(client.serverList().size(), "taken");
 }
 
 void LocalRosterTest::localFileIsReadOnEveryRequest()
@@ -188,6 +159,8 @@ void LocalRosterTest::localServersWithoutService()
 
 void LocalRosterTest::fileOnDisk()
 {
+    writeFile("[]");
+    QVERIFY(QFile::setPermissions(rosterFile, QFile::permissions(rosterFile) | QFile::ReadOther));
     CloudAPIClient client;
     client.addLocalServer(lanServer(2, QString::fromUtf8("Двор")));
     client.addLocalServer(lanServer(1, QStringLiteral("Yard")));
@@ -207,27 +180,8 @@ void LocalRosterTest::fileOnDisk()
                                                "]\n")
                                     .toUtf8();
     QCOMPARE(fileContent(), expected);
-    constexpr auto others = QFileDevice::ReadGroup | QFileDevice::WriteGroup |
-                            QFileDevice::ReadOther | QFileDevice::WriteOther;
-    QVERIFY(!(QFile::permissions(rosterFile) & others));
+    QVERIFY(!(QFile::permissions(rosterFile) & QFile::ReadOther));
     QCOMPARE(QDir().entryList({QStringLiteral("local_roster*")}), QStringList({rosterFile}));
-}
-
-// A crash in the middle must not cost the list: who has the old file open keeps all of it.
-void LocalRosterTest::savingReplacesTheFileWhole()
-{
-    const QByteArray old = R"([{"ip":"127.0.0.1","port":1}])";
-    writeFile(old);
-    QVERIFY(QFile::setPermissions(rosterFile, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                                  QFileDevice::ReadOther));
-    QFile reader(rosterFile);
-    QVERIFY(reader.open(QIODevice::ReadOnly));
-    CloudAPIClient client;
-    client.loadLocalRoster();
-    client.addLocalServer(lanServer(2));
-    QCOMPARE(reader.readAll(), old);
-    QVERIFY(fileContent().contains("\"port\": 2"));
-    QVERIFY(!(QFile::permissions(rosterFile) & QFileDevice::ReadOther));
 }
 
 void LocalRosterTest::fileThatCannotBeWritten()

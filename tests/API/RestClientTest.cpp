@@ -140,14 +140,6 @@ void RestClientTest::requestOnTheWire_data()
     QTest::addColumn<QByteArray>("body");
 
     const QByteArray form = "application/x-www-form-urlencoded";
-    QTest::newRow("get") << "public/roster" << int(QNetworkAccessManager::GetOperation)
-                         << QVariantMap{{"sessionId", "abc"}}
-                         << QByteArray("GET /public/roster?sessionId=abc HTTP/1.1") << QByteArray()
-                         << QByteArray();
-    QTest::newRow("get, two slashes")
-        << "/layouts" << int(QNetworkAccessManager::GetOperation)
-        << QVariantMap{{"sessionId", "abc"}} << QByteArray("GET //layouts?sessionId=abc HTTP/1.1")
-        << QByteArray() << QByteArray();
     QTest::newRow("delete") << "public/sessions/abc" << int(QNetworkAccessManager::DeleteOperation)
                             << QVariantMap{{"b", 2}, {"a", "1"}}
                             << QByteArray("DELETE /public/sessions/abc?a=1&b=2 HTTP/1.1")

@@ -5,7 +5,6 @@
 #include <QJsonObject>
 
 #include "API/Camera.h"
-#include "API/LocalServer.h"
 #include "API/Server.h"
 
 using namespace ZorvaneClient::API;
@@ -46,7 +45,6 @@ private slots:
     void removedCameraIsFrozen();
     void sortedCameras_data();
     void sortedCameras();
-    void handles();
 };
 
 void ServerTest::firstRoster()
@@ -191,22 +189,6 @@ void ServerTest::sortedCameras()
         server.addCamera(camera);
     }
     QTEST(names(server.sortedCameras()), "order");
-}
-
-void ServerTest::handles()
-{
-    const ServerPtr cloud = ServerPtr::create();
-    const ServerPtr local(
-        new LocalServer(QStringLiteral("LAN"), QStringLiteral("127.0.0.1"), 1, QString()));
-    QVERIFY(!qSharedPointerDynamicCast<LocalServer>(cloud));
-    QCOMPARE(qSharedPointerDynamicCast<LocalServer>(local).data(), local.data());
-    QVERIFY(local->isLocal());
-    QCOMPARE(local->id(), QStringLiteral("127.0.0.1:1"));
-
-    const LayoutPoint highRow{0, 5};
-    const LayoutPoint nextColumn{1, 0};
-    QVERIFY(highRow < nextColumn);
-    QVERIFY(!(nextColumn < highRow));
 }
 
 QTEST_MAIN(ServerTest)

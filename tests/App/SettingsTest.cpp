@@ -2,6 +2,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/stat.h>
+
 #include "AppProbe.h"
 
 class SettingsTest : public QObject
@@ -11,6 +13,8 @@ class SettingsTest : public QObject
 private slots:
     void init();
     void cleanup();
+    void filesAreForTheirOwnerOnly_data();
+    void filesAreForTheirOwnerOnly();
     void valuesOutliveTheProcess();
     void fileIsPlainIni();
     void absentKeysHaveDefaults();
@@ -41,6 +45,36 @@ void SettingsTest::init()
 void SettingsTest::cleanup()
 {
     folder.reset();
+}
+
+void SettingsTest::filesAreForTheirOwnerOnly_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("command");
+    QTest::addColumn<bool>("wasOpen");
+    const QString ini = QStringLiteral("ZorvaneClient.ini");
+    const QString log = QStringLiteral("zorvane_client_log.txt");
+    QTest::newRow("new settings") << ini << "write-settings" << false;
+    QTest::newRow("settings open to all before") << ini << "write-settings" << true;
+    QTest::newRow("new log") << log << "log-levels" << false;
+    QTest::newRow("log open to all before") << log << "log-levels" << true;
+}
+
+void SettingsTest::filesAreForTheirOwnerOnly()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, command);
+    QFETCH(bool, wasOpen);
+    ::umask(0); // or else the environment could keep others out
+    constexpr auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup |
+                            QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
+    QFile file(folder->filePath(name));
+    if (wasOpen)
+        QVERIFY(file.open(QIODevice::WriteOnly) && (file.permissions() & others));
+    file.close();
+    QCOMPARE(runProbe(folder->path(), {command}).exitCode, 0);
+    QVERIFY(file.size() > 0);
+    QVERIFY(!(file.permissions() & others));
 }
 
 QList<QByteArray> SettingsTest::readBack() const

@@ -67,7 +67,7 @@ void setCamera(const WorldCamera &camera)
 API::CameraPtr makeCamera(bool online = true)
 {
     setCamera({7, QStringLiteral("Gate"), online});
-    return worldCamera(QStringLiteral("s1"), 7);
+    return rosterCamera(QStringLiteral("s1"), 7);
 }
 
 QByteArray jpeg()
@@ -134,7 +134,7 @@ void CameraWidgetTest::captionTellsTheState()
     QFETCH(bool, online);
     QFETCH(bool, paid);
     setCamera({1, QStringLiteral("Gate"), online, paid});
-    const API::CameraPtr camera = worldCamera(QStringLiteral("s1"), 1);
+    const API::CameraPtr camera = rosterCamera(QStringLiteral("s1"), 1);
     CameraWidget card(camera);
     QCOMPARE(labelText(&card, "cameraName"), QStringLiteral("Gate"));
     card.updateCamera(camera);
@@ -286,9 +286,9 @@ void CameraWidgetTest::menuAndClickEmitTheCamera()
     connect(&card, &CameraWidget::openInNewWindow, this, listen(QStringLiteral("window")));
     QCOMPARE(menuTexts(card),
              QStringList({QStringLiteral("Open camera"), QStringLiteral("Add to layout"),
-                          QStringLiteral("Open in a new window")}));
+                          QStringLiteral("Settings"), QStringLiteral("Open in a new window")}));
     const auto actions = card.findChild<QPushButton *>("previewMenu")->menu()->actions();
-    for (QAction *action : actions)
+    for (QAction *action : {actions.at(0), actions.at(1), actions.at(3)})
         action->trigger();
     QTest::mouseClick(&card, Qt::LeftButton);
     QCOMPARE(heard, QStringList({QStringLiteral("open"), QStringLiteral("add"),
@@ -359,7 +359,7 @@ void CameraWidgetTest::unpreparedCardShowsWhatItWasTold()
     if (!online)
         QCOMPARE(labelPicture(card, "previewImage"), resourcePicture(noCameraIcon));
     QVERIFY(card->findChild<QLabel *>("cameraName")->isVisible());
-    QCOMPARE(menuTexts(*card).size(), 3);
+    QCOMPARE(menuTexts(*card).size(), 4);
 
     // It looks like a card that was made whole.
     CameraWidget whole(camera, nullptr);

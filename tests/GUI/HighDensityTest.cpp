@@ -119,6 +119,9 @@ void HighDensityTest::buttonsShowTheirIconInItsSize_data()
     QTest::newRow("checked tab") << "ToolBar"
                                  << "rosterButton"
                                  << ":/mainwidget/icons/tabCamera_hover.png";
+    QTest::newRow("tab at the bottom") << "ToolBar"
+                                       << "settingsButton"
+                                       << ":/mainwidget/icons/tabSettings.png";
     QTest::newRow("hide") << "SideBar"
                           << "hideRosterButton"
                           << ":/mainwidget/icons/iconCollapse.png";

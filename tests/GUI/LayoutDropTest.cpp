@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <QDataStream>
 #include <QDragEnterEvent>
-#include <QGridLayout>
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QtTest>
@@ -11,17 +10,13 @@
 #include "API/Layout.h"
 #include "API/Server.h"
 #include "GUI/LayoutWidget.h"
-#include "GUI/Player/VideoPlaceholder.h"
-#include "GUI/Player/VideoWidget.h"
 #include "tests/support/Roster.h"
 
 using namespace ZorvaneClient;
 using namespace ZorvaneClient::Tests;
 using GUI::LayoutWidget;
-using GUI::Player::VideoPlaceholder;
-using GUI::Player::VideoWidget;
 
-/// The grid as a place to drop servers and layouts on, and the exchange of its cells.
+/// The grid as a place to drop servers and layouts on.
 class LayoutDropTest : public QObject
 {
     Q_OBJECT
@@ -35,8 +30,6 @@ private slots:
     void camerasBeyondTheGridAreLeftOut();
     void unknownServerChangesNothing();
     void droppedLayoutIsFoundByName();
-    void tilesExchangeTheirCells();
-    void tileMovesToAPlaceholder();
 };
 
 namespace {
@@ -68,11 +61,6 @@ bool drop(LayoutWidget &grid, const QString &format, const QByteArray &bytes, Qt
     QDropEvent dropEvent(QPointF(5, 5), action, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(&grid, &dropEvent);
     return true;
-}
-
-QWidget *widgetAt(LayoutWidget &grid, int row, int column)
-{
-    return qobject_cast<QGridLayout *>(grid.layout())->itemAtPosition(row, column)->widget();
 }
 
 } // namespace
@@ -186,46 +174,6 @@ void LayoutDropTest::droppedLayoutIsFoundByName()
     QVERIFY(!dropped);
     drop(grid, QStringLiteral("layout"), layout->name().toUtf8(), Qt::CopyAction);
     QCOMPARE(dropped, layout);
-}
-
-void LayoutDropTest::tilesExchangeTheirCells()
-{
-    LayoutWidget grid;
-    const auto layout = API::LayoutPtr::create();
-    layout->resize(2, 2);
-    const API::CameraPtr one = rosterCamera(QStringLiteral("five"), 1);
-    const API::CameraPtr two = rosterCamera(QStringLiteral("five"), 2);
-    layout->setCamera(one, 0, 0, 1, 1);
-    layout->setCamera(two, 1, 1, 1, 1);
-    grid.openLayout(layout);
-    VideoWidget *first = grid.player(one);
-    VideoWidget *second = grid.player(two);
-    QSignalSpy modified(&grid, &LayoutWidget::layoutModified);
-    emit second->swapRequested(0, 0);
-    QCOMPARE(modified.count(), 1);
-    QCOMPARE(widgetAt(grid, 1, 1), static_cast<QWidget *>(first));
-    QCOMPARE(widgetAt(grid, 0, 0), static_cast<QWidget *>(second));
-    QCOMPARE(first->position(), (API::LayoutPoint{1, 1}));
-    QCOMPARE(second->position(), (API::LayoutPoint{0, 0}));
-    QCOMPARE(grid.workingLayout()->cellAt(0, 0).camera, two);
-    QCOMPARE(grid.workingLayout()->cellAt(1, 1).camera, one);
-    QCOMPARE(layout->cellAt(0, 0).camera, one);
-}
-
-void LayoutDropTest::tileMovesToAPlaceholder()
-{
-    LayoutWidget grid;
-    const auto layout = API::LayoutPtr::create();
-    layout->resize(1, 3);
-    const API::CameraPtr one = rosterCamera(QStringLiteral("five"), 1);
-    layout->setCamera(one, 0, 0, 1, 1);
-    grid.openLayout(layout);
-    auto *placeholder = qobject_cast<VideoPlaceholder *>(widgetAt(grid, 0, 2));
-    emit placeholder->swapRequested(0, 0);
-    QCOMPARE(widgetAt(grid, 0, 0), static_cast<QWidget *>(placeholder));
-    QCOMPARE(grid.player(one)->position(), (API::LayoutPoint{2, 0}));
-    QVERIFY(!grid.workingLayout()->cellAt(0, 0).camera);
-    QCOMPARE(grid.workingLayout()->cellAt(0, 2).camera, one);
 }
 
 QTEST_MAIN(LayoutDropTest)

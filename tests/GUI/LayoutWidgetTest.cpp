@@ -33,8 +33,6 @@ private slots:
     void theFirstEditMakesACopy();
     void cameraGoesToTheFirstFreeCell();
     void withoutAFreeCellNothingHappens();
-    void cameraDroppedOnATileReplacesIt();
-    void cameraDroppedOnAPlaceholderTakesItsCell();
     void closingATileLeavesAPlaceholder();
     void closingATileInItsOwnSignalIsSafe();
     void oneCameraInTwoCells();
@@ -158,30 +156,6 @@ void LayoutWidgetTest::withoutAFreeCellNothingHappens()
     grid.addCamera(camera(2));
     QCOMPARE(grid.playerCount(), 1);
     QCOMPARE(modified.count(), 0);
-}
-
-void LayoutWidgetTest::cameraDroppedOnATileReplacesIt()
-{
-    LayoutWidget grid;
-    grid.openLayout(layoutOf(1, 2, {{0, 0}, {1, 0}}));
-    QSignalSpy closed(&grid, &LayoutWidget::cameraClosed);
-    const QPointer<VideoWidget> tile = at<VideoWidget>(grid, 0, 1);
-    emit tile->openCamera(camera(3));
-    QCOMPARE(closed.count(), 1);
-    QCOMPARE(at<VideoWidget>(grid, 0, 1)->camera(), camera(3));
-    QCOMPARE(grid.workingLayout()->cellAt(0, 1).camera, camera(3));
-    QCOMPARE(grid.playerCount(), 2);
-    QTRY_VERIFY(!tile);
-}
-
-void LayoutWidgetTest::cameraDroppedOnAPlaceholderTakesItsCell()
-{
-    LayoutWidget grid;
-    grid.openLayout(layoutOf(2, 2, {}));
-    const QPointer<VideoPlaceholder> placeholder = at<VideoPlaceholder>(grid, 1, 0);
-    emit placeholder->openCamera(camera(4));
-    QCOMPARE(at<VideoWidget>(grid, 1, 0)->camera(), camera(4));
-    QTRY_VERIFY(!placeholder);
 }
 
 void LayoutWidgetTest::closingATileLeavesAPlaceholder()

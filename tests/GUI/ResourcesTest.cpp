@@ -210,22 +210,12 @@ void ResourcesTest::fontsAreOfTheFamily_data()
 {
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("family");
-    QTest::newRow("regular") << "PTS55F"
-                             << "PT Sans";
-    QTest::newRow("italic") << "PTS56F"
-                            << "PT Sans";
-    QTest::newRow("bold") << "PTS75F"
-                          << "PT Sans";
-    QTest::newRow("bold italic") << "PTS76F"
-                                 << "PT Sans";
-    QTest::newRow("caption") << "PTC55F"
-                             << "PT Sans Caption";
-    QTest::newRow("caption bold") << "PTC75F"
-                                  << "PT Sans Caption";
-    QTest::newRow("narrow") << "PTN57F"
-                            << "PT Sans Narrow";
-    QTest::newRow("narrow bold") << "PTN77F"
-                                 << "PT Sans Narrow";
+    for (const char *file : {"PTS55F", "PTS56F", "PTS75F", "PTS76F"})
+        QTest::newRow(file) << file << "PT Sans";
+    for (const char *file : {"PTC55F", "PTC75F"})
+        QTest::newRow(file) << file << "PT Sans Caption";
+    for (const char *file : {"PTN57F", "PTN77F"})
+        QTest::newRow(file) << file << "PT Sans Narrow";
 }
 
 void ResourcesTest::fontsAreOfTheFamily()

@@ -7,65 +7,10 @@
 #include <QMouseEvent>
 #include <QtTest>
 
-#include "API/Camera.h"
-#include "API/CloudAPIClient.h"
-#include "API/Server.h"
 #include "App/Environment.h"
 
 namespace ZorvaneClient {
 namespace Tests {
-
-namespace {
-
-QVariantMap cameraJson(const WorldCamera &camera)
-{
-    QVariantMap json{{QStringLiteral("id"), camera.id},
-                     {QStringLiteral("name"), camera.name},
-                     {QStringLiteral("online"), camera.online},
-                     {QStringLiteral("rights"), QStringList{QStringLiteral("live")}}};
-    if (camera.paid) {
-        const QVariantMap active{{QStringLiteral("active"), true}};
-        json.insert(QStringLiteral("services"), QVariantMap{{QStringLiteral("enabled"), active}});
-    }
-    return json;
-}
-
-QVariantMap serverJson(const WorldServer &server)
-{
-    QVariantMap cameras;
-    for (const WorldCamera &camera : server.cameras)
-        cameras.insert(QString::number(camera.id), cameraJson(camera));
-    const QString buildType =
-        server.isCamera ? QStringLiteral("ip-camera") : QStringLiteral("server");
-    return {{QStringLiteral("id"), server.id},
-            {QStringLiteral("name"), server.alias},
-            {QStringLiteral("online"), server.online},
-            {QStringLiteral("info"), QVariantMap{{QStringLiteral("build_type"), buildType}}},
-            {QStringLiteral("cameras"), cameras}};
-}
-
-} // namespace
-
-void setWorld(const QList<WorldServer> &world)
-{
-    QVariantMap roster;
-    for (const WorldServer &server : world)
-        roster.insert(server.id, serverJson(server));
-    API::CloudAPIClient client;
-    QMetaObject::invokeMethod(&client, "onNewRosterReceived", Qt::DirectConnection,
-                              Q_ARG(QVariant, QVariant(roster)));
-}
-
-API::ServerPtr worldServer(const QString &id)
-{
-    return API::CloudAPIClient::serverList().value(id);
-}
-
-API::CameraPtr worldCamera(const QString &server, int camera)
-{
-    const API::ServerPtr owner = worldServer(server);
-    return owner ? owner->cameras().value(camera) : API::CameraPtr();
-}
 
 void stopClockAt(double seconds)
 {

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QList>
 #include <QString>
 
 #include <chrono>
 
-#include "API/Types.h"
+#include "tests/support/Roster.h"
 
 class QDrag;
 class QLabel;
@@ -14,26 +13,6 @@ class QWidget;
 
 namespace ZorvaneClient {
 namespace Tests {
-
-struct WorldCamera {
-    int id = 1;
-    QString name;
-    bool online = true;
-    bool paid = true;
-};
-
-struct WorldServer {
-    QString id;
-    QString alias;
-    QList<WorldCamera> cameras;
-    bool online = true;
-    bool isCamera = false;
-};
-
-/// Makes `world` the cloud servers of the process-wide roster, as a reply of the service does.
-void setWorld(const QList<WorldServer> &world);
-API::ServerPtr worldServer(const QString &id);
-API::CameraPtr worldCamera(const QString &server, int camera);
 
 /// The wall clock stands still at `seconds` after a fixed moment.
 void stopClockAt(double seconds);

@@ -147,10 +147,10 @@ void ServerWidgetTest::newObjectUnderAnOldNumberGetsANewCard()
     const QPointer<CameraWidget> old(stage.entry->cameraWidgets().first());
     server->clearCameras();
     makeServer({{1, QStringLiteral("One")}});
-    QVERIFY(worldCamera(serverId, 1) != old->camera());
+    QVERIFY(rosterCamera(serverId, 1) != old->camera());
     stage.entry->updateServer(server);
     QCOMPARE(stage.entry->cameraWidgets().size(), 1);
-    QCOMPARE(stage.entry->cameraWidgets().first()->camera(), worldCamera(serverId, 1));
+    QCOMPARE(stage.entry->cameraWidgets().first()->camera(), rosterCamera(serverId, 1));
     QTRY_VERIFY(!old);
 }
 
@@ -185,7 +185,13 @@ void ServerWidgetTest::onlyALanServerHasAMenu()
     API::ServerPtr deleted;
     connect(lan.entry, QOverload<API::ServerPtr>::of(&ServerWidget::deleteServer), this,
             [&](const API::ServerPtr &which) { deleted = which; });
+    API::ServerPtr edited;
+    connect(lan.entry, &ServerWidget::editServer, this,
+            [&](const API::ServerPtr &which) { edited = which; });
     const auto actions = button->menu()->actions();
+    QCOMPARE(actions.first()->text(), QStringLiteral("Edit"));
+    actions.first()->trigger();
+    QTRY_COMPARE(edited, server);
     QCOMPARE(actions.last()->text(), QStringLiteral("Delete"));
     actions.last()->trigger();
     QCOMPARE(deleted, server);
@@ -330,7 +336,7 @@ void ServerWidgetTest::signalsOfTheCardsAreRelayed()
     card->prepare();
     QPushButton *button = card->findChild<QPushButton *>("previewMenu");
     const auto actions = button->menu()->actions();
-    for (QAction *action : actions)
+    for (QAction *action : {actions.at(0), actions.at(1), actions.at(3)})
         action->trigger();
     QCOMPARE(heard, QStringList({"open", "add", "window"}));
     stage.entry->setAddToLayoutEnabled(false);

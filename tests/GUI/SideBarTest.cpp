@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <QCheckBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -13,6 +14,7 @@
 #include "GUI/LayoutListWidget.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/ServerWidget.h"
+#include "GUI/SettingsWidget.h"
 #include "GUI/SideBar.h"
 #include "GUI/ToolBar.h"
 #include "tests/GUI/RosterWorld.h"
@@ -54,7 +56,7 @@ void SideBarTest::modesShowTheirPage()
     SideBar bar;
     bar.show();
     QVERIFY(QTest::qWaitForWindowExposed(&bar));
-    const auto *edit = bar.findChild<QLineEdit *>("searchEdit");
+    auto *edit = bar.findChild<QLineEdit *>("searchEdit");
     QCOMPARE(bar.width(), 269);
     QVERIFY(bar.rosterWidget()->isVisible());
     QVERIFY(!bar.layoutListWidget()->isVisible());
@@ -64,8 +66,18 @@ void SideBarTest::modesShowTheirPage()
     QVERIFY(bar.layoutListWidget()->isVisible());
     QCOMPARE(edit->placeholderText(), QStringLiteral("Search for layouts..."));
     QVERIFY(edit->isVisible());
+    edit->setText(QStringLiteral("yard"));
+    bar.setSettingsMode();
+    QVERIFY(!bar.layoutListWidget()->isVisible());
+    QVERIFY(bar.settingsWidget()->isVisible());
+    QVERIFY(!edit->isVisible());
+    QVERIFY(bar.findChild<QLabel *>("settingsLabel")->isVisible());
+    QCOMPARE(bar.width(), 269);
     bar.setRosterMode();
     QVERIFY(bar.rosterWidget()->isVisible());
+    QVERIFY(!bar.settingsWidget()->isVisible());
+    QCOMPARE(edit->text(), QStringLiteral("yard"));
+    QVERIFY(edit->isVisible());
 }
 
 void SideBarTest::searchGoesToBothPagesAndStays()
@@ -116,6 +128,7 @@ void SideBarTest::tabClicksEmitAndModesDoNot()
     QVERIFY(QTest::qWaitForWindowExposed(&bar));
     QSignalSpy live(&bar, &ToolBar::liveClicked);
     QSignalSpy layouts(&bar, &ToolBar::layoutsClicked);
+    QSignalSpy settings(&bar, &ToolBar::settingsClicked);
     auto *rosterButton = bar.findChild<QPushButton *>("rosterButton");
     auto *layoutsButton = bar.findChild<QPushButton *>("layoutsButton");
     QVERIFY(rosterButton->isChecked());
@@ -126,12 +139,18 @@ void SideBarTest::tabClicksEmitAndModesDoNot()
     QVERIFY(rosterButton->isChecked() && !layoutsButton->isChecked());
     bar.setLayoutsMode();
     QVERIFY(layoutsButton->isChecked());
+    bar.setSettingsMode();
+    auto *settingsButton = bar.findChild<QPushButton *>("settingsButton");
+    QVERIFY(settingsButton->isChecked() && !layoutsButton->isChecked());
     QCOMPARE(layouts.count(), 1);
+    QCOMPARE(settings.count(), 0);
+    QTest::mouseClick(settingsButton, Qt::LeftButton);
+    QCOMPARE(settings.count(), 1);
     QCOMPARE(live.count(), 0);
     QTest::mouseClick(rosterButton, Qt::LeftButton);
     QCOMPARE(live.count(), 1);
     // The form's background, which a plain widget with a style sheet has to paint itself.
-    QCOMPARE(bar.grab().toImage().pixelColor(30, 350), QColor(91, 102, 122));
+    QCOMPARE(bar.grab().toImage().pixelColor(30, 250), QColor(91, 102, 122));
 }
 
 QTEST_MAIN(SideBarTest)

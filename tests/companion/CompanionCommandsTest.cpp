@@ -91,11 +91,8 @@ void CompanionCommandsTest::initTestCase()
 /// For longer than a stream may stall, too.
 void CompanionCommandsTest::pauseFreezesAndStopsReading()
 {
-    StreamScript script;
-    script.clip = heavy.repeated(60);
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(StreamScript::of(heavy.repeated(60))));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 5, deadline);
@@ -124,11 +121,8 @@ void CompanionCommandsTest::pauseFreezesAndStopsReading()
 
 void CompanionCommandsTest::pauseBeforeTheFirstPicture()
 {
-    StreamScript script;
-    script.clip = counting;
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(StreamScript::of(counting)));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     player.send("pause");
@@ -142,11 +136,8 @@ void CompanionCommandsTest::pauseBeforeTheFirstPicture()
 
 void CompanionCommandsTest::strangeLines()
 {
-    StreamScript script;
-    script.clip = counting.repeated(10);
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(StreamScript::of(counting.repeated(10))));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     for (const char *line :
@@ -166,11 +157,8 @@ void CompanionCommandsTest::strangeLines()
 
 void CompanionCommandsTest::noPing()
 {
-    StreamScript script;
-    script.clip = counting.repeated(10);
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(StreamScript::of(counting.repeated(10))));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     player.stopPinging();
@@ -207,8 +195,7 @@ void CompanionCommandsTest::closedInput()
         script.ending = StreamScript::Ending::Stall;
     }
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(script));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     QTRY_VERIFY_WITH_TIMEOUT(player.frames() >= frames, deadline);
@@ -244,8 +231,7 @@ void CompanionCommandsTest::sound()
     script.clip = Clips::withTone(3000, codec);
     QVERIFY(!script.clip.isEmpty());
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(script));
     PlayerProcess player;
     player.setEnvironment("SDL_AUDIODRIVER", "disk");
     player.setEnvironment("SDL_DISKAUDIOFILE", path.toUtf8());
@@ -263,11 +249,8 @@ void CompanionCommandsTest::sound()
 void CompanionCommandsTest::noSoundAtVolumeZero()
 {
     const QString path = QDir::current().filePath(QStringLiteral("silence.raw"));
-    StreamScript script;
-    script.clip = Clips::withTone(6000, QStringLiteral("aac"));
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(StreamScript::of(Clips::withTone(6000, QStringLiteral("aac")))));
     PlayerProcess player;
     player.setEnvironment("SDL_AUDIODRIVER", "disk");
     player.setEnvironment("SDL_DISKAUDIOFILE", path.toUtf8());
@@ -288,11 +271,8 @@ void CompanionCommandsTest::noSoundAtVolumeZero()
 
 void CompanionCommandsTest::noAudioDevice()
 {
-    StreamScript script;
-    script.clip = Clips::withTone(1000, QStringLiteral("libmp3lame"));
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(StreamScript::of(Clips::withTone(1000, QStringLiteral("libmp3lame")))));
     PlayerProcess player;
     player.setEnvironment("SDL_AUDIODRIVER", "no such driver");
     QVERIFY(player.start(server.url("/flv/live")));

@@ -118,8 +118,7 @@ void CompanionFailuresTest::neverAPicture()
 {
     QFETCH(StreamScript, script);
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(script));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
@@ -174,8 +173,7 @@ void CompanionFailuresTest::redirect()
     script.clip = clip;
     target.setScript(script);
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(statusScript(302, target.url("/elsewhere")));
+    QVERIFY(server.start(statusScript(302, target.url("/elsewhere"))));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 5, deadline);
@@ -184,8 +182,7 @@ void CompanionFailuresTest::redirect()
 void CompanionFailuresTest::stall()
 {
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(stallScript(clip, 600));
+    QVERIFY(server.start(stallScript(clip, 600)));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 5, deadline);
@@ -219,8 +216,7 @@ void CompanionFailuresTest::endsInTheMiddle()
     QFETCH(StreamScript, script);
     QFETCH(bool, isEnd);
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(script));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
@@ -241,11 +237,8 @@ void CompanionFailuresTest::decoderGivesUp()
             tag.bytes.replace(firstPayloadByte, tag.bytes.size() - firstPayloadByte - 4,
                               QByteArray(tag.bytes.size() - firstPayloadByte - 4, '\x7F'));
     }
-    StreamScript script;
-    script.clip = broken;
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(StreamScript::of(broken)));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 5, deadline);
@@ -322,11 +315,8 @@ void CompanionFailuresTest::playAll(const QList<QByteArray> &streams)
 
 void CompanionFailuresTest::outputClosed()
 {
-    StreamScript script;
-    script.clip = clip.repeated(10);
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(StreamScript::of(clip.repeated(10))));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 3, deadline);

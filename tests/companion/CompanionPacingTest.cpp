@@ -124,8 +124,7 @@ void CompanionPacingTest::playsInTheStreamsTime()
     script.speed = serverSpeed;
     script.chunked = chunked;
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(script));
     PlayerProcess player;
     QVERIFY(player.start(server.url(path)));
     QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
@@ -149,12 +148,8 @@ void CompanionPacingTest::playsInTheStreamsTime()
 /// second, and the time is the stream's own.
 void CompanionPacingTest::fastArchiveIsThinnedOut()
 {
-    StreamScript script;
-    script.clip = counting.repeated(4).faster(16);
-    script.speed = 0;
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(StreamScript::of(counting.repeated(4).faster(16), 0)));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/archive?speed=16")));
     QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
@@ -176,14 +171,12 @@ void CompanionPacingTest::timeRunsBetweenSlowPictures()
 {
     QFETCH(double, serverSpeed);
     QFETCH(QByteArray, path);
-    StreamScript script;
-    script.clip = FlvClip::make(QStringLiteral("-f lavfi -i testsrc=s=160x96:r=1 -t 4 -c:v libx264 "
-                                               "-tune zerolatency -pix_fmt yuv420p")
-                                    .split(QLatin1Char(' ')));
-    script.speed = serverSpeed;
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(StreamScript::of(
+        FlvClip::make(QStringLiteral("-f lavfi -i testsrc=s=160x96:r=1 -t 4 -c:v libx264 "
+                                     "-tune zerolatency -pix_fmt yuv420p")
+                          .split(QLatin1Char(' '))),
+        serverSpeed)));
     PlayerProcess player;
     QVERIFY(player.start(server.url(path)));
     QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
@@ -209,8 +202,7 @@ void CompanionPacingTest::liveShowsTheNewest()
     script.clip = counting.repeated(15);
     script.burst = burst;
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(script));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 10, deadline);
@@ -229,8 +221,7 @@ void CompanionPacingTest::liveInBundles()
     script.clip = counting;
     script.bundle = 160;
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(script));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
@@ -241,11 +232,8 @@ void CompanionPacingTest::liveInBundles()
 
 void CompanionPacingTest::liveCatchesUpAfterPause()
 {
-    StreamScript script;
-    script.clip = counting.repeated(15);
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(StreamScript::of(counting.repeated(15))));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 10, deadline);
@@ -275,12 +263,8 @@ void CompanionPacingTest::timestampsJump()
     QFETCH(int, gap);
     QFETCH(int, leastTime);
     QFETCH(int, mostTime);
-    StreamScript script;
-    script.clip = counting.then(counting, gap);
-    script.speed = 0;
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(StreamScript::of(counting.then(counting, gap), 0)));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/archive")));
     QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);

@@ -72,8 +72,7 @@ void CompanionPicturesTest::pixels()
     script.ending = StreamScript::Ending::Stall;
     QVERIFY(!script.clip.isEmpty());
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(script));
 
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/archive")));
@@ -97,8 +96,7 @@ void CompanionPicturesTest::sizeChangesInMidStream()
                       .then(Clips::quarters(QSize(176, 144), 400));
     script.ending = StreamScript::Ending::Stall;
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(script));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/archive")));
     QTRY_COMPARE_WITH_TIMEOUT(player.size(), QSize(176, 144), deadline);
@@ -127,8 +125,7 @@ void CompanionPicturesTest::codecChangesInMidStream()
                       .then(Clips::quarters(QSize(161, 121), 400, Clips::Codec::Flv));
     script.ending = StreamScript::Ending::Stall;
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(script));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/archive")));
     QTRY_COMPARE_WITH_TIMEOUT(player.size(), QSize(161, 121), deadline);
@@ -151,8 +148,7 @@ void CompanionPicturesTest::soundDoesNotHoldUpThePicture()
     script.stopAt = 45; // the encoders put the first picture at 26 ms or before
     script.ending = StreamScript::Ending::Stall;
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(script));
     PlayerProcess player;
     QVERIFY(player.start(server.url("/flv/live")));
     QTRY_COMPARE_WITH_TIMEOUT(player.frames(), 1, 8000);

@@ -104,11 +104,8 @@ void CompanionProxyTest::wrongPassword()
 /// A camera of the local network gets no proxy argument, so it goes direct.
 void CompanionProxyTest::environmentIsForgotten()
 {
-    StreamScript script;
-    script.clip = clip;
     StreamServer server;
-    QVERIFY(server.start());
-    server.setScript(script);
+    QVERIFY(server.start(StreamScript::of(clip)));
     PlayerProcess player;
     player.setEnvironment("http_proxy",
                           "http://127.0.0.1:" + QByteArray::number(StreamServer::deadPort()) + "/");

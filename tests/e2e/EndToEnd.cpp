@@ -3,9 +3,11 @@
 
 #include <QCheckBox>
 #include <QLineEdit>
+#include <QMenu>
 #include <QProcess>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QTimer>
 #include <QtTest>
 
 #include <algorithm>
@@ -21,6 +23,7 @@
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/ServerWidget.h"
+#include "GUI/ToolBar.h"
 #include "tests/support/DemoService.h"
 
 namespace ZorvaneClient {
@@ -119,6 +122,31 @@ bool leave()
     emit mainWindow()->signout();
     return QTest::qWaitFor([] { return loginDialog() && mainWindows().isEmpty(); },
                            replyDeadlineMs);
+}
+
+void pressTab(const char *button)
+{
+    auto *toolBar = mainWindow()->findChild<GUI::ToolBar *>();
+    QTest::mouseClick(toolBar->findChild<QPushButton *>(QLatin1String(button)), Qt::LeftButton);
+}
+
+void chooseFromMenu(QPushButton *button, const QString &entry)
+{
+    // The click comes back when the menu has been closed.
+    QTimer::singleShot(0, button, [entry] {
+        auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
+        QVERIFY2(menu, "no menu has opened");
+        const QList<QAction *> actions = menu->actions();
+        for (QAction *action : actions) {
+            if (action->text() == entry)
+                QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier,
+                                  menu->actionGeometry(action).center());
+        }
+        const bool isChosen = menu->isHidden();
+        menu->close();
+        QVERIFY2(isChosen, "no such entry");
+    });
+    QTest::mouseClick(button, Qt::LeftButton);
 }
 
 QList<GUI::ServerWidget *> serverWidgets()

@@ -11,6 +11,7 @@
 #include "tests/support/StripReader.h"
 
 class QProcess;
+class QPushButton;
 
 namespace ZorvaneClient {
 
@@ -54,6 +55,11 @@ void signIn(const QString &email, const QString &password);
 bool enter(const DemoService &service);
 /// Signs out from the open windows and waits for the dialog.
 bool leave();
+
+/// Presses a button of the tool bar, such as "settingsButton".
+void pressTab(const char *button);
+/// Opens the button's menu and clicks the entry of that text.
+void chooseFromMenu(QPushButton *button, const QString &entry);
 
 /// From top to bottom of the roster.
 QList<GUI::ServerWidget *> serverWidgets();

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <QAction>
 #include <QPointer>
-#include <QPushButton>
 #include <QSignalSpy>
 #include <QSlider>
-#include <QTimer>
 #include <QtTest>
 
 #include "API/Camera.h"
@@ -33,14 +31,11 @@ private slots:
     void initTestCase();
     void cleanupTestCase();
     void loneCameraHasNoBorder();
-    void cloneStandsBesideItsSource();
     void secondWindowGivesTheActiveTileItsBorder();
     void activeCameraIsShared();
     void volumeIsShared();
-    void soundSwitchIsShared();
     void closedWindowLeavesTheOtherPlaying();
     void signOutClosesEveryWindow();
-    void lastWindowEndsTheProgram();
 
 private:
     MainWindow *cloneOf(MainWindow *window);
@@ -56,7 +51,6 @@ private:
 namespace {
 
 const QColor selection(62, 183, 253);
-constexpr QPoint cascade(30, 30);
 
 VideoWidget *tileOf(MainWindow *window, int cameraNumber)
 {
@@ -84,13 +78,6 @@ bool hasSelectionBorder(VideoWidget *tile)
 QSlider *soundSlider(MainWindow *window)
 {
     return window->findChild<QSlider *>(QStringLiteral("soundSlider"));
-}
-
-QString soundWord(MainWindow *window)
-{
-    return window->findChild<QPushButton *>(QStringLiteral("soundButton"))
-        ->property("volume")
-        .toString();
 }
 
 /// The volume that the tile itself has, from the line it logs when it is clicked.
@@ -162,20 +149,10 @@ void WindowsTest::loneCameraHasNoBorder()
     QVERIFY(!hasSelectionBorder(tileOf(first, left.number)));
 }
 
-void WindowsTest::cloneStandsBesideItsSource()
-{
-    const QRect place = first->geometry();
-    second = cloneOf(first);
-    QVERIFY(second);
-    QCOMPARE(mainWindows().size(), 2);
-    QCOMPARE(second->geometry(), place.translated(cascade));
-    QCOMPARE(first->geometry(), place);
-    QCOMPARE(second->playerCount(), 0);
-    QCOMPARE(first->playerCount(), 1);
-}
-
 void WindowsTest::secondWindowGivesTheActiveTileItsBorder()
 {
+    second = cloneOf(first);
+    QVERIFY(second);
     // One player, but two cells over both windows.
     QVERIFY(hasSelectionBorder(tileOf(first, left.number)));
     second->close();
@@ -222,22 +199,6 @@ void WindowsTest::volumeIsShared()
     QCOMPARE(volumeOf(tileOf(second, right.number)), QStringLiteral("21"));
 }
 
-void WindowsTest::soundSwitchIsShared()
-{
-    QCOMPARE(soundWord(first), QStringLiteral("mid"));
-    press(second, "soundButton");
-    for (MainWindow *window : mainWindows()) {
-        QCOMPARE(soundWord(window), QStringLiteral("mute"));
-        QVERIFY(!soundSlider(window)->isEnabled());
-        QCOMPARE(soundSlider(window)->value(), 21);
-    }
-    QCOMPARE(App::settings().value(QStringLiteral("sound/on")).toBool(), false);
-    press(first, "soundButton");
-    for (MainWindow *window : mainWindows())
-        QCOMPARE(soundWord(window), QStringLiteral("mid"));
-    QCOMPARE(App::settings().value(QStringLiteral("sound/on")).toBool(), true);
-}
-
 void WindowsTest::closedWindowLeavesTheOtherPlaying()
 {
     QTRY_COMPARE(service.openStreams(), 3);
@@ -259,27 +220,6 @@ void WindowsTest::signOutClosesEveryWindow()
     QTRY_VERIFY(!first && !second);
     QVERIFY(loginDialog());
     QTRY_COMPARE(service.openStreams(), 0);
-}
-
-void WindowsTest::lastWindowEndsTheProgram()
-{
-    QVERIFY(enter(service));
-    first = mainWindow();
-    second = cloneOf(first);
-    // The program's own rule, not Qt's.
-    QApplication::setQuitOnLastWindowClosed(false);
-    bool ranOn = false;
-    QTimer::singleShot(0, this, [&] {
-        first->close();
-        QTimer::singleShot(0, this, [&] {
-            ranOn = true;
-            second->close();
-        });
-    });
-    QTimer::singleShot(replyDeadlineMs, this, [] { QCoreApplication::exit(1); });
-    QCOMPARE(QApplication::exec(), 0);
-    QVERIFY2(ranOn, "one of two windows ended the program");
-    QVERIFY(mainWindows().isEmpty());
 }
 
 int main(int argc, char **argv)

@@ -12,55 +12,67 @@ namespace Tests {
 
 namespace {
 
-// The reply handler takes the whole roster, so what was added before comes along.
-QVariantMap &wholeRoster()
+QVariantMap cameraJson(const WorldCamera &camera)
 {
-    static QVariantMap roster;
-    return roster;
+    QVariantMap json{
+        {QStringLiteral("id"), camera.id},
+        {QStringLiteral("name"), camera.name},
+        {QStringLiteral("online"), camera.online},
+        {QStringLiteral("rights"), QStringList{QStringLiteral("live"), QStringLiteral("archive")}}};
+    if (camera.paid) {
+        const QVariantMap active{{QStringLiteral("active"), true}};
+        json.insert(QStringLiteral("services"), QVariantMap{{QStringLiteral("enabled"), active}});
+    }
+    return json;
 }
 
-void deliverRoster()
+QVariantMap serverJson(const WorldServer &server)
 {
-    API::CloudAPIClient client;
-    QMetaObject::invokeMethod(&client, "onNewRosterReceived", Qt::DirectConnection,
-                              Q_ARG(QVariant, QVariant(wholeRoster())));
+    QVariantMap cameras;
+    for (const WorldCamera &camera : server.cameras)
+        cameras.insert(QString::number(camera.id), cameraJson(camera));
+    const QString buildType =
+        server.isCamera ? QStringLiteral("ip-camera") : QStringLiteral("server");
+    return {{QStringLiteral("id"), server.id},
+            {QStringLiteral("name"), server.alias},
+            {QStringLiteral("online"), server.online},
+            {QStringLiteral("info"), QVariantMap{{QStringLiteral("build_type"), buildType}}},
+            {QStringLiteral("cameras"), cameras}};
 }
 
 } // namespace
 
+void setWorld(const QList<WorldServer> &world)
+{
+    QVariantMap roster;
+    for (const WorldServer &server : world)
+        roster.insert(server.id, serverJson(server));
+    API::CloudAPIClient client;
+    QMetaObject::invokeMethod(&client, "onNewRosterReceived", Qt::DirectConnection,
+                              Q_ARG(QVariant, QVariant(roster)));
+}
+
 API::ServerPtr addServerToRoster(const QString &id, const QStringList &cameraNames, bool online)
 {
-    QVariantMap cameras;
-    for (int index = 0; index < cameraNames.size(); ++index) {
-        const QVariantMap active{{QStringLiteral("active"), true}};
-        cameras.insert(
-            QString::number(index + 1),
-            QVariantMap{
-                {QStringLiteral("id"), index + 1},
-                {QStringLiteral("name"), cameraNames.at(index)},
-                {QStringLiteral("online"), online},
-                {QStringLiteral("services"), QVariantMap{{QStringLiteral("enabled"), active}}},
-                {QStringLiteral("rights"),
-                 QStringList{QStringLiteral("live"), QStringLiteral("archive")}}});
-    }
-    wholeRoster().insert(id, QVariantMap{{QStringLiteral("id"), id},
-                                         {QStringLiteral("name"), id},
-                                         {QStringLiteral("online"), true},
-                                         {QStringLiteral("cameras"), cameras}});
-    deliverRoster();
+    // A reply is the whole roster, so what was added before comes along.
+    static QList<WorldServer> added;
+    WorldServer server{id, id, {}};
+    for (const QString &name : cameraNames)
+        server.cameras.append({static_cast<int>(server.cameras.size()) + 1, name, online});
+    added.append(server);
+    setWorld(added);
+    return worldServer(id);
+}
+
+API::ServerPtr worldServer(const QString &id)
+{
     return API::CloudAPIClient::serverList().value(id);
 }
 
 API::CameraPtr rosterCamera(const QString &server, int camera)
 {
-    const API::ServerPtr owner = API::CloudAPIClient::serverList().value(server);
+    const API::ServerPtr owner = worldServer(server);
     return owner ? owner->cameras().value(camera) : API::CameraPtr();
-}
-
-void clearRoster()
-{
-    wholeRoster().clear();
-    deliverRoster();
 }
 
 } // namespace Tests

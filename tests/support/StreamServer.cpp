@@ -6,6 +6,14 @@
 namespace ZorvaneClient {
 namespace Tests {
 
+StreamScript StreamScript::of(const FlvClip &clip, double speed)
+{
+    StreamScript script;
+    script.clip = clip;
+    script.speed = speed;
+    return script;
+}
+
 StreamServer::StreamServer(QObject *parent) : QTcpServer(parent)
 {
 }
@@ -19,6 +27,12 @@ StreamServer::~StreamServer()
 bool StreamServer::start()
 {
     return listen(QHostAddress::LocalHost);
+}
+
+bool StreamServer::start(const StreamScript &script)
+{
+    setScript(script);
+    return start();
 }
 
 QByteArray StreamServer::url(const QByteArray &path) const

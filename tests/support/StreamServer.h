@@ -15,6 +15,8 @@ namespace Tests {
 struct StreamScript {
     enum class Ending { Close, Reset, Stall };
 
+    static StreamScript of(const FlvClip &clip, double speed = 1);
+
     FlvClip clip;
     double speed = 1; ///< of the clip's own time; 0: as fast as the client reads
     int burst = 0;    ///< milliseconds of the clip that go out at once
@@ -44,6 +46,8 @@ public:
     ~StreamServer() override;
 
     bool start();
+    /// With `script` for every request.
+    bool start(const StreamScript &script);
     /// "http://127.0.0.1:port" and the path.
     QByteArray url(const QByteArray &path) const;
 

@@ -39,13 +39,8 @@ void FaultyPlayerTest::sizesThatCannotBe_data()
 {
     QTest::addColumn<QString>("size");
     QTest::newRow("one pixel too many") << "1 3145729";
-    QTest::newRow("wraps 32 bits") << "65536 65536";
-    QTest::newRow("largest") << "2147483647 2147483647";
     QTest::newRow("beyond an int") << "99999999999 99999999999";
     QTest::newRow("negative") << "-640 480";
-    QTest::newRow("both negative") << "-640 -480";
-    QTest::newRow("no width") << "0 480";
-    QTest::newRow("no height") << "640 0";
     QTest::newRow("nothing") << "0 0";
 }
 

@@ -115,35 +115,21 @@ void PlayerProtocolTest::arguments_data()
     QTest::addColumn<QString>("password");
     QTest::addColumn<QStringList>("proxyArguments");
 
-    QTest::newRow("no proxy") << false << false << "proxy"
-                              << ""
-                              << "" << QStringList();
-    QTest::newRow("no host") << false << true << ""
-                             << "ann"
-                             << "secret" << QStringList();
-    QTest::newRow("host") << false << true << "proxy"
-                          << ""
-                          << "" << QStringList{":http-proxy=http://proxy:3128/"};
-    QTest::newRow("user") << false << true << "proxy"
-                          << "ann"
-                          << "" << QStringList{":http-proxy=http://ann@proxy:3128/"};
-    QTest::newRow("user and password")
-        << false << true << "proxy"
-        << "ann"
-        << "s%1 t" << QStringList{":http-proxy=http://ann@proxy:3128/", ":http-proxy-pwd=s%1 t"};
-    QTest::newRow("password alone")
-        << false << true << "proxy"
-        << ""
-        << "secret" << QStringList{":http-proxy=http://proxy:3128/", ":http-proxy-pwd=secret"};
-    QTest::newRow("user with a marker") << false << true << "proxy"
-                                        << "a%2"
-                                        << "" << QStringList{":http-proxy=http://a%2@proxy:3128/"};
-    QTest::newRow("host with a marker") << false << true << "fe80::1%1"
-                                        << ""
-                                        << "" << QStringList{":http-proxy=http://fe80::1%1:3128/"};
-    QTest::newRow("LAN camera") << true << true << "proxy"
-                                << "ann"
-                                << "secret" << QStringList();
+    const auto row = [](const char *name, const char *host, const char *user, const char *password,
+                        const QStringList &arguments, bool isLocal = false, bool useProxy = true) {
+        QTest::newRow(name) << isLocal << useProxy << host << user << password << arguments;
+    };
+    const QString plain = QStringLiteral(":http-proxy=http://proxy:3128/");
+    const QString ann = QStringLiteral(":http-proxy=http://ann@proxy:3128/");
+    row("no proxy", "proxy", "", "", {}, false, false);
+    row("no host", "", "ann", "secret", {});
+    row("host", "proxy", "", "", {plain});
+    row("user", "proxy", "ann", "", {ann});
+    row("user and password", "proxy", "ann", "s%1 t", {ann, ":http-proxy-pwd=s%1 t"});
+    row("password alone", "proxy", "", "secret", {plain, ":http-proxy-pwd=secret"});
+    row("user with a marker", "proxy", "a%2", "", {":http-proxy=http://a%2@proxy:3128/"});
+    row("host with a marker", "fe80::1%1", "", "", {":http-proxy=http://fe80::1%1:3128/"});
+    row("LAN camera", "proxy", "ann", "secret", {}, true);
 }
 
 void PlayerProtocolTest::arguments()
@@ -341,59 +327,21 @@ void PlayerProtocolTest::lines_data()
     QTest::addColumn<QString>("resolution");
     QTest::addColumn<QString>("logged");
 
-    QTest::newRow("frame alone") << "frame\\n"
-                                 << "Playing"
-                                 << "320x240"
-                                 << "";
-    QTest::newRow("size") << "size 640 480\\n"
-                          << "Starting"
-                          << "640x480"
-                          << "";
-    QTest::newRow("size and frame") << "size 64 48\\nframe\\n"
-                                    << "Playing"
-                                    << "64x48"
-                                    << "";
-    QTest::newRow("one number") << "size 640\\nframe\\n"
-                                << "Playing"
-                                << "320x240"
-                                << "Bad VLC input \"size 640\"";
-    QTest::newRow("no state") << "state\\n"
-                              << "Starting"
-                              << "320x240"
-                              << "Bad VLC input \"state\"";
-    QTest::newRow("not a number") << "size x 480\\n"
-                                  << "Starting"
-                                  << "0x480"
-                                  << "";
-    QTest::newRow("states that change nothing")
-        << "state 1\\nstate 2\\nstate 3\\nstate 5\\nstate 6\\n"
-        << "Starting"
-        << "320x240"
-        << "";
-    QTest::newRow("paused") << "state 4\\n"
-                            << "Paused"
-                            << "320x240"
-                            << "";
-    QTest::newRow("paused, then a frame") << "state 4\\nframe\\n"
-                                          << "Paused"
-                                          << "320x240"
-                                          << "";
-    QTest::newRow("error") << "state 7\\n"
-                           << "Error"
-                           << "320x240"
-                           << "";
-    QTest::newRow("error, then a frame") << "state 7\\nframe\\n"
-                                         << "Error"
-                                         << "320x240"
-                                         << "";
-    QTest::newRow("not quite an error") << "state 07\\n"
-                                        << "Starting"
-                                        << "320x240"
-                                        << "";
-    QTest::newRow("unknown words") << "hello\\nSIZE 1 1\\n\\n"
-                                   << "Starting"
-                                   << "320x240"
-                                   << "";
+    const auto row = [](const char *name, const char *output, const char *state,
+                        const char *resolution = "320x240", const char *logged = "") {
+        QTest::newRow(name) << output << state << resolution << logged;
+    };
+    row("frame alone", "frame\\n", "Playing");
+    row("size", "size 640 480\\n", "Starting", "640x480");
+    row("size and frame", "size 64 48\\nframe\\n", "Playing", "64x48");
+    row("one number", "size 640\\nframe\\n", "Playing", "320x240", "Bad VLC input \"size 640\"");
+    row("states that change nothing", "state 1\\nstate 2\\nstate 3\\nstate 5\\nstate 6\\n",
+        "Starting");
+    row("paused", "state 4\\n", "Paused");
+    row("paused, then a frame", "state 4\\nframe\\n", "Paused");
+    row("error", "state 7\\n", "Error");
+    row("error, then a frame", "state 7\\nframe\\n", "Error");
+    row("not quite an error", "state 07\\n", "Starting");
 }
 
 void PlayerProtocolTest::lines()
@@ -419,30 +367,15 @@ void PlayerProtocolTest::tornLines_data()
     QTest::addColumn<QString>("second");
     QTest::addColumn<QString>("resolution");
     QTest::addColumn<QString>("state");
-    QTest::newRow("between lines") << "size 64 48\\n"
-                                   << "frame\\n"
-                                   << "64x48"
-                                   << "Playing";
-    QTest::newRow("before a line's end") << "size 64 48"
-                                         << "\\nframe\\n"
-                                         << "64x48"
-                                         << "Playing";
-    QTest::newRow("within a number") << "size 64 4"
-                                     << "8\\nframe\\n"
-                                     << "64x4"
-                                     << "Playing";
-    QTest::newRow("within a size") << "size 64"
-                                   << " 48\\nframe\\n"
-                                   << "320x240"
-                                   << "Playing";
-    QTest::newRow("within a word") << "size 64 48\\nfra"
-                                   << "me\\n"
-                                   << "64x48"
-                                   << "Starting";
-    QTest::newRow("within an error") << "size 64 48\\nstate"
-                                     << " 7\\n"
-                                     << "64x48"
-                                     << "Starting";
+    const auto row = [](const char *name, const char *first, const char *second,
+                        const char *resolution, const char *state) {
+        QTest::newRow(name) << first << second << resolution << state;
+    };
+    row("between lines", "size 64 48\\n", "frame\\n", "64x48", "Playing");
+    row("before a line's end", "size 64 48", "\\nframe\\n", "64x48", "Playing");
+    row("within a number", "size 64 4", "8\\nframe\\n", "64x4", "Playing");
+    row("within a word", "size 64 48\\nfra", "me\\n", "64x48", "Starting");
+    row("within an error", "size 64 48\\nstate", " 7\\n", "64x48", "Starting");
 }
 
 void PlayerProtocolTest::tornLines()

@@ -13,7 +13,6 @@
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
 #include "API/LocalServer.h"
-#include "GUI/Player/DropDecoder.h"
 #include "GUI/Player/VideoPlaceholder.h"
 #include "GUI/Player/VideoWidget.h"
 #include "tests/GUI/Player/TileFixture.h"
@@ -79,12 +78,7 @@ private slots:
     void movesStartADrag();
     void accepts_data();
     void accepts();
-    void cameraOnATile_data();
-    void cameraOnATile();
-    void ownCameraOnATile();
-    void cameraOnAPlaceholder();
-    void tileOnATile();
-    void tileOnAPlaceholder();
+    void ownCameraChangesNothing();
     void damagedPayloads_data();
     void damagedPayloads();
     void otherActions();
@@ -180,28 +174,7 @@ void TileDropTest::accepts()
     }
 }
 
-void TileDropTest::cameraOnATile_data()
-{
-    QTest::addColumn<int>("camera");
-    QTest::addColumn<bool>("opens");
-    QTest::newRow("known") << 5 << true;
-    QTest::newRow("unknown") << 6 << false;
-}
-
-void TileDropTest::cameraOnATile()
-{
-    QFETCH(int, camera);
-    QFETCH(bool, opens);
-    VideoWidget tile(localCamera());
-    const auto wishes = watch(tile);
-    QMimeData data;
-    data.setData(QStringLiteral("camera"), cameraPayload(server->id(), camera));
-    drop(tile, data, Qt::CopyAction);
-    QCOMPARE(wishes->cameras, opens ? QList<API::CameraPtr>{known} : QList<API::CameraPtr>());
-    QVERIFY(wishes->swaps.isEmpty());
-}
-
-void TileDropTest::ownCameraOnATile()
+void TileDropTest::ownCameraChangesNothing()
 {
     VideoWidget tile(known);
     const auto wishes = watch(tile);
@@ -209,36 +182,6 @@ void TileDropTest::ownCameraOnATile()
     data.setData(QStringLiteral("camera"), cameraPayload(server->id(), 5));
     drop(tile, data, Qt::CopyAction);
     QVERIFY(wishes->cameras.isEmpty());
-}
-
-void TileDropTest::cameraOnAPlaceholder()
-{
-    VideoPlaceholder placeholder;
-    const auto wishes = watch(placeholder);
-    QMimeData data;
-    data.setData(QStringLiteral("camera"), cameraPayload(server->id(), 5));
-    drop(placeholder, data, Qt::CopyAction);
-    QCOMPARE(wishes->cameras, QList<API::CameraPtr>{known});
-}
-
-void TileDropTest::tileOnATile()
-{
-    VideoWidget tile(localCamera());
-    const auto wishes = watch(tile);
-    const std::unique_ptr<QMimeData> data(tileMimeData(API::LayoutPoint{3, 2}));
-    QCOMPARE(data->data(QStringLiteral("layout-swap")), cellPayload(2, 3));
-    drop(tile, *data, Qt::MoveAction);
-    QCOMPARE(wishes->swaps, QList<QPoint>{QPoint(3, 2)});
-    QVERIFY(wishes->cameras.isEmpty());
-}
-
-void TileDropTest::tileOnAPlaceholder()
-{
-    VideoPlaceholder placeholder;
-    const auto wishes = watch(placeholder);
-    const std::unique_ptr<QMimeData> data(tileMimeData(API::LayoutPoint{0, 1}));
-    drop(placeholder, *data, Qt::MoveAction);
-    QCOMPARE(wishes->swaps, QList<QPoint>{QPoint(0, 1)});
 }
 
 void TileDropTest::damagedPayloads_data()
@@ -253,6 +196,7 @@ void TileDropTest::damagedPayloads_data()
     QTest::newRow("no number") << "camera" << cameraPayload(server->id(), 5).chopped(4) << copy;
     QTest::newRow("endless name") << "camera" << QByteArray("\x7f\xff\xff\xf0 abc") << copy;
     QTest::newRow("unknown server") << "camera" << cameraPayload("nowhere", 5) << copy;
+    QTest::newRow("unknown camera") << "camera" << cameraPayload(server->id(), 6) << copy;
     QTest::newRow("no cell") << "layout-swap" << QByteArray() << move;
     QTest::newRow("half a cell") << "layout-swap" << cellPayload(1, 2).left(4) << move;
 }

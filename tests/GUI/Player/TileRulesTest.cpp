@@ -44,12 +44,8 @@ class TileRulesTest : public QObject
 private slots:
     void outputOfOneRead_data();
     void outputOfOneRead();
-    void aspectRatio_data();
-    void aspectRatio();
     void fit_data();
     void fit();
-    void messageSize_data();
-    void messageSize();
     void border_data();
     void border();
     void frameRoom_data();
@@ -106,27 +102,6 @@ void TileRulesTest::outputOfOneRead()
     QCOMPARE(told(output), events);
 }
 
-void TileRulesTest::aspectRatio_data()
-{
-    QTest::addColumn<QSize>("stream");
-    QTest::addColumn<int>("rotation");
-    QTest::addColumn<double>("ratio");
-    QTest::newRow("upright") << QSize(640, 480) << 0 << 4.0 / 3;
-    QTest::newRow("quarter turn") << QSize(640, 480) << 90 << 0.75;
-    QTest::newRow("half turn") << QSize(640, 480) << 180 << 4.0 / 3;
-    QTest::newRow("three quarters") << QSize(640, 480) << 270 << 0.75;
-    QTest::newRow("backwards") << QSize(640, 480) << -90 << 0.75;
-    QTest::newRow("half turn backwards") << QSize(640, 480) << -180 << 4.0 / 3;
-}
-
-void TileRulesTest::aspectRatio()
-{
-    QFETCH(QSize, stream);
-    QFETCH(int, rotation);
-    QFETCH(double, ratio);
-    QCOMPARE(aspectRatioOf(stream, rotation), ratio);
-}
-
 void TileRulesTest::fit_data()
 {
     QTest::addColumn<QSize>("tile");
@@ -151,22 +126,6 @@ void TileRulesTest::fit()
     QFETCH(QSize, stream);
     QFETCH(QRect, picture);
     QCOMPARE(fitPicture(tile, aspectRatioOf(stream, 0)), picture);
-}
-
-void TileRulesTest::messageSize_data()
-{
-    QTest::addColumn<QSize>("tile");
-    QTest::addColumn<int>("pixels");
-    QTest::newRow("too narrow") << QSize(160, 200) << 12;
-    QTest::newRow("just") << QSize(161, 121) << 14;
-    QTest::newRow("too low") << QSize(200, 100) << 12;
-}
-
-void TileRulesTest::messageSize()
-{
-    QFETCH(QSize, tile);
-    QFETCH(int, pixels);
-    QCOMPARE(messagePixelSize(tile), pixels);
 }
 
 void TileRulesTest::border_data()

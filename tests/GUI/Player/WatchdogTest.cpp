@@ -36,8 +36,6 @@ private slots:
     void errorIsReloadedAfterTenSeconds();
     void reloadsEndAfterThree();
     void deathInPlayIsReloaded();
-    void whatIsNotReloaded_data();
-    void whatIsNotReloaded();
     void errorInTheArchive();
     void unpausedIdleTileStarts();
 };
@@ -118,37 +116,6 @@ void WatchdogTest::deathInPlayIsReloaded()
     tick(tile);
     QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
     QTRY_COMPARE(child.starts().size(), 2);
-}
-
-void WatchdogTest::whatIsNotReloaded_data()
-{
-    QTest::addColumn<QStringList>("script");
-    QTest::addColumn<bool>("archive");
-    QTest::addColumn<QString>("state");
-    QTest::newRow("dies starting") << QStringList{"exit 0"} << false << "Starting";
-    QTest::newRow("dies paused") << QStringList{"print state 4\\n", "exit 0"} << false << "Paused";
-    QTest::newRow("dies in the archive")
-        << QStringList{"print frame\\n", "exit 0"} << true << "Playing";
-    QTest::newRow("ends by itself, in the archive")
-        << QStringList{"print frame\\nstate 6\\n", "exit 0"} << true << "Playing";
-}
-
-void WatchdogTest::whatIsNotReloaded()
-{
-    QFETCH(QStringList, script);
-    QFETCH(bool, archive);
-    QFETCH(QString, state);
-    FakeClock clock(noon);
-    ScriptedChild child(script);
-    VideoWidget tile(localCamera());
-    QVERIFY(archive ? tile.playArchive(noon, noon.addSecs(60), 1) : tile.playLive());
-    const QProcess &process = *tile.findChild<QProcess *>();
-    QTRY_COMPARE(process.state(), QProcess::NotRunning);
-    QTRY_COMPARE(stateOf(tile), state);
-    clock.advance(1000);
-    tick(tile);
-    QCOMPARE(stateOf(tile), state);
-    QCOMPARE(child.starts().size(), 1);
 }
 
 void WatchdogTest::errorInTheArchive()

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
+namespace ZorvaneClient {
+namespace App {
+
+/// While it lives, files that are made are for their owner only, also in the moment before
+/// permissions could be set. For the whole process.
+class OwnerOnlyFiles
+{
+    Q_DISABLE_COPY(OwnerOnlyFiles)
+
+public:
+#ifdef Q_OS_UNIX
+    OwnerOnlyFiles() : previous(::umask(S_IRWXG | S_IRWXO))
+    {
+    }
+    ~OwnerOnlyFiles()
+    {
+        ::umask(previous);
+    }
+
+private:
+    mode_t previous;
+#else
+    OwnerOnlyFiles() = default;
+#endif
+};
+
+/// Takes everybody else's access to a file that exists. A device in its place is left alone.
+void restrictToOwner(const QString &fileName);
+
+} // namespace App
+} // namespace ZorvaneClient

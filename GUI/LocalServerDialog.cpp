@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+#include "GUI/LocalServerDialog.h"
+
+#include <QPointer>
+
+#include "API/CloudAPIClient.h"
+#include "API/LocalServer.h"
+#include "ui_LocalServerDialog.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+
+namespace {
+
+const QString localHostAddress = QStringLiteral("127.0.0.1");
+
+} // namespace
+
+API::LocalServerPtr LocalServerDialog::addServer(QWidget *parent)
+{
+    // Its parent can go while the dialog is open, and takes it along.
+    const QPointer<LocalServerDialog> dialog = new LocalServerDialog(parent);
+    dialog->setWindowTitle(tr("Add a local videoserver"));
+    const int result = dialog->exec();
+    if (!dialog)
+        return API::LocalServerPtr();
+    dialog->deleteLater();
+    if (result != QDialog::Accepted)
+        return API::LocalServerPtr();
+    return API::LocalServerPtr::create(dialog->name(), dialog->host(), dialog->port(),
+                                       dialog->password());
+}
+
+void LocalServerDialog::editServer(API::LocalServerPtr server, QWidget *parent)
+{
+    if (!server)
+        return;
+    const QPointer<LocalServerDialog> dialog = new LocalServerDialog(parent);
+    dialog->setWindowTitle(tr("Edit a local videoserver"));
+    dialog->fill(*server);
+    const int result = dialog->exec();
+    if (!dialog)
+        return;
+    dialog->deleteLater();
+    if (result != QDialog::Accepted)
+        return;
+    API::CloudAPIClient().editLocalServer(server, dialog->name(), dialog->host(), dialog->port(),
+                                          dialog->password());
+}
+
+LocalServerDialog::LocalServerDialog(QWidget *parent)
+    : QDialog(parent), ui(new Ui::LocalServerDialog)
+{
+    ui->setupUi(this);
+}
+
+LocalServerDialog::~LocalServerDialog() = default;
+
+void LocalServerDialog::fill(const API::LocalServer &server)
+{
+    ui->name->setText(server.alias());
+    ui->ipAddress->setText(server.host());
+    if (server.host() == localHostAddress)
+        ui->localhost->setChecked(true);
+    else
+        ui->foreignHost->setChecked(true);
+    ui->port->setText(QString::number(server.port()));
+    ui->password->setText(server.password());
+}
+
+QString LocalServerDialog::name() const
+{
+    return ui->name->text();
+}
+
+QString LocalServerDialog::host() const
+{
+    return ui->foreignHost->isChecked() ? ui->ipAddress->text() : localHostAddress;
+}
+
+int LocalServerDialog::port() const
+{
+    return ui->port->text().toInt();
+}
+
+QString LocalServerDialog::password() const
+{
+    return ui->password->text();
+}
+
+void LocalServerDialog::on_buttonBox_accepted()
+{
+    accept();
+}
+
+void LocalServerDialog::on_buttonBox_rejected()
+{
+    reject();
+}
+
+void LocalServerDialog::on_foreignHost_toggled(bool checked)
+{
+    ui->ipAddress->setEnabled(checked);
+}
+
+void LocalServerDialog::on_showPassword_toggled(bool checked)
+{
+    ui->password->setEchoMode(checked ? QLineEdit::Normal : QLineEdit::Password);
+}
+
+} // namespace GUI
+} // namespace ZorvaneClient

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+#include "GUI/Player/ArchiveFragment.h"
+
+#include "API/Camera.h"
+#include "App/QtShims.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+namespace Player {
+namespace Internal {
+
+namespace {
+
+constexpr qint64 msecsPerSecond = 1000;
+constexpr QLatin1String dateFormat("dd.MM.yy");
+constexpr QLatin1String timeFormat("hh.mm.ss");
+
+qint64 wholeSecondsInMsecs(const QDateTime &time)
+{
+    return toEpochSeconds(time) * msecsPerSecond;
+}
+
+} // namespace
+
+qint64 recordedMsecs(const QList<API::ArchiveRecord> &records, const QDateTime &start,
+                     const QDateTime &end)
+{
+    qint64 sum = 0;
+    for (const API::ArchiveRecord &record : records) {
+        if (record.start >= end)
+            break;
+        if (start < record.end)
+            sum += qMax(record.start, start).msecsTo(qMin(record.end, end));
+    }
+    return sum;
+}
+
+QString exportContainer(const QString &vcodec)
+{
+    return vcodec == QLatin1String("h264") ? QStringLiteral("mp4") : QStringLiteral("avi");
+}
+
+QString exportFileName(const API::Camera &camera, const QDateTime &start, const QDateTime &end)
+{
+    return camera.host() + QLatin1String(" - ") + camera.name() + QLatin1Char(' ') +
+           start.toString(dateFormat) + QLatin1Char(' ') + start.toString(timeFormat) +
+           QLatin1Char('-') + end.toString(timeFormat) + QLatin1Char('.') +
+           exportContainer(camera.vcodec());
+}
+
+QStringList exportArguments(const API::Camera &camera, const QDateTime &start, const QDateTime &end,
+                            qint64 msecs, const QString &path)
+{
+    return {QStringLiteral("export"),
+            camera.exportUrl(wholeSecondsInMsecs(start), wholeSecondsInMsecs(end)),
+            exportContainer(camera.vcodec()), QString::number(msecs), path};
+}
+
+} // namespace Internal
+} // namespace Player
+} // namespace GUI
+} // namespace ZorvaneClient

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+#include "GUI/SettingsWidget.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QMessageBox>
+#include <QPointer>
+
+#include <algorithm>
+
+#include "API/CloudAPIClient.h"
+#include "API/LocalServer.h"
+#include "App/Application.h"
+#include "App/Settings.h"
+#include "GUI/LocalServerDialog.h"
+#include "ui_SettingsWidget.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+
+namespace {
+
+constexpr int englishIndex = 0;
+constexpr int russianIndex = 1;
+constexpr int spinnerLinePixels = 2;
+
+App::Application *application()
+{
+    return qobject_cast<App::Application *>(qApp);
+}
+
+/// What counts of a version: all before the first hyphen.
+QString plainVersion(const QString &version)
+{
+    return version.section(QLatin1Char('-'), 0, 0);
+}
+
+/// Piece by piece as far as both go; a piece that is no number counts as 0.
+bool isNewer(const QString &version, const QString &current)
+{
+    const QStringList pieces = version.split(QLatin1Char('.'));
+    const QStringList currentPieces = current.split(QLatin1Char('.'));
+    const int count = static_cast<int>(std::min(pieces.size(), currentPieces.size()));
+    for (int i = 0; i < count; ++i) {
+        const int piece = pieces.at(i).toInt();
+        const int currentPiece = currentPieces.at(i).toInt();
+        if (piece != currentPiece)
+            return piece > currentPiece;
+    }
+    return false;
+}
+
+struct Question {
+    QString text;
+    QString details;
+    QMessageBox::StandardButton defaultButton;
+};
+
+/// False as well when `parent` goes while the question is open.
+bool isConfirmed(const Question &question, QWidget *parent)
+{
+    const QPointer<QMessageBox> box = new QMessageBox(parent);
+    box->setText(question.text);
+    box->setInformativeText(question.details);
+    box->setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+    box->setDefaultButton(question.defaultButton);
+    box->setStyleSheet(QStringLiteral("font-size: 14px;"));
+    box->setWindowModality(Qt::ApplicationModal);
+    const int answer = box->exec();
+    if (!box)
+        return false;
+    box->deleteLater();
+    return answer == QMessageBox::Ok;
+}
+
+} // namespace
+
+SettingsWidget::SettingsWidget(QWidget *parent) : QWidget(parent), ui(new Ui::SettingsWidget)
+{
+    ui->setupUi(this);
+    ui->emailLabel->setText(App::settings().value(QStringLiteral("auth/email")).toString());
+    ui->versionLabel->setText(QCoreApplication::applicationVersion());
+    const bool isRussian = application() && application()->language() == QLatin1String("ru");
+    ui->languageBox->setCurrentIndex(isRussian ? russianIndex : englishIndex);
+    ui->restartNotice->hide();
+    ui->restartButton->hide();
+    connectApplication();
+    ui->spinnerWidget->setLineWidth(spinnerLinePixels);
+    ui->spinnerWidget->setColor(Qt::gray);
+    checkForUpdates();
+}
+
+SettingsWidget::~SettingsWidget() = default;
+
+void SettingsWidget::connectApplication()
+{
+    if (!application())
+        return;
+    connect(ui->restartButton, &QPushButton::clicked, application(), &App::Application::restart);
+    connect(ui->downloadButton, &QPushButton::clicked, application(),
+            &App::Application::openDownloadsPage);
+}
+
+void SettingsWidget::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    checkForUpdates();
+}
+
+void SettingsWidget::checkForUpdates()
+{
+    ui->updatesStack->setCurrentWidget(ui->updatesCheckPage);
+    ui->spinnerWidget->start();
+    // A handle whose check fails stays as long as the page.
+    auto *client = new API::CloudAPIClient(this);
+    connect(client, &API::CloudAPIClient::updatesError, this,
+            [this] { endCheck(ui->updatesErrorPage); });
+    connect(client, &API::CloudAPIClient::updatesFound, this, &SettingsWidget::onUpdatesFound);
+    connect(client, &API::CloudAPIClient::updatesFound, client, &QObject::deleteLater);
+    client->checkForUpdates();
+}
+
+void SettingsWidget::endCheck(QWidget *resultPage)
+{
+    ui->spinnerWidget->stop();
+    ui->updatesStack->setCurrentWidget(resultPage);
+}
+
+void SettingsWidget::onUpdatesFound(const QString &version)
+{
+    const QString current = plainVersion(QCoreApplication::applicationVersion());
+    qDebug() << "Updates: version from API:" << version << "current version:" << current;
+    if (!isNewer(plainVersion(version), current)) {
+        endCheck(ui->updatesNotFoundPage);
+        return;
+    }
+    endCheck(ui->updatesFoundPage);
+    offerUpdate(version);
+}
+
+void SettingsWidget::offerUpdate(const QString &version)
+{
+    const QString name = QCoreApplication::applicationName();
+    Question question;
+    question.text = tr("A new version of %1 is available!").arg(name);
+    question.details =
+        tr("%1 %2 version is available. Would you like to download it now?").arg(name, version);
+    question.defaultButton = QMessageBox::Ok;
+    if (isConfirmed(question, this) && application())
+        application()->openDownloadsPage();
+}
+
+void SettingsWidget::on_languageBox_currentIndexChanged(int index)
+{
+    if (application() && index == englishIndex)
+        application()->translate(QStringLiteral("en"));
+    else if (application() && index == russianIndex)
+        application()->translate(QStringLiteral("ru"));
+    ui->restartNotice->show();
+    ui->restartButton->show();
+}
+
+void SettingsWidget::on_addServerButton_clicked()
+{
+    const API::LocalServerPtr server = LocalServerDialog::addServer(this);
+    if (!server)
+        return;
+    API::CloudAPIClient().addLocalServer(server);
+    emit serverAdded();
+}
+
+void SettingsWidget::on_signoutButton_clicked()
+{
+    Question question;
+    question.text = tr("Are you sure you want to log out?");
+    question.defaultButton = QMessageBox::Cancel;
+    if (isConfirmed(question, this))
+        emit signout();
+}
+
+void SettingsWidget::editServer(API::ServerPtr server)
+{
+    const auto localServer = server.dynamicCast<API::LocalServer>();
+    if (!localServer) {
+        qWarning() << "Settings called on non-local server";
+        return;
+    }
+    const QPointer<SettingsWidget> self(this);
+    LocalServerDialog::editServer(localServer, this);
+    API::CloudAPIClient().saveLocalRoster();
+    localServer->update();
+    if (self)
+        emit serverAdded();
+}
+
+} // namespace GUI
+} // namespace ZorvaneClient

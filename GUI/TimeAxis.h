@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDateTime>
+
+namespace ZorvaneClient {
+namespace GUI {
+namespace Internal {
+
+/// Where moments lie on a strip of `width` pixels, from the left to the right margin. Moments
+/// are milliseconds since the epoch: with local times each step would ask the time zone.
+class TimeAxis
+{
+public:
+    TimeAxis(const QDateTime &start, const QDateTime &end, int width);
+
+    /// The pixels of the two ends.
+    int firstPixel() const;
+    int lastPixel() const;
+
+    int pixelAt(qint64 moment) const;
+    /// The first moment that lies on `pixel` or to the right of it; the end of time if there
+    /// is none.
+    qint64 firstMomentAt(int pixel) const;
+
+private:
+    int pixelAfter(qint64 seconds) const;
+
+    qint64 startMoment;
+    qint64 totalSeconds;
+    int scaleWidth; ///< 0 or less on a strip that is all margin
+};
+
+} // namespace Internal
+} // namespace GUI
+} // namespace ZorvaneClient

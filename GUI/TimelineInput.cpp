@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: MIT
+// What the mouse does on the strip.
+#include "GUI/Timeline.h"
+
+#include <QDebug>
+#include <QMouseEvent>
+#include <QWheelEvent>
+
+#include <chrono>
+#include <cstdlib>
+
+#include "App/Environment.h"
+#include "App/QtShims.h"
+#include "GUI/TimelinePrivate.h"
+#include "GUI/TimelineTooltip.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr int panPixels = 4;
+constexpr std::chrono::milliseconds longestClick = 332ms;
+constexpr int handleCursorPixels = 11;
+constexpr int tooltipTop = -8;
+
+// A notch of the wheel is 15 degrees of 8 parts each.
+constexpr int wheelPartsPerDegree = 8;
+constexpr int wheelDegreesPerStep = 15;
+
+/// Halves away from zero.
+int pixel(double position)
+{
+    return static_cast<int>(position < 0 ? position - 0.5 : position + 0.5);
+}
+
+/// A sideways swipe, or a touchpad that tells of fingers put on or taken off.
+bool isWithoutTurn(const QWheelEvent &event)
+{
+    return event.angleDelta().y() == 0 &&
+           (event.angleDelta().x() != 0 || event.phase() != Qt::NoScrollPhase);
+}
+
+} // namespace
+
+void Internal::TimelinePrivate::updateCursor(int x, bool leftHeld)
+{
+    overSelection = false;
+    if (selectionMode) {
+        const int startX = pixelAt(selectionStart);
+        const int endX = pixelAt(selectionEnd);
+        const bool overHandle =
+            std::abs(x - startX) <= handleCursorPixels || std::abs(x - endX) <= handleCursorPixels;
+        overSelection = overHandle || (startX < x && x < endX);
+        if (overSelection) {
+            const Qt::CursorShape hand = leftHeld ? Qt::ClosedHandCursor : Qt::OpenHandCursor;
+            widget->setCursor(overHandle ? Qt::SplitHCursor : hand);
+            return;
+        }
+    }
+    const QDateTime time = timeAt(x);
+    if (time < startValue || endValue < time) {
+        widget->setCursor(Qt::ArrowCursor);
+    } else {
+        widget->setCursor(leftHeld ? Qt::ClosedHandCursor : Qt::PointingHandCursor);
+    }
+}
+
+void Timeline::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    const int x = pixel(localPosition(*event).x());
+    if (d->selectionMode && d->overSelection) {
+        d->startSelectionDrag(x);
+        return;
+    }
+    d->pressX = x;
+    d->lastX = x;
+    d->pressed = true;
+    d->pressTime = App::Environment::now();
+}
+
+void Timeline::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton)
+        return;
+    const bool wasPressed = d->pressed;
+    d->pressed = false;
+    if (d->isDraggingSelection()) {
+        d->stopSelectionDrag();
+        return;
+    }
+    const bool isPan = std::abs(d->lastX - d->pressX) >= panPixels;
+    const qint64 heldMs = d->pressTime.msecsTo(App::Environment::now());
+    if (!wasPressed || isPan || heldMs > longestClick.count())
+        return;
+    const int x = pixel(localPosition(*event).x());
+    if (x < Internal::timelineMargin || x > width() - Internal::timelineMargin)
+        return;
+    d->currentValue = d->timeAt(x);
+    update();
+    qDebug() << "current time:" << d->currentValue;
+    emit playTime(d->currentValue);
+}
+
+void Timeline::mouseMoveEvent(QMouseEvent *event)
+{
+    const int x = pixel(localPosition(*event).x());
+    d->hoverVisible = false;
+    d->updateCursor(x, event->buttons().testFlag(Qt::LeftButton));
+    if (d->selectionMode && d->isDraggingSelection()) {
+        d->dragSelection(x);
+    } else if (d->pressed && d->pan(x)) {
+        d->dirty = true;
+    }
+    if (x >= Internal::timelineMargin && x <= width() - Internal::timelineMargin)
+        showHover(x);
+    update();
+    event->accept();
+}
+
+void Timeline::showHover(int x)
+{
+    d->hoverVisible = true;
+    d->hoverTime = d->timeAt(x);
+    d->tooltip->setTime(d->hoverTime.time());
+    d->tooltip->move(mapToGlobal(QPoint(x - d->tooltip->width() / 2 - 1, tooltipTop)));
+    d->tooltip->show();
+}
+
+void Timeline::wheelEvent(QWheelEvent *event)
+{
+    event->accept();
+    if (isWithoutTurn(*event))
+        return;
+    const int delta = event->angleDelta().y();
+    const int x = pixel(event->position().x());
+    if (event->modifiers() == Qt::ControlModifier) {
+        d->scrollBy(delta);
+        d->dirty = true;
+        d->updateCursor(x, false);
+    } else {
+        zoomByWheel(delta / wheelPartsPerDegree / wheelDegreesPerStep, x);
+    }
+    update();
+}
+
+void Timeline::zoomByWheel(int steps, int x)
+{
+    QDateTime center = d->timeAt(x);
+    if (center.date() < d->date) {
+        center = d->dayStart();
+    } else if (center.date() > d->date) {
+        center = Internal::localTime(d->date, QTime(23, 59));
+    }
+    if (x <= Internal::timelineMargin)
+        center = Internal::localTime(center.date(), QTime(0, 0));
+    if (x >= width() - 2 * Internal::timelineMargin)
+        center = Internal::localTime(center.date(), QTime(23, 59, 59));
+    if (!d->zoomStep(steps, center))
+        return;
+    d->dirty = true;
+    d->updateCursor(x, false);
+    emit zoomed(d->zoomLevel);
+}
+
+void Timeline::leaveEvent(QEvent *)
+{
+    d->hoverVisible = false;
+    d->tooltip->hide();
+    update();
+}
+
+void Timeline::contextMenuEvent(QContextMenuEvent *)
+{
+}
+
+} // namespace GUI
+} // namespace ZorvaneClient

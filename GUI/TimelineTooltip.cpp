@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: MIT
+#include "GUI/TimelineTooltip.h"
+
+#include <QFont>
+#include <QFontMetrics>
+#include <QPainter>
+
+namespace ZorvaneClient {
+namespace GUI {
+
+namespace {
+
+constexpr int fontPixelSize = 12;
+constexpr int extraWidth = 10;
+constexpr int extraHeight = 4;
+constexpr int pointerHeight = 4;
+constexpr int pointerHalfWidth = 3;
+constexpr qreal cornerRadius = 8;
+const QColor accentColour(62, 183, 253);
+
+const QFont &labelFont()
+{
+    static const QFont font = [] {
+        QFont label(QStringLiteral("PT Sans"));
+        label.setPixelSize(fontPixelSize);
+        return label;
+    }();
+    return font;
+}
+
+QString textOf(QTime time)
+{
+    return time.toString(QStringLiteral("hh:mm:ss"));
+}
+
+} // namespace
+
+TimelineTooltip::TimelineTooltip()
+    : QWidget(nullptr, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
+{
+    setAttribute(Qt::WA_TranslucentBackground);
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAutoFillBackground(false);
+    setFocusPolicy(Qt::NoFocus);
+    const QFontMetrics metrics(labelFont());
+    setFixedSize(metrics.horizontalAdvance(textOf(QTime(12, 0))) + extraWidth,
+                 metrics.height() + extraHeight);
+}
+
+void TimelineTooltip::setTime(QTime newTime)
+{
+    time = newTime;
+    update();
+}
+
+void TimelineTooltip::paintEvent(QPaintEvent *)
+{
+    const int w = width();
+    const int h = height();
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(accentColour);
+    painter.setBrush(accentColour);
+    const QPoint pointer[] = {{w / 2, h},
+                              {w / 2 - pointerHalfWidth, h - pointerHeight},
+                              {w / 2 + pointerHalfWidth, h - pointerHeight}};
+    painter.drawPolygon(pointer, static_cast<int>(std::size(pointer)));
+    painter.drawRoundedRect(QRectF(1, 1, w - 2, h - 5), cornerRadius, cornerRadius);
+
+    painter.setFont(labelFont());
+    painter.setPen(Qt::white);
+    painter.drawText(QRect(QPoint(1, 0), QPoint(w - 2, h - 6)), Qt::AlignHCenter | Qt::AlignVCenter,
+                     textOf(time));
+}
+
+} // namespace GUI
+} // namespace ZorvaneClient

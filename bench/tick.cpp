@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+// What the archive's tick costs with 36 tiles that have nothing to start, and what the program
+// costs while it idles after 100 jumps, each of which leaves one more tick a second behind.
+// Exit status 1 when the limit is passed. The players are the tests' scripted ones.
+#include <QSignalSpy>
+#include <QTest>
+
+#include <cstdio>
+#include <ctime>
+
+#include "API/Camera.h"
+#include "API/Layout.h"
+#include "App/Application.h"
+#include "App/Environment.h"
+#include "GUI/LayoutWidget.h"
+#include "GUI/MainWindow.h"
+#include "GUI/Timeline.h"
+#include "bench/QuietRun.h"
+#include "tests/GUI/ArchiveWorld.h"
+#include "tests/support/ScriptedChild.h"
+
+using namespace ZorvaneClient;
+
+namespace {
+
+constexpr int side = 6;
+constexpr int jumps = 100;
+constexpr int ticks = 2000;
+constexpr int idleMs = 10'000;
+constexpr int replyLimitMs = 60'000;
+constexpr double tickLimitMs = 1;
+
+const QDate day(2026, 3, 10);
+
+double cpuMs()
+{
+    timespec time = {};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return time.tv_sec * 1e3 + time.tv_nsec / 1e6;
+}
+
+QDateTime jumpTo(int number)
+{
+    return QDateTime(day, QTime(1, 0)).addSecs(number * 60);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const Bench::QuietRun surroundings;
+    App::Application application(argc, argv);
+    App::Environment::setClock([] { return QDateTime(day, QTime(20, 0)); });
+    Tests::ScriptedChild players({QStringLiteral("wait never")});
+    Tests::ArchiveWorld world;
+    if (!world.start()) {
+        std::fprintf(stderr, "no service on loopback\n");
+        return 1;
+    }
+
+    GUI::MainWindow window;
+    const auto layout = API::LayoutPtr::create();
+    layout->resize(side, side);
+    const QList<API::ArchiveRecord> wholeDay{Tests::record(day, QTime(0, 0), QTime(23, 0))};
+    for (int cell = 0; cell < side * side; ++cell) {
+        const API::CameraPtr camera = world.loadedCamera(cell + 1, day, wholeDay);
+        if (!camera)
+            return 1;
+        layout->setCamera(camera, cell / side, cell % side, 1, 1);
+    }
+    QSignalSpy updated(window.findChild<GUI::Timeline *>(), &GUI::Timeline::recordsUpdated);
+    window.openLayout(layout);
+    if (!QTest::qWaitFor([&] { return updated.size() >= side * side; }, replyLimitMs))
+        return 1;
+
+    const double beforeJumps = cpuMs();
+    for (int number = 0; number < jumps; ++number) {
+        window.onPlayArchive(jumpTo(number));
+        QCoreApplication::processEvents();
+    }
+    const double jumpMs = (cpuMs() - beforeJumps) / jumps;
+
+    const double beforeTicks = cpuMs();
+    for (int tick = 0; tick < ticks; ++tick)
+        window.playArchive();
+    const double tickMs = (cpuMs() - beforeTicks) / ticks;
+
+    const double beforeIdle = cpuMs();
+    QTest::qWait(idleMs);
+    const double idleShare = (cpuMs() - beforeIdle) / idleMs;
+
+    const bool good = tickMs <= tickLimitMs;
+    std::printf("%d tiles, %d jumps in a row; CPU of the client\n", side * side, jumps);
+    std::printf("a jump, with its %d starts of a player  %8.2f ms\n", side * side, jumpMs);
+    std::printf("an idle tick                            %8.4f ms  max %.0f ms: %s\n", tickMs,
+                tickLimitMs, good ? "ok" : "OVER");
+    std::printf("the window, with %d ticks a second     %8.2f %%\n", jumps, 100 * idleShare);
+    return good ? 0 : 1;
+}

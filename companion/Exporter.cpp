@@ -1,0 +1,263 @@
+// SPDX-License-Identifier: MIT
+#include "companion/Exporter.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+#include "companion/ExportOutput.h"
+#include "companion/FormatProbe.h"
+#include "companion/StreamInput.h"
+#include "companion/TargetFile.h"
+
+namespace ZorvaneClient {
+namespace Companion {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+/// So much of the stream is looked at before the file begins: what its head says can't be
+/// changed any more.
+constexpr auto lookAhead = milliseconds(2000);
+constexpr size_t maxWaitingBytes = size_t(16) * 1024 * 1024;
+
+/// A stream may be so much shorter than what is told to be recorded; else it has broken off.
+constexpr auto smallShortfall = milliseconds(1000);
+constexpr int shortfallDivisor = 20;
+
+/// A server that sends so much more than the whole fragment doesn't know its end.
+constexpr auto longestOverrun = milliseconds(10'000);
+
+/// Slots for pictures are never farther apart, so that a camera may become faster.
+constexpr int64_t longestSlotMilliseconds = 40;
+constexpr int64_t shortestSlotMilliseconds = 10;
+
+constexpr int wholePercent = 100;
+constexpr int percentWhileCopying = 99;
+
+std::string nameOf(AVCodecID codec)
+{
+    return avcodec_get_name(codec);
+}
+
+void noteMissingSound(AVCodecID codec)
+{
+    std::fprintf(stderr, "vlc-stream: the file gets no sound: it can't hold this %s\n",
+                 nameOf(codec).c_str());
+}
+
+CodecParametersHandle copyOf(const AVCodecParameters &parameters)
+{
+    CodecParametersHandle copy(avcodec_parameters_alloc());
+    if (copy && avcodec_parameters_copy(copy.get(), &parameters) < 0)
+        copy.reset();
+    return copy;
+}
+
+} // namespace
+
+Exporter::Exporter(const ExportArguments &exportArguments, TargetFile &targetFile,
+                   ExportOutput &exportOutput)
+    : arguments(exportArguments)
+    , file(targetFile)
+    , output(exportOutput)
+    , timeline(arguments.recorded, arguments.silence)
+    , writer(file, arguments.container)
+{
+}
+
+bool Exporter::run()
+{
+    return open() && copyToEnd() && finish();
+}
+
+bool Exporter::open()
+{
+    lastBytes = lastPicture = Clock::now();
+    input = openStream(arguments.url, std::string(), 0, {&Exporter::interruptWhenStalled, this});
+    return input || fail("the server gives no stream");
+}
+
+bool Exporter::copyToEnd()
+{
+    while (!isBeyondFragment()) {
+        PacketHandle packet(av_packet_alloc());
+        if (!packet)
+            return fail("no memory");
+        if (av_read_frame(input.get(), packet.get()) < 0)
+            return isEndOfStream(*input->pb) || fail("the stream broke");
+        if (!takePacket(std::move(packet)))
+            return false;
+    }
+    return true;
+}
+
+bool Exporter::isBeyondFragment() const
+{
+    return arguments.silence &&
+           timeline.end() > arguments.recorded + *arguments.silence + longestOverrun;
+}
+
+bool Exporter::takePacket(PacketHandle packet)
+{
+    if (packet->flags & AV_PKT_FLAG_CORRUPT) {
+        torn = true;
+        return true;
+    }
+    const AVStream &stream = firstStreamLike(*input, *input->streams[packet->stream_index]);
+    av_packet_rescale_ts(packet.get(), stream.time_base, millisecondBase);
+    if (packet->size <= 0 || !completeTimes(*packet) || !chooseStream(stream, *packet))
+        return errorText.empty();
+
+    const auto kind = &stream == video ? ExportTimeline::Video : ExportTimeline::Sound;
+    if (kind == ExportTimeline::Video)
+        lastPicture = Clock::now();
+    const int64_t delay = packet->pts - packet->dts;
+    packet->dts = timeline.place(kind, packet->dts);
+    packet->pts = packet->dts + delay;
+    packet->duration = timeline.step().count();
+    return takeSample({kind, std::move(packet)});
+}
+
+/// The file begins with a key frame. False if the packet isn't for the file.
+bool Exporter::chooseStream(const AVStream &stream, const AVPacket &packet)
+{
+    switch (stream.codecpar->codec_type) {
+    case AVMEDIA_TYPE_VIDEO:
+        if (!video && packet.flags & AV_PKT_FLAG_KEY)
+            video = &stream;
+        if (video && video != &stream)
+            return fail("the video changes to " + nameOf(stream.codecpar->codec_id));
+        return video;
+    case AVMEDIA_TYPE_AUDIO:
+        if (video && !sound)
+            sound = &stream;
+        return sound == &stream;
+    default:
+        return false;
+    }
+}
+
+bool Exporter::takeSample(Sample sample)
+{
+    if (begun)
+        return writeSample(std::move(sample));
+    waitingBytes += static_cast<size_t>(sample.packet->size);
+    waiting.push_back(std::move(sample));
+    if (timeline.end() < lookAhead && waitingBytes < maxWaitingBytes)
+        return true;
+    return beginFile();
+}
+
+bool Exporter::beginFile()
+{
+    if (!video)
+        return fail("the stream has no video");
+    const AVCodecID codec = video->codecpar->codec_id;
+    const CodecParametersHandle videoFormat = copyOf(*video->codecpar);
+    if (!videoFormat || !writer.takes(codec))
+        return fail(arguments.container + " takes no " + nameOf(codec));
+    if (!completeFormat(*videoFormat, waitingPackets(ExportTimeline::Video)))
+        return fail("no picture can be decoded");
+
+    CodecParametersHandle soundFormat = sound ? copyOf(*sound->codecpar) : nullptr;
+    if (soundFormat && !hasUsableSound(*soundFormat))
+        soundFormat.reset();
+    begun = writer.begin(*videoFormat, soundFormat.get(), pictureSlot());
+    if (!begun && soundFormat)
+        begun = writer.begin(*videoFormat, nullptr, pictureSlot());
+    if (!begun)
+        return fail("the file can't be begun");
+    if (sound && !writer.hasSound())
+        noteMissingSound(sound->codecpar->codec_id);
+
+    for (Sample &sample : waiting) {
+        if (!writeSample(std::move(sample)))
+            return false;
+    }
+    waiting.clear();
+    return true;
+}
+
+bool Exporter::hasUsableSound(AVCodecParameters &format) const
+{
+    return writer.takes(format.codec_id) &&
+           completeFormat(format, waitingPackets(ExportTimeline::Sound));
+}
+
+std::vector<const AVPacket *> Exporter::waitingPackets(ExportTimeline::Kind kind) const
+{
+    std::vector<const AVPacket *> packets;
+    for (const Sample &sample : waiting) {
+        if (sample.kind == kind)
+            packets.push_back(sample.packet.get());
+    }
+    return packets;
+}
+
+/// The time of one picture, or a part of it, in seconds.
+AVRational Exporter::pictureSlot() const
+{
+    const std::vector<const AVPacket *> pictures = waitingPackets(ExportTimeline::Video);
+    const auto steps = static_cast<int64_t>(pictures.size()) - 1;
+    const int64_t span = pictures.back()->dts - pictures.front()->dts;
+    if (steps < 1 || span < steps * shortestSlotMilliseconds)
+        return {shortestSlotMilliseconds, 1000};
+    const int64_t longest = steps * longestSlotMilliseconds;
+    const int64_t slots = (span + longest - 1) / longest * steps;
+    AVRational slot = {};
+    av_reduce(&slot.num, &slot.den, span, slots * 1000, INT16_MAX);
+    return slot;
+}
+
+bool Exporter::writeSample(Sample sample)
+{
+    if (sample.kind == ExportTimeline::Sound)
+        return writer.writeSound(std::move(sample.packet)) || fail("the sound can't be written");
+    if (!writer.writeVideo(std::move(sample.packet)))
+        return fail("the video can't be written");
+    const int64_t percent = timeline.end() * wholePercent / arguments.recorded;
+    output.percent(static_cast<int>(std::min<int64_t>(percent, percentWhileCopying)));
+    return true;
+}
+
+bool Exporter::finish()
+{
+    if (!begun && !beginFile())
+        return false;
+    const milliseconds shortfall = arguments.recorded - timeline.end();
+    const milliseconds usual = arguments.recorded / shortfallDivisor;
+    if (shortfall > (torn ? smallShortfall : std::max(smallShortfall, usual)))
+        return fail("the stream ended too early");
+    if (!writer.end() || !file.finish())
+        return fail("the file can't be completed");
+    output.percent(wholePercent);
+    return true;
+}
+
+bool Exporter::fail(const std::string &what)
+{
+    errorText = file.error().empty() ? what : what + ", " + file.error();
+    return false;
+}
+
+/// The network layer asks this before each look for data.
+int Exporter::interruptWhenStalled(void *exporter)
+{
+    return static_cast<Exporter *>(exporter)->isStalled();
+}
+
+bool Exporter::isStalled()
+{
+    const Clock::time_point now = Clock::now();
+    const int64_t bytes = input ? input->pb->bytes_read : 0;
+    if (bytes > bytesSeen)
+        lastBytes = now;
+    bytesSeen = bytes;
+    return now - lastBytes > stallLimit || now - lastPicture > pictureLimit;
+}
+
+} // namespace Companion
+} // namespace ZorvaneClient

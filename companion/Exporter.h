@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <string>
+
+#include "companion/ContainerWriter.h"
+#include "companion/ExportArguments.h"
+#include "companion/ExportTimeline.h"
+
+namespace ZorvaneClient {
+namespace Companion {
+
+class ExportOutput;
+class TargetFile;
+
+/// Puts an archive stream into a file as it comes, without decoding it, and tells the client
+/// how far it is.
+class Exporter
+{
+public:
+    static constexpr auto stallLimit = std::chrono::seconds(30);
+    static constexpr auto pictureLimit = std::chrono::seconds(120);
+
+    /// `file` is open.
+    Exporter(const ExportArguments &arguments, TargetFile &file, ExportOutput &output);
+
+    /// Returns at the end of the stream; true when the file has its name.
+    bool run();
+    /// What failed, for people.
+    const std::string &error() const { return errorText; }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    struct Sample {
+        ExportTimeline::Kind kind;
+        PacketHandle packet; ///< its times are those of the file
+    };
+
+    static int interruptWhenStalled(void *exporter);
+    bool isStalled();
+
+    bool open();
+    bool copyToEnd();
+    bool isBeyondFragment() const;
+    bool takePacket(PacketHandle packet);
+    bool chooseStream(const AVStream &stream, const AVPacket &packet);
+    bool takeSample(Sample sample);
+    bool beginFile();
+    bool hasUsableSound(AVCodecParameters &sound) const;
+    std::vector<const AVPacket *> waitingPackets(ExportTimeline::Kind kind) const;
+    AVRational pictureSlot() const;
+    bool writeSample(Sample sample);
+    bool finish();
+    bool fail(const std::string &what);
+
+    const ExportArguments &arguments;
+    TargetFile &file;
+    ExportOutput &output;
+    ExportTimeline timeline;
+    ContainerWriter writer;
+    FormatHandle input;
+    const AVStream *video = nullptr;
+    const AVStream *sound = nullptr;
+
+    std::deque<Sample> waiting; ///< until enough is known to begin the file
+    size_t waitingBytes = 0;
+    bool begun = false;
+    bool torn = false; ///< the stream ended in the middle of a packet
+    std::string errorText;
+
+    int64_t bytesSeen = 0;
+    Clock::time_point lastBytes = Clock::now();
+    Clock::time_point lastPicture = Clock::now();
+};
+
+} // namespace Companion
+} // namespace ZorvaneClient

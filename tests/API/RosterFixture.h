@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+
+#include "API/CloudAPIClient.h"
+#include "tests/support/ScriptedService.h"
+
+namespace ZorvaneClient {
+namespace Tests {
+
+const QString rosterFile = QStringLiteral("local_roster.txt");
+const QByteArray oneServer = R"({"x":{"id":"s1","name":"One","online":true}})";
+
+/// Ports below 4 refuse on loopback.
+API::LocalServerPtr lanServer(int port, const QString &alias = QStringLiteral("LAN"));
+
+/// Each test function begins without a session, servers and roster file, at a fixed time, with
+/// a service that lists `oneServer`.
+class RosterFixture : public QObject
+{
+    Q_OBJECT
+
+protected:
+    static void setTime(int seconds);
+    /// Asks past the throttle and waits for the outcome.
+    void update(API::CloudAPIClient *client);
+
+    ScriptedService service;
+
+private slots:
+    void initTestCase();
+    void init();
+};
+
+} // namespace Tests
+} // namespace ZorvaneClient

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+
+#include <functional>
+
+class QDialog;
+
+namespace ZorvaneClient {
+namespace Tests {
+
+/// While it lives, hands each modal dialog that opens to a handler, inside the dialog's own
+/// event loop. A dialog that the handler leaves open is rejected.
+class DialogVisitor : public QObject
+{
+    Q_OBJECT
+    Q_DISABLE_COPY(DialogVisitor)
+
+public:
+    using Handler = std::function<void(QDialog *)>;
+
+    explicit DialogVisitor(Handler handler);
+    ~DialogVisitor() override;
+
+    int visits() const;
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private:
+    void visit(QDialog *dialog);
+
+    Handler handle;
+    int count = 0;
+};
+
+/// Clicks the standard button of a dialog with one of that name.
+void clickOk(const QDialog *dialog);
+void clickCancel(const QDialog *dialog);
+
+} // namespace Tests
+} // namespace ZorvaneClient

@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: MIT
+#include <QtTest>
+
+#include <algorithm>
+
+#include "API/Camera.h"
+#include "GUI/Timeline.h"
+#include "tests/GUI/ArchiveWorld.h"
+
+using namespace ZorvaneClient;
+using GUI::Playlist;
+using GUI::Timeline;
+using Tests::ArchiveWorld;
+
+namespace {
+
+const QDate day(2026, 3, 10);
+const QString timeFormat = QStringLiteral("h:mm:ss");
+
+QDateTime at(const QString &text)
+{
+    return QDateTime(day, QTime::fromString(text, timeFormat));
+}
+
+/// "10:00:00-11:00:00 12:00:00-12:30:00"
+QList<API::ArchiveRecord> recordsOf(const QString &text)
+{
+    QList<API::ArchiveRecord> records;
+    const QStringList spans = text.split(' ');
+    for (const QString &span : spans) {
+        const QStringList ends = span.split('-');
+        if (ends.size() == 2)
+            records.append({at(ends.first()), at(ends.last())});
+    }
+    return records;
+}
+
+/// The items as "camera start-end", those with the same start by camera.
+QStringList itemsOf(const Playlist &playlist)
+{
+    QStringList items;
+    for (const auto &item : playlist) {
+        items << QStringLiteral("%1 %2-%3")
+                     .arg(item->camera->id())
+                     .arg(item->start.toString(timeFormat), item->end.toString(timeFormat));
+    }
+    const auto key = [](const QString &item) { return item.section('-', 0, 0).section(' ', 1); };
+    std::sort(items.begin(), items.end(), [key](const QString &a, const QString &b) {
+        const QTime first = QTime::fromString(key(a), timeFormat);
+        const QTime second = QTime::fromString(key(b), timeFormat);
+        return first != second ? first < second : a < b;
+    });
+    return items;
+}
+
+bool isSortedByStart(const Playlist &playlist)
+{
+    return std::is_sorted(playlist.begin(), playlist.end(),
+                          [](const auto &a, const auto &b) { return a->start < b->start; });
+}
+
+} // namespace
+
+/// What a timeline has to play from a moment on.
+class PlaylistTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void spans_data();
+    void spans();
+    void readsOneDayOnly();
+    void manyCameras();
+    void crossesTheMetaObjectSystem();
+
+private:
+    /// Puts a camera on the strip and waits for its records.
+    bool addCamera(Timeline &timeline, const API::CameraPtr &camera);
+    bool addCamera(Timeline &timeline, int id, const QList<API::ArchiveRecord> &records);
+
+    ArchiveWorld world;
+};
+
+bool PlaylistTest::addCamera(Timeline &timeline, const API::CameraPtr &camera)
+{
+    QSignalSpy received(camera.data(), &API::Camera::recordsChanged);
+    timeline.addCamera(camera);
+    return received.wait(30000);
+}
+
+bool PlaylistTest::addCamera(Timeline &timeline, int id, const QList<API::ArchiveRecord> &records)
+{
+    world.setRecords(id, records);
+    return addCamera(timeline, world.localCamera(id));
+}
+
+void PlaylistTest::initTestCase()
+{
+    QVERIFY(world.start());
+}
+
+void PlaylistTest::init()
+{
+    world.reset();
+}
+
+void PlaylistTest::spans_data()
+{
+    QTest::addColumn<QStringList>("cameras");
+    QTest::addColumn<QString>("position");
+    QTest::addColumn<QStringList>("expected");
+    const QStringList one{"10:00:00-11:00:00 12:00:00-12:30:00"};
+    QTest::newRow("no cameras") << QStringList() << "10:00:00" << QStringList();
+    QTest::newRow("no records") << QStringList{""} << "10:00:00" << QStringList();
+    QTest::newRow("in a record") << one << "10:30:00"
+                                 << QStringList{"1 10:30:00-11:00:00", "1 12:00:00-12:30:00"};
+    QTest::newRow("on a start") << one << "10:00:00"
+                                << QStringList{"1 10:00:00-11:00:00", "1 12:00:00-12:30:00"};
+    QTest::newRow("before all") << one << "0:00:00"
+                                << QStringList{"1 10:00:00-11:00:00", "1 12:00:00-12:30:00"};
+    QTest::newRow("on an end") << one << "11:00:00" << QStringList{"1 12:00:00-12:30:00"};
+    QTest::newRow("in a gap") << one << "11:50:00" << QStringList{"1 12:00:00-12:30:00"};
+    QTest::newRow("on the last end") << one << "12:30:00" << QStringList();
+    QTest::newRow("past all") << one << "23:59:59" << QStringList();
+
+    const QStringList two{"9:00:00-12:00:00", "11:00:00-11:30:00 13:00:00-14:00:00"};
+    QTest::newRow("one plays, one waits")
+        << two << "10:59:00"
+        << QStringList{"1 10:59:00-12:00:00", "2 11:00:00-11:30:00", "2 13:00:00-14:00:00"};
+    QTest::newRow("both play") << two << "11:10:00"
+                               << QStringList{"1 11:10:00-12:00:00", "2 11:10:00-11:30:00",
+                                              "2 13:00:00-14:00:00"};
+    QTest::newRow("the later camera's gap ends first")
+        << QStringList{"8:00:00-9:00:00 12:00:00-13:00:00", "11:00:00-11:30:00"} << "10:00:00"
+        << QStringList{"2 11:00:00-11:30:00", "1 12:00:00-13:00:00"};
+    QTest::newRow("equal starts") << QStringList{"11:00:00-11:30:00", "11:00:00-11:40:00",
+                                                 "11:00:00-11:20:00"}
+                                  << "10:00:00"
+                                  << QStringList{"1 11:00:00-11:30:00", "2 11:00:00-11:40:00",
+                                                 "3 11:00:00-11:20:00"};
+    QTest::newRow("records over each other")
+        << QStringList{"10:00:00-12:00:00 10:30:00-11:00:00 11:30:00-13:00:00"} << "11:10:00"
+        << QStringList{"1 11:10:00-12:00:00", "1 11:30:00-13:00:00"};
+    QTest::newRow("records in no order")
+        << QStringList{"14:00:00-15:00:00 9:00:00-9:30:00 12:00:00-13:00:00",
+                       "16:00:00-17:00:00 11:00:00-11:10:00"}
+        << "10:00:00"
+        << QStringList{"2 11:00:00-11:10:00", "1 12:00:00-13:00:00", "1 14:00:00-15:00:00",
+                       "2 16:00:00-17:00:00"};
+}
+
+void PlaylistTest::spans()
+{
+    QFETCH(QStringList, cameras);
+    QFETCH(QString, position);
+    QFETCH(QStringList, expected);
+    Timeline timeline(day);
+    for (int index = 0; index < cameras.size(); ++index)
+        QVERIFY(addCamera(timeline, index + 1, recordsOf(cameras.at(index))));
+    const Playlist playlist = timeline.playlistForCameras(at(position));
+    QCOMPARE(itemsOf(playlist), expected);
+    QVERIFY(isSortedByStart(playlist));
+}
+
+void PlaylistTest::readsOneDayOnly()
+{
+    const QDate next = day.addDays(1);
+    const QTime morning(8, 0);
+    world.setRecords(1, {Tests::record(day, QTime(10, 0), QTime(11, 0)),
+                         Tests::record(next, morning, QTime(9, 0))});
+    const API::CameraPtr camera = world.localCamera(1);
+    QVERIFY(ArchiveWorld::load(camera, next));
+    Timeline timeline(day);
+    QVERIFY(addCamera(timeline, camera));
+    QVERIFY(timeline.playlistForCameras(at("11:00:00")).isEmpty());
+    // The day is that of the moment, not that of the strip.
+    const Playlist playlist = timeline.playlistForCameras(QDateTime(next, QTime(0, 0)));
+    QCOMPARE(playlist.size(), 1);
+    QCOMPARE(playlist.first()->camera, camera);
+    QCOMPARE(playlist.first()->start, QDateTime(next, morning));
+}
+
+void PlaylistTest::manyCameras()
+{
+    constexpr int cameraCount = 7;
+    constexpr int recordCount = 200;
+    constexpr int period = 60;
+    constexpr int length = 30;
+    Timeline timeline(day);
+    for (int id = 1; id <= cameraCount; ++id) {
+        QList<API::ArchiveRecord> records = Tests::evenRecords(day, recordCount, period, length);
+        for (API::ArchiveRecord &record : records) {
+            record.start = record.start.addSecs(id);
+            record.end = record.end.addSecs(id);
+        }
+        QVERIFY(addCamera(timeline, id, records));
+    }
+    // Half a minute into the hundredth minute all its records have begun, and the first ended.
+    const Playlist playlist = timeline.playlistForCameras(at("1:39:32"));
+    QVERIFY(isSortedByStart(playlist));
+    QCOMPARE(playlist.size(), cameraCount * 100 + cameraCount - 2);
+    QSet<QString> distinct;
+    for (const QString &item : itemsOf(playlist))
+        distinct.insert(item);
+    QCOMPARE(distinct.size(), playlist.size());
+}
+
+void PlaylistTest::crossesTheMetaObjectSystem()
+{
+    Timeline timeline(day);
+    QVERIFY(addCamera(timeline, 1, recordsOf("10:00:00-11:00:00")));
+    Playlist playlist;
+    QVERIFY(QMetaObject::invokeMethod(&timeline, "playlistForCameras",
+                                      Q_RETURN_ARG(Playlist, playlist),
+                                      Q_ARG(QDateTime, at("10:30:00"))));
+    QCOMPARE(itemsOf(playlist), QStringList{"1 10:30:00-11:00:00"});
+    QCOMPARE(QMetaType::type("Playlist"), qMetaTypeId<Playlist>());
+}
+
+QTEST_MAIN(PlaylistTest)
+#include "PlaylistTest.moc"

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+namespace ZorvaneClient {
+namespace Tests {
+
+/// What programs other than ours find in a video file.
+struct VideoFile {
+    QString videoCodec; ///< empty if the file can't be read
+    QString soundCodec; ///< empty if it has no sound
+    QSize size;
+    double seconds = 0;
+    double videoSeconds = 0;
+    int pictures = 0;  ///< that can be decoded
+    QByteArray faults; ///< what a decoder complains about
+
+    static VideoFile read(const QString &path);
+};
+
+/// The picture that is shown at that time.
+QImage pictureAt(const QString &path, double seconds);
+
+} // namespace Tests
+} // namespace ZorvaneClient
