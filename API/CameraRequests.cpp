@@ -14,6 +14,17 @@
 namespace ZorvaneClient {
 namespace API {
 
+namespace {
+
+/// A client whose camera is gone hears of no reply, and goes too.
+template <typename Client> Client *releasedWith(const Camera *camera, Client *client)
+{
+    QObject::connect(camera, &QObject::destroyed, client, &QObject::deleteLater);
+    return client;
+}
+
+} // namespace
+
 void Camera::updatePreview()
 {
     if (d->kind == LocalCamera) {
@@ -25,7 +36,7 @@ void Camera::updatePreview()
 
 void Camera::updateCloudPreview()
 {
-    auto *client = new CloudAPIClient;
+    auto *client = releasedWith(this, new CloudAPIClient);
     d->keep(connect(client, &CloudAPIClient::previewReceived, client,
                     [this, client](const QPixmap &pixmap) {
                         client->deleteLater();
@@ -41,7 +52,7 @@ void Camera::updateCloudPreview()
 
 void Camera::updateLocalPreview()
 {
-    auto *client = new StreamerClient(host(), port());
+    auto *client = releasedWith(this, new StreamerClient(host(), port()));
     d->keep(connect(client, &StreamerClient::responseReceived, client,
                     [this, client](const QVariant &response) {
                         client->deleteLater();
@@ -67,7 +78,7 @@ void Camera::updateTimeline(QDate date)
         emit recordsChanged(date);
         return;
     }
-    auto *client = new CloudAPIClient;
+    auto *client = releasedWith(this, new CloudAPIClient);
     d->keep(connect(client, &CloudAPIClient::archivesReceived, client,
                     [this, client, date](const QVariant &reply) {
                         client->deleteLater();
@@ -95,7 +106,7 @@ void Camera::updateCalendar(QDate start, QDate end)
         d->calendar.clear();
         return;
     }
-    auto *client = new CloudAPIClient;
+    auto *client = releasedWith(this, new CloudAPIClient);
     d->keep(connect(client, &CloudAPIClient::archiveDatesReceived, client,
                     [this, client, start, end](const QVariant &reply) {
                         client->deleteLater();

@@ -4,6 +4,7 @@
 #include <QTransform>
 
 #include "API/Camera.h"
+#include "GUI/IconButton.h"
 #include "ui_CameraSettingsDialog.h"
 
 namespace ZorvaneClient {
@@ -35,6 +36,7 @@ CameraSettingsDialog::CameraSettingsDialog(API::CameraPtr newCamera, QWidget *pa
     , mirror(newCamera->isMirrored())
 {
     ui->setupUi(this);
+    showTextButtons(*this);
     ui->mirrorBox->setChecked(mirror);
     ui->cameraName->setText(camera->name());
     ui->cameraName->setCursorPosition(0);

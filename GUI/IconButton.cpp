@@ -2,6 +2,9 @@
 #include "GUI/IconButton.h"
 
 #include <QAbstractButton>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QIcon>
 #include <QString>
 
 namespace ZorvaneClient {
@@ -13,6 +16,16 @@ void nameIconButton(QAbstractButton *button, const QString &name)
     // Names that people give would be read for tags.
     const QString tip = QStringLiteral("<span>%1</span>").arg(name.toHtmlEscaped());
     button->setToolTip(name.isEmpty() ? name : tip);
+}
+
+void showTextButtons(const QDialog &dialog)
+{
+    const QList<QDialogButtonBox *> boxes = dialog.findChildren<QDialogButtonBox *>();
+    for (const QDialogButtonBox *box : boxes) {
+        const QList<QAbstractButton *> buttons = box->buttons();
+        for (QAbstractButton *button : buttons)
+            button->setIcon(QIcon());
+    }
 }
 
 } // namespace GUI

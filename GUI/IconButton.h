@@ -2,6 +2,7 @@
 #pragma once
 
 class QAbstractButton;
+class QDialog;
 class QString;
 
 namespace ZorvaneClient {
@@ -10,6 +11,9 @@ namespace GUI {
 /// Gives a button that shows a picture only its tooltip, and the same as its name for screen
 /// readers. `name` is plain text.
 void nameIconButton(QAbstractButton *button, const QString &name);
+
+/// Takes the desktop's icons off the buttons at the foot of a dialog, once they are all there.
+void showTextButtons(const QDialog &dialog);
 
 } // namespace GUI
 } // namespace ZorvaneClient

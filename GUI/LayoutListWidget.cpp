@@ -106,7 +106,7 @@ void LayoutListWidget::arrangeCards(const API::LayoutsContainer &layouts)
     while (QLayoutItem *item = cardsLayout->takeAt(0))
         delete item;
     for (const auto &entry : qAsConst(sorted))
-        cardsLayout->addWidget(cards.value(entry.second), 0, Qt::AlignHCenter);
+        cardsLayout->addWidget(cards.value(entry.second));
     cardsLayout->addStretch(stretchFactor);
 }
 

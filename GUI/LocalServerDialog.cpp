@@ -5,6 +5,7 @@
 
 #include "API/CloudAPIClient.h"
 #include "API/LocalServer.h"
+#include "GUI/IconButton.h"
 #include "ui_LocalServerDialog.h"
 
 namespace ZorvaneClient {
@@ -52,6 +53,7 @@ LocalServerDialog::LocalServerDialog(QWidget *parent)
     : QDialog(parent), ui(new Ui::LocalServerDialog)
 {
     ui->setupUi(this);
+    showTextButtons(*this);
 }
 
 LocalServerDialog::~LocalServerDialog() = default;

@@ -17,6 +17,7 @@
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
 #include "GUI/CloudToolTip.h"
+#include "GUI/IconPixmap.h"
 #include "GUI/TippedButton.h"
 #include "ui_Login.h"
 
@@ -58,7 +59,7 @@ void setBold(QWidget *widget, bool bold)
 void setPlaceholderColor(QWidget *field)
 {
     QPalette palette = field->palette();
-    palette.setColor(QPalette::PlaceholderText, QColor(150, 158, 170));
+    palette.setColor(QPalette::PlaceholderText, QColor(108, 118, 136));
     field->setPalette(palette);
 }
 
@@ -81,6 +82,7 @@ LoginDialog::LoginDialog(QWidget *parent)
     : QStackedWidget(parent), ui(new Ui::Login), client(new API::CloudAPIClient)
 {
     ui->setupUi(this);
+    showPictures();
     setWindowTitle(QCoreApplication::applicationName());
     // The pages have different heights; the taller one must not hold the window open.
     layout()->setSizeConstraint(QLayout::SetNoConstraint);
@@ -117,6 +119,16 @@ LoginDialog::LoginDialog(QWidget *parent)
 LoginDialog::~LoginDialog()
 {
     delete client;
+}
+
+void LoginDialog::showPictures()
+{
+    const QPixmap info = iconPixmap(QStringLiteral(":/login/icons/info.png"));
+    ui->warnIconLbl->setPixmap(iconPixmap(QStringLiteral(":/login/icons/warn.png")));
+    ui->noInternetIconLbl->setPixmap(info);
+    ui->usesProxyIconLbl->setPixmap(info);
+    ui->brandLbl->setPixmap(iconPixmap(QStringLiteral(":/login/icons/logo.png")));
+    ui->arrowLbl->setPixmap(iconPixmap(QStringLiteral(":/login/icons/arrow_line.png")));
 }
 
 void LoginDialog::createSettingsButton()

@@ -61,6 +61,7 @@ private slots:
     void on_signUpButton_clicked();
 
 private:
+    void showPictures();
     void createSettingsButton();
     void createTips();
     void loadProxySettings();

@@ -259,6 +259,7 @@ void MainWindow::closeCamera(API::CameraPtr camera)
         activateCamera(next);
     timeline->removeCamera(camera->globalId());
     archiveControlPanel->clear(camera);
+    endExportOf(camera);
     const API::LayoutPtr layout = layoutWidget->workingLayout();
     if (layout && layout->rows() == 1 && layout->columns() == 1) {
         infoPanel->enterEmptyMode();

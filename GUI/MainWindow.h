@@ -122,7 +122,9 @@ private:
     void keepInStep(const QDateTime &position);
     void restartTile(Player::VideoWidget *tile, const QDateTime &position);
     void endExport();
+    void endExportOf(const API::CameraPtr &camera);
     bool keepsModifiedLayout();
+    void addCamerasToCalendar();
     int askToSave();
     bool layoutListHolds(const API::LayoutPtr &layout) const;
     /// Cameras of the open layout, in the order of its cells.
@@ -138,6 +140,8 @@ private:
     Timeline *timeline;
     LayoutWidget *layoutWidget;
     Playlist playlist;
+    /// Whose fragment is marked or exported.
+    API::CameraPtr exportCamera;
     bool rosterWasVisible = true;
     bool wasMaximized = false;
     bool archiveMode = false;

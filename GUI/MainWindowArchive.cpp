@@ -45,15 +45,13 @@ void MainWindow::connectArchive()
 
 void MainWindow::connectExport()
 {
-    connect(controlPanel, &ControlPanel::exportModeButtonClicked, this,
-            &MainWindow::setExportMode);
+    connect(controlPanel, &ControlPanel::exportModeButtonClicked, this, &MainWindow::setExportMode);
     connect(controlPanel, &ControlPanel::cancelExportButtonClicked, this,
             &MainWindow::cancelExport);
     connect(controlPanel, &ControlPanel::exportButtonClicked, this, &MainWindow::exportArchive);
     connect(layoutWidget, &LayoutWidget::exportDone, this, &MainWindow::onExportDone);
     connect(layoutWidget, &LayoutWidget::exportError, this, &MainWindow::onExportError);
-    connect(layoutWidget, &LayoutWidget::exportPercentDone, this,
-            &MainWindow::onExportPercentDone);
+    connect(layoutWidget, &LayoutWidget::exportPercentDone, this, &MainWindow::onExportPercentDone);
     connect(layoutWidget, &LayoutWidget::exportStarted, this, &MainWindow::onExportStarted);
     connect(timeline, &Timeline::exportEnabled, controlPanel, &ControlPanel::enableExport);
 }
@@ -186,6 +184,8 @@ void MainWindow::setExportMode()
 {
     if (!timeline->enterSelectionMode(false, false))
         return;
+    if (!exportCamera)
+        exportCamera = timeline->activeCamera();
     archiveControlPanel->showSelectFragmentMessage();
     controlPanel->setExportMode();
 }
@@ -203,6 +203,7 @@ void MainWindow::exportArchive()
         qDebug() << "archive export disabled";
         return;
     }
+    exportCamera = camera;
     timeline->setSelectionEditable(false);
     layoutWidget->exportArchive(camera, timeline->selectionStart(), timeline->selectionEnd());
 }
@@ -211,14 +212,27 @@ void MainWindow::cancelExport()
 {
     if (const API::CameraPtr camera = timeline->activeCamera())
         layoutWidget->cancelExport(camera);
+    // Another one may have been activated since.
+    if (exportCamera)
+        layoutWidget->cancelExport(exportCamera);
     endExport();
 }
 
 void MainWindow::endExport()
 {
+    exportCamera.clear();
     archiveControlPanel->hideMessage();
     timeline->leaveSelectionMode();
     controlPanel->setNormalMode();
+}
+
+/// The tile is gone, and nothing else will tell of its export.
+void MainWindow::endExportOf(const API::CameraPtr &camera)
+{
+    if (camera != exportCamera)
+        return;
+    endExport();
+    controlPanel->setEmptyMode(!firstCamera());
 }
 
 void MainWindow::onExportStarted()

@@ -11,6 +11,7 @@
 #include "API/Layout.h"
 #include "GUI/ArchiveControlPanel.h"
 #include "GUI/ControlPanel.h"
+#include "GUI/IconButton.h"
 #include "GUI/InfoPanel.h"
 #include "GUI/LayoutListWidget.h"
 #include "GUI/LayoutWidget.h"
@@ -45,6 +46,7 @@ int MainWindow::askToSave()
     box.setInformativeText(tr("Do you want to save your changes?"));
     box.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
     box.setDefaultButton(QMessageBox::Save);
+    showTextButtons(box);
     box.setStyleSheet(QStringLiteral("font-size: 14px;"));
     box.setWindowModality(Qt::WindowModal);
     question = &box;
@@ -75,7 +77,11 @@ bool MainWindow::openLayout(API::LayoutPtr layout)
     archiveControlPanel->clear();
     controlPanel->resetQuality();
     prepareToLive();
+    const API::LayoutPtr shown = layoutWidget->workingLayout();
     layoutWidget->openLayout(layout);
+    // A grid that has all that already tells of no camera.
+    if (layoutWidget->workingLayout() == shown)
+        addCamerasToCalendar();
     layoutWidget->updateQuality();
     infoPanel->setCurrentLayout(layout);
     if (const API::CameraPtr camera = firstCamera())
@@ -84,6 +90,13 @@ bool MainWindow::openLayout(API::LayoutPtr layout)
     layoutWidget->enableSound(controlPanel->isSoundEnabled());
     update();
     return true;
+}
+
+void MainWindow::addCamerasToCalendar()
+{
+    const QList<API::CameraPtr> cameras = layoutCameras();
+    for (const API::CameraPtr &camera : cameras)
+        archiveControlPanel->addCamera(camera);
 }
 
 void MainWindow::openNewLayout()

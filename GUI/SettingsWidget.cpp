@@ -12,6 +12,7 @@
 #include "API/LocalServer.h"
 #include "App/Application.h"
 #include "App/Settings.h"
+#include "GUI/IconButton.h"
 #include "GUI/LocalServerDialog.h"
 #include "ui_SettingsWidget.h"
 
@@ -64,6 +65,7 @@ bool isConfirmed(const Question &question, QWidget *parent)
     box->setInformativeText(question.details);
     box->setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
     box->setDefaultButton(question.defaultButton);
+    showTextButtons(*box);
     box->setStyleSheet(QStringLiteral("font-size: 14px;"));
     box->setWindowModality(Qt::ApplicationModal);
     const int answer = box->exec();

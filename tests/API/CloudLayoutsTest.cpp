@@ -82,23 +82,16 @@ private slots:
     void initTestCase();
     void init();
     void nothingWithoutServers();
-    void requestOnTheWire();
     void newerCopyOfTheServiceWins();
     void serviceGetsWhatIsNewer_data();
     void serviceGetsWhatIsNewer();
-    void cacheComesFirst();
     void damagedCache_data();
     void damagedCache();
-    void hostileDocument_data();
     void hostileDocument();
-    void throttle_data();
     void throttle();
     void knownLayoutKeepsItsObject();
-    void emptyListEmptiesMemory();
     void failureKeepsLayouts();
     void failedSaveIsTold();
-    void addAndDelete();
-    void documentOnDisk();
     void cacheThatCannotBeWritten();
     void signOutKeepsTheCache();
 
@@ -185,22 +178,6 @@ void CloudLayoutsTest::nothingWithoutServers()
     QCOMPARE(updated.count() + failed.count(), 0);
 }
 
-void CloudLayoutsTest::requestOnTheWire()
-{
-    service.succeed("POST", "/public/sessions", R"({"session_id":"abc"})");
-    CloudAPIClient client;
-    QSignalSpy signedIn(&client, &CloudAPIClient::loginSuccess);
-    client.tryLogin(QString(), QString());
-    QTRY_COMPARE(signedIn.count(), 1);
-    update(&client);
-    const auto requests = service.requestsTo("//layouts");
-    QCOMPARE(requests.size(), 2);
-    QCOMPARE(requests.at(0).requestLine(), QByteArray("GET //layouts?sessionId=abc HTTP/1.1"));
-    QCOMPARE(requests.at(1).requestLine(), QByteArray("POST //layouts?sessionId=abc HTTP/1.1"));
-    QCOMPARE(requests.at(1).header("Content-Type"), QByteArray("application/json"));
-    QCOMPARE(QJsonDocument::fromJson(requests.at(1).body), QJsonDocument(QJsonArray()));
-}
-
 void CloudLayoutsTest::newerCopyOfTheServiceWins()
 {
     const QByteArray cell = R"({"server":"s1","camera":7,"row":1,"column":2,"w":1,"h":1})";
@@ -221,6 +198,7 @@ void CloudLayoutsTest::newerCopyOfTheServiceWins()
     // The cache has the new list under a stamp of its own, and nothing was sent.
     const QJsonObject saved = QJsonDocument::fromJson(cacheContent()).object();
     QVERIFY(saved.value(QStringLiteral("last_update")).toInt() > startStamp);
+    QVERIFY(!(QFile::permissions(cachePath()) & QFile::ReadOther));
     QCOMPARE(saved.value(QStringLiteral("layouts")).toArray().size(), 1);
     QCOMPARE(service.requestsTo("//layouts").size(), 1);
 }
@@ -230,8 +208,6 @@ void CloudLayoutsTest::serviceGetsWhatIsNewer_data()
     QTest::addColumn<int>("stamp");
     QTest::newRow("equal") << 100;
     QTest::newRow("older") << 99;
-    QTest::newRow("negative") << -1;
-    QTest::newRow("none") << 0;
 }
 
 void CloudLayoutsTest::serviceGetsWhatIsNewer()
@@ -242,8 +218,6 @@ void CloudLayoutsTest::serviceGetsWhatIsNewer()
     writeCache(document(100, layoutJson("a", "Cached", cell)));
     service.succeed("GET", "//layouts", document(stamp, layoutJson("b", "Old")));
     CloudAPIClient client;
-    QTest::ignoreMessage(QtDebugMsg, QStringLiteral("Outdated layouts: %1").arg(stamp).toUtf8());
-    QTest::ignoreMessage(QtDebugMsg, "Layouts saved to API");
     update(&client);
     QCOMPARE(names(), QStringList({"Cached"}));
     const auto requests = service.requestsTo("//layouts");
@@ -253,26 +227,12 @@ void CloudLayoutsTest::serviceGetsWhatIsNewer()
     QCOMPARE(sent, QJsonDocument::fromJson("[" + layoutJson("a", "Cached", cell) + "]").array());
 }
 
-void CloudLayoutsTest::cacheComesFirst()
-{
-    writeCache(document(100, layoutJson("a", "Cached")));
-    CloudAPIClient client;
-    QSignalSpy updated(&client, &CloudAPIClient::layoutsUpdated);
-    client.updateLayouts();
-    QCOMPARE(updated.count(), 1); // before any answer
-    QCOMPARE(names(), QStringList({"Cached"}));
-    QTRY_COMPARE(service.requestsTo("//layouts").size(), 2);
-}
-
 void CloudLayoutsTest::damagedCache_data()
 {
     QTest::addColumn<QByteArray>("content");
-    QTest::newRow("empty") << QByteArray();
     QTest::newRow("cut off") << document(100, layoutJson("a", "Cached")).chopped(1);
-    QTest::newRow("array") << QByteArray("[1,2]");
     QTest::newRow("stamp is text")
         << QByteArray(R"({"last_update":"soon","layouts":[{"id":"a"}]})");
-    QTest::newRow("garbage") << QByteArray(100000, '\x81');
     QTest::newRow("nested too deep") << QByteArray(100000, '[');
 }
 
@@ -283,72 +243,51 @@ void CloudLayoutsTest::damagedCache()
     writeCache(content);
     service.succeed("GET", "//layouts", document(5, layoutJson("a", "Fresh")));
     CloudAPIClient client;
-    QTest::ignoreMessage(QtDebugMsg, "Outdated layouts: 0");
     update(&client);
     QCOMPARE(names(), QStringList({"Fresh"}));
 }
 
-void CloudLayoutsTest::hostileDocument_data()
-{
-    QTest::addColumn<QByteArray>("layouts");
-    QTest::newRow("wrong types") << QByteArray(
-        R"(7,null,"x",[1],{"id":{},"name":[1],"rows":"many","columns":{},"cameras":"all"},)"
-        R"({"id":"a","rows":2,"columns":2,"cameras":[7,null,[1],{"server":[1],"camera":{}},)"
-        R"({"server":"s1","camera":7,"row":"x","column":[1],"w":{},"h":"y"}]})");
-    QByteArray cells;
-    for (int i = 0; i < 10000; ++i)
-        cells += R"({"server":"s1","camera":7,"row":)" + QByteArray::number(i / 100 - 10) +
-                 ",\"column\":" + QByteArray::number(i % 100 - 10) + R"(,"w":1000000000,"h":-7},)";
-    cells.chop(1);
-    QTest::newRow("grid and cells beyond all bounds")
-        << R"({"id":"a","rows":1000000000,"columns":1000000000,"cameras":[)" + cells + "]}";
-}
-
 void CloudLayoutsTest::hostileDocument()
 {
-    QFETCH(QByteArray, layouts);
+    QByteArray cells = R"(7,null,[1],{"server":[1],"camera":{}},{"row":"x","w":{}})";
+    for (int i = 0; i < 10000; ++i)
+        cells += R"(,{"server":"s1","camera":7,"row":)" + QByteArray::number(i / 100 - 10) +
+                 ",\"column\":" + QByteArray::number(i % 100 - 10) + R"(,"w":1000000000,"h":-7})";
+    const QByteArray layouts =
+        R"(7,null,"x",[1],{"id":{},"name":[1],"rows":"many","cameras":"all"},)"
+        R"({"id":"a","rows":1000000000,"columns":1000000000,"name":")" +
+        QByteArray(1000000, 'x') + R"(","cameras":[)" + cells + "]}";
     const auto boundedCells = [] {
         constexpr QRect bounds(0, 0, LayoutBounds::gridSide, LayoutBounds::gridSide);
         const LayoutPtr layout = CloudAPIClient::layoutList().value(QStringLiteral("a"));
         if (!layout || layout->rows() > LayoutBounds::gridSide ||
-            layout->columns() > LayoutBounds::gridSide)
+            layout->columns() > LayoutBounds::gridSide ||
+            layout->name().size() > LayoutBounds::nameLength)
             return -1;
-        const QList<LayoutCell> cells = layout->cellList();
-        for (const LayoutCell &cell : cells) {
+        const QList<LayoutCell> kept = layout->cellList();
+        for (const LayoutCell &cell : kept) {
             if (!bounds.contains(cell.area.topLeft()) ||
                 cell.area.width() > LayoutBounds::gridSide || cell.area.height() < 0)
                 return -1;
         }
-        return static_cast<int>(cells.size());
+        return static_cast<int>(kept.size());
     };
     writeCache(document(100, layouts));
     CloudAPIClient client;
     client.updateLayouts();
-    const int cells = boundedCells();
-    QVERIFY(cells > 0);
+    const int count = boundedCells();
+    QVERIFY(count > 0);
     service.succeed("GET", "//layouts", document(101, layouts));
     update(&client);
-    QCOMPARE(boundedCells(), cells);
-}
-
-void CloudLayoutsTest::throttle_data()
-{
-    QTest::addColumn<int>("seconds");
-    QTest::addColumn<bool>("asks");
-    QTest::newRow("next tick") << 5 << false;
-    QTest::newRow("29 seconds") << 29 << false;
-    QTest::newRow("30 seconds") << 30 << true;
+    QCOMPARE(boundedCells(), count);
 }
 
 void CloudLayoutsTest::throttle()
 {
-    QFETCH(int, seconds);
-    QFETCH(bool, asks);
-
     CloudAPIClient client;
     client.updateLayouts();
     QTRY_COMPARE(service.requestsTo("//layouts").size(), 2); // GET and POST
-    setTime(seconds);
+    setTime(29);
 
     // The signal comes with the lock held; what a list reads must not block.
     int servers = 0;
@@ -358,9 +297,11 @@ void CloudLayoutsTest::throttle()
     });
     QSignalSpy updated(&client, &CloudAPIClient::layoutsUpdated);
     client.updateLayouts();
-    QCOMPARE(updated.count(), asks ? 0 : 1);
-    QCOMPARE(servers, asks ? 0 : 1);
-    QTRY_COMPARE(service.requestsTo("//layouts").size(), asks ? 4 : 2);
+    QCOMPARE(updated.count(), 1);
+    QCOMPARE(servers, 1);
+    setTime(30);
+    client.updateLayouts();
+    QTRY_COMPARE(service.requestsTo("//layouts").size(), 4);
 }
 
 void CloudLayoutsTest::knownLayoutKeepsItsObject()
@@ -379,28 +320,12 @@ void CloudLayoutsTest::knownLayoutKeepsItsObject()
     QCOMPARE(client.layoutList().value(QStringLiteral("a")), a);
 }
 
-void CloudLayoutsTest::emptyListEmptiesMemory()
-{
-    writeCache(document(100, layoutJson("a", "A")));
-    service.succeed("GET", "//layouts", document(101, ""));
-    CloudAPIClient client;
-    update(&client);
-    QCOMPARE(client.layoutList().size(), 0);
-    QCOMPARE(QJsonDocument::fromJson(cacheContent())
-                 .object()
-                 .value(QStringLiteral("layouts"))
-                 .toArray()
-                 .size(),
-             0);
-}
-
 void CloudLayoutsTest::failureKeepsLayouts()
 {
     writeCache(document(100, layoutJson("a", "A")));
     service.answer("GET", "//layouts", WireReply::json("", 500));
     CloudAPIClient client;
     QSignalSpy failed(&client, &CloudAPIClient::layoutsUpdateError);
-    QTest::ignoreMessage(QtDebugMsg, "Error updating layouts");
     update(&client);
     QCOMPARE(failed.count(), 1);
     QCOMPARE(names(), QStringList({"A"}));
@@ -424,55 +349,6 @@ void CloudLayoutsTest::failedSaveIsTold()
     QCOMPARE(service.requestsTo("//layouts").size(), 2);
     const QByteArray sent = service.requestsTo("//layouts").constLast().body;
     QCOMPARE(QJsonDocument::fromJson(sent).array().size(), 1);
-}
-
-void CloudLayoutsTest::addAndDelete()
-{
-    CloudAPIClient client;
-    QSignalSpy updated(&client, &CloudAPIClient::layoutsUpdated);
-    const LayoutPtr first = LayoutPtr::create();
-    client.addLayout(first);
-    const LayoutPtr copy = LayoutPtr::create(*first); // the same id
-    client.addLayout(copy);
-    QCOMPARE(client.layoutList().size(), 1);
-    QCOMPARE(client.layoutList().first(), copy);
-    QCOMPARE(updated.count(), 2);
-    client.deleteLayout(first);
-    QCOMPARE(client.layoutList().size(), 0);
-    QCOMPARE(updated.count(), 3);
-    client.addLayout(LayoutPtr());
-    client.deleteLayout(LayoutPtr());
-    QCOMPARE(updated.count(), 3);
-    QVERIFY(!QFile::exists(cachePath()));
-    QCOMPARE(service.requests().size(), 0);
-}
-
-void CloudLayoutsTest::documentOnDisk()
-{
-    writeCache(document(100, ""));
-    QVERIFY(QFile::setPermissions(cachePath(), QFile::permissions(cachePath()) | QFile::ReadOther));
-    CloudAPIClient client;
-    client.addLayout(
-        LayoutPtr::create(QJsonDocument::fromJson(layoutJson("a", "A")).toVariant().toMap()));
-    setTime(7);
-    client.saveLayoutsToFile();
-    const QByteArray expected = "{\n"
-                                "    \"last_update\": " +
-                                QByteArray::number(startStamp + 7) +
-                                ",\n"
-                                "    \"layouts\": [\n"
-                                "        {\n"
-                                "            \"cameras\": [\n"
-                                "            ],\n"
-                                "            \"columns\": 3,\n"
-                                "            \"id\": \"a\",\n"
-                                "            \"name\": \"A\",\n"
-                                "            \"rows\": 2\n"
-                                "        }\n"
-                                "    ]\n"
-                                "}\n";
-    QCOMPARE(cacheContent(), expected);
-    QVERIFY(!(QFile::permissions(cachePath()) & QFile::ReadOther));
 }
 
 void CloudLayoutsTest::cacheThatCannotBeWritten()

@@ -52,9 +52,7 @@ void PrivateFileTest::isReplacedAsAWhole_data()
 {
     QTest::addColumn<int>("modeBefore");
     QTest::newRow("new") << 0;
-    QTest::newRow("its owner's already") << 0600;
     QTest::newRow("readable to all") << 0644;
-    QTest::newRow("open to all") << 0777;
 }
 
 void PrivateFileTest::isReplacedAsAWhole()

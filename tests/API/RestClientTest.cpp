@@ -50,7 +50,6 @@ private slots:
     void envelope();
     void requestOnTheWire_data();
     void requestOnTheWire();
-    void jsonOnTheWire();
     void encodedValueArrives_data();
     void encodedValueArrives();
     void certificateOfAStranger();
@@ -88,20 +87,13 @@ void RestClientTest::envelope_data()
         QTest::newRow(name) << body << status << false << QVariant() << code << reportedStatus;
     };
     good("object", R"({"success":true,"response":{"a":"b"}})", QVariantMap{{"a", "b"}});
-    good("list", R"({"success":true,"response":["x"]})", QVariantList{"x"});
-    good("no response", R"({"success":true})", QVariant());
     good("success as text", R"({"success":"true","response":"x"})", QVariant("x"));
     good("success with status 500", R"({"success":true,"response":"x"})", QVariant("x"), 500);
     bad("service error", R"({"success":false,"response":{"code":10016}})", 10016, 500);
-    bad("negative code", R"({"success":false,"response":{"code":-1}})", -1, 500);
     bad("status is not looked at", R"({"success":false,"response":{"code":10001}})", 10001, 500,
         403);
     bad("response is no object", R"({"success":false,"response":[1]})", 0, 500);
-    bad("no code", R"({"success":false})", 0, 500);
-    bad("success is null", R"({"success":null,"response":{"code":3}})", 3, 500);
     bad("no success", R"({"response":{"a":"b"}})", -2, 400);
-    bad("list instead of an envelope", R"([{"success":true}])", -2, 400);
-    bad("empty object", "{}", -2, 400);
     bad("no JSON", "busy", -2, 400, 502);
     bad("empty body", "", -2, 204);
 }
@@ -140,24 +132,19 @@ void RestClientTest::requestOnTheWire_data()
     QTest::addColumn<QByteArray>("body");
 
     const QByteArray form = "application/x-www-form-urlencoded";
-    QTest::newRow("delete") << "public/sessions/abc" << int(QNetworkAccessManager::DeleteOperation)
-                            << QVariantMap{{"b", 2}, {"a", "1"}}
-                            << QByteArray("DELETE /public/sessions/abc?a=1&b=2 HTTP/1.1")
-                            << QByteArray() << QByteArray();
-    QTest::newRow("post, key order")
-        << "/public/x" << int(QNetworkAccessManager::PostOperation)
-        << QVariantMap{{"sessionId", "abc"}, {"degrees", -90}, {"Big", 1u}}
-        << QByteArray("POST //public/x HTTP/1.1") << form
-        << QByteArray("Big=1&degrees=-90&sessionId=abc");
-    QTest::newRow("post, separators")
-        << "x" << int(QNetworkAccessManager::PostOperation) << QVariantMap{{"a", "1&2=3+4 %2B"}}
-        << QByteArray("POST /x HTTP/1.1") << form << QByteArray("a=1%262%3D3+4%20%2B");
-    QTest::newRow("post without parameters")
-        << "x" << int(QNetworkAccessManager::PostOperation) << QVariantMap()
-        << QByteArray("POST /x HTTP/1.1") << form << QByteArray();
-    QTest::newRow("any other operation is a post")
-        << "x" << int(QNetworkAccessManager::PutOperation) << QVariantMap{{"a", "b"}}
-        << QByteArray("POST /x HTTP/1.1") << form << QByteArray("a=b");
+    const auto row = [](const char *command, QNetworkAccessManager::Operation operation,
+                        const QVariantMap &params, const char *requestLine,
+                        const QByteArray &contentType, const char *body) {
+        QTest::newRow(requestLine) << command << int(operation) << params << QByteArray(requestLine)
+                                   << contentType << QByteArray(body);
+    };
+    row("public/sessions/abc", QNetworkAccessManager::DeleteOperation, {{"b", 2}, {"a", "1"}},
+        "DELETE /public/sessions/abc?a=1&b=2 HTTP/1.1", "", "");
+    row("/public/x", QNetworkAccessManager::PostOperation,
+        {{"sessionId", "abc"}, {"degrees", -90}, {"Big", 1u}}, "POST //public/x HTTP/1.1", form,
+        "Big=1&degrees=-90&sessionId=abc");
+    row("x", QNetworkAccessManager::PostOperation, {{"a", "1&2=3+4 %2B"}}, "POST /x HTTP/1.1", form,
+        "a=1%262%3D3+4%20%2B");
 }
 
 void RestClientTest::requestOnTheWire()
@@ -179,29 +166,12 @@ void RestClientTest::requestOnTheWire()
     QCOMPARE(request.body, body);
 }
 
-void RestClientTest::jsonOnTheWire()
-{
-    service.succeed("POST", "//layouts", "true");
-    RestClient client;
-    QSignalSpy received(&client, &RestClient::responseReceived);
-    const QByteArray body = QStringLiteral("[{\"name\":\"Двор & ворота\"}]").toUtf8();
-    client.postJSON(QStringLiteral("/layouts"), {{QStringLiteral("sessionId"), "abc"}}, body);
-    QTRY_COMPARE(received.count(), 1);
-    const WireRequest request = service.requests().constFirst();
-    QCOMPARE(request.requestLine(), QByteArray("POST //layouts?sessionId=abc HTTP/1.1"));
-    QCOMPARE(request.header("Content-Type"), QByteArray("application/json"));
-    QCOMPARE(request.body, body);
-}
-
 void RestClientTest::encodedValueArrives_data()
 {
     QTest::addColumn<QString>("value");
 
-    QTest::newRow("plain") << "demo@zorvane.example";
-    QTest::newRow("every ASCII character") << everyAsciiCharacter();
     QTest::newRow("every ASCII character twice") << everyAsciiCharacter() + everyAsciiCharacter();
     QTest::newRow("looks encoded") << "100%25 %2B%26 +&=#;%";
-    QTest::newRow("percent at the end") << "%4";
     QTest::newRow("Cyrillic") << QString::fromUtf8("Пароль+Ё&ъ");
     QTest::newRow("beyond the basic plane") << QString::fromUtf8("\xf0\x9f\x8e\xa5");
 }

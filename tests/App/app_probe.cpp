@@ -18,10 +18,8 @@ namespace {
 
 int logLevels()
 {
-    qDebug() << "before the log";
     App::openLog();
     qDebug() << "a debug line";
-    qInfo() << "an info line";
     qWarning() << "a warning line";
     qCritical() << "a critical line";
     qDebug("%s", qPrintable(QString::fromUtf8("камера")));

@@ -100,6 +100,10 @@ private slots:
     void aCameraAddedWhileTheArchivePlaysJoins();
     void liveEndsTheArchive();
     void closedCamerasLeaveStripAndCalendar();
+    void anEqualLayoutKeepsItsDaysInTheCalendar();
+    void anExportEndsWithItsTile_data();
+    void anExportEndsWithItsTile();
+    void cancelEndsTheExportThatRuns();
 
 private:
     /// Opens `cameras` side by side, with free cells behind them, and waits until the strip has
@@ -110,6 +114,13 @@ private:
     LayoutWidget *grid() const { return window->findChild<LayoutWidget *>(); }
     Timeline *timeline() const { return window->findChild<Timeline *>(); }
     ControlPanel *panel() const { return window->findChild<ControlPanel *>(); }
+    /// Exports from the first camera; returns the process that does.
+    qint64 startExport();
+    QString pageOf(const char *stack) const
+    {
+        const auto *pages = window->findChild<QStackedWidget *>(QLatin1String(stack));
+        return pages->currentWidget()->objectName();
+    }
     /// Waits for the starts since the last call, of which there must be `count`.
     QList<Started> starts(int count);
 
@@ -141,6 +152,7 @@ void ArchivePlaybackTest::cleanup()
     child.reset();
     clock.reset();
     shown.clear();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 API::CameraPtr ArchivePlaybackTest::camera(int id, const QStringList &spans)
@@ -206,10 +218,14 @@ void ArchivePlaybackTest::clicksOutsideRecordsJump_data()
 {
     QTest::addColumn<QString>("click");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("before all") << "9:00:00" << "10:00:00";
-    QTest::newRow("in a gap") << "10:15:00" << "10:20:00";
-    QTest::newRow("on a record's end") << "10:10:00" << "10:20:00";
-    QTest::newRow("on a record's start") << "10:20:00" << "10:20:00";
+    QTest::newRow("before all") << "9:00:00"
+                                << "10:00:00";
+    QTest::newRow("in a gap") << "10:15:00"
+                              << "10:20:00";
+    QTest::newRow("on a record's end") << "10:10:00"
+                                       << "10:20:00";
+    QTest::newRow("on a record's start") << "10:20:00"
+                                         << "10:20:00";
 }
 
 void ArchivePlaybackTest::clicksOutsideRecordsJump()
@@ -414,6 +430,73 @@ void ArchivePlaybackTest::closedCamerasLeaveStripAndCalendar()
     window->findChild<InfoPanel *>()->enterViewMode();
     QVERIFY(window->openLayout(API::LayoutPtr::create()));
     QCOMPARE(timeline()->cameraCount(), 0);
+}
+
+void ArchivePlaybackTest::anEqualLayoutKeepsItsDaysInTheCalendar()
+{
+    open({camera(1, {"10:00:00-11:00:00"})});
+    const auto daysRequests = [this] { return world.requestedDays(1).count(day.addMonths(-6)); };
+    QTRY_COMPARE(daysRequests(), 1);
+    QVERIFY(window->openLayout(API::LayoutPtr::create(*grid()->workingLayout())));
+    QTRY_COMPARE(daysRequests(), 2);
+}
+
+qint64 ArchivePlaybackTest::startExport()
+{
+    shown.first()->setExportEnabled(true);
+    window->onPlayArchive(moment(QStringLiteral("10:05:00")));
+    starts(static_cast<int>(shown.size()));
+    window->showArchivePanels();
+    window->setExportMode();
+    child->setScript({QStringLiteral("print export-start\\n"), QStringLiteral("wait never")});
+    window->exportArchive();
+    const auto exports = [this] {
+        return pageOf("exportControl") == QLatin1String("exportLabelPage");
+    };
+    return QTest::qWaitFor(exports, startDeadlineMs) ? child->lastProcessId() : 0;
+}
+
+void ArchivePlaybackTest::anExportEndsWithItsTile_data()
+{
+    QTest::addColumn<int>("cameras");
+    QTest::addColumn<bool>("byLayout");
+    QTest::addColumn<QString>("page");
+    QTest::newRow("closed, others left") << 2 << false << "controlPage";
+    QTest::newRow("closed, none left") << 1 << false << "emptyPage";
+    QTest::newRow("another layout") << 2 << true << "emptyPage";
+}
+
+void ArchivePlaybackTest::anExportEndsWithItsTile()
+{
+    QFETCH(int, cameras);
+    QFETCH(bool, byLayout);
+    QFETCH(QString, page);
+    QList<API::CameraPtr> all;
+    for (int id = 1; id <= cameras; ++id)
+        all.append(camera(id, {"10:00:00-11:00:00"}));
+    open(all, 1);
+    const qint64 process = startExport();
+    QVERIFY(process != 0);
+    QVERIFY(ScriptedChild::isAlive(process));
+    if (byLayout)
+        QVERIFY(window->openLayout(API::LayoutPtr::create()));
+    else
+        grid()->removeCamera(shown.first());
+    QCOMPARE(panel()->currentWidget()->objectName(), page);
+    QCOMPARE(pageOf("exportControl"), QStringLiteral("exportButtonPage"));
+    QVERIFY(window->findChild<QStackedWidget *>(QStringLiteral("messageWidget"))->isHidden());
+    QTRY_VERIFY(!ScriptedChild::isAlive(process));
+}
+
+void ArchivePlaybackTest::cancelEndsTheExportThatRuns()
+{
+    open({camera(1, {"10:00:00-11:00:00"}), camera(2, {"10:00:00-11:00:00"})});
+    const qint64 process = startExport();
+    QVERIFY(process != 0);
+    window->activateCamera(shown.at(1));
+    window->cancelExport();
+    QVERIFY(!ScriptedChild::isAlive(process));
+    QCOMPARE(panel()->currentWidget()->objectName(), QStringLiteral("controlPage"));
 }
 
 QTEST_MAIN(ArchivePlaybackTest)

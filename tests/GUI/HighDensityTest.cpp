@@ -5,15 +5,9 @@
 #include <QPushButton>
 #include <QtTest>
 
-#include "API/LocalServer.h"
 #include "App/Application.h"
-#include "App/ServiceProfile.h"
-#include "GUI/Preview.h"
-#include "GUI/ServerWidget.h"
-#include "GUI/SideBar.h"
-#include "GUI/ToolBar.h"
-#include "tests/GUI/RosterWorld.h"
-#include "tests/support/MisbehavingServer.h"
+#include "GUI/LoginDialog.h"
+#include "tests/GUI/PanelStage.h"
 
 using namespace ZorvaneClient;
 using namespace ZorvaneClient::Tests;
@@ -24,41 +18,13 @@ class HighDensityTest : public QObject
 
 private slots:
     void initTestCase();
-    void buttonsShowTheirIconInItsSize_data();
-    void buttonsShowTheirIconInItsSize();
+    void iconsKeepTheirSize_data();
+    void iconsKeepTheirSize();
     void labelsShowTheLargeForm_data();
     void labelsShowTheLargeForm();
 };
 
 namespace {
-
-API::ServerPtr lanServer()
-{
-    return API::LocalServerPtr::create(QStringLiteral("LAN"), QStringLiteral("127.0.0.1"),
-                                       MisbehavingServer::deadPort(), QString());
-}
-
-/// The widgets under test, in one window.
-struct Stage {
-    Stage()
-    {
-        window.resize(600, 400);
-        auto *toolBar = new GUI::ToolBar(&window);
-        auto *sideBar = new GUI::SideBar(&window);
-        auto *server = new GUI::ServerWidget(lanServer(), &window);
-        auto *card = new GUI::Preview(GUI::Preview::KindCamera, &window);
-        card->setState(GUI::Preview::StateOff);
-        toolBar->setGeometry(0, 0, 60, 400);
-        sideBar->setGeometry(60, 0, 269, 400);
-        server->setGeometry(340, 0, 240, 120);
-        card->move(340, 130);
-        window.show();
-        ready = QTest::qWaitForWindowExposed(&window);
-    }
-
-    QWidget window;
-    bool ready;
-};
 
 /// In its own pixels.
 QImage largeForm(const QString &path)
@@ -86,6 +52,14 @@ QRect inkArea(const QImage &picture, const QColor &ground)
     return area;
 }
 
+/// What is not ground.
+QImage inkOf(const QImage &picture, const QColor &ground)
+{
+    QImage ink = picture.copy(inkArea(picture, ground)).convertToFormat(QImage::Format_RGB32);
+    ink.setDevicePixelRatio(1);
+    return ink;
+}
+
 /// The large form of an icon on the ground that the button has.
 QImage iconOn(const QColor &ground, const QString &path)
 {
@@ -101,61 +75,81 @@ QImage iconOn(const QColor &ground, const QString &path)
 
 void HighDensityTest::initTestCase()
 {
-    App::ServiceProfile profile;
-    profile.apiHost = profile.streamingHost = QStringLiteral("127.0.0.1");
-    profile.apiPort = profile.streamingPort = MisbehavingServer::deadPort();
-    App::ServiceProfile::setCurrent(profile);
+    leaveWithoutService();
     QCOMPARE(qApp->devicePixelRatio(), 2.0);
 }
 
-void HighDensityTest::buttonsShowTheirIconInItsSize_data()
+void HighDensityTest::iconsKeepTheirSize_data()
 {
     QTest::addColumn<QString>("parent");
-    QTest::addColumn<QString>("button");
+    QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("icon");
-    QTest::newRow("tab") << "ToolBar"
-                         << "layoutsButton"
-                         << ":/mainwidget/icons/tabLayouts.png";
-    QTest::newRow("checked tab") << "ToolBar"
-                                 << "rosterButton"
-                                 << ":/mainwidget/icons/tabCamera_hover.png";
-    QTest::newRow("tab at the bottom") << "ToolBar"
-                                       << "settingsButton"
-                                       << ":/mainwidget/icons/tabSettings.png";
-    QTest::newRow("hide") << "SideBar"
-                          << "hideRosterButton"
-                          << ":/mainwidget/icons/iconCollapse.png";
-    QTest::newRow("server's menu") << "ServerWidget"
-                                   << "settingsButton"
-                                   << ":/mainwidget/icons/iconMore.png";
+    const struct {
+        const char *row, *parent, *name, *icon;
+    } places[] = {
+        {"tab", "ToolBar", "layoutsButton", "mainwidget/icons/tabLayouts"},
+        {"checked tab", "ToolBar", "rosterButton", "mainwidget/icons/tabCamera_hover"},
+        {"tab at the bottom", "ToolBar", "settingsButton", "mainwidget/icons/tabSettings"},
+        {"hide", "SideBar", "hideRosterButton", "mainwidget/icons/iconCollapse"},
+        {"server's menu", "ServerWidget", "settingsButton", "mainwidget/icons/iconMore"},
+        {"card's menu", "Preview", "previewMenu", "roster/icons/rosterMore"},
+        {"show", "InfoPanel", "showPBtn", "mainwidget/icons/iconExpand"},
+        {"grid", "InfoPanel", "gridSizeButton", "player/icons/edit_grid"},
+        {"view's menu", "InfoPanel", "settingsButton", "mainwidget/icons/playerBoxMore"},
+        {"show records", "ControlPanel", "showRecordsButton", "mainwidget/icons/iconRecordsShow"},
+        {"hide records", "ControlPanel", "hideRecordsButton", "mainwidget/icons/iconRecordsHide"},
+        {"go live", "ControlPanel", "goLiveButton", "mainwidget/icons/iconLive"},
+        {"pause", "ControlPanel", "pauseButton", "mainwidget/icons/playerPause"},
+        {"play", "ControlPanel", "playButton", "mainwidget/icons/playerPlay"},
+        {"speed", "ControlPanel", "speedButton", "mainwidget/icons/iconRewind"},
+        {"sound", "ControlPanel", "soundButton", "mainwidget/icons/iconVolume2"},
+        {"quality", "ControlPanel", "qualityButton", "mainwidget/icons/iconQuality"},
+        {"fullscreen", "ControlPanel", "fullscreenButton", "mainwidget/icons/iconMaximize"},
+        {"day before", "ArchiveControlPanel", "prevDayButton", "calendar/icons/arrow_left"},
+        {"zoom in", "ArchiveControlPanel", "zoomInButton", "mainwidget/icons/timelineZoomIn"},
+        {"close tile", "VideoWidget", "closeButton", "mainwidget/icons/boxCloseCam"},
+        {"snapshot", "VideoWidget", "cameraScreenshotButton", "mainwidget/icons/playerBoxSnap"},
+        {"tile's menu", "VideoWidget", "settingsButton", "mainwidget/icons/playerBoxMore"},
+        {"empty cell", "VideoPlaceholder", "logoLabel", "player/icons/placeholder_logo"},
+        {"hint", "PlayerNotification", "pixmapLabel", "player/icons/notificationError"},
+        {"close hint", "PlayerNotification", "closeButton", "mainwidget/icons/boxCloseCam"},
+    };
+    for (const auto &place : places)
+        QTest::newRow(place.row) << place.parent << place.name
+                                 << QStringLiteral(":/%1.png").arg(QLatin1String(place.icon));
 }
 
-void HighDensityTest::buttonsShowTheirIconInItsSize()
+/// A place larger than the icon would enlarge the large form, a smaller one squeeze it, and so
+/// would the pressed look.
+void HighDensityTest::iconsKeepTheirSize()
 {
     QFETCH(QString, parent);
-    QFETCH(QString, button);
+    QFETCH(QString, name);
     QFETCH(QString, icon);
-    Stage stage;
-    QVERIFY(stage.ready);
-    auto *widget = stage.window.findChild<QWidget *>(parent)->findChild<QPushButton *>(button);
-    QVERIFY(widget->isVisible());
-    // Without the edges, which have lines of their own.
-    const QRect inside = widget->rect().adjusted(4, 1, -1, -2);
-    const QPoint place = widget->mapTo(&stage.window, inside.topLeft());
-    const QImage shown = stage.window.grab(QRect(place, inside.size())).toImage();
-    QCOMPARE(shown.size(), inside.size() * 2);
+    PanelStage stage;
+    QVERIFY(stage.isExposed);
+    QWidget *widget = stage.reveal(parent, name);
+    QVERIFY(widget);
+    auto *button = qobject_cast<QPushButton *>(widget);
+    if (button)
+        button->setText(QString()); // the icon alone
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    const bool isTab = parent == QLatin1String("ToolBar");
+    // The edges of a tab are lines.
+    const QRect inside = isTab ? widget->rect().adjusted(4, 1, -1, -2) : widget->rect();
+    const QImage shown = stage.pictureOf(widget, inside, 2);
     const QColor ground = shown.pixelColor(0, 0);
+    const QImage expected = inkOf(iconOn(ground, icon), ground);
+    QVERIFY(qMax(expected.width(), expected.height()) > 14);
+    QCOMPARE(inkOf(shown, ground), expected);
 
-    const QRect ink = inkArea(shown, ground);
-    const QRect expected = inkArea(iconOn(ground, icon), ground);
-    QVERIFY(expected.width() > 20);
-    QVERIFY2(qAbs(ink.width() - expected.width()) <= 1 &&
-                 qAbs(ink.height() - expected.height()) <= 1,
-             qPrintable(QStringLiteral("%1 x %2 for %3 x %4")
-                            .arg(ink.width())
-                            .arg(ink.height())
-                            .arg(expected.width())
-                            .arg(expected.height())));
+    if (!button || isTab) // which looks checked while it is pressed
+        return;
+    const QPoint before = inkArea(shown, ground).topLeft();
+    button->setDown(true);
+    const QImage pressed = stage.pictureOf(widget, inside, 2);
+    QVERIFY(inkArea(pressed, ground).topLeft() != before);
+    QCOMPARE(inkOf(pressed, ground).size(), expected.size());
 }
 
 void HighDensityTest::labelsShowTheLargeForm_data()
@@ -168,13 +162,22 @@ void HighDensityTest::labelsShowTheLargeForm_data()
                                << ":/roster/icons/rosterCardPreviewNoCam.png";
     QTest::newRow("offline server") << "serverOfflineImage"
                                     << ":/roster/icons/rosterOfflineserver.png";
+    QTest::newRow("brand") << "brandLbl"
+                           << ":/login/icons/logo.png";
+    QTest::newRow("alert") << "warnIconLbl"
+                           << ":/login/icons/warn.png";
+    QTest::newRow("proxy arrow") << "arrowLbl"
+                                 << ":/login/icons/arrow_line.png";
+    QTest::newRow("gear") << "settingsButton"
+                          << ":/login/icons/settings.png";
 }
 
 void HighDensityTest::labelsShowTheLargeForm()
 {
     QFETCH(QString, label);
     QFETCH(QString, icon);
-    const Stage stage;
+    PanelStage stage;
+    const GUI::LoginDialog login(&stage.window);
     const QPixmap pixmap = stage.window.findChild<QLabel *>(label)->pixmap(Qt::ReturnByValue);
     QCOMPARE(pixmap.devicePixelRatio(), 2.0);
     QImage picture = pixmap.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);

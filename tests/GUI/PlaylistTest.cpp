@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include <QRandomGenerator>
 #include <QtTest>
 
 #include <algorithm>
+#include <ctime>
 
 #include "API/Camera.h"
 #include "GUI/Timeline.h"
@@ -53,6 +55,46 @@ QStringList itemsOf(const Playlist &playlist)
     return items;
 }
 
+QString momentsOf(const API::CameraPtr &camera, const QDateTime &start, const QDateTime &end)
+{
+    return QStringLiteral("%1 %2-%3")
+        .arg(camera->id())
+        .arg(start.toMSecsSinceEpoch())
+        .arg(end.toMSecsSinceEpoch());
+}
+
+QStringList momentsOf(const Playlist &playlist)
+{
+    QStringList items;
+    for (const auto &item : playlist)
+        items << momentsOf(item->camera, item->start, item->end);
+    items.sort();
+    return items;
+}
+
+/// The items found by looking at each record, one after the other.
+QStringList momentsByTheRule(const QList<API::CameraPtr> &cameras, const QDateTime &position)
+{
+    QDateTime next = position.addDays(1);
+    for (const API::CameraPtr &camera : cameras) {
+        for (const API::ArchiveRecord &record : camera->records(position.date())) {
+            if (record.start < position && record.end > position)
+                next = position;
+            else if (record.start >= position && record.start < next)
+                next = record.start;
+        }
+    }
+    QStringList items;
+    for (const API::CameraPtr &camera : cameras) {
+        for (const API::ArchiveRecord &record : camera->records(position.date())) {
+            if (record.start >= next || record.end > next)
+                items << momentsOf(camera, qMax(record.start, next), record.end);
+        }
+    }
+    items.sort();
+    return items;
+}
+
 bool isSortedByStart(const Playlist &playlist)
 {
     return std::is_sorted(playlist.begin(), playlist.end(),
@@ -72,7 +114,9 @@ private slots:
     void spans_data();
     void spans();
     void readsOneDayOnly();
-    void manyCameras();
+    void newRecordsReplaceTheOldOnes();
+    void sameAsByTheRule_data();
+    void sameAsByTheRule();
     void crossesTheMetaObjectSystem();
 
 private:
@@ -98,6 +142,8 @@ bool PlaylistTest::addCamera(Timeline &timeline, int id, const QList<API::Archiv
 
 void PlaylistTest::initTestCase()
 {
+    qputenv("TZ", "Europe/Berlin");
+    tzset();
     QVERIFY(world.start());
 }
 
@@ -143,6 +189,9 @@ void PlaylistTest::spans_data()
     QTest::newRow("records over each other")
         << QStringList{"10:00:00-12:00:00 10:30:00-11:00:00 11:30:00-13:00:00"} << "11:10:00"
         << QStringList{"1 11:10:00-12:00:00", "1 11:30:00-13:00:00"};
+    QTest::newRow("a long record over short ones")
+        << QStringList{"8:00:00-14:00:00 9:00:00-9:30:00 10:00:00-10:30:00"} << "11:00:00"
+        << QStringList{"1 11:00:00-14:00:00"};
     QTest::newRow("records in no order")
         << QStringList{"14:00:00-15:00:00 9:00:00-9:30:00 12:00:00-13:00:00",
                        "16:00:00-17:00:00 11:00:00-11:10:00"}
@@ -182,29 +231,57 @@ void PlaylistTest::readsOneDayOnly()
     QCOMPARE(playlist.first()->start, QDateTime(next, morning));
 }
 
-void PlaylistTest::manyCameras()
+void PlaylistTest::newRecordsReplaceTheOldOnes()
 {
-    constexpr int cameraCount = 7;
-    constexpr int recordCount = 200;
-    constexpr int period = 60;
-    constexpr int length = 30;
     Timeline timeline(day);
+    world.setRecords(1, recordsOf("10:00:00-11:00:00"));
+    const API::CameraPtr camera = world.localCamera(1);
+    QVERIFY(addCamera(timeline, camera));
+    QCOMPARE(itemsOf(timeline.playlistForCameras(at("0:00:00"))),
+             QStringList{"1 10:00:00-11:00:00"});
+    world.setRecords(1, recordsOf("12:00:00-13:00:00"));
+    QVERIFY(ArchiveWorld::load(camera, day));
+    QCOMPARE(itemsOf(timeline.playlistForCameras(at("0:00:00"))),
+             QStringList{"1 12:00:00-13:00:00"});
+}
+
+void PlaylistTest::sameAsByTheRule_data()
+{
+    QTest::addColumn<QDate>("date");
+    QTest::newRow("24 hours") << day;
+    QTest::newRow("23 hours") << QDate(2026, 3, 29);
+    QTest::newRow("25 hours") << QDate(2026, 10, 25);
+}
+
+void PlaylistTest::sameAsByTheRule()
+{
+    QFETCH(QDate, date);
+    constexpr int cameraCount = 5;
+    constexpr int recordCount = 40;
+    constexpr int positions = 200;
+    QRandomGenerator random(1);
+    const QDateTime begin = date.startOfDay();
+    const int daySeconds = static_cast<int>(begin.secsTo(date.endOfDay()));
+    const auto anyMoment = [&] { return begin.addSecs(random.bounded(daySeconds)); };
+    Timeline timeline(date);
+    QList<API::CameraPtr> cameras;
     for (int id = 1; id <= cameraCount; ++id) {
-        QList<API::ArchiveRecord> records = Tests::evenRecords(day, recordCount, period, length);
-        for (API::ArchiveRecord &record : records) {
-            record.start = record.start.addSecs(id);
-            record.end = record.end.addSecs(id);
+        // In no order, over each other, and with the same starts.
+        QList<API::ArchiveRecord> records;
+        for (int index = 0; index < recordCount; ++index) {
+            const QDateTime start = begin.addSecs(random.bounded(daySeconds) / 600 * 600);
+            records.append({start, start.addSecs(random.bounded(1, 1200))});
         }
-        QVERIFY(addCamera(timeline, id, records));
+        world.setRecords(id, records);
+        cameras.append(world.localCamera(id));
+        QVERIFY(addCamera(timeline, cameras.last()));
     }
-    // Half a minute into the hundredth minute all its records have begun, and the first ended.
-    const Playlist playlist = timeline.playlistForCameras(at("1:39:32"));
-    QVERIFY(isSortedByStart(playlist));
-    QCOMPARE(playlist.size(), cameraCount * 100 + cameraCount - 2);
-    QSet<QString> distinct;
-    for (const QString &item : itemsOf(playlist))
-        distinct.insert(item);
-    QCOMPARE(distinct.size(), playlist.size());
+    for (int index = 0; index < positions; ++index) {
+        const QDateTime position = anyMoment();
+        const Playlist playlist = timeline.playlistForCameras(position);
+        QVERIFY(isSortedByStart(playlist));
+        QCOMPARE(momentsOf(playlist), momentsByTheRule(cameras, position));
+    }
 }
 
 void PlaylistTest::crossesTheMetaObjectSystem()

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <QDirIterator>
+#include <QFile>
 #include <QFontDatabase>
 #include <QImage>
 #include <QRegularExpression>
@@ -79,6 +80,46 @@ const Picture pictures[] = {
     {"icons/timeline_footer", 16, 6, plain},
 };
 
+struct Mention {
+    QString file;
+    QString path;
+    bool isHoverRule;
+};
+
+QString contentOf(const QString &fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+/// The pictures that forms, style sheets and code name, without ":/" and ".png".
+QList<Mention> mentions()
+{
+    static const QRegularExpression name(QStringLiteral(":/{0,2}((?:[\\w-]+/)+[\\w-]+)\\.png"));
+    static const QRegularExpression hoverRule(QStringLiteral(":hover[^{};]*\\{[^}]*$"),
+                                              QRegularExpression::DotMatchesEverythingOption);
+    const QString root = QStringLiteral(ZORVANE_SOURCE_DIR "/");
+    QList<Mention> found;
+    for (const char *folder : {"forms", "resources", "GUI", "App"}) {
+        QDirIterator files(root + QLatin1String(folder),
+                           {QStringLiteral("*.ui"), QStringLiteral("*.qss"),
+                            QStringLiteral("*.cpp"), QStringLiteral("*.h")},
+                           QDir::Files, QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            const QString file = files.next();
+            const QString content = contentOf(file);
+            QRegularExpressionMatchIterator matches = name.globalMatch(content);
+            while (matches.hasNext()) {
+                const QRegularExpressionMatch match = matches.next();
+                const QString before = content.left(static_cast<int>(match.capturedStart()));
+                found.append({file.mid(root.size()), match.captured(1),
+                              hoverRule.match(before.right(400)).hasMatch()});
+            }
+        }
+    }
+    return found;
+}
+
 QImage loaded(const QString &path, const char *ending)
 {
     return QImage(QStringLiteral(":/") + path + QLatin1String(ending));
@@ -126,6 +167,11 @@ private slots:
     void hoverFormHasItsOwnColour_data();
     void hoverFormHasItsOwnColour();
     void everyPictureIsListed();
+    void namedPictureIsThere_data();
+    void namedPictureIsThere();
+    void hoverRuleNamesTheHoverForm_data();
+    void hoverRuleNamesTheHoverForm();
+    void everyPictureIsNamedSomewhere();
     void rootPathWithTwoSlashesResolves();
     void fontsAreOfTheFamily_data();
     void fontsAreOfTheFamily();
@@ -198,6 +244,54 @@ void ResourcesTest::everyPictureIsListed()
     }
     QCOMPARE(found - listed, QSet<QString>());
     QCOMPARE(listed - found, QSet<QString>());
+}
+
+void ResourcesTest::namedPictureIsThere_data()
+{
+    QTest::addColumn<QString>("path");
+    const QList<Mention> all = mentions();
+    QVERIFY(!all.isEmpty());
+    for (const Mention &mention : all)
+        QTest::newRow(qPrintable(mention.file + QStringLiteral(": ") + mention.path))
+            << mention.path;
+}
+
+void ResourcesTest::namedPictureIsThere()
+{
+    QFETCH(QString, path);
+    QVERIFY(!loaded(path, ".png").isNull());
+}
+
+void ResourcesTest::hoverRuleNamesTheHoverForm_data()
+{
+    QTest::addColumn<QString>("path");
+    const QList<Mention> all = mentions();
+    for (const Mention &mention : all) {
+        if (mention.isHoverRule)
+            QTest::newRow(qPrintable(mention.file + QStringLiteral(": ") + mention.path))
+                << mention.path;
+    }
+}
+
+void ResourcesTest::hoverRuleNamesTheHoverForm()
+{
+    QFETCH(QString, path);
+    QVERIFY(path.endsWith(QLatin1String("_hover")));
+}
+
+/// A hover form that nothing names is one that some button lacks.
+void ResourcesTest::everyPictureIsNamedSomewhere()
+{
+    QSet<QString> unnamed;
+    for (const Picture &picture : pictures) {
+        unnamed.insert(QString::fromLatin1(picture.path));
+        if (picture.hasHover)
+            unnamed.insert(QString::fromLatin1(picture.path) + QStringLiteral("_hover"));
+    }
+    const QList<Mention> all = mentions();
+    for (const Mention &mention : all)
+        unnamed.remove(mention.path);
+    QCOMPARE(unnamed, QSet<QString>());
 }
 
 void ResourcesTest::rootPathWithTwoSlashesResolves()

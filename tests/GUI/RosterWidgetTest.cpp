@@ -160,6 +160,7 @@ void RosterWidgetTest::cleanup()
     setWorld({});
     QFile::remove(QStringLiteral("local_roster.txt"));
     API::CloudAPIClient().loadLocalRoster();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 QSet<QByteArray> RosterWidgetTest::previewedCameras() const

@@ -72,7 +72,7 @@ FlvClip quarters(QSize size, int milliseconds, Codec codec, const QStringList &m
                          length(milliseconds));
 }
 
-FlvClip counting(int milliseconds, int keyInterval)
+FlvClip counting(int milliseconds)
 {
     const QString graph = QStringLiteral("color=c=black:s=160x96:r=25,format=yuv420p,"
                                          "geq=lum=%1+%2*mod(N\\,%3):cb=128:cr=128")
@@ -81,8 +81,8 @@ FlvClip counting(int milliseconds, int keyInterval)
                               .arg(maxCount);
     return FlvClip::make(
         source(graph) +
-        words("-c:v libx264 -preset ultrafast -tune zerolatency -qp 4 -sc_threshold 0") +
-        QStringList{QStringLiteral("-g"), QString::number(keyInterval)} + length(milliseconds));
+        words("-c:v libx264 -preset ultrafast -tune zerolatency -qp 4 -sc_threshold 0 -g 25") +
+        length(milliseconds));
 }
 
 FlvClip withTone(int milliseconds, const QString &audioCodec)

@@ -19,7 +19,7 @@ enum class Codec { H264, Flv, Mpeg4 };
 FlvClip quarters(QSize size, int milliseconds, Codec codec = Codec::H264,
                  const QStringList &more = {});
 /// Each picture is one even gray, brighter with each picture, so that it tells its number.
-FlvClip counting(int milliseconds, int keyInterval = 25);
+FlvClip counting(int milliseconds);
 constexpr int maxCount = 100;
 /// Quarters with a tone of 440 Hz.
 FlvClip withTone(int milliseconds, const QString &audioCodec);

@@ -61,7 +61,6 @@ class CompanionCommandsTest : public QObject
 private slots:
     void initTestCase();
     void pauseFreezesAndStopsReading();
-    void pauseBeforeTheFirstPicture();
     void strangeLines();
     void noPing();
     void closedInput_data();
@@ -69,7 +68,6 @@ private slots:
     void sound_data();
     void sound();
     void noSoundAtVolumeZero();
-    void noAudioDevice();
 
 private:
     FlvClip heavy;
@@ -119,21 +117,6 @@ void CompanionCommandsTest::pauseFreezesAndStopsReading()
     QVERIFY(!player.states().contains(7));
 }
 
-void CompanionCommandsTest::pauseBeforeTheFirstPicture()
-{
-    StreamServer server;
-    QVERIFY(server.start(StreamScript::of(counting)));
-    PlayerProcess player;
-    QVERIFY(player.start(server.url("/flv/live")));
-    player.send("pause");
-    QTRY_VERIFY_WITH_TIMEOUT(player.states().contains(1), deadline);
-    QTest::qWait(1000);
-    const int frames = player.frames();
-    QVERIFY2(frames <= 1, QByteArray::number(frames));
-    player.send("unpause");
-    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 10, deadline);
-}
-
 void CompanionCommandsTest::strangeLines()
 {
     StreamServer server;
@@ -177,10 +160,8 @@ void CompanionCommandsTest::closedInput_data()
     QTest::addColumn<QByteArray>("command");
     QTest::addColumn<int>("frames");
     QTest::addColumn<bool>("silentServer");
-    QTest::newRow("at once") << QByteArray() << 0 << false;
     QTest::newRow("while it waits for the server") << QByteArray() << 0 << true;
     QTest::newRow("playing") << QByteArray("volume 50") << 10 << false;
-    QTest::newRow("paused") << QByteArray("pause") << 10 << false;
 }
 
 void CompanionCommandsTest::closedInput()
@@ -212,10 +193,8 @@ void CompanionCommandsTest::sound_data()
     QTest::addColumn<QString>("codec");
     QTest::addColumn<QByteArray>("volume");
     QTest::addColumn<double>("share");
-    QTest::newRow("MP3") << QStringLiteral("libmp3lame") << QByteArray("volume 100") << 1.0;
-    QTest::newRow("AAC") << QStringLiteral("aac") << QByteArray("volume 100") << 1.0;
-    QTest::newRow("half") << QStringLiteral("aac") << QByteArray("volume 50") << 0.5;
-    QTest::newRow("more than all") << QStringLiteral("aac") << QByteArray("volume 1000") << 1.0;
+    QTest::newRow("MP3") << "libmp3lame" << QByteArray("volume 1000") << 1.0;
+    QTest::newRow("AAC, half") << "aac" << QByteArray("volume 50") << 0.5;
 }
 
 /// The audio library writes what would be heard into a file.
@@ -267,19 +246,6 @@ void CompanionCommandsTest::noSoundAtVolumeZero()
     const qint64 bytes = QFileInfo(path).size();
     QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
     QCOMPARE(QFileInfo(path).size(), bytes);
-}
-
-void CompanionCommandsTest::noAudioDevice()
-{
-    StreamServer server;
-    QVERIFY(server.start(StreamScript::of(Clips::withTone(1000, QStringLiteral("libmp3lame")))));
-    PlayerProcess player;
-    player.setEnvironment("SDL_AUDIODRIVER", "no such driver");
-    QVERIFY(player.start(server.url("/flv/live")));
-    player.send("volume 100");
-    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
-    QCOMPARE(player.exitCode(), 0);
-    QVERIFY2(player.frames() > 10, QByteArray::number(player.frames()));
 }
 
 QTEST_GUILESS_MAIN(CompanionCommandsTest)

@@ -54,20 +54,14 @@ QString faultInTimes(const PlayerProcess &player)
     return QString();
 }
 
-/// Every line is one of the protocol's, and no write brings two frames.
+/// Every line is one of the protocol's.
 QString faultInLines(const PlayerProcess &player)
 {
     const QRegularExpression known(
         QStringLiteral("^(frame|time [0-9]+|state [12367]|size [1-9][0-9]* [1-9][0-9]*)$"));
-    int writeWithFrame = -1;
     for (const PlayerLine &line : player.lines()) {
         if (!known.match(QString::fromLatin1(line.text)).hasMatch())
             return QString::fromLatin1(line.text);
-        if (line.text != "frame")
-            continue;
-        if (line.write == writeWithFrame)
-            return QStringLiteral("two frames in one write");
-        writeWithFrame = line.write;
     }
     return QString();
 }
@@ -84,12 +78,9 @@ private slots:
     void playsInTheStreamsTime_data();
     void playsInTheStreamsTime();
     void fastArchiveIsThinnedOut();
-    void timeRunsBetweenSlowPictures_data();
     void timeRunsBetweenSlowPictures();
-    void liveShowsTheNewest_data();
     void liveShowsTheNewest();
     void liveInBundles();
-    void liveCatchesUpAfterPause();
     void timestampsJump_data();
     void timestampsJump();
 
@@ -109,9 +100,7 @@ void CompanionPacingTest::playsInTheStreamsTime_data()
     QTest::addColumn<QByteArray>("path");
     QTest::addColumn<bool>("chunked");
     QTest::newRow("archive, all at once") << 0.0 << QByteArray("/flv/archive") << false;
-    QTest::newRow("archive, paced") << 1.0 << QByteArray("/flv/archive") << false;
     QTest::newRow("live") << 1.0 << QByteArray("/flv/live?q=2") << false;
-    QTest::newRow("live in chunks") << 1.0 << QByteArray("/flv/live?q=2") << true;
 }
 
 void CompanionPacingTest::playsInTheStreamsTime()
@@ -159,48 +148,28 @@ void CompanionPacingTest::fastArchiveIsThinnedOut()
              QByteArray::number(player.lastTime()));
 }
 
-void CompanionPacingTest::timeRunsBetweenSlowPictures_data()
-{
-    QTest::addColumn<double>("serverSpeed");
-    QTest::addColumn<QByteArray>("path");
-    QTest::newRow("archive") << 0.0 << QByteArray("/flv/archive");
-    QTest::newRow("live") << 1.0 << QByteArray("/flv/live");
-}
-
 void CompanionPacingTest::timeRunsBetweenSlowPictures()
 {
-    QFETCH(double, serverSpeed);
-    QFETCH(QByteArray, path);
     StreamServer server;
     QVERIFY(server.start(StreamScript::of(
         FlvClip::make(QStringLiteral("-f lavfi -i testsrc=s=160x96:r=1 -t 4 -c:v libx264 "
                                      "-tune zerolatency -pix_fmt yuv420p")
                           .split(QLatin1Char(' '))),
-        serverSpeed)));
+        0)));
     PlayerProcess player;
-    QVERIFY(player.start(server.url(path)));
+    QVERIFY(player.start(server.url("/flv/archive")));
     QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
     QCOMPARE(player.frames(), 4);
     QVERIFY2(times(player).size() >= 12, QByteArray::number(times(player).size()));
     QCOMPARE(faultInTimes(player), QString());
 }
 
-void CompanionPacingTest::liveShowsTheNewest_data()
-{
-    QTest::addColumn<int>("burst");
-    QTest::newRow("no burst") << 0;
-    QTest::newRow("half a second") << 500;
-    QTest::newRow("two seconds") << 2000;
-    QTest::newRow("thirty seconds") << 30'000;
-}
-
 /// Servers begin with what they have kept since the last key frame or longer.
 void CompanionPacingTest::liveShowsTheNewest()
 {
-    QFETCH(int, burst);
     StreamScript script;
     script.clip = counting.repeated(15);
-    script.burst = burst;
+    script.burst = 30'000;
     StreamServer server;
     QVERIFY(server.start(script));
     PlayerProcess player;
@@ -230,30 +199,12 @@ void CompanionPacingTest::liveInBundles()
     QVERIFY2(playing > 3500, QByteArray::number(playing));
 }
 
-void CompanionPacingTest::liveCatchesUpAfterPause()
-{
-    StreamServer server;
-    QVERIFY(server.start(StreamScript::of(counting.repeated(15))));
-    PlayerProcess player;
-    QVERIFY(player.start(server.url("/flv/live")));
-    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 10, deadline);
-    player.send("pause");
-    const int pausedAt = server.sentMilliseconds();
-    QTRY_VERIFY_WITH_TIMEOUT(server.sentMilliseconds() > pausedAt + 6000, deadline);
-    player.send("unpause");
-    QTRY_VERIFY_WITH_TIMEOUT(player.lastTime() > pausedAt + 5000, deadline);
-    const int value = usualLatency(server, player);
-    QVERIFY2(value < 1000, QByteArray::number(value));
-    QCOMPARE(faultInTimes(player), QString());
-}
-
 void CompanionPacingTest::timestampsJump_data()
 {
     QTest::addColumn<int>("gap");
     QTest::addColumn<int>("leastTime");
     QTest::addColumn<int>("mostTime");
     QTest::newRow("back") << -3900 << 7000 << 8500;
-    QTest::newRow("a little ahead") << 1500 << 8500 << 10'000;
     QTest::newRow("seven seconds ahead") << 7000 << 14'000 << 15'500;
     QTest::newRow("an hour ahead") << 3'600'000 << 7000 << 8500;
 }

@@ -54,7 +54,6 @@ VideoFile VideoFile::read(const QString &path)
         file.videoCodec = codec;
         file.size = QSize(stream.value(QStringLiteral("width")).toInt(),
                           stream.value(QStringLiteral("height")).toInt());
-        file.videoSeconds = numberOf(stream, "duration");
         file.pictures = static_cast<int>(numberOf(stream, "nb_read_frames"));
     }
     file.faults = probed.errors + run("ffmpeg", {"-i", path, "-f", "null", "-"}).errors;

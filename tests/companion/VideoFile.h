@@ -15,7 +15,6 @@ struct VideoFile {
     QString soundCodec; ///< empty if it has no sound
     QSize size;
     double seconds = 0;
-    double videoSeconds = 0;
     int pictures = 0;  ///< that can be decoded
     QByteArray faults; ///< what a decoder complains about
 

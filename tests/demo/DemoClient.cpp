@@ -25,8 +25,7 @@ QUrl withLeadingSlashesKept(const QString &text)
 
 } // namespace
 
-DemoClient::DemoClient(const DemoService &demo, bool trustAuthority)
-    : service(demo), trusting(trustAuthority)
+DemoClient::DemoClient(const DemoService &demo) : service(demo)
 {
     manager.setProxy(QNetworkProxy::NoProxy);
 }
@@ -35,8 +34,7 @@ QNetworkRequest DemoClient::request(const QString &url) const
 {
     QNetworkRequest result(withLeadingSlashesKept(url));
     QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-    tls.setCaCertificates(trusting ? QSslCertificate::fromPath(service.caCertificate())
-                                   : QList<QSslCertificate>());
+    tls.setCaCertificates(QSslCertificate::fromPath(service.caCertificate()));
     result.setSslConfiguration(tls);
     result.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                         QNetworkRequest::ManualRedirectPolicy);
@@ -61,41 +59,11 @@ Answer DemoClient::finish(QNetworkReply *reply, int timeoutMs)
     return answer;
 }
 
-Answer DemoClient::get(const QString &url, int timeoutMs)
-{
-    return finish(manager.get(request(url)), timeoutMs);
-}
-
 Answer DemoClient::post(const QString &url, const QByteArray &body, const QByteArray &type)
 {
     QNetworkRequest post = request(url);
     post.setRawHeader("Content-Type", type);
     return finish(manager.post(post, body), 15'000);
-}
-
-Answer DemoClient::del(const QString &url)
-{
-    return finish(manager.deleteResource(request(url)), 15'000);
-}
-
-QString DemoClient::api(const QString &path) const
-{
-    return QStringLiteral("https://127.0.0.1:%1").arg(service.apiPort()) + path;
-}
-
-QString DemoClient::streaming(const QString &path) const
-{
-    return QStringLiteral("https://127.0.0.1:%1").arg(service.streamingPort()) + path;
-}
-
-QString DemoClient::flv(const QString &path) const
-{
-    return QStringLiteral("http://127.0.0.1:%1").arg(service.flvPort()) + path;
-}
-
-QString DemoClient::lan(const QString &path) const
-{
-    return QStringLiteral("http://127.0.0.1:%1").arg(service.lanPorts().value(0)) + path;
 }
 
 Answer DemoClient::signIn(const QByteArray &login, const QByteArray &password)

@@ -33,19 +33,34 @@ struct Answer {
 class DemoClient
 {
 public:
-    /// Trusts the service's authority and nothing else, unless told to trust none.
-    explicit DemoClient(const DemoService &service, bool trusting = true);
+    /// Trusts the service's authority and nothing else.
+    explicit DemoClient(const DemoService &service);
 
-    Answer get(const QString &url, int timeoutMs = 15'000);
+    Answer get(const QString &url, int timeoutMs = 15'000)
+    {
+        return finish(manager.get(request(url)), timeoutMs);
+    }
     Answer post(const QString &url, const QByteArray &body,
                 const QByteArray &type = "application/x-www-form-urlencoded");
-    Answer del(const QString &url);
+    Answer del(const QString &url) { return finish(manager.deleteResource(request(url)), 15'000); }
 
     /// URL of a path at the API, at the streaming endpoint, for streams and at a LAN server.
-    QString api(const QString &path) const;
-    QString streaming(const QString &path) const;
-    QString flv(const QString &path) const;
-    QString lan(const QString &path) const;
+    QString api(const QString &path) const
+    {
+        return QStringLiteral("https://127.0.0.1:%1").arg(service.apiPort()) + path;
+    }
+    QString streaming(const QString &path) const
+    {
+        return QStringLiteral("https://127.0.0.1:%1").arg(service.streamingPort()) + path;
+    }
+    QString flv(const QString &path) const
+    {
+        return QStringLiteral("http://127.0.0.1:%1").arg(service.flvPort()) + path;
+    }
+    QString lan(const QString &path) const
+    {
+        return QStringLiteral("http://127.0.0.1:%1").arg(service.lanPorts().value(0)) + path;
+    }
 
     Answer signIn(const QByteArray &login, const QByteArray &password);
     /// Signs in with the service's own account; the session, empty on failure.
@@ -58,7 +73,6 @@ private:
     QNetworkRequest request(const QString &url) const;
 
     const DemoService &service;
-    const bool trusting;
     QNetworkAccessManager manager;
 };
 

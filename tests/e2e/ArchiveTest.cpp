@@ -282,7 +282,9 @@ void ArchiveTest::aTileRestsInItsGapAndComesBack()
 {
     click(at("12:00:22"));
     QTRY_VERIFY_WITH_TIMEOUT(showsNear(1, cursor(), maxApartMs), pictureDeadlineMs);
-    QTRY_VERIFY_WITH_TIMEOUT(!tileOf(1)->isPlaying(), pictureDeadlineMs);
+    // A tile that ran out ahead of the cursor plays its end again until the cursor is there too.
+    const auto rests = [&] { return cursor() >= at("12:00:33") && !tileOf(1)->isPlaying(); };
+    QTRY_VERIFY_WITH_TIMEOUT(rests(), pictureDeadlineMs);
     QVERIFY(cursor() < at("12:00:42"));
     QVERIFY(tileOf(0)->isPlaying());
     QTRY_VERIFY_WITH_TIMEOUT(tileOf(1)->isPlaying() && showsNear(1, cursor(), maxApartMs),

@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
+#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QNetworkAccessManager>
@@ -67,15 +68,10 @@ DemoCamera cameraFrom(const QJsonObject &server, const QJsonObject &camera)
 DemoRequest requestFrom(const QJsonObject &json)
 {
     DemoRequest request;
-    request.listener = json.value(QLatin1String("listener")).toString();
     request.method = json.value(QLatin1String("method")).toString();
     request.path = json.value(QLatin1String("path")).toString();
     request.query = json.value(QLatin1String("query")).toString();
     request.body = json.value(QLatin1String("body")).toString().toUtf8();
-    request.timeMs = static_cast<qint64>(json.value(QLatin1String("time")).toDouble());
-    const QJsonObject headers = json.value(QLatin1String("headers")).toObject();
-    for (auto header = headers.begin(); header != headers.end(); ++header)
-        request.headers.insert(header.key(), header.value().toString());
     return request;
 }
 
@@ -150,25 +146,11 @@ bool DemoService::restart()
     again << QStringLiteral("--api-port") << QString::number(apiPort())
           << QStringLiteral("--streaming-port") << QString::number(streamingPort())
           << QStringLiteral("--flv-port") << QString::number(flvPort())
-          << QStringLiteral("--control-port") << QString::number(controlPort());
+          << QStringLiteral("--control-port")
+          << QString::number(ready.value(QLatin1String("control")).toInt());
     if (!ports.isEmpty())
         again << QStringLiteral("--lan-ports") << ports.join(QLatin1Char(','));
     return launch(again);
-}
-
-bool DemoService::isRunning() const
-{
-    return program->state() == QProcess::Running;
-}
-
-QString DemoService::errorString() const
-{
-    return error;
-}
-
-QProcess *DemoService::process() const
-{
-    return program;
 }
 
 App::ServiceProfile DemoService::profile() const
@@ -184,26 +166,6 @@ App::ServiceProfile DemoService::profile() const
     return result;
 }
 
-int DemoService::apiPort() const
-{
-    return ready.value(QLatin1String("api")).toInt();
-}
-
-int DemoService::streamingPort() const
-{
-    return ready.value(QLatin1String("streaming")).toInt();
-}
-
-int DemoService::flvPort() const
-{
-    return ready.value(QLatin1String("flv")).toInt();
-}
-
-int DemoService::controlPort() const
-{
-    return ready.value(QLatin1String("control")).toInt();
-}
-
 QList<int> DemoService::lanPorts() const
 {
     QList<int> result;
@@ -211,26 +173,6 @@ QList<int> DemoService::lanPorts() const
     for (const QJsonValue port : ports)
         result << port.toInt();
     return result;
-}
-
-QString DemoService::lanPassword() const
-{
-    return ready.value(QLatin1String("lanPassword")).toString();
-}
-
-QString DemoService::caCertificate() const
-{
-    return ready.value(QLatin1String("ca")).toString();
-}
-
-QString DemoService::email() const
-{
-    return ready.value(QLatin1String("email")).toString();
-}
-
-QString DemoService::password() const
-{
-    return ready.value(QLatin1String("password")).toString();
 }
 
 bool DemoService::writeLocalRoster(const QString &folder)
@@ -258,8 +200,9 @@ QJsonObject DemoService::control(const QByteArray &method, const QString &path,
 {
     QNetworkAccessManager manager;
     manager.setProxy(QNetworkProxy::NoProxy);
-    QNetworkRequest request(
-        QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(controlPort()).arg(path)));
+    QNetworkRequest request(QUrl(QStringLiteral("http://127.0.0.1:%1%2")
+                                     .arg(ready.value(QLatin1String("control")).toInt())
+                                     .arg(path)));
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
     QNetworkReply *reply = manager.sendCustomRequest(
         request, method, body.isEmpty() ? QByteArray() : QJsonDocument(body).toJson());
@@ -289,6 +232,11 @@ QVector<DemoCamera> DemoService::cameras()
     return result;
 }
 
+bool DemoService::post(const char *path, const QJsonObject &body)
+{
+    return !control("POST", QLatin1String(path), body).isEmpty();
+}
+
 DemoCamera DemoService::camera(int number)
 {
     const QVector<DemoCamera> all = cameras();
@@ -313,7 +261,7 @@ bool DemoService::setCamera(const QString &server, int camera, const QJsonObject
     QJsonObject body = values;
     body.insert(QStringLiteral("server"), server);
     body.insert(QStringLiteral("camera"), camera);
-    return !control("POST", QStringLiteral("/cameras/set"), body).isEmpty();
+    return post("/cameras/set", body);
 }
 
 bool DemoService::setArchive(const DemoCamera &camera,
@@ -322,33 +270,16 @@ bool DemoService::setArchive(const DemoCamera &camera,
     QJsonArray list;
     for (const auto &[start, end] : records)
         list.append(QJsonArray{start, end});
-    return !control("POST", QStringLiteral("/cameras/archive"),
-                    {{QStringLiteral("server"), camera.server},
-                     {QStringLiteral("camera"), camera.camera},
-                     {QStringLiteral("records"), list}})
-                .isEmpty();
+    return post("/cameras/archive", {{QStringLiteral("server"), camera.server},
+                                     {QStringLiteral("camera"), camera.camera},
+                                     {QStringLiteral("records"), list}});
 }
 
 bool DemoService::setServer(const QString &server, const QJsonObject &values)
 {
     QJsonObject body = values;
     body.insert(QStringLiteral("server"), server);
-    return !control("POST", QStringLiteral("/servers/set"), body).isEmpty();
-}
-
-int DemoService::addCamera(const QString &server, const QString &name)
-{
-    return control("POST", QStringLiteral("/cameras/add"),
-                   {{QStringLiteral("server"), server}, {QStringLiteral("name"), name}})
-        .value(QLatin1String("camera"))
-        .toInt();
-}
-
-bool DemoService::removeCamera(const QString &server, int camera)
-{
-    return !control("POST", QStringLiteral("/cameras/remove"),
-                    {{QStringLiteral("server"), server}, {QStringLiteral("camera"), camera}})
-                .isEmpty();
+    return post("/servers/set", body);
 }
 
 QString DemoService::addServer(const QString &name, int cameras)
@@ -359,21 +290,9 @@ QString DemoService::addServer(const QString &name, int cameras)
         .toString();
 }
 
-bool DemoService::removeServer(const QString &server)
-{
-    return !control("POST", QStringLiteral("/servers/remove"), {{QStringLiteral("server"), server}})
-                .isEmpty();
-}
-
-bool DemoService::setSignInRefused(bool refused)
-{
-    return !control("POST", QStringLiteral("/sign-in/set"), {{QStringLiteral("refuse"), refused}})
-                .isEmpty();
-}
-
 bool DemoService::dropSessions()
 {
-    return !control("POST", QStringLiteral("/sessions/drop"), QJsonObject()).isEmpty();
+    return post("/sessions/drop", QJsonObject());
 }
 
 int DemoService::addFault(const DemoFault &fault)
@@ -392,15 +311,9 @@ int DemoService::addFault(const DemoFault &fault)
         .toInt();
 }
 
-bool DemoService::clearFault(int number)
-{
-    return !control("POST", QStringLiteral("/faults/remove"), {{QStringLiteral("fault"), number}})
-                .isEmpty();
-}
-
 bool DemoService::clearFaults()
 {
-    return !control("POST", QStringLiteral("/faults/clear"), QJsonObject()).isEmpty();
+    return post("/faults/clear", QJsonObject());
 }
 
 QVector<DemoRequest> DemoService::requests(const QString &path)
@@ -421,11 +334,6 @@ int DemoService::requestCount(const QString &path)
         .toInt();
 }
 
-bool DemoService::clearRequests()
-{
-    return !control("POST", QStringLiteral("/requests/clear"), QJsonObject()).isEmpty();
-}
-
 int DemoService::openStreams()
 {
     return control("GET", QStringLiteral("/streams"), QJsonObject())
@@ -435,7 +343,7 @@ int DemoService::openStreams()
 
 bool DemoService::reset()
 {
-    return !control("POST", QStringLiteral("/reset"), QJsonObject()).isEmpty();
+    return post("/reset", QJsonObject());
 }
 
 } // namespace Tests

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QHash>
 #include <QJsonObject>
 #include <QObject>
 #include <QPair>
@@ -31,13 +30,10 @@ struct DemoCamera {
 
 /// One request that the demo service received.
 struct DemoRequest {
-    QString listener; ///< "api", "streaming", "flv" or "lan"
     QString method;
-    QString path;                    ///< as it stood on the wire
-    QString query;                   ///< as it stood on the wire
-    QHash<QString, QString> headers; ///< names in lower case
+    QString path;  ///< as it stood on the wire
+    QString query; ///< as it stood on the wire
     QByteArray body;
-    qint64 timeMs = 0; ///< since the epoch
 };
 
 /// What goes wrong on purpose; docs/demo-service.md tells the kinds.
@@ -86,21 +82,19 @@ public:
     void stop();
     /// Starts it again on the same ports, data folder and options.
     bool restart();
-    bool isRunning() const;
-    QString errorString() const;
-    QProcess *process() const;
+    QString errorString() const { return error; }
+    QProcess *process() const { return program; }
 
     /// Hosts, ports and certificate authority of this service for the client.
     App::ServiceProfile profile() const;
-    int apiPort() const;
-    int streamingPort() const;
-    int flvPort() const;
-    int controlPort() const;
+    int apiPort() const { return ready.value(QLatin1String("api")).toInt(); }
+    int streamingPort() const { return ready.value(QLatin1String("streaming")).toInt(); }
+    int flvPort() const { return ready.value(QLatin1String("flv")).toInt(); }
     QList<int> lanPorts() const;
-    QString lanPassword() const;
-    QString caCertificate() const;
-    QString email() const;
-    QString password() const;
+    QString lanPassword() const { return ready.value(QLatin1String("lanPassword")).toString(); }
+    QString caCertificate() const { return ready.value(QLatin1String("ca")).toString(); }
+    QString email() const { return ready.value(QLatin1String("email")).toString(); }
+    QString password() const { return ready.value(QLatin1String("password")).toString(); }
     /// Writes `local_roster.txt` with the LAN servers into `folder`.
     bool writeLocalRoster(const QString &folder);
 
@@ -117,24 +111,17 @@ public:
     bool setArchive(const DemoCamera &camera, const QVector<QPair<qint64, qint64>> &records);
     /// Sets any of: online, name, live, archive.
     bool setServer(const QString &server, const QJsonObject &values);
-    /// Returns the new camera's id, 0 on failure.
-    int addCamera(const QString &server, const QString &name);
-    bool removeCamera(const QString &server, int camera);
     /// Returns the new server's id.
     QString addServer(const QString &name, int cameras);
-    bool removeServer(const QString &server);
 
-    bool setSignInRefused(bool refused);
     bool dropSessions();
-    /// Returns the fault's number for `clearFault`, 0 on failure.
+    /// Returns the fault's number, 0 on failure.
     int addFault(const DemoFault &fault);
-    bool clearFault(int number);
     bool clearFaults();
 
     /// Requests received so far whose path is `path`; an empty path: all.
     QVector<DemoRequest> requests(const QString &path = QString());
     int requestCount(const QString &path);
-    bool clearRequests();
     /// How many FLV streams are being sent.
     int openStreams();
     /// Faults off, sign-in accepted, requests forgotten, the world as at the start.
@@ -144,6 +131,8 @@ public:
     QJsonObject control(const QByteArray &method, const QString &path, const QJsonObject &body);
 
 private:
+    /// True if it was accepted.
+    bool post(const char *path, const QJsonObject &body);
     bool launch(const QStringList &arguments);
 
     QProcess *program = nullptr;

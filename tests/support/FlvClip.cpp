@@ -36,9 +36,7 @@ FlvTag movedTo(FlvTag tag, int milliseconds)
     return tag;
 }
 
-} // namespace
-
-FlvClip FlvClip::fromBytes(const QByteArray &bytes)
+FlvClip fromBytes(const QByteArray &bytes)
 {
     FlvClip clip;
     clip.header = bytes.left(headerBytes);
@@ -52,6 +50,8 @@ FlvClip FlvClip::fromBytes(const QByteArray &bytes)
     }
     return clip;
 }
+
+} // namespace
 
 FlvClip FlvClip::make(const QStringList &arguments)
 {

@@ -20,7 +20,6 @@ struct FlvClip {
     QByteArray header;
     QVector<FlvTag> tags;
 
-    static FlvClip fromBytes(const QByteArray &bytes);
     /// Makes a clip with the `ffmpeg` program; `arguments` name inputs and encoders. Empty if
     /// that failed.
     static FlvClip make(const QStringList &arguments);

@@ -14,30 +14,9 @@ namespace Tests {
 
 namespace {
 
-const QByteArray lineEnd = QByteArrayLiteral("\r\n");
 const QByteArray headEnd = QByteArrayLiteral("\r\n\r\n");
 
 } // namespace
-
-QByteArray WireRequest::requestLine() const
-{
-    return head.left(head.indexOf(lineEnd));
-}
-
-QByteArray WireRequest::method() const
-{
-    return requestLine().split(' ').value(0);
-}
-
-QByteArray WireRequest::target() const
-{
-    return requestLine().split(' ').value(1);
-}
-
-QByteArray WireRequest::path() const
-{
-    return target().split('?').value(0);
-}
 
 QByteArray WireRequest::header(const QByteArray &name) const
 {
@@ -76,27 +55,15 @@ WireReply WireReply::redirect(const QByteArray &location, int status)
                "\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
 }
 
-WireReply WireReply::silence()
-{
-    return raw(QByteArray(), Ending::KeepOpen);
-}
-
 MisbehavingServer::MisbehavingServer(QObject *parent) : QTcpServer(parent)
 {
     setReply(WireReply::json("{}"));
 }
 
-MisbehavingServer::~MisbehavingServer() = default;
-
 bool MisbehavingServer::start(const TlsIdentity *identity)
 {
     tls = identity;
     return listen(QHostAddress::LocalHost);
-}
-
-int MisbehavingServer::port() const
-{
-    return serverPort();
 }
 
 QByteArray MisbehavingServer::origin() const
@@ -105,29 +72,9 @@ QByteArray MisbehavingServer::origin() const
            QByteArray::number(port());
 }
 
-void MisbehavingServer::setHandler(Handler handler)
-{
-    handle = handler;
-}
-
 void MisbehavingServer::setReply(const WireReply &reply)
 {
     handle = [reply](const WireRequest &) { return reply; };
-}
-
-QList<WireRequest> MisbehavingServer::requests() const
-{
-    return received;
-}
-
-void MisbehavingServer::clearRequests()
-{
-    received.clear();
-}
-
-int MisbehavingServer::openConnections() const
-{
-    return connections;
 }
 
 int MisbehavingServer::deadPort()
@@ -174,31 +121,21 @@ void MisbehavingServer::readRequest(QTcpSocket *socket)
     request.body = socket->read(fullSize).mid(headSize + headEnd.size());
     received.append(request);
     const WireReply reply = handle(request);
-    emit requestReceived();
     answer(socket, reply);
 }
 
 void MisbehavingServer::answer(QTcpSocket *socket, const WireReply &reply)
 {
-    if (reply.dripBytes > 0) {
-        drip(socket, reply);
-        return;
-    }
-    socket->write(reply.bytes);
-    end(socket, reply.ending);
-}
-
-void MisbehavingServer::drip(QTcpSocket *socket, const WireReply &reply)
-{
-    socket->write(reply.bytes.left(reply.dripBytes));
-    socket->flush();
+    const int count = reply.dripBytes > 0 ? reply.dripBytes : static_cast<int>(reply.bytes.size());
+    socket->write(reply.bytes.left(count));
     WireReply rest = reply;
-    rest.bytes = reply.bytes.mid(reply.dripBytes);
+    rest.bytes = reply.bytes.mid(count);
     if (rest.bytes.isEmpty()) {
         end(socket, rest.ending);
         return;
     }
-    QTimer::singleShot(1, socket, [this, socket, rest] { drip(socket, rest); });
+    socket->flush();
+    QTimer::singleShot(1, socket, [this, socket, rest] { answer(socket, rest); });
 }
 
 void MisbehavingServer::end(QTcpSocket *socket, WireReply::Ending ending)

@@ -19,11 +19,11 @@ struct WireRequest {
     QByteArray head; ///< request line and header lines, without the empty line
     QByteArray body;
 
-    QByteArray requestLine() const;
-    QByteArray method() const;
+    QByteArray requestLine() const { return head.left(head.indexOf("\r\n")); }
+    QByteArray method() const { return requestLine().split(' ').value(0); }
     /// Path and query.
-    QByteArray target() const;
-    QByteArray path() const;
+    QByteArray target() const { return requestLine().split(' ').value(1); }
+    QByteArray path() const { return target().split('?').value(0); }
     /// Value of the first header of that name in any case; empty without one.
     QByteArray header(const QByteArray &name) const;
 };
@@ -42,7 +42,7 @@ struct WireReply {
     static WireReply json(const QByteArray &body, int status = 200);
     static WireReply redirect(const QByteArray &location, int status = 302);
     /// The request is read and never answered.
-    static WireReply silence();
+    static WireReply silence() { return raw(QByteArray(), Ending::KeepOpen); }
 };
 
 /// An HTTP server on loopback that answers exactly what the test tells it to, over plain TCP
@@ -56,27 +56,23 @@ public:
     using Handler = std::function<WireReply(const WireRequest &)>;
 
     explicit MisbehavingServer(QObject *parent = nullptr);
-    ~MisbehavingServer() override;
 
     /// Listens on a free port; with `identity` every connection speaks TLS.
     bool start(const TlsIdentity *identity = nullptr);
-    int port() const;
+    int port() const { return serverPort(); }
     /// "http://127.0.0.1:port" or "https://localhost:port".
     QByteArray origin() const;
 
-    void setHandler(Handler handler);
+    void setHandler(Handler handler) { handle = std::move(handler); }
     /// The same reply to every request.
     void setReply(const WireReply &reply);
 
-    QList<WireRequest> requests() const;
-    void clearRequests();
-    int openConnections() const;
+    QList<WireRequest> requests() const { return received; }
+    void clearRequests() { received.clear(); }
+    int openConnections() const { return connections; }
 
     /// A port of loopback that nobody listens on.
     static int deadPort();
-
-signals:
-    void requestReceived();
 
 protected:
     void incomingConnection(qintptr descriptor) override;
@@ -84,7 +80,6 @@ protected:
 private:
     void readRequest(QTcpSocket *socket);
     void answer(QTcpSocket *socket, const WireReply &reply);
-    void drip(QTcpSocket *socket, const WireReply &reply);
     void end(QTcpSocket *socket, WireReply::Ending ending);
 
     const TlsIdentity *tls = nullptr;

@@ -55,11 +55,6 @@ MouseDrag::MouseDrag(QWidget *sourceWidget, QWidget *targetWidget)
     connect(&clock, &QTimer::timeout, this, &MouseDrag::step);
 }
 
-QString MouseDrag::takenBy() const
-{
-    return taker;
-}
-
 bool MouseDrag::run(const std::function<void()> &atTarget)
 {
     whenAtTarget = atTarget;

@@ -30,7 +30,7 @@ public:
     /// that, `atTarget` is called.
     bool run(const std::function<void()> &atTarget = {});
     /// The widget that was given the drop, by class name; empty if it was refused.
-    QString takenBy() const;
+    QString takenBy() const { return taker; }
 
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;

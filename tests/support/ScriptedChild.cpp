@@ -50,11 +50,6 @@ void ScriptedChild::tell(const QString &name)
     writeFile(folder.filePath(name), QByteArray());
 }
 
-void ScriptedChild::forget(const QString &name)
-{
-    QFile::remove(folder.filePath(name));
-}
-
 QList<QByteArray> ScriptedChild::lines(const QString &name) const
 {
     QFile file(folder.filePath(name));

@@ -26,8 +26,6 @@ public:
     void setScript(const QStringList &script);
     /// Lets a child go on that waits for `name`.
     void tell(const QString &name);
-    /// Makes a child wait at `name` again.
-    void forget(const QString &name);
 
     /// Arguments of each start so far.
     QList<QStringList> starts() const;

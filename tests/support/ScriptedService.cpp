@@ -41,12 +41,6 @@ bool ScriptedService::start()
     return true;
 }
 
-void ScriptedService::answer(const QByteArray &method, const QByteArray &path,
-                             const WireReply &reply)
-{
-    replies.insert(method + ' ' + path, reply);
-}
-
 void ScriptedService::succeed(const QByteArray &method, const QByteArray &path,
                               const QByteArray &response)
 {
@@ -59,11 +53,6 @@ void ScriptedService::reset()
     socketServer.clearRequests();
 }
 
-QList<WireRequest> ScriptedService::requests() const
-{
-    return socketServer.requests();
-}
-
 QList<WireRequest> ScriptedService::requestsTo(const QByteArray &path) const
 {
     QList<WireRequest> found;
@@ -73,11 +62,6 @@ QList<WireRequest> ScriptedService::requestsTo(const QByteArray &path) const
             found.append(request);
     }
     return found;
-}
-
-MisbehavingServer &ScriptedService::server()
-{
-    return socketServer;
 }
 
 } // namespace Tests

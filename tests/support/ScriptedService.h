@@ -23,16 +23,19 @@ public:
     bool start();
 
     /// Until this is said, every request is answered with a failure, code 10001.
-    void answer(const QByteArray &method, const QByteArray &path, const WireReply &reply);
+    void answer(const QByteArray &method, const QByteArray &path, const WireReply &reply)
+    {
+        replies.insert(method + ' ' + path, reply);
+    }
     /// A successful envelope round `response`.
     void succeed(const QByteArray &method, const QByteArray &path, const QByteArray &response);
     /// Forgets replies and requests.
     void reset();
 
-    QList<WireRequest> requests() const;
+    QList<WireRequest> requests() const { return socketServer.requests(); }
     /// Requests to `path` only.
     QList<WireRequest> requestsTo(const QByteArray &path) const;
-    MisbehavingServer &server();
+    MisbehavingServer &server() { return socketServer; }
 
 private:
     MisbehavingServer socketServer;

@@ -42,19 +42,27 @@ class StreamServer : public QTcpServer
     Q_DISABLE_COPY(StreamServer)
 
 public:
-    explicit StreamServer(QObject *parent = nullptr);
-    ~StreamServer() override;
+    StreamServer() = default;
 
     bool start();
     /// With `script` for every request.
     bool start(const StreamScript &script);
     /// "http://127.0.0.1:port" and the path.
-    QByteArray url(const QByteArray &path) const;
+    QByteArray url(const QByteArray &path) const
+    {
+        return "http://127.0.0.1:" + QByteArray::number(serverPort()) + path;
+    }
 
     /// The script of every later request; for one path only, if that is given.
-    void setScript(const StreamScript &script, const QByteArray &path = QByteArray());
+    void setScript(const StreamScript &script, const QByteArray &path = QByteArray())
+    {
+        scripts.insert(path, script);
+    }
     /// From now on a request without this user and password gets 407.
-    void requireProxyAuthorization(const QByteArray &user, const QByteArray &password);
+    void requireProxyAuthorization(const QByteArray &user, const QByteArray &password)
+    {
+        proxyCredentials = (user + ":" + password).toBase64();
+    }
 
     /// Request line and header lines of each request.
     QList<QByteArray> heads() const { return receivedHeads; }
@@ -62,7 +70,6 @@ public:
     int sentMilliseconds() const { return sent; }
     /// Bytes that the system has taken from this server.
     qint64 takenBytes() const { return taken; }
-    int openConnections() const { return connections; }
 
     /// A port of loopback that nobody listens on.
     static int deadPort();
@@ -81,7 +88,6 @@ private:
     QList<QByteArray> receivedHeads;
     int sent = 0;
     qint64 taken = 0;
-    int connections = 0;
 };
 
 } // namespace Tests

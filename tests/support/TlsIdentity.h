@@ -16,11 +16,11 @@ public:
     /// Files are named after `name`. See isValid().
     explicit TlsIdentity(const QString &name);
 
-    bool isValid() const;
-    QSslCertificate certificate() const;
-    QSslKey privateKey() const;
+    bool isValid() const { return !ownCertificate.isNull() && !ownKey.isNull(); }
+    QSslCertificate certificate() const { return ownCertificate; }
+    QSslKey privateKey() const { return ownKey; }
     /// PEM file that makes the certificate trusted.
-    QString certificateFile() const;
+    QString certificateFile() const { return certificatePath; }
 
 private:
     QString certificatePath;

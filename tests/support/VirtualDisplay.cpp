@@ -72,11 +72,6 @@ VirtualDisplay::~VirtualDisplay()
     ::waitpid(server, nullptr, 0);
 }
 
-QByteArray VirtualDisplay::name() const
-{
-    return display;
-}
-
 void VirtualDisplay::use() const
 {
     qputenv("DISPLAY", display);

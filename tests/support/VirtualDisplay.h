@@ -22,7 +22,7 @@ public:
     ~VirtualDisplay();
 
     /// Such as ":99"; empty if there is no Xvfb or it did not come up.
-    QByteArray name() const;
+    QByteArray name() const { return display; }
     /// Makes Qt, and every program started from here on, use this display.
     void use() const;
 

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include <QApplication>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QStackedWidget>
+#include <QtTest>
+
+#include "App/Application.h"
+#include "GUI/LoginDialog.h"
+#include "GUI/TippedButton.h"
+#include "tests/e2e/EndToEnd.h"
+#include "tests/pictures/Studio.h"
+
+namespace ZorvaneClient {
+namespace Tests {
+
+namespace {
+
+const QString sessionsPath = QStringLiteral("/public/sessions");
+
+template <typename T>
+T *part(const char *name)
+{
+    return loginDialog()->findChild<T *>(QLatin1String(name));
+}
+
+void take(Studio &studio, const char *name, const char *caption)
+{
+    settle();
+    studio.album.take(QLatin1String(name), QLatin1String(caption), loginDialog());
+}
+
+void takeTip(Studio &studio, const char *name, const char *caption, QWidget *target)
+{
+    hover(target);
+    take(studio, name, caption);
+    QTest::mouseMove(loginDialog(), QPoint(loginDialog()->width() / 2, 100));
+    settle();
+}
+
+void click(QWidget *button)
+{
+    QTest::mouseClick(button, Qt::LeftButton);
+    settle();
+}
+
+bool showsBar(const char *page)
+{
+    return part<QStackedWidget>("alertsBar")->currentWidget()->objectName() == QLatin1String(page);
+}
+
+} // namespace
+
+void takeSignIn(Studio &studio)
+{
+    qobject_cast<App::Application *>(qApp)->startLogin();
+    waitFor([] { return loginDialog() != nullptr; }, "sign-in dialog");
+    take(studio, "sign-in", "The sign-in dialog at the first start");
+    part<QLineEdit>("emailLn")->setText(studio.service.email());
+    part<QLineEdit>("passwordLn")->setText(QStringLiteral("a wrong one"));
+    take(studio, "sign-in-filled", "The sign-in dialog, filled in");
+    takeTip(studio, "sign-in-gear", "The tip of the gear", part<QWidget>("settingsButton"));
+
+    DemoFault stall;
+    stall.kind = QStringLiteral("stall");
+    stall.route = sessionsPath;
+    require(studio.service.addFault(stall) > 0, "fault");
+    click(part<QPushButton>("signInButton"));
+    take(studio, "sign-in-waiting", "While the service is asked");
+    studio.service.clearFaults();
+    waitFor([] { return showsBar("wrongEmailPassWgt"); }, "bar for a wrong password");
+    take(studio, "sign-in-wrong", "A wrong password");
+
+    click(part<QWidget>("settingsButton"));
+    take(studio, "account-settings", "The account settings");
+    const QList<TippedIcon *> tips = part<QWidget>("settingsPage")->findChildren<TippedIcon *>();
+    takeTip(studio, "account-settings-tip", "The tip of the default settings", tips.first());
+    click(part<QRadioButton>("proxyChoice"));
+    part<QLineEdit>("proxyHost")->setText(QStringLiteral("proxy.example.org"));
+    part<QLineEdit>("proxyPort")->setText(QStringLiteral("3128"));
+    part<QLineEdit>("proxyLogin")->setText(QStringLiteral("anna"));
+    part<QLineEdit>("proxyPassword")->setText(QStringLiteral("secret"));
+    take(studio, "account-settings-proxy", "The account settings with a proxy");
+    takeTip(studio, "account-settings-proxy-tip", "The tip of the proxy", tips.last());
+    click(part<QPushButton>("doneButton"));
+    take(studio, "sign-in-proxy", "The bar that tells of the proxy");
+
+    click(part<QPushButton>("settingsPBtn2"));
+    click(part<QRadioButton>("defaultChoice"));
+    click(part<QPushButton>("doneButton"));
+    require(enter(studio.service), "main window");
+    placeMainWindow();
+    studio.take("wall-empty", "The main window right after the sign-in");
+}
+
+} // namespace Tests
+} // namespace ZorvaneClient

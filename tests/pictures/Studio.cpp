@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: MIT
+#include "tests/pictures/Studio.h"
+
+#include <QMenu>
+#include <QPushButton>
+#include <QScreen>
+#include <QTimer>
+#include <QtTest>
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "API/Camera.h"
+#include "API/Layout.h"
+#include "GUI/CameraWidget.h"
+#include "GUI/InfoPanel.h"
+#include "GUI/LayoutWidget.h"
+#include "GUI/MainWindow.h"
+#include "GUI/Player/VideoWidget.h"
+#include "GUI/SideBar.h"
+#include "GUI/ToolBar.h"
+#include "tests/e2e/EndToEnd.h"
+#include "tests/e2e/Wall.h"
+
+namespace ZorvaneClient {
+namespace Tests {
+
+namespace {
+
+constexpr int waitDeadlineMs = 120000;
+/// The longest animation of the program takes 300.
+constexpr int settleMs = 500;
+
+bool isGood(const DemoCamera &camera)
+{
+    return !camera.lan && camera.online && camera.paid && camera.live && camera.archive;
+}
+
+} // namespace
+
+void require(bool holds, const char *what)
+{
+    if (holds)
+        return;
+    qCritical("missing: %s", what);
+    std::exit(EXIT_FAILURE);
+}
+
+void waitFor(const std::function<bool()> &condition, const char *what)
+{
+    require(QTest::qWaitFor(condition, waitDeadlineMs), what);
+}
+
+void settle()
+{
+    QTest::qWait(settleMs);
+}
+
+Studio::Studio(const QString &albumFolder) : album(albumFolder)
+{
+    DemoService::Options options;
+    options.servers = 5;
+    options.cameras = 30;
+    options.scenes = 12;
+    require(service.start(options), qPrintable(service.errorString()));
+    useService(service);
+    const QVector<DemoCamera> made = service.cameras();
+    for (const DemoCamera &camera : made) {
+        if (camera.lan)
+            continue;
+        require(service.setServerOnline(camera.server, true), "server");
+        require(
+            service.setCamera(camera.server, camera.camera,
+                              {{QStringLiteral("rotation"), 0}, {QStringLiteral("mirror"), false}}),
+            "upright camera");
+    }
+    const QString offline = service.addServer(QStringLiteral("Holiday house"), 2);
+    require(service.setServer(offline, {{QStringLiteral("online"), false}}), "offline server");
+    require(service.writeLocalRoster(QStringLiteral(".")), "LAN servers");
+    const QVector<DemoCamera> world = service.cameras();
+    std::copy_if(world.begin(), world.end(), std::back_inserter(good), isGood);
+    const auto found =
+        std::find_if(world.begin(), world.end(), [](const DemoCamera &each) { return each.lan; });
+    require(found != world.end(), "LAN camera");
+    lan = *found;
+}
+
+API::CameraPtr Studio::camera(const DemoCamera &camera)
+{
+    const auto shown = [&] { return card(camera.server, camera.camera); };
+    waitFor([&] { return shown() != nullptr; }, "card");
+    return shown()->camera();
+}
+
+DemoCamera Studio::cameraThat(const std::function<bool(const DemoCamera &)> &isMeant,
+                              const char *what)
+{
+    const QVector<DemoCamera> world = service.cameras();
+    const auto found = std::find_if(world.begin(), world.end(), isMeant);
+    require(found != world.end(), what);
+    return *found;
+}
+
+API::LayoutPtr Studio::layout(const QString &name, int rows, int columns, int first)
+{
+    require(first + rows * columns <= good.size(), "cameras");
+    auto layout = API::LayoutPtr::create();
+    layout->resize(rows, columns);
+    for (int i = 0; i < rows * columns; ++i)
+        layout->setCamera(camera(good.at(first + i)), i / columns, i % columns, 1, 1);
+    layout->setName(name);
+    return layout;
+}
+
+void Studio::open(const API::LayoutPtr &layout)
+{
+    require(mainWindow()->openLayout(layout), "layout");
+    waitFor(
+        [] {
+            const QList<GUI::Player::VideoWidget *> tiles = gridOf(mainWindow())->players();
+            return std::all_of(tiles.begin(), tiles.end(),
+                               [](auto *tile) { return stripOf(tile).has_value(); });
+        },
+        "pictures in every tile");
+    hoverNothing();
+    settle();
+}
+
+void Studio::take(const char *name, const char *caption, const QRect &part, bool essential)
+{
+    settle();
+    if (part.isNull() && !essential && mainWindow()->devicePixelRatioF() > 1)
+        return;
+    album.take(QLatin1String(name), QLatin1String(caption), mainWindow(), part);
+}
+
+void Studio::takeMenu(const char *name, const char *caption, QPushButton *button, const QRect &part)
+{
+    require(button && button->menu(), name);
+    QMenu *menu = button->menu();
+    // The button comes back when its menu has been closed.
+    QTimer::singleShot(0, menu, [=] {
+        menu->setActiveAction(menu->actions().first());
+        take(name, caption, part);
+        menu->close();
+    });
+    button->showMenu();
+    settle();
+}
+
+void placeMainWindow()
+{
+    const QRect screen = mainWindow()->screen()->geometry();
+    mainWindow()->move((screen.width() - mainWindow()->width()) / 2,
+                       screen.height() - mainWindow()->height());
+    settle();
+}
+
+QRect placeOf(const QWidget *part)
+{
+    return QRect(part->mapTo(mainWindow(), QPoint()), part->size());
+}
+
+QRect sidePlace()
+{
+    return placeOf(mainWindow()->findChild<GUI::SideBar *>())
+        .united(placeOf(mainWindow()->findChild<GUI::ToolBar *>()));
+}
+
+QWidget *partNamed(const char *name)
+{
+    auto *part = mainWindow()->findChild<QWidget *>(QLatin1String(name));
+    require(part, name);
+    return part;
+}
+
+void hover(QWidget *widget)
+{
+    // A pointer that stands still enters nothing.
+    QTest::mouseMove(widget->window(), widget->mapTo(widget->window(), QPoint(1, 1)));
+    QTest::mouseMove(widget->window(), widget->mapTo(widget->window(), widget->rect().center()));
+    settle();
+}
+
+void hoverNothing()
+{
+    auto *panel = mainWindow()->findChild<GUI::InfoPanel *>();
+    QTest::mouseMove(mainWindow(), panel->mapTo(mainWindow(), panel->rect().center()));
+}
+
+} // namespace Tests
+} // namespace ZorvaneClient

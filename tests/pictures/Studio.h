@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QList>
+#include <QRect>
+#include <QVector>
+
+#include <functional>
+
+#include "API/Types.h"
+#include "tests/pictures/Album.h"
+#include "tests/support/DemoService.h"
+
+class QMenu;
+class QPushButton;
+class QWidget;
+
+namespace ZorvaneClient {
+namespace Tests {
+
+/// Ends the program when it does not hold, and says what was missing.
+void require(bool holds, const char *what);
+/// Waits for it, or ends the program.
+void waitFor(const std::function<bool()> &condition, const char *what);
+/// Lets what moves on the screen come to rest.
+void settle();
+
+/// The program signed in to a demo service, and what the scenes have in common.
+class Studio
+{
+public:
+    explicit Studio(const QString &albumFolder);
+
+    DemoService service;
+    Album album;
+    /// Cloud cameras that lack nothing.
+    QVector<DemoCamera> good;
+    DemoCamera lan;
+
+    API::CameraPtr camera(const DemoCamera &camera);
+    /// The first of the world that `isMeant`.
+    DemoCamera cameraThat(const std::function<bool(const DemoCamera &)> &isMeant, const char *what);
+    /// The good cameras from `first` on, row by row.
+    API::LayoutPtr layout(const QString &name, int rows, int columns, int first = 0);
+    /// Opens it and waits until every tile shows its camera.
+    void open(const API::LayoutPtr &layout);
+
+    /// The main window or a part of it. At a scale above 1 the whole window is left out, since
+    /// its size would be great and its details are in the parts, unless it is `essential`.
+    void take(const char *name, const char *caption, const QRect &part = QRect(),
+              bool essential = false);
+    void takeLarge(const char *name, const char *caption) { take(name, caption, QRect(), true); }
+    /// Opens the button's menu, marks its first entry and takes the picture.
+    void takeMenu(const char *name, const char *caption, QPushButton *button,
+                  const QRect &part = QRect());
+};
+
+/// Puts it to the foot of the screen, where popups open upwards as in a maximised window.
+void placeMainWindow();
+/// Where it stands in the main window.
+QRect placeOf(const QWidget *part);
+/// Side panel and tool bar.
+QRect sidePlace();
+/// The child of the main window of that name.
+QWidget *partNamed(const char *name);
+/// Puts the pointer on the middle of the widget.
+void hover(QWidget *widget);
+/// Puts it where nothing takes notice.
+void hoverNothing();
+
+/// Says what the first cameras and the LAN camera have recorded; before the sign-in.
+void recordArchive(Studio &studio);
+// The scenes, in the order in which they follow one another.
+void takeSignIn(Studio &studio);
+void takeRoster(Studio &studio);
+void takeWalls(Studio &studio);
+void takeLayouts(Studio &studio);
+void takeControls(Studio &studio);
+void takeArchive(Studio &studio);
+void takeExport(Studio &studio);
+void takeSettings(Studio &studio);
+void takeDialogs(Studio &studio);
+
+} // namespace Tests
+} // namespace ZorvaneClient

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: MIT
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSlider>
+#include <QtTest>
+
+#include <algorithm>
+
+#include "API/Camera.h"
+#include "API/CloudAPIClient.h"
+#include "API/Layout.h"
+#include "GUI/CameraWidget.h"
+#include "GUI/GridSizeEditor.h"
+#include "GUI/InfoPanel.h"
+#include "GUI/LayoutCard.h"
+#include "GUI/LayoutWidget.h"
+#include "GUI/MainWindow.h"
+#include "GUI/Player/VideoPlaceholder.h"
+#include "GUI/Player/VideoWidget.h"
+#include "GUI/RosterWidget.h"
+#include "GUI/ServerWidget.h"
+#include "tests/GUI/DialogVisitor.h"
+#include "tests/e2e/EndToEnd.h"
+#include "tests/e2e/Wall.h"
+#include "tests/pictures/Studio.h"
+
+namespace ZorvaneClient {
+namespace Tests {
+
+namespace {
+
+QRect gridPlace()
+{
+    return placeOf(mainWindow()->findChild<GUI::InfoPanel *>())
+        .united(placeOf(gridOf(mainWindow())));
+}
+
+QLineEdit *searchField()
+{
+    return qobject_cast<QLineEdit *>(partNamed("searchEdit"));
+}
+
+GUI::ServerWidget *serverOf(const DemoCamera &camera)
+{
+    const QList<GUI::ServerWidget *> servers = serverWidgets();
+    for (GUI::ServerWidget *server : servers) {
+        if (cardsOf(server).contains(card(camera.server, camera.camera)))
+            return server;
+    }
+    require(false, "server of a camera");
+    return nullptr;
+}
+
+/// A grid of cameras that have nothing to show, each for a reason of its own.
+void takeMessages(Studio &studio)
+{
+    auto layout = API::LayoutPtr::create();
+    layout->resize(2, 2);
+    layout->setName(QStringLiteral("2 x 2"));
+    const DemoCamera troubled[] = {
+        studio.cameraThat([](const DemoCamera &each) { return !each.online; }, "offline camera"),
+        studio.cameraThat([](const DemoCamera &each) { return !each.paid; }, "unpaid camera"),
+        studio.cameraThat(
+            [](const DemoCamera &each) { return each.online && each.paid && !each.live; },
+            "camera without the right"),
+        studio.good.first()};
+    int cell = 0;
+    for (const DemoCamera &camera : troubled) {
+        layout->setCamera(studio.camera(camera), cell / 2, cell % 2, 1, 1);
+        ++cell;
+    }
+    DemoFault stall;
+    stall.kind = QStringLiteral("stall");
+    stall.route = QStringLiteral("/flv/live");
+    require(studio.service.addFault(stall) > 0, "fault");
+    require(mainWindow()->openLayout(layout), "layout");
+    hoverNothing();
+    studio.take("tile-messages", "Tiles without a picture, and one that is being opened",
+                gridPlace());
+    studio.service.clearFaults();
+}
+
+void takeEditing(Studio &studio)
+{
+    pressTab("layoutsButton");
+    press(mainWindow(), "addLayoutButton");
+    waitFor(
+        [] {
+            return qobject_cast<GUI::Player::VideoPlaceholder *>(
+                widgetInCell(gridOf(mainWindow()), {1, 1}, 2, 2));
+        },
+        "empty cells");
+    for (int column = 0; column < 2; ++column) {
+        const DemoCamera &camera = studio.good.at(column);
+        require(dropOn(widgetInCell(gridOf(mainWindow()), {column, column}, 2, 2),
+                       *cameraDrag(camera.server, camera.camera), Qt::CopyAction),
+                "drop");
+    }
+    waitFor([] { return gridOf(mainWindow())->isPlaying(); }, "picture");
+    waitFor([] { return stripOf(tile()).has_value(); }, "picture");
+    hoverNothing();
+    studio.take("layout-editing", "A new layout with two cameras and two places for more");
+
+    press(mainWindow(), "gridSizeButton");
+    auto *popup = mainWindow()->findChild<GUI::GridSizeEditor *>();
+    require(popup, "grid popup");
+    QTest::mouseMove(popup, QPoint(50, 40));
+    studio.take("grid-popup", "The size of the grid is chosen",
+                gridPlace().adjusted(0, 0, 0, -gridPlace().height() / 2));
+    popup->close();
+
+    const DialogVisitor visitor([&](QDialog *dialog) {
+        settle();
+        studio.album.take(QStringLiteral("question-save"),
+                          QStringLiteral("The layout has been modified"), dialog);
+        qobject_cast<QMessageBox *>(dialog)->button(QMessageBox::Discard)->click();
+    });
+    mainWindow()->openCamera(studio.camera(studio.good.at(2)));
+    require(visitor.visits() == 1, "question");
+}
+
+} // namespace
+
+void takeRoster(Studio &studio)
+{
+    studio.camera(studio.lan);
+    auto *roster = mainWindow()->findChild<GUI::RosterWidget *>();
+    const auto hasPreviews = [] {
+        const QList<GUI::CameraWidget *> cards = mainWindow()->findChildren<GUI::CameraWidget *>();
+        return std::all_of(cards.begin(), cards.end(), [](GUI::CameraWidget *each) {
+            return !each->isInView() || !each->camera()->isOnline() ||
+                   !each->camera()->sourcePreview().isNull();
+        });
+    };
+    waitFor(hasPreviews, "previews");
+    hoverNothing();
+    studio.take("roster", "The roster", sidePlace());
+    roster->ensureWidgetVisible(serverWidgets().last());
+    waitFor(hasPreviews, "previews");
+    studio.take("roster-offline", "The end of the roster: servers that are offline", sidePlace());
+
+    roster->ensureVisible(0, 0);
+    searchField()->setText(QStringLiteral("ga"));
+    studio.take("roster-search", "A search in the roster", sidePlace());
+    searchField()->clear();
+    settle();
+
+    reveal(card(studio.good.first().server, studio.good.first().camera));
+    auto *menuButton = card(studio.good.first().server, studio.good.first().camera)
+                           ->findChild<QPushButton *>(QStringLiteral("previewMenu"));
+    studio.takeMenu("card-menu", "The menu of a camera's card", menuButton, sidePlace());
+    GUI::ServerWidget *server = serverOf(studio.lan);
+    roster->ensureWidgetVisible(server);
+    settle();
+    studio.takeMenu("server-menu", "The menu of a LAN server",
+                    server->findChild<QPushButton *>(QStringLiteral("settingsButton")),
+                    sidePlace());
+    roster->ensureVisible(0, 0);
+}
+
+void takeWalls(Studio &studio)
+{
+    studio.open(studio.layout(studio.good.first().name, 1, 1));
+    studio.take("live", "A live camera");
+    hover(tile());
+    studio.take("tile-hover", "The bars of a tile under the pointer", gridPlace());
+    studio.takeMenu(
+        "tile-menu", "The menu of a tile",
+        tile()->findChild<QPushButton *>(QStringLiteral("settingsButton")),
+        gridPlace().adjusted(gridPlace().width() / 2, 2 * gridPlace().height() / 3, 0, 0));
+    hoverNothing();
+    studio.open(studio.layout(QStringLiteral("2 x 2"), 2, 2));
+    studio.take("wall-2x2", "Four cameras, one of them chosen");
+    studio.open(studio.layout(QStringLiteral("3 x 3"), 3, 3));
+    studio.takeLarge("wall-3x3", "Nine cameras");
+    studio.open(studio.layout(QStringLiteral("4 x 4"), 4, 4));
+    studio.take("wall-4x4", "Sixteen cameras");
+    press(mainWindow(), "hideRosterButton");
+    studio.take("wall-wide", "The panels at the side are hidden");
+    press(mainWindow(), "showPBtn");
+    takeMessages(studio);
+    takeEditing(studio);
+}
+
+void takeLayouts(Studio &studio)
+{
+    API::CloudAPIClient client;
+    client.addLayout(studio.layout(QStringLiteral("Ворота и двор"), 2, 2, 3));
+    client.addLayout(studio.layout(QStringLiteral("Night shift"), 3, 3, 1));
+    const API::LayoutPtr wide = studio.layout(QStringLiteral("Entrances"), 1, 2, 6);
+    client.addLayout(wide);
+    // A card shows the previews that are there.
+    for (int i = 1; i < 10; ++i)
+        require(getsPreview(card(studio.good.at(i).server, studio.good.at(i).camera)), "preview");
+    mainWindow()->findChild<GUI::RosterWidget *>()->ensureVisible(0, 0);
+    pressTab("layoutsButton");
+    waitFor([] { return layoutCard(mainWindow(), QStringLiteral("Entrances")) != nullptr; },
+            "layout card");
+    studio.take("layouts", "The saved layouts", sidePlace());
+    auto *shown = layoutCard(mainWindow(), QStringLiteral("Entrances"));
+    studio.takeMenu("layout-menu", "The menu of a layout's card",
+                    shown->findChild<QPushButton *>(QStringLiteral("previewMenu")), sidePlace());
+    searchField()->setText(QStringLiteral("en"));
+    studio.take("layouts-search", "A search in the layouts", sidePlace());
+    searchField()->clear();
+    studio.open(wide);
+    auto *panel = mainWindow()->findChild<GUI::InfoPanel *>();
+    studio.takeMenu("view-menu", "The menu of the open view",
+                    panel->findChild<QPushButton *>(QStringLiteral("settingsButton")),
+                    gridPlace().adjusted(0, 0, 0, -gridPlace().height() / 2));
+    pressTab("rosterButton");
+}
+
+void takeControls(Studio &studio)
+{
+    auto *panel = mainWindow()->findChild<QWidget *>(QStringLiteral("ControlPanel"));
+    const QRect place = placeOf(panel);
+    hoverNothing();
+    studio.take("controls-live", "The controls while live", place);
+    hover(partNamed("soundButton"));
+    studio.take("controls-sound", "The volume", place);
+    press(mainWindow(), "soundButton");
+    studio.take("controls-mute", "The sound is off", place);
+    press(mainWindow(), "soundButton");
+    hoverNothing();
+    press(mainWindow(), "pauseButton");
+    studio.take("controls-paused", "Paused", place);
+    press(mainWindow(), "playButton");
+    studio.takeMenu("controls-quality", "The quality of the picture",
+                    qobject_cast<QPushButton *>(partNamed("qualityButton")), place);
+}
+
+} // namespace Tests
+} // namespace ZorvaneClient
