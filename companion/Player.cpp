@@ -258,6 +258,11 @@ void Player::whileIdle()
 
 void Player::tellTime(Time position, milliseconds interval)
 {
+    // A live stream begins with what the server has kept: the client's clock, which counts from
+    // the start of this process, must not run ahead of the wall's.
+    if (arguments.live)
+        position = std::min<Time>(
+            position, std::chrono::duration_cast<Time>(std::chrono::steady_clock::now() - started));
     const Time now = controls.now();
     const auto newPosition = std::chrono::floor<milliseconds>(position);
     if (toldPosition && (newPosition <= *toldPosition || now - lastTold < interval))

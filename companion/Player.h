@@ -73,6 +73,7 @@ private:
     PositionTrack track;
     AudioPlayer audio;
 
+    const std::chrono::steady_clock::time_point started = std::chrono::steady_clock::now();
     Phase phase = Phase::Opening;
     bool clientGone = false;
     bool ranDry = false;
