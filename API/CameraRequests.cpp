@@ -17,7 +17,8 @@ namespace API {
 namespace {
 
 /// A client whose camera is gone hears of no reply, and goes too.
-template <typename Client> Client *releasedWith(const Camera *camera, Client *client)
+template <typename Client>
+Client *releasedWith(const Camera *camera, Client *client)
 {
     QObject::connect(camera, &QObject::destroyed, client, &QObject::deleteLater);
     return client;

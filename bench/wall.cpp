@@ -304,8 +304,8 @@ int main(int argc, char **argv)
                        "x", maxCpuRatioAtNine, false);
     good &= report("16 tiles of 640x360: pictures shown", 100 * sixteen.shownShare, "%",
                    100 * minShownShareAtSixteen, true);
-    good &= report("16 tiles of 640x360: longest stall", static_cast<double>(sixteen.stallMs),
-                   "ms", maxStallMs, false);
+    good &= report("16 tiles of 640x360: longest stall", static_cast<double>(sixteen.stallMs), "ms",
+                   maxStallMs, false);
     good &= report("36 tiles by the rule: opened to last first picture",
                    static_cast<double>(thirtySix.openMs), "ms", maxOpenMsAtThirtySix, false);
     leave();

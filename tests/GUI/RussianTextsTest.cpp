@@ -128,13 +128,17 @@ void addScenes()
     }) << QStringList{"rotationBlock"};
 }
 
+/// A reply that comes meanwhile can bring another page up, but not for ever.
 void bringToFront(QWidget *page)
 {
-    for (QWidget *inner = page; inner->parentWidget(); inner = inner->parentWidget()) {
-        if (auto *stack = qobject_cast<QStackedWidget *>(inner->parentWidget()))
-            stack->setCurrentWidget(inner);
+    constexpr int attempts = 20;
+    for (int n = 0; n < attempts && (n == 0 || !page->isVisible()); ++n) {
+        for (QWidget *inner = page; inner->parentWidget(); inner = inner->parentWidget()) {
+            if (auto *stack = qobject_cast<QStackedWidget *>(inner->parentWidget()))
+                stack->setCurrentWidget(inner);
+        }
+        QCoreApplication::processEvents();
     }
-    QCoreApplication::processEvents();
 }
 
 /// Calls `look` with each page of each stack of the window in front, one after the other.

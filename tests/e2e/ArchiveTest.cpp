@@ -228,8 +228,7 @@ void ArchiveTest::tilesStayTogether()
     click(at("12:01:00"));
     setSpeed(exponent);
     for (int index = 0; index < 4; ++index)
-        QTRY_VERIFY_WITH_TIMEOUT(showsNear(index, cursor(), speed * maxApartMs),
-                                 pictureDeadlineMs);
+        QTRY_VERIFY_WITH_TIMEOUT(showsNear(index, cursor(), speed * maxApartMs), pictureDeadlineMs);
 
     int readings = 0;
     int together = 0;
@@ -252,8 +251,8 @@ void ArchiveTest::tilesStayTogether()
         }
         ++readings;
         together += earliest.isValid() && earliest.msecsTo(latest) <= speed * maxApartMs;
-        atCursor += earliest.isValid() &&
-                    std::abs(earliest.msecsTo(cursor())) <= speed * maxFromCursorMs;
+        atCursor +=
+            earliest.isValid() && std::abs(earliest.msecsTo(cursor())) <= speed * maxFromCursorMs;
         // New records of the day restart the tiles at the cursor.
         QVERIFY(cursor().msecsTo(last) <= speed * maxStepBackMs);
         last = cursor();

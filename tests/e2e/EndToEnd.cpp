@@ -212,14 +212,13 @@ bool showsMovingPicture(GUI::Player::VideoWidget *tile, int cameraNumber)
             return first && first->camera == cameraNumber;
         },
         pictureDeadlineMs);
-    return appeared
-           && QTest::qWaitFor(
-               [&] {
-                   const std::optional<Strip> next = stripOf(tile);
-                   return next && next->camera == cameraNumber
-                          && next->milliseconds != first->milliseconds;
-               },
-               pictureDeadlineMs);
+    return appeared && QTest::qWaitFor(
+                           [&] {
+                               const std::optional<Strip> next = stripOf(tile);
+                               return next && next->camera == cameraNumber &&
+                                      next->milliseconds != first->milliseconds;
+                           },
+                           pictureDeadlineMs);
 }
 
 qint64 childOf(GUI::Player::VideoWidget *tile)

@@ -62,9 +62,9 @@ QByteArray codecsOf(const QString &file)
 /// The first picture of the file.
 std::optional<Strip> firstStripOf(const QString &file)
 {
-    const QByteArray png = outputOf(
-        QStringLiteral("ffmpeg"), {"-v", "error", "-i", file, "-frames:v", "1", "-f", "image2pipe",
-                                   "-c:v", "png", "-"});
+    const QByteArray png =
+        outputOf(QStringLiteral("ffmpeg"), {"-v", "error", "-i", file, "-frames:v", "1", "-f",
+                                            "image2pipe", "-c:v", "png", "-"});
     return StripReader::read(QImage::fromData(png, "PNG"));
 }
 
@@ -241,11 +241,11 @@ void ExportTest::fragmentBecomesAFile()
     QVERIFY(!isExporting());
     QVERIFY(!percents.isEmpty());
 
-    const QString name = QStringLiteral("%1 - %2 %3 %4-%5.mp4")
-                             .arg(camera->host(), camera->name(),
-                                  from.date().toString(QStringLiteral("dd.MM.yy")),
-                                  from.time().toString(QStringLiteral("hh.mm.ss")),
-                                  to.time().toString(QStringLiteral("hh.mm.ss")));
+    const QString name =
+        QStringLiteral("%1 - %2 %3 %4-%5.mp4")
+            .arg(camera->host(), camera->name(), from.date().toString(QStringLiteral("dd.MM.yy")),
+                 from.time().toString(QStringLiteral("hh.mm.ss")),
+                 to.time().toString(QStringLiteral("hh.mm.ss")));
     QCOMPARE(files(), QStringList{name});
     QVERIFY2(std::abs(secondsOf(file()) - recordedMs / 1000.0) <= maxLengthErrorSeconds,
              qPrintable(QStringLiteral("%1 of %2").arg(secondsOf(file())).arg(recordedMs)));

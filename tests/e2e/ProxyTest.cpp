@@ -149,11 +149,11 @@ void ProxyTest::signInAndPictureGoThroughTheProxy()
     reveal(shown);
     QTest::mouseClick(shown, Qt::LeftButton);
     QVERIFY(showsMovingPicture(tile(), camera.number));
-    QVERIFY(proxyLog().contains(
-        QStringLiteral("http://127.0.0.1:%1/flv/live").arg(service.flvPort())));
+    QVERIFY(
+        proxyLog().contains(QStringLiteral("http://127.0.0.1:%1/flv/live").arg(service.flvPort())));
     QVERIFY(getsPreview(shown));
-    QVERIFY(proxyLog().contains(
-        QStringLiteral("CONNECT 127.0.0.1:%1").arg(service.streamingPort())));
+    QVERIFY(
+        proxyLog().contains(QStringLiteral("CONNECT 127.0.0.1:%1").arg(service.streamingPort())));
 }
 
 void ProxyTest::lanCameraDoesNot()

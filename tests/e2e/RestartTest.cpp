@@ -41,8 +41,8 @@ struct Texts {
 const Texts texts[] = {
     {QStringLiteral("Restart required for changes to take effect"), QStringLiteral("Account"),
      QStringLiteral("Cancel"), QStringLiteral("Sign Up")},
-    {QStringLiteral("Перезапустите приложение для применения настроек"), QStringLiteral("Учетная запись"),
-     QStringLiteral("Отмена"), QStringLiteral("Регистрация")}};
+    {QStringLiteral("Перезапустите приложение для применения настроек"),
+     QStringLiteral("Учетная запись"), QStringLiteral("Отмена"), QStringLiteral("Регистрация")}};
 
 QString newFolder(const QString &name)
 {

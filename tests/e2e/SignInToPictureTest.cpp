@@ -183,9 +183,9 @@ void SignInToPictureTest::clickOnACardPlaysThatCamera()
         QVERIFY(showsMovingPicture(tile(), camera.number));
         // A loaded machine can lag for a moment; it must be able to show what is now.
         QTRY_VERIFY_WITH_TIMEOUT(
-            stripOf(tile())
-                && StripReader::ageMs(*stripOf(tile()), QDateTime::currentMSecsSinceEpoch())
-                       < pictureAgeLimitMs,
+            stripOf(tile()) &&
+                StripReader::ageMs(*stripOf(tile()), QDateTime::currentMSecsSinceEpoch()) <
+                    pictureAgeLimitMs,
             pictureDeadlineMs);
     }
     QCOMPARE(mainWindow()->playerCount(), 1);
@@ -214,8 +214,7 @@ void SignInToPictureTest::cameraGoesOfflineAndComesBack()
     QTRY_COMPARE_WITH_TIMEOUT(captionOf(shown), offlineCaption, pollDeadlineMs);
     QVERIFY(!stripOf(tile()));
     QCOMPARE(childOf(tile()), 0);
-    QCOMPARE(camera->statusText(),
-             QStringLiteral("Camera %1 is offline").arg(camera->name()));
+    QCOMPARE(camera->statusText(), QStringLiteral("Camera %1 is offline").arg(camera->name()));
     const QImage withText = tile()->grab().toImage();
     int lightPixels = 0;
     for (int y = 0; y < withText.height(); ++y) {
