@@ -13,6 +13,7 @@
 #include "API/LocalServer.h"
 #include "GUI/LocalServerDialog.h"
 #include "tests/GUI/DialogVisitor.h"
+#include "tests/GUI/StoredServers.h"
 #include "tests/support/MisbehavingServer.h"
 
 using namespace ZorvaneClient;
@@ -43,7 +44,6 @@ private:
 
 namespace {
 
-const QString rosterFile = QStringLiteral("local_roster.txt");
 const QString localHost = QStringLiteral("127.0.0.1");
 
 QLineEdit *field(const QDialog *dialog, const char *name)
@@ -54,22 +54,6 @@ QLineEdit *field(const QDialog *dialog, const char *name)
 QRadioButton *choice(const QDialog *dialog, const char *name)
 {
     return dialog->findChild<QRadioButton *>(QLatin1String(name));
-}
-
-void forgetServers()
-{
-    const QMap<API::server_id_t, API::ServerPtr> servers = API::CloudAPIClient::serverList();
-    for (const API::ServerPtr &server : servers)
-        API::CloudAPIClient().deleteLocalServer(server.dynamicCast<API::LocalServer>());
-    QFile::remove(rosterFile);
-}
-
-QVariantList storedServers()
-{
-    QFile file(rosterFile);
-    if (!file.open(QIODevice::ReadOnly))
-        return QVariantList();
-    return QJsonDocument::fromJson(file.readAll()).toVariant().toList();
 }
 
 } // namespace

@@ -22,6 +22,7 @@
 #include "GUI/SettingsWidget.h"
 #include "GUI/SideBar.h"
 #include "tests/GUI/DialogVisitor.h"
+#include "tests/GUI/StoredServers.h"
 #include "tests/GUI/RosterWorld.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScriptedService.h"
@@ -73,7 +74,6 @@ namespace {
 
 const QByteArray versionPath = "/public/version/client_windows";
 const QString ownVersion = QStringLiteral("6.0.1.114");
-const QString rosterFile = QStringLiteral("local_roster.txt");
 const QString localHost = QStringLiteral("127.0.0.1");
 constexpr int deadlineMs = 20000;
 
@@ -104,22 +104,6 @@ bool asksForRestart(const SettingsWidget &page)
 {
     return !part<QLabel>(page, "restartNotice")->isHidden() &&
            !part<QPushButton>(page, "restartButton")->isHidden();
-}
-
-void forgetServers()
-{
-    const QMap<API::server_id_t, API::ServerPtr> servers = API::CloudAPIClient::serverList();
-    for (const API::ServerPtr &server : servers)
-        API::CloudAPIClient().deleteLocalServer(server.dynamicCast<API::LocalServer>());
-    QFile::remove(rosterFile);
-}
-
-QVariantList storedServers()
-{
-    QFile file(rosterFile);
-    if (!file.open(QIODevice::ReadOnly))
-        return QVariantList();
-    return QJsonDocument::fromJson(file.readAll()).toVariant().toList();
 }
 
 void typeServer(const QDialog *dialog, const QString &name, int port)
