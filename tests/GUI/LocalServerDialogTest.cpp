@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <QCheckBox>
 #include <QFile>
-#include <QJsonDocument>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>

@@ -2,7 +2,6 @@
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QFile>
-#include <QJsonDocument>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -22,8 +21,8 @@
 #include "GUI/SettingsWidget.h"
 #include "GUI/SideBar.h"
 #include "tests/GUI/DialogVisitor.h"
-#include "tests/GUI/StoredServers.h"
 #include "tests/GUI/RosterWorld.h"
+#include "tests/GUI/StoredServers.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScriptedService.h"
 

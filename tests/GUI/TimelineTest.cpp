@@ -164,6 +164,8 @@ private:
     /// Puts a camera on the strip and waits for what it received; null if it didn't.
     API::CameraPtr addCamera(const API::CameraPtr &camera);
     API::CameraPtr addCamera(int id, const QList<API::ArchiveRecord> &records);
+    /// Marks 12:00:00 to 12:05:00 in a window where a pixel is a second: x 415 to 715.
+    bool selectFragment();
 
     ArchiveWorld world;
     QScopedPointer<Timeline> timeline;
@@ -172,6 +174,20 @@ private:
 void TimelineTest::initTestCase()
 {
     QVERIFY(world.start());
+}
+
+bool TimelineTest::selectFragment()
+{
+    const API::CameraPtr camera = addCamera(1, {record(day, QTime(10, 0), QTime(14, 0))});
+    if (!camera)
+        return false;
+    timeline->setActiveCameraId(camera->globalId());
+    timeline->setCurrentValue(at("12:02:30"));
+    // Tighter than what the fragment would be shown in, and with the fragment inside.
+    timeline->setStartValue(at("11:53:20"));
+    timeline->setEndValue(at("12:10:00"));
+    return timeline->enterSelectionMode(true, false) &&
+           timeline->selectionStart() == at("12:00:00");
 }
 
 API::CameraPtr TimelineTest::addCamera(const API::CameraPtr &camera)
@@ -375,31 +391,15 @@ void TimelineTest::cursorShape()
     QFETCH(int, x);
     QFETCH(bool, held);
     QFETCH(int, shape);
-    if (selecting) {
-        const API::CameraPtr camera = addCamera(1, {record(day, QTime(10, 0), QTime(14, 0))});
-        QVERIFY(camera);
-        timeline->setActiveCameraId(camera->globalId());
-        timeline->setCurrentValue(at("12:02:30"));
-        // Tighter than what the fragment would be shown in, and with the fragment inside.
-        timeline->setStartValue(at("11:53:20"));
-        timeline->setEndValue(at("12:10:00"));
-        QVERIFY(timeline->enterSelectionMode(true, false));
-        QCOMPARE(timeline->selectionStart(), at("12:00:00"));
-    }
+    if (selecting)
+        QVERIFY(selectFragment());
     move(*timeline, x, held);
     QCOMPARE(int(timeline->cursor().shape()), shape);
 }
 
 void TimelineTest::dragsTheSelection()
 {
-    const API::CameraPtr camera = addCamera(1, {record(day, QTime(10, 0), QTime(14, 0))});
-    QVERIFY(camera);
-    timeline->setActiveCameraId(camera->globalId());
-    timeline->setCurrentValue(at("12:02:30"));
-    timeline->setStartValue(at("11:53:20"));
-    timeline->setEndValue(at("12:10:00"));
-    QVERIFY(timeline->enterSelectionMode(true, false));
-    // A pixel is a second, the fragment lies on x 415 to 715.
+    QVERIFY(selectFragment());
     QSignalSpy played(timeline.data(), &Timeline::playTime);
     const auto drag = [this](int from, int to) {
         move(*timeline, from);
@@ -428,13 +428,7 @@ void TimelineTest::dragsTheSelection()
 
 void TimelineTest::clickInSelectionMode()
 {
-    const API::CameraPtr camera = addCamera(1, {record(day, QTime(10, 0), QTime(14, 0))});
-    QVERIFY(camera);
-    timeline->setActiveCameraId(camera->globalId());
-    timeline->setStartValue(at("11:53:20"));
-    timeline->setEndValue(at("12:10:00"));
-    timeline->setCurrentValue(at("12:02:30"));
-    QVERIFY(timeline->enterSelectionMode(true, false));
+    QVERIFY(selectFragment());
     QSignalSpy played(timeline.data(), &Timeline::playTime);
     for (const int x : {600, 300}) {
         move(*timeline, x);
