@@ -11,8 +11,8 @@ function(zorvane_add_test name)
     add_executable(${name} ${arg_SOURCES})
     set_target_properties(${name} PROPERTIES AUTOMOC ON
         RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/tests/bin")
-    target_link_libraries(${name} PRIVATE zorvane_qt_config Qt${QT_VERSION_MAJOR}::Test
-        ${arg_LIBRARIES})
+    target_link_libraries(${name} PRIVATE zorvane_test_frame ${arg_LIBRARIES})
+    target_precompile_headers(${name} REUSE_FROM zorvane_test_frame)
     target_compile_definitions(${name} PRIVATE
         ZORVANE_BIN_DIR="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}"
         ZORVANE_TEST_BIN_DIR="${CMAKE_BINARY_DIR}/tests/bin"

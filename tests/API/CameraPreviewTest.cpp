@@ -1,9 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <QtTest>
-
-#include <QBuffer>
-#include <QPixmap>
-#include <QStandardPaths>
+#include "tests/support/Test.h"
 
 #include "API/Camera.h"
 #include "API/PreviewImage.h"
@@ -12,7 +8,7 @@ using namespace ZorvaneClient::API;
 
 namespace {
 
-const QString serverId = QStringLiteral("10.0.0.5:80");
+const QString serverId = "10.0.0.5:80"_s;
 
 CameraPtr makeCamera(const QString &server = serverId)
 {
@@ -49,7 +45,7 @@ QString letters(const QPixmap &pixmap)
     const QImage image = pixmap.toImage();
     QString text;
     for (int y = 0; y < image.height(); ++y) {
-        text += y > 0 ? QStringLiteral("|") : QString();
+        text += y > 0 ? "|"_s : QString();
         for (int x = 0; x < image.width(); ++x) {
             const QColor color = image.pixelColor(x, y);
             text += QLatin1Char(color == Qt::red ? 'r' : color == Qt::blue ? 'b' : '?');
@@ -65,115 +61,100 @@ class CameraPreviewTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void orientation_data();
-    void orientation();
-    void cacheFile();
-    void fileStaysInTheCacheFolder();
-    void decoding_data();
-    void decoding();
+    void initTestCase() { QCoreApplication::setApplicationName("CameraPreviewTest"_s); }
+
+    void init()
+    {
+        QVERIFY(QDir(cacheFolder()).removeRecursively());
+        QVERIFY(QDir().mkpath(cacheFolder()));
+    }
+
+    void orientation_data()
+    {
+        rows<int, bool, QString>({"rotation", "mirror", "shown"},
+                                 {
+                                     {"clockwise", 90, false, "r|b"_s},
+                                     {"anticlockwise", -90, false, "b|r"_s},
+                                     {"mirrored", 0, true, "br"_s},
+                                     {"turned, then mirrored", 90, true, "r|b"_s},
+                                 });
+    }
+
+    void orientation()
+    {
+        const auto [rotation, mirror] = row<int, bool>();
+        const CameraPtr camera = makeCamera();
+        camera->setPreview(twoPixels());
+        camera->setRotation(rotation);
+        camera->setMirrored(mirror);
+        QTEST(letters(camera->preview()), "shown");
+        QCOMPARE(letters(camera->sourcePreview()), "rb"_s);
+
+        // A picture that comes later is turned in the same way.
+        camera->setPreview(twoPixels());
+        QTEST(letters(camera->preview()), "shown");
+    }
+
+    void cacheFile()
+    {
+        QVERIFY(makeCamera()->preview().isNull());
+
+        const CameraPtr first = makeCamera();
+        first->setRotation(90);
+        first->setPreview(plainPicture(QSize(32, 18)));
+        const QString name = "10.0.0.5:80_7.jpeg"_s;
+        QCOMPARE(QDir(cacheFolder()).entryList(QDir::Files | QDir::Hidden), QStringList(name));
+        const QString file = QDir(cacheFolder()).filePath(name);
+        QVERIFY(!(QFile::permissions(file) & QFile::ReadOther));
+        QFile::setPermissions(file, QFile::permissions(file) | QFile::ReadOther);
+        first->setPreview(plainPicture(QSize(32, 18)));
+        QVERIFY(!(QFile::permissions(file) & QFile::ReadOther));
+
+        // The file keeps the picture as it was received.
+        const CameraPtr second = makeCamera();
+        QVERIFY(!second->hasPreview());
+        QCOMPARE(second->preview().size(), QSize(32, 18));
+        QVERIFY(second->hasPreview());
+    }
+
+    void fileStaysInTheCacheFolder()
+    {
+        const CameraPtr camera = makeCamera("../outside/%2"_s);
+        camera->setPreview(plainPicture(QSize(32, 18)));
+        QCOMPARE(QDir(cacheFolder()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList(".._outside_%2_7.jpeg"_s));
+        camera->setPreview(QPixmap());
+        QCOMPARE(camera->sourcePreview().size(), QSize(32, 18));
+    }
+
+    void decoding_data()
+    {
+        const auto encoded = [](const char *format) {
+            QBuffer buffer;
+            buffer.open(QIODevice::WriteOnly);
+            plainPicture(QSize(64, 36)).save(&buffer, format);
+            return buffer.data();
+        };
+        // A header that promises 20,000 by 10,000 pixels, which would be 800 MB.
+        QByteArray bomb = encoded("JPEG");
+        const int frame = bomb.indexOf("\xff\xc0");
+        QVERIFY(frame > 0);
+        bomb.replace(frame + 5, 4, QByteArray::fromHex("27104e20"));
+        rows<QByteArray, QSize>({"bytes", "size"},
+                                {
+                                    {"jpeg", encoded("JPEG"), QSize(64, 36)},
+                                    {"garbage", QByteArray(4096, 'x'), QSize(0, 0)},
+                                    {"head of a jpeg", encoded("JPEG").left(20), QSize(0, 0)},
+                                    {"giant", bomb, QSize(0, 0)},
+                                });
+    }
+
+    void decoding()
+    {
+        const auto [bytes] = row<QByteArray>();
+        QTEST(decodePreview(bytes).size(), "size");
+    }
 };
-
-void CameraPreviewTest::initTestCase()
-{
-    QCoreApplication::setApplicationName(QStringLiteral("CameraPreviewTest"));
-}
-
-void CameraPreviewTest::init()
-{
-    QVERIFY(QDir(cacheFolder()).removeRecursively());
-    QVERIFY(QDir().mkpath(cacheFolder()));
-}
-
-void CameraPreviewTest::orientation_data()
-{
-    QTest::addColumn<int>("rotation");
-    QTest::addColumn<bool>("mirror");
-    QTest::addColumn<QString>("shown");
-
-    QTest::newRow("clockwise") << 90 << false << QStringLiteral("r|b");
-    QTest::newRow("anticlockwise") << -90 << false << QStringLiteral("b|r");
-    QTest::newRow("mirrored") << 0 << true << QStringLiteral("br");
-    QTest::newRow("turned, then mirrored") << 90 << true << QStringLiteral("r|b");
-}
-
-void CameraPreviewTest::orientation()
-{
-    QFETCH(int, rotation);
-    QFETCH(bool, mirror);
-    const CameraPtr camera = makeCamera();
-    camera->setPreview(twoPixels());
-    camera->setRotation(rotation);
-    camera->setMirrored(mirror);
-    QTEST(letters(camera->preview()), "shown");
-    QCOMPARE(letters(camera->sourcePreview()), QStringLiteral("rb"));
-
-    // A picture that comes later is turned in the same way.
-    camera->setPreview(twoPixels());
-    QTEST(letters(camera->preview()), "shown");
-}
-
-void CameraPreviewTest::cacheFile()
-{
-    QVERIFY(makeCamera()->preview().isNull());
-
-    const CameraPtr first = makeCamera();
-    first->setRotation(90);
-    first->setPreview(plainPicture(QSize(32, 18)));
-    const QString name = QStringLiteral("10.0.0.5:80_7.jpeg");
-    QCOMPARE(QDir(cacheFolder()).entryList(QDir::Files | QDir::Hidden), QStringList(name));
-    const QString file = QDir(cacheFolder()).filePath(name);
-    QVERIFY(!(QFile::permissions(file) & QFile::ReadOther));
-    QFile::setPermissions(file, QFile::permissions(file) | QFile::ReadOther);
-    first->setPreview(plainPicture(QSize(32, 18)));
-    QVERIFY(!(QFile::permissions(file) & QFile::ReadOther));
-
-    // The file keeps the picture as it was received.
-    const CameraPtr second = makeCamera();
-    QVERIFY(!second->hasPreview());
-    QCOMPARE(second->preview().size(), QSize(32, 18));
-    QVERIFY(second->hasPreview());
-}
-
-void CameraPreviewTest::fileStaysInTheCacheFolder()
-{
-    const CameraPtr camera = makeCamera(QStringLiteral("../outside/%2"));
-    camera->setPreview(plainPicture(QSize(32, 18)));
-    QCOMPARE(QDir(cacheFolder()).entryList(QDir::Files | QDir::Hidden),
-             QStringList(QStringLiteral(".._outside_%2_7.jpeg")));
-    camera->setPreview(QPixmap());
-    QCOMPARE(camera->sourcePreview().size(), QSize(32, 18));
-}
-
-void CameraPreviewTest::decoding_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QSize>("size");
-
-    const auto encoded = [](const char *format) {
-        QBuffer buffer;
-        buffer.open(QIODevice::WriteOnly);
-        plainPicture(QSize(64, 36)).save(&buffer, format);
-        return buffer.data();
-    };
-    QTest::newRow("jpeg") << encoded("JPEG") << QSize(64, 36);
-    QTest::newRow("garbage") << QByteArray(4096, 'x') << QSize(0, 0);
-    QTest::newRow("head of a jpeg") << encoded("JPEG").left(20) << QSize(0, 0);
-
-    // A header that promises 20,000 by 10,000 pixels, which would be 800 MB.
-    QByteArray bomb = encoded("JPEG");
-    const int frame = bomb.indexOf("\xff\xc0");
-    QVERIFY(frame > 0);
-    bomb.replace(frame + 5, 4, QByteArray::fromHex("27104e20"));
-    QTest::newRow("giant") << bomb << QSize(0, 0);
-}
-
-void CameraPreviewTest::decoding()
-{
-    QFETCH(QByteArray, bytes);
-    QTEST(decodePreview(bytes).size(), "size");
-}
 
 QTEST_MAIN(CameraPreviewTest)
 #include "CameraPreviewTest.moc"

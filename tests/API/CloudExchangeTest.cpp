@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "API/CloudExchange.h"
 
-#include <QCoreApplication>
-#include <QPointer>
-#include <QTest>
+#include "tests/support/Test.h"
 
 #include "API/RestClient.h"
 
@@ -32,21 +30,19 @@ class CloudExchangeTest : public QObject
     Q_OBJECT
 
 private slots:
-    void keptClientsAreBounded();
-};
-
-void CloudExchangeTest::keptClientsAreBounded()
-{
-    constexpr int beyond = 50;
-    QList<QPointer<RestClient>> clients;
-    for (int i = 0; i < Internal::maximumKeptClients + beyond; ++i) {
-        clients.append(askingClient());
-        emit clients.last()->error(1, 500);
+    void keptClientsAreBounded()
+    {
+        constexpr int beyond = 50;
+        QList<QPointer<RestClient>> clients;
+        for (int i = 0; i < Internal::maximumKeptClients + beyond; ++i) {
+            clients.append(askingClient());
+            emit clients.last()->error(1, 500);
+        }
+        releaseWhatIsDue();
+        for (int i = 0; i < clients.size(); ++i)
+            QCOMPARE(!clients.at(i).isNull(), i >= beyond);
     }
-    releaseWhatIsDue();
-    for (int i = 0; i < clients.size(); ++i)
-        QCOMPARE(!clients.at(i).isNull(), i >= beyond);
-}
+};
 
 QTEST_GUILESS_MAIN(CloudExchangeTest)
 #include "CloudExchangeTest.moc"

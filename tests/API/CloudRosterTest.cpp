@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "API/CloudAPIClient.h"
 
-#include <QFile>
-#include <QSignalSpy>
-#include <QTest>
+#include "tests/support/Test.h"
 
 #include "API/Camera.h"
 #include "API/LocalServer.h"
@@ -11,7 +9,6 @@
 #include "tests/API/RosterFixture.h"
 
 using namespace ZorvaneClient::API;
-using namespace ZorvaneClient::Tests;
 
 class CloudRosterTest : public RosterFixture
 {
@@ -62,8 +59,8 @@ void CloudRosterTest::knownServerKeepsItsObject()
                         "2":{"id":"s2","name":"Two"}})");
     CloudAPIClient client;
     update(&client);
-    const ServerPtr kept = client.serverList().value(QStringLiteral("s1"));
-    const ServerPtr removed = client.serverList().value(QStringLiteral("s2"));
+    const ServerPtr kept = client.serverList().value("s1"_s);
+    const ServerPtr removed = client.serverList().value("s2"_s);
     QVERIFY(kept && removed);
     const CameraPtr camera = kept->cameras().value(7);
     QVERIFY(camera);
@@ -73,11 +70,11 @@ void CloudRosterTest::knownServerKeepsItsObject()
                         "3":{"id":"s3","name":"Three"}})");
     update(&client);
     QCOMPARE(client.serverList().keys(), QStringList({"s1", "s3"}));
-    QCOMPARE(client.serverList().value(QStringLiteral("s1")), kept);
-    QCOMPARE(kept->alias(), QStringLiteral("Renamed"));
+    QCOMPARE(client.serverList().value("s1"_s), kept);
+    QCOMPARE(kept->alias(), "Renamed"_s);
     QCOMPARE(kept->cameras().value(7), camera);
-    QCOMPARE(camera->name(), QStringLiteral("new"));
-    QCOMPARE(removed->alias(), QStringLiteral("Two"));
+    QCOMPARE(camera->name(), "new"_s);
+    QCOMPARE(removed->alias(), "Two"_s);
 }
 
 void CloudRosterTest::throttle()
@@ -134,7 +131,7 @@ void CloudRosterTest::rosterCanBeReadWhileItChanges()
 {
     CloudAPIClient client;
     update(&client);
-    const ServerPtr server = client.serverList().value(QStringLiteral("s1"));
+    const ServerPtr server = client.serverList().value("s1"_s);
     QStringList seen;
     connect(server.data(), &Server::aliasChanged, this, [&] {
         seen = CloudAPIClient::serverList().keys();

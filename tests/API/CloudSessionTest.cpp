@@ -1,16 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "API/CloudAPIClient.h"
 
-#include <QCoreApplication>
-#include <QSignalSpy>
-#include <QTest>
+#include "tests/support/Test.h"
 
 #include "API/Layout.h"
 #include "API/LocalServer.h"
 #include "tests/API/RosterFixture.h"
 
 using namespace ZorvaneClient::API;
-using namespace ZorvaneClient::Tests;
 
 class CloudSessionTest : public RosterFixture
 {
@@ -34,7 +31,7 @@ void CloudSessionTest::signInAs(const QByteArray &session)
     service.succeed("POST", "/public/sessions", "{\"session_id\":\"" + session + "\"}");
     CloudAPIClient client;
     QSignalSpy success(&client, &CloudAPIClient::loginSuccess);
-    client.tryLogin(QStringLiteral("a@b"), QStringLiteral("p"));
+    client.tryLogin("a@b"_s, "p"_s);
     QTRY_COMPARE(success.count(), 1);
     service.reset();
 }
@@ -53,7 +50,7 @@ void CloudSessionTest::signIn_data()
         QTest::newRow(email) << email << password << QByteArray(response) << client + rest
                              << session;
     };
-    row("a+b@c", QStringLiteral("1&2=3+4 %"), R"({"session_id":"abc"})",
+    row("a+b@c", "1&2=3+4 %"_s, R"({"session_id":"abc"})",
         "login=a%2Bb%40c&password=1%262%3D3%2B4%20%25", "abc");
     row("Cyrillic", QString::fromUtf8("Ж"), R"({"session_id":7})", "login=Cyrillic&password=%D0%96",
         "7");
@@ -68,7 +65,7 @@ void CloudSessionTest::signIn()
     QFETCH(QByteArray, body);
     QFETCH(QString, session);
 
-    QCoreApplication::setApplicationVersion(QStringLiteral("6.0.1.114"));
+    QCoreApplication::setApplicationVersion("6.0.1.114"_s);
     service.succeed("POST", "/public/sessions", response);
     CloudAPIClient client;
     QSignalSpy success(&client, &CloudAPIClient::loginSuccess);
@@ -97,7 +94,7 @@ void CloudSessionTest::signInFails()
     CloudAPIClient client;
     QSignalSpy success(&client, &CloudAPIClient::loginSuccess);
     QSignalSpy failed(&client, &CloudAPIClient::loginFailed);
-    client.tryLogin(QStringLiteral("a@b"), QStringLiteral("wrong"));
+    client.tryLogin("a@b"_s, "wrong"_s);
     QTRY_COMPARE(failed.count(), 1);
     QCOMPARE(success.count(), 0);
     QCOMPARE(CloudAPIClient::sessionId(), QString());
@@ -112,8 +109,8 @@ void CloudSessionTest::signOutForgetsEverything()
     QSignalSpy layouts(&client, &CloudAPIClient::layoutsUpdated);
     client.updateRoster();
     QTRY_COMPARE(roster.count(), 1);
-    client.addLocalServer(LocalServerPtr::create(QStringLiteral("LAN"), QStringLiteral("127.0.0.1"),
-                                                 MisbehavingServer::deadPort(), QString()));
+    client.addLocalServer(
+        LocalServerPtr::create("LAN"_s, "127.0.0.1"_s, MisbehavingServer::deadPort(), QString()));
     client.addLayout(LayoutPtr::create());
     QCOMPARE(client.serverList().size(), 2);
     QCOMPARE(client.layoutList().size(), 1);
@@ -147,12 +144,12 @@ void CloudSessionTest::updateCheck()
     QSignalSpy found(&client, &CloudAPIClient::updatesFound);
     client.checkForUpdates();
     QTRY_COMPARE(found.count(), 1);
-    QCOMPARE(found.at(0).at(0).toString(), QStringLiteral("7.0.0.1"));
+    QCOMPARE(found.at(0).at(0).toString(), "7.0.0.1"_s);
 }
 
 void CloudSessionTest::deadHandleIsHarmless()
 {
-    const camera_global_id_t camera{QStringLiteral("s1"), 1};
+    const camera_global_id_t camera{"s1"_s, 1};
     service.succeed("GET", "/public/roster", R"({"x":{"id":"s1"}})");
     QTest::ignoreMessage(QtWarningMsg, "Error saving layouts");
     QTest::ignoreMessage(QtWarningMsg, "Error saving rotation 10001 500");
@@ -165,7 +162,7 @@ void CloudSessionTest::deadHandleIsHarmless()
         client.getCalendar(camera, 1, 2);
         client.setCameraRotation(camera, 90);
         client.saveLayoutsToAPI();
-        client.tryLogin(QStringLiteral("a"), QStringLiteral("b"));
+        client.tryLogin("a"_s, "b"_s);
     }
     constexpr int requestCount = 8;
     QTRY_COMPARE(service.requests().size(), requestCount);

@@ -1,21 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "API/HTTPClient.h"
 
-#include <QCoreApplication>
-#include <QDeadlineTimer>
-#include <QDir>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QSemaphore>
-#include <QSslConfiguration>
-#include <QTest>
-#include <QThread>
+#include "tests/support/Test.h"
 
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/TlsIdentity.h"
 
 using ZorvaneClient::API::HTTPClient;
-using namespace ZorvaneClient::Tests;
 
 namespace {
 
@@ -26,9 +17,9 @@ constexpr qint64 stuckMs = 4000;
 int networkThreadCount()
 {
     int count = 0;
-    const QDir tasks(QStringLiteral("/proc/self/task"));
+    const QDir tasks("/proc/self/task"_s);
     for (const QString &task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        QFile name(tasks.filePath(task + QStringLiteral("/comm")));
+        QFile name(tasks.filePath(task + "/comm"_s));
         if (name.open(QIODevice::ReadOnly) && name.readAll().startsWith("QNetworkAccess"))
             ++count;
     }
@@ -101,7 +92,7 @@ using Clients = QList<QSharedPointer<HTTPClient>>;
 void ask(Clients &clients, const QString &host, int port, bool ssl)
 {
     clients.append(QSharedPointer<HTTPClient>::create(host, port, ssl, false));
-    clients.last()->get(QStringLiteral("/"), QVariantMap(), true);
+    clients.last()->get("/"_s, QVariantMap(), true);
 }
 
 } // namespace
@@ -112,58 +103,55 @@ class HTTPClientExitTest : public QObject
     Q_OBJECT
 
 private slots:
-    void noThreadOutlivesTheApplication();
-    void noThreadIsStuckInItsHandshake();
-};
-
-void HTTPClientExitTest::noThreadOutlivesTheApplication()
-{
-    Clients clients;
+    void noThreadOutlivesTheApplication()
     {
-        Application application;
-        MisbehavingServer server;
-        QVERIFY(server.start());
-        server.setReply(WireReply::silence());
-        constexpr int clientCount = 5;
-        for (int i = 0; i < clientCount; ++i)
-            ask(clients, QStringLiteral("127.0.0.1"), server.port(), false);
-        QTRY_COMPARE(server.requests().size(), clientCount);
-        QCOMPARE(networkThreadCount(), clientCount);
-    }
-    QVERIFY(noNetworkThreadIsLeft());
-}
-
-void HTTPClientExitTest::noThreadIsStuckInItsHandshake()
-{
-    // Each run ends at another moment of the handshake.
-    constexpr int runCount = 60;
-    constexpr int latestMomentMs = 20;
-    constexpr int clientCount = 3;
-    QScopedPointer<TlsIdentity> identity;
-    for (int run = 0; run < runCount; ++run) {
-        ServerThread server;
         Clients clients;
-        QElapsedTimer ending;
         {
             Application application;
-            if (!identity) {
-                identity.reset(new TlsIdentity(QStringLiteral("exit")));
-                QVERIFY(identity->isValid());
-                trust(*identity);
-            }
-            const int port = server.listen(*identity);
+            MisbehavingServer server;
+            QVERIFY(server.start());
+            server.setReply(WireReply::silence());
+            constexpr int clientCount = 5;
             for (int i = 0; i < clientCount; ++i)
-                ask(clients, QStringLiteral("localhost"), port, true);
-            const QDeadlineTimer moment(run % latestMomentMs);
-            do {
-                QCoreApplication::processEvents();
-            } while (!moment.hasExpired());
-            ending.start();
+                ask(clients, "127.0.0.1"_s, server.port(), false);
+            QTRY_COMPARE(server.requests().size(), clientCount);
+            QCOMPARE(networkThreadCount(), clientCount);
         }
-        QVERIFY(ending.elapsed() < stuckMs);
         QVERIFY(noNetworkThreadIsLeft());
     }
-}
+
+    void noThreadIsStuckInItsHandshake()
+    {
+        // Each run ends at another moment of the handshake.
+        constexpr int runCount = 60;
+        constexpr int latestMomentMs = 20;
+        constexpr int clientCount = 3;
+        QScopedPointer<TlsIdentity> identity;
+        for (int run = 0; run < runCount; ++run) {
+            ServerThread server;
+            Clients clients;
+            QElapsedTimer ending;
+            {
+                Application application;
+                if (!identity) {
+                    identity.reset(new TlsIdentity("exit"_s));
+                    QVERIFY(identity->isValid());
+                    trust(*identity);
+                }
+                const int port = server.listen(*identity);
+                for (int i = 0; i < clientCount; ++i)
+                    ask(clients, "localhost"_s, port, true);
+                const QDeadlineTimer moment(run % latestMomentMs);
+                do {
+                    QCoreApplication::processEvents();
+                } while (!moment.hasExpired());
+                ending.start();
+            }
+            QVERIFY(ending.elapsed() < stuckMs);
+            QVERIFY(noNetworkThreadIsLeft());
+        }
+    }
+};
 
 QTEST_APPLESS_MAIN(HTTPClientExitTest)
 #include "HTTPClientExitTest.moc"

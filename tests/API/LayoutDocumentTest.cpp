@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "API/LayoutDocument.h"
 
-#include <QJsonDocument>
-#include <QStandardPaths>
-#include <QTest>
+#include "tests/support/Test.h"
 
 #include "API/Layout.h"
 
@@ -24,43 +22,40 @@ class LayoutDocumentTest : public QObject
     Q_OBJECT
 
 private slots:
-    void plausibleLayoutsPassUnchanged();
-    void tooManyLayouts();
-    void cacheFileName();
-};
-
-void LayoutDocumentTest::plausibleLayoutsPassUnchanged()
-{
-    const QVariantList given = layoutsOf(
-        R"([{"id":"a","name":"A","rows":32,"columns":1,"cameras":[
+    void plausibleLayoutsPassUnchanged()
+    {
+        const QVariantList given = layoutsOf(
+            R"([{"id":"a","name":"A","rows":32,"columns":1,"cameras":[
                {"server":"s","camera":7,"row":31,"column":0,"w":1,"h":2},
                {"server":"s","camera":8,"row":0,"column":0}]},
             {"name":"without the rest"}, {}])");
-    const QList<QVariantMap> passed = boundedLayouts(given);
-    QCOMPARE(passed.size(), given.size());
-    for (int i = 0; i < given.size(); ++i)
-        QCOMPARE(passed.at(i), given.at(i).toMap());
-}
+        const QList<QVariantMap> passed = boundedLayouts(given);
+        QCOMPARE(passed.size(), given.size());
+        for (int i = 0; i < given.size(); ++i)
+            QCOMPARE(passed.at(i), given.at(i).toMap());
+    }
 
-void LayoutDocumentTest::tooManyLayouts()
-{
-    QVariantList many;
-    for (int i = 0; i < LayoutBounds::layouts + 500; ++i)
-        many.append(QVariantMap{{QStringLiteral("id"), QString::number(i)}});
-    QTest::ignoreMessage(QtWarningMsg, "Too many layouts: 1500 taken: 1000");
-    const QList<QVariantMap> taken = boundedLayouts(many);
-    QCOMPARE(taken.size(), LayoutBounds::layouts);
-    QCOMPARE(taken.constLast().value(QStringLiteral("id")).toString(), QStringLiteral("999"));
-}
+    void tooManyLayouts()
+    {
+        QVariantList many;
+        for (int i = 0; i < LayoutBounds::layouts + 500; ++i)
+            many.append(QVariantMap{{"id"_s, QString::number(i)}});
+        QTest::ignoreMessage(QtWarningMsg, "Too many layouts: 1500 taken: 1000");
+        const QList<QVariantMap> taken = boundedLayouts(many);
+        QCOMPARE(taken.size(), LayoutBounds::layouts);
+        QCOMPARE(taken.constLast().value("id"_s).toString(), "999"_s);
+    }
 
-void LayoutDocumentTest::cacheFileName()
-{
-    const QString start = QStandardPaths::writableLocation(QStandardPaths::CacheLocation) +
-                          QStringLiteral("/layouts.");
-    QCOMPARE(layoutsCacheFile(QStringLiteral("Demo@Zorvane.EXAMPLE")),
-             start + "924942403f0708c36c6637682cb19b21");
-    QCOMPARE(layoutsCacheFile(QString::fromUtf8("Ж")), start + "d82d7ca255082e2ca8720d69da507ee1");
-}
+    void cacheFileName()
+    {
+        const QString start =
+            QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + "/layouts."_s;
+        QCOMPARE(layoutsCacheFile("Demo@Zorvane.EXAMPLE"_s),
+                 start + "924942403f0708c36c6637682cb19b21");
+        QCOMPARE(layoutsCacheFile(QString::fromUtf8("Ж")),
+                 start + "d82d7ca255082e2ca8720d69da507ee1");
+    }
+};
 
 QTEST_GUILESS_MAIN(LayoutDocumentTest)
 #include "LayoutDocumentTest.moc"

@@ -1,21 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "API/CloudAPIClient.h"
 
-#include <QDir>
-#include <QFile>
-#include <QSignalSpy>
-#include <QTest>
+#include "tests/support/Test.h"
 
 #include "API/LocalServer.h"
 #include "API/Server.h"
 #include "tests/API/RosterFixture.h"
 
 using namespace ZorvaneClient::API;
-using namespace ZorvaneClient::Tests;
 
 namespace {
 
-const QString localhost = QStringLiteral("127.0.0.1");
+const QString localhost = "127.0.0.1"_s;
 
 void writeFile(const QByteArray &content)
 {
@@ -62,9 +58,8 @@ void LocalRosterTest::localFile_data()
     QTest::newRow("first of the same id wins")
         << "[" + one + R"(,{"ip":"127.0.0.1","name":"Two","port":1}])" << QStringList{"127.0.0.1:1"}
         << "One";
-    QTest::newRow("Cyrillic")
-        << QStringLiteral("[{\"ip\":\"127.0.0.1\",\"name\":\"Двор\"}]").toUtf8()
-        << QStringList{"127.0.0.1:0"} << QString::fromUtf8("Двор");
+    QTest::newRow("Cyrillic") << "[{\"ip\":\"127.0.0.1\",\"name\":\"Двор\"}]"_s.toUtf8()
+                              << QStringList{"127.0.0.1:0"} << QString::fromUtf8("Двор");
     QTest::newRow("damaged") << QByteArray("[" + one) << QStringList() << "";
     QTest::newRow("garbage") << QByteArray(1000, '\xff') << QStringList() << "";
     QTest::newRow("wrong types")
@@ -118,15 +113,15 @@ void LocalRosterTest::localFileIsReadOnEveryRequest()
     writeFile(R"([{"ip":"127.0.0.1","name":"One","port":1}])");
     CloudAPIClient client;
     update(&client);
-    const ServerPtr first = client.serverList().value(QStringLiteral("127.0.0.1:1"));
+    const ServerPtr first = client.serverList().value("127.0.0.1:1"_s);
     QVERIFY(first);
 
     // Objects in memory win over the file, and stay when the file has lost them.
     writeFile(R"([{"ip":"127.0.0.1","name":"Other","port":1},{"ip":"127.0.0.1","port":2}])");
     update(&client);
     QCOMPARE(client.serverList().keys(), QStringList({"127.0.0.1:1", "127.0.0.1:2", "s1"}));
-    QCOMPARE(client.serverList().value(QStringLiteral("127.0.0.1:1")), first);
-    QCOMPARE(first->alias(), QStringLiteral("One"));
+    QCOMPARE(client.serverList().value("127.0.0.1:1"_s), first);
+    QCOMPARE(first->alias(), "One"_s);
     writeFile("[]");
     update(&client);
     QCOMPARE(client.serverList().size(), 3);
@@ -143,7 +138,7 @@ void LocalRosterTest::fileOnDisk()
     QVERIFY(QFile::setPermissions(rosterFile, QFile::permissions(rosterFile) | QFile::ReadOther));
     CloudAPIClient client;
     client.addLocalServer(lanServer(2, QString::fromUtf8("Двор")));
-    client.addLocalServer(lanServer(1, QStringLiteral("Yard")));
+    client.addLocalServer(lanServer(1, "Yard"_s));
     const QByteArray expected = R"([
     {
         "ip": "127.0.0.1",
@@ -161,7 +156,7 @@ void LocalRosterTest::fileOnDisk()
 )";
     QCOMPARE(fileContent(), expected);
     QVERIFY(!(QFile::permissions(rosterFile) & QFile::ReadOther));
-    QCOMPARE(QDir().entryList({QStringLiteral("local_roster*")}), QStringList({rosterFile}));
+    QCOMPARE(QDir().entryList({"local_roster*"_s}), QStringList({rosterFile}));
 }
 
 void LocalRosterTest::fileThatCannotBeWritten()
@@ -195,12 +190,12 @@ void LocalRosterTest::edit()
     client.addLocalServer(server);
     client.addLocalServer(lanServer(2));
     QSignalSpy updated(&client, &CloudAPIClient::rosterUpdated);
-    client.editLocalServer(server, QStringLiteral("New"), host, port, QStringLiteral("changed"));
+    client.editLocalServer(server, "New"_s, host, port, "changed"_s);
     QCOMPARE(updated.count(), 1);
     QCOMPARE(client.serverList().keys(), ids);
     QCOMPARE(client.serverList().value(server->id()).data(), server.data());
-    QCOMPARE(server->alias(), QStringLiteral("New"));
-    QCOMPARE(server->password(), QStringLiteral("changed"));
+    QCOMPARE(server->alias(), "New"_s);
+    QCOMPARE(server->password(), "changed"_s);
     QCOMPARE(fileContent().count("\"ip\""), ids.size());
     QVERIFY(fileContent().contains("changed"));
 }

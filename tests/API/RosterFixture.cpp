@@ -1,20 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "tests/API/RosterFixture.h"
 
-#include <QDir>
-#include <QFile>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "API/LocalServer.h"
 #include "App/Environment.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 API::LocalServerPtr lanServer(int port, const QString &alias)
 {
-    return API::LocalServerPtr::create(alias, QStringLiteral("127.0.0.1"), port,
-                                       QStringLiteral("secret"));
+    return API::LocalServerPtr::create(alias, "127.0.0.1"_s, port, "secret"_s);
 }
 
 void RosterFixture::initTestCase()
@@ -53,5 +49,4 @@ void RosterFixture::update(API::CloudAPIClient *client)
     QVERIFY(service.requestsTo("/public/roster").size() > requests);
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,21 +1,18 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QByteArray>
-#include <QObject>
-#include <QString>
+#include "tests/support/Test.h"
 
 #include "API/CloudAPIClient.h"
 #include "tests/support/ScriptedService.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
-const QString rosterFile = QStringLiteral("local_roster.txt");
+const QString rosterFile = "local_roster.txt"_s;
 const QByteArray oneServer = R"({"x":{"id":"s1","name":"One","online":true}})";
 
 /// Ports below 4 refuse on loopback.
-API::LocalServerPtr lanServer(int port, const QString &alias = QStringLiteral("LAN"));
+API::LocalServerPtr lanServer(int port, const QString &alias = "LAN"_s);
 
 /// Each test function begins without a session, servers and roster file, at a fixed time, with
 /// a service that lists `oneServer`.
@@ -35,5 +32,4 @@ private slots:
     void init();
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

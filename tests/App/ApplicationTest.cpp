@@ -1,9 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <QLineEdit>
-#include <QLocale>
-#include <QPointer>
-#include <QTimer>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
@@ -18,31 +14,8 @@
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/Roster.h"
 
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
 using App::Application;
 using GUI::MainWindow;
-
-/// The real application object and its real windows.
-class ApplicationTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void languageOfTheSettingWins_data();
-    void languageOfTheSettingWins();
-    void firstWindowTakesTheStoredGeometry();
-    void cameraAndLayoutOpenInWindowsOfTheirOwn();
-    void signOutClosesAllWindows();
-    void signOutEndsAQuestion();
-    void onlyTheLastWindowToCloseQuits();
-
-private:
-    MainWindow *openWindow();
-};
 
 namespace {
 
@@ -80,7 +53,7 @@ int widgetsLeft()
 
 API::CameraPtr camera(int number)
 {
-    return rosterCamera(QStringLiteral("s"), number);
+    return rosterCamera("s"_s, number);
 }
 
 API::LayoutPtr layoutOf(const QList<API::CameraPtr> &cameras)
@@ -100,161 +73,166 @@ QString setting(const char *key)
 
 } // namespace
 
-void ApplicationTest::initTestCase()
+/// The real application object and its real windows.
+class ApplicationTest : public QObject
 {
-    // So that the end comes from the list of windows alone.
-    QApplication::setQuitOnLastWindowClosed(false);
-    App::ServiceProfile profile;
-    profile.apiHost = profile.streamingHost = QStringLiteral("127.0.0.1");
-    profile.apiPort = profile.streamingPort = MisbehavingServer::deadPort();
-    App::ServiceProfile::setCurrent(profile);
-}
+    Q_OBJECT
 
-void ApplicationTest::init()
-{
-    addServerToRoster(QStringLiteral("s"), {"a", "b", "c"});
-    App::settings().setValue(QStringLiteral("mainWindow/geometry"), QByteArray());
-}
-
-void ApplicationTest::cleanup()
-{
-    const QList<MainWindow *> windows = visibleTopLevels<MainWindow>();
-    if (!windows.isEmpty())
-        emit windows.first()->signout();
-    const QList<GUI::LoginDialog *> dialogs = visibleTopLevels<GUI::LoginDialog>();
-    for (GUI::LoginDialog *dialog : dialogs)
-        dialog->close();
-    QTRY_COMPARE(widgetsLeft(), 0);
-}
-
-MainWindow *ApplicationTest::openWindow()
-{
-    const QList<MainWindow *> before = visibleTopLevels<MainWindow>();
-    application()->createMainWindow();
-    const QList<MainWindow *> windows = visibleTopLevels<MainWindow>();
-    for (MainWindow *window : windows) {
-        if (!before.contains(window))
-            return window;
+private slots:
+    void initTestCase()
+    {
+        // So that the end comes from the list of windows alone.
+        QApplication::setQuitOnLastWindowClosed(false);
+        App::ServiceProfile profile;
+        profile.apiHost = profile.streamingHost = "127.0.0.1"_s;
+        profile.apiPort = profile.streamingPort = MisbehavingServer::deadPort();
+        App::ServiceProfile::setCurrent(profile);
     }
-    return nullptr;
-}
 
-void ApplicationTest::languageOfTheSettingWins_data()
-{
-    QTest::addColumn<QString>("setting");
-    QTest::addColumn<QLocale>("locale");
-    QTest::addColumn<QString>("language");
-    const QLocale russian(QLocale::Russian, QLocale::Kazakhstan);
-    const QLocale german(QLocale::German);
-    QTest::newRow("Russian system") << QString() << russian << "ru";
-    QTest::newRow("Russian chosen") << "ru" << german << "ru";
-    QTest::newRow("as it was given") << "ru_RU" << german << "ru_RU";
-}
+    void init()
+    {
+        addServerToRoster("s"_s, {"a", "b", "c"});
+        App::settings().setValue("mainWindow/geometry"_s, QByteArray());
+    }
 
-void ApplicationTest::languageOfTheSettingWins()
-{
-    QFETCH(QString, setting);
-    QFETCH(QLocale, locale);
-    QFETCH(QString, language);
-    const QString key = QStringLiteral("common/language");
-    App::settings().setValue(key, setting.isNull() ? QVariant() : QVariant(setting));
-    const QLocale before;
-    QLocale::setDefault(locale);
-    const QString found = application()->language();
-    QLocale::setDefault(before);
-    App::settings().setValue(key, QVariant());
-    QCOMPARE(found, language);
-}
+    void cleanup()
+    {
+        const QList<MainWindow *> windows = visibleTopLevels<MainWindow>();
+        if (!windows.isEmpty())
+            emit windows.first()->signout();
+        const QList<GUI::LoginDialog *> dialogs = visibleTopLevels<GUI::LoginDialog>();
+        for (GUI::LoginDialog *dialog : dialogs)
+            dialog->close();
+        QTRY_COMPARE(widgetsLeft(), 0);
+    }
 
-void ApplicationTest::firstWindowTakesTheStoredGeometry()
-{
-    MainWindow *window = openWindow();
-    QCOMPARE(window->size(), QSize(1100, 650));
-    window->setGeometry(40, 50, 960, 540);
-    QTimer::singleShot(0, window, [window] { window->close(); });
-    QCOMPARE(Application::exec(), 0);
-    QCOMPARE(widgetsLeft(), 0);
-    window = openWindow();
-    QCOMPARE(window->geometry(), QRect(40, 50, 960, 540));
-    // Only the first: a window that no other window asked for has the size of its own.
-    QCOMPARE(openWindow()->size(), QSize(1100, 650));
-}
+    void languageOfTheSettingWins_data()
+    {
+        const QLocale russian(QLocale::Russian, QLocale::Kazakhstan);
+        const QLocale german(QLocale::German);
+        rows<QString, QLocale, QString>({"setting", "locale", "language"},
+                                        {
+                                            {"Russian system", QString(), russian, "ru"},
+                                            {"Russian chosen", "ru", german, "ru"},
+                                            {"as it was given", "ru_RU", german, "ru_RU"},
+                                        });
+    }
 
-void ApplicationTest::cameraAndLayoutOpenInWindowsOfTheirOwn()
-{
-    MainWindow *window = openWindow();
-    QCOMPARE(application()->playerCount(), 0);
-    QCOMPARE(application()->cellCount(), 1);
-    emit window->openInNewWindow(camera(1));
-    QCOMPARE(visibleTopLevels<MainWindow>().size(), 2);
-    QCOMPARE(application()->playerCount(), 1);
-    QCOMPARE(application()->cellCount(), 2);
-    emit window->openInNewWindow(layoutOf({camera(2), camera(3)}));
-    QCOMPARE(visibleTopLevels<MainWindow>().size(), 3);
-    QCOMPARE(application()->playerCount(), 3);
-    QCOMPARE(application()->cellCount(), 5);
-    QCOMPARE(window->playerCount(), 0);
-}
+    void languageOfTheSettingWins()
+    {
+        const auto [setting, locale, language] = row<QString, QLocale, QString>();
+        const QString key = "common/language"_s;
+        App::settings().setValue(key, setting.isNull() ? QVariant() : QVariant(setting));
+        const QLocale before;
+        QLocale::setDefault(locale);
+        const QString found = application()->language();
+        QLocale::setDefault(before);
+        App::settings().setValue(key, QVariant());
+        QCOMPARE(found, language);
+    }
 
-void ApplicationTest::signOutClosesAllWindows()
-{
-    App::settings().setValue(QStringLiteral("auth/email"), QStringLiteral("a@b.example"));
-    App::settings().setValue(QStringLiteral("auth/password"), QStringLiteral("secret"));
-    App::settings().setValue(QStringLiteral("auth/saveAuth"), QStringLiteral("a@b.example"));
-    MainWindow *window = openWindow();
-    openWindow()->openLayout(layoutOf({camera(1), camera(2)}));
-    openWindow()->openCamera(camera(3));
-    QCOMPARE(application()->playerCount(), 3);
-    emit window->signout();
-    QCOMPARE(application()->playerCount(), 0);
-    QCOMPARE(visibleTopLevels<GUI::LoginDialog>().size(), 1);
-    QTRY_COMPARE(widgetsLeft(), 0);
-    QCOMPARE(setting("auth/email"), QStringLiteral("a@b.example"));
-    QCOMPARE(setting("auth/password"), QString());
-    QCOMPARE(setting("auth/saveAuth"), QString());
-    QVERIFY(API::CloudAPIClient::serverList().isEmpty());
-    auto *dialog = visibleTopLevels<GUI::LoginDialog>().first();
-    QCOMPARE(dialog->findChild<QLineEdit *>(QStringLiteral("emailLn"))->text(),
-             QStringLiteral("a@b.example"));
-    QCOMPARE(dialog->findChild<QLineEdit *>(QStringLiteral("passwordLn"))->text(), QString());
-}
+    void firstWindowTakesTheStoredGeometry()
+    {
+        MainWindow *window = openWindow();
+        QCOMPARE(window->size(), QSize(1100, 650));
+        window->setGeometry(40, 50, 960, 540);
+        QTimer::singleShot(0, window, [window] { window->close(); });
+        QCOMPARE(Application::exec(), 0);
+        QCOMPARE(widgetsLeft(), 0);
+        window = openWindow();
+        QCOMPARE(window->geometry(), QRect(40, 50, 960, 540));
+        // Only the first: a window that no other window asked for has the size of its own.
+        QCOMPARE(openWindow()->size(), QSize(1100, 650));
+    }
 
-void ApplicationTest::signOutEndsAQuestion()
-{
-    MainWindow *other = openWindow();
-    const QPointer<MainWindow> asking = openWindow();
-    asking->openLayout(layoutOf({camera(1)}));
-    asking->addToLayout(camera(2));
-    bool wasAsking = false;
-    QTimer::singleShot(0, asking, [&] {
-        wasAsking = QApplication::activeModalWidget() != nullptr;
-        emit other->signout();
-    });
-    asking->openCamera(camera(3));
-    QVERIFY(wasAsking);
-    QTRY_VERIFY(!asking);
-    QTRY_COMPARE(widgetsLeft(), 0);
-    QCOMPARE(visibleTopLevels<GUI::LoginDialog>().size(), 1);
-}
+    void cameraAndLayoutOpenInWindowsOfTheirOwn()
+    {
+        MainWindow *window = openWindow();
+        QCOMPARE(application()->playerCount(), 0);
+        QCOMPARE(application()->cellCount(), 1);
+        emit window->openInNewWindow(camera(1));
+        QCOMPARE(visibleTopLevels<MainWindow>().size(), 2);
+        QCOMPARE(application()->playerCount(), 1);
+        QCOMPARE(application()->cellCount(), 2);
+        emit window->openInNewWindow(layoutOf({camera(2), camera(3)}));
+        QCOMPARE(visibleTopLevels<MainWindow>().size(), 3);
+        QCOMPARE(application()->playerCount(), 3);
+        QCOMPARE(application()->cellCount(), 5);
+        QCOMPARE(window->playerCount(), 0);
+    }
 
-void ApplicationTest::onlyTheLastWindowToCloseQuits()
-{
-    MainWindow *first = openWindow();
-    MainWindow *second = openWindow();
-    bool wentOn = false;
-    QTimer::singleShot(0, first, [first] { first->close(); });
-    connect(first, &QObject::destroyed, second, [&wentOn, second] {
-        QTimer::singleShot(0, second, [&wentOn, second] {
-            wentOn = true;
-            second->close();
+    void signOutClosesAllWindows()
+    {
+        App::settings().setValue("auth/email"_s, "a@b.example"_s);
+        App::settings().setValue("auth/password"_s, "secret"_s);
+        App::settings().setValue("auth/saveAuth"_s, "a@b.example"_s);
+        MainWindow *window = openWindow();
+        openWindow()->openLayout(layoutOf({camera(1), camera(2)}));
+        openWindow()->openCamera(camera(3));
+        QCOMPARE(application()->playerCount(), 3);
+        emit window->signout();
+        QCOMPARE(application()->playerCount(), 0);
+        QCOMPARE(visibleTopLevels<GUI::LoginDialog>().size(), 1);
+        QTRY_COMPARE(widgetsLeft(), 0);
+        QCOMPARE(setting("auth/email"), "a@b.example"_s);
+        QCOMPARE(setting("auth/password"), QString());
+        QCOMPARE(setting("auth/saveAuth"), QString());
+        QVERIFY(API::CloudAPIClient::serverList().isEmpty());
+        auto *dialog = visibleTopLevels<GUI::LoginDialog>().first();
+        QCOMPARE(dialog->findChild<QLineEdit *>("emailLn"_s)->text(), "a@b.example"_s);
+        QCOMPARE(dialog->findChild<QLineEdit *>("passwordLn"_s)->text(), QString());
+    }
+
+    void signOutEndsAQuestion()
+    {
+        MainWindow *other = openWindow();
+        const QPointer<MainWindow> asking = openWindow();
+        asking->openLayout(layoutOf({camera(1)}));
+        asking->addToLayout(camera(2));
+        bool wasAsking = false;
+        QTimer::singleShot(0, asking, [&] {
+            wasAsking = QApplication::activeModalWidget() != nullptr;
+            emit other->signout();
         });
-    });
-    QTimer::singleShot(deadlineMs, first, [] { QCoreApplication::exit(1); });
-    QTimer::singleShot(deadlineMs, second, [] { QCoreApplication::exit(1); });
-    QCOMPARE(Application::exec(), 0);
-    QVERIFY(wentOn);
-    QCOMPARE(widgetsLeft(), 0);
-}
+        asking->openCamera(camera(3));
+        QVERIFY(wasAsking);
+        QTRY_VERIFY(!asking);
+        QTRY_COMPARE(widgetsLeft(), 0);
+        QCOMPARE(visibleTopLevels<GUI::LoginDialog>().size(), 1);
+    }
+
+    void onlyTheLastWindowToCloseQuits()
+    {
+        MainWindow *first = openWindow();
+        MainWindow *second = openWindow();
+        bool wentOn = false;
+        QTimer::singleShot(0, first, [first] { first->close(); });
+        connect(first, &QObject::destroyed, second, [&wentOn, second] {
+            QTimer::singleShot(0, second, [&wentOn, second] {
+                wentOn = true;
+                second->close();
+            });
+        });
+        QTimer::singleShot(deadlineMs, first, [] { QCoreApplication::exit(1); });
+        QTimer::singleShot(deadlineMs, second, [] { QCoreApplication::exit(1); });
+        QCOMPARE(Application::exec(), 0);
+        QVERIFY(wentOn);
+        QCOMPARE(widgetsLeft(), 0);
+    }
+
+private:
+    MainWindow *openWindow()
+    {
+        const QList<MainWindow *> before = visibleTopLevels<MainWindow>();
+        application()->createMainWindow();
+        const QList<MainWindow *> windows = visibleTopLevels<MainWindow>();
+        for (MainWindow *window : windows) {
+            if (!before.contains(window))
+                return window;
+        }
+        return nullptr;
+    }
+};
 
 int main(int argc, char **argv)
 {

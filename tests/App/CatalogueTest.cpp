@@ -1,29 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The Russian catalogue and the texts of code and forms go together.
-#include <QRegularExpression>
-#include <QSet>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "tests/support/Catalogue.h"
-
-using namespace ZorvaneClient::Tests;
-
-class CatalogueTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void holdsItsMessagesOnce();
-    void onlyNamesAndSamplesAreUntranslated();
-    void everyTextStandsInIt();
-    void nothingElseStandsInIt();
-    void translationsKeepTheirMarks();
-
-private:
-    Catalogue catalogue;
-    Catalogue asked;
-};
 
 namespace {
 
@@ -66,15 +45,14 @@ QStringList strayTexts(const Catalogue &asked, const Catalogue &catalogue)
     for (const CatalogueMessage &text : asked) {
         if (!known.contains(text.key()) || text.isPlural)
             strays.append(
-                QStringLiteral("%1: \"%2\" of %3")
-                    .arg(text.places.join(QStringLiteral(", ")), text.source, text.context));
+                "%1: \"%2\" of %3"_s.arg(text.places.join(", "_s), text.source, text.context));
     }
     return strays;
 }
 
 QSet<QString> placeholders(const QString &text)
 {
-    static const QRegularExpression pattern(QStringLiteral("%\\d|%n|&"));
+    static const QRegularExpression pattern("%\\d|%n|&"_s);
     QSet<QString> found;
     QRegularExpressionMatchIterator matches = pattern.globalMatch(text);
     while (matches.hasNext())
@@ -85,86 +63,96 @@ QSet<QString> placeholders(const QString &text)
 /// The mark that ends it, "..." included; empty after a letter.
 QString endOf(const QString &text)
 {
-    static const QRegularExpression pattern(QStringLiteral("[.:?! ]+$"));
+    static const QRegularExpression pattern("[.:?! ]+$"_s);
     return pattern.match(text).captured();
 }
 
 } // namespace
 
-void CatalogueTest::initTestCase()
+class CatalogueTest : public QObject
 {
-    catalogue = russianCatalogue();
-    QVERIFY(!catalogue.isEmpty());
-    asked = extractedTexts(QStringLiteral(ZORVANE_SOURCE_DIR), {"App", "API", "GUI", "forms"});
-    QVERIFY(!asked.isEmpty());
-}
+    Q_OBJECT
 
-void CatalogueTest::holdsItsMessagesOnce()
-{
-    QSet<QString> contexts;
-    int translated = 0;
-    for (const CatalogueMessage &message : qAsConst(catalogue)) {
-        contexts.insert(message.context);
-        translated += message.isTranslated();
+private slots:
+    void initTestCase()
+    {
+        catalogue = russianCatalogue();
+        QVERIFY(!catalogue.isEmpty());
+        asked = extractedTexts(QStringLiteral(ZORVANE_SOURCE_DIR), {"App", "API", "GUI", "forms"});
+        QVERIFY(!asked.isEmpty());
     }
-    QCOMPARE(catalogue.size(), messageCount);
-    QCOMPARE(keys(catalogue).size(), messageCount);
-    QCOMPARE(contexts.size(), contextCount);
-    QCOMPARE(translated, translatedCount);
-}
 
-void CatalogueTest::onlyNamesAndSamplesAreUntranslated()
-{
-    QSet<QString> untranslated;
-    for (const CatalogueMessage &message : qAsConst(catalogue)) {
-        if (!message.isTranslated())
-            untranslated.insert(message.source);
+    void holdsItsMessagesOnce()
+    {
+        QSet<QString> contexts;
+        int translated = 0;
+        for (const CatalogueMessage &message : qAsConst(catalogue)) {
+            contexts.insert(message.context);
+            translated += message.isTranslated();
+        }
+        QCOMPARE(catalogue.size(), messageCount);
+        QCOMPARE(keys(catalogue).size(), messageCount);
+        QCOMPARE(contexts.size(), contextCount);
+        QCOMPARE(translated, translatedCount);
     }
-    const QSet<QString> namesAndSamples = {
-        "0%",
-        "00:00:00",
-        "10/08",
-        "10:27:35",
-        "127.0.0.1",
-        "1x",
-        "8080",
-        "MMM dd",
-        "email",
-        "English",
-        "Русский",
-        "Zorvane",
-        "Form",
-        "ServerName",
-        "<App Version>",
-        "Camera name",
-        "Layout or Camera name",
-    };
-    QCOMPARE(sortedLines(untranslated), sortedLines(namesAndSamples));
-}
 
-void CatalogueTest::everyTextStandsInIt()
-{
-    const QStringList strays = strayTexts(asked, catalogue);
-    QVERIFY2(strays.isEmpty(), qPrintable(strays.join(QLatin1Char('\n'))));
-}
-
-void CatalogueTest::nothingElseStandsInIt()
-{
-    QCOMPARE(sortedLines(keys(catalogue) - keys(asked)), sortedLines(keptMessages));
-}
-
-void CatalogueTest::translationsKeepTheirMarks()
-{
-    QStringList faults;
-    for (const CatalogueMessage &message : qAsConst(catalogue)) {
-        if (!message.isTranslated())
-            continue;
-        if (placeholders(message.source) != placeholders(message.translation) ||
-            endOf(message.source) != endOf(message.translation))
-            faults.append(message.translation);
+    void onlyNamesAndSamplesAreUntranslated()
+    {
+        QSet<QString> untranslated;
+        for (const CatalogueMessage &message : qAsConst(catalogue)) {
+            if (!message.isTranslated())
+                untranslated.insert(message.source);
+        }
+        const QSet<QString> namesAndSamples = {
+            "0%",
+            "00:00:00",
+            "10/08",
+            "10:27:35",
+            "127.0.0.1",
+            "1x",
+            "8080",
+            "MMM dd",
+            "email",
+            "English",
+            "Русский",
+            "Zorvane",
+            "Form",
+            "ServerName",
+            "<App Version>",
+            "Camera name",
+            "Layout or Camera name",
+        };
+        QCOMPARE(sortedLines(untranslated), sortedLines(namesAndSamples));
     }
-    QVERIFY2(faults.isEmpty(), qPrintable(faults.join(QLatin1Char('\n'))));
-}
+
+    void everyTextStandsInIt()
+    {
+        const QStringList strays = strayTexts(asked, catalogue);
+        QVERIFY2(strays.isEmpty(), qPrintable(strays.join(QLatin1Char('\n'))));
+    }
+
+    void nothingElseStandsInIt()
+    {
+        QCOMPARE(sortedLines(keys(catalogue) - keys(asked)), sortedLines(keptMessages));
+    }
+
+    void translationsKeepTheirMarks()
+    {
+        QStringList faults;
+        for (const CatalogueMessage &message : qAsConst(catalogue)) {
+            if (!message.isTranslated())
+                continue;
+            if (placeholders(message.source) != placeholders(message.translation) ||
+                endOf(message.source) != endOf(message.translation))
+                faults.append(message.translation);
+        }
+        QVERIFY2(faults.isEmpty(), qPrintable(faults.join(QLatin1Char('\n'))));
+    }
+
+private:
+    Catalogue catalogue;
+    Catalogue asked;
+};
 
 QTEST_GUILESS_MAIN(CatalogueTest)
 #include "CatalogueTest.moc"

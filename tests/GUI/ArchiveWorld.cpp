@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "tests/GUI/ArchiveWorld.h"
 
-#include <QUrlQuery>
-#include <QtTest>
-
-#include <chrono>
+#include "tests/support/Test.h"
 
 #include "API/Camera.h"
 #include "API/Server.h"
 #include "App/QtShims.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 namespace {
 
@@ -97,17 +93,16 @@ void ArchiveWorld::refuseRecords(int id)
 API::CameraPtr ArchiveWorld::localCamera(int id)
 {
     const API::CameraPtr camera = API::CameraPtr::create();
-    camera->setId(QStringLiteral("127.0.0.1:%1").arg(lan.port()), id);
+    camera->setId("127.0.0.1:%1"_s.arg(lan.port()), id);
     camera->setKind(API::LocalCamera);
     return camera;
 }
 
 API::CameraPtr ArchiveWorld::cloudCamera(int id, bool archiveShared)
 {
-    API::Server server(QVariantMap{{QStringLiteral("id"), QStringLiteral("cloud")}});
-    const QStringList rights{archiveShared ? QStringLiteral("archive") : QStringLiteral("live")};
-    return API::CameraPtr::create(
-        &server, QVariantMap{{QStringLiteral("id"), id}, {QStringLiteral("rights"), rights}});
+    API::Server server(QVariantMap{{"id"_s, "cloud"_s}});
+    const QStringList rights{archiveShared ? "archive"_s : "live"_s};
+    return API::CameraPtr::create(&server, QVariantMap{{"id"_s, id}, {"rights"_s, rights}});
 }
 
 API::CameraPtr ArchiveWorld::loadedCamera(int id, QDate day,
@@ -151,5 +146,4 @@ WireReply ArchiveWorld::reply(const WireRequest &request)
     return WireReply::json("[" + entries.join(',') + "]");
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,18 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QDate>
-#include <QHash>
-#include <QList>
-#include <QTime>
+#include "tests/support/Test.h"
 
 #include "API/ArchiveRecord.h"
 #include "API/Types.h"
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/ScriptedService.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// A record as the client is to know it.
 API::ArchiveRecord record(QDate day, QTime start, QTime end);
@@ -58,5 +54,4 @@ private:
     QList<int> refused;
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

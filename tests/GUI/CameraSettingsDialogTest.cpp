@@ -1,15 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <QCheckBox>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPainter>
-#include <QPointer>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <QUrlQuery>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "API/Camera.h"
 #include "API/Server.h"
@@ -21,34 +11,7 @@
 #include "tests/GUI/RosterWorld.h"
 #include "tests/support/ScriptedService.h"
 
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
 using GUI::CameraSettingsDialog;
-
-class CameraSettingsDialogTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void showsNameRotationAndPreview();
-    void acceptedRotationGoesToTheService_data();
-    void acceptedRotationGoesToTheService();
-    void rotationOfALanCameraGoesToTheSettings();
-    void cancelLeavesTheCamera();
-    void previewFollowsTheButtons();
-    void mirrorIsAppliedToo();
-    void cameraWithoutPreviewShowsNone();
-    void menuOpensIt_data();
-    void menuOpensIt();
-
-private:
-    API::CameraPtr camera(int rotation = 0) const;
-
-    ScriptedService service;
-};
 
 namespace {
 
@@ -98,204 +61,209 @@ void chooseFromMenu(QPushButton *button, const QString &text)
 
 } // namespace
 
-void CameraSettingsDialogTest::initTestCase()
+class CameraSettingsDialogTest : public QObject
 {
-    qApp->setStyleSheet(QStringLiteral("* { font: 12px \"PT Sans\"; }"));
-    QVERIFY(service.start());
-}
+    Q_OBJECT
 
-void CameraSettingsDialogTest::init()
-{
-    service.reset();
-    service.succeed("POST", rotationPath, "{}");
-    setWorld({{QStringLiteral("s1"), QStringLiteral("Office"), {}}});
-}
-
-void CameraSettingsDialogTest::cleanup()
-{
-    setWorld({});
-}
-
-API::CameraPtr CameraSettingsDialogTest::camera(int rotation) const
-{
-    auto made = API::CameraPtr::create(worldServer(QStringLiteral("s1")).data(),
-                                       QVariantMap{{QStringLiteral("id"), 7},
-                                                   {QStringLiteral("name"), "Gate"},
-                                                   {QStringLiteral("rotation"), rotation}});
-    made->setPreview(picture());
-    return made;
-}
-
-void CameraSettingsDialogTest::showsNameRotationAndPreview()
-{
-    const DialogVisitor visitor([](QDialog *dialog) {
-        QCOMPARE(dialog->windowTitle(), QStringLiteral("Camera settings"));
-        QCOMPARE(dialog->size(), QSize(321, 429));
-        const auto *name = dialog->findChild<QLineEdit *>(QStringLiteral("cameraName"));
-        QCOMPARE(name->text(), QStringLiteral("Gate"));
-        QVERIFY(name->isReadOnly() && name->isVisible());
-        QVERIFY(dialog->findChild<QGroupBox *>(QStringLiteral("rotationBlock"))->isVisible());
-        QVERIFY(!dialog->findChild<QGroupBox *>(QStringLiteral("soundBlock"))->isVisible());
-        QVERIFY(!dialog->findChild<QCheckBox *>(QStringLiteral("mirrorBox"))->isVisible());
-        const auto *preview = dialog->findChild<QLabel *>(QStringLiteral("preview"));
-        QCOMPARE(preview->size(), QSize(275, 150));
-        QVERIFY(dialog->rect().contains(QRect(preview->mapTo(dialog, QPoint()), preview->size())));
-        QCOMPARE(shownPreview(dialog).width(), 275);
-    });
-    CameraSettingsDialog::editCamera(camera());
-    QCOMPARE(visitor.visits(), 1);
-}
-
-void CameraSettingsDialogTest::acceptedRotationGoesToTheService_data()
-{
-    QTest::addColumn<int>("rotation");
-    QTest::addColumn<QString>("steps");
-    QTest::addColumn<int>("sent");
-    QTest::newRow("no change") << 0 << "" << 0;
-    QTest::newRow("no change of a turned camera") << 180 << "" << 180;
-    QTest::newRow("clockwise") << 0 << "R" << 90;
-    QTest::newRow("full turn") << 0 << "RRRR" << 0;
-    QTest::newRow("more than a turn") << 0 << "RRRRR" << 90;
-    QTest::newRow("counterclockwise") << 0 << "L" << -90;
-    QTest::newRow("three counterclockwise") << 0 << "LLL" << -270;
-    QTest::newRow("full turn back") << 0 << "LLLL" << 0;
-    QTest::newRow("to and fro") << 90 << "RLLL" << -90;
-    QTest::newRow("over the full turn") << 270 << "RR" << 90;
-}
-
-void CameraSettingsDialogTest::acceptedRotationGoesToTheService()
-{
-    QFETCH(int, rotation);
-    QFETCH(QString, steps);
-    QFETCH(int, sent);
-    const API::CameraPtr edited = camera(rotation);
-    QSignalSpy preview(edited.data(), &API::Camera::previewChanged);
-    QSignalSpy orientation(edited.data(), &API::Camera::orientationChanged);
-    const DialogVisitor visitor([&](QDialog *dialog) {
-        turn(dialog, steps);
-        QCOMPARE(edited->rotation(), rotation);
-        clickOk(dialog);
-    });
-    CameraSettingsDialog::editCamera(edited);
-    QCOMPARE(edited->rotation(), sent);
-    QCOMPARE(preview.size(), 2);
-    QCOMPARE(orientation.size(), 2);
-    QTRY_COMPARE(service.requestsTo(rotationPath).size(), 1);
-    const QUrlQuery body(QString::fromUtf8(service.requestsTo(rotationPath).first().body));
-    QCOMPARE(body.queryItemValue(QStringLiteral("degrees")), QString::number(sent));
-}
-
-void CameraSettingsDialogTest::rotationOfALanCameraGoesToTheSettings()
-{
-    const auto edited = API::CameraPtr::create();
-    edited->setId(QStringLiteral("127.0.0.1:8080"), 3);
-    edited->setKind(API::LocalCamera);
-    const DialogVisitor visitor([](QDialog *dialog) {
-        turn(dialog, QStringLiteral("L"));
-        clickOk(dialog);
-    });
-    CameraSettingsDialog::editCamera(edited);
-    QCOMPARE(edited->rotation(), -90);
-    QCOMPARE(App::settings().value(QStringLiteral("cameras/127.0.0.1:8080/3/rotation")),
-             QVariant(-90));
-    QVERIFY(service.requests().isEmpty());
-}
-
-void CameraSettingsDialogTest::cancelLeavesTheCamera()
-{
-    const API::CameraPtr edited = camera(90);
-    const QImage before = edited->preview().toImage();
-    QSignalSpy orientation(edited.data(), &API::Camera::orientationChanged);
-    const DialogVisitor visitor([](QDialog *dialog) {
-        turn(dialog, QStringLiteral("RR"));
-        dialog->findChild<QCheckBox *>(QStringLiteral("mirrorBox"))->toggle();
-        clickCancel(dialog);
-    });
-    CameraSettingsDialog::editCamera(edited);
-    QCOMPARE(visitor.visits(), 1);
-    QCOMPARE(edited->rotation(), 90);
-    QVERIFY(!edited->isMirrored());
-    QCOMPARE(edited->preview().toImage(), before);
-    QVERIFY(orientation.isEmpty());
-}
-
-void CameraSettingsDialogTest::previewFollowsTheButtons()
-{
-    const DialogVisitor visitor([](QDialog *dialog) {
-        QCOMPARE(shownPreview(dialog).pixelColor(5, 70), QColor(Qt::red));
-        turn(dialog, QStringLiteral("R"));
-        QCOMPARE(shownPreview(dialog).size(), QSize(75, 150));
-        QCOMPARE(shownPreview(dialog).pixelColor(35, 5), QColor(Qt::red));
-        turn(dialog, QStringLiteral("R"));
-        QCOMPARE(shownPreview(dialog).pixelColor(5, 70), QColor(Qt::blue));
-        turn(dialog, QStringLiteral("LLL"));
-        QCOMPARE(shownPreview(dialog).pixelColor(35, 5), QColor(Qt::blue));
-    });
-    CameraSettingsDialog::editCamera(camera());
-    QCOMPARE(visitor.visits(), 1);
-}
-
-void CameraSettingsDialogTest::mirrorIsAppliedToo()
-{
-    const API::CameraPtr edited = camera();
-    const DialogVisitor visitor([](QDialog *dialog) {
-        dialog->findChild<QCheckBox *>(QStringLiteral("mirrorBox"))->setChecked(true);
-        QCOMPARE(shownPreview(dialog).pixelColor(5, 70), QColor(Qt::blue));
-        clickOk(dialog);
-    });
-    CameraSettingsDialog::editCamera(edited);
-    QVERIFY(edited->isMirrored());
-    QCOMPARE(edited->preview().toImage().pixelColor(1, 1), QColor(Qt::blue));
-}
-
-void CameraSettingsDialogTest::cameraWithoutPreviewShowsNone()
-{
-    const auto blind = API::CameraPtr::create();
-    const DialogVisitor visitor([](QDialog *dialog) {
-        turn(dialog, QStringLiteral("R"));
-        QVERIFY(shownPreview(dialog).isNull());
-    });
-    CameraSettingsDialog::editCamera(blind);
-    CameraSettingsDialog::editCamera(API::CameraPtr());
-    QCOMPARE(visitor.visits(), 1);
-}
-
-void CameraSettingsDialogTest::menuOpensIt_data()
-{
-    QTest::addColumn<bool>("isTile");
-    QTest::newRow("card") << false;
-    QTest::newRow("tile") << true;
-}
-
-/// A card and a tile can go while the dialog is open, as when their server drops the camera.
-void CameraSettingsDialogTest::menuOpensIt()
-{
-    QFETCH(bool, isTile);
-    const API::CameraPtr edited = camera();
-    QPointer<QWidget> owner;
-    if (isTile) {
-        owner = new GUI::Player::VideoWidget(edited);
-        owner->resize(320, 240);
-    } else {
-        owner = new GUI::CameraWidget(edited);
+private slots:
+    void initTestCase()
+    {
+        qApp->setStyleSheet("* { font: 12px \"PT Sans\"; }"_s);
+        QVERIFY(service.start());
     }
-    owner->show();
-    QVERIFY(QTest::qWaitForWindowExposed(owner));
-    const DialogVisitor visitor([&](QDialog *dialog) {
-        delete owner;
-        QCOMPARE(labelPicture(dialog, "preview").isNull(), false);
-        turn(dialog, QStringLiteral("R"));
-        clickOk(dialog);
-    });
-    const QString button =
-        isTile ? QStringLiteral("settingsButton") : QStringLiteral("previewMenu");
-    if (isTile)
-        owner->findChild<QWidget *>(QStringLiteral("bottomBar"))->show();
-    chooseFromMenu(owner->findChild<QPushButton *>(button), QStringLiteral("Settings"));
-    QTRY_COMPARE(visitor.visits(), 1);
-    QTRY_COMPARE(edited->rotation(), 90);
-    QVERIFY(!owner);
-}
+
+    void init()
+    {
+        service.reset();
+        service.succeed("POST", rotationPath, "{}");
+        setWorld({{"s1"_s, "Office"_s, {}}});
+    }
+
+    void cleanup() { setWorld({}); }
+
+    void showsNameRotationAndPreview()
+    {
+        const DialogVisitor visitor([](QDialog *dialog) {
+            QCOMPARE(dialog->windowTitle(), "Camera settings"_s);
+            QCOMPARE(dialog->size(), QSize(321, 429));
+            const auto *name = dialog->findChild<QLineEdit *>("cameraName"_s);
+            QCOMPARE(name->text(), "Gate"_s);
+            QVERIFY(name->isReadOnly() && name->isVisible());
+            QVERIFY(dialog->findChild<QGroupBox *>("rotationBlock"_s)->isVisible());
+            QVERIFY(!dialog->findChild<QGroupBox *>("soundBlock"_s)->isVisible());
+            QVERIFY(!dialog->findChild<QCheckBox *>("mirrorBox"_s)->isVisible());
+            const auto *preview = dialog->findChild<QLabel *>("preview"_s);
+            QCOMPARE(preview->size(), QSize(275, 150));
+            QVERIFY(
+                dialog->rect().contains(QRect(preview->mapTo(dialog, QPoint()), preview->size())));
+            QCOMPARE(shownPreview(dialog).width(), 275);
+        });
+        CameraSettingsDialog::editCamera(camera());
+        QCOMPARE(visitor.visits(), 1);
+    }
+
+    void acceptedRotationGoesToTheService_data()
+    {
+        rows<int, QString, int>({"rotation", "steps", "sent"},
+                                {
+                                    {"no change", 0, "", 0},
+                                    {"no change of a turned camera", 180, "", 180},
+                                    {"clockwise", 0, "R", 90},
+                                    {"full turn", 0, "RRRR", 0},
+                                    {"more than a turn", 0, "RRRRR", 90},
+                                    {"counterclockwise", 0, "L", -90},
+                                    {"three counterclockwise", 0, "LLL", -270},
+                                    {"full turn back", 0, "LLLL", 0},
+                                    {"to and fro", 90, "RLLL", -90},
+                                    {"over the full turn", 270, "RR", 90},
+                                });
+    }
+
+    void acceptedRotationGoesToTheService()
+    {
+        QFETCH(int, rotation);
+        QFETCH(QString, steps);
+        QFETCH(int, sent);
+        const API::CameraPtr edited = camera(rotation);
+        QSignalSpy preview(edited.data(), &API::Camera::previewChanged);
+        QSignalSpy orientation(edited.data(), &API::Camera::orientationChanged);
+        const DialogVisitor visitor([&](QDialog *dialog) {
+            turn(dialog, steps);
+            QCOMPARE(edited->rotation(), rotation);
+            clickOk(dialog);
+        });
+        CameraSettingsDialog::editCamera(edited);
+        QCOMPARE(edited->rotation(), sent);
+        QCOMPARE(preview.size(), 2);
+        QCOMPARE(orientation.size(), 2);
+        QTRY_COMPARE(service.requestsTo(rotationPath).size(), 1);
+        const QUrlQuery body(QString::fromUtf8(service.requestsTo(rotationPath).first().body));
+        QCOMPARE(body.queryItemValue("degrees"_s), QString::number(sent));
+    }
+
+    void rotationOfALanCameraGoesToTheSettings()
+    {
+        const auto edited = API::CameraPtr::create();
+        edited->setId("127.0.0.1:8080"_s, 3);
+        edited->setKind(API::LocalCamera);
+        const DialogVisitor visitor([](QDialog *dialog) {
+            turn(dialog, "L"_s);
+            clickOk(dialog);
+        });
+        CameraSettingsDialog::editCamera(edited);
+        QCOMPARE(edited->rotation(), -90);
+        QCOMPARE(App::settings().value("cameras/127.0.0.1:8080/3/rotation"_s), QVariant(-90));
+        QVERIFY(service.requests().isEmpty());
+    }
+
+    void cancelLeavesTheCamera()
+    {
+        const API::CameraPtr edited = camera(90);
+        const QImage before = edited->preview().toImage();
+        QSignalSpy orientation(edited.data(), &API::Camera::orientationChanged);
+        const DialogVisitor visitor([](QDialog *dialog) {
+            turn(dialog, "RR"_s);
+            dialog->findChild<QCheckBox *>("mirrorBox"_s)->toggle();
+            clickCancel(dialog);
+        });
+        CameraSettingsDialog::editCamera(edited);
+        QCOMPARE(visitor.visits(), 1);
+        QCOMPARE(edited->rotation(), 90);
+        QVERIFY(!edited->isMirrored());
+        QCOMPARE(edited->preview().toImage(), before);
+        QVERIFY(orientation.isEmpty());
+    }
+
+    void previewFollowsTheButtons()
+    {
+        const DialogVisitor visitor([](QDialog *dialog) {
+            QCOMPARE(shownPreview(dialog).pixelColor(5, 70), QColor(Qt::red));
+            turn(dialog, "R"_s);
+            QCOMPARE(shownPreview(dialog).size(), QSize(75, 150));
+            QCOMPARE(shownPreview(dialog).pixelColor(35, 5), QColor(Qt::red));
+            turn(dialog, "R"_s);
+            QCOMPARE(shownPreview(dialog).pixelColor(5, 70), QColor(Qt::blue));
+            turn(dialog, "LLL"_s);
+            QCOMPARE(shownPreview(dialog).pixelColor(35, 5), QColor(Qt::blue));
+        });
+        CameraSettingsDialog::editCamera(camera());
+        QCOMPARE(visitor.visits(), 1);
+    }
+
+    void mirrorIsAppliedToo()
+    {
+        const API::CameraPtr edited = camera();
+        const DialogVisitor visitor([](QDialog *dialog) {
+            dialog->findChild<QCheckBox *>("mirrorBox"_s)->setChecked(true);
+            QCOMPARE(shownPreview(dialog).pixelColor(5, 70), QColor(Qt::blue));
+            clickOk(dialog);
+        });
+        CameraSettingsDialog::editCamera(edited);
+        QVERIFY(edited->isMirrored());
+        QCOMPARE(edited->preview().toImage().pixelColor(1, 1), QColor(Qt::blue));
+    }
+
+    void cameraWithoutPreviewShowsNone()
+    {
+        const auto blind = API::CameraPtr::create();
+        const DialogVisitor visitor([](QDialog *dialog) {
+            turn(dialog, "R"_s);
+            QVERIFY(shownPreview(dialog).isNull());
+        });
+        CameraSettingsDialog::editCamera(blind);
+        CameraSettingsDialog::editCamera(API::CameraPtr());
+        QCOMPARE(visitor.visits(), 1);
+    }
+
+    void menuOpensIt_data()
+    {
+        rows<bool>({"isTile"}, {
+                                   {"card", false},
+                                   {"tile", true},
+                               });
+    }
+
+    /// A card and a tile can go while the dialog is open, as when their server drops the camera.
+    void menuOpensIt()
+    {
+        QFETCH(bool, isTile);
+        const API::CameraPtr edited = camera();
+        QPointer<QWidget> owner;
+        if (isTile) {
+            owner = new GUI::Player::VideoWidget(edited);
+            owner->resize(320, 240);
+        } else {
+            owner = new GUI::CameraWidget(edited);
+        }
+        owner->show();
+        QVERIFY(QTest::qWaitForWindowExposed(owner));
+        const DialogVisitor visitor([&](QDialog *dialog) {
+            delete owner;
+            QCOMPARE(labelPicture(dialog, "preview").isNull(), false);
+            turn(dialog, "R"_s);
+            clickOk(dialog);
+        });
+        const QString button = isTile ? "settingsButton"_s : "previewMenu"_s;
+        if (isTile)
+            owner->findChild<QWidget *>("bottomBar"_s)->show();
+        chooseFromMenu(owner->findChild<QPushButton *>(button), "Settings"_s);
+        QTRY_COMPARE(visitor.visits(), 1);
+        QTRY_COMPARE(edited->rotation(), 90);
+        QVERIFY(!owner);
+    }
+
+private:
+    API::CameraPtr camera(int rotation = 0) const
+    {
+        auto made = API::CameraPtr::create(
+            worldServer("s1"_s).data(),
+            QVariantMap{{"id"_s, 7}, {"name"_s, "Gate"}, {"rotation"_s, rotation}});
+        made->setPreview(picture());
+        return made;
+    }
+
+    ScriptedService service;
+};
 
 QTEST_MAIN(CameraSettingsDialogTest)
 #include "CameraSettingsDialogTest.moc"

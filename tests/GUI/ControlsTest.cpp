@@ -1,17 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <QAbstractButton>
-#include <QAbstractSlider>
-#include <QAbstractSpinBox>
-#include <QApplication>
-#include <QCalendarWidget>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QScrollBar>
-#include <QTimer>
-#include <QtTest>
-
-#include <functional>
+#include "tests/support/Test.h"
 
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
@@ -27,26 +15,12 @@
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/Roster.h"
 
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
 using namespace ZorvaneClient::GUI;
 
 using Look = std::function<void(QWidget *)>;
 /// Shows a window to a look at it, and takes it away.
 using Scene = std::function<void(const Look &)>;
 Q_DECLARE_METATYPE(Scene)
-
-/// What people need who can't see a control, or can't use a mouse.
-class ControlsTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void everyControlHasAName_data();
-    void everyControlHasAName();
-    void tabGoesThroughTheEditorOfALayout();
-};
 
 namespace {
 
@@ -88,9 +62,9 @@ QString faultOf(const QWidget *widget)
     const auto *button = qobject_cast<const QAbstractButton *>(widget);
     const bool hasText = button && !button->text().isEmpty();
     if (!hasText && widget->accessibleName().isEmpty() && !hasLabel(widget))
-        return QStringLiteral("has no name");
+        return "has no name"_s;
     if (button && !hasText && button->toolTip().isEmpty())
-        return QStringLiteral("has neither text nor tooltip");
+        return "has neither text nor tooltip"_s;
     return QString();
 }
 
@@ -105,9 +79,9 @@ QStringList faultsIn(const QWidget *window, int *controls)
         const QString fault = faultOf(widget);
         if (fault.isEmpty())
             continue;
-        faults.append(QStringLiteral("%1 %2 in %3 %4")
-                          .arg(QLatin1String(widget->metaObject()->className()),
-                               widget->objectName(), widget->parentWidget()->objectName(), fault));
+        faults.append("%1 %2 in %3 %4"_s.arg(QLatin1String(widget->metaObject()->className()),
+                                             widget->objectName(),
+                                             widget->parentWidget()->objectName(), fault));
     }
     return faults;
 }
@@ -115,9 +89,9 @@ QStringList faultsIn(const QWidget *window, int *controls)
 API::LayoutPtr twoByTwo()
 {
     const auto layout = API::LayoutPtr::create();
-    layout->setName(QStringLiteral("Yard"));
+    layout->setName("Yard"_s);
     layout->resize(2, 2);
-    layout->setCamera(rosterCamera(QStringLiteral("gate"), 1), 0, 0, 1, 1);
+    layout->setCamera(rosterCamera("gate"_s, 1), 0, 0, 1, 1);
     return layout;
 }
 
@@ -129,7 +103,7 @@ void showMainWindow(const Look &look)
     window.findChild<RosterWidget *>()->updateRoster();
     window.findChild<LayoutListWidget *>()->updateLayouts();
     window.openLayout(twoByTwo());
-    window.addToLayout(rosterCamera(QStringLiteral("gate"), 2));
+    window.addToLayout(rosterCamera("gate"_s, 2));
     QCoreApplication::processEvents();
     look(&window);
 }
@@ -160,60 +134,70 @@ Scene widgetScene(Arguments... arguments)
 
 } // namespace
 
-void ControlsTest::initTestCase()
+/// What people need who can't see a control, or can't use a mouse.
+class ControlsTest : public QObject
 {
-    App::ServiceProfile profile;
-    profile.apiHost = profile.streamingHost = QStringLiteral("127.0.0.1");
-    profile.apiPort = profile.streamingPort = MisbehavingServer::deadPort();
-    App::ServiceProfile::setCurrent(profile);
-    addServerToRoster(QStringLiteral("gate"), {"a", "b"});
-    API::CloudAPIClient().addLayout(twoByTwo());
-    const auto local = API::LocalServerPtr::create(QStringLiteral("LAN"), profile.apiHost,
-                                                   profile.apiPort, QStringLiteral("secret"));
-    API::CloudAPIClient().addLocalServer(local);
-}
+    Q_OBJECT
 
-void ControlsTest::everyControlHasAName_data()
-{
-    QTest::addColumn<Scene>("scene");
-    QTest::addColumn<int>("fewest"); // controls that are there for sure
-    QTest::newRow("main window") << Scene(showMainWindow) << 40;
-    QTest::newRow("sign-in") << widgetScene<LoginDialog>() << 15;
-    QTest::newRow("hint on a tile")
-        << widgetScene<PlayerNotification>(QStringLiteral("Saved"), false, nullptr) << 1;
-    QTest::newRow("LAN server") << dialogScene([] { LocalServerDialog::addServer(nullptr); }) << 7;
-    QTest::newRow("camera") << dialogScene([] {
-        CameraSettingsDialog::editCamera(rosterCamera(QStringLiteral("gate"), 1));
-    }) << 5;
-}
+private slots:
+    void initTestCase()
+    {
+        App::ServiceProfile profile;
+        profile.apiHost = profile.streamingHost = "127.0.0.1"_s;
+        profile.apiPort = profile.streamingPort = MisbehavingServer::deadPort();
+        App::ServiceProfile::setCurrent(profile);
+        addServerToRoster("gate"_s, {"a", "b"});
+        API::CloudAPIClient().addLayout(twoByTwo());
+        const auto local =
+            API::LocalServerPtr::create("LAN"_s, profile.apiHost, profile.apiPort, "secret"_s);
+        API::CloudAPIClient().addLocalServer(local);
+    }
 
-void ControlsTest::everyControlHasAName()
-{
-    QFETCH(Scene, scene);
-    QFETCH(int, fewest);
-    int controls = 0;
-    QStringList faults;
-    scene([&](QWidget *window) { faults = faultsIn(window, &controls); });
-    QVERIFY2(faults.isEmpty(), qPrintable(faults.join(QStringLiteral("; "))));
-    QVERIFY2(controls >= fewest, QByteArray::number(controls));
-}
+    void everyControlHasAName_data()
+    {
+        rows<Scene, int>(
+            {"scene", "fewest"},
+            {
+                // controls that are there for sure
+                {"main window", Scene(showMainWindow), 40},
+                {"sign-in", widgetScene<LoginDialog>(), 15},
+                {"hint on a tile", widgetScene<PlayerNotification>("Saved"_s, false, nullptr), 1},
+                {"LAN server", dialogScene([] { LocalServerDialog::addServer(nullptr); }), 7},
+                {"camera",
+                 dialogScene([] { CameraSettingsDialog::editCamera(rosterCamera("gate"_s, 1)); }),
+                 5},
+            });
+    }
 
-/// The pictures of the panels are left out on purpose: keys stay with what is typed.
-void ControlsTest::tabGoesThroughTheEditorOfALayout()
-{
-    showMainWindow([](QWidget *window) {
-        QStringList order;
-        const QWidget *first = window->findChild<QLineEdit *>(QStringLiteral("searchEdit"));
-        const QWidget *widget = first;
-        do {
-            if (isControl(widget) && widget->isVisible() && (widget->focusPolicy() & Qt::TabFocus))
-                order.append(widget->objectName());
-            widget = widget->nextInFocusChain();
-        } while (widget != first);
-        QCOMPARE(order, (QStringList{"searchEdit", "layoutNameEdit", "saveLayoutButton",
-                                     "cancelLayoutButton"}));
-    });
-}
+    void everyControlHasAName()
+    {
+        QFETCH(Scene, scene);
+        QFETCH(int, fewest);
+        int controls = 0;
+        QStringList faults;
+        scene([&](QWidget *window) { faults = faultsIn(window, &controls); });
+        QVERIFY2(faults.isEmpty(), qPrintable(faults.join("; "_s)));
+        QVERIFY2(controls >= fewest, QByteArray::number(controls));
+    }
+
+    /// The pictures of the panels are left out on purpose: keys stay with what is typed.
+    void tabGoesThroughTheEditorOfALayout()
+    {
+        showMainWindow([](QWidget *window) {
+            QStringList order;
+            const QWidget *first = window->findChild<QLineEdit *>("searchEdit"_s);
+            const QWidget *widget = first;
+            do {
+                if (isControl(widget) && widget->isVisible() &&
+                    (widget->focusPolicy() & Qt::TabFocus))
+                    order.append(widget->objectName());
+                widget = widget->nextInFocusChain();
+            } while (widget != first);
+            QCOMPARE(order, (QStringList{"searchEdit", "layoutNameEdit", "saveLayoutButton",
+                                         "cancelLayoutButton"}));
+        });
+    }
+};
 
 QTEST_MAIN(ControlsTest)
 #include "ControlsTest.moc"

@@ -1,16 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tests/GUI/DialogVisitor.h"
 
-#include <QApplication>
-#include <QDialog>
-#include <QDialogButtonBox>
-#include <QEvent>
-#include <QPointer>
-#include <QPushButton>
-#include <QtTest>
+#include "tests/support/Test.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 namespace {
 
@@ -65,5 +58,4 @@ void clickCancel(const QDialog *dialog)
     clickStandardButton(dialog, QDialogButtonBox::Cancel);
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QObject>
-
-#include <functional>
+#include "tests/support/Test.h"
 
 class QDialog;
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// While it lives, hands each modal dialog that opens to a handler, inside the dialog's own
 /// event loop. A dialog that the handler leaves open is rejected.
@@ -39,5 +36,4 @@ private:
 void clickOk(const QDialog *dialog);
 void clickCancel(const QDialog *dialog);
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

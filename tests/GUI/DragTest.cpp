@@ -1,9 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <QCheckBox>
-#include <QGridLayout>
-#include <QPointer>
-#include <QScopedPointer>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include <cstdio>
 
@@ -27,44 +23,15 @@
 #include "tests/support/Roster.h"
 #include "tests/support/VirtualDisplay.h"
 
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
 using namespace ZorvaneClient::GUI;
-
-/// Drag and drop in the main window with the pointer of a real X server, from press to release.
-class DragTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void cameraToPlaceholder();
-    void cameraToTile();
-    void tileToTile();
-    void tileToPlaceholder();
-    void tileToItself();
-    void tileToAnotherWindowIsRefused();
-    void serverToGrid();
-    void layoutToGrid();
-
-private:
-    QWidget *cell(int row, int column) const;
-    CameraWidget *cameraCard(const QString &name) const;
-    ServerWidget *serverEntry(const QString &id) const;
-    LayoutWidget *grid() const { return window->findChild<LayoutWidget *>(); }
-
-    QScopedPointer<MainWindow> window;
-};
 
 namespace {
 
 constexpr int screenWidth = 1280;
 constexpr int screenHeight = 1440;
-const QString placeholderClass = QStringLiteral("ZorvaneClient::GUI::Player::VideoPlaceholder");
-const QString tileClass = QStringLiteral("ZorvaneClient::GUI::Player::VideoWidget");
-const QString gridClass = QStringLiteral("ZorvaneClient::GUI::LayoutWidget");
+const QString placeholderClass = "ZorvaneClient::GUI::Player::VideoPlaceholder"_s;
+const QString tileClass = "ZorvaneClient::GUI::Player::VideoWidget"_s;
+const QString gridClass = "ZorvaneClient::GUI::LayoutWidget"_s;
 
 QWidget *widgetAt(const LayoutWidget *grid, int row, int column)
 {
@@ -84,15 +51,15 @@ QString cellsOf(const LayoutWidget *grid)
             const auto *tile = qobject_cast<Player::VideoWidget *>(widgetAt(grid, row, column));
             const API::CameraPtr camera = layout->cellAt(row, column).camera;
             if (!tile && !camera)
-                line.append(QStringLiteral("."));
+                line.append("."_s);
             else if (tile && tile->camera() == camera)
                 line.append(camera->name());
             else
-                line.append(QStringLiteral("?"));
+                line.append("?"_s);
         }
         lines.append(line.join(QLatin1Char(' ')));
     }
-    return lines.join(QStringLiteral(" | "));
+    return lines.join(" | "_s);
 }
 
 MainWindow *shownWindow(int top)
@@ -105,155 +72,161 @@ MainWindow *shownWindow(int top)
 
 } // namespace
 
-void DragTest::initTestCase()
+/// Drag and drop in the main window with the pointer of a real X server, from press to release.
+class DragTest : public QObject
 {
-    QCOMPARE(QGuiApplication::platformName(), QStringLiteral("xcb"));
-    App::ServiceProfile profile;
-    profile.apiHost = profile.streamingHost = QStringLiteral("127.0.0.1");
-    profile.apiPort = profile.streamingPort = MisbehavingServer::deadPort();
-    App::ServiceProfile::setCurrent(profile);
-    addServerToRoster(QStringLiteral("gate"), {"a", "b"});
-    addServerToRoster(QStringLiteral("yard"), {"c", "d", "e"});
-    const auto layout = API::LayoutPtr::create();
-    layout->setName(QString::fromUtf8("Ночь & день"));
-    layout->resize(1, 2);
-    layout->setCamera(rosterCamera(QStringLiteral("yard"), 3), 0, 1, 1, 1);
-    API::CloudAPIClient().addLayout(layout);
-}
+    Q_OBJECT
 
-void DragTest::init()
-{
-    window.reset(shownWindow(0));
-    QVERIFY(QTest::qWaitForWindowExposed(window.data()));
-    window->findChild<RosterWidget *>()->updateRoster();
-    const auto layout = API::LayoutPtr::create();
-    layout->resize(2, 2);
-    layout->setCamera(rosterCamera(QStringLiteral("gate"), 1), 0, 0, 1, 1);
-    layout->setCamera(rosterCamera(QStringLiteral("gate"), 2), 0, 1, 1, 1);
-    window->openLayout(layout);
-    QCOMPARE(cellsOf(grid()), QStringLiteral("a b | . ."));
-}
-
-void DragTest::cleanup()
-{
-    window.reset();
-}
-
-QWidget *DragTest::cell(int row, int column) const
-{
-    return widgetAt(grid(), row, column);
-}
-
-ServerWidget *DragTest::serverEntry(const QString &id) const
-{
-    const QList<ServerWidget *> entries = window->findChildren<ServerWidget *>();
-    for (ServerWidget *entry : entries) {
-        if (entry->server()->id() == id)
-            return entry;
+private slots:
+    void initTestCase()
+    {
+        QCOMPARE(QGuiApplication::platformName(), "xcb"_s);
+        App::ServiceProfile profile;
+        profile.apiHost = profile.streamingHost = "127.0.0.1"_s;
+        profile.apiPort = profile.streamingPort = MisbehavingServer::deadPort();
+        App::ServiceProfile::setCurrent(profile);
+        addServerToRoster("gate"_s, {"a", "b"});
+        addServerToRoster("yard"_s, {"c", "d", "e"});
+        const auto layout = API::LayoutPtr::create();
+        layout->setName(QString::fromUtf8("Ночь & день"));
+        layout->resize(1, 2);
+        layout->setCamera(rosterCamera("yard"_s, 3), 0, 1, 1, 1);
+        API::CloudAPIClient().addLayout(layout);
     }
-    return nullptr;
-}
 
-CameraWidget *DragTest::cameraCard(const QString &name) const
-{
-    const QList<CameraWidget *> cards = window->findChildren<CameraWidget *>();
-    for (CameraWidget *card : cards) {
-        if (card->camera()->name() != name)
-            continue;
-        window->findChild<RosterWidget *>()->ensureWidgetVisible(card);
-        return card;
+    void init()
+    {
+        window.reset(shownWindow(0));
+        QVERIFY(QTest::qWaitForWindowExposed(window.data()));
+        window->findChild<RosterWidget *>()->updateRoster();
+        const auto layout = API::LayoutPtr::create();
+        layout->resize(2, 2);
+        layout->setCamera(rosterCamera("gate"_s, 1), 0, 0, 1, 1);
+        layout->setCamera(rosterCamera("gate"_s, 2), 0, 1, 1, 1);
+        window->openLayout(layout);
+        QCOMPARE(cellsOf(grid()), "a b | . ."_s);
     }
-    return nullptr;
-}
 
-void DragTest::cameraToPlaceholder()
-{
-    const QPointer<QWidget> placeholder = cell(1, 0);
-    MouseDrag drag(cameraCard(QStringLiteral("c")), placeholder);
-    bool wasLit = false;
-    QVERIFY(drag.run([&] { wasLit = placeholder->property("drop").toBool(); }));
-    QVERIFY(wasLit);
-    QCOMPARE(drag.takenBy(), placeholderClass);
-    QCOMPARE(cellsOf(grid()), QStringLiteral("a b | c ."));
-    QTRY_VERIFY(!placeholder);
-}
+    void cleanup() { window.reset(); }
 
-void DragTest::cameraToTile()
-{
-    const QPointer<QWidget> tile = cell(0, 1);
-    MouseDrag drag(cameraCard(QStringLiteral("c")), tile);
-    QVERIFY(drag.run());
-    QCOMPARE(drag.takenBy(), tileClass);
-    QCOMPARE(cellsOf(grid()), QStringLiteral("a c | . ."));
-    QTRY_VERIFY(!tile);
-}
+    void cameraToPlaceholder()
+    {
+        const QPointer<QWidget> placeholder = cell(1, 0);
+        MouseDrag drag(cameraCard("c"_s), placeholder);
+        bool wasLit = false;
+        QVERIFY(drag.run([&] { wasLit = placeholder->property("drop").toBool(); }));
+        QVERIFY(wasLit);
+        QCOMPARE(drag.takenBy(), placeholderClass);
+        QCOMPARE(cellsOf(grid()), "a b | c ."_s);
+        QTRY_VERIFY(!placeholder);
+    }
 
-void DragTest::tileToTile()
-{
-    QWidget *dragged = cell(0, 0);
-    QWidget *other = cell(0, 1);
-    MouseDrag drag(dragged, other);
-    QVERIFY(drag.run());
-    QCOMPARE(drag.takenBy(), tileClass);
-    QCOMPARE(cellsOf(grid()), QStringLiteral("b a | . ."));
-    QVERIFY2(cell(0, 0) == other && cell(0, 1) == dragged, "tiles were made anew");
-}
+    void cameraToTile()
+    {
+        const QPointer<QWidget> tile = cell(0, 1);
+        MouseDrag drag(cameraCard("c"_s), tile);
+        QVERIFY(drag.run());
+        QCOMPARE(drag.takenBy(), tileClass);
+        QCOMPARE(cellsOf(grid()), "a c | . ."_s);
+        QTRY_VERIFY(!tile);
+    }
 
-void DragTest::tileToPlaceholder()
-{
-    MouseDrag drag(cell(0, 0), cell(1, 1));
-    QVERIFY(drag.run());
-    QCOMPARE(drag.takenBy(), placeholderClass);
-    QCOMPARE(cellsOf(grid()), QStringLiteral(". b | . a"));
-}
+    void tileToTile()
+    {
+        QWidget *dragged = cell(0, 0);
+        QWidget *other = cell(0, 1);
+        MouseDrag drag(dragged, other);
+        QVERIFY(drag.run());
+        QCOMPARE(drag.takenBy(), tileClass);
+        QCOMPARE(cellsOf(grid()), "b a | . ."_s);
+        QVERIFY2(cell(0, 0) == other && cell(0, 1) == dragged, "tiles were made anew");
+    }
 
-void DragTest::tileToItself()
-{
-    QSignalSpy modified(grid(), &LayoutWidget::layoutModified);
-    MouseDrag drag(cell(0, 0), cell(0, 0));
-    QVERIFY(drag.run());
-    QCOMPARE(drag.takenBy(), tileClass);
-    QCOMPARE(cellsOf(grid()), QStringLiteral("a b | . ."));
-    QCOMPARE(modified.count(), 0);
-}
+    void tileToPlaceholder()
+    {
+        MouseDrag drag(cell(0, 0), cell(1, 1));
+        QVERIFY(drag.run());
+        QCOMPARE(drag.takenBy(), placeholderClass);
+        QCOMPARE(cellsOf(grid()), ". b | . a"_s);
+    }
 
-void DragTest::tileToAnotherWindowIsRefused()
-{
-    const QScopedPointer<MainWindow> other(shownWindow(screenHeight / 2));
-    QVERIFY(QTest::qWaitForWindowExposed(other.data()));
-    const auto *otherGrid = other->findChild<LayoutWidget *>();
-    MouseDrag drag(cell(0, 0), widgetAt(otherGrid, 0, 0));
-    QVERIFY(drag.run());
-    QCOMPARE(drag.takenBy(), QString());
-    QCOMPARE(cellsOf(grid()), QStringLiteral("a b | . ."));
-    QCOMPARE(cellsOf(otherGrid), QStringLiteral("."));
-}
+    void tileToItself()
+    {
+        QSignalSpy modified(grid(), &LayoutWidget::layoutModified);
+        MouseDrag drag(cell(0, 0), cell(0, 0));
+        QVERIFY(drag.run());
+        QCOMPARE(drag.takenBy(), tileClass);
+        QCOMPARE(cellsOf(grid()), "a b | . ."_s);
+        QCOMPARE(modified.count(), 0);
+    }
 
-void DragTest::serverToGrid()
-{
-    ServerWidget *server = serverEntry(QStringLiteral("yard"));
-    auto *heading = server->findChild<QWidget *>(QStringLiteral("controlBar"));
-    window->findChild<RosterWidget *>()->ensureWidgetVisible(heading);
-    MouseDrag drag(heading, grid());
-    bool wasLit = false;
-    QVERIFY(drag.run([&] { wasLit = grid()->property("drop").toBool(); }));
-    QVERIFY(wasLit);
-    QCOMPARE(drag.takenBy(), gridClass);
-    // Three cameras on two free cells of two columns: one row more.
-    QCOMPARE(cellsOf(grid()), QStringLiteral("a b | c d | e ."));
-    QCoreApplication::processEvents();
-    QVERIFY(server->findChild<QCheckBox *>(QStringLiteral("expandButton"))->isChecked());
-}
+    void tileToAnotherWindowIsRefused()
+    {
+        const QScopedPointer<MainWindow> other(shownWindow(screenHeight / 2));
+        QVERIFY(QTest::qWaitForWindowExposed(other.data()));
+        const auto *otherGrid = other->findChild<LayoutWidget *>();
+        MouseDrag drag(cell(0, 0), widgetAt(otherGrid, 0, 0));
+        QVERIFY(drag.run());
+        QCOMPARE(drag.takenBy(), QString());
+        QCOMPARE(cellsOf(grid()), "a b | . ."_s);
+        QCOMPARE(cellsOf(otherGrid), "."_s);
+    }
 
-void DragTest::layoutToGrid()
-{
-    window->setLayoutsMode();
-    window->findChild<LayoutListWidget *>()->updateLayouts();
-    MouseDrag drag(window->findChild<LayoutCard *>(), grid());
-    QVERIFY(drag.run());
-    QCOMPARE(drag.takenBy(), gridClass);
-    QCOMPARE(cellsOf(grid()), QStringLiteral(". e"));
-}
+    void serverToGrid()
+    {
+        ServerWidget *server = serverEntry("yard"_s);
+        auto *heading = server->findChild<QWidget *>("controlBar"_s);
+        window->findChild<RosterWidget *>()->ensureWidgetVisible(heading);
+        MouseDrag drag(heading, grid());
+        bool wasLit = false;
+        QVERIFY(drag.run([&] { wasLit = grid()->property("drop").toBool(); }));
+        QVERIFY(wasLit);
+        QCOMPARE(drag.takenBy(), gridClass);
+        // Three cameras on two free cells of two columns: one row more.
+        QCOMPARE(cellsOf(grid()), "a b | c d | e ."_s);
+        QCoreApplication::processEvents();
+        QVERIFY(server->findChild<QCheckBox *>("expandButton"_s)->isChecked());
+    }
+
+    void layoutToGrid()
+    {
+        window->setLayoutsMode();
+        window->findChild<LayoutListWidget *>()->updateLayouts();
+        MouseDrag drag(window->findChild<LayoutCard *>(), grid());
+        QVERIFY(drag.run());
+        QCOMPARE(drag.takenBy(), gridClass);
+        QCOMPARE(cellsOf(grid()), ". e"_s);
+    }
+
+private:
+    QWidget *cell(int row, int column) const { return widgetAt(grid(), row, column); }
+
+    CameraWidget *cameraCard(const QString &name) const
+    {
+        const QList<CameraWidget *> cards = window->findChildren<CameraWidget *>();
+        for (CameraWidget *card : cards) {
+            if (card->camera()->name() != name)
+                continue;
+            window->findChild<RosterWidget *>()->ensureWidgetVisible(card);
+            return card;
+        }
+        return nullptr;
+    }
+
+    ServerWidget *serverEntry(const QString &id) const
+    {
+        const QList<ServerWidget *> entries = window->findChildren<ServerWidget *>();
+        for (ServerWidget *entry : entries) {
+            if (entry->server()->id() == id)
+                return entry;
+        }
+        return nullptr;
+    }
+
+    LayoutWidget *grid() const { return window->findChild<LayoutWidget *>(); }
+
+    QScopedPointer<MainWindow> window;
+};
 
 int main(int argc, char **argv)
 {

@@ -1,35 +1,17 @@
 // SPDX-License-Identifier: MIT
 // On a screen of double density the icons keep their size and are drawn from their large form.
-#include <QLabel>
-#include <QPainter>
-#include <QPushButton>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "App/Application.h"
 #include "GUI/LoginDialog.h"
 #include "tests/GUI/PanelStage.h"
-
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
-
-class HighDensityTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void iconsKeepTheirSize_data();
-    void iconsKeepTheirSize();
-    void labelsShowTheLargeForm_data();
-    void labelsShowTheLargeForm();
-};
 
 namespace {
 
 /// In its own pixels.
 QImage largeForm(const QString &path)
 {
-    QImage icon(QString(path).replace(QStringLiteral(".png"), QStringLiteral("@2x.png")));
+    QImage icon(QString(path).replace(".png"_s, "@2x.png"_s));
     icon.setDevicePixelRatio(1);
     return icon.convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
@@ -73,117 +55,119 @@ QImage iconOn(const QColor &ground, const QString &path)
 
 } // namespace
 
-void HighDensityTest::initTestCase()
+class HighDensityTest : public QObject
 {
-    leaveWithoutService();
-    QCOMPARE(qApp->devicePixelRatio(), 2.0);
-}
+    Q_OBJECT
 
-void HighDensityTest::iconsKeepTheirSize_data()
-{
-    QTest::addColumn<QString>("parent");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("icon");
-    const struct {
-        const char *row, *parent, *name, *icon;
-    } places[] = {
-        {"tab", "ToolBar", "layoutsButton", "mainwidget/icons/tabLayouts"},
-        {"checked tab", "ToolBar", "rosterButton", "mainwidget/icons/tabCamera_hover"},
-        {"tab at the bottom", "ToolBar", "settingsButton", "mainwidget/icons/tabSettings"},
-        {"hide", "SideBar", "hideRosterButton", "mainwidget/icons/iconCollapse"},
-        {"server's menu", "ServerWidget", "settingsButton", "mainwidget/icons/iconMore"},
-        {"card's menu", "Preview", "previewMenu", "roster/icons/rosterMore"},
-        {"show", "InfoPanel", "showPBtn", "mainwidget/icons/iconExpand"},
-        {"grid", "InfoPanel", "gridSizeButton", "player/icons/edit_grid"},
-        {"view's menu", "InfoPanel", "settingsButton", "mainwidget/icons/playerBoxMore"},
-        {"show records", "ControlPanel", "showRecordsButton", "mainwidget/icons/iconRecordsShow"},
-        {"hide records", "ControlPanel", "hideRecordsButton", "mainwidget/icons/iconRecordsHide"},
-        {"go live", "ControlPanel", "goLiveButton", "mainwidget/icons/iconLive"},
-        {"pause", "ControlPanel", "pauseButton", "mainwidget/icons/playerPause"},
-        {"play", "ControlPanel", "playButton", "mainwidget/icons/playerPlay"},
-        {"speed", "ControlPanel", "speedButton", "mainwidget/icons/iconRewind"},
-        {"sound", "ControlPanel", "soundButton", "mainwidget/icons/iconVolume2"},
-        {"quality", "ControlPanel", "qualityButton", "mainwidget/icons/iconQuality"},
-        {"fullscreen", "ControlPanel", "fullscreenButton", "mainwidget/icons/iconMaximize"},
-        {"day before", "ArchiveControlPanel", "prevDayButton", "calendar/icons/arrow_left"},
-        {"zoom in", "ArchiveControlPanel", "zoomInButton", "mainwidget/icons/timelineZoomIn"},
-        {"close tile", "VideoWidget", "closeButton", "mainwidget/icons/boxCloseCam"},
-        {"snapshot", "VideoWidget", "cameraScreenshotButton", "mainwidget/icons/playerBoxSnap"},
-        {"tile's menu", "VideoWidget", "settingsButton", "mainwidget/icons/playerBoxMore"},
-        {"empty cell", "VideoPlaceholder", "logoLabel", "player/icons/placeholder_logo"},
-        {"hint", "PlayerNotification", "pixmapLabel", "player/icons/notificationError"},
-        {"close hint", "PlayerNotification", "closeButton", "mainwidget/icons/boxCloseCam"},
-    };
-    for (const auto &place : places)
-        QTest::newRow(place.row) << place.parent << place.name
-                                 << QStringLiteral(":/%1.png").arg(QLatin1String(place.icon));
-}
+private slots:
+    void initTestCase()
+    {
+        leaveWithoutService();
+        QCOMPARE(qApp->devicePixelRatio(), 2.0);
+    }
 
-/// A place larger than the icon would enlarge the large form, a smaller one squeeze it, and so
-/// would the pressed look.
-void HighDensityTest::iconsKeepTheirSize()
-{
-    QFETCH(QString, parent);
-    QFETCH(QString, name);
-    QFETCH(QString, icon);
-    PanelStage stage;
-    QVERIFY(stage.isExposed);
-    QWidget *widget = stage.reveal(parent, name);
-    QVERIFY(widget);
-    auto *button = qobject_cast<QPushButton *>(widget);
-    if (button)
-        button->setText(QString()); // the icon alone
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-    const bool isTab = parent == QLatin1String("ToolBar");
-    // The edges of a tab are lines.
-    const QRect inside = isTab ? widget->rect().adjusted(4, 1, -1, -2) : widget->rect();
-    const QImage shown = stage.pictureOf(widget, inside, 2);
-    const QColor ground = shown.pixelColor(0, 0);
-    const QImage expected = inkOf(iconOn(ground, icon), ground);
-    QVERIFY(qMax(expected.width(), expected.height()) > 14);
-    QCOMPARE(inkOf(shown, ground), expected);
+    void iconsKeepTheirSize_data()
+    {
+        QTest::addColumn<QString>("parent");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("icon");
+        const struct {
+            const char *row, *parent, *name, *icon;
+        } places[] = {
+            {"tab", "ToolBar", "layoutsButton", "mainwidget/icons/tabLayouts"},
+            {"checked tab", "ToolBar", "rosterButton", "mainwidget/icons/tabCamera_hover"},
+            {"tab at the bottom", "ToolBar", "settingsButton", "mainwidget/icons/tabSettings"},
+            {"hide", "SideBar", "hideRosterButton", "mainwidget/icons/iconCollapse"},
+            {"server's menu", "ServerWidget", "settingsButton", "mainwidget/icons/iconMore"},
+            {"card's menu", "Preview", "previewMenu", "roster/icons/rosterMore"},
+            {"show", "InfoPanel", "showPBtn", "mainwidget/icons/iconExpand"},
+            {"grid", "InfoPanel", "gridSizeButton", "player/icons/edit_grid"},
+            {"view's menu", "InfoPanel", "settingsButton", "mainwidget/icons/playerBoxMore"},
+            {"show records", "ControlPanel", "showRecordsButton",
+             "mainwidget/icons/iconRecordsShow"},
+            {"hide records", "ControlPanel", "hideRecordsButton",
+             "mainwidget/icons/iconRecordsHide"},
+            {"go live", "ControlPanel", "goLiveButton", "mainwidget/icons/iconLive"},
+            {"pause", "ControlPanel", "pauseButton", "mainwidget/icons/playerPause"},
+            {"play", "ControlPanel", "playButton", "mainwidget/icons/playerPlay"},
+            {"speed", "ControlPanel", "speedButton", "mainwidget/icons/iconRewind"},
+            {"sound", "ControlPanel", "soundButton", "mainwidget/icons/iconVolume2"},
+            {"quality", "ControlPanel", "qualityButton", "mainwidget/icons/iconQuality"},
+            {"fullscreen", "ControlPanel", "fullscreenButton", "mainwidget/icons/iconMaximize"},
+            {"day before", "ArchiveControlPanel", "prevDayButton", "calendar/icons/arrow_left"},
+            {"zoom in", "ArchiveControlPanel", "zoomInButton", "mainwidget/icons/timelineZoomIn"},
+            {"close tile", "VideoWidget", "closeButton", "mainwidget/icons/boxCloseCam"},
+            {"snapshot", "VideoWidget", "cameraScreenshotButton", "mainwidget/icons/playerBoxSnap"},
+            {"tile's menu", "VideoWidget", "settingsButton", "mainwidget/icons/playerBoxMore"},
+            {"empty cell", "VideoPlaceholder", "logoLabel", "player/icons/placeholder_logo"},
+            {"hint", "PlayerNotification", "pixmapLabel", "player/icons/notificationError"},
+            {"close hint", "PlayerNotification", "closeButton", "mainwidget/icons/boxCloseCam"},
+        };
+        for (const auto &place : places)
+            QTest::newRow(place.row)
+                << place.parent << place.name << ":/%1.png"_s.arg(QLatin1String(place.icon));
+    }
 
-    if (!button || isTab) // which looks checked while it is pressed
-        return;
-    const QPoint before = inkArea(shown, ground).topLeft();
-    button->setDown(true);
-    const QImage pressed = stage.pictureOf(widget, inside, 2);
-    QVERIFY(inkArea(pressed, ground).topLeft() != before);
-    QCOMPARE(inkOf(pressed, ground).size(), expected.size());
-}
+    /// A place larger than the icon would enlarge the large form, a smaller one squeeze it, and so
+    /// would the pressed look.
+    void iconsKeepTheirSize()
+    {
+        QFETCH(QString, parent);
+        QFETCH(QString, name);
+        QFETCH(QString, icon);
+        PanelStage stage;
+        QVERIFY(stage.isExposed);
+        QWidget *widget = stage.reveal(parent, name);
+        QVERIFY(widget);
+        auto *button = qobject_cast<QPushButton *>(widget);
+        if (button)
+            button->setText(QString()); // the icon alone
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+        const bool isTab = parent == "ToolBar"_s;
+        // The edges of a tab are lines.
+        const QRect inside = isTab ? widget->rect().adjusted(4, 1, -1, -2) : widget->rect();
+        const QImage shown = stage.pictureOf(widget, inside, 2);
+        const QColor ground = shown.pixelColor(0, 0);
+        const QImage expected = inkOf(iconOn(ground, icon), ground);
+        QVERIFY(qMax(expected.width(), expected.height()) > 14);
+        QCOMPARE(inkOf(shown, ground), expected);
 
-void HighDensityTest::labelsShowTheLargeForm_data()
-{
-    QTest::addColumn<QString>("label");
-    QTest::addColumn<QString>("icon");
-    QTest::newRow("state") << "cameraStateImage"
-                           << ":/roster/icons/rosterCardOff.png";
-    QTest::newRow("no camera") << "previewImage"
-                               << ":/roster/icons/rosterCardPreviewNoCam.png";
-    QTest::newRow("offline server") << "serverOfflineImage"
-                                    << ":/roster/icons/rosterOfflineserver.png";
-    QTest::newRow("brand") << "brandLbl"
-                           << ":/login/icons/logo.png";
-    QTest::newRow("alert") << "warnIconLbl"
-                           << ":/login/icons/warn.png";
-    QTest::newRow("proxy arrow") << "arrowLbl"
-                                 << ":/login/icons/arrow_line.png";
-    QTest::newRow("gear") << "settingsButton"
-                          << ":/login/icons/settings.png";
-}
+        if (!button || isTab) // which looks checked while it is pressed
+            return;
+        const QPoint before = inkArea(shown, ground).topLeft();
+        button->setDown(true);
+        const QImage pressed = stage.pictureOf(widget, inside, 2);
+        QVERIFY(inkArea(pressed, ground).topLeft() != before);
+        QCOMPARE(inkOf(pressed, ground).size(), expected.size());
+    }
 
-void HighDensityTest::labelsShowTheLargeForm()
-{
-    QFETCH(QString, label);
-    QFETCH(QString, icon);
-    PanelStage stage;
-    const GUI::LoginDialog login(&stage.window);
-    const QPixmap pixmap = stage.window.findChild<QLabel *>(label)->pixmap(Qt::ReturnByValue);
-    QCOMPARE(pixmap.devicePixelRatio(), 2.0);
-    QImage picture = pixmap.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
-    picture.setDevicePixelRatio(1);
-    QCOMPARE(picture, largeForm(icon));
-}
+    void labelsShowTheLargeForm_data()
+    {
+        rows<QString, QString>(
+            {"label", "icon"},
+            {
+                {"state", "cameraStateImage", ":/roster/icons/rosterCardOff.png"},
+                {"no camera", "previewImage", ":/roster/icons/rosterCardPreviewNoCam.png"},
+                {"offline server", "serverOfflineImage", ":/roster/icons/rosterOfflineserver.png"},
+                {"brand", "brandLbl", ":/login/icons/logo.png"},
+                {"alert", "warnIconLbl", ":/login/icons/warn.png"},
+                {"proxy arrow", "arrowLbl", ":/login/icons/arrow_line.png"},
+                {"gear", "settingsButton", ":/login/icons/settings.png"},
+            });
+    }
+
+    void labelsShowTheLargeForm()
+    {
+        const auto [label, icon] = row<QString, QString>();
+        PanelStage stage;
+        const GUI::LoginDialog login(&stage.window);
+        const QPixmap pixmap = stage.window.findChild<QLabel *>(label)->pixmap(Qt::ReturnByValue);
+        QCOMPARE(pixmap.devicePixelRatio(), 2.0);
+        QImage picture = pixmap.toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        picture.setDevicePixelRatio(1);
+        QCOMPARE(picture, largeForm(icon));
+    }
+};
 
 int main(int argc, char *argv[])
 {

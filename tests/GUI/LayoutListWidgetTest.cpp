@@ -1,11 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <QLabel>
-#include <QMenu>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <QtTest>
-
-#include <algorithm>
+#include "tests/support/Test.h"
 
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
@@ -14,24 +8,8 @@
 #include "GUI/LayoutListWidget.h"
 #include "tests/support/Roster.h"
 
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
 using GUI::LayoutCard;
 using GUI::LayoutListWidget;
-
-class LayoutListWidgetTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void cardsStandByName();
-    void aVanishedLayoutLosesItsCard();
-    void searchStaysAfterARefresh();
-    void cardMenuReachesTheList();
-    void pictureShowsPreviewsAndLines();
-    void aHugeGridIsPaintedAtOnce();
-};
 
 namespace {
 
@@ -52,7 +30,7 @@ API::LayoutsContainer container(const QList<API::LayoutPtr> &layouts)
 
 QString captionOf(const LayoutCard *card)
 {
-    return card->findChild<QLabel *>(QStringLiteral("cameraName"))->text();
+    return card->findChild<QLabel *>("cameraName"_s)->text();
 }
 
 QList<LayoutCard *> shownCards(const LayoutListWidget &list)
@@ -80,115 +58,117 @@ QStringList shownNames(const LayoutListWidget &list)
 
 } // namespace
 
-void LayoutListWidgetTest::initTestCase()
+class LayoutListWidgetTest : public QObject
 {
-    addServerToRoster(QStringLiteral("s"), {"a", "b"});
-}
+    Q_OBJECT
 
-void LayoutListWidgetTest::cardsStandByName()
-{
-    LayoutListWidget list;
-    list.resize(260, 700);
-    list.show();
-    const API::LayoutPtr renamed = named(QStringLiteral("b"));
-    QList<API::LayoutPtr> layouts{named(QStringLiteral("a")), renamed, named(QStringLiteral("C"))};
-    list.updateLayouts(container(layouts));
-    QCOMPARE(shownNames(list), (QStringList{"C", "a", "b"}));
-    renamed->setName(QStringLiteral("A"));
-    list.updateLayouts(container(layouts));
-    QCOMPARE(shownNames(list), (QStringList{"A", "C", "a"}));
-    QVERIFY(list.hasLayout(renamed));
-    QVERIFY(!list.hasLayout(API::LayoutPtr::create(*renamed)));
-}
+private slots:
+    void initTestCase() { addServerToRoster("s"_s, {"a", "b"}); }
 
-void LayoutListWidgetTest::aVanishedLayoutLosesItsCard()
-{
-    LayoutListWidget list;
-    list.resize(260, 700);
-    list.show();
-    const API::LayoutPtr kept = named(QStringLiteral("kept"));
-    list.updateLayouts(container({kept, named(QStringLiteral("gone"))}));
-    QCOMPARE(shownNames(list).size(), 2);
-    list.updateLayouts(container({kept}));
-    QCOMPARE(shownNames(list), QStringList{"kept"});
-}
+    void cardsStandByName()
+    {
+        LayoutListWidget list;
+        list.resize(260, 700);
+        list.show();
+        const API::LayoutPtr renamed = named("b"_s);
+        QList<API::LayoutPtr> layouts{named("a"_s), renamed, named("C"_s)};
+        list.updateLayouts(container(layouts));
+        QCOMPARE(shownNames(list), (QStringList{"C", "a", "b"}));
+        renamed->setName("A"_s);
+        list.updateLayouts(container(layouts));
+        QCOMPARE(shownNames(list), (QStringList{"A", "C", "a"}));
+        QVERIFY(list.hasLayout(renamed));
+        QVERIFY(!list.hasLayout(API::LayoutPtr::create(*renamed)));
+    }
 
-void LayoutListWidgetTest::searchStaysAfterARefresh()
-{
-    LayoutListWidget list;
-    list.resize(260, 700);
-    list.show();
-    const QList<API::LayoutPtr> layouts{named(QStringLiteral("Yard north")),
-                                        named(QStringLiteral("Gate"))};
-    list.updateLayouts(container(layouts));
-    list.search(QStringLiteral("YARD"));
-    QCOMPARE(shownNames(list), QStringList{"Yard north"});
-    list.updateLayouts(container(layouts));
-    QCOMPARE(shownNames(list), QStringList{"Yard north"});
-    list.search(QString());
-    QCOMPARE(shownNames(list).size(), 2);
-}
+    void aVanishedLayoutLosesItsCard()
+    {
+        LayoutListWidget list;
+        list.resize(260, 700);
+        list.show();
+        const API::LayoutPtr kept = named("kept"_s);
+        list.updateLayouts(container({kept, named("gone"_s)}));
+        QCOMPARE(shownNames(list).size(), 2);
+        list.updateLayouts(container({kept}));
+        QCOMPARE(shownNames(list), QStringList{"kept"});
+    }
 
-void LayoutListWidgetTest::cardMenuReachesTheList()
-{
-    LayoutListWidget list;
-    list.resize(260, 700);
-    list.show();
-    const API::LayoutPtr layout = named(QStringLiteral("Gate"));
-    list.addLayout(layout);
-    QCOMPARE(API::CloudAPIClient::layoutList().value(layout->id()), layout);
-    QTRY_COMPARE(shownCards(list).size(), 1);
-    QList<API::LayoutPtr> opened;
-    QList<API::LayoutPtr> openedInNewWindow;
-    connect(&list, &LayoutListWidget::openLayout, &list,
-            [&](API::LayoutPtr clicked) { opened.append(clicked); });
-    connect(&list, &LayoutListWidget::openInNewWindow, &list,
-            [&](API::LayoutPtr clicked) { openedInNewWindow.append(clicked); });
-    LayoutCard *card = shownCards(list).first();
-    const QList<QAction *> actions =
-        card->findChild<QPushButton *>(QStringLiteral("previewMenu"))->menu()->actions();
-    QCOMPARE(actions.size(), 3);
-    actions.at(0)->trigger();
-    QTest::mouseClick(card, Qt::LeftButton);
-    QCOMPARE(opened, (QList<API::LayoutPtr>{layout, layout}));
-    actions.at(1)->trigger();
-    QCOMPARE(openedInNewWindow, QList<API::LayoutPtr>{layout});
-    actions.at(2)->trigger();
-    QVERIFY(API::CloudAPIClient::layoutList().isEmpty());
-    QTRY_VERIFY(shownCards(list).isEmpty());
-}
+    void searchStaysAfterARefresh()
+    {
+        LayoutListWidget list;
+        list.resize(260, 700);
+        list.show();
+        const QList<API::LayoutPtr> layouts{named("Yard north"_s), named("Gate"_s)};
+        list.updateLayouts(container(layouts));
+        list.search("YARD"_s);
+        QCOMPARE(shownNames(list), QStringList{"Yard north"});
+        list.updateLayouts(container(layouts));
+        QCOMPARE(shownNames(list), QStringList{"Yard north"});
+        list.search(QString());
+        QCOMPARE(shownNames(list).size(), 2);
+    }
 
-void LayoutListWidgetTest::pictureShowsPreviewsAndLines()
-{
-    const API::CameraPtr camera = rosterCamera(QStringLiteral("s"), 1);
-    QPixmap preview(320, 180);
-    preview.fill(Qt::red);
-    camera->setPreview(preview);
-    const API::LayoutPtr layout = named(QStringLiteral("Gate"));
-    layout->resize(2, 2);
-    layout->setCamera(camera, 1, 0, 1, 1);
-    LayoutCard card(layout);
-    card.show();
-    auto *label = card.findChild<QLabel *>(QStringLiteral("previewImage"));
-    const QImage picture = label->grab().toImage();
-    const auto colorAt = [&picture](double x, double y) {
-        return picture.pixelColor(qRound(picture.width() * x), qRound(picture.height() * y));
-    };
-    QCOMPARE(colorAt(0.25, 0.75), QColor(Qt::red));
-    QCOMPARE(colorAt(0.25, 0.25), QColor(25, 25, 29));
-    QCOMPARE(colorAt(0.75, 0.75), QColor(25, 25, 29));
-    // The preview keeps its shape, so the cell stays dark above it.
-    QCOMPARE(colorAt(0.25, 0.53), QColor(25, 25, 29));
-    QVERIFY(colorAt(0.5, 0.25) != QColor(25, 25, 29));
-}
+    void cardMenuReachesTheList()
+    {
+        LayoutListWidget list;
+        list.resize(260, 700);
+        list.show();
+        const API::LayoutPtr layout = named("Gate"_s);
+        list.addLayout(layout);
+        QCOMPARE(API::CloudAPIClient::layoutList().value(layout->id()), layout);
+        QTRY_COMPARE(shownCards(list).size(), 1);
+        QList<API::LayoutPtr> opened;
+        QList<API::LayoutPtr> openedInNewWindow;
+        connect(&list, &LayoutListWidget::openLayout, &list,
+                [&](API::LayoutPtr clicked) { opened.append(clicked); });
+        connect(&list, &LayoutListWidget::openInNewWindow, &list,
+                [&](API::LayoutPtr clicked) { openedInNewWindow.append(clicked); });
+        LayoutCard *card = shownCards(list).first();
+        const QList<QAction *> actions =
+            card->findChild<QPushButton *>("previewMenu"_s)->menu()->actions();
+        QCOMPARE(actions.size(), 3);
+        actions.at(0)->trigger();
+        QTest::mouseClick(card, Qt::LeftButton);
+        QCOMPARE(opened, (QList<API::LayoutPtr>{layout, layout}));
+        actions.at(1)->trigger();
+        QCOMPARE(openedInNewWindow, QList<API::LayoutPtr>{layout});
+        actions.at(2)->trigger();
+        QVERIFY(API::CloudAPIClient::layoutList().isEmpty());
+        QTRY_VERIFY(shownCards(list).isEmpty());
+    }
 
-void LayoutListWidgetTest::aHugeGridIsPaintedAtOnce()
-{
-    const API::LayoutPtr layout = named(QStringLiteral("huge"));
-    layout->resize(1000000000, 1000000000);
-    LayoutCard card(layout);
-    QCOMPARE(captionOf(&card), QStringLiteral("huge"));
-}
+    void pictureShowsPreviewsAndLines()
+    {
+        const API::CameraPtr camera = rosterCamera("s"_s, 1);
+        QPixmap preview(320, 180);
+        preview.fill(Qt::red);
+        camera->setPreview(preview);
+        const API::LayoutPtr layout = named("Gate"_s);
+        layout->resize(2, 2);
+        layout->setCamera(camera, 1, 0, 1, 1);
+        LayoutCard card(layout);
+        card.show();
+        auto *label = card.findChild<QLabel *>("previewImage"_s);
+        const QImage picture = label->grab().toImage();
+        const auto colorAt = [&picture](double x, double y) {
+            return picture.pixelColor(qRound(picture.width() * x), qRound(picture.height() * y));
+        };
+        QCOMPARE(colorAt(0.25, 0.75), QColor(Qt::red));
+        QCOMPARE(colorAt(0.25, 0.25), QColor(25, 25, 29));
+        QCOMPARE(colorAt(0.75, 0.75), QColor(25, 25, 29));
+        // The preview keeps its shape, so the cell stays dark above it.
+        QCOMPARE(colorAt(0.25, 0.53), QColor(25, 25, 29));
+        QVERIFY(colorAt(0.5, 0.25) != QColor(25, 25, 29));
+    }
+
+    void aHugeGridIsPaintedAtOnce()
+    {
+        const API::LayoutPtr layout = named("huge"_s);
+        layout->resize(1000000000, 1000000000);
+        LayoutCard card(layout);
+        QCOMPARE(captionOf(&card), "huge"_s);
+    }
+};
 
 QTEST_MAIN(LayoutListWidgetTest)
 #include "LayoutListWidgetTest.moc"

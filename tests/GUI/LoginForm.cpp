@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "LoginForm.h"
 
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "App/Settings.h"
 #include "GUI/SpinnerWidget.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 namespace {
 
@@ -29,14 +28,13 @@ QVariant stored(const char *key)
 
 QStringList oldProxy()
 {
-    return {QStringLiteral("old.example"), QStringLiteral("3128"), QStringLiteral("old user"),
-            QStringLiteral("old secret")};
+    return {"old.example"_s, "3128"_s, "old user"_s, "old secret"_s};
 }
 
 void resetSignInSettings(bool useProxy)
 {
     for (const char *key : {"auth/email", "auth/password", "auth/saveAuth"})
-        store(key, QString(QLatin1String("")));
+        store(key, QString(""_s));
     store("proxy/useProxy", useProxy);
     int i = 0;
     for (const char *key : proxyKeys)
@@ -94,5 +92,4 @@ bool LoginForm::openSettings(int height)
     return settlesAt(1, height);
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,18 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QCheckBox>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QStackedWidget>
-#include <QVariant>
+#include "tests/support/Test.h"
 
 #include "GUI/LoginDialog.h"
 #include "GUI/TippedButton.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 void store(const char *key, const QVariant &value);
 QVariant stored(const char *key);
@@ -53,5 +47,4 @@ struct LoginForm {
     bool openSettings(int height);
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

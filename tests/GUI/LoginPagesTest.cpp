@@ -1,13 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include <QLabel>
-#include <QSet>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "LoginForm.h"
 #include "tests/support/ScriptedService.h"
-
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
 
 namespace {
 
@@ -85,7 +80,7 @@ void LoginPagesTest::heightsOfThePages()
     form.proxyChoice->click();
     form.click("doneButton");
     QVERIFY(form.settlesAt(0, 451));
-    QCOMPARE(form.barShown(), QStringLiteral("usesProxyWgt"));
+    QCOMPARE(form.barShown(), "usesProxyWgt"_s);
     QVERIFY(form.openSettings(535));
     form.defaultChoice->click();
     form.click("doneButton");
@@ -134,7 +129,7 @@ void LoginPagesTest::returnOnTheSettingsPageGoesBack()
 {
     LoginForm form;
     form.dialog.show();
-    form.fill(QStringLiteral("a@example.com"), QStringLiteral("secret"));
+    form.fill("a@example.com"_s, "secret"_s);
     QVERIFY(form.openSettings(365));
     QTest::keyClick(form.passwordLn, Qt::Key_Return);
     QVERIFY(form.settlesAt(0, 413));
@@ -150,16 +145,16 @@ void LoginPagesTest::doneKeepsTheProxyUntilSignIn()
     form.dialog.show();
     QVERIFY(form.openSettings(365));
     form.proxyChoice->click();
-    form.fillProxy({QStringLiteral("proxy.example"), QStringLiteral("8080")});
+    form.fillProxy({"proxy.example"_s, "8080"_s});
     form.click("doneButton");
     QVERIFY(form.settlesAt(0, 451));
-    QCOMPARE(form.barShown(), QStringLiteral("usesProxyWgt"));
+    QCOMPARE(form.barShown(), "usesProxyWgt"_s);
     QCOMPARE(stored("proxy/useProxy").toBool(), false);
-    QCOMPARE(stored("proxy/host").toString(), QStringLiteral("old.example"));
-    form.fill(QStringLiteral("a@example.com"), QStringLiteral("secret"));
+    QCOMPARE(stored("proxy/host").toString(), "old.example"_s);
+    form.fill("a@example.com"_s, "secret"_s);
     form.click("signInButton");
     QCOMPARE(stored("proxy/useProxy").toBool(), true);
-    QCOMPARE(stored("proxy/host").toString(), QStringLiteral("proxy.example"));
+    QCOMPARE(stored("proxy/host").toString(), "proxy.example"_s);
     QCOMPARE(stored("proxy/port").toInt(), 8080);
 }
 
@@ -182,13 +177,12 @@ void LoginPagesTest::cancelTakesTheProxyBack()
     const QStringList before = form.proxyFields();
     QVERIFY(form.openSettings(wasOn ? 535 : 365));
     (turnedOn ? form.proxyChoice : form.defaultChoice)->click();
-    form.fillProxy(
-        {QStringLiteral("typo"), QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")});
+    form.fillProxy({"typo"_s, "1"_s, "2"_s, "3"_s});
     form.click("cancelButton");
     QVERIFY(form.settlesAt(0, wasOn ? 451 : 413));
     QCOMPARE(form.proxyChoice->isChecked(), wasOn);
     QCOMPARE(form.proxyFields(), before);
-    QCOMPARE(form.barShown(), wasOn ? QStringLiteral("usesProxyWgt") : QString());
+    QCOMPARE(form.barShown(), wasOn ? "usesProxyWgt"_s : QString());
 }
 
 void LoginPagesTest::proxyInForceIsShownAtStart()
@@ -196,13 +190,12 @@ void LoginPagesTest::proxyInForceIsShownAtStart()
     resetSignInSettings(true);
     LoginForm form;
     form.dialog.show();
-    QCOMPARE(form.barShown(), QStringLiteral("usesProxyWgt"));
+    QCOMPARE(form.barShown(), "usesProxyWgt"_s);
     QCOMPARE(form.dialog.size(), QSize(440, 451));
     form.click("settingsPBtn2");
     QVERIFY(form.settlesAt(1, 535));
     QVERIFY(form.proxyChoice->isChecked());
-    const QStringList expected = {QStringLiteral("old.example"), QStringLiteral("3128"),
-                                  QStringLiteral("old user"), QStringLiteral("old secret")};
+    const QStringList expected = {"old.example"_s, "3128"_s, "old user"_s, "old secret"_s};
     QCOMPARE(form.proxyFields(), expected);
 }
 
@@ -222,7 +215,7 @@ void LoginPagesTest::labelsAreOfOneSize()
     int texts = 0;
     for (QLabel *label : labels) {
         label->ensurePolished();
-        const bool isHeader = label->objectName() == QLatin1String("accountSettingsHeader");
+        const bool isHeader = label->objectName() == "accountSettingsHeader"_s;
         QCOMPARE(label->font().pixelSize(), isHeader ? 24 : 16);
         texts += label->text().isEmpty() ? 0 : 1;
     }

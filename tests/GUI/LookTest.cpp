@@ -1,13 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The colours of the style sheets reach what the user sees, and texts stand out from their ground.
-#include <QAbstractItemView>
-#include <QComboBox>
-#include <QHelpEvent>
-#include <QLineEdit>
-#include <QMimeData>
-#include <QPushButton>
-#include <QSlider>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include <cmath>
 
@@ -16,9 +9,6 @@
 #include "GUI/LoginDialog.h"
 #include "GUI/Timeline.h"
 #include "tests/GUI/PanelStage.h"
-
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
 
 namespace {
 
@@ -90,228 +80,204 @@ class LookTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void colours_data();
-    void colours();
-    void sliders_data();
-    void sliders();
-    void gridShowsThatItTakesADrop();
-    void timelineGround();
-    void texts_data();
-    void texts();
-    void signInTexts_data();
-    void signInTexts();
-    void toolTipsOfTheBar();
-    void languageListShowsItsSelection();
+    void initTestCase() { leaveWithoutService(); }
+
+    void colours_data()
+    {
+        QTest::addColumn<QString>("parent");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QPoint>("place");
+        QTest::addColumn<QColor>("colour");
+        const auto row = [](const char *title, const char *parent, const char *name, QPoint place,
+                            QColor colour) {
+            QTest::newRow(title) << parent << name << place << colour;
+        };
+        row("tool bar", "ToolBar", "", {30, 250}, {91, 102, 122});
+        row("checked tab", "ToolBar", "rosterButton", {50, 5}, {108, 118, 136});
+        row("its edge", "ToolBar", "rosterButton", {1, 25}, accent);
+        row("line below a tab", "ToolBar", "layoutsButton", {30, 49}, {108, 118, 136});
+        row("side bar", "SideBar", "", {5, 300}, side);
+        row("roster", "SideBar", "rosterWidget", {100, 200}, side);
+        row("info panel", "InfoPanel", "", {690, 3}, panel);
+        row("layout's name", "InfoPanel", "layoutNameEdit", {100, 3}, field);
+        row("save", "InfoPanel", "saveLayoutButton", {30, 2}, accent);
+        row("beside its round end", "InfoPanel", "saveLayoutButton", {0, 0}, panel);
+        row("cancel editing", "InfoPanel", "cancelLayoutButton", {30, 2}, field);
+        row("control panel", "ControlPanel", "controlPage", {300, 3}, panel);
+        row("control bar", "ControlPanel", "controlBar", {30, 2}, field);
+        row("live", "ControlPanel", "liveLabel", {15, 1}, accent);
+        row("export", "ControlPanel", "exportButton", {30, 2}, accent);
+        row("cancel export", "ControlPanel", "cancelButton", {30, 2}, field);
+        row("archive panel", "ArchiveControlPanel", "", {400, 3}, dark);
+        row("empty cell", "VideoPlaceholder", "", {20, 20}, {25, 25, 29});
+    }
+
+    void colours()
+    {
+        QFETCH(QString, parent);
+        QFETCH(QString, name);
+        QFETCH(QPoint, place);
+        QFETCH(QColor, colour);
+        PanelStage stage;
+        QVERIFY(stage.isExposed);
+        QWidget *widget = stage.reveal(parent, name);
+        QVERIFY(widget);
+        if (auto *edit = qobject_cast<QLineEdit *>(widget))
+            edit->setReadOnly(false);
+        QCOMPARE(stage.pictureOf(widget, QRect(place, QSize(1, 1)), 1).pixelColor(0, 0), colour);
+    }
+
+    void sliders_data()
+    {
+        const QColor handle(175, 176, 178);
+        rows<QString, QString, bool, QColor, QColor, QColor>(
+            {"parent", "name", "enabled", "filled", "handle", "unfilled"},
+            {
+                {"sound", "ControlPanel", "soundSlider", true, accent, handle, QColor(Qt::white)},
+                {"sound off", "ControlPanel", "soundSlider", false, disabled, disabled, disabled},
+                {"speed", "ControlPanel", "speedSlider", true, accent, handle, QColor(Qt::black)},
+                {"zoom", "ArchiveControlPanel", "zoomSlider", true, accent, handle,
+                 QColor(Qt::black)},
+            });
+    }
+
+    void sliders()
+    {
+        const auto [parent, name, enabled] = row<QString, QString, bool>();
+        PanelStage stage;
+        QVERIFY(stage.isExposed);
+        auto *slider = qobject_cast<QSlider *>(stage.reveal(parent, name));
+        QVERIFY(slider);
+        slider->setValue((slider->minimum() + slider->maximum() + 1) / 2);
+        slider->setEnabled(enabled);
+        const QImage picture = stage.pictureOf(slider, slider->rect(), 1);
+        const double share =
+            double(slider->value() - slider->minimum()) / (slider->maximum() - slider->minimum());
+        const int middle = picture.height() / 2;
+        const int onHandle = 4 + qRound(share * (picture.width() - 8));
+        QTEST(picture.pixelColor(8, middle), "filled");
+        QTEST(picture.pixelColor(onHandle, middle), "handle");
+        QTEST(picture.pixelColor(picture.width() - 8, middle), "unfilled");
+    }
+
+    void gridShowsThatItTakesADrop()
+    {
+        GUI::LayoutWidget grid;
+        grid.resize(300, 200);
+        QCOMPARE(grid.grab().toImage().pixelColor(150, 0), dark);
+        QMimeData mime;
+        mime.setData("layout"_s, "name");
+        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&grid, &enter);
+        QCOMPARE(grid.grab().toImage().pixelColor(150, 0), QColor(25, 134, 243));
+        QDragLeaveEvent leave;
+        QCoreApplication::sendEvent(&grid, &leave);
+        QCOMPARE(grid.grab().toImage().pixelColor(150, 0), dark);
+    }
+
+    void timelineGround()
+    {
+        GUI::Timeline timeline(QDate(2020, 3, 4));
+        timeline.resize(600, 56);
+        QCOMPARE(timeline.grab().toImage().pixelColor(300, 50), dark);
+    }
+
+    void texts_data()
+    {
+        QTest::addColumn<QString>("parent");
+        QTest::addColumn<QString>("name");
+        const char *const places[][2] = {
+            {"SideBar", "searchEdit"},           {"SideBar", "addLayoutButton"},
+            {"SideBar", "languageBox"},          {"ServerWidget", "serverName"},
+            {"ServerWidget", "noCamerasLabel"},  {"InfoPanel", "saveLayoutButton"},
+            {"InfoPanel", "cancelLayoutButton"}, {"InfoPanel", "layoutNameEdit"},
+            {"ControlPanel", "timeLabel"},       {"ControlPanel", "liveLabel"},
+            {"ControlPanel", "exportButton"},    {"ControlPanel", "cancelButton"},
+            {"VideoPlaceholder", "hintLabel"},   {"ArchiveControlPanel", "selectFragmentLabel"},
+        };
+        for (const auto &place : places)
+            QTest::newRow(place[1]) << place[0] << place[1];
+    }
+
+    void texts()
+    {
+        QFETCH(QString, parent);
+        QFETCH(QString, name);
+        PanelStage stage;
+        QVERIFY(stage.isExposed);
+        QWidget *widget = stage.reveal(parent, name);
+        QVERIFY(widget);
+        if (auto *edit = qobject_cast<QLineEdit *>(widget)) {
+            edit->setReadOnly(false);
+            edit->clear(); // shows what to type
+        }
+        const double found = contrastIn(textOf(widget));
+        QVERIFY2(found >= readableContrast, qPrintable(QString::number(found)));
+    }
+
+    void signInTexts_data()
+    {
+        rows<QByteArray, QString>(
+            {"alert", "name"},
+            {
+                {"what to type", QByteArray("showWrongEmailPassAlert"), "emailLn"},
+                {"wrong password", QByteArray("showWrongEmailPassAlert"), "wrongEmailPassLbl"},
+                {"no network", QByteArray("showNoInternetAlert"), "noInternetLbl"},
+                {"local mode", QByteArray("showNoInternetAlert"), "localLoginPBtn"},
+                {"proxy", QByteArray("showUsesProxyAlert"), "usesProxyLbl"},
+                {"proxy settings", QByteArray("showUsesProxyAlert"), "settingsPBtn2"},
+            });
+    }
+
+    void signInTexts()
+    {
+        const auto [alert, name] = row<QByteArray, QString>();
+        GUI::LoginDialog dialog;
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        QVERIFY(QMetaObject::invokeMethod(&dialog, alert.constData()));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+        auto *widget = dialog.findChild<QWidget *>(name);
+        QVERIFY(widget->isVisible());
+        const double found = contrastIn(textOf(widget));
+        QVERIFY2(found >= readableContrast, qPrintable(QString::number(found)));
+    }
+
+    /// They inherit the sheet of their button, which colours all that lies in the bar.
+    void toolTipsOfTheBar()
+    {
+        PanelStage stage;
+        QVERIFY(stage.isExposed);
+        QWidget *button = stage.reveal("ControlPanel"_s, "pauseButton"_s);
+        QHelpEvent ask(QEvent::ToolTip, QPoint(5, 5), button->mapToGlobal(QPoint(5, 5)));
+        QCoreApplication::sendEvent(button, &ask);
+        QWidget *tip = nullptr;
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        for (QWidget *window : windows) {
+            if (window->inherits("QTipLabel"))
+                tip = window;
+        }
+        QVERIFY(tip);
+        QVERIFY(contrastIn(tip->grab().toImage()) >= readableContrast);
+        const QColor ground = tip->grab().toImage().pixelColor(3, tip->height() / 2);
+        QVERIFY(ground != field);
+    }
+
+    void languageListShowsItsSelection()
+    {
+        PanelStage stage;
+        QVERIFY(stage.isExposed);
+        auto *box = qobject_cast<QComboBox *>(stage.reveal("SideBar"_s, "languageBox"_s));
+        QVERIFY(box);
+        box->showPopup();
+        QAbstractItemView *list = box->view();
+        QVERIFY(QTest::qWaitForWindowExposed(list->window()));
+        const QRect row = list->visualRect(list->currentIndex()).adjusted(2, 2, -2, -2);
+        const double found = contrastIn(list->viewport()->grab(row).toImage());
+        QVERIFY2(found >= readableContrast, qPrintable(QString::number(found)));
+        box->hidePopup();
+    }
 };
-
-void LookTest::initTestCase()
-{
-    leaveWithoutService();
-}
-
-void LookTest::colours_data()
-{
-    QTest::addColumn<QString>("parent");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QPoint>("place");
-    QTest::addColumn<QColor>("colour");
-    const auto row = [](const char *title, const char *parent, const char *name, QPoint place,
-                        QColor colour) {
-        QTest::newRow(title) << parent << name << place << colour;
-    };
-    row("tool bar", "ToolBar", "", {30, 250}, {91, 102, 122});
-    row("checked tab", "ToolBar", "rosterButton", {50, 5}, {108, 118, 136});
-    row("its edge", "ToolBar", "rosterButton", {1, 25}, accent);
-    row("line below a tab", "ToolBar", "layoutsButton", {30, 49}, {108, 118, 136});
-    row("side bar", "SideBar", "", {5, 300}, side);
-    row("roster", "SideBar", "rosterWidget", {100, 200}, side);
-    row("info panel", "InfoPanel", "", {690, 3}, panel);
-    row("layout's name", "InfoPanel", "layoutNameEdit", {100, 3}, field);
-    row("save", "InfoPanel", "saveLayoutButton", {30, 2}, accent);
-    row("beside its round end", "InfoPanel", "saveLayoutButton", {0, 0}, panel);
-    row("cancel editing", "InfoPanel", "cancelLayoutButton", {30, 2}, field);
-    row("control panel", "ControlPanel", "controlPage", {300, 3}, panel);
-    row("control bar", "ControlPanel", "controlBar", {30, 2}, field);
-    row("live", "ControlPanel", "liveLabel", {15, 1}, accent);
-    row("export", "ControlPanel", "exportButton", {30, 2}, accent);
-    row("cancel export", "ControlPanel", "cancelButton", {30, 2}, field);
-    row("archive panel", "ArchiveControlPanel", "", {400, 3}, dark);
-    row("empty cell", "VideoPlaceholder", "", {20, 20}, {25, 25, 29});
-}
-
-void LookTest::colours()
-{
-    QFETCH(QString, parent);
-    QFETCH(QString, name);
-    QFETCH(QPoint, place);
-    QFETCH(QColor, colour);
-    PanelStage stage;
-    QVERIFY(stage.isExposed);
-    QWidget *widget = stage.reveal(parent, name);
-    QVERIFY(widget);
-    if (auto *edit = qobject_cast<QLineEdit *>(widget))
-        edit->setReadOnly(false);
-    QCOMPARE(stage.pictureOf(widget, QRect(place, QSize(1, 1)), 1).pixelColor(0, 0), colour);
-}
-
-void LookTest::sliders_data()
-{
-    QTest::addColumn<QString>("parent");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<bool>("enabled");
-    QTest::addColumn<QColor>("filled");
-    QTest::addColumn<QColor>("handle");
-    QTest::addColumn<QColor>("unfilled");
-    const QColor handle(175, 176, 178);
-    QTest::newRow("sound") << "ControlPanel"
-                           << "soundSlider" << true << accent << handle << QColor(Qt::white);
-    QTest::newRow("sound off") << "ControlPanel"
-                               << "soundSlider" << false << disabled << disabled << disabled;
-    QTest::newRow("speed") << "ControlPanel"
-                           << "speedSlider" << true << accent << handle << QColor(Qt::black);
-    QTest::newRow("zoom") << "ArchiveControlPanel"
-                          << "zoomSlider" << true << accent << handle << QColor(Qt::black);
-}
-
-void LookTest::sliders()
-{
-    QFETCH(QString, parent);
-    QFETCH(QString, name);
-    QFETCH(bool, enabled);
-    PanelStage stage;
-    QVERIFY(stage.isExposed);
-    auto *slider = qobject_cast<QSlider *>(stage.reveal(parent, name));
-    QVERIFY(slider);
-    slider->setValue((slider->minimum() + slider->maximum() + 1) / 2);
-    slider->setEnabled(enabled);
-    const QImage picture = stage.pictureOf(slider, slider->rect(), 1);
-    const double share =
-        double(slider->value() - slider->minimum()) / (slider->maximum() - slider->minimum());
-    const int middle = picture.height() / 2;
-    const int onHandle = 4 + qRound(share * (picture.width() - 8));
-    QTEST(picture.pixelColor(8, middle), "filled");
-    QTEST(picture.pixelColor(onHandle, middle), "handle");
-    QTEST(picture.pixelColor(picture.width() - 8, middle), "unfilled");
-}
-
-void LookTest::gridShowsThatItTakesADrop()
-{
-    GUI::LayoutWidget grid;
-    grid.resize(300, 200);
-    QCOMPARE(grid.grab().toImage().pixelColor(150, 0), dark);
-    QMimeData mime;
-    mime.setData(QStringLiteral("layout"), "name");
-    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(&grid, &enter);
-    QCOMPARE(grid.grab().toImage().pixelColor(150, 0), QColor(25, 134, 243));
-    QDragLeaveEvent leave;
-    QCoreApplication::sendEvent(&grid, &leave);
-    QCOMPARE(grid.grab().toImage().pixelColor(150, 0), dark);
-}
-
-void LookTest::timelineGround()
-{
-    GUI::Timeline timeline(QDate(2020, 3, 4));
-    timeline.resize(600, 56);
-    QCOMPARE(timeline.grab().toImage().pixelColor(300, 50), dark);
-}
-
-void LookTest::texts_data()
-{
-    QTest::addColumn<QString>("parent");
-    QTest::addColumn<QString>("name");
-    const char *const places[][2] = {
-        {"SideBar", "searchEdit"},           {"SideBar", "addLayoutButton"},
-        {"SideBar", "languageBox"},          {"ServerWidget", "serverName"},
-        {"ServerWidget", "noCamerasLabel"},  {"InfoPanel", "saveLayoutButton"},
-        {"InfoPanel", "cancelLayoutButton"}, {"InfoPanel", "layoutNameEdit"},
-        {"ControlPanel", "timeLabel"},       {"ControlPanel", "liveLabel"},
-        {"ControlPanel", "exportButton"},    {"ControlPanel", "cancelButton"},
-        {"VideoPlaceholder", "hintLabel"},   {"ArchiveControlPanel", "selectFragmentLabel"},
-    };
-    for (const auto &place : places)
-        QTest::newRow(place[1]) << place[0] << place[1];
-}
-
-void LookTest::texts()
-{
-    QFETCH(QString, parent);
-    QFETCH(QString, name);
-    PanelStage stage;
-    QVERIFY(stage.isExposed);
-    QWidget *widget = stage.reveal(parent, name);
-    QVERIFY(widget);
-    if (auto *edit = qobject_cast<QLineEdit *>(widget)) {
-        edit->setReadOnly(false);
-        edit->clear(); // shows what to type
-    }
-    const double found = contrastIn(textOf(widget));
-    QVERIFY2(found >= readableContrast, qPrintable(QString::number(found)));
-}
-
-void LookTest::signInTexts_data()
-{
-    QTest::addColumn<QByteArray>("alert");
-    QTest::addColumn<QString>("name");
-    QTest::newRow("what to type") << QByteArray("showWrongEmailPassAlert") << "emailLn";
-    QTest::newRow("wrong password") << QByteArray("showWrongEmailPassAlert") << "wrongEmailPassLbl";
-    QTest::newRow("no network") << QByteArray("showNoInternetAlert") << "noInternetLbl";
-    QTest::newRow("local mode") << QByteArray("showNoInternetAlert") << "localLoginPBtn";
-    QTest::newRow("proxy") << QByteArray("showUsesProxyAlert") << "usesProxyLbl";
-    QTest::newRow("proxy settings") << QByteArray("showUsesProxyAlert") << "settingsPBtn2";
-}
-
-void LookTest::signInTexts()
-{
-    QFETCH(QByteArray, alert);
-    QFETCH(QString, name);
-    GUI::LoginDialog dialog;
-    dialog.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-    QVERIFY(QMetaObject::invokeMethod(&dialog, alert.constData()));
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
-    auto *widget = dialog.findChild<QWidget *>(name);
-    QVERIFY(widget->isVisible());
-    const double found = contrastIn(textOf(widget));
-    QVERIFY2(found >= readableContrast, qPrintable(QString::number(found)));
-}
-
-/// They inherit the sheet of their button, which colours all that lies in the bar.
-void LookTest::toolTipsOfTheBar()
-{
-    PanelStage stage;
-    QVERIFY(stage.isExposed);
-    QWidget *button = stage.reveal(QStringLiteral("ControlPanel"), QStringLiteral("pauseButton"));
-    QHelpEvent ask(QEvent::ToolTip, QPoint(5, 5), button->mapToGlobal(QPoint(5, 5)));
-    QCoreApplication::sendEvent(button, &ask);
-    QWidget *tip = nullptr;
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget *window : windows) {
-        if (window->inherits("QTipLabel"))
-            tip = window;
-    }
-    QVERIFY(tip);
-    QVERIFY(contrastIn(tip->grab().toImage()) >= readableContrast);
-    const QColor ground = tip->grab().toImage().pixelColor(3, tip->height() / 2);
-    QVERIFY(ground != field);
-}
-
-void LookTest::languageListShowsItsSelection()
-{
-    PanelStage stage;
-    QVERIFY(stage.isExposed);
-    auto *box = qobject_cast<QComboBox *>(
-        stage.reveal(QStringLiteral("SideBar"), QStringLiteral("languageBox")));
-    QVERIFY(box);
-    box->showPopup();
-    QAbstractItemView *list = box->view();
-    QVERIFY(QTest::qWaitForWindowExposed(list->window()));
-    const QRect row = list->visualRect(list->currentIndex()).adjusted(2, 2, -2, -2);
-    const double found = contrastIn(list->viewport()->grab(row).toImage());
-    QVERIFY2(found >= readableContrast, qPrintable(QString::number(found)));
-    box->hidePopup();
-}
 
 int main(int argc, char *argv[])
 {

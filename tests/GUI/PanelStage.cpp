@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/GUI/PanelStage.h"
 
-#include <QStackedWidget>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "API/LocalServer.h"
 #include "App/ServiceProfile.h"
@@ -18,17 +17,15 @@
 #include "GUI/ToolBar.h"
 #include "tests/support/MisbehavingServer.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 PanelStage::PanelStage()
 {
     window.resize(1100, 700);
     place(new GUI::ToolBar, {0, 0, 60, 400});
     place(new GUI::SideBar, {60, 0, 269, 400});
-    const auto server =
-        API::LocalServerPtr::create(QStringLiteral("LAN"), QStringLiteral("127.0.0.1"),
-                                    MisbehavingServer::deadPort(), QString());
+    const auto server = API::LocalServerPtr::create("LAN"_s, "127.0.0.1"_s,
+                                                    MisbehavingServer::deadPort(), QString());
     place(new GUI::ServerWidget(server, nullptr), {340, 0, 240, 120});
     auto *card = new GUI::Preview(GUI::Preview::KindCamera, nullptr);
     card->setState(GUI::Preview::StateOff);
@@ -38,7 +35,7 @@ PanelStage::PanelStage()
     place(new GUI::ArchiveControlPanel, {0, 480, 1000, 37});
     place(new GUI::Player::VideoWidget(API::CameraPtr(), nullptr), {600, 0, 200, 150});
     place(new GUI::Player::VideoPlaceholder, {820, 0, 200, 150});
-    place(new GUI::PlayerNotification(QStringLiteral("text"), true, nullptr), {600, 160, 355, 40});
+    place(new GUI::PlayerNotification("text"_s, true, nullptr), {600, 160, 355, 40});
     window.show();
     isExposed = QTest::qWaitForWindowExposed(&window);
 }
@@ -75,10 +72,9 @@ QImage PanelStage::pictureOf(const QWidget *widget, const QRect &area, qreal sca
 void leaveWithoutService()
 {
     App::ServiceProfile profile;
-    profile.apiHost = profile.streamingHost = QStringLiteral("127.0.0.1");
+    profile.apiHost = profile.streamingHost = "127.0.0.1"_s;
     profile.apiPort = profile.streamingPort = MisbehavingServer::deadPort();
     App::ServiceProfile::setCurrent(profile);
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

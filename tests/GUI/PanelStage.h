@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QImage>
-#include <QWidget>
+#include "tests/support/Test.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// The panels of the main window, a card, a tile, an empty cell and a hint in one window. They
 /// find no service.
@@ -30,5 +28,4 @@ private:
 /// Has the sign-in and the roster ask a port that answers nobody.
 void leaveWithoutService();
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

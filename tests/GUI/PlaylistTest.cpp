@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include <QRandomGenerator>
-#include <QtTest>
+#include "tests/support/Test.h"
 
-#include <algorithm>
 #include <ctime>
 
 #include "API/Camera.h"
 #include "GUI/Timeline.h"
 #include "tests/GUI/ArchiveWorld.h"
 
-using namespace ZorvaneClient;
 using GUI::Playlist;
 using GUI::Timeline;
 using Tests::ArchiveWorld;
@@ -17,7 +14,7 @@ using Tests::ArchiveWorld;
 namespace {
 
 const QDate day(2026, 3, 10);
-const QString timeFormat = QStringLiteral("h:mm:ss");
+const QString timeFormat = "h:mm:ss"_s;
 
 QDateTime at(const QString &text)
 {
@@ -42,8 +39,7 @@ QStringList itemsOf(const Playlist &playlist)
 {
     QStringList items;
     for (const auto &item : playlist) {
-        items << QStringLiteral("%1 %2-%3")
-                     .arg(item->camera->id())
+        items << "%1 %2-%3"_s.arg(item->camera->id())
                      .arg(item->start.toString(timeFormat), item->end.toString(timeFormat));
     }
     const auto key = [](const QString &item) { return item.section('-', 0, 0).section(' ', 1); };
@@ -57,8 +53,7 @@ QStringList itemsOf(const Playlist &playlist)
 
 QString momentsOf(const API::CameraPtr &camera, const QDateTime &start, const QDateTime &end)
 {
-    return QStringLiteral("%1 %2-%3")
-        .arg(camera->id())
+    return "%1 %2-%3"_s.arg(camera->id())
         .arg(start.toMSecsSinceEpoch())
         .arg(end.toMSecsSinceEpoch());
 }
@@ -109,192 +104,173 @@ class PlaylistTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void init();
-    void spans_data();
-    void spans();
-    void readsOneDayOnly();
-    void newRecordsReplaceTheOldOnes();
-    void sameAsByTheRule_data();
-    void sameAsByTheRule();
-    void crossesTheMetaObjectSystem();
+    void initTestCase()
+    {
+        qputenv("TZ", "Europe/Berlin");
+        tzset();
+        QVERIFY(world.start());
+    }
+
+    void init() { world.reset(); }
+
+    void spans_data()
+    {
+        const QStringList one{"10:00:00-11:00:00 12:00:00-12:30:00"};
+        const QStringList two{"9:00:00-12:00:00", "11:00:00-11:30:00 13:00:00-14:00:00"};
+        rows<QStringList, QString, QStringList>(
+            {"cameras", "position", "expected"},
+            {
+                {"no cameras", QStringList(), "10:00:00", QStringList()},
+                {"no records", QStringList{""}, "10:00:00", QStringList()},
+                {"in a record", one, "10:30:00",
+                 QStringList{"1 10:30:00-11:00:00", "1 12:00:00-12:30:00"}},
+                {"on a start", one, "10:00:00",
+                 QStringList{"1 10:00:00-11:00:00", "1 12:00:00-12:30:00"}},
+                {"before all", one, "0:00:00",
+                 QStringList{"1 10:00:00-11:00:00", "1 12:00:00-12:30:00"}},
+                {"on an end", one, "11:00:00", QStringList{"1 12:00:00-12:30:00"}},
+                {"in a gap", one, "11:50:00", QStringList{"1 12:00:00-12:30:00"}},
+                {"on the last end", one, "12:30:00", QStringList()},
+                {"past all", one, "23:59:59", QStringList()},
+                {"one plays, one waits", two, "10:59:00",
+                 QStringList{"1 10:59:00-12:00:00", "2 11:00:00-11:30:00", "2 13:00:00-14:00:00"}},
+                {"both play", two, "11:10:00",
+                 QStringList{"1 11:10:00-12:00:00", "2 11:10:00-11:30:00", "2 13:00:00-14:00:00"}},
+                {"the later camera's gap ends first",
+                 QStringList{"8:00:00-9:00:00 12:00:00-13:00:00", "11:00:00-11:30:00"}, "10:00:00",
+                 QStringList{"2 11:00:00-11:30:00", "1 12:00:00-13:00:00"}},
+                {"equal starts",
+                 QStringList{"11:00:00-11:30:00", "11:00:00-11:40:00", "11:00:00-11:20:00"},
+                 "10:00:00",
+                 QStringList{"1 11:00:00-11:30:00", "2 11:00:00-11:40:00", "3 11:00:00-11:20:00"}},
+                {"records over each other",
+                 QStringList{"10:00:00-12:00:00 10:30:00-11:00:00 11:30:00-13:00:00"}, "11:10:00",
+                 QStringList{"1 11:10:00-12:00:00", "1 11:30:00-13:00:00"}},
+                {"a long record over short ones",
+                 QStringList{"8:00:00-14:00:00 9:00:00-9:30:00 10:00:00-10:30:00"}, "11:00:00",
+                 QStringList{"1 11:00:00-14:00:00"}},
+                {"records in no order",
+                 QStringList{"14:00:00-15:00:00 9:00:00-9:30:00 12:00:00-13:00:00",
+                             "16:00:00-17:00:00 11:00:00-11:10:00"},
+                 "10:00:00",
+                 QStringList{"2 11:00:00-11:10:00", "1 12:00:00-13:00:00", "1 14:00:00-15:00:00",
+                             "2 16:00:00-17:00:00"}},
+            });
+    }
+
+    void spans()
+    {
+        const auto [cameras, position, expected] = row<QStringList, QString, QStringList>();
+        Timeline timeline(day);
+        for (int index = 0; index < cameras.size(); ++index)
+            QVERIFY(addCamera(timeline, index + 1, recordsOf(cameras.at(index))));
+        const Playlist playlist = timeline.playlistForCameras(at(position));
+        QCOMPARE(itemsOf(playlist), expected);
+        QVERIFY(isSortedByStart(playlist));
+    }
+
+    void readsOneDayOnly()
+    {
+        const QDate next = day.addDays(1);
+        const QTime morning(8, 0);
+        world.setRecords(1, {Tests::record(day, QTime(10, 0), QTime(11, 0)),
+                             Tests::record(next, morning, QTime(9, 0))});
+        const API::CameraPtr camera = world.localCamera(1);
+        QVERIFY(ArchiveWorld::load(camera, next));
+        Timeline timeline(day);
+        QVERIFY(addCamera(timeline, camera));
+        QVERIFY(timeline.playlistForCameras(at("11:00:00")).isEmpty());
+        // The day is that of the moment, not that of the strip.
+        const Playlist playlist = timeline.playlistForCameras(QDateTime(next, QTime(0, 0)));
+        QCOMPARE(playlist.size(), 1);
+        QCOMPARE(playlist.first()->camera, camera);
+        QCOMPARE(playlist.first()->start, QDateTime(next, morning));
+    }
+
+    void newRecordsReplaceTheOldOnes()
+    {
+        Timeline timeline(day);
+        world.setRecords(1, recordsOf("10:00:00-11:00:00"));
+        const API::CameraPtr camera = world.localCamera(1);
+        QVERIFY(addCamera(timeline, camera));
+        QCOMPARE(itemsOf(timeline.playlistForCameras(at("0:00:00"))),
+                 QStringList{"1 10:00:00-11:00:00"});
+        world.setRecords(1, recordsOf("12:00:00-13:00:00"));
+        QVERIFY(ArchiveWorld::load(camera, day));
+        QCOMPARE(itemsOf(timeline.playlistForCameras(at("0:00:00"))),
+                 QStringList{"1 12:00:00-13:00:00"});
+    }
+
+    void sameAsByTheRule_data()
+    {
+        rows<QDate>({"date"}, {
+                                  {"24 hours", day},
+                                  {"23 hours", QDate(2026, 3, 29)},
+                                  {"25 hours", QDate(2026, 10, 25)},
+                              });
+    }
+
+    void sameAsByTheRule()
+    {
+        QFETCH(QDate, date);
+        constexpr int cameraCount = 5;
+        constexpr int recordCount = 40;
+        constexpr int positions = 200;
+        QRandomGenerator random(1);
+        const QDateTime begin = date.startOfDay();
+        const int daySeconds = static_cast<int>(begin.secsTo(date.endOfDay()));
+        const auto anyMoment = [&] { return begin.addSecs(random.bounded(daySeconds)); };
+        Timeline timeline(date);
+        QList<API::CameraPtr> cameras;
+        for (int id = 1; id <= cameraCount; ++id) {
+            // In no order, over each other, and with the same starts.
+            QList<API::ArchiveRecord> records;
+            for (int index = 0; index < recordCount; ++index) {
+                const QDateTime start = begin.addSecs(random.bounded(daySeconds) / 600 * 600);
+                records.append({start, start.addSecs(random.bounded(1, 1200))});
+            }
+            world.setRecords(id, records);
+            cameras.append(world.localCamera(id));
+            QVERIFY(addCamera(timeline, cameras.last()));
+        }
+        for (int index = 0; index < positions; ++index) {
+            const QDateTime position = anyMoment();
+            const Playlist playlist = timeline.playlistForCameras(position);
+            QVERIFY(isSortedByStart(playlist));
+            QCOMPARE(momentsOf(playlist), momentsByTheRule(cameras, position));
+        }
+    }
+
+    void crossesTheMetaObjectSystem()
+    {
+        Timeline timeline(day);
+        QVERIFY(addCamera(timeline, 1, recordsOf("10:00:00-11:00:00")));
+        Playlist playlist;
+        QVERIFY(QMetaObject::invokeMethod(&timeline, "playlistForCameras",
+                                          Q_RETURN_ARG(Playlist, playlist),
+                                          Q_ARG(QDateTime, at("10:30:00"))));
+        QCOMPARE(itemsOf(playlist), QStringList{"1 10:30:00-11:00:00"});
+        QCOMPARE(QMetaType::type("Playlist"), qMetaTypeId<Playlist>());
+    }
 
 private:
     /// Puts a camera on the strip and waits for its records.
-    bool addCamera(Timeline &timeline, const API::CameraPtr &camera);
-    bool addCamera(Timeline &timeline, int id, const QList<API::ArchiveRecord> &records);
+
+    bool addCamera(Timeline &timeline, const API::CameraPtr &camera)
+    {
+        QSignalSpy received(camera.data(), &API::Camera::recordsChanged);
+        timeline.addCamera(camera);
+        return received.wait(30000);
+    }
+
+    bool addCamera(Timeline &timeline, int id, const QList<API::ArchiveRecord> &records)
+    {
+        world.setRecords(id, records);
+        return addCamera(timeline, world.localCamera(id));
+    }
 
     ArchiveWorld world;
 };
-
-bool PlaylistTest::addCamera(Timeline &timeline, const API::CameraPtr &camera)
-{
-    QSignalSpy received(camera.data(), &API::Camera::recordsChanged);
-    timeline.addCamera(camera);
-    return received.wait(30000);
-}
-
-bool PlaylistTest::addCamera(Timeline &timeline, int id, const QList<API::ArchiveRecord> &records)
-{
-    world.setRecords(id, records);
-    return addCamera(timeline, world.localCamera(id));
-}
-
-void PlaylistTest::initTestCase()
-{
-    qputenv("TZ", "Europe/Berlin");
-    tzset();
-    QVERIFY(world.start());
-}
-
-void PlaylistTest::init()
-{
-    world.reset();
-}
-
-void PlaylistTest::spans_data()
-{
-    QTest::addColumn<QStringList>("cameras");
-    QTest::addColumn<QString>("position");
-    QTest::addColumn<QStringList>("expected");
-    const QStringList one{"10:00:00-11:00:00 12:00:00-12:30:00"};
-    QTest::newRow("no cameras") << QStringList() << "10:00:00" << QStringList();
-    QTest::newRow("no records") << QStringList{""} << "10:00:00" << QStringList();
-    QTest::newRow("in a record") << one << "10:30:00"
-                                 << QStringList{"1 10:30:00-11:00:00", "1 12:00:00-12:30:00"};
-    QTest::newRow("on a start") << one << "10:00:00"
-                                << QStringList{"1 10:00:00-11:00:00", "1 12:00:00-12:30:00"};
-    QTest::newRow("before all") << one << "0:00:00"
-                                << QStringList{"1 10:00:00-11:00:00", "1 12:00:00-12:30:00"};
-    QTest::newRow("on an end") << one << "11:00:00" << QStringList{"1 12:00:00-12:30:00"};
-    QTest::newRow("in a gap") << one << "11:50:00" << QStringList{"1 12:00:00-12:30:00"};
-    QTest::newRow("on the last end") << one << "12:30:00" << QStringList();
-    QTest::newRow("past all") << one << "23:59:59" << QStringList();
-
-    const QStringList two{"9:00:00-12:00:00", "11:00:00-11:30:00 13:00:00-14:00:00"};
-    QTest::newRow("one plays, one waits")
-        << two << "10:59:00"
-        << QStringList{"1 10:59:00-12:00:00", "2 11:00:00-11:30:00", "2 13:00:00-14:00:00"};
-    QTest::newRow("both play") << two << "11:10:00"
-                               << QStringList{"1 11:10:00-12:00:00", "2 11:10:00-11:30:00",
-                                              "2 13:00:00-14:00:00"};
-    QTest::newRow("the later camera's gap ends first")
-        << QStringList{"8:00:00-9:00:00 12:00:00-13:00:00", "11:00:00-11:30:00"} << "10:00:00"
-        << QStringList{"2 11:00:00-11:30:00", "1 12:00:00-13:00:00"};
-    QTest::newRow("equal starts") << QStringList{"11:00:00-11:30:00", "11:00:00-11:40:00",
-                                                 "11:00:00-11:20:00"}
-                                  << "10:00:00"
-                                  << QStringList{"1 11:00:00-11:30:00", "2 11:00:00-11:40:00",
-                                                 "3 11:00:00-11:20:00"};
-    QTest::newRow("records over each other")
-        << QStringList{"10:00:00-12:00:00 10:30:00-11:00:00 11:30:00-13:00:00"} << "11:10:00"
-        << QStringList{"1 11:10:00-12:00:00", "1 11:30:00-13:00:00"};
-    QTest::newRow("a long record over short ones")
-        << QStringList{"8:00:00-14:00:00 9:00:00-9:30:00 10:00:00-10:30:00"} << "11:00:00"
-        << QStringList{"1 11:00:00-14:00:00"};
-    QTest::newRow("records in no order")
-        << QStringList{"14:00:00-15:00:00 9:00:00-9:30:00 12:00:00-13:00:00",
-                       "16:00:00-17:00:00 11:00:00-11:10:00"}
-        << "10:00:00"
-        << QStringList{"2 11:00:00-11:10:00", "1 12:00:00-13:00:00", "1 14:00:00-15:00:00",
-                       "2 16:00:00-17:00:00"};
-}
-
-void PlaylistTest::spans()
-{
-    QFETCH(QStringList, cameras);
-    QFETCH(QString, position);
-    QFETCH(QStringList, expected);
-    Timeline timeline(day);
-    for (int index = 0; index < cameras.size(); ++index)
-        QVERIFY(addCamera(timeline, index + 1, recordsOf(cameras.at(index))));
-    const Playlist playlist = timeline.playlistForCameras(at(position));
-    QCOMPARE(itemsOf(playlist), expected);
-    QVERIFY(isSortedByStart(playlist));
-}
-
-void PlaylistTest::readsOneDayOnly()
-{
-    const QDate next = day.addDays(1);
-    const QTime morning(8, 0);
-    world.setRecords(1, {Tests::record(day, QTime(10, 0), QTime(11, 0)),
-                         Tests::record(next, morning, QTime(9, 0))});
-    const API::CameraPtr camera = world.localCamera(1);
-    QVERIFY(ArchiveWorld::load(camera, next));
-    Timeline timeline(day);
-    QVERIFY(addCamera(timeline, camera));
-    QVERIFY(timeline.playlistForCameras(at("11:00:00")).isEmpty());
-    // The day is that of the moment, not that of the strip.
-    const Playlist playlist = timeline.playlistForCameras(QDateTime(next, QTime(0, 0)));
-    QCOMPARE(playlist.size(), 1);
-    QCOMPARE(playlist.first()->camera, camera);
-    QCOMPARE(playlist.first()->start, QDateTime(next, morning));
-}
-
-void PlaylistTest::newRecordsReplaceTheOldOnes()
-{
-    Timeline timeline(day);
-    world.setRecords(1, recordsOf("10:00:00-11:00:00"));
-    const API::CameraPtr camera = world.localCamera(1);
-    QVERIFY(addCamera(timeline, camera));
-    QCOMPARE(itemsOf(timeline.playlistForCameras(at("0:00:00"))),
-             QStringList{"1 10:00:00-11:00:00"});
-    world.setRecords(1, recordsOf("12:00:00-13:00:00"));
-    QVERIFY(ArchiveWorld::load(camera, day));
-    QCOMPARE(itemsOf(timeline.playlistForCameras(at("0:00:00"))),
-             QStringList{"1 12:00:00-13:00:00"});
-}
-
-void PlaylistTest::sameAsByTheRule_data()
-{
-    QTest::addColumn<QDate>("date");
-    QTest::newRow("24 hours") << day;
-    QTest::newRow("23 hours") << QDate(2026, 3, 29);
-    QTest::newRow("25 hours") << QDate(2026, 10, 25);
-}
-
-void PlaylistTest::sameAsByTheRule()
-{
-    QFETCH(QDate, date);
-    constexpr int cameraCount = 5;
-    constexpr int recordCount = 40;
-    constexpr int positions = 200;
-    QRandomGenerator random(1);
-    const QDateTime begin = date.startOfDay();
-    const int daySeconds = static_cast<int>(begin.secsTo(date.endOfDay()));
-    const auto anyMoment = [&] { return begin.addSecs(random.bounded(daySeconds)); };
-    Timeline timeline(date);
-    QList<API::CameraPtr> cameras;
-    for (int id = 1; id <= cameraCount; ++id) {
-        // In no order, over each other, and with the same starts.
-        QList<API::ArchiveRecord> records;
-        for (int index = 0; index < recordCount; ++index) {
-            const QDateTime start = begin.addSecs(random.bounded(daySeconds) / 600 * 600);
-            records.append({start, start.addSecs(random.bounded(1, 1200))});
-        }
-        world.setRecords(id, records);
-        cameras.append(world.localCamera(id));
-        QVERIFY(addCamera(timeline, cameras.last()));
-    }
-    for (int index = 0; index < positions; ++index) {
-        const QDateTime position = anyMoment();
-        const Playlist playlist = timeline.playlistForCameras(position);
-        QVERIFY(isSortedByStart(playlist));
-        QCOMPARE(momentsOf(playlist), momentsByTheRule(cameras, position));
-    }
-}
-
-void PlaylistTest::crossesTheMetaObjectSystem()
-{
-    Timeline timeline(day);
-    QVERIFY(addCamera(timeline, 1, recordsOf("10:00:00-11:00:00")));
-    Playlist playlist;
-    QVERIFY(QMetaObject::invokeMethod(&timeline, "playlistForCameras",
-                                      Q_RETURN_ARG(Playlist, playlist),
-                                      Q_ARG(QDateTime, at("10:30:00"))));
-    QCOMPARE(itemsOf(playlist), QStringList{"1 10:30:00-11:00:00"});
-    QCOMPARE(QMetaType::type("Playlist"), qMetaTypeId<Playlist>());
-}
 
 QTEST_MAIN(PlaylistTest)
 #include "PlaylistTest.moc"

@@ -1,11 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <QDirIterator>
-#include <QFile>
-#include <QFontDatabase>
-#include <QImage>
-#include <QRegularExpression>
-#include <QSet>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 namespace {
 
@@ -95,15 +89,13 @@ QString contentOf(const QString &fileName)
 /// The pictures that forms, style sheets and code name, without ":/" and ".png".
 QList<Mention> mentions()
 {
-    static const QRegularExpression name(QStringLiteral(":/{0,2}((?:[\\w-]+/)+[\\w-]+)\\.png"));
-    static const QRegularExpression hoverRule(QStringLiteral(":hover[^{};]*\\{[^}]*$"),
+    static const QRegularExpression name(":/{0,2}((?:[\\w-]+/)+[\\w-]+)\\.png"_s);
+    static const QRegularExpression hoverRule(":hover[^{};]*\\{[^}]*$"_s,
                                               QRegularExpression::DotMatchesEverythingOption);
     const QString root = QStringLiteral(ZORVANE_SOURCE_DIR "/");
     QList<Mention> found;
     for (const char *folder : {"forms", "resources", "GUI", "App"}) {
-        QDirIterator files(root + QLatin1String(folder),
-                           {QStringLiteral("*.ui"), QStringLiteral("*.qss"),
-                            QStringLiteral("*.cpp"), QStringLiteral("*.h")},
+        QDirIterator files(root + QLatin1String(folder), {"*.ui"_s, "*.qss"_s, "*.cpp"_s, "*.h"_s},
                            QDir::Files, QDirIterator::Subdirectories);
         while (files.hasNext()) {
             const QString file = files.next();
@@ -122,7 +114,7 @@ QList<Mention> mentions()
 
 QImage loaded(const QString &path, const char *ending)
 {
-    return QImage(QStringLiteral(":/") + path + QLatin1String(ending));
+    return QImage(":/"_s + path + QLatin1String(ending));
 }
 
 int visiblePixels(const QImage &image)
@@ -162,165 +154,148 @@ class ResourcesTest : public QObject
     Q_OBJECT
 
 private slots:
-    void pictureIsThereInBothSizes_data();
-    void pictureIsThereInBothSizes();
-    void hoverFormHasItsOwnColour_data();
-    void hoverFormHasItsOwnColour();
-    void everyPictureIsListed();
-    void namedPictureIsThere_data();
-    void namedPictureIsThere();
-    void hoverRuleNamesTheHoverForm_data();
-    void hoverRuleNamesTheHoverForm();
-    void everyPictureIsNamedSomewhere();
-    void rootPathWithTwoSlashesResolves();
-    void fontsAreOfTheFamily_data();
-    void fontsAreOfTheFamily();
+    void pictureIsThereInBothSizes_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QSize>("size");
+        for (const Picture &picture : pictures) {
+            const QString path = QString::fromLatin1(picture.path);
+            const QSize size(picture.width, picture.height);
+            QTest::newRow(picture.path) << path << size;
+            if (picture.hasHover)
+                QTest::newRow(qPrintable(path + " hover"_s)) << path + "_hover"_s << size;
+        }
+    }
+
+    void pictureIsThereInBothSizes()
+    {
+        QFETCH(QString, path);
+        QFETCH(QSize, size);
+        const QImage normal = loaded(path, ".png");
+        const QImage doubled = loaded(path, "@2x.png");
+        QCOMPARE(normal.size(), size);
+        QCOMPARE(doubled.size(), size * 2);
+        QVERIFY(visiblePixels(normal) > 0);
+        QVERIFY(visiblePixels(doubled) > visiblePixels(normal));
+    }
+
+    void hoverFormHasItsOwnColour_data()
+    {
+        QTest::addColumn<QString>("path");
+        for (const Picture &picture : pictures) {
+            if (picture.hasHover)
+                QTest::newRow(picture.path) << QString::fromLatin1(picture.path);
+        }
+    }
+
+    void hoverFormHasItsOwnColour()
+    {
+        QFETCH(QString, path);
+        const QColor normal = inkColour(loaded(path, "@2x.png"));
+        const QColor hovered = inkColour(loaded(path, "_hover@2x.png"));
+        QVERIFY(normal.isValid());
+        QVERIFY(hovered.isValid());
+        const int difference = qAbs(normal.red() - hovered.red()) +
+                               qAbs(normal.green() - hovered.green()) +
+                               qAbs(normal.blue() - hovered.blue());
+        constexpr int noticeable = 30;
+        QVERIFY2(difference >= noticeable, qPrintable(QString::number(difference)));
+    }
+
+    void everyPictureIsListed()
+    {
+        QSet<QString> listed;
+        for (const Picture &picture : pictures) {
+            listed.insert(QString::fromLatin1(picture.path));
+            if (picture.hasHover)
+                listed.insert(QString::fromLatin1(picture.path) + "_hover"_s);
+        }
+        static const QRegularExpression ending("(@2x)?\\.png$"_s);
+        QSet<QString> found;
+        for (const char *folder :
+             {"mainwidget", "roster", "calendar", "player", "login", "icons"}) {
+            QDirIterator files(":/"_s + QLatin1String(folder), {"*.png"_s}, QDir::Files,
+                               QDirIterator::Subdirectories);
+            while (files.hasNext())
+                found.insert(files.next().mid(2).remove(ending));
+        }
+        QCOMPARE(found - listed, QSet<QString>());
+        QCOMPARE(listed - found, QSet<QString>());
+    }
+
+    void namedPictureIsThere_data()
+    {
+        QTest::addColumn<QString>("path");
+        const QList<Mention> all = mentions();
+        QVERIFY(!all.isEmpty());
+        for (const Mention &mention : all)
+            QTest::newRow(qPrintable(mention.file + ": "_s + mention.path)) << mention.path;
+    }
+
+    void namedPictureIsThere()
+    {
+        QFETCH(QString, path);
+        QVERIFY(!loaded(path, ".png").isNull());
+    }
+
+    void hoverRuleNamesTheHoverForm_data()
+    {
+        QTest::addColumn<QString>("path");
+        const QList<Mention> all = mentions();
+        for (const Mention &mention : all) {
+            if (mention.isHoverRule)
+                QTest::newRow(qPrintable(mention.file + ": "_s + mention.path)) << mention.path;
+        }
+    }
+
+    void hoverRuleNamesTheHoverForm()
+    {
+        QFETCH(QString, path);
+        QVERIFY(path.endsWith("_hover"_s));
+    }
+
+    /// A hover form that nothing names is one that some button lacks.
+    void everyPictureIsNamedSomewhere()
+    {
+        QSet<QString> unnamed;
+        for (const Picture &picture : pictures) {
+            unnamed.insert(QString::fromLatin1(picture.path));
+            if (picture.hasHover)
+                unnamed.insert(QString::fromLatin1(picture.path) + "_hover"_s);
+        }
+        const QList<Mention> all = mentions();
+        for (const Mention &mention : all)
+            unnamed.remove(mention.path);
+        QCOMPARE(unnamed, QSet<QString>());
+    }
+
+    void rootPathWithTwoSlashesResolves()
+    {
+        QCOMPARE(QImage("://icons/zorvane-client.png"_s).size(), QSize(128, 128));
+        QCOMPARE(QImage(":icons/selection-start.png"_s).size(), QSize(11, 30));
+    }
+
+    void fontsAreOfTheFamily_data()
+    {
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("family");
+        for (const char *file : {"PTS55F", "PTS56F", "PTS75F", "PTS76F"})
+            QTest::newRow(file) << file << "PT Sans";
+        for (const char *file : {"PTC55F", "PTC75F"})
+            QTest::newRow(file) << file << "PT Sans Caption";
+        for (const char *file : {"PTN57F", "PTN77F"})
+            QTest::newRow(file) << file << "PT Sans Narrow";
+    }
+
+    void fontsAreOfTheFamily()
+    {
+        QFETCH(QString, file);
+        QFETCH(QString, family);
+        const int font = QFontDatabase::addApplicationFont(":/login/fonts/%1.ttf"_s.arg(file));
+        QVERIFY(font >= 0);
+        QCOMPARE(QFontDatabase::applicationFontFamilies(font), QStringList(family));
+    }
 };
-
-void ResourcesTest::pictureIsThereInBothSizes_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QSize>("size");
-    for (const Picture &picture : pictures) {
-        const QString path = QString::fromLatin1(picture.path);
-        const QSize size(picture.width, picture.height);
-        QTest::newRow(picture.path) << path << size;
-        if (picture.hasHover)
-            QTest::newRow(qPrintable(path + QStringLiteral(" hover")))
-                << path + QStringLiteral("_hover") << size;
-    }
-}
-
-void ResourcesTest::pictureIsThereInBothSizes()
-{
-    QFETCH(QString, path);
-    QFETCH(QSize, size);
-    const QImage normal = loaded(path, ".png");
-    const QImage doubled = loaded(path, "@2x.png");
-    QCOMPARE(normal.size(), size);
-    QCOMPARE(doubled.size(), size * 2);
-    QVERIFY(visiblePixels(normal) > 0);
-    QVERIFY(visiblePixels(doubled) > visiblePixels(normal));
-}
-
-void ResourcesTest::hoverFormHasItsOwnColour_data()
-{
-    QTest::addColumn<QString>("path");
-    for (const Picture &picture : pictures) {
-        if (picture.hasHover)
-            QTest::newRow(picture.path) << QString::fromLatin1(picture.path);
-    }
-}
-
-void ResourcesTest::hoverFormHasItsOwnColour()
-{
-    QFETCH(QString, path);
-    const QColor normal = inkColour(loaded(path, "@2x.png"));
-    const QColor hovered = inkColour(loaded(path, "_hover@2x.png"));
-    QVERIFY(normal.isValid());
-    QVERIFY(hovered.isValid());
-    const int difference = qAbs(normal.red() - hovered.red()) +
-                           qAbs(normal.green() - hovered.green()) +
-                           qAbs(normal.blue() - hovered.blue());
-    constexpr int noticeable = 30;
-    QVERIFY2(difference >= noticeable, qPrintable(QString::number(difference)));
-}
-
-void ResourcesTest::everyPictureIsListed()
-{
-    QSet<QString> listed;
-    for (const Picture &picture : pictures) {
-        listed.insert(QString::fromLatin1(picture.path));
-        if (picture.hasHover)
-            listed.insert(QString::fromLatin1(picture.path) + QStringLiteral("_hover"));
-    }
-    static const QRegularExpression ending(QStringLiteral("(@2x)?\\.png$"));
-    QSet<QString> found;
-    for (const char *folder : {"mainwidget", "roster", "calendar", "player", "login", "icons"}) {
-        QDirIterator files(QStringLiteral(":/") + QLatin1String(folder), {QStringLiteral("*.png")},
-                           QDir::Files, QDirIterator::Subdirectories);
-        while (files.hasNext())
-            found.insert(files.next().mid(2).remove(ending));
-    }
-    QCOMPARE(found - listed, QSet<QString>());
-    QCOMPARE(listed - found, QSet<QString>());
-}
-
-void ResourcesTest::namedPictureIsThere_data()
-{
-    QTest::addColumn<QString>("path");
-    const QList<Mention> all = mentions();
-    QVERIFY(!all.isEmpty());
-    for (const Mention &mention : all)
-        QTest::newRow(qPrintable(mention.file + QStringLiteral(": ") + mention.path))
-            << mention.path;
-}
-
-void ResourcesTest::namedPictureIsThere()
-{
-    QFETCH(QString, path);
-    QVERIFY(!loaded(path, ".png").isNull());
-}
-
-void ResourcesTest::hoverRuleNamesTheHoverForm_data()
-{
-    QTest::addColumn<QString>("path");
-    const QList<Mention> all = mentions();
-    for (const Mention &mention : all) {
-        if (mention.isHoverRule)
-            QTest::newRow(qPrintable(mention.file + QStringLiteral(": ") + mention.path))
-                << mention.path;
-    }
-}
-
-void ResourcesTest::hoverRuleNamesTheHoverForm()
-{
-    QFETCH(QString, path);
-    QVERIFY(path.endsWith(QLatin1String("_hover")));
-}
-
-/// A hover form that nothing names is one that some button lacks.
-void ResourcesTest::everyPictureIsNamedSomewhere()
-{
-    QSet<QString> unnamed;
-    for (const Picture &picture : pictures) {
-        unnamed.insert(QString::fromLatin1(picture.path));
-        if (picture.hasHover)
-            unnamed.insert(QString::fromLatin1(picture.path) + QStringLiteral("_hover"));
-    }
-    const QList<Mention> all = mentions();
-    for (const Mention &mention : all)
-        unnamed.remove(mention.path);
-    QCOMPARE(unnamed, QSet<QString>());
-}
-
-void ResourcesTest::rootPathWithTwoSlashesResolves()
-{
-    QCOMPARE(QImage(QStringLiteral("://icons/zorvane-client.png")).size(), QSize(128, 128));
-    QCOMPARE(QImage(QStringLiteral(":icons/selection-start.png")).size(), QSize(11, 30));
-}
-
-void ResourcesTest::fontsAreOfTheFamily_data()
-{
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("family");
-    for (const char *file : {"PTS55F", "PTS56F", "PTS75F", "PTS76F"})
-        QTest::newRow(file) << file << "PT Sans";
-    for (const char *file : {"PTC55F", "PTC75F"})
-        QTest::newRow(file) << file << "PT Sans Caption";
-    for (const char *file : {"PTN57F", "PTN77F"})
-        QTest::newRow(file) << file << "PT Sans Narrow";
-}
-
-void ResourcesTest::fontsAreOfTheFamily()
-{
-    QFETCH(QString, file);
-    QFETCH(QString, family);
-    const int font =
-        QFontDatabase::addApplicationFont(QStringLiteral(":/login/fonts/%1.ttf").arg(file));
-    QVERIFY(font >= 0);
-    QCOMPARE(QFontDatabase::applicationFontFamilies(font), QStringList(family));
-}
 
 QTEST_MAIN(ResourcesTest)
 #include "ResourcesTest.moc"

@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tests/GUI/RosterWorld.h"
 
-#include <QAbstractEventDispatcher>
-#include <QDrag>
-#include <QLabel>
-#include <QMouseEvent>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "App/Environment.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 void stopClockAt(double seconds)
 {
@@ -86,5 +81,4 @@ QDrag *dragFrom(QWidget *widget, const QPoint &from, const QPoint &to)
     return nullptr;
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

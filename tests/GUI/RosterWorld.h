@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QString>
-
-#include <chrono>
+#include "tests/support/Test.h"
 
 #include "tests/support/Roster.h"
 
@@ -11,8 +9,7 @@ class QDrag;
 class QLabel;
 class QWidget;
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// The wall clock stands still at `seconds` after a fixed moment.
 void stopClockAt(double seconds);
@@ -30,5 +27,4 @@ QImage resourcePicture(const QString &path);
 /// and gives the drag that started, if one did. The button stays down.
 QDrag *dragFrom(QWidget *widget, const QPoint &from, const QPoint &to);
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

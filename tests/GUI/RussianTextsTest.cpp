@@ -1,20 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The program as it starts with the Russian language: what it shows, and that it fits.
-#include <QAction>
-#include <QCheckBox>
-#include <QDateEdit>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QMessageBox>
-#include <QMetaProperty>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QStackedWidget>
-#include <QtTest>
-
-#include <functional>
+#include "tests/support/Test.h"
 
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
@@ -36,42 +22,19 @@
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/Roster.h"
 
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
-
 using Look = std::function<void(QWidget *)>;
 /// Shows a window to a look at it, and takes it away.
 using Scene = std::function<void(const Look &)>;
 Q_DECLARE_METATYPE(Scene)
 
-class RussianTextsTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void messagesAreTranslated_data();
-    void messagesAreTranslated();
-    void widgetsShowTheirText_data();
-    void widgetsShowTheirText();
-    void noEnglishIsLeft_data();
-    void noEnglishIsLeft();
-    void textsFit_data();
-    void textsFit();
-    void stateOfACameraIsASentence();
-    void dateKeepsItsFormat();
-    void standardButtonsAreRussian();
-    void englishComesBack();
-};
-
 namespace {
 
-const QString serverId = QStringLiteral("s1");
+const QString serverId = "s1"_s;
 
 API::LayoutPtr yardLayout()
 {
     const auto layout = API::LayoutPtr::create();
-    layout->setName(QStringLiteral("Двор"));
+    layout->setName("Двор"_s);
     layout->resize(2, 2);
     layout->setCamera(rosterCamera(serverId, 1), 0, 0, 1, 1);
     return layout;
@@ -95,10 +58,10 @@ void showMainWindow(const Look &look)
 
 void showSignIn(const Look &look)
 {
-    App::settings().setValue(QStringLiteral("proxy/useProxy"), true);
+    App::settings().setValue("proxy/useProxy"_s, true);
     GUI::LoginDialog dialog;
     dialog.show();
-    App::settings().setValue(QStringLiteral("proxy/useProxy"), false);
+    App::settings().setValue("proxy/useProxy"_s, false);
     look(&dialog);
 }
 
@@ -217,219 +180,219 @@ void collectClipped(const QWidget *window, QSet<QString> *clipped, QSet<QString>
 
 QString joined(const QSet<QString> &texts)
 {
-    return QStringList(texts.values()).join(QStringLiteral("; "));
+    return QStringList(texts.values()).join("; "_s);
 }
 
 } // namespace
 
-void RussianTextsTest::initTestCase()
+class RussianTextsTest : public QObject
 {
-    App::ServiceProfile profile;
-    profile.apiHost = profile.streamingHost = QStringLiteral("127.0.0.1");
-    profile.apiPort = profile.streamingPort = MisbehavingServer::deadPort();
-    App::ServiceProfile::setCurrent(profile);
-    WorldServer cloud;
-    cloud.id = serverId;
-    cloud.alias = QStringLiteral("Склад");
-    cloud.cameras = {{1, QStringLiteral("Ворота"), false, false}};
-    WorldServer bare;
-    bare.id = QStringLiteral("s2");
-    bare.alias = QStringLiteral("Пусто");
-    bare.online = false;
-    setWorld({cloud, bare});
-    API::CloudAPIClient().addLayout(yardLayout());
-    API::CloudAPIClient().addLocalServer(API::LocalServerPtr::create(
-        QStringLiteral("Дача"), profile.apiHost, profile.apiPort, QString()));
-}
+    Q_OBJECT
 
-void RussianTextsTest::messagesAreTranslated_data()
-{
-    QTest::addColumn<QByteArray>("context");
-    QTest::addColumn<QByteArray>("source");
-    QTest::addColumn<QString>("text");
-    const auto row = [](const char *context, const char *source, const char *text) {
-        QTest::addRow("%s of %s", source, context)
-            << QByteArray(context) << QByteArray(source) << QString::fromUtf8(text);
-    };
-    const char *const camera = "ZorvaneClient::API::Camera";
-    row(camera, " is ", " ");
-    row(camera, "Camera ", "Камера ");
-    row(camera, "not paid for", "не оплачена");
-    row(camera, "offline", "не подключена");
-    row("ZorvaneClient::API::Layout", "Untitled Layout", "Новая Раскладка");
-    const char *const grid = "ZorvaneClient::GUI::LayoutWidget";
-    row(grid, "Record saved.", "Экспорт завершен.");
-    row(grid, "Snapshot saved.", "Кадр сохранен.");
-    const char *const window = "ZorvaneClient::GUI::MainWindow";
-    row(window, "Archive is not shared", "Нет доступа к архиву");
-    row(window, "The layout has been modified.", "Раскладка была изменена.");
-    const char *const tile = "ZorvaneClient::GUI::Player::VideoWidget";
-    row(tile, "Archive is not shared", "Нет доступа к архиву");
-    row(tile, "Live is not shared", "Видео недоступно");
-    row(tile, "No records", "Нет записей");
-    row(tile, "No video available", "Видео недоступно");
-    const char *const settings = "ZorvaneClient::GUI::SettingsWidget";
-    row(settings, "%1 %2 version is available. Would you like to download it now?",
-        "Доступна версия %1 %2. Желаете загрузить её сейчас?");
-    const char *const timeline = "ZorvaneClient::GUI::Timeline";
-    row(timeline, "Archive is not shared", "Нет доступа к архиву");
-    row(timeline, "No records", "Нет записей");
-    row(timeline, "Cannot load records", "Не удалось загрузить записи");
-    row(timeline, "Loading records...", "Загрузка записей...");
-    row("QObject", "Search for layouts...", "Искать раскладки...");
-    const char *const signIn = "ZorvaneClient::GUI::LoginDialog";
-    row(signIn, "/?target=password-recover&lang=en", "/?target=password-recover&lang=ru");
-    row(signIn, "/?target=sign_up&lang=en", "/?target=sign_up&lang=ru");
-    row("VideoPlaceholder", "Drop a camera here", "Перетащите камеру в ячейку");
-    row("ToolBar", "Form", "Form");
-    row("SettingsWidget", "English", "English");
-    row("ArchiveControlPanel", "MMM dd", "MMM dd");
-    row("QObject", "Zorvane", "Zorvane");
-}
-
-void RussianTextsTest::messagesAreTranslated()
-{
-    QFETCH(QByteArray, context);
-    QFETCH(QByteArray, source);
-    QFETCH(QString, text);
-    QCOMPARE(QCoreApplication::translate(context, source), text);
-}
-
-void RussianTextsTest::widgetsShowTheirText_data()
-{
-    QTest::addColumn<Scene>("scene");
-    QTest::addColumn<QString>("object");
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QString>("text");
-    Scene scene = showSignIn;
-    const auto row = [&scene](const char *object, const char *property, const char *text) {
-        QTest::addRow("%s, %s", object, property)
-            << scene << QString::fromLatin1(object) << QByteArray(property)
-            << QString::fromUtf8(text);
-    };
-    row("remindButton", "text", "Напомнить пароль");
-    row("signInButton", "text", "Войти");
-    row("signUpButton", "text", "Регистрация");
-    row("wrongEmailPassLbl", "text", "Неправильный email или пароль");
-    scene = showMainWindow;
-    row("layoutsButton", "toolTip", "Раскладки");
-    row("searchEdit", "placeholderText", "Искать камеры...");
-    row("serverOfflineImage", "toolTip", "Сервер не подключен");
-    row("restartNotice", "text", "Перезапустите приложение для применения настроек");
-    row("saveLayoutButton", "text", "Сохранить");
-    row("showRecordsButton", "toolTip", "Показать записи");
-    row("selectFragmentLabel", "text", "Выберите участок для экспорта");
-    row("actionClone_window", "text", "Открыть новое окно");
-    row("closeButton", "toolTip", "Закрыть камеру");
-    scene = dialogScene([] { GUI::LocalServerDialog::addServer(nullptr); });
-    row("showPassword", "text", "Показать пароль");
-    scene = dialogScene([] { GUI::CameraSettingsDialog::editCamera(rosterCamera(serverId, 1)); });
-    row("mirrorBox", "text", "Зеркальное отражение");
-}
-
-void RussianTextsTest::widgetsShowTheirText()
-{
-    QFETCH(Scene, scene);
-    QFETCH(QString, object);
-    QFETCH(QByteArray, property);
-    QFETCH(QString, text);
-    QString shown;
-    scene([&](const QWidget *window) {
-        if (const auto *part = window->findChild<QObject *>(object))
-            shown = part->property(property).toString();
-    });
-    QCOMPARE(shown, text);
-}
-
-void RussianTextsTest::noEnglishIsLeft_data()
-{
-    addScenes();
-}
-
-void RussianTextsTest::noEnglishIsLeft()
-{
-    QFETCH(Scene, scene);
-    QSet<QString> english;
-    QSet<QString> russian;
-    const Catalogue catalogue = russianCatalogue();
-    for (const CatalogueMessage &message : catalogue) {
-        if (message.isTranslated()) {
-            english.insert(message.source);
-            russian.insert(message.translation);
-        }
+private slots:
+    void initTestCase()
+    {
+        App::ServiceProfile profile;
+        profile.apiHost = profile.streamingHost = "127.0.0.1"_s;
+        profile.apiPort = profile.streamingPort = MisbehavingServer::deadPort();
+        App::ServiceProfile::setCurrent(profile);
+        WorldServer cloud;
+        cloud.id = serverId;
+        cloud.alias = "Склад"_s;
+        cloud.cameras = {{1, "Ворота"_s, false, false}};
+        WorldServer bare;
+        bare.id = "s2"_s;
+        bare.alias = "Пусто"_s;
+        bare.online = false;
+        setWorld({cloud, bare});
+        API::CloudAPIClient().addLayout(yardLayout());
+        API::CloudAPIClient().addLocalServer(
+            API::LocalServerPtr::create("Дача"_s, profile.apiHost, profile.apiPort, QString()));
     }
-    QSet<QString> left;
-    int translated = 0;
-    scene([&](const QWidget *window) {
-        visitTexts(window, [&](const QObject *part, const char *property, const QString &text) {
-            if (english.contains(text))
-                left.insert(nameOf(part) + QLatin1Char('.') + QLatin1String(property));
-            if (russian.contains(text))
-                ++translated;
+
+    void messagesAreTranslated_data()
+    {
+        QTest::addColumn<QByteArray>("context");
+        QTest::addColumn<QByteArray>("source");
+        QTest::addColumn<QString>("text");
+        const auto row = [](const char *context, const char *source, const char *text) {
+            QTest::addRow("%s of %s", source, context)
+                << QByteArray(context) << QByteArray(source) << QString::fromUtf8(text);
+        };
+        const char *const camera = "ZorvaneClient::API::Camera";
+        row(camera, " is ", " ");
+        row(camera, "Camera ", "Камера ");
+        row(camera, "not paid for", "не оплачена");
+        row(camera, "offline", "не подключена");
+        row("ZorvaneClient::API::Layout", "Untitled Layout", "Новая Раскладка");
+        const char *const grid = "ZorvaneClient::GUI::LayoutWidget";
+        row(grid, "Record saved.", "Экспорт завершен.");
+        row(grid, "Snapshot saved.", "Кадр сохранен.");
+        const char *const window = "ZorvaneClient::GUI::MainWindow";
+        row(window, "Archive is not shared", "Нет доступа к архиву");
+        row(window, "The layout has been modified.", "Раскладка была изменена.");
+        const char *const tile = "ZorvaneClient::GUI::Player::VideoWidget";
+        row(tile, "Archive is not shared", "Нет доступа к архиву");
+        row(tile, "Live is not shared", "Видео недоступно");
+        row(tile, "No records", "Нет записей");
+        row(tile, "No video available", "Видео недоступно");
+        const char *const settings = "ZorvaneClient::GUI::SettingsWidget";
+        row(settings, "%1 %2 version is available. Would you like to download it now?",
+            "Доступна версия %1 %2. Желаете загрузить её сейчас?");
+        const char *const timeline = "ZorvaneClient::GUI::Timeline";
+        row(timeline, "Archive is not shared", "Нет доступа к архиву");
+        row(timeline, "No records", "Нет записей");
+        row(timeline, "Cannot load records", "Не удалось загрузить записи");
+        row(timeline, "Loading records...", "Загрузка записей...");
+        row("QObject", "Search for layouts...", "Искать раскладки...");
+        const char *const signIn = "ZorvaneClient::GUI::LoginDialog";
+        row(signIn, "/?target=password-recover&lang=en", "/?target=password-recover&lang=ru");
+        row(signIn, "/?target=sign_up&lang=en", "/?target=sign_up&lang=ru");
+        row("VideoPlaceholder", "Drop a camera here", "Перетащите камеру в ячейку");
+        row("ToolBar", "Form", "Form");
+        row("SettingsWidget", "English", "English");
+        row("ArchiveControlPanel", "MMM dd", "MMM dd");
+        row("QObject", "Zorvane", "Zorvane");
+    }
+
+    void messagesAreTranslated()
+    {
+        QFETCH(QByteArray, context);
+        QFETCH(QByteArray, source);
+        QFETCH(QString, text);
+        QCOMPARE(QCoreApplication::translate(context, source), text);
+    }
+
+    void widgetsShowTheirText_data()
+    {
+        QTest::addColumn<Scene>("scene");
+        QTest::addColumn<QString>("object");
+        QTest::addColumn<QByteArray>("property");
+        QTest::addColumn<QString>("text");
+        Scene scene = showSignIn;
+        const auto row = [&scene](const char *object, const char *property, const char *text) {
+            QTest::addRow("%s, %s", object, property)
+                << scene << QString::fromLatin1(object) << QByteArray(property)
+                << QString::fromUtf8(text);
+        };
+        row("remindButton", "text", "Напомнить пароль");
+        row("signInButton", "text", "Войти");
+        row("signUpButton", "text", "Регистрация");
+        row("wrongEmailPassLbl", "text", "Неправильный email или пароль");
+        scene = showMainWindow;
+        row("layoutsButton", "toolTip", "Раскладки");
+        row("searchEdit", "placeholderText", "Искать камеры...");
+        row("serverOfflineImage", "toolTip", "Сервер не подключен");
+        row("restartNotice", "text", "Перезапустите приложение для применения настроек");
+        row("saveLayoutButton", "text", "Сохранить");
+        row("showRecordsButton", "toolTip", "Показать записи");
+        row("selectFragmentLabel", "text", "Выберите участок для экспорта");
+        row("actionClone_window", "text", "Открыть новое окно");
+        row("closeButton", "toolTip", "Закрыть камеру");
+        scene = dialogScene([] { GUI::LocalServerDialog::addServer(nullptr); });
+        row("showPassword", "text", "Показать пароль");
+        scene =
+            dialogScene([] { GUI::CameraSettingsDialog::editCamera(rosterCamera(serverId, 1)); });
+        row("mirrorBox", "text", "Зеркальное отражение");
+    }
+
+    void widgetsShowTheirText()
+    {
+        QFETCH(Scene, scene);
+        QFETCH(QString, object);
+        QFETCH(QByteArray, property);
+        QFETCH(QString, text);
+        QString shown;
+        scene([&](const QWidget *window) {
+            if (const auto *part = window->findChild<QObject *>(object))
+                shown = part->property(property).toString();
         });
-    });
-    QVERIFY2(left.isEmpty(), qPrintable(joined(left)));
-    QVERIFY(translated > 0);
-}
+        QCOMPARE(shown, text);
+    }
 
-void RussianTextsTest::textsFit_data()
-{
-    addScenes();
-}
+    void noEnglishIsLeft_data() { addScenes(); }
 
-void RussianTextsTest::textsFit()
-{
-    QFETCH(Scene, scene);
-    QFETCH(QStringList, parts);
-    QSet<QString> clipped;
-    QSet<QString> seen;
-    scene([&](QWidget *window) {
-        visitPages(window, [&] { collectClipped(window, &clipped, &seen); });
-    });
-    QVERIFY2(clipped.isEmpty(), qPrintable(joined(clipped)));
-    for (const QString &part : qAsConst(parts))
-        QVERIFY2(seen.contains(part), qPrintable(part));
-}
+    void noEnglishIsLeft()
+    {
+        QFETCH(Scene, scene);
+        QSet<QString> english;
+        QSet<QString> russian;
+        const Catalogue catalogue = russianCatalogue();
+        for (const CatalogueMessage &message : catalogue) {
+            if (message.isTranslated()) {
+                english.insert(message.source);
+                russian.insert(message.translation);
+            }
+        }
+        QSet<QString> left;
+        int translated = 0;
+        scene([&](const QWidget *window) {
+            visitTexts(window, [&](const QObject *part, const char *property, const QString &text) {
+                if (english.contains(text))
+                    left.insert(nameOf(part) + QLatin1Char('.') + QLatin1String(property));
+                if (russian.contains(text))
+                    ++translated;
+            });
+        });
+        QVERIFY2(left.isEmpty(), qPrintable(joined(left)));
+        QVERIFY(translated > 0);
+    }
 
-void RussianTextsTest::stateOfACameraIsASentence()
-{
-    QCOMPARE(rosterCamera(serverId, 1)->statusText(),
-             QStringLiteral("Камера Ворота не оплачена и не подключена"));
-}
+    void textsFit_data() { addScenes(); }
 
-void RussianTextsTest::dateKeepsItsFormat()
-{
-    showMainWindow([](const QWidget *window) {
-        QCOMPARE(window->findChild<QDateEdit *>(QStringLiteral("dateEdit"))->displayFormat(),
-                 QStringLiteral("MMM dd"));
-    });
-}
+    void textsFit()
+    {
+        QFETCH(Scene, scene);
+        QFETCH(QStringList, parts);
+        QSet<QString> clipped;
+        QSet<QString> seen;
+        scene([&](QWidget *window) {
+            visitPages(window, [&] { collectClipped(window, &clipped, &seen); });
+        });
+        QVERIFY2(clipped.isEmpty(), qPrintable(joined(clipped)));
+        for (const QString &part : qAsConst(parts))
+            QVERIFY2(seen.contains(part), qPrintable(part));
+    }
 
-void RussianTextsTest::standardButtonsAreRussian()
-{
-    QMessageBox box;
-    box.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
-    QStringList texts;
-    for (const auto which : {QMessageBox::Save, QMessageBox::Discard, QMessageBox::Cancel})
-        texts.append(box.button(which)->text().remove(QLatin1Char('&')));
-    QCOMPARE(texts, (QStringList{"Сохранить", "Отклонить", "Отмена"}));
-}
+    void stateOfACameraIsASentence()
+    {
+        QCOMPARE(rosterCamera(serverId, 1)->statusText(),
+                 "Камера Ворота не оплачена и не подключена"_s);
+    }
 
-void RussianTextsTest::englishComesBack()
-{
-    auto *application = qobject_cast<App::Application *>(qApp);
-    application->translate(QStringLiteral("en"));
-    const QMessageBox box(QMessageBox::NoIcon, QString(), QString(), QMessageBox::Cancel);
-    const QString toolkitText = box.button(QMessageBox::Cancel)->text();
-    const QString ownText = QCoreApplication::translate("ToolBar", "Layouts");
-    application->translate(QStringLiteral("ru"));
-    QCOMPARE(toolkitText, QStringLiteral("Cancel"));
-    QCOMPARE(ownText, QStringLiteral("Layouts"));
-}
+    void dateKeepsItsFormat()
+    {
+        showMainWindow([](const QWidget *window) {
+            QCOMPARE(window->findChild<QDateEdit *>("dateEdit"_s)->displayFormat(), "MMM dd"_s);
+        });
+    }
+
+    void standardButtonsAreRussian()
+    {
+        QMessageBox box;
+        box.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+        QStringList texts;
+        for (const auto which : {QMessageBox::Save, QMessageBox::Discard, QMessageBox::Cancel})
+            texts.append(box.button(which)->text().remove(QLatin1Char('&')));
+        QCOMPARE(texts, (QStringList{"Сохранить", "Отклонить", "Отмена"}));
+    }
+
+    void englishComesBack()
+    {
+        auto *application = qobject_cast<App::Application *>(qApp);
+        application->translate("en"_s);
+        const QMessageBox box(QMessageBox::NoIcon, QString(), QString(), QMessageBox::Cancel);
+        const QString toolkitText = box.button(QMessageBox::Cancel)->text();
+        const QString ownText = QCoreApplication::translate("ToolBar", "Layouts");
+        application->translate("ru"_s);
+        QCOMPARE(toolkitText, "Cancel"_s);
+        QCOMPARE(ownText, "Layouts"_s);
+    }
+};
 
 int main(int argc, char *argv[])
 {
-    App::settings().setValue(QStringLiteral("common/language"), QStringLiteral("ru"));
+    App::settings().setValue("common/language"_s, "ru"_s);
     App::Application application(argc, argv);
     application.setStyleSheet(App::Application::globalStyleSheet());
     RussianTextsTest test;

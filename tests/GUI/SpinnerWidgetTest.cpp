@@ -1,9 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <QAbstractEventDispatcher>
-#include <QElapsedTimer>
-#include <QImage>
-#include <QtMath>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "GUI/SpinnerWidget.h"
 
@@ -86,125 +82,110 @@ class SpinnerWidgetTest : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-    void isHiddenUnlessItTurns();
-    void turnsClockwiseByTwentyDegrees_data();
-    void turnsClockwiseByTwentyDegrees();
-    void turnTakesNineTenthsOfASecond();
-    void secondStartChangesNothing();
-    void newStartBeginsAtTheTop();
-    void paintsColorAndWidth();
+    void init()
+    {
+        window.reset(new QWidget);
+        spinner = new CountingSpinner(window.data());
+        spinner->resize(sidePixels, sidePixels);
+        spinner->setLineWidth(lineWidthPixels);
+        spinner->setAttribute(Qt::WA_NoSystemBackground);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window.data()));
+    }
+
+    void cleanup() { window.reset(); }
+
+    void isHiddenUnlessItTurns()
+    {
+        QVERIFY(!spinner->isVisible());
+        spinner->stop();
+        QVERIFY(!spinner->isVisible());
+        spinner->start();
+        QVERIFY(spinner->isVisible());
+        QCOMPARE(timersOf(spinner), 1);
+        spinner->stop();
+        QVERIFY(!spinner->isVisible());
+        QCOMPARE(timersOf(spinner), 0);
+    }
+
+    void turnsClockwiseByTwentyDegrees_data()
+    {
+        rows<int, int>({"steps", "head"}, {
+                                              {"start", 0, 90},
+                                              {"one step", 1, 70},
+                                              {"past three o'clock", 5, 350},
+                                              {"half a turn", 9, 270},
+                                              {"second turn", stepsOfATurn + 2, 50},
+                                          });
+    }
+
+    void turnsClockwiseByTwentyDegrees()
+    {
+        const auto [steps, head] = row<int, int>();
+        spinner->start();
+        runTo(steps);
+        const int painted = headOf(paintingOf(spinner));
+        QVERIFY2(degreesBetween(painted, head) <= headTolerance,
+                 qPrintable(QString::number(painted)));
+    }
+
+    void turnTakesNineTenthsOfASecond()
+    {
+        QElapsedTimer timer;
+        timer.start();
+        spinner->start();
+        runTo(stepsOfATurn);
+        // A coarse timer is at most 5 percent early.
+        QVERIFY2(timer.elapsed() >= 850, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    void secondStartChangesNothing()
+    {
+        spinner->start();
+        runTo(4);
+        spinner->start();
+        QCOMPARE(timersOf(spinner), 1);
+        QVERIFY(degreesBetween(headOf(paintingOf(spinner)), 10) <= headTolerance);
+    }
+
+    void newStartBeginsAtTheTop()
+    {
+        spinner->start();
+        runTo(4);
+        spinner->stop();
+        spinner->start();
+        QVERIFY(degreesBetween(headOf(paintingOf(spinner)), 90) <= headTolerance);
+    }
+
+    void paintsColorAndWidth()
+    {
+        spinner->setColor(QColor(255, 0, 0));
+        spinner->start();
+        spinner->lastStep = 0;
+        const QImage image = paintingOf(spinner);
+        // Straight up from the centre, a little after the head, where the colour is nearly full.
+        int inked = 0;
+        for (int radius = 0; radius < sidePixels / 2; ++radius) {
+            const QColor color = colorOnRing(image, 100, radius);
+            if (color.alpha() < 128)
+                continue;
+            ++inked;
+            QVERIFY(color.red() > 200);
+            QVERIFY(color.green() < 30);
+        }
+        QVERIFY2(qAbs(inked - lineWidthPixels) <= 1, qPrintable(QString::number(inked)));
+    }
 
 private:
-    void runTo(int step);
+    void runTo(int step)
+    {
+        spinner->lastStep = step;
+        QTRY_COMPARE(spinner->steps, step);
+    }
 
     QScopedPointer<QWidget> window;
     CountingSpinner *spinner = nullptr;
 };
-
-void SpinnerWidgetTest::init()
-{
-    window.reset(new QWidget);
-    spinner = new CountingSpinner(window.data());
-    spinner->resize(sidePixels, sidePixels);
-    spinner->setLineWidth(lineWidthPixels);
-    spinner->setAttribute(Qt::WA_NoSystemBackground);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.data()));
-}
-
-void SpinnerWidgetTest::cleanup()
-{
-    window.reset();
-}
-
-void SpinnerWidgetTest::runTo(int step)
-{
-    spinner->lastStep = step;
-    QTRY_COMPARE(spinner->steps, step);
-}
-
-void SpinnerWidgetTest::isHiddenUnlessItTurns()
-{
-    QVERIFY(!spinner->isVisible());
-    spinner->stop();
-    QVERIFY(!spinner->isVisible());
-    spinner->start();
-    QVERIFY(spinner->isVisible());
-    QCOMPARE(timersOf(spinner), 1);
-    spinner->stop();
-    QVERIFY(!spinner->isVisible());
-    QCOMPARE(timersOf(spinner), 0);
-}
-
-void SpinnerWidgetTest::turnsClockwiseByTwentyDegrees_data()
-{
-    QTest::addColumn<int>("steps");
-    QTest::addColumn<int>("head");
-    QTest::newRow("start") << 0 << 90;
-    QTest::newRow("one step") << 1 << 70;
-    QTest::newRow("past three o'clock") << 5 << 350;
-    QTest::newRow("half a turn") << 9 << 270;
-    QTest::newRow("second turn") << stepsOfATurn + 2 << 50;
-}
-
-void SpinnerWidgetTest::turnsClockwiseByTwentyDegrees()
-{
-    QFETCH(int, steps);
-    QFETCH(int, head);
-    spinner->start();
-    runTo(steps);
-    const int painted = headOf(paintingOf(spinner));
-    QVERIFY2(degreesBetween(painted, head) <= headTolerance, qPrintable(QString::number(painted)));
-}
-
-void SpinnerWidgetTest::turnTakesNineTenthsOfASecond()
-{
-    QElapsedTimer timer;
-    timer.start();
-    spinner->start();
-    runTo(stepsOfATurn);
-    // A coarse timer is at most 5 percent early.
-    QVERIFY2(timer.elapsed() >= 850, qPrintable(QString::number(timer.elapsed())));
-}
-
-void SpinnerWidgetTest::secondStartChangesNothing()
-{
-    spinner->start();
-    runTo(4);
-    spinner->start();
-    QCOMPARE(timersOf(spinner), 1);
-    QVERIFY(degreesBetween(headOf(paintingOf(spinner)), 10) <= headTolerance);
-}
-
-void SpinnerWidgetTest::newStartBeginsAtTheTop()
-{
-    spinner->start();
-    runTo(4);
-    spinner->stop();
-    spinner->start();
-    QVERIFY(degreesBetween(headOf(paintingOf(spinner)), 90) <= headTolerance);
-}
-
-void SpinnerWidgetTest::paintsColorAndWidth()
-{
-    spinner->setColor(QColor(255, 0, 0));
-    spinner->start();
-    spinner->lastStep = 0;
-    const QImage image = paintingOf(spinner);
-    // Straight up from the centre, a little after the head, where the colour is nearly full.
-    int inked = 0;
-    for (int radius = 0; radius < sidePixels / 2; ++radius) {
-        const QColor color = colorOnRing(image, 100, radius);
-        if (color.alpha() < 128)
-            continue;
-        ++inked;
-        QVERIFY(color.red() > 200);
-        QVERIFY(color.green() < 30);
-    }
-    QVERIFY2(qAbs(inked - lineWidthPixels) <= 1, qPrintable(QString::number(inked)));
-}
 
 QTEST_MAIN(SpinnerWidgetTest)
 #include "SpinnerWidgetTest.moc"

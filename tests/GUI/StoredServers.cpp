@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/GUI/StoredServers.h"
 
-#include <QFile>
-#include <QJsonDocument>
+#include "tests/support/Test.h"
 
 #include "API/CloudAPIClient.h"
 #include "API/LocalServer.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 QVariantList storedServers()
 {
@@ -26,5 +24,4 @@ void forgetServers()
     QFile::remove(rosterFile);
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

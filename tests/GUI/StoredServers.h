@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QString>
-#include <QVariantList>
+#include "tests/support/Test.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// Where the client keeps the LAN servers.
-const QString rosterFile = QStringLiteral("local_roster.txt");
+const QString rosterFile = "local_roster.txt"_s;
 
 /// What stands in that file; empty without one.
 QVariantList storedServers();
 /// Takes all LAN servers out of the roster, and the file away.
 void forgetServers();
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QDateTime>
-#include <QStringList>
+#include "tests/support/Test.h"
 
 #include "API/Camera.h"
 #include "GUI/TimelinePrivate.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 inline const QDate stripDay(2026, 3, 10);
 constexpr int thousandPixelScale = 1030;
@@ -18,8 +16,7 @@ inline QDateTime at(const QString &text)
 {
     const QStringList parts = text.split(QLatin1Char(' '));
     const int offset = parts.size() > 1 ? parts.first().toInt() : 0;
-    return QDateTime(stripDay.addDays(offset),
-                     QTime::fromString(parts.last(), QStringLiteral("h:mm:ss")));
+    return QDateTime(stripDay.addDays(offset), QTime::fromString(parts.last(), "h:mm:ss"_s));
 }
 
 /// A timeline of that width, and a state for it beside its own that a test can set.
@@ -52,5 +49,4 @@ struct TimelineStrip {
     }
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tests/companion/Clips.h"
 
-#include <QColor>
-#include <QImage>
+#include "tests/support/Test.h"
 
 #include <cmath>
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 namespace Clips {
 
 namespace {
@@ -19,7 +17,7 @@ constexpr int lumaStep = 2;
 
 QStringList source(const QString &graph)
 {
-    return {QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"), graph};
+    return {"-f"_s, "lavfi"_s, "-i"_s, graph};
 }
 
 QStringList words(const char *text)
@@ -29,7 +27,7 @@ QStringList words(const char *text)
 
 QStringList length(int milliseconds)
 {
-    return {QStringLiteral("-t"), QString::number(milliseconds / 1000.0)};
+    return {"-t"_s, QString::number(milliseconds / 1000.0)};
 }
 
 QStringList encoder(Codec codec)
@@ -47,12 +45,11 @@ QStringList encoder(Codec codec)
 
 QString quartersGraph(QSize size)
 {
-    return QStringLiteral("color=c=red:s=%1x%2:r=25,format=rgb24,"
-                          "drawbox=x=iw/2:y=0:w=iw:h=ih/2:c=lime:t=fill,"
-                          "drawbox=x=0:y=ih/2:w=iw/2:h=ih:c=blue:t=fill,"
-                          "drawbox=x=iw/2:y=ih/2:w=iw:h=ih:c=white:t=fill")
-        .arg(size.width())
-        .arg(size.height());
+    return "color=c=red:s=%1x%2:r=25,format=rgb24,"
+           "drawbox=x=iw/2:y=0:w=iw:h=ih/2:c=lime:t=fill,"
+           "drawbox=x=0:y=ih/2:w=iw/2:h=ih:c=blue:t=fill,"
+           "drawbox=x=iw/2:y=ih/2:w=iw:h=ih:c=white:t=fill"_s.arg(size.width())
+               .arg(size.height());
 }
 
 bool isNear(QColor a, QColor b)
@@ -67,16 +64,15 @@ bool isNear(QColor a, QColor b)
 FlvClip quarters(QSize size, int milliseconds, Codec codec, const QStringList &more)
 {
     const QStringList format =
-        more.contains(QStringLiteral("-pix_fmt")) ? QStringList() : words("-pix_fmt yuv420p");
+        more.contains("-pix_fmt"_s) ? QStringList() : words("-pix_fmt yuv420p");
     return FlvClip::make(source(quartersGraph(size)) + encoder(codec) + format + more +
                          length(milliseconds));
 }
 
 FlvClip counting(int milliseconds)
 {
-    const QString graph = QStringLiteral("color=c=black:s=160x96:r=25,format=yuv420p,"
-                                         "geq=lum=%1+%2*mod(N\\,%3):cb=128:cr=128")
-                              .arg(firstLuma)
+    const QString graph = "color=c=black:s=160x96:r=25,format=yuv420p,"
+                          "geq=lum=%1+%2*mod(N\\,%3):cb=128:cr=128"_s.arg(firstLuma)
                               .arg(lumaStep)
                               .arg(maxCount);
     return FlvClip::make(
@@ -88,21 +84,21 @@ FlvClip counting(int milliseconds)
 FlvClip withTone(int milliseconds, const QString &audioCodec)
 {
     return FlvClip::make(source(quartersGraph(QSize(160, 96))) +
-                         source(QStringLiteral("sine=frequency=440:sample_rate=44100")) +
-                         encoder(Codec::H264) + words("-pix_fmt yuv420p -ar 44100") +
-                         QStringList{QStringLiteral("-c:a"), audioCodec} + length(milliseconds));
+                         source("sine=frequency=440:sample_rate=44100"_s) + encoder(Codec::H264) +
+                         words("-pix_fmt yuv420p -ar 44100") + QStringList{"-c:a"_s, audioCodec} +
+                         length(milliseconds));
 }
 
 FlvClip toneOnly(int milliseconds)
 {
-    return FlvClip::make(source(QStringLiteral("sine=frequency=440:sample_rate=44100")) +
+    return FlvClip::make(source("sine=frequency=440:sample_rate=44100"_s) +
                          words("-ar 44100 -c:a libmp3lame") + length(milliseconds));
 }
 
 QString faultInQuarters(const QImage &picture)
 {
     if (picture.isNull())
-        return QStringLiteral("no picture");
+        return "no picture"_s;
     const struct {
         double x;
         double y;
@@ -116,16 +112,14 @@ QString faultInQuarters(const QImage &picture)
                            static_cast<int>(picture.height() * quarter.y));
         const QColor found = picture.pixelColor(point);
         if (!isNear(found, quarter.color)) {
-            return QStringLiteral("%1,%2 is %3 and not %4")
-                .arg(point.x())
-                .arg(point.y())
-                .arg(found.name(), quarter.color.name());
+            return "%1,%2 is %3 and not %4"_s.arg(point.x()).arg(point.y()).arg(
+                found.name(), quarter.color.name());
         }
     }
     for (int y = 0; y < picture.height(); ++y) {
         for (int x = 0; x < picture.width(); ++x) {
             if (qAlpha(picture.pixel(x, y)) != 255)
-                return QStringLiteral("alpha at %1,%2").arg(x).arg(y);
+                return "alpha at %1,%2"_s.arg(x).arg(y);
         }
     }
     return QString();
@@ -141,5 +135,4 @@ int countIn(const QImage &picture)
 }
 
 } // namespace Clips
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

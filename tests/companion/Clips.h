@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QSize>
+#include "tests/support/Test.h"
 
 #include "tests/support/FlvClip.h"
 
 class QImage;
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// Clips of 25 pictures a second that say what they show.
 namespace Clips {
@@ -32,5 +31,4 @@ int countIn(const QImage &picture);
 
 } // namespace Clips
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

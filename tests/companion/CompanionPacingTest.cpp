@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "tests/companion/Clips.h"
 #include "tests/support/PlayerProcess.h"
 #include "tests/support/StreamServer.h"
-
-using namespace ZorvaneClient::Tests;
 
 namespace {
 
@@ -49,7 +47,7 @@ QString faultInTimes(const PlayerProcess &player)
     const QList<int> values = times(player);
     for (int i = 1; i < values.size(); ++i) {
         if (values.at(i) < values.at(i - 1))
-            return QStringLiteral("%1 after %2").arg(values.at(i)).arg(values.at(i - 1));
+            return "%1 after %2"_s.arg(values.at(i)).arg(values.at(i - 1));
     }
     return QString();
 }
@@ -58,7 +56,7 @@ QString faultInTimes(const PlayerProcess &player)
 QString faultInLines(const PlayerProcess &player)
 {
     const QRegularExpression known(
-        QStringLiteral("^(frame|time [0-9]+|state [12367]|size [1-9][0-9]* [1-9][0-9]*)$"));
+        "^(frame|time [0-9]+|state [12367]|size [1-9][0-9]* [1-9][0-9]*)$"_s);
     for (const PlayerLine &line : player.lines()) {
         if (!known.match(QString::fromLatin1(line.text)).hasMatch())
             return QString::fromLatin1(line.text);
@@ -74,155 +72,143 @@ class CompanionPacingTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void playsInTheStreamsTime_data();
-    void playsInTheStreamsTime();
-    void fastArchiveIsThinnedOut();
-    void timeRunsBetweenSlowPictures();
-    void liveShowsTheNewest();
-    void liveInBundles();
-    void timestampsJump_data();
-    void timestampsJump();
+    void initTestCase()
+    {
+        counting = Clips::counting(4000);
+        QVERIFY(!counting.isEmpty());
+    }
+
+    void playsInTheStreamsTime_data()
+    {
+        rows<double, QByteArray, bool>(
+            {"serverSpeed", "path", "chunked"},
+            {
+                {"archive, all at once", 0.0, QByteArray("/flv/archive"), false},
+                {"live", 1.0, QByteArray("/flv/live?q=2"), false},
+            });
+    }
+
+    void playsInTheStreamsTime()
+    {
+        const auto [serverSpeed, path, chunked] = row<double, QByteArray, bool>();
+        StreamScript script;
+        script.clip = counting;
+        script.speed = serverSpeed;
+        script.chunked = chunked;
+        StreamServer server;
+        QVERIFY(server.start(script));
+        PlayerProcess player;
+        QVERIFY(player.start(server.url(path)));
+        QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+
+        const QList<int> expectedStates = {1, 2, 3, 6, 7};
+        QCOMPARE(player.states(), expectedStates);
+        QCOMPARE(player.exitCode(), 0);
+        QCOMPARE(player.lines().last().text, QByteArray("state 7"));
+        QCOMPARE(faultInLines(player), QString());
+        QCOMPARE(faultInTimes(player), QString());
+
+        const qint64 playing = player.timeOfState(6) - player.firstFrameTime();
+        QVERIFY2(playing > 3700, QByteArray::number(playing));
+        QVERIFY2(player.frames() > 50 && player.frames() <= 100,
+                 QByteArray::number(player.frames()));
+        QVERIFY2(player.lastTime() > 3700 && player.lastTime() < 4300,
+                 QByteArray::number(player.lastTime()));
+        QVERIFY2(times(player).size() >= 4 * 3.7, QByteArray::number(times(player).size()));
+    }
+
+    /// Sixteen seconds in one: more pictures than can be seen come no faster than a hundred a
+    /// second, and the time is the stream's own.
+    void fastArchiveIsThinnedOut()
+    {
+        StreamServer server;
+        QVERIFY(server.start(StreamScript::of(counting.repeated(4).faster(16), 0)));
+        PlayerProcess player;
+        QVERIFY(player.start(server.url("/flv/archive?speed=16")));
+        QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+        QCOMPARE(player.exitCode(), 0);
+        QVERIFY2(player.frames() > 5 && player.frames() <= 110,
+                 QByteArray::number(player.frames()));
+        QVERIFY2(player.lastTime() > 800 && player.lastTime() <= 1000,
+                 QByteArray::number(player.lastTime()));
+    }
+
+    void timeRunsBetweenSlowPictures()
+    {
+        StreamServer server;
+        QVERIFY(server.start(StreamScript::of(
+            FlvClip::make("-f lavfi -i testsrc=s=160x96:r=1 -t 4 -c:v libx264 "
+                          "-tune zerolatency -pix_fmt yuv420p"_s.split(QLatin1Char(' '))),
+            0)));
+        PlayerProcess player;
+        QVERIFY(player.start(server.url("/flv/archive")));
+        QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+        QCOMPARE(player.frames(), 4);
+        QVERIFY2(times(player).size() >= 12, QByteArray::number(times(player).size()));
+        QCOMPARE(faultInTimes(player), QString());
+    }
+
+    /// Servers begin with what they have kept since the last key frame or longer.
+    void liveShowsTheNewest()
+    {
+        StreamScript script;
+        script.clip = counting.repeated(15);
+        script.burst = 30'000;
+        StreamServer server;
+        QVERIFY(server.start(script));
+        PlayerProcess player;
+        QVERIFY(player.start(server.url("/flv/live")));
+        QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 10, deadline);
+        const int value = usualLatency(server, player);
+        QVERIFY2(value < 1000, QByteArray::number(value));
+        QVERIFY2(player.lastTime() <= player.elapsed(), "the client's clock runs ahead");
+        QCOMPARE(faultInTimes(player), QString());
+        QCOMPARE(faultInLines(player), QString());
+    }
+
+    /// A network that holds pictures back and brings several at once: all are shown, in their time.
+    void liveInBundles()
+    {
+        StreamScript script;
+        script.clip = counting;
+        script.bundle = 160;
+        StreamServer server;
+        QVERIFY(server.start(script));
+        PlayerProcess player;
+        QVERIFY(player.start(server.url("/flv/live")));
+        QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+        QVERIFY2(player.frames() > 80, QByteArray::number(player.frames()));
+        const qint64 playing = player.timeOfState(6) - player.firstFrameTime();
+        QVERIFY2(playing > 3500, QByteArray::number(playing));
+    }
+
+    void timestampsJump_data()
+    {
+        rows<int, int, int>({"gap", "leastTime", "mostTime"},
+                            {
+                                {"back", -3900, 7000, 8500},
+                                {"seven seconds ahead", 7000, 14'000, 15'500},
+                                {"an hour ahead", 3'600'000, 7000, 8500},
+                            });
+    }
+
+    void timestampsJump()
+    {
+        const auto [gap, leastTime, mostTime] = row<int, int, int>();
+        StreamServer server;
+        QVERIFY(server.start(StreamScript::of(counting.then(counting, gap), 0)));
+        PlayerProcess player;
+        QVERIFY(player.start(server.url("/flv/archive")));
+        QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
+        QCOMPARE(player.exitCode(), 0);
+        QCOMPARE(faultInTimes(player), QString());
+        QVERIFY2(player.lastTime() >= leastTime && player.lastTime() <= mostTime,
+                 QByteArray::number(player.lastTime()));
+    }
 
 private:
     FlvClip counting;
 };
-
-void CompanionPacingTest::initTestCase()
-{
-    counting = Clips::counting(4000);
-    QVERIFY(!counting.isEmpty());
-}
-
-void CompanionPacingTest::playsInTheStreamsTime_data()
-{
-    QTest::addColumn<double>("serverSpeed");
-    QTest::addColumn<QByteArray>("path");
-    QTest::addColumn<bool>("chunked");
-    QTest::newRow("archive, all at once") << 0.0 << QByteArray("/flv/archive") << false;
-    QTest::newRow("live") << 1.0 << QByteArray("/flv/live?q=2") << false;
-}
-
-void CompanionPacingTest::playsInTheStreamsTime()
-{
-    QFETCH(double, serverSpeed);
-    QFETCH(QByteArray, path);
-    QFETCH(bool, chunked);
-    StreamScript script;
-    script.clip = counting;
-    script.speed = serverSpeed;
-    script.chunked = chunked;
-    StreamServer server;
-    QVERIFY(server.start(script));
-    PlayerProcess player;
-    QVERIFY(player.start(server.url(path)));
-    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
-
-    const QList<int> expectedStates = {1, 2, 3, 6, 7};
-    QCOMPARE(player.states(), expectedStates);
-    QCOMPARE(player.exitCode(), 0);
-    QCOMPARE(player.lines().last().text, QByteArray("state 7"));
-    QCOMPARE(faultInLines(player), QString());
-    QCOMPARE(faultInTimes(player), QString());
-
-    const qint64 playing = player.timeOfState(6) - player.firstFrameTime();
-    QVERIFY2(playing > 3700, QByteArray::number(playing));
-    QVERIFY2(player.frames() > 50 && player.frames() <= 100, QByteArray::number(player.frames()));
-    QVERIFY2(player.lastTime() > 3700 && player.lastTime() < 4300,
-             QByteArray::number(player.lastTime()));
-    QVERIFY2(times(player).size() >= 4 * 3.7, QByteArray::number(times(player).size()));
-}
-
-/// Sixteen seconds in one: more pictures than can be seen come no faster than a hundred a
-/// second, and the time is the stream's own.
-void CompanionPacingTest::fastArchiveIsThinnedOut()
-{
-    StreamServer server;
-    QVERIFY(server.start(StreamScript::of(counting.repeated(4).faster(16), 0)));
-    PlayerProcess player;
-    QVERIFY(player.start(server.url("/flv/archive?speed=16")));
-    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
-    QCOMPARE(player.exitCode(), 0);
-    QVERIFY2(player.frames() > 5 && player.frames() <= 110, QByteArray::number(player.frames()));
-    QVERIFY2(player.lastTime() > 800 && player.lastTime() <= 1000,
-             QByteArray::number(player.lastTime()));
-}
-
-void CompanionPacingTest::timeRunsBetweenSlowPictures()
-{
-    StreamServer server;
-    QVERIFY(server.start(StreamScript::of(
-        FlvClip::make(QStringLiteral("-f lavfi -i testsrc=s=160x96:r=1 -t 4 -c:v libx264 "
-                                     "-tune zerolatency -pix_fmt yuv420p")
-                          .split(QLatin1Char(' '))),
-        0)));
-    PlayerProcess player;
-    QVERIFY(player.start(server.url("/flv/archive")));
-    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
-    QCOMPARE(player.frames(), 4);
-    QVERIFY2(times(player).size() >= 12, QByteArray::number(times(player).size()));
-    QCOMPARE(faultInTimes(player), QString());
-}
-
-/// Servers begin with what they have kept since the last key frame or longer.
-void CompanionPacingTest::liveShowsTheNewest()
-{
-    StreamScript script;
-    script.clip = counting.repeated(15);
-    script.burst = 30'000;
-    StreamServer server;
-    QVERIFY(server.start(script));
-    PlayerProcess player;
-    QVERIFY(player.start(server.url("/flv/live")));
-    QTRY_VERIFY_WITH_TIMEOUT(player.frames() > 10, deadline);
-    const int value = usualLatency(server, player);
-    QVERIFY2(value < 1000, QByteArray::number(value));
-    QVERIFY2(player.lastTime() <= player.elapsed(), "the client's clock runs ahead");
-    QCOMPARE(faultInTimes(player), QString());
-    QCOMPARE(faultInLines(player), QString());
-}
-
-/// A network that holds pictures back and brings several at once: all are shown, in their time.
-void CompanionPacingTest::liveInBundles()
-{
-    StreamScript script;
-    script.clip = counting;
-    script.bundle = 160;
-    StreamServer server;
-    QVERIFY(server.start(script));
-    PlayerProcess player;
-    QVERIFY(player.start(server.url("/flv/live")));
-    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
-    QVERIFY2(player.frames() > 80, QByteArray::number(player.frames()));
-    const qint64 playing = player.timeOfState(6) - player.firstFrameTime();
-    QVERIFY2(playing > 3500, QByteArray::number(playing));
-}
-
-void CompanionPacingTest::timestampsJump_data()
-{
-    QTest::addColumn<int>("gap");
-    QTest::addColumn<int>("leastTime");
-    QTest::addColumn<int>("mostTime");
-    QTest::newRow("back") << -3900 << 7000 << 8500;
-    QTest::newRow("seven seconds ahead") << 7000 << 14'000 << 15'500;
-    QTest::newRow("an hour ahead") << 3'600'000 << 7000 << 8500;
-}
-
-void CompanionPacingTest::timestampsJump()
-{
-    QFETCH(int, gap);
-    QFETCH(int, leastTime);
-    QFETCH(int, mostTime);
-    StreamServer server;
-    QVERIFY(server.start(StreamScript::of(counting.then(counting, gap), 0)));
-    PlayerProcess player;
-    QVERIFY(player.start(server.url("/flv/archive")));
-    QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), deadline);
-    QCOMPARE(player.exitCode(), 0);
-    QCOMPARE(faultInTimes(player), QString());
-    QVERIFY2(player.lastTime() >= leastTime && player.lastTime() <= mostTime,
-             QByteArray::number(player.lastTime()));
-}
 
 QTEST_GUILESS_MAIN(CompanionPacingTest)
 #include "CompanionPacingTest.moc"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include <optional>
 
@@ -14,44 +14,41 @@ class CompanionTimelineTest : public QObject
     Q_OBJECT
 
 private slots:
-    void places_data();
-    void places();
-};
-
-void CompanionTimelineTest::places_data()
-{
-    using List = QList<int>;
-    QTest::addColumn<List>("stamps");
-    QTest::addColumn<int>("silence"); // -1: not known
-    QTest::addColumn<List>("times");
-    QTest::newRow("rare pictures, silence not known")
-        << List{0, 3000, 6000, 9000} << -1 << List{0, 40, 3040, 6040};
-    QTest::newRow("clock set back a little")
-        << List{0, 40, 80, 20, 60, 100, 140} << -1 << List{0, 40, 80, 81, 82, 100, 140};
-    QTest::newRow("sound of before the gap, late")
-        << List{2000, 2040, 2080, 72'000, -2090, 72'040, -72'030} << 70'000
-        << List{0, 40, 80, 120, 90, 160, 150};
-    QTest::newRow("sound stops and comes back")
-        << List{2000, -2010, 3000, 4000, 5000, 6000, 7000, -7010} << 0
-        << List{0, 10, 1000, 2000, 3000, 4000, 5000, 5010};
-    QTest::newRow("more jumps than silence") << List{0, 40, 80, 5080, 5120, 5160, 10'160} << 7000
-                                             << List{0, 40, 80, 120, 160, 200, 3200};
-}
-
-void CompanionTimelineTest::places()
-{
-    QFETCH(QList<int>, stamps);
-    QFETCH(int, silence);
-    QFETCH(QList<int>, times);
-    ExportTimeline timeline(milliseconds(20'000),
-                            silence < 0 ? std::optional<milliseconds>() : milliseconds(silence));
-    QList<int> found;
-    for (const int stamp : stamps) {
-        const auto kind = stamp < -1000 ? ExportTimeline::Sound : ExportTimeline::Video;
-        found.append(static_cast<int>(timeline.place(kind, qAbs(stamp))));
+    void places_data()
+    {
+        using List = QList<int>;
+        // -1: not known
+        rows<List, int, List>(
+            {"stamps", "silence", "times"},
+            {
+                {"rare pictures, silence not known", List{0, 3000, 6000, 9000}, -1,
+                 List{0, 40, 3040, 6040}},
+                {"clock set back a little", List{0, 40, 80, 20, 60, 100, 140}, -1,
+                 List{0, 40, 80, 81, 82, 100, 140}},
+                {"sound of before the gap, late",
+                 List{2000, 2040, 2080, 72'000, -2090, 72'040, -72'030}, 70'000,
+                 List{0, 40, 80, 120, 90, 160, 150}},
+                {"sound stops and comes back",
+                 List{2000, -2010, 3000, 4000, 5000, 6000, 7000, -7010}, 0,
+                 List{0, 10, 1000, 2000, 3000, 4000, 5000, 5010}},
+                {"more jumps than silence", List{0, 40, 80, 5080, 5120, 5160, 10'160}, 7000,
+                 List{0, 40, 80, 120, 160, 200, 3200}},
+            });
     }
-    QCOMPARE(found, times);
-}
+
+    void places()
+    {
+        const auto [stamps, silence, times] = row<QList<int>, int, QList<int>>();
+        ExportTimeline timeline(milliseconds(20'000), silence < 0 ? std::optional<milliseconds>()
+                                                                  : milliseconds(silence));
+        QList<int> found;
+        for (const int stamp : stamps) {
+            const auto kind = stamp < -1000 ? ExportTimeline::Sound : ExportTimeline::Video;
+            found.append(static_cast<int>(timeline.place(kind, qAbs(stamp))));
+        }
+        QCOMPARE(found, times);
+    }
+};
 
 QTEST_GUILESS_MAIN(CompanionTimelineTest)
 #include "CompanionTimelineTest.moc"

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tests/companion/ExportProcess.h"
 
-#include <QDir>
+#include "tests/support/Test.h"
 
 #include <csignal>
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 namespace {
 
@@ -15,8 +14,8 @@ const QByteArray percentWord = "export-percent ";
 } // namespace
 
 ExportProcess::ExportProcess()
-    : ownFolder(QDir::current().filePath(QStringLiteral("films-XXXXXX")))
-    , targetPath(ownFolder.filePath(QStringLiteral("127.0.0.1 - Tür 03.03.15.film")))
+    : ownFolder(QDir::current().filePath("films-XXXXXX"_s))
+    , targetPath(ownFolder.filePath("127.0.0.1 - Tür 03.03.15.film"_s))
 {
 }
 
@@ -29,7 +28,7 @@ ExportProcess::~ExportProcess()
 void ExportProcess::start(const QByteArray &url, const QString &container, int recordedMilliseconds,
                           const QStringList &wrapper)
 {
-    startWithArguments({QStringLiteral("export"), QString::fromLatin1(url), container,
+    startWithArguments({"export"_s, QString::fromLatin1(url), container,
                         QString::number(recordedMilliseconds), targetPath},
                        wrapper);
 }
@@ -77,5 +76,4 @@ QStringList ExportProcess::files() const
         .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

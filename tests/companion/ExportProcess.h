@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QByteArray>
-#include <QList>
-#include <QProcess>
-#include <QStringList>
-#include <QTemporaryDir>
+#include "tests/support/Test.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// The real player at an export into a folder of its own. Its standard input stays open, and
 /// nothing is ever written to it.
@@ -52,5 +47,4 @@ private:
     QByteArray output;
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tests/companion/VideoFile.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
-#include <QStringList>
+#include "tests/support/Test.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 namespace {
 
@@ -42,18 +37,17 @@ VideoFile VideoFile::read(const QString &path)
         run("ffprobe", {"-count_frames", "-show_format", "-show_streams", "-of", "json", path});
     const QJsonObject root = QJsonDocument::fromJson(probed.text).object();
     VideoFile file;
-    file.seconds = numberOf(root.value(QStringLiteral("format")).toObject(), "duration");
-    const QJsonArray streams = root.value(QStringLiteral("streams")).toArray();
+    file.seconds = numberOf(root.value("format"_s).toObject(), "duration");
+    const QJsonArray streams = root.value("streams"_s).toArray();
     for (const QJsonValue &value : streams) {
         const QJsonObject stream = value.toObject();
-        const QString codec = stream.value(QStringLiteral("codec_name")).toString();
-        if (stream.value(QStringLiteral("codec_type")).toString() == QLatin1String("audio")) {
+        const QString codec = stream.value("codec_name"_s).toString();
+        if (stream.value("codec_type"_s).toString() == "audio"_s) {
             file.soundCodec = codec;
             continue;
         }
         file.videoCodec = codec;
-        file.size = QSize(stream.value(QStringLiteral("width")).toInt(),
-                          stream.value(QStringLiteral("height")).toInt());
+        file.size = QSize(stream.value("width"_s).toInt(), stream.value("height"_s).toInt());
         file.pictures = static_cast<int>(numberOf(stream, "nb_read_frames"));
     }
     file.faults = probed.errors + run("ffmpeg", {"-i", path, "-f", "null", "-"}).errors;
@@ -67,5 +61,4 @@ QImage pictureAt(const QString &path, double seconds)
     return QImage::fromData(output.text);
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QByteArray>
-#include <QImage>
-#include <QSize>
-#include <QString>
+#include "tests/support/Test.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// What programs other than ours find in a video file.
 struct VideoFile {
@@ -24,5 +20,4 @@ struct VideoFile {
 /// The picture that is shown at that time.
 QImage pictureAt(const QString &path, double seconds);
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tests/demo/DemoClient.h"
 
-#include <QEventLoop>
-#include <QNetworkProxy>
-#include <QSslCertificate>
-#include <QSslConfiguration>
-#include <QTimer>
+#include "tests/support/Test.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 namespace {
 
@@ -18,7 +13,7 @@ QUrl withLeadingSlashesKept(const QString &text)
     QUrl url(text);
     const QString path = url.path();
     const QString sent = url.adjusted(QUrl::NormalizePathSegments).path();
-    if (path.startsWith(QLatin1String("//")) && sent.size() < path.size())
+    if (path.startsWith("//"_s) && sent.size() < path.size())
         url.setPath(QString(path.size() - sent.size(), QLatin1Char('/')) + path);
     return url;
 }
@@ -68,7 +63,7 @@ Answer DemoClient::post(const QString &url, const QByteArray &body, const QByteA
 
 Answer DemoClient::signIn(const QByteArray &login, const QByteArray &password)
 {
-    return post(api(QStringLiteral("/public/sessions")),
+    return post(api("/public/sessions"_s),
                 "clientType=windows&clientVersion=1.0&login=" + login.toPercentEncoding() +
                     "&password=" + password.toPercentEncoding());
 }
@@ -77,17 +72,15 @@ QString DemoClient::session()
 {
     return signIn(service.email().toUtf8(), service.password().toUtf8())
         .response()
-        .value(QLatin1String("session_id"))
+        .value("session_id"_s)
         .toString();
 }
 
 QString DemoClient::query(const DemoCamera &camera, const QString &session) const
 {
-    return QStringLiteral("?server=%1&camera=%2&sessionId=%3")
-        .arg(camera.lan ? QStringLiteral("1") : camera.server)
+    return "?server=%1&camera=%2&sessionId=%3"_s.arg(camera.lan ? "1"_s : camera.server)
         .arg(camera.camera)
         .arg(camera.lan ? service.lanPassword() : session);
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,18 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QByteArray>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QUrl>
+#include "tests/support/Test.h"
 
 #include "tests/support/DemoService.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// How an exchange ended.
 struct Answer {
@@ -24,9 +17,9 @@ struct Answer {
 
     QJsonObject json() const { return QJsonDocument::fromJson(body).object(); }
     QJsonArray list() const { return QJsonDocument::fromJson(body).array(); }
-    bool success() const { return json().value(QLatin1String("success")).toBool(); }
-    QJsonObject response() const { return json().value(QLatin1String("response")).toObject(); }
-    int code() const { return response().value(QLatin1String("code")).toInt(); }
+    bool success() const { return json().value("success"_s).toBool(); }
+    QJsonObject response() const { return json().value("response"_s).toObject(); }
+    int code() const { return response().value("code"_s).toInt(); }
 };
 
 /// Speaks to a demo service the way the client does, paths and queries as given.
@@ -47,19 +40,19 @@ public:
     /// URL of a path at the API, at the streaming endpoint, for streams and at a LAN server.
     QString api(const QString &path) const
     {
-        return QStringLiteral("https://127.0.0.1:%1").arg(service.apiPort()) + path;
+        return "https://127.0.0.1:%1"_s.arg(service.apiPort()) + path;
     }
     QString streaming(const QString &path) const
     {
-        return QStringLiteral("https://127.0.0.1:%1").arg(service.streamingPort()) + path;
+        return "https://127.0.0.1:%1"_s.arg(service.streamingPort()) + path;
     }
     QString flv(const QString &path) const
     {
-        return QStringLiteral("http://127.0.0.1:%1").arg(service.flvPort()) + path;
+        return "http://127.0.0.1:%1"_s.arg(service.flvPort()) + path;
     }
     QString lan(const QString &path) const
     {
-        return QStringLiteral("http://127.0.0.1:%1").arg(service.lanPorts().value(0)) + path;
+        return "http://127.0.0.1:%1"_s.arg(service.lanPorts().value(0)) + path;
     }
 
     Answer signIn(const QByteArray &login, const QByteArray &password);
@@ -76,5 +69,4 @@ private:
     QNetworkAccessManager manager;
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,13 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include <QFileInfo>
-#include <QJsonArray>
-#include <QProcess>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "tests/demo/DemoTest.h"
-
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
 
 /// Sign-in, paths, stored state and life of the demo service.
 class DemoServiceTest : public DemoTest
@@ -57,8 +51,8 @@ void DemoServiceTest::badSignIns()
     QFETCH(QByteArray, body);
     QFETCH(QByteArray, type);
     QFETCH(int, code);
-    const Answer answer = client.post(client.api(QStringLiteral("/public/sessions")), body, type);
-    QVERIFY(answer.json().contains(QStringLiteral("success")));
+    const Answer answer = client.post(client.api("/public/sessions"_s), body, type);
+    QVERIFY(answer.json().contains("success"_s));
     QVERIFY(!answer.success());
     QCOMPARE(answer.code(), code);
 }
@@ -90,15 +84,15 @@ void DemoServiceTest::onlyExactPaths()
 
 void DemoServiceTest::sessionIsNeeded()
 {
-    const QString wanted = client.api(QStringLiteral("/public/roster?sessionId=")) + session;
+    const QString wanted = client.api("/public/roster?sessionId="_s) + session;
     QVERIFY(client.get(wanted).success());
-    QCOMPARE(client.get(client.api(QStringLiteral("/public/roster?sessionId="))).code(), 10002);
-    QVERIFY(client.del(client.api(QStringLiteral("/public/sessions/")) + session).success());
+    QCOMPARE(client.get(client.api("/public/roster?sessionId="_s)).code(), 10002);
+    QVERIFY(client.del(client.api("/public/sessions/"_s) + session).success());
     QCOMPARE(client.get(wanted).code(), 10002);
 
     const QString second = client.session();
     QVERIFY(service.dropSessions());
-    const QString path = QStringLiteral("//preview/live");
+    const QString path = "//preview/live"_s;
     const Answer preview =
         client.get(client.streaming(path) + client.query(service.camera(1), second));
     QCOMPARE(preview.status, 403);
@@ -107,17 +101,17 @@ void DemoServiceTest::sessionIsNeeded()
 
 void DemoServiceTest::layoutsAndSessionsOutliveTheService()
 {
-    const QString path = client.api(QStringLiteral("//layouts?sessionId="));
+    const QString path = client.api("//layouts?sessionId="_s);
     const QJsonObject empty = client.get(path + session).response();
-    QCOMPARE(empty.value(QLatin1String("last_update")).toInt(-1), 0);
-    QVERIFY(empty.value(QLatin1String("layouts")).toArray().isEmpty());
+    QCOMPARE(empty.value("last_update"_s).toInt(-1), 0);
+    QVERIFY(empty.value("layouts"_s).toArray().isEmpty());
 
     const qint64 before = QDateTime::currentSecsSinceEpoch();
     const QByteArray list =
         "[{\"cameras\":[],\"columns\":2,\"id\":\"x\",\"name\":\"Двор\",\"rows\":1}]";
     QCOMPARE(client.post(path + session, "{\"no\":\"list\"}", "application/json").code(), 10003);
     QCOMPARE(client.post(path + session, "[1", "application/json").code(), 10003);
-    QCOMPARE(client.post(path + QStringLiteral("none"), list, "application/json").code(), 10002);
+    QCOMPARE(client.post(path + "none"_s, list, "application/json").code(), 10002);
     QVERIFY(client.post(path + session, list, "application/json").success());
 
     QVERIFY2(service.restart(), qPrintable(service.errorString()));
@@ -125,9 +119,8 @@ void DemoServiceTest::layoutsAndSessionsOutliveTheService()
     QVERIFY(service.dropSessions());
     QCOMPARE(client.get(path + session).code(), 10002);
     const QJsonObject stored = client.get(path + client.session()).response();
-    QVERIFY(stored.value(QLatin1String("last_update")).toInt() >= before);
-    QCOMPARE(stored.value(QLatin1String("layouts")).toArray(),
-             QJsonDocument::fromJson(list).array());
+    QVERIFY(stored.value("last_update"_s).toInt() >= before);
+    QCOMPARE(stored.value("layouts"_s).toArray(), QJsonDocument::fromJson(list).array());
 }
 
 void DemoServiceTest::endsWithItsInput()
@@ -154,11 +147,11 @@ void DemoServiceTest::worldIsMadeFromItsSeed()
         options.cameras = 10'000;
         options.lanServers = 0;
         DemoService other;
-        return other.start(options) ? other.control("GET", QStringLiteral("/world"), QJsonObject())
+        return other.start(options) ? other.control("GET", "/world"_s, QJsonObject())
                                     : QJsonObject();
     };
     const QJsonObject first = worldOf(7);
-    QCOMPARE(first.value(QLatin1String("servers")).toArray().size(), 500);
+    QCOMPARE(first.value("servers"_s).toArray().size(), 500);
     QVERIFY(first == worldOf(7));
     QVERIFY(first != worldOf(8));
 }
@@ -166,9 +159,8 @@ void DemoServiceTest::worldIsMadeFromItsSeed()
 void DemoServiceTest::refusesUnknownOptions_data()
 {
     QTest::addColumn<QStringList>("arguments");
-    QTest::newRow("unknown") << QStringList{QStringLiteral("--seeds"), QStringLiteral("1")};
-    QTest::newRow("out of range") << QStringList{QStringLiteral("--api-port"),
-                                                 QStringLiteral("65536")};
+    QTest::newRow("unknown") << QStringList{"--seeds"_s, "1"_s};
+    QTest::newRow("out of range") << QStringList{"--api-port"_s, "65536"_s};
 }
 
 void DemoServiceTest::refusesUnknownOptions()

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include <QTcpSocket>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "tests/demo/DemoTest.h"
-
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
 
 /// What is refused, and what goes wrong with streams and replies on purpose.
 class DemoStreamTest : public DemoTest
@@ -35,7 +31,7 @@ private:
 QString DemoStreamTest::streamUrl(const QString &path, const DemoCamera &camera)
 {
     const QString host = camera.lan ? client.lan(path) : client.flv(path);
-    return host + client.query(camera, session) + QStringLiteral("&q=0");
+    return host + client.query(camera, session) + "&q=0"_s;
 }
 
 /// Opens it by the socket and reads until it is running.
@@ -43,7 +39,7 @@ void DemoStreamTest::openStream(const QString &url)
 {
     const QString path = url.mid(client.flv(QString()).size());
     socket.abort();
-    socket.connectToHost(QStringLiteral("127.0.0.1"), static_cast<quint16>(service.flvPort()));
+    socket.connectToHost("127.0.0.1"_s, static_cast<quint16>(service.flvPort()));
     socket.write("GET " + path.toUtf8() + " HTTP/1.1\r\nHost: x\r\n\r\n");
     QTRY_VERIFY_WITH_TIMEOUT(socket.bytesAvailable() > 20'000, 10'000);
 }
@@ -86,9 +82,8 @@ void DemoStreamTest::refusals()
         QVERIFY(service.setCamera(camera.server, camera.camera,
                                   QJsonDocument::fromJson(changed.toUtf8()).object()));
     // Exports are asked for in milliseconds.
-    const QString times = to == 0 ? QStringLiteral("&startTime=%1").arg(begin + from)
-                                  : QStringLiteral("&startTime=%1&endTime=%2")
-                                        .arg((begin + from) * 1000)
+    const QString times = to == 0 ? "&startTime=%1"_s.arg(begin + from)
+                                  : "&startTime=%1&endTime=%2"_s.arg((begin + from) * 1000)
                                         .arg(to < 0 ? -1 : (begin + to) * 1000);
     const Answer answer = client.get(streamUrl(path, camera) + times);
     QCOMPARE(answer.status, status);
@@ -101,12 +96,9 @@ void DemoStreamTest::recordInProgressGrows()
     const qint64 begin = QDateTime::currentMSecsSinceEpoch();
     QVERIFY(!service.setArchive(camera, {{begin, begin + 2}, {begin + 1, begin + 3}}));
     QVERIFY(service.setArchive(camera, {{begin - 10'000, begin + 3'600'000}}));
-    const QString list =
-        client.streaming(QStringLiteral("//archive/list")) + client.query(camera, session) +
-        QStringLiteral("&startTime=%1&endTime=%2").arg(begin / 1000).arg(begin / 1000 + 3600);
-    const auto duration = [&] {
-        return client.get(list).list().at(0)[QLatin1String("duration")].toInt();
-    };
+    const QString list = client.streaming("//archive/list"_s) + client.query(camera, session) +
+                         "&startTime=%1&endTime=%2"_s.arg(begin / 1000).arg(begin / 1000 + 3600);
+    const auto duration = [&] { return client.get(list).list().at(0)["duration"_s].toInt(); };
     const int before = duration();
     QVERIFY(before >= 10'000);
     QTRY_VERIFY(duration() > before);
@@ -130,30 +122,30 @@ void DemoStreamTest::faultyReplies()
     QFETCH(QString, outcome);
     DemoFault fault;
     fault.kind = kind;
-    fault.route = QStringLiteral("/public/*");
-    fault.listener = QStringLiteral("api");
-    fault.value = kind == QLatin1String("status") ? 503 : 0;
-    fault.after = kind == QLatin1String("truncate") ? 200 : 0;
-    fault.location = QStringLiteral("https://127.0.0.1:1/elsewhere");
+    fault.route = "/public/*"_s;
+    fault.listener = "api"_s;
+    fault.value = kind == "status"_s ? 503 : 0;
+    fault.after = kind == "truncate"_s ? 200 : 0;
+    fault.location = "https://127.0.0.1:1/elsewhere"_s;
     QVERIFY(service.addFault(fault) > 0);
-    const QString url = client.api(QStringLiteral("/public/roster?sessionId=")) + session;
-    const Answer answer = client.get(url, kind == QLatin1String("stall") ? 1500 : 15'000);
+    const QString url = client.api("/public/roster?sessionId="_s) + session;
+    const Answer answer = client.get(url, kind == "stall"_s ? 1500 : 15'000);
     const bool json = !QJsonDocument::fromJson(answer.body).isNull();
-    QString found = QStringLiteral("nothing wrong");
+    QString found = "nothing wrong"_s;
     if (answer.timedOut)
-        found = QStringLiteral("never ends");
+        found = "never ends"_s;
     else if (answer.redirect.isValid())
         found = answer.redirect.path().mid(1);
     else if (answer.status == 503 && json)
-        found = QStringLiteral("status");
+        found = "status"_s;
     else if (answer.status == 0)
-        found = QStringLiteral("no reply");
+        found = "no reply"_s;
     else if (answer.error == QNetworkReply::RemoteHostClosedError && answer.body.size() >= 200)
-        found = QStringLiteral("cut short");
+        found = "cut short"_s;
     else if (answer.body.isEmpty())
-        found = QStringLiteral("empty");
+        found = "empty"_s;
     else if (!json)
-        found = QStringLiteral("not JSON");
+        found = "not JSON"_s;
     QCOMPARE(found, outcome);
     QVERIFY(service.clearFaults());
     QVERIFY(client.get(url).success());
@@ -162,15 +154,15 @@ void DemoStreamTest::faultyReplies()
 void DemoStreamTest::faultHitsOnlyItsCameraAndTimes()
 {
     DemoFault fault;
-    fault.kind = QStringLiteral("empty");
-    fault.route = QStringLiteral("//preview/live");
+    fault.kind = "empty"_s;
+    fault.route = "//preview/live"_s;
     fault.server = service.camera(1).server;
     fault.camera = service.camera(1).camera;
     fault.times = 2;
     QVERIFY(service.addFault(fault) > 0);
     const auto isEmpty = [&](int number) {
         return client
-            .get(client.streaming(QStringLiteral("//preview/live")) +
+            .get(client.streaming("//preview/live"_s) +
                  client.query(service.camera(number), session))
             .body.isEmpty();
     };
@@ -191,12 +183,12 @@ void DemoStreamTest::faultReachesARunningStream_data()
 void DemoStreamTest::faultReachesARunningStream()
 {
     QFETCH(QString, kind);
-    openStream(streamUrl(QStringLiteral("/flv/live"), service.camera(1)));
+    openStream(streamUrl("/flv/live"_s, service.camera(1)));
     DemoFault fault;
     fault.kind = kind;
-    fault.route = QStringLiteral("/flv/*");
+    fault.route = "/flv/*"_s;
     QVERIFY(service.addFault(fault) > 0);
-    if (kind != QLatin1String("stall")) {
+    if (kind != "stall"_s) {
         QTRY_COMPARE_WITH_TIMEOUT(socket.state(), QAbstractSocket::UnconnectedState, 10'000);
         return;
     }

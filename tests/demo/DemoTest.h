@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "tests/demo/DemoClient.h"
 #include "tests/support/DemoService.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// What tests of the demo service share: a running one, reset before each test, and a client
 /// that has signed in.
@@ -48,5 +47,4 @@ private:
     const DemoService::Options world;
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

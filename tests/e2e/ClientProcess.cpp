@@ -1,19 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/ClientProcess.h"
 
-#include <QDir>
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QLocalSocket>
-#include <QProcessEnvironment>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include <csignal>
 #include <sys/types.h>
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 namespace {
 
@@ -22,20 +15,18 @@ constexpr int answerDeadlineMs = 20000;
 
 QJsonObject request(const char *what, const QString &inClass, const QString &name = QString())
 {
-    return {{QStringLiteral("do"), QLatin1String(what)},
-            {QStringLiteral("in"), inClass},
-            {QStringLiteral("name"), name}};
+    return {{"do"_s, QLatin1String(what)}, {"in"_s, inClass}, {"name"_s, name}};
 }
 
 bool isDone(const QJsonObject &answer)
 {
-    return answer.value(QLatin1String("done")).toBool();
+    return answer.value("done"_s).toBool();
 }
 
 /// False also for one that has ended and was not waited for.
 bool isRunning(int pid)
 {
-    QFile status(QStringLiteral("/proc/%1/stat").arg(pid));
+    QFile status("/proc/%1/stat"_s.arg(pid));
     if (pid <= 0 || !status.open(QIODevice::ReadOnly))
         return false;
     const QByteArray line = status.readAll();
@@ -53,7 +44,7 @@ ClientProcess::ClientProcess(const QString &folder)
 
 ClientProcess::~ClientProcess()
 {
-    const int pid = introduction.value(QLatin1String("pid")).toInt();
+    const int pid = introduction.value("pid"_s).toInt();
     if (isRunning(pid))
         ::kill(static_cast<pid_t>(pid), SIGKILL);
     if (first.state() != QProcess::NotRunning) {
@@ -64,15 +55,14 @@ ClientProcess::~ClientProcess()
 
 bool ClientProcess::start(const QStringList &arguments)
 {
-    const QString name = QDir::temp().absoluteFilePath(QStringLiteral("driver"));
+    const QString name = QDir::temp().absoluteFilePath("driver"_s);
     QLocalServer::removeServer(name);
     if (!server.listen(name))
         return false;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("ZORVANE_DRIVER_SOCKET"), name);
-    environment.insert(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("zorvane-driver"));
-    environment.insert(QStringLiteral("QT_PLUGIN_PATH"),
-                       QStringLiteral(ZORVANE_TEST_BIN_DIR "/plugins"));
+    environment.insert("ZORVANE_DRIVER_SOCKET"_s, name);
+    environment.insert("QT_QPA_GENERIC_PLUGINS"_s, "zorvane-driver"_s);
+    environment.insert("QT_PLUGIN_PATH"_s, QStringLiteral(ZORVANE_TEST_BIN_DIR "/plugins"));
     first.setProcessEnvironment(environment);
     first.start(QStringLiteral(ZORVANE_BIN_DIR "/ZorvaneClient"), arguments);
     return first.waitForStarted() && waitForClient(1);
@@ -85,7 +75,7 @@ bool ClientProcess::waitForClient(int number)
 
 bool ClientProcess::isClientRunning() const
 {
-    return isRunning(introduction.value(QLatin1String("pid")).toInt());
+    return isRunning(introduction.value("pid"_s).toInt());
 }
 
 void ClientProcess::accept()
@@ -99,12 +89,12 @@ void ClientProcess::readLines()
 {
     while (socket->canReadLine()) {
         const QJsonObject line = QJsonDocument::fromJson(socket->readLine()).object();
-        if (line.contains(QLatin1String("pid"))) {
+        if (line.contains("pid"_s)) {
             introduction = line;
             links.clear();
             ++clientCount;
-        } else if (line.contains(QLatin1String("opened"))) {
-            links.append(line.value(QLatin1String("opened")).toString());
+        } else if (line.contains("opened"_s)) {
+            links.append(line.value("opened"_s).toString());
         } else {
             answers.append(line);
         }
@@ -128,15 +118,15 @@ bool ClientProcess::press(const QString &inClass, const QString &name)
 
 bool ClientProcess::answerQuestion(bool ok)
 {
-    QJsonObject question = request("press", QStringLiteral("QMessageBox"));
-    question.insert(QStringLiteral("button"), ok ? QStringLiteral("ok") : QStringLiteral("cancel"));
+    QJsonObject question = request("press", "QMessageBox"_s);
+    question.insert("button"_s, ok ? "ok"_s : "cancel"_s);
     return isDone(ask(question));
 }
 
 bool ClientProcess::choose(const QString &inClass, const QString &name, int index)
 {
     QJsonObject choice = request("choose", inClass, name);
-    choice.insert(QStringLiteral("index"), index);
+    choice.insert("index"_s, index);
     return isDone(ask(choice));
 }
 
@@ -153,11 +143,10 @@ bool ClientProcess::shows(const QString &className)
 QStringList ClientProcess::texts(const QString &inClass)
 {
     QStringList list;
-    const QJsonArray found = ask(request("texts", inClass)).value(QLatin1String("texts")).toArray();
+    const QJsonArray found = ask(request("texts", inClass)).value("texts"_s).toArray();
     for (const QJsonValue text : found)
         list.append(text.toString());
     return list;
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

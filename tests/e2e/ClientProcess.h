@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QJsonObject>
-#include <QLocalServer>
-#include <QObject>
-#include <QProcess>
-#include <QStringList>
+#include "tests/support/Test.h"
 
 class QLocalSocket;
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// The client as it is installed, in a process and a working folder of its own, and whatever
 /// process it starts in its place. A plugin of the toolkit (`driver/Driver.h`) stands inside
@@ -63,5 +58,4 @@ private:
     QStringList links;
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,16 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/EndToEnd.h"
 
-#include <QCheckBox>
-#include <QLineEdit>
-#include <QMenu>
-#include <QProcess>
-#include <QPushButton>
-#include <QScrollArea>
-#include <QTimer>
-#include <QtTest>
-
-#include <algorithm>
+#include "tests/support/Test.h"
 
 #include "API/Camera.h"
 #include "API/Server.h"
@@ -26,8 +17,7 @@
 #include "GUI/ToolBar.h"
 #include "tests/support/DemoService.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 namespace {
 
@@ -99,14 +89,13 @@ void signIn(const QString &email, const QString &password)
     if (!loginDialog())
         qobject_cast<App::Application *>(qApp)->startLogin();
     GUI::LoginDialog *dialog = loginDialog();
-    auto *emailEdit = dialog->findChild<QLineEdit *>(QStringLiteral("emailLn"));
-    auto *passwordEdit = dialog->findChild<QLineEdit *>(QStringLiteral("passwordLn"));
+    auto *emailEdit = dialog->findChild<QLineEdit *>("emailLn"_s);
+    auto *passwordEdit = dialog->findChild<QLineEdit *>("passwordLn"_s);
     emailEdit->clear();
     passwordEdit->clear();
     QTest::keyClicks(emailEdit, email);
     QTest::keyClicks(passwordEdit, password);
-    QTest::mouseClick(dialog->findChild<QPushButton *>(QStringLiteral("signInButton")),
-                      Qt::LeftButton);
+    QTest::mouseClick(dialog->findChild<QPushButton *>("signInButton"_s), Qt::LeftButton);
 }
 
 bool enter(const DemoService &service)
@@ -231,5 +220,4 @@ qint64 childOf(GUI::Player::VideoWidget *tile)
     return 0;
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

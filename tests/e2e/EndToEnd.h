@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QList>
-#include <QString>
+#include "tests/support/Test.h"
 
-#include <functional>
-#include <memory>
 #include <optional>
 
 #include "tests/support/StripReader.h"
@@ -25,7 +22,9 @@ class VideoWidget;
 }
 } // namespace GUI
 
-namespace Tests {
+} // namespace ZorvaneClient
+
+namespace ZorvaneClient::Tests {
 
 class DemoService;
 
@@ -80,5 +79,4 @@ bool showsMovingPicture(GUI::Player::VideoWidget *tile, int cameraNumber);
 /// The tile's running child, 0 when there is none.
 qint64 childOf(GUI::Player::VideoWidget *tile);
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

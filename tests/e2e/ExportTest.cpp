@@ -1,13 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include <QAbstractButton>
-#include <QDir>
-#include <QLabel>
-#include <QProcess>
-#include <QStackedWidget>
-#include <QStandardPaths>
-#include <QtTest>
+#include "tests/support/Test.h"
 
-#include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <optional>
@@ -25,9 +18,6 @@
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
 #include "tests/support/DemoService.h"
-
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
 
 namespace {
 
@@ -48,23 +38,22 @@ QByteArray outputOf(const QString &program, const QStringList &arguments)
 
 double secondsOf(const QString &file)
 {
-    return outputOf(QStringLiteral("ffprobe"),
+    return outputOf("ffprobe"_s,
                     {"-v", "error", "-show_entries", "format=duration", "-of", "csv=p=0", file})
         .toDouble();
 }
 
 QByteArray codecsOf(const QString &file)
 {
-    return outputOf(QStringLiteral("ffprobe"),
+    return outputOf("ffprobe"_s,
                     {"-v", "error", "-show_entries", "stream=codec_name", "-of", "csv=p=0", file});
 }
 
 /// The first picture of the file.
 std::optional<Strip> firstStripOf(const QString &file)
 {
-    const QByteArray png =
-        outputOf(QStringLiteral("ffmpeg"), {"-v", "error", "-i", file, "-frames:v", "1", "-f",
-                                            "image2pipe", "-c:v", "png", "-"});
+    const QByteArray png = outputOf("ffmpeg"_s, {"-v", "error", "-i", file, "-frames:v", "1", "-f",
+                                                 "image2pipe", "-c:v", "png", "-"});
     return StripReader::read(QImage::fromData(png, "PNG"));
 }
 
@@ -76,30 +65,233 @@ class ExportTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase();
-    void cleanupTestCase();
-    void init();
-    void fragmentBecomesAFile_data();
-    void fragmentBecomesAFile();
-    void cancelLeavesNoFile();
-    void killedExportLeavesNoFile();
-    void fullDiskIsTold();
-    void secondExportChangesNothing();
+    void initTestCase()
+    {
+        DemoService::Options options;
+        options.plain = true;
+        options.servers = 1;
+        options.cameras = 1;
+        QVERIFY2(service.start(options), qPrintable(service.errorString()));
+        useService(service);
+        QVERIFY(service.writeLocalRoster(QDir::currentPath()));
+        const QVector<DemoCamera> world = service.cameras();
+        const auto isLan = [](const DemoCamera &each) { return each.lan; };
+        const auto found = std::find_if(world.begin(), world.end(), isLan);
+        QVERIFY(found != world.end());
+        lan = *found;
+        day = QDate::currentDate().addDays(-1);
+        folder = QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
+        QVERIFY(QDir().mkpath(folder));
+
+        QVERIFY(enter(service));
+        QTRY_VERIFY_WITH_TIMEOUT(card(lan.server, lan.camera), pollDeadlineMs);
+        camera = API::CloudAPIClient::serverList().value(lan.server)->cameras().value(lan.camera);
+        QVERIFY(camera);
+        mainWindow()->resize(1500, 900);
+    }
+
+    void cleanupTestCase()
+    {
+        camera.clear();
+        leave();
+        service.stop();
+    }
+
+    void init()
+    {
+        service.clearFaults();
+        const QStringList old = files();
+        for (const QString &name : old)
+            QVERIFY(QFile::remove(QDir(folder).filePath(name)));
+    }
+
+    void fragmentBecomesAFile_data()
+    {
+        rows<QStringList, QString, int>(
+            {"records", "start", "seconds"},
+            {
+                {"within a record", QStringList{"11:40:00-12:20:00"}, "11:58:13", 75},
+                {"over a gap", QStringList{"11:40:00-11:58:40", "11:59:50-12:20:00"}, "11:58:00",
+                 150},
+            });
+    }
+
+    void fragmentBecomesAFile()
+    {
+        const auto [records, start, seconds] = row<QStringList, QString, int>();
+        QVector<QPair<qint64, qint64>> spans;
+        for (const QString &span : qAsConst(records)) {
+            const QByteArray from = span.section('-', 0, 0).toLatin1();
+            const QByteArray to = span.section('-', 1, 1).toLatin1();
+            spans.append({at(from).toMSecsSinceEpoch(), at(to).toMSecsSinceEpoch()});
+        }
+        QVERIFY2(service.setArchive(lan, spans), qPrintable(service.errorString()));
+        select(at(start.toLatin1()), seconds);
+
+        const QDateTime from = timeline()->selectionStart();
+        const QDateTime to = timeline()->selectionEnd();
+        qint64 recordedMs = 0;
+        for (const auto &span : qAsConst(spans))
+            recordedMs += qMax<qint64>(0, qMin(to.toMSecsSinceEpoch(), span.second) -
+                                              qMax(from.toMSecsSinceEpoch(), span.first));
+
+        auto *grid = gridOf(mainWindow());
+        QSignalSpy done(grid, &GUI::LayoutWidget::exportDone);
+        QSignalSpy percents(grid, &GUI::LayoutWidget::exportPercentDone);
+        press(mainWindow(), "exportButton");
+        QTRY_VERIFY_WITH_TIMEOUT(isExporting(), replyDeadlineMs);
+        QVERIFY2(!files().contains(QFileInfo(file()).completeBaseName() + ".mp4"_s),
+                 "a file under its own name is complete");
+        QTRY_COMPARE_WITH_TIMEOUT(done.size(), 1, exportDeadlineMs);
+        QVERIFY(!isExporting());
+        QVERIFY(!percents.isEmpty());
+
+        const QString name = "%1 - %2 %3 %4-%5.mp4"_s.arg(
+            camera->host(), camera->name(), from.date().toString("dd.MM.yy"_s),
+            from.time().toString("hh.mm.ss"_s), to.time().toString("hh.mm.ss"_s));
+        QCOMPARE(files(), QStringList{name});
+        QVERIFY2(std::abs(secondsOf(file()) - recordedMs / 1000.0) <= maxLengthErrorSeconds,
+                 qPrintable("%1 of %2"_s.arg(secondsOf(file())).arg(recordedMs)));
+        QVERIFY2(codecsOf(file()).contains("h264"), codecsOf(file()));
+        const std::optional<Strip> first = firstStripOf(file());
+        QVERIFY(first);
+        QCOMPARE(first->camera, lan.number);
+        QCOMPARE(first->milliseconds / 1000, from.time().second());
+    }
+
+    void cancelLeavesNoFile()
+    {
+        QSignalSpy done(gridOf(mainWindow()), &GUI::LayoutWidget::exportDone);
+        startSlowly();
+        press(mainWindow(), "cancelButton");
+        QVERIFY(!isExporting());
+        QTRY_COMPARE(exportChild(), qint64(0));
+        QCOMPARE(files(), QStringList());
+        QCOMPARE(done.size(), 0);
+    }
+
+    void killedExportLeavesNoFile()
+    {
+        startSlowly();
+        const qint64 child = exportChild();
+        QVERIFY(child > 0);
+        QTRY_VERIFY(!files().isEmpty());
+        QCOMPARE(::kill(static_cast<pid_t>(child), SIGKILL), 0);
+        QTRY_COMPARE(exportChild(), qint64(0));
+        const QStringList left = QDir(folder).entryList({"*.mp4"_s}, QDir::Files);
+        QCOMPARE(left, QStringList());
+        press(mainWindow(), "cancelButton");
+        QVERIFY(!isExporting());
+    }
+
+    void fullDiskIsTold()
+    {
+        startSlowly();
+        QSignalSpy failed(gridOf(mainWindow()), &GUI::LayoutWidget::exportError);
+        const rlimit limit = {fullDiskBytes, fullDiskBytes};
+        const auto child = static_cast<pid_t>(exportChild());
+        QCOMPARE(::prlimit(child, RLIMIT_FSIZE, &limit, nullptr), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(failed.size(), 1, exportDeadlineMs);
+        QVERIFY(!isExporting());
+        QTRY_COMPARE(exportChild(), qint64(0));
+        QCOMPARE(files(), QStringList());
+        const auto labels = gridOf(mainWindow())->findChildren<QLabel *>();
+        const auto isHint = [](const QLabel *label) {
+            return label->text().contains(GUI::LayoutWidget::tr("Error while exporting."));
+        };
+        QVERIFY(std::any_of(labels.begin(), labels.end(), isHint));
+    }
+
+    void secondExportChangesNothing()
+    {
+        startSlowly();
+        const qint64 child = exportChild();
+        const QStringList before = files();
+        gridOf(mainWindow())->exportArchive(camera, at("11:10:00"), at("11:12:00"));
+        QCOMPARE(exportChild(), child);
+        QVERIFY(isExporting());
+        QCOMPARE(files(), before);
+        press(mainWindow(), "cancelButton");
+        QTRY_COMPARE(exportChild(), qint64(0));
+    }
 
 private:
     QDateTime at(const char *text) const
     {
-        return QDateTime(day, QTime::fromString(QLatin1String(text), QStringLiteral("h:mm:ss")));
+        return QDateTime(day, QTime::fromString(QLatin1String(text), "h:mm:ss"_s));
     }
     GUI::Timeline *timeline() const { return mainWindow()->findChild<GUI::Timeline *>(); }
-    bool isExporting() const;
+
+    bool isExporting() const
+    {
+        auto *panel = mainWindow()->findChild<QStackedWidget *>("exportControl"_s);
+        return panel->isVisible() && panel->currentWidget()->objectName() == "exportLabelPage"_s;
+    }
+
     /// Goes to the archive's export page with the fragment that begins at `start`.
-    void select(const QDateTime &start, int seconds);
+
+    void select(const QDateTime &start, int seconds)
+    {
+        mainWindow()->openCamera(camera);
+        press(mainWindow(), "showRecordsButton");
+        mainWindow()->updateDate(day);
+        QTRY_VERIFY_WITH_TIMEOUT(camera->hasRecords(day), replyDeadlineMs);
+        // The button wakes up once the strip has been painted with the cursor on the day.
+        mainWindow()->onPlayArchive(camera->records(day).first().start);
+        auto *button = mainWindow()->findChild<QAbstractButton *>("exportModeButton"_s);
+        timeline()->zoomIn();
+        QTRY_VERIFY(button->isEnabled());
+        button->click();
+        QTRY_VERIFY(timeline()->startValue().secsTo(timeline()->endValue()) <= 1800);
+
+        const auto pull = [&](const QDateTime &from, const QDateTime &to) {
+            const auto pixelOf = [&](const QDateTime &time) {
+                const double share = double(timeline()->startValue().secsTo(time)) /
+                                     timeline()->startValue().secsTo(timeline()->endValue());
+                const int scale = timeline()->width() - 2 * GUI::Internal::timelineMargin;
+                return QPoint(GUI::Internal::timelineMargin + qRound(share * scale), 30);
+            };
+            QTest::mouseMove(timeline(), pixelOf(from));
+            QTest::mousePress(timeline(), Qt::LeftButton, Qt::NoModifier, pixelOf(from));
+            QMouseEvent move(QEvent::MouseMove, pixelOf(to), timeline()->mapToGlobal(pixelOf(to)),
+                             Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(timeline(), &move);
+            QTest::mouseRelease(timeline(), Qt::LeftButton, Qt::NoModifier, pixelOf(to));
+        };
+        pull(timeline()->selectionEnd(), start.addSecs(seconds));
+        pull(timeline()->selectionStart(), start);
+        QVERIFY(std::abs(timeline()->selectionStart().secsTo(start)) <= 3);
+        QVERIFY(std::abs(timeline()->selectionEnd().secsTo(start.addSecs(seconds))) <= 3);
+    }
+
     QStringList files() const { return QDir(folder).entryList(QDir::Files | QDir::Hidden); }
     QString file() const { return QDir(folder).filePath(files().value(0)); }
     /// Begins an export that takes its time.
-    void startSlowly();
-    qint64 exportChild() const;
+
+    void startSlowly()
+    {
+        QVERIFY(service.setArchive(
+            lan, {{at("11:00:00").toMSecsSinceEpoch(), at("13:00:00").toMSecsSinceEpoch()}}));
+        select(at("11:58:00"), 240);
+        DemoFault slow;
+        slow.kind = "slow"_s;
+        slow.route = "/flv/archive"_s;
+        slow.value = slowBytesPerSecond;
+        QVERIFY(service.addFault(slow));
+        press(mainWindow(), "exportButton");
+        QTRY_VERIFY_WITH_TIMEOUT(isExporting(), replyDeadlineMs);
+        QVERIFY(exportChild() > 0);
+    }
+
+    qint64 exportChild() const
+    {
+        const auto processes = tile()->findChildren<QProcess *>();
+        for (const QProcess *process : processes) {
+            if (process->arguments().value(0) == "export"_s)
+                return process->processId();
+        }
+        return 0;
+    }
 
     DemoService service;
     DemoCamera lan;
@@ -107,225 +299,6 @@ private:
     QDate day;
     QString folder;
 };
-
-void ExportTest::initTestCase()
-{
-    DemoService::Options options;
-    options.plain = true;
-    options.servers = 1;
-    options.cameras = 1;
-    QVERIFY2(service.start(options), qPrintable(service.errorString()));
-    useService(service);
-    QVERIFY(service.writeLocalRoster(QDir::currentPath()));
-    const QVector<DemoCamera> world = service.cameras();
-    const auto isLan = [](const DemoCamera &each) { return each.lan; };
-    const auto found = std::find_if(world.begin(), world.end(), isLan);
-    QVERIFY(found != world.end());
-    lan = *found;
-    day = QDate::currentDate().addDays(-1);
-    folder = QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
-    QVERIFY(QDir().mkpath(folder));
-
-    QVERIFY(enter(service));
-    QTRY_VERIFY_WITH_TIMEOUT(card(lan.server, lan.camera), pollDeadlineMs);
-    camera = API::CloudAPIClient::serverList().value(lan.server)->cameras().value(lan.camera);
-    QVERIFY(camera);
-    mainWindow()->resize(1500, 900);
-}
-
-void ExportTest::cleanupTestCase()
-{
-    camera.clear();
-    leave();
-    service.stop();
-}
-
-void ExportTest::init()
-{
-    service.clearFaults();
-    const QStringList old = files();
-    for (const QString &name : old)
-        QVERIFY(QFile::remove(QDir(folder).filePath(name)));
-}
-
-bool ExportTest::isExporting() const
-{
-    auto *panel = mainWindow()->findChild<QStackedWidget *>(QStringLiteral("exportControl"));
-    return panel->isVisible() &&
-           panel->currentWidget()->objectName() == QLatin1String("exportLabelPage");
-}
-
-qint64 ExportTest::exportChild() const
-{
-    const auto processes = tile()->findChildren<QProcess *>();
-    for (const QProcess *process : processes) {
-        if (process->arguments().value(0) == QLatin1String("export"))
-            return process->processId();
-    }
-    return 0;
-}
-
-void ExportTest::select(const QDateTime &start, int seconds)
-{
-    mainWindow()->openCamera(camera);
-    press(mainWindow(), "showRecordsButton");
-    mainWindow()->updateDate(day);
-    QTRY_VERIFY_WITH_TIMEOUT(camera->hasRecords(day), replyDeadlineMs);
-    // The button wakes up once the strip has been painted with the cursor on the day.
-    mainWindow()->onPlayArchive(camera->records(day).first().start);
-    auto *button = mainWindow()->findChild<QAbstractButton *>(QStringLiteral("exportModeButton"));
-    timeline()->zoomIn();
-    QTRY_VERIFY(button->isEnabled());
-    button->click();
-    QTRY_VERIFY(timeline()->startValue().secsTo(timeline()->endValue()) <= 1800);
-
-    const auto pull = [&](const QDateTime &from, const QDateTime &to) {
-        const auto pixelOf = [&](const QDateTime &time) {
-            const double share = double(timeline()->startValue().secsTo(time)) /
-                                 timeline()->startValue().secsTo(timeline()->endValue());
-            const int scale = timeline()->width() - 2 * GUI::Internal::timelineMargin;
-            return QPoint(GUI::Internal::timelineMargin + qRound(share * scale), 30);
-        };
-        QTest::mouseMove(timeline(), pixelOf(from));
-        QTest::mousePress(timeline(), Qt::LeftButton, Qt::NoModifier, pixelOf(from));
-        QMouseEvent move(QEvent::MouseMove, pixelOf(to), timeline()->mapToGlobal(pixelOf(to)),
-                         Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(timeline(), &move);
-        QTest::mouseRelease(timeline(), Qt::LeftButton, Qt::NoModifier, pixelOf(to));
-    };
-    pull(timeline()->selectionEnd(), start.addSecs(seconds));
-    pull(timeline()->selectionStart(), start);
-    QVERIFY(std::abs(timeline()->selectionStart().secsTo(start)) <= 3);
-    QVERIFY(std::abs(timeline()->selectionEnd().secsTo(start.addSecs(seconds))) <= 3);
-}
-
-void ExportTest::fragmentBecomesAFile_data()
-{
-    QTest::addColumn<QStringList>("records");
-    QTest::addColumn<QString>("start");
-    QTest::addColumn<int>("seconds");
-    QTest::newRow("within a record") << QStringList{"11:40:00-12:20:00"} << "11:58:13" << 75;
-    QTest::newRow("over a gap") << QStringList{"11:40:00-11:58:40", "11:59:50-12:20:00"}
-                                << "11:58:00" << 150;
-}
-
-void ExportTest::fragmentBecomesAFile()
-{
-    QFETCH(QStringList, records);
-    QFETCH(QString, start);
-    QFETCH(int, seconds);
-    QVector<QPair<qint64, qint64>> spans;
-    for (const QString &span : qAsConst(records)) {
-        const QByteArray from = span.section('-', 0, 0).toLatin1();
-        const QByteArray to = span.section('-', 1, 1).toLatin1();
-        spans.append({at(from).toMSecsSinceEpoch(), at(to).toMSecsSinceEpoch()});
-    }
-    QVERIFY2(service.setArchive(lan, spans), qPrintable(service.errorString()));
-    select(at(start.toLatin1()), seconds);
-
-    const QDateTime from = timeline()->selectionStart();
-    const QDateTime to = timeline()->selectionEnd();
-    qint64 recordedMs = 0;
-    for (const auto &span : qAsConst(spans))
-        recordedMs += qMax<qint64>(0, qMin(to.toMSecsSinceEpoch(), span.second) -
-                                          qMax(from.toMSecsSinceEpoch(), span.first));
-
-    auto *grid = gridOf(mainWindow());
-    QSignalSpy done(grid, &GUI::LayoutWidget::exportDone);
-    QSignalSpy percents(grid, &GUI::LayoutWidget::exportPercentDone);
-    press(mainWindow(), "exportButton");
-    QTRY_VERIFY_WITH_TIMEOUT(isExporting(), replyDeadlineMs);
-    QVERIFY2(!files().contains(QFileInfo(file()).completeBaseName() + QStringLiteral(".mp4")),
-             "a file under its own name is complete");
-    QTRY_COMPARE_WITH_TIMEOUT(done.size(), 1, exportDeadlineMs);
-    QVERIFY(!isExporting());
-    QVERIFY(!percents.isEmpty());
-
-    const QString name =
-        QStringLiteral("%1 - %2 %3 %4-%5.mp4")
-            .arg(camera->host(), camera->name(), from.date().toString(QStringLiteral("dd.MM.yy")),
-                 from.time().toString(QStringLiteral("hh.mm.ss")),
-                 to.time().toString(QStringLiteral("hh.mm.ss")));
-    QCOMPARE(files(), QStringList{name});
-    QVERIFY2(std::abs(secondsOf(file()) - recordedMs / 1000.0) <= maxLengthErrorSeconds,
-             qPrintable(QStringLiteral("%1 of %2").arg(secondsOf(file())).arg(recordedMs)));
-    QVERIFY2(codecsOf(file()).contains("h264"), codecsOf(file()));
-    const std::optional<Strip> first = firstStripOf(file());
-    QVERIFY(first);
-    QCOMPARE(first->camera, lan.number);
-    QCOMPARE(first->milliseconds / 1000, from.time().second());
-}
-
-void ExportTest::startSlowly()
-{
-    QVERIFY(service.setArchive(
-        lan, {{at("11:00:00").toMSecsSinceEpoch(), at("13:00:00").toMSecsSinceEpoch()}}));
-    select(at("11:58:00"), 240);
-    DemoFault slow;
-    slow.kind = QStringLiteral("slow");
-    slow.route = QStringLiteral("/flv/archive");
-    slow.value = slowBytesPerSecond;
-    QVERIFY(service.addFault(slow));
-    press(mainWindow(), "exportButton");
-    QTRY_VERIFY_WITH_TIMEOUT(isExporting(), replyDeadlineMs);
-    QVERIFY(exportChild() > 0);
-}
-
-void ExportTest::cancelLeavesNoFile()
-{
-    QSignalSpy done(gridOf(mainWindow()), &GUI::LayoutWidget::exportDone);
-    startSlowly();
-    press(mainWindow(), "cancelButton");
-    QVERIFY(!isExporting());
-    QTRY_COMPARE(exportChild(), qint64(0));
-    QCOMPARE(files(), QStringList());
-    QCOMPARE(done.size(), 0);
-}
-
-void ExportTest::killedExportLeavesNoFile()
-{
-    startSlowly();
-    const qint64 child = exportChild();
-    QVERIFY(child > 0);
-    QTRY_VERIFY(!files().isEmpty());
-    QCOMPARE(::kill(static_cast<pid_t>(child), SIGKILL), 0);
-    QTRY_COMPARE(exportChild(), qint64(0));
-    const QStringList left = QDir(folder).entryList({QStringLiteral("*.mp4")}, QDir::Files);
-    QCOMPARE(left, QStringList());
-    press(mainWindow(), "cancelButton");
-    QVERIFY(!isExporting());
-}
-
-void ExportTest::fullDiskIsTold()
-{
-    startSlowly();
-    QSignalSpy failed(gridOf(mainWindow()), &GUI::LayoutWidget::exportError);
-    const rlimit limit = {fullDiskBytes, fullDiskBytes};
-    const auto child = static_cast<pid_t>(exportChild());
-    QCOMPARE(::prlimit(child, RLIMIT_FSIZE, &limit, nullptr), 0);
-    QTRY_COMPARE_WITH_TIMEOUT(failed.size(), 1, exportDeadlineMs);
-    QVERIFY(!isExporting());
-    QTRY_COMPARE(exportChild(), qint64(0));
-    QCOMPARE(files(), QStringList());
-    const auto labels = gridOf(mainWindow())->findChildren<QLabel *>();
-    const auto isHint = [](const QLabel *label) {
-        return label->text().contains(GUI::LayoutWidget::tr("Error while exporting."));
-    };
-    QVERIFY(std::any_of(labels.begin(), labels.end(), isHint));
-}
-
-void ExportTest::secondExportChangesNothing()
-{
-    startSlowly();
-    const qint64 child = exportChild();
-    const QStringList before = files();
-    gridOf(mainWindow())->exportArchive(camera, at("11:10:00"), at("11:12:00"));
-    QCOMPARE(exportChild(), child);
-    QVERIFY(isExporting());
-    QCOMPARE(files(), before);
-    press(mainWindow(), "cancelButton");
-    QTRY_COMPARE(exportChild(), qint64(0));
-}
 
 int main(int argc, char **argv)
 {

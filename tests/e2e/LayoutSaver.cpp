@@ -2,7 +2,7 @@
 // layout-saver
 // Saves one list of layouts after the other to the cache file, without a pause, until it is
 // killed. Prints a line after the first.
-#include <QGuiApplication>
+#include "tests/support/Test.h"
 
 #include <cstdio>
 
@@ -11,14 +11,11 @@
 #include "App/Settings.h"
 #include "tests/e2e/SavedLayouts.h"
 
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
-
 int main(int argc, char **argv)
 {
     QGuiApplication application(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("Zorvane Client"));
-    App::settings().setValue(QStringLiteral("auth/email"), QString::fromLatin1(saverEmail()));
+    QCoreApplication::setApplicationName("Zorvane Client"_s);
+    App::settings().setValue("auth/email"_s, QString::fromLatin1(saverEmail()));
     QList<API::LayoutPtr> variants[savedVariants];
     for (int variant = 0; variant < savedVariants; ++variant)
         variants[variant] = savedLayouts(variant);

@@ -1,12 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include <QLoggingCategory>
-#include <QPixmapCache>
-#include <QPointer>
-#include <QPushButton>
-#include <QRandomGenerator>
-#include <QSignalSpy>
-#include <QTimerEvent>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include <csignal>
 
@@ -22,34 +15,7 @@
 #include "tests/support/DemoService.h"
 #include "tests/support/ProcessTraces.h"
 
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
 using GUI::Player::VideoWidget;
-
-/// The real player on a real stream, killed and closed over and over: nothing may stay.
-class PlayerSoakTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void cleanupTestCase();
-    void openedAndClosed();
-    void killedAtRandomMoments();
-
-private:
-    VideoWidget *openTile();
-    void closeTile();
-    void killedWhilePlaying(VideoWidget *tile);
-    void killedAnyTime(VideoWidget *tile);
-    void nothingStays(const ProcessTraces &before, qint64 memoryBefore);
-
-    DemoService service;
-    API::CameraPtr camera;
-    int cameraNumber = 0;
-    std::unique_ptr<GUI::LayoutWidget> grid;
-    int clockAheadSeconds = 0;
-};
 
 namespace {
 
@@ -102,143 +68,157 @@ void killChild(VideoWidget *tile)
 
 } // namespace
 
-void PlayerSoakTest::initTestCase()
+/// The real player on a real stream, killed and closed over and over: nothing may stay.
+class PlayerSoakTest : public QObject
 {
-    DemoService::Options options;
-    options.plain = true;
-    options.servers = 1;
-    options.cameras = 1;
-    options.lanServers = 0;
-    QVERIFY2(service.start(options), qPrintable(service.errorString()));
-    useService(service);
+    Q_OBJECT
 
-    // The placeholders' pictures collect in Qt's cache up to its limit, which would pass for a
-    // leak until it is reached.
-    QPixmapCache::setCacheLimit(pictureCacheKiB);
-    // Hundreds of cycles would drown the figures.
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false\ndefault.warning=false"));
-    // Signed in without a window, whose requests would open and close sockets of their own.
-    API::CloudAPIClient client;
-    QSignalSpy signedIn(&client, &API::CloudAPIClient::loginSuccess);
-    client.tryLogin(service.email(), service.password());
-    QTRY_COMPARE_WITH_TIMEOUT(signedIn.count(), 1, replyDeadlineMs);
-    QSignalSpy gotRoster(&client, &API::CloudAPIClient::rosterUpdated);
-    client.updateRoster();
-    QTRY_COMPARE_WITH_TIMEOUT(gotRoster.count(), 1, replyDeadlineMs);
-    const DemoCamera only = service.cameras().value(0);
-    cameraNumber = only.number;
-    camera = client.serverList().value(only.server)->cameras().value(only.camera);
-    QVERIFY(camera);
+private slots:
+    void initTestCase()
+    {
+        DemoService::Options options;
+        options.plain = true;
+        options.servers = 1;
+        options.cameras = 1;
+        options.lanServers = 0;
+        QVERIFY2(service.start(options), qPrintable(service.errorString()));
+        useService(service);
 
-    grid = std::make_unique<GUI::LayoutWidget>();
-    connect(grid.get(), &GUI::LayoutWidget::cameraAdded, this,
-            [this](const API::CameraPtr &added) { grid->player(added)->playLive(); });
-    grid->resize(640, 360);
-    grid->show();
-    grid->openLayout(API::LayoutPtr::create());
-}
+        // The placeholders' pictures collect in Qt's cache up to its limit, which would pass for a
+        // leak until it is reached.
+        QPixmapCache::setCacheLimit(pictureCacheKiB);
+        // Hundreds of cycles would drown the figures.
+        QLoggingCategory::setFilterRules("default.debug=false\ndefault.warning=false"_s);
+        // Signed in without a window, whose requests would open and close sockets of their own.
+        API::CloudAPIClient client;
+        QSignalSpy signedIn(&client, &API::CloudAPIClient::loginSuccess);
+        client.tryLogin(service.email(), service.password());
+        QTRY_COMPARE_WITH_TIMEOUT(signedIn.count(), 1, replyDeadlineMs);
+        QSignalSpy gotRoster(&client, &API::CloudAPIClient::rosterUpdated);
+        client.updateRoster();
+        QTRY_COMPARE_WITH_TIMEOUT(gotRoster.count(), 1, replyDeadlineMs);
+        const DemoCamera only = service.cameras().value(0);
+        cameraNumber = only.number;
+        camera = client.serverList().value(only.server)->cameras().value(only.camera);
+        QVERIFY(camera);
 
-void PlayerSoakTest::cleanupTestCase()
-{
-    setClockAheadSeconds(0);
-    grid.reset();
-    service.stop();
-}
+        grid = std::make_unique<GUI::LayoutWidget>();
+        connect(grid.get(), &GUI::LayoutWidget::cameraAdded, this,
+                [this](const API::CameraPtr &added) { grid->player(added)->playLive(); });
+        grid->resize(640, 360);
+        grid->show();
+        grid->openLayout(API::LayoutPtr::create());
+    }
 
-VideoWidget *PlayerSoakTest::openTile()
-{
-    grid->addCamera(camera);
-    return grid->player(camera);
-}
+    void cleanupTestCase()
+    {
+        setClockAheadSeconds(0);
+        grid.reset();
+        service.stop();
+    }
 
-void PlayerSoakTest::closeTile()
-{
-    const QPointer<VideoWidget> tile = grid->player(camera);
-    tile->findChild<QPushButton *>(QStringLiteral("closeButton"))->click();
-    QTRY_VERIFY(!tile);
-    QCOMPARE(grid->playerCount(), 0);
-}
-
-void PlayerSoakTest::nothingStays(const ProcessTraces &before, qint64 memoryBefore)
-{
-    QTRY_COMPARE(ProcessTraces::now().text(), before.text());
-    QTRY_COMPARE(service.openStreams(), 0);
-    const qint64 growth = residentBytes() - memoryBefore;
-    qInfo("%s; memory grew by %lld KiB", qPrintable(before.text()),
-          static_cast<long long>(growth / 1024));
-    if (memoryTells)
-        QVERIFY2(growth < memoryGrowthLimit, QByteArray::number(growth));
-}
-
-void PlayerSoakTest::openedAndClosed()
-{
-    ProcessTraces before;
-    qint64 memoryBefore = 0;
-    for (int cycle = -warmUpCycles; cycle < cycleCount(); ++cycle) {
-        if (cycle == 0) {
-            QTRY_COMPARE(service.openStreams(), 0);
-            before = ProcessTraces::now();
-            memoryBefore = residentBytes();
+    void openedAndClosed()
+    {
+        ProcessTraces before;
+        qint64 memoryBefore = 0;
+        for (int cycle = -warmUpCycles; cycle < cycleCount(); ++cycle) {
+            if (cycle == 0) {
+                QTRY_COMPARE(service.openStreams(), 0);
+                before = ProcessTraces::now();
+                memoryBefore = residentBytes();
+            }
+            VideoWidget *tile = openTile();
+            QVERIFY(tile);
+            QTRY_COMPARE_WITH_TIMEOUT(stripOf(tile).value_or(Strip()).camera, cameraNumber,
+                                      pictureDeadlineMs);
+            if (cycle == 0) {
+                const ProcessTraces during = ProcessTraces::now();
+                QCOMPARE(during.mappings, before.mappings + 1);
+                QCOMPARE(during.files, before.files + 1);
+                QCOMPARE(during.children, before.children + 1);
+                QVERIFY(during.descriptors > before.descriptors);
+            }
+            closeTile();
         }
+        nothingStays(before, memoryBefore);
+    }
+
+    void killedAtRandomMoments()
+    {
+        QTRY_COMPARE(service.openStreams(), 0);
+        const ProcessTraces before = ProcessTraces::now();
+        const qint64 memoryBefore = residentBytes();
         VideoWidget *tile = openTile();
         QVERIFY(tile);
-        QTRY_COMPARE_WITH_TIMEOUT(stripOf(tile).value_or(Strip()).camera, cameraNumber,
-                                  pictureDeadlineMs);
-        if (cycle == 0) {
-            const ProcessTraces during = ProcessTraces::now();
-            QCOMPARE(during.mappings, before.mappings + 1);
-            QCOMPARE(during.files, before.files + 1);
-            QCOMPARE(during.children, before.children + 1);
-            QVERIFY(during.descriptors > before.descriptors);
+        for (int kill = 0; kill < killCount(); ++kill) {
+            if (kill % 2 == 0)
+                killedWhilePlaying(tile);
+            else
+                killedAnyTime(tile);
+            if (QTest::currentTestFailed())
+                return;
         }
+        QVERIFY(showsMovingPicture(tile, cameraNumber));
         closeTile();
+        nothingStays(before, memoryBefore);
     }
-    nothingStays(before, memoryBefore);
-}
 
-/// The tile itself brings the child back.
-void PlayerSoakTest::killedWhilePlaying(VideoWidget *tile)
-{
-    QTRY_VERIFY_WITH_TIMEOUT(tile->isPlaying(), pictureDeadlineMs);
-    liveForRandomTime();
-    killChild(tile);
-    clockAheadSeconds += watchdogSeconds;
-    setClockAheadSeconds(clockAheadSeconds);
-    QTimerEvent tick(0);
-    QCoreApplication::sendEvent(tile, &tick);
-    QVERIFY(childOf(tile) > 0);
-}
-
-/// Its user does: the tile gives up after three children in a row, and does not bring one back
-/// that had no picture yet.
-void PlayerSoakTest::killedAnyTime(VideoWidget *tile)
-{
-    QVERIFY(tile->playLive());
-    liveForRandomTime();
-    killChild(tile);
-    QVERIFY(tile->playLive());
-    QVERIFY(childOf(tile) > 0);
-}
-
-void PlayerSoakTest::killedAtRandomMoments()
-{
-    QTRY_COMPARE(service.openStreams(), 0);
-    const ProcessTraces before = ProcessTraces::now();
-    const qint64 memoryBefore = residentBytes();
-    VideoWidget *tile = openTile();
-    QVERIFY(tile);
-    for (int kill = 0; kill < killCount(); ++kill) {
-        if (kill % 2 == 0)
-            killedWhilePlaying(tile);
-        else
-            killedAnyTime(tile);
-        if (QTest::currentTestFailed())
-            return;
+private:
+    VideoWidget *openTile()
+    {
+        grid->addCamera(camera);
+        return grid->player(camera);
     }
-    QVERIFY(showsMovingPicture(tile, cameraNumber));
-    closeTile();
-    nothingStays(before, memoryBefore);
-}
+
+    void closeTile()
+    {
+        const QPointer<VideoWidget> tile = grid->player(camera);
+        tile->findChild<QPushButton *>("closeButton"_s)->click();
+        QTRY_VERIFY(!tile);
+        QCOMPARE(grid->playerCount(), 0);
+    }
+
+    /// The tile itself brings the child back.
+    void killedWhilePlaying(VideoWidget *tile)
+    {
+        QTRY_VERIFY_WITH_TIMEOUT(tile->isPlaying(), pictureDeadlineMs);
+        liveForRandomTime();
+        killChild(tile);
+        clockAheadSeconds += watchdogSeconds;
+        setClockAheadSeconds(clockAheadSeconds);
+        QTimerEvent tick(0);
+        QCoreApplication::sendEvent(tile, &tick);
+        QVERIFY(childOf(tile) > 0);
+    }
+
+    /// Its user does: the tile gives up after three children in a row, and does not bring one back
+    /// that had no picture yet.
+    void killedAnyTime(VideoWidget *tile)
+    {
+        QVERIFY(tile->playLive());
+        liveForRandomTime();
+        killChild(tile);
+        QVERIFY(tile->playLive());
+        QVERIFY(childOf(tile) > 0);
+    }
+
+    void nothingStays(const ProcessTraces &before, qint64 memoryBefore)
+    {
+        QTRY_COMPARE(ProcessTraces::now().text(), before.text());
+        QTRY_COMPARE(service.openStreams(), 0);
+        const qint64 growth = residentBytes() - memoryBefore;
+        qInfo("%s; memory grew by %lld KiB", qPrintable(before.text()),
+              static_cast<long long>(growth / 1024));
+        if (memoryTells)
+            QVERIFY2(growth < memoryGrowthLimit, QByteArray::number(growth));
+    }
+
+    DemoService service;
+    API::CameraPtr camera;
+    int cameraNumber = 0;
+    std::unique_ptr<GUI::LayoutWidget> grid;
+    int clockAheadSeconds = 0;
+};
 
 int main(int argc, char **argv)
 {

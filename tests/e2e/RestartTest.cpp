@@ -1,34 +1,19 @@
 // SPDX-License-Identifier: MIT
-#include <QDir>
-#include <QJsonArray>
-#include <QSettings>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "tests/e2e/ClientProcess.h"
 #include "tests/support/DemoService.h"
 
-using namespace ZorvaneClient::Tests;
-
-/// Another language, from the settings page to the process that speaks it.
-class RestartTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void languageComesWithTheRestart_data();
-    void languageComesWithTheRestart();
-};
-
 namespace {
 
 constexpr int deadlineMs = 30000;
-const QString sessionsPath = QStringLiteral("/public/sessions");
-const QString settingsPage = QStringLiteral("SettingsWidget");
-const QString mainWindow = QStringLiteral("MainWindow");
-const QString loginDialog = QStringLiteral("LoginDialog");
-const QString question = QStringLiteral("QMessageBox");
+const QString sessionsPath = "/public/sessions"_s;
+const QString settingsPage = "SettingsWidget"_s;
+const QString mainWindow = "MainWindow"_s;
+const QString loginDialog = "LoginDialog"_s;
+const QString question = "QMessageBox"_s;
 
-const QStringList languages{QStringLiteral("en"), QStringLiteral("ru")};
+const QStringList languages{"en"_s, "ru"_s};
 
 struct Texts {
     QString restartNotice;
@@ -39,10 +24,9 @@ struct Texts {
 
 /// In the order of `languages`.
 const Texts texts[] = {
-    {QStringLiteral("Restart required for changes to take effect"), QStringLiteral("Account"),
-     QStringLiteral("Cancel"), QStringLiteral("Sign Up")},
-    {QStringLiteral("Перезапустите приложение для применения настроек"),
-     QStringLiteral("Учетная запись"), QStringLiteral("Отмена"), QStringLiteral("Регистрация")}};
+    {"Restart required for changes to take effect"_s, "Account"_s, "Cancel"_s, "Sign Up"_s},
+    {"Перезапустите приложение для применения настроек"_s, "Учетная запись"_s, "Отмена"_s,
+     "Регистрация"_s}};
 
 QString newFolder(const QString &name)
 {
@@ -53,87 +37,91 @@ QString newFolder(const QString &name)
 /// The settings of someone who is signed in.
 void rememberAccount(const QString &folder, const DemoService &service, const QString &language)
 {
-    QSettings settings(QDir(folder).filePath(QStringLiteral("ZorvaneClient.ini")),
-                       QSettings::IniFormat);
-    settings.setValue(QStringLiteral("auth/email"), service.email());
-    settings.setValue(QStringLiteral("auth/password"), service.password());
-    settings.setValue(QStringLiteral("auth/saveAuth"), true);
-    settings.setValue(QStringLiteral("common/language"), language);
+    QSettings settings(QDir(folder).filePath("ZorvaneClient.ini"_s), QSettings::IniFormat);
+    settings.setValue("auth/email"_s, service.email());
+    settings.setValue("auth/password"_s, service.password());
+    settings.setValue("auth/saveAuth"_s, true);
+    settings.setValue("common/language"_s, language);
 }
 
 } // namespace
 
-void RestartTest::languageComesWithTheRestart_data()
+/// Another language, from the settings page to the process that speaks it.
+class RestartTest : public QObject
 {
-    QTest::addColumn<int>("before");
-    QTest::addColumn<int>("after");
-    QTest::newRow("Russian") << 0 << 1;
-    QTest::newRow("English") << 1 << 0;
-}
+    Q_OBJECT
 
-void RestartTest::languageComesWithTheRestart()
-{
-    QFETCH(int, before);
-    QFETCH(int, after);
-    const QString folder = newFolder(languages.at(after));
-    DemoService::Options options;
-    options.servers = 1;
-    options.cameras = 1;
-    options.lanServers = 0;
-    options.further = QStringList{QStringLiteral("--write-config"), folder};
-    DemoService service;
-    QVERIFY2(service.start(options), qPrintable(service.errorString()));
-    rememberAccount(folder, service, languages.at(before));
+private slots:
+    void languageComesWithTheRestart_data()
+    {
+        rows<int, int>({"before", "after"}, {
+                                                {"Russian", 0, 1},
+                                                {"English", 1, 0},
+                                            });
+    }
 
-    ClientProcess client(folder);
-    const QString argument = QStringLiteral("an argument, handed on");
-    QVERIFY(client.start({argument}));
-    const QJsonObject started = client.client();
-    QTRY_VERIFY_WITH_TIMEOUT(client.shows(mainWindow), deadlineMs);
-    QCOMPARE(service.requestCount(sessionsPath), 1);
+    void languageComesWithTheRestart()
+    {
+        const auto [before, after] = row<int, int>();
+        const QString folder = newFolder(languages.at(after));
+        DemoService::Options options;
+        options.servers = 1;
+        options.cameras = 1;
+        options.lanServers = 0;
+        options.further = QStringList{"--write-config"_s, folder};
+        DemoService service;
+        QVERIFY2(service.start(options), qPrintable(service.errorString()));
+        rememberAccount(folder, service, languages.at(before));
 
-    QVERIFY(client.press(QStringLiteral("ToolBar"), QStringLiteral("settingsButton")));
-    QTRY_VERIFY(client.shows(settingsPage));
-    QVERIFY(!client.texts(settingsPage).contains(texts[before].restartNotice));
-    QVERIFY(client.choose(settingsPage, QStringLiteral("languageBox"), after));
-    // What stands on the screen keeps its language.
-    QVERIFY(client.texts(settingsPage).contains(texts[before].restartNotice));
-    QVERIFY(client.press(settingsPage, QStringLiteral("restartButton")));
+        ClientProcess client(folder);
+        const QString argument = "an argument, handed on"_s;
+        QVERIFY(client.start({argument}));
+        const QJsonObject started = client.client();
+        QTRY_VERIFY_WITH_TIMEOUT(client.shows(mainWindow), deadlineMs);
+        QCOMPARE(service.requestCount(sessionsPath), 1);
 
-    QVERIFY(client.waitForClient(2));
-    QTRY_COMPARE_WITH_TIMEOUT(client.process().state(), QProcess::NotRunning, deadlineMs);
-    QCOMPARE(client.process().exitStatus(), QProcess::NormalExit);
-    QCOMPARE(client.process().exitCode(), 0);
-    QVERIFY(client.client().value(QLatin1String("pid")) != started.value(QLatin1String("pid")));
-    QVERIFY(client.client().value(QLatin1String("parent")) !=
-            started.value(QLatin1String("parent")));
-    QCOMPARE(client.client().value(QLatin1String("folder")).toString(), folder);
-    // The program stands in it once more.
-    QJsonArray arguments = started.value(QLatin1String("arguments")).toArray();
-    arguments.prepend(arguments.first());
-    QCOMPARE(client.client().value(QLatin1String("arguments")).toArray(), arguments);
+        QVERIFY(client.press("ToolBar"_s, "settingsButton"_s));
+        QTRY_VERIFY(client.shows(settingsPage));
+        QVERIFY(!client.texts(settingsPage).contains(texts[before].restartNotice));
+        QVERIFY(client.choose(settingsPage, "languageBox"_s, after));
+        // What stands on the screen keeps its language.
+        QVERIFY(client.texts(settingsPage).contains(texts[before].restartNotice));
+        QVERIFY(client.press(settingsPage, "restartButton"_s));
 
-    QTRY_VERIFY_WITH_TIMEOUT(client.shows(mainWindow), deadlineMs);
-    QCOMPARE(service.requestCount(sessionsPath), 2);
-    QVERIFY(client.press(QStringLiteral("ToolBar"), QStringLiteral("settingsButton")));
-    QTRY_VERIFY(client.shows(settingsPage));
-    QVERIFY(client.texts(settingsPage).contains(texts[after].accountLabel));
-    QVERIFY(!client.texts(settingsPage).contains(texts[after].restartNotice));
+        QVERIFY(client.waitForClient(2));
+        QTRY_COMPARE_WITH_TIMEOUT(client.process().state(), QProcess::NotRunning, deadlineMs);
+        QCOMPARE(client.process().exitStatus(), QProcess::NormalExit);
+        QCOMPARE(client.process().exitCode(), 0);
+        QVERIFY(client.client().value("pid"_s) != started.value("pid"_s));
+        QVERIFY(client.client().value("parent"_s) != started.value("parent"_s));
+        QCOMPARE(client.client().value("folder"_s).toString(), folder);
+        // The program stands in it once more.
+        QJsonArray arguments = started.value("arguments"_s).toArray();
+        arguments.prepend(arguments.first());
+        QCOMPARE(client.client().value("arguments"_s).toArray(), arguments);
 
-    QVERIFY(client.press(settingsPage, QStringLiteral("signoutButton")));
-    QTRY_VERIFY(client.shows(question));
-    QVERIFY(client.texts(question).contains(texts[after].cancelButton));
-    QVERIFY(client.answerQuestion(true));
-    QTRY_VERIFY_WITH_TIMEOUT(client.shows(loginDialog), deadlineMs);
-    QVERIFY(client.texts(loginDialog).contains(texts[after].signUpButton));
-    QVERIFY(client.press(loginDialog, QStringLiteral("signUpButton")));
-    QTRY_COMPARE(client.openedLinks().size(), 1);
-    QVERIFY2(client.openedLinks().first().endsWith(QStringLiteral("&lang=") + languages.at(after)),
-             qPrintable(client.openedLinks().first()));
+        QTRY_VERIFY_WITH_TIMEOUT(client.shows(mainWindow), deadlineMs);
+        QCOMPARE(service.requestCount(sessionsPath), 2);
+        QVERIFY(client.press("ToolBar"_s, "settingsButton"_s));
+        QTRY_VERIFY(client.shows(settingsPage));
+        QVERIFY(client.texts(settingsPage).contains(texts[after].accountLabel));
+        QVERIFY(!client.texts(settingsPage).contains(texts[after].restartNotice));
 
-    QVERIFY(client.close(loginDialog));
-    QTRY_VERIFY_WITH_TIMEOUT(!client.isClientRunning(), deadlineMs);
-}
+        QVERIFY(client.press(settingsPage, "signoutButton"_s));
+        QTRY_VERIFY(client.shows(question));
+        QVERIFY(client.texts(question).contains(texts[after].cancelButton));
+        QVERIFY(client.answerQuestion(true));
+        QTRY_VERIFY_WITH_TIMEOUT(client.shows(loginDialog), deadlineMs);
+        QVERIFY(client.texts(loginDialog).contains(texts[after].signUpButton));
+        QVERIFY(client.press(loginDialog, "signUpButton"_s));
+        QTRY_COMPARE(client.openedLinks().size(), 1);
+        QVERIFY2(client.openedLinks().first().endsWith("&lang="_s + languages.at(after)),
+                 qPrintable(client.openedLinks().first()));
+
+        QVERIFY(client.close(loginDialog));
+        QTRY_VERIFY_WITH_TIMEOUT(!client.isClientRunning(), deadlineMs);
+    }
+};
 
 QTEST_GUILESS_MAIN(RestartTest)
 #include "RestartTest.moc"

@@ -1,38 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QProcess>
-#include <QRandomGenerator>
-#include <QThread>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "API/Layout.h"
 #include "API/LayoutDocument.h"
 #include "tests/e2e/SavedLayouts.h"
-
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
-
-/// Whatever moment a process dies at, the cache file holds one whole list of layouts.
-class SaveKillTest : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void initTestCase();
-    void killedInTheMiddleOfSaves();
-
-private:
-    /// Which content the cache file holds, -1 for none of them.
-    int variantInCache() const;
-
-    QString cacheFile;
-    QJsonArray contents[savedVariants];
-};
 
 namespace {
 
@@ -47,59 +18,72 @@ int killCount()
 
 } // namespace
 
-void SaveKillTest::initTestCase()
+/// Whatever moment a process dies at, the cache file holds one whole list of layouts.
+class SaveKillTest : public QObject
 {
-    QCoreApplication::setApplicationName(QStringLiteral("Zorvane Client"));
-    cacheFile = API::Internal::layoutsCacheFile(QString::fromLatin1(saverEmail()));
-    QVERIFY(QDir().mkpath(QFileInfo(cacheFile).path()));
-    for (int variant = 0; variant < savedVariants; ++variant) {
-        API::LayoutsContainer layouts;
-        for (const API::LayoutPtr &layout : savedLayouts(variant))
-            layouts.insert(layout->id(), layout);
-        contents[variant] = QJsonArray::fromVariantList(API::Internal::toVariantList(layouts));
-    }
-    QVERIFY(contents[0] != contents[1]);
-}
+    Q_OBJECT
 
-int SaveKillTest::variantInCache() const
-{
-    QFile file(cacheFile);
-    if (!file.open(QIODevice::ReadOnly))
-        return -1;
-    const QJsonObject document = QJsonDocument::fromJson(file.readAll()).object();
-    if (document.value(QLatin1String("last_update")).toInt() <= 0)
-        return -1;
-    const QJsonArray layouts = document.value(QLatin1String("layouts")).toArray();
-    for (int variant = 0; variant < savedVariants; ++variant) {
-        if (layouts == contents[variant])
-            return variant;
+private slots:
+    void initTestCase()
+    {
+        QCoreApplication::setApplicationName("Zorvane Client"_s);
+        cacheFile = API::Internal::layoutsCacheFile(QString::fromLatin1(saverEmail()));
+        QVERIFY(QDir().mkpath(QFileInfo(cacheFile).path()));
+        for (int variant = 0; variant < savedVariants; ++variant) {
+            API::LayoutsContainer layouts;
+            for (const API::LayoutPtr &layout : savedLayouts(variant))
+                layouts.insert(layout->id(), layout);
+            contents[variant] = QJsonArray::fromVariantList(API::Internal::toVariantList(layouts));
+        }
+        QVERIFY(contents[0] != contents[1]);
     }
-    return -1;
-}
 
-void SaveKillTest::killedInTheMiddleOfSaves()
-{
-    int found[savedVariants] = {};
-    for (int kill = 0; kill < killCount(); ++kill) {
-        QProcess saver;
-        saver.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        saver.start(QStringLiteral(ZORVANE_TEST_BIN_DIR "/layout-saver"), QStringList());
-        QTRY_VERIFY_WITH_TIMEOUT(saver.canReadLine(), 30000);
-        QThread::usleep(QRandomGenerator::global()->bounded(quint32(longestLifeMicroseconds)));
-        QCOMPARE(saver.state(), QProcess::Running);
-        saver.kill();
-        QVERIFY(saver.waitForFinished());
-        const int variant = variantInCache();
-        QVERIFY2(variant >= 0, qPrintable(QStringLiteral("torn by kill %1").arg(kill)));
-        ++found[variant];
+    void killedInTheMiddleOfSaves()
+    {
+        int found[savedVariants] = {};
+        for (int kill = 0; kill < killCount(); ++kill) {
+            QProcess saver;
+            saver.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+            saver.start(QStringLiteral(ZORVANE_TEST_BIN_DIR "/layout-saver"), QStringList());
+            QTRY_VERIFY_WITH_TIMEOUT(saver.canReadLine(), 30000);
+            QThread::usleep(QRandomGenerator::global()->bounded(quint32(longestLifeMicroseconds)));
+            QCOMPARE(saver.state(), QProcess::Running);
+            saver.kill();
+            QVERIFY(saver.waitForFinished());
+            const int variant = variantInCache();
+            QVERIFY2(variant >= 0, qPrintable("torn by kill %1"_s.arg(kill)));
+            ++found[variant];
+        }
+        const QFileInfo cache(cacheFile);
+        const int strays = cache.dir().entryList({"layouts.*"_s}, QDir::Files).size() - 1;
+        qInfo("%d kills in the middle of writing %lld bytes: %d times one content, %d the other; "
+              "%d unfinished files beside it",
+              killCount(), static_cast<long long>(cache.size()), found[0], found[1], strays);
+        QVERIFY2(found[0] > 0 && found[1] > 0, "the kills fell at one and the same moment");
     }
-    const QFileInfo cache(cacheFile);
-    const int strays = cache.dir().entryList({QStringLiteral("layouts.*")}, QDir::Files).size() - 1;
-    qInfo("%d kills in the middle of writing %lld bytes: %d times one content, %d the other; "
-          "%d unfinished files beside it",
-          killCount(), static_cast<long long>(cache.size()), found[0], found[1], strays);
-    QVERIFY2(found[0] > 0 && found[1] > 0, "the kills fell at one and the same moment");
-}
+
+private:
+    /// Which content the cache file holds, -1 for none of them.
+
+    int variantInCache() const
+    {
+        QFile file(cacheFile);
+        if (!file.open(QIODevice::ReadOnly))
+            return -1;
+        const QJsonObject document = QJsonDocument::fromJson(file.readAll()).object();
+        if (document.value("last_update"_s).toInt() <= 0)
+            return -1;
+        const QJsonArray layouts = document.value("layouts"_s).toArray();
+        for (int variant = 0; variant < savedVariants; ++variant) {
+            if (layouts == contents[variant])
+                return variant;
+        }
+        return -1;
+    }
+
+    QString cacheFile;
+    QJsonArray contents[savedVariants];
+};
 
 QTEST_MAIN(SaveKillTest)
 #include "SaveKillTest.moc"

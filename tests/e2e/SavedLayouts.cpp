@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/SavedLayouts.h"
 
-#include <QVariantMap>
+#include "tests/support/Test.h"
 
 #include "API/Layout.h"
 #include "tests/support/Roster.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 namespace {
 
 constexpr int layoutCount = 40;
 constexpr int gridSide = 6;
-const QString serverId = QStringLiteral("saver-server");
+const QString serverId = "saver-server"_s;
 
 void makeRoster()
 {
@@ -21,15 +20,15 @@ void makeRoster()
         return;
     QStringList names;
     for (int camera = 1; camera <= gridSide * gridSide; ++camera)
-        names << QStringLiteral("camera %1").arg(camera);
+        names << "camera %1"_s.arg(camera);
     addServerToRoster(serverId, names);
 }
 
 API::LayoutPtr savedLayout(int variant, int number)
 {
-    const QString id = QStringLiteral("layout-%1").arg(number, 2, 10, QLatin1Char('0'));
-    const auto layout = API::LayoutPtr::create(QVariantMap{{QStringLiteral("id"), id}});
-    layout->setName(QStringLiteral("%1 of variant %2").arg(id).arg(variant));
+    const QString id = "layout-%1"_s.arg(number, 2, 10, QLatin1Char('0'));
+    const auto layout = API::LayoutPtr::create(QVariantMap{{"id"_s, id}});
+    layout->setName("%1 of variant %2"_s.arg(id).arg(variant));
     layout->resize(gridSide, gridSide);
     for (int cell = 0; cell < gridSide * gridSide; ++cell) {
         const int camera = 1 + (cell + variant) % (gridSide * gridSide);
@@ -54,5 +53,4 @@ QList<API::LayoutPtr> savedLayouts(int variant)
     return layouts;
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

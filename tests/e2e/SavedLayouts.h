@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QByteArray>
-#include <QList>
+#include "tests/support/Test.h"
 
 #include "API/Types.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// How many contents savedLayouts() knows.
 constexpr int savedVariants = 2;
@@ -18,5 +16,4 @@ QByteArray saverEmail();
 /// and in every cell of every layout, so a mixture of the two is neither.
 QList<API::LayoutPtr> savedLayouts(int variant);
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

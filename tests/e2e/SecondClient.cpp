@@ -4,16 +4,9 @@
 // with. Signs in, waits for the card of that layout, opens it and prints what it sees, a line
 // of JSON each: the stamp of its first copy of the layouts, the moment of the card, the
 // painted wall. Ends with its standard input.
-#include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QSocketNotifier>
-#include <QTimer>
-#include <QtTest>
+#include "tests/support/Test.h"
 
-#include <chrono>
 #include <cstdio>
-#include <functional>
 
 #include <unistd.h>
 
@@ -26,9 +19,6 @@
 #include "GUI/MainWindow.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
-
-using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
 
 namespace {
 
@@ -67,8 +57,7 @@ private:
         if (!file.open(QIODevice::ReadOnly))
             return;
         hasStamp = true;
-        say(QStringLiteral("stamp"),
-            QJsonDocument::fromJson(file.readAll()).object().value(QLatin1String("last_update")));
+        say("stamp"_s, QJsonDocument::fromJson(file.readAll()).object().value("last_update"_s));
     }
 
     void lookForCard()
@@ -77,7 +66,7 @@ private:
         if (!card)
             return;
         hasCard = true;
-        say(QStringLiteral("card"), static_cast<double>(QDateTime::currentMSecsSinceEpoch()));
+        say("card"_s, static_cast<double>(QDateTime::currentMSecsSinceEpoch()));
         press(mainWindow(), "layoutsButton");
         QTest::mouseClick(card, Qt::LeftButton);
     }
@@ -87,7 +76,7 @@ private:
         const API::LayoutPtr layout = gridOf(mainWindow())->workingLayout();
         const QString wall = paintedWall(mainWindow(), layout->rows(), layout->columns());
         if (wall != saidWall)
-            say(QStringLiteral("wall"), wall);
+            say("wall"_s, wall);
         saidWall = wall;
     }
 

@@ -1,16 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/Wall.h"
 
-#include <QDataStream>
-#include <QDragEnterEvent>
-#include <QDropEvent>
-#include <QHash>
-#include <QLabel>
-#include <QPushButton>
-#include <QStringList>
-#include <QtTest>
-
-#include <algorithm>
+#include "tests/support/Test.h"
 
 #include "GUI/LayoutCard.h"
 #include "GUI/LayoutWidget.h"
@@ -18,8 +9,7 @@
 #include "GUI/Player/VideoWidget.h"
 #include "tests/e2e/EndToEnd.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 namespace {
 
@@ -33,11 +23,11 @@ std::unique_ptr<QMimeData> mimeData(const QString &format, const QByteArray &pay
 QString cellText(const QImage &wall, const QWidget *widget)
 {
     if (!widget)
-        return QStringLiteral("-");
+        return "-"_s;
     if (!qobject_cast<const GUI::Player::VideoWidget *>(widget))
-        return QStringLiteral(".");
+        return "."_s;
     const auto strip = StripReader::readTile(wall.copy(widget->geometry()));
-    return strip ? QString::number(strip->camera) : QStringLiteral("?");
+    return strip ? QString::number(strip->camera) : "?"_s;
 }
 
 } // namespace
@@ -96,11 +86,11 @@ QString WallPlan::text() const
         QStringList line;
         for (int column = 0; column < columnCount; ++column) {
             const int camera = at(row, column);
-            line << (camera == 0 ? QStringLiteral(".") : QString::number(camera));
+            line << (camera == 0 ? "."_s : QString::number(camera));
         }
         lines << line.join(QLatin1Char(' '));
     }
-    return lines.join(QStringLiteral(" | "));
+    return lines.join(" | "_s);
 }
 
 GUI::LayoutWidget *gridOf(GUI::MainWindow *window)
@@ -131,7 +121,7 @@ QString paintedWall(GUI::MainWindow *window, int rows, int columns)
             line << cellText(wall, widgetInCell(grid, {column, row}, rows, columns));
         lines << line.join(QLatin1Char(' '));
     }
-    return lines.join(QStringLiteral(" | "));
+    return lines.join(" | "_s);
 }
 
 bool everyTileMoves(GUI::MainWindow *window)
@@ -160,7 +150,7 @@ std::unique_ptr<QMimeData> cameraDrag(const QString &server, int camera)
     QByteArray payload;
     QDataStream stream(&payload, QIODevice::WriteOnly);
     stream << server << camera;
-    return mimeData(QStringLiteral("camera"), payload);
+    return mimeData("camera"_s, payload);
 }
 
 std::unique_ptr<QMimeData> serverDrag(const QString &server)
@@ -168,7 +158,7 @@ std::unique_ptr<QMimeData> serverDrag(const QString &server)
     QByteArray payload;
     QDataStream stream(&payload, QIODevice::WriteOnly);
     stream << server;
-    return mimeData(QStringLiteral("server"), payload);
+    return mimeData("server"_s, payload);
 }
 
 std::unique_ptr<QMimeData> tileDrag(API::LayoutPoint cell)
@@ -176,7 +166,7 @@ std::unique_ptr<QMimeData> tileDrag(API::LayoutPoint cell)
     QByteArray payload;
     QDataStream stream(&payload, QIODevice::WriteOnly);
     stream << cell.row << cell.column;
-    return mimeData(QStringLiteral("layout-swap"), payload);
+    return mimeData("layout-swap"_s, payload);
 }
 
 bool dropOn(QWidget *target, const QMimeData &data, Qt::DropAction action)
@@ -203,11 +193,10 @@ GUI::LayoutCard *layoutCard(GUI::MainWindow *window, const QString &name)
 {
     const QList<GUI::LayoutCard *> cards = window->findChildren<GUI::LayoutCard *>();
     for (GUI::LayoutCard *card : cards) {
-        if (card->findChild<QLabel *>(QStringLiteral("cameraName"))->text() == name)
+        if (card->findChild<QLabel *>("cameraName"_s)->text() == name)
             return card;
     }
     return nullptr;
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QMimeData>
-#include <QString>
-#include <QVector>
-
-#include <memory>
+#include "tests/support/Test.h"
 
 #include "API/Types.h"
 
@@ -17,7 +13,9 @@ class LayoutWidget;
 class MainWindow;
 } // namespace GUI
 
-namespace Tests {
+} // namespace ZorvaneClient
+
+namespace ZorvaneClient::Tests {
 
 /// Which camera should stand in which cell, by the numbers of their strips.
 class WallPlan
@@ -69,5 +67,4 @@ void press(GUI::MainWindow *window, const char *button);
 /// The card of that caption in the list of layouts, or null.
 GUI::LayoutCard *layoutCard(GUI::MainWindow *window, const QString &name);
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/GUI/Player/TileFixture.h"
 
-#include <QApplication>
-#include <QMouseEvent>
-#include <QPainter>
-#include <QRegularExpression>
-#include <QTimerEvent>
+#include "tests/support/Test.h"
 
 #include "API/Camera.h"
 #include "API/Server.h"
@@ -13,8 +9,7 @@
 #include "GUI/Player/VideoWidget.h"
 #include "tests/support/LogCapture.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 namespace {
 
@@ -31,24 +26,24 @@ API::CameraPtr localCamera(const QString &name)
 {
     const auto camera = API::CameraPtr::create();
     camera->setKind(API::LocalCamera);
-    camera->setId(QStringLiteral("127.0.0.1:8080"), 3);
+    camera->setId("127.0.0.1:8080"_s, 3);
     camera->setName(name);
-    camera->setSessionId(QStringLiteral("pass"));
+    camera->setSessionId("pass"_s);
     return camera;
 }
 
 API::CameraPtr cloudCamera(const QVariantMap &changes)
 {
-    const QVariantMap active{{QStringLiteral("active"), true}};
-    const QVariantMap services{{QStringLiteral("enabled"), active}};
-    QVariantMap json{{QStringLiteral("id"), 7},
-                     {QStringLiteral("name"), QStringLiteral("Gate")},
-                     {QStringLiteral("online"), true},
-                     {QStringLiteral("services"), services},
-                     {QStringLiteral("rights"), QStringList{"live", "archive"}}};
+    const QVariantMap active{{"active"_s, true}};
+    const QVariantMap services{{"enabled"_s, active}};
+    QVariantMap json{{"id"_s, 7},
+                     {"name"_s, "Gate"_s},
+                     {"online"_s, true},
+                     {"services"_s, services},
+                     {"rights"_s, QStringList{"live", "archive"}}};
     for (auto change = changes.begin(); change != changes.end(); ++change)
         json.insert(change.key(), change.value());
-    API::Server server(QVariantMap{{QStringLiteral("id"), QStringLiteral("srv")}});
+    API::Server server(QVariantMap{{"id"_s, "srv"_s}});
     return API::CameraPtr::create(&server, json);
 }
 
@@ -58,17 +53,17 @@ QString dumpOf(GUI::Player::VideoWidget &tile)
     QMouseEvent release(QEvent::MouseButtonRelease, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton,
                         Qt::NoButton, Qt::NoModifier);
     QApplication::sendEvent(&tile, &release);
-    return log.linesOf(QStringLiteral("Activated camera:")).value(0);
+    return log.linesOf("Activated camera:"_s).value(0);
 }
 
 QString stateOf(GUI::Player::VideoWidget &tile)
 {
-    return captured(dumpOf(tile), QStringLiteral("\" state: (\\w+) last request time:"));
+    return captured(dumpOf(tile), "\" state: (\\w+) last request time:"_s);
 }
 
 QString resolutionOf(GUI::Player::VideoWidget &tile)
 {
-    return captured(dumpOf(tile), QStringLiteral("resolution: (\\S+ x \\S+) playback time:"))
+    return captured(dumpOf(tile), "resolution: (\\S+ x \\S+) playback time:"_s)
         .remove(QLatin1Char(' '));
 }
 
@@ -118,5 +113,4 @@ void FakeClock::advance(int seconds)
     time = time.addSecs(seconds);
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QColor>
-#include <QDateTime>
-#include <QString>
-#include <QVariantMap>
+#include "tests/support/Test.h"
 
 #include "API/Types.h"
 
@@ -20,10 +17,12 @@ class VideoWidget;
 }
 } // namespace GUI
 
-namespace Tests {
+} // namespace ZorvaneClient
+
+namespace ZorvaneClient::Tests {
 
 /// A LAN camera that is online.
-API::CameraPtr localCamera(const QString &name = QStringLiteral("Door"));
+API::CameraPtr localCamera(const QString &name = "Door"_s);
 /// A camera of the cloud: online, paid for, with all rights, but for what `changes` says of
 /// its place in the roster.
 API::CameraPtr cloudCamera(const QVariantMap &changes = QVariantMap());
@@ -59,5 +58,4 @@ private:
     QDateTime time;
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

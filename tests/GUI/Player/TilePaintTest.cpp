@@ -1,27 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include <QAction>
-#include <QDir>
-#include <QDragEnterEvent>
-#include <QLabel>
-#include <QMenu>
-#include <QMimeData>
-#include <QPointer>
-#include <QPushButton>
-#include <QSignalSpy>
-#include <QStandardPaths>
-#include <QTimer>
-#include <QtTest>
-
-#include <memory>
+#include "tests/support/Test.h"
 
 #include "API/Camera.h"
 #include "GUI/Player/VideoWidget.h"
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/ScriptedChild.h"
 
-using namespace ZorvaneClient;
 using GUI::Player::VideoWidget;
-using namespace ZorvaneClient::Tests;
 
 namespace {
 
@@ -136,7 +121,7 @@ void TilePaintTest::fits()
     tile.resize(tileSize);
     tile.show();
     QVERIFY(tile.playLive());
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
+    QTRY_COMPARE(stateOf(tile), "Playing"_s);
     QImage expected(tileSize, QImage::Format_RGB32);
     expected.fill(background);
     for (int y = picture.top(); y <= picture.bottom(); ++y) {
@@ -172,7 +157,7 @@ void TilePaintTest::orientation()
     tile.resize(320, 240);
     tile.show();
     QVERIFY(tile.playLive());
-    QTRY_COMPARE(quartersOf(tile, QRect(0, 0, 320, 240)), QStringLiteral("RGBW"));
+    QTRY_COMPARE(quartersOf(tile, QRect(0, 0, 320, 240)), "RGBW"_s);
 
     camera->setRotation(rotation);
     camera->setMirrored(mirror);
@@ -191,10 +176,10 @@ void TilePaintTest::paintsFromTheMapping()
     tile.resize(320, 240);
     tile.show();
     QVERIFY(tile.playLive());
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
+    QTRY_COMPARE(stateOf(tile), "Playing"_s);
     QCOMPARE(pixelOf(tile, 160, 120), QColor(Qt::red));
-    child.tell(QStringLiteral("go"));
-    QTRY_VERIFY(dumpOf(tile).contains(QLatin1String("VLC state: \"blue\"")));
+    child.tell("go"_s);
+    QTRY_VERIFY(dumpOf(tile).contains("VLC state: \"blue\""_s));
     QCOMPARE(pixelOf(tile, 160, 120), QColor(Qt::blue));
 }
 
@@ -204,7 +189,7 @@ void TilePaintTest::clearedPictureIsClearedInTheFile()
     VideoWidget tile(localCamera());
     tile.show();
     QVERIFY(tile.playLive());
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
+    QTRY_COMPARE(stateOf(tile), "Playing"_s);
     tile.stop();
     QFile file(QDir::temp().filePath(child.starts().first().value(1)));
     QVERIFY(file.open(QIODevice::ReadOnly));
@@ -218,10 +203,10 @@ void TilePaintTest::hiddenTileShowsNoPicture()
     VideoWidget tile(localCamera());
     tile.resize(320, 240);
     QVERIFY(tile.playLive());
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-    QCOMPARE(quartersOf(tile, tile.rect()), QStringLiteral("????"));
+    QTRY_COMPARE(stateOf(tile), "Playing"_s);
+    QCOMPARE(quartersOf(tile, tile.rect()), "????"_s);
     tile.show();
-    QCOMPARE(quartersOf(tile, tile.rect()), QStringLiteral("RGBW"));
+    QCOMPARE(quartersOf(tile, tile.rect()), "RGBW"_s);
 }
 
 void TilePaintTest::message_data()
@@ -236,7 +221,7 @@ void TilePaintTest::message_data()
 void TilePaintTest::message()
 {
     QFETCH(QSize, tileSize);
-    const QString name = QStringLiteral("Entrance of the large northern warehouse");
+    const QString name = "Entrance of the large northern warehouse"_s;
     const API::CameraPtr camera = localCamera(name);
     camera->setFlags(API::CameraOffline);
     VideoWidget tile(camera);
@@ -268,7 +253,7 @@ void TilePaintTest::dropBorder()
     tile.show();
     sendEnter(tile);
     QMimeData data;
-    data.setData(QStringLiteral("camera"), "x");
+    data.setData("camera"_s, "x");
     QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&tile, &enter);
     QCOMPARE(pixelOf(tile, 1, 120), selection);
@@ -283,8 +268,8 @@ void TilePaintTest::barsFollowTheMouse()
     VideoWidget tile(localCamera());
     tile.resize(320, 240);
     tile.show();
-    const QWidget &top = *tile.findChild<QWidget *>(QStringLiteral("topBar"));
-    const QWidget &bottom = *tile.findChild<QWidget *>(QStringLiteral("bottomBar"));
+    const QWidget &top = *tile.findChild<QWidget *>("topBar"_s);
+    const QWidget &bottom = *tile.findChild<QWidget *>("bottomBar"_s);
     QVERIFY(!top.isVisible() && !bottom.isVisible());
     sendEnter(tile);
     QVERIFY(top.isVisible() && bottom.isVisible());
@@ -299,8 +284,8 @@ void TilePaintTest::barsStayForTheMenu()
     VideoWidget tile(localCamera());
     tile.resize(320, 240);
     tile.show();
-    const QWidget &top = *tile.findChild<QWidget *>(QStringLiteral("topBar"));
-    QMenu &menu = *tile.findChild<QPushButton *>(QStringLiteral("settingsButton"))->menu();
+    const QWidget &top = *tile.findChild<QWidget *>("topBar"_s);
+    QMenu &menu = *tile.findChild<QPushButton *>("settingsButton"_s)->menu();
     sendEnter(tile);
     menu.popup(tile.mapToGlobal(QPoint(50, 50)));
     QTRY_VERIFY(menu.isVisible());
@@ -324,8 +309,7 @@ void TilePaintTest::buttonComesBackFromItsMenu()
     tile->resize(320, 240);
     tile->show();
     sendEnter(*tile);
-    const QPointer<QPushButton> button =
-        tile->findChild<QPushButton *>(QStringLiteral("settingsButton"));
+    const QPointer<QPushButton> button = tile->findChild<QPushButton *>("settingsButton"_s);
     const QPointer<QMenu> menu = button->menu();
     QSignalSpy hidden(menu, &QMenu::aboutToHide);
     QTimer::singleShot(0, menu, [menu] { menu->hide(); });
@@ -366,9 +350,9 @@ void TilePaintTest::doubleClickOnABarIsEaten()
 
 void TilePaintTest::nameIsElided()
 {
-    const QString name = QStringLiteral("Entrance of the large northern warehouse");
+    const QString name = "Entrance of the large northern warehouse"_s;
     VideoWidget tile(localCamera(name));
-    const QLabel &label = *tile.findChild<QLabel *>(QStringLiteral("cameraName"));
+    const QLabel &label = *tile.findChild<QLabel *>("cameraName"_s);
     QCOMPARE(label.text(), name);
     tile.resize(200, 150);
     tile.show();
@@ -376,8 +360,8 @@ void TilePaintTest::nameIsElided()
     QVERIFY(label.text() != name);
     tile.resize(2000, 1000);
     QCOMPARE(label.text(), name);
-    tile.setCameraName(QStringLiteral("Back door"));
-    QCOMPARE(label.text(), QStringLiteral("Back door"));
+    tile.setCameraName("Back door"_s);
+    QCOMPARE(label.text(), "Back door"_s);
 }
 
 void TilePaintTest::closeAsks_data()
@@ -395,13 +379,9 @@ void TilePaintTest::closeAsks()
     connect(&tile, &VideoWidget::closed, this,
             [&closed](VideoWidget *widget) { closed << widget; });
     if (byMenu)
-        tile.findChild<QPushButton *>(QStringLiteral("settingsButton"))
-            ->menu()
-            ->actions()
-            .last()
-            ->trigger();
+        tile.findChild<QPushButton *>("settingsButton"_s)->menu()->actions().last()->trigger();
     else
-        tile.findChild<QPushButton *>(QStringLiteral("closeButton"))->click();
+        tile.findChild<QPushButton *>("closeButton"_s)->click();
     QCOMPARE(closed, QList<VideoWidget *>{&tile});
 }
 
@@ -415,13 +395,13 @@ void TilePaintTest::snapshot()
     VideoWidget tile(camera);
     tile.show();
     QVERIFY(tile.playLive());
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
+    QTRY_COMPARE(stateOf(tile), "Playing"_s);
     tile.setTime(QDateTime(QDate(2015, 3, 3), QTime(14, 5, 9)));
     QSignalSpy saved(&tile, &VideoWidget::snapshotSaved);
-    tile.findChild<QPushButton *>(QStringLiteral("cameraScreenshotButton"))->click();
+    tile.findChild<QPushButton *>("cameraScreenshotButton"_s)->click();
     QCOMPARE(saved.size(), 1);
     QCOMPARE(saved.first().first().toString(), pictures.absolutePath());
-    const QImage picture(pictures.filePath(QStringLiteral("Door-03_03_15_14_05_09.png")));
+    const QImage picture(pictures.filePath("Door-03_03_15_14_05_09.png"_s));
     QCOMPARE(picture.size(), QSize(64, 48));
     QCOMPARE(picture.pixelColor(0, 0), QColor(Qt::red));
     QCOMPARE(picture.pixelColor(63, 0), QColor(0, 255, 0));

@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include <QElapsedTimer>
-#include <QProcess>
-#include <QRandomGenerator>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include <csignal>
-#include <memory>
 
 #include "GUI/Player/VideoWidget.h"
 #include "tests/GUI/Player/TileFixture.h"
@@ -13,9 +9,7 @@
 #include "tests/support/ProcessTraces.h"
 #include "tests/support/ScriptedChild.h"
 
-using namespace ZorvaneClient;
 using GUI::Player::VideoWidget;
-using namespace ZorvaneClient::Tests;
 
 namespace {
 
@@ -43,80 +37,78 @@ class TileSoakTest : public QObject
     Q_OBJECT
 
 private slots:
-    void openAndClose();
-    void kills();
-};
-
-void TileSoakTest::openAndClose()
-{
-    const LogCapture log; // keeps the console quiet
-    ScriptedChild child({"solid 640 360 ff0000ff", "print size 640 360\\nframe\\n"});
-    QWidget window;
-    window.resize(640, 480);
-    window.show();
-    ProcessTraces before;
-    qint64 memoryBefore = 0;
-    for (int cycle = -warmUpCycles; cycle < soakCycles(); ++cycle) {
-        if (cycle == 0) {
-            before = ProcessTraces::now();
-            memoryBefore = residentBytes();
-        }
-        auto tile = std::make_unique<VideoWidget>(localCamera(), &window);
-        tile->resize(640, 360);
-        tile->show();
-        QVERIFY(tile->playLive());
-        if (cycle == 0) {
-            QCOMPARE(ProcessTraces::now().mappings, before.mappings + 1);
-            QCOMPARE(ProcessTraces::now().children, before.children + 1);
-        }
-        QTRY_COMPARE(stateOf(*tile), QStringLiteral("Playing"));
-        QCOMPARE(pixelOf(*tile, 320, 180), QColor(Qt::red));
-    }
-    QCOMPARE(ProcessTraces::now().text(), before.text());
-    if (memoryTells)
-        QVERIFY2(residentBytes() - memoryBefore < memoryGrowthLimit,
-                 qPrintable(QString::number(residentBytes() - memoryBefore)));
-}
-
-void TileSoakTest::kills()
-{
-    constexpr int longestWaitMsecs = 15;
-    const int kills = qMax(10, soakCycles() * 2 / 5);
-    const LogCapture log;
-    FakeClock clock(QDateTime(QDate(2015, 3, 3), QTime(12, 0, 0)));
-    ScriptedChild child({"solid 640 360 ff0000ff", "print size 640 360\\n", "flood 20 frame\\n",
-                         "pace 500 frame\\n"});
-    const ProcessTraces before = ProcessTraces::now();
+    void openAndClose()
     {
-        VideoWidget tile(localCamera());
-        tile.resize(640, 360);
-        tile.show();
-        QProcess &process = *tile.findChild<QProcess *>();
-        QVERIFY(tile.playLive());
-        QRandomGenerator generator(20150303);
-        for (int kill = 0; kill < kills; ++kill) {
-            QElapsedTimer time;
-            time.start();
-            const int wait = generator.bounded(longestWaitMsecs);
-            while (time.elapsed() < wait)
-                QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
-            QVERIFY(process.processId() > 0);
-            ::kill(static_cast<pid_t>(process.processId()), SIGKILL);
-            QTRY_COMPARE(process.state(), QProcess::NotRunning);
-
-            // A tile that had got to play is brought back by itself, one that had not by its user.
-            const bool wasPlaying = tile.isPlaying();
-            clock.advance(11);
-            tick(tile);
-            if (!wasPlaying || process.state() == QProcess::NotRunning)
-                QVERIFY(tile.playLive());
-            QCOMPARE(process.state(), QProcess::Running);
+        const LogCapture log; // keeps the console quiet
+        ScriptedChild child({"solid 640 360 ff0000ff", "print size 640 360\\nframe\\n"});
+        QWidget window;
+        window.resize(640, 480);
+        window.show();
+        ProcessTraces before;
+        qint64 memoryBefore = 0;
+        for (int cycle = -warmUpCycles; cycle < soakCycles(); ++cycle) {
+            if (cycle == 0) {
+                before = ProcessTraces::now();
+                memoryBefore = residentBytes();
+            }
+            auto tile = std::make_unique<VideoWidget>(localCamera(), &window);
+            tile->resize(640, 360);
+            tile->show();
+            QVERIFY(tile->playLive());
+            if (cycle == 0) {
+                QCOMPARE(ProcessTraces::now().mappings, before.mappings + 1);
+                QCOMPARE(ProcessTraces::now().children, before.children + 1);
+            }
+            QTRY_COMPARE(stateOf(*tile), "Playing"_s);
+            QCOMPARE(pixelOf(*tile, 320, 180), QColor(Qt::red));
         }
-        QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-        QCOMPARE(pixelOf(tile, 320, 180), QColor(Qt::red));
+        QCOMPARE(ProcessTraces::now().text(), before.text());
+        if (memoryTells)
+            QVERIFY2(residentBytes() - memoryBefore < memoryGrowthLimit,
+                     qPrintable(QString::number(residentBytes() - memoryBefore)));
     }
-    QCOMPARE(ProcessTraces::now().text(), before.text());
-}
+
+    void kills()
+    {
+        constexpr int longestWaitMsecs = 15;
+        const int kills = qMax(10, soakCycles() * 2 / 5);
+        const LogCapture log;
+        FakeClock clock(QDateTime(QDate(2015, 3, 3), QTime(12, 0, 0)));
+        ScriptedChild child({"solid 640 360 ff0000ff", "print size 640 360\\n", "flood 20 frame\\n",
+                             "pace 500 frame\\n"});
+        const ProcessTraces before = ProcessTraces::now();
+        {
+            VideoWidget tile(localCamera());
+            tile.resize(640, 360);
+            tile.show();
+            QProcess &process = *tile.findChild<QProcess *>();
+            QVERIFY(tile.playLive());
+            QRandomGenerator generator(20150303);
+            for (int kill = 0; kill < kills; ++kill) {
+                QElapsedTimer time;
+                time.start();
+                const int wait = generator.bounded(longestWaitMsecs);
+                while (time.elapsed() < wait)
+                    QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+                QVERIFY(process.processId() > 0);
+                ::kill(static_cast<pid_t>(process.processId()), SIGKILL);
+                QTRY_COMPARE(process.state(), QProcess::NotRunning);
+
+                // A tile that had got to play is brought back by itself, one that had not by its
+                // user.
+                const bool wasPlaying = tile.isPlaying();
+                clock.advance(11);
+                tick(tile);
+                if (!wasPlaying || process.state() == QProcess::NotRunning)
+                    QVERIFY(tile.playLive());
+                QCOMPARE(process.state(), QProcess::Running);
+            }
+            QTRY_COMPARE(stateOf(tile), "Playing"_s);
+            QCOMPARE(pixelOf(tile, 320, 180), QColor(Qt::red));
+        }
+        QCOMPARE(ProcessTraces::now().text(), before.text());
+    }
+};
 
 QTEST_MAIN(TileSoakTest)
 #include "TileSoakTest.moc"

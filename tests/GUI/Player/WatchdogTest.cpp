@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include <QProcess>
-#include <QSignalSpy>
-#include <QtTest>
+#include "tests/support/Test.h"
 
 #include "GUI/Player/VideoWidget.h"
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScriptedChild.h"
 
-using namespace ZorvaneClient;
 using GUI::Player::VideoWidget;
-using namespace ZorvaneClient::Tests;
 
 namespace {
 
@@ -21,8 +17,7 @@ const QStringList failing{"print frame\\nstate 7\\n"};
 
 QString reloadLine(int count)
 {
-    return QStringLiteral("Camera \"Door\" freezed and reload by timer. Reloads count: %1")
-        .arg(count);
+    return "Camera \"Door\" freezed and reload by timer. Reloads count: %1"_s.arg(count);
 }
 
 } // namespace
@@ -33,126 +28,120 @@ class WatchdogTest : public QObject
     Q_OBJECT
 
 private slots:
-    void errorIsReloadedAfterTenSeconds();
-    void reloadsEndAfterThree();
-    void deathInPlayIsReloaded();
-    void errorInTheArchive();
-    void unpausedIdleTileStarts();
-};
+    void errorIsReloadedAfterTenSeconds()
+    {
+        FakeClock clock(noon);
+        ScriptedChild child({"print frame\\n", "wait fail", "print state 7\\n"});
+        VideoWidget tile(localCamera());
+        QVERIFY(tile.playLive());
+        QTRY_COMPARE(stateOf(tile), "Playing"_s);
+        clock.advance(100);
+        tick(tile);
+        QCOMPARE(stateOf(tile), "Playing"_s);
+        child.tell("fail"_s);
+        QTRY_COMPARE(stateOf(tile), "Error"_s);
 
-void WatchdogTest::errorIsReloadedAfterTenSeconds()
-{
-    FakeClock clock(noon);
-    ScriptedChild child({"print frame\\n", "wait fail", "print state 7\\n"});
-    VideoWidget tile(localCamera());
-    QVERIFY(tile.playLive());
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-    clock.advance(100);
-    tick(tile);
-    QCOMPARE(stateOf(tile), QStringLiteral("Playing"));
-    child.tell(QStringLiteral("fail"));
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Error"));
+        const LogCapture log;
+        clock.advance(10);
+        tick(tile);
+        QCOMPARE(stateOf(tile), "Error"_s);
+        QVERIFY(log.linesOf("Camera \"Door\" freezed"_s).isEmpty());
+        clock.advance(1);
+        child.setScript(playing);
+        tick(tile);
+        QCOMPARE(log.linesOf("Camera \"Door\" freezed"_s), QStringList{reloadLine(1)});
+        QTRY_COMPARE(stateOf(tile), "Playing"_s);
+        QCOMPARE(child.starts().size(), 2);
+        QVERIFY(dumpOf(tile).contains("reloads count: 1 "_s));
+        QCOMPARE(tile.playbackTime(), clock.now());
+    }
 
-    const LogCapture log;
-    clock.advance(10);
-    tick(tile);
-    QCOMPARE(stateOf(tile), QStringLiteral("Error"));
-    QVERIFY(log.linesOf(QStringLiteral("Camera \"Door\" freezed")).isEmpty());
-    clock.advance(1);
-    child.setScript(playing);
-    tick(tile);
-    QCOMPARE(log.linesOf(QStringLiteral("Camera \"Door\" freezed")), QStringList{reloadLine(1)});
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-    QCOMPARE(child.starts().size(), 2);
-    QVERIFY(dumpOf(tile).contains(QLatin1String("reloads count: 1 ")));
-    QCOMPARE(tile.playbackTime(), clock.now());
-}
+    void reloadsEndAfterThree()
+    {
+        FakeClock clock(noon);
+        ScriptedChild child(failing);
+        VideoWidget tile(localCamera());
+        tile.resize(320, 240);
+        tile.show();
+        const LogCapture log;
+        QVERIFY(tile.playLive());
+        for (int reload = 1; reload <= 3; ++reload) {
+            QTRY_COMPARE(stateOf(tile), "Error"_s);
+            clock.advance(11);
+            tick(tile);
+            QTRY_COMPARE(child.starts().size(), reload + 1);
+        }
+        QCOMPARE(log.linesOf("Camera \"Door\" freezed"_s),
+                 QStringList({reloadLine(1), reloadLine(2), reloadLine(3)}));
 
-void WatchdogTest::reloadsEndAfterThree()
-{
-    FakeClock clock(noon);
-    ScriptedChild child(failing);
-    VideoWidget tile(localCamera());
-    tile.resize(320, 240);
-    tile.show();
-    const LogCapture log;
-    QVERIFY(tile.playLive());
-    for (int reload = 1; reload <= 3; ++reload) {
-        QTRY_COMPARE(stateOf(tile), QStringLiteral("Error"));
+        // The fourth error is not waited on.
+        QTRY_COMPARE(stateOf(tile), "Error"_s);
+        tick(tile);
+        QCOMPARE(stateOf(tile), "Idle"_s);
+        QVERIFY(showsText(tile, "No video available"_s));
+        QVERIFY(!ScriptedChild::isAlive(child.lastProcessId()));
+
+        // A start by anybody else counts from the beginning.
+        child.setScript(playing);
+        QVERIFY(tile.playLive());
+        QVERIFY(dumpOf(tile).contains("reloads count: 0 "_s));
+    }
+
+    void deathInPlayIsReloaded()
+    {
+        FakeClock clock(noon);
+        ScriptedChild child({"print frame\\n", "wait die", "die"});
+        VideoWidget tile(localCamera());
+        QVERIFY(tile.playLive());
+        QTRY_COMPARE(stateOf(tile), "Playing"_s);
         clock.advance(11);
         tick(tile);
-        QTRY_COMPARE(child.starts().size(), reload + 1);
+        child.tell("die"_s);
+        const QProcess &process = *tile.findChild<QProcess *>();
+        QTRY_COMPARE(process.state(), QProcess::NotRunning);
+        QCOMPARE(stateOf(tile), "Playing"_s);
+        child.setScript(playing);
+        tick(tile);
+        QTRY_COMPARE(stateOf(tile), "Playing"_s);
+        QTRY_COMPARE(child.starts().size(), 2);
     }
-    QCOMPARE(log.linesOf(QStringLiteral("Camera \"Door\" freezed")),
-             QStringList({reloadLine(1), reloadLine(2), reloadLine(3)}));
 
-    // The fourth error is not waited on.
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Error"));
-    tick(tile);
-    QCOMPARE(stateOf(tile), QStringLiteral("Idle"));
-    QVERIFY(showsText(tile, QStringLiteral("No video available")));
-    QVERIFY(!ScriptedChild::isAlive(child.lastProcessId()));
+    void errorInTheArchive()
+    {
+        FakeClock clock(noon);
+        ScriptedChild child({"print frame\\n", "wait fail", "print state 7\\n"});
+        VideoWidget tile(localCamera());
+        tile.resize(320, 240);
+        tile.show();
+        QVERIFY(tile.playArchive(noon, noon.addSecs(60), 1));
+        QTRY_COMPARE(stateOf(tile), "Playing"_s);
+        child.tell("fail"_s);
+        QTRY_COMPARE(stateOf(tile), "Error"_s);
+        QVERIFY(!ScriptedChild::isAlive(child.lastProcessId()));
+        QVERIFY(showsText(tile, QString()));
+        clock.advance(1000);
+        tick(tile);
+        QCOMPARE(stateOf(tile), "Error"_s);
+        QCOMPARE(child.starts().size(), 1);
+    }
 
-    // A start by anybody else counts from the beginning.
-    child.setScript(playing);
-    QVERIFY(tile.playLive());
-    QVERIFY(dumpOf(tile).contains(QLatin1String("reloads count: 0 ")));
-}
-
-void WatchdogTest::deathInPlayIsReloaded()
-{
-    FakeClock clock(noon);
-    ScriptedChild child({"print frame\\n", "wait die", "die"});
-    VideoWidget tile(localCamera());
-    QVERIFY(tile.playLive());
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-    clock.advance(11);
-    tick(tile);
-    child.tell(QStringLiteral("die"));
-    const QProcess &process = *tile.findChild<QProcess *>();
-    QTRY_COMPARE(process.state(), QProcess::NotRunning);
-    QCOMPARE(stateOf(tile), QStringLiteral("Playing"));
-    child.setScript(playing);
-    tick(tile);
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-    QTRY_COMPARE(child.starts().size(), 2);
-}
-
-void WatchdogTest::errorInTheArchive()
-{
-    FakeClock clock(noon);
-    ScriptedChild child({"print frame\\n", "wait fail", "print state 7\\n"});
-    VideoWidget tile(localCamera());
-    tile.resize(320, 240);
-    tile.show();
-    QVERIFY(tile.playArchive(noon, noon.addSecs(60), 1));
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-    child.tell(QStringLiteral("fail"));
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Error"));
-    QVERIFY(!ScriptedChild::isAlive(child.lastProcessId()));
-    QVERIFY(showsText(tile, QString()));
-    clock.advance(1000);
-    tick(tile);
-    QCOMPARE(stateOf(tile), QStringLiteral("Error"));
-    QCOMPARE(child.starts().size(), 1);
-}
-
-void WatchdogTest::unpausedIdleTileStarts()
-{
-    FakeClock clock(noon);
-    ScriptedChild child(playing);
-    VideoWidget tile(localCamera());
-    QVERIFY(tile.playLive());
-    QTRY_COMPARE(stateOf(tile), QStringLiteral("Playing"));
-    tile.stop();
-    tile.unpause();
-    QCOMPARE(stateOf(tile), QStringLiteral("Playing"));
-    tick(tile);
-    QCOMPARE(child.starts().size(), 1);
-    clock.advance(11);
-    tick(tile);
-    QTRY_COMPARE(child.starts().size(), 2);
-}
+    void unpausedIdleTileStarts()
+    {
+        FakeClock clock(noon);
+        ScriptedChild child(playing);
+        VideoWidget tile(localCamera());
+        QVERIFY(tile.playLive());
+        QTRY_COMPARE(stateOf(tile), "Playing"_s);
+        tile.stop();
+        tile.unpause();
+        QCOMPARE(stateOf(tile), "Playing"_s);
+        tick(tile);
+        QCOMPARE(child.starts().size(), 1);
+        clock.advance(11);
+        tick(tile);
+        QTRY_COMPARE(child.starts().size(), 2);
+    }
+};
 
 QTEST_MAIN(WatchdogTest)
 #include "WatchdogTest.moc"

@@ -6,8 +6,7 @@
 #include <QObject>
 #include <QUrl>
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// Stands inside a running client and does what the test at the other end of the socket asks:
 /// presses its buttons, reads its texts, takes its links in place of a browser.
@@ -31,5 +30,4 @@ private:
     QLocalSocket socket;
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests
