@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QByteArray>
-#include <QtGlobal>
+#include <QProcess>
 
-#include <sys/types.h>
-
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// An X server of the test's own, without a screen, on a display number that nobody has.
 /// Needs no application object: it must stand before the one that is to use it.
@@ -27,9 +23,8 @@ public:
     void use() const;
 
 private:
-    pid_t server = -1;
+    QProcess server;
     QByteArray display;
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests
