@@ -49,16 +49,25 @@ public:
         : source(dragged), target(place), unlit(place->grab().toImage())
     {
         qApp->installEventFilter(this);
-        startTimer(stepMs);
     }
 
     /// The class that was given the drop, or how the drag ended otherwise.
     QString run()
     {
+        const auto isReached = [this] {
+            const QPoint place = middleOf(source);
+            if (QCursor::pos() != place)
+                moveTo(place);
+            const QWidget *hit = QApplication::widgetAt(place);
+            return source->underMouse() && (hit == source || source->isAncestorOf(hit));
+        };
+        if (!QTest::qWaitFor(isReached, deadlineMs))
+            return "not reached"_s;
+        xdotool("mousedown 1"_s);
+        startTimer(stepMs);
         time.start();
         // Looked at outside the drag's own loop only, so the source has come back from it.
-        const bool cameBack = QTest::qWaitFor([this] { return isOver; }, 2 * deadlineMs);
-        return cameBack ? taker : "never came back"_s;
+        return QTest::qWaitFor([this] { return isOver; }, 2 * deadlineMs) ? taker : "stuck"_s;
     }
 
     /// The target looked otherwise when it was asked.
@@ -79,21 +88,15 @@ protected:
     void timerEvent(QTimerEvent *) override
     {
         const bool isDown = QApplication::mouseButtons() == Qt::LeftButton;
-        if (isOver)
-            return;
-        if (time.hasExpired(deadlineMs)) {
-            taker = "too late: %1 %2 %3"_s.arg(isPressed).arg(isAsked).arg(isReleased);
-            isOver = true;
-            xdotool("mouseup 1"_s);
-            QDrag::cancel();
-        } else if (!isPressed) {
-            press();
-        } else if (isReleased) {
+        if (isReleased) {
             isOver = !isDragOn() && !isDown;
+        } else if (time.hasExpired(deadlineMs)) {
+            taker = isAsked ? "no drag"_s : "not asked"_s;
+            QDrag::cancel();
+            release();
         } else if (isDown && isAsked && isDragOn()) {
             wasLit = target->grab().toImage() != unlit;
-            isReleased = true;
-            xdotool("mouseup 1"_s);
+            release();
         } else if (isDown) {
             // Two places in turn: a drag hears of the pointer only when it moves.
             isAside = !isAside;
@@ -107,17 +110,10 @@ private:
         return widget->mapToGlobal(widget->rect().center());
     }
 
-    /// Once the source has come to rest under the pointer.
-    void press()
+    void release()
     {
-        const QPoint place = middleOf(source);
-        const QWidget *hit = QApplication::widgetAt(place);
-        if (QCursor::pos() != place) {
-            moveTo(place);
-        } else if (source->underMouse() && (hit == source || source->isAncestorOf(hit))) {
-            isPressed = true;
-            xdotool("mousedown 1"_s);
-        }
+        isReleased = true;
+        xdotool("mouseup 1"_s);
     }
 
     QPointer<QWidget> source;
@@ -125,7 +121,6 @@ private:
     QImage unlit;
     QString taker;
     QElapsedTimer time;
-    bool isPressed = false;
     bool isAsked = false;
     bool isReleased = false;
     bool isAside = false;

@@ -42,6 +42,7 @@ private slots:
     {
         qRegisterMetaType<API::CameraPtr>("API::CameraPtr");
         qRegisterMetaType<API::ServerPtr>("API::ServerPtr");
+        qRegisterMetaType<API::LayoutPtr>("API::LayoutPtr");
         addServerToRoster("five"_s, {"a", "b", "c", "d", "e"});
         addServerToRoster("online"_s, {"x"}, true);
         QStringList names;
@@ -245,13 +246,15 @@ private slots:
 
     void acceptsServersAndLayoutsOnly()
     {
+        API::CloudAPIClient().addLayout(layoutOf("a"_s));
         LayoutWidget grid;
         grid.openLayout(layoutOf("."_s));
+        QSignalSpy dropped(&grid, &LayoutWidget::layoutDropped);
         for (const QString &format : {"camera"_s, "layout-swap"_s, "text/uri-list"_s})
             QVERIFY(!drop(&grid, format, "no such"));
         for (const QString &format : {"server"_s, "layout"_s})
             QVERIFY(drop(&grid, format, "no such"));
-        QVERIFY(!grid.property("drop").toBool());
+        QVERIFY(dropped.isEmpty() && !grid.property("drop").toBool());
         QCOMPARE(cellsOf(grid), "."_s);
     }
 
@@ -263,6 +266,7 @@ private slots:
              {"forty on one cell", "forty", QSize(1, 1), 0, QSize(6, 6), true},
              {"five fit", "five", QSize(3, 3), 0, QSize(3, 3), false},
              {"five on 3 columns by 2 rows", "five", QSize(3, 2), 5, QSize(3, 4), false},
+             {"five on one taken cell of four", "five", QSize(2, 2), 1, QSize(2, 3), false},
              {"ten on a full row", "ten", QSize(2, 1), 2, QSize(2, 6), false},
              {"forty on a full row", "forty", QSize(2, 1), 2, QSize(2, 6), false},
              {"one that has gone", "gone", QSize(1, 1), 0, QSize(1, 1), false}});
@@ -297,10 +301,10 @@ private slots:
         rows<QPoint, QSize>({"position", "columnsByRows"},
                             {{"first pixel", QPoint(10, 10), QSize(1, 1)},
                              {"last pixel", QPoint(93, 81), QSize(6, 6)},
-                             {"right of it", QPoint(94, 81), QSize()},
-                             {"below it", QPoint(93, 82), QSize()},
-                             {"left of it", QPoint(9, 40), QSize()},
-                             {"above it", QPoint(40, 9), QSize()},
+                             {"right of it", QPoint(94, 81), QSize(0, 0)},
+                             {"below it", QPoint(93, 82), QSize(0, 0)},
+                             {"left of it", QPoint(9, 40), QSize(0, 0)},
+                             {"above it", QPoint(40, 9), QSize(0, 0)},
                              {"the first cell ends", QPoint(23, 21), QSize(1, 1)},
                              {"second column", QPoint(24, 10), QSize(2, 1)},
                              {"second row", QPoint(10, 22), QSize(1, 2)}});
@@ -315,14 +319,13 @@ private slots:
         editor->show();
         QTest::mouseMove(editor, position);
         const QImage picture = editor->grab().toImage();
-        for (int row = 0; row < 6; ++row) {
-            for (int column = 0; column < 6; ++column) {
-                const bool hovered = row < columnsByRows.height() && column < columnsByRows.width();
-                const QColor unhovered =
-                    row < 3 && column < 2 ? QColor(129, 134, 144) : QColor(52, 55, 60);
-                QCOMPARE(picture.pixelColor(16 + 14 * column, 15 + 12 * row),
-                         hovered ? QColor(62, 183, 253) : unhovered);
-            }
+        const QRect hovered(QPoint(), columnsByRows), current(QPoint(), QSize(2, 3));
+        for (int x = 0; x < 6; ++x) {
+            for (int y = 0; y < 6; ++y)
+                QCOMPARE(picture.pixelColor(16 + 14 * x, 15 + 12 * y),
+                         hovered.contains(x, y)   ? QColor(62, 183, 253)
+                         : current.contains(x, y) ? QColor(129, 134, 144)
+                                                  : QColor(52, 55, 60));
         }
         QTest::mousePress(editor, Qt::LeftButton, Qt::NoModifier, position);
         const QVariantList size{columnsByRows.height(), columnsByRows.width()};

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/MainWindow.h"
+
 #include "API/LayoutDocument.h"
 #include "App/Settings.h"
 #include "GUI/CameraWidget.h"
@@ -181,8 +182,7 @@ private slots:
 
     void editsAreAskedAbout()
     {
-        QFETCH(int, answer);
-        const auto [before, added, then, button, after] =
+        const auto [before, added, then, answer, after] =
             row<QString, QString, QString, int, QString>();
         MainWindow window;
         const auto act = [&window](const QString &words) {
@@ -203,10 +203,10 @@ private slots:
 
         QString question;
         QTimer timer;
-        connect(&timer, &QTimer::timeout, &window, [&question, answer] {
+        connect(&timer, &QTimer::timeout, &window, [&question, button = answer] {
             if (auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
                 question = box->text();
-                box->done(answer);
+                box->done(button);
             }
         });
         timer.start(10);
@@ -350,20 +350,18 @@ private slots:
 
     void theWindowIsRemembered()
     {
-        {
-            MainWindow window;
-            window.show();
-            click(window, "layoutsButton"_s);
-            QSignalSpy closed(&window, &MainWindow::closeRequested);
-            window.close();
-            QCOMPARE(closed.count(), 1);
-            QCOMPARE(App::settings().value("mainWindow/geometry"_s), window.saveGeometry());
-        }
         MainWindow window;
-        window.show();
-        QVERIFY(window.findChild<LayoutListWidget *>()->isVisible());
-        window.setRosterMode();
-        QVERIFY(!window.findChild<LayoutListWidget *>()->isVisible());
+        click(window, "layoutsButton"_s);
+        QCOMPARE(App::settings().value("mainWindow/openTab"_s), QVariant("Layouts"_s));
+        QSignalSpy closed(&window, &MainWindow::closeRequested);
+        window.close();
+        QCOMPARE(closed.count(), 1);
+        QCOMPARE(App::settings().value("mainWindow/geometry"_s), window.saveGeometry());
+        MainWindow next;
+        next.show();
+        QVERIFY(next.findChild<LayoutListWidget *>()->isVisible());
+        next.setRosterMode();
+        QVERIFY(!next.findChild<LayoutListWidget *>()->isVisible());
         QCOMPARE(App::settings().value("mainWindow/openTab"_s), QVariant("Cameras"_s));
     }
 
