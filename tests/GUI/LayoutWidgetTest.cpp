@@ -64,9 +64,6 @@ private slots:
              {"resized", "a b", "resize 3 1", "a | . | .", "+a +a +b -a -b"},
              {"on a placeholder", "a .", "drop b 0 1", "a b", "+a +b"},
              {"on a tile", "a .", "drop b 0 0", "b .", "+a +b -a"},
-             {"tile on a tile", "a b | . .", "move 0 0 0 1", "b a | . .", "+a +b"},
-             {"tile on a placeholder", "a b | . .", "move 0 0 1 1", ". b | . a", "+a +b"},
-             {"tile on itself", "a b", "move 0 0 0 0", "a b", "+a +b"},
              {"nothing on a tile", "a .", "move 0 1 0 0, move 7 7 0 0", "a .", "+a"},
              {"a span is transposed", "a:2x1 . | . .", "", "a:1x2 . | . .", "+a"},
              {"the span stays", "a:2x1 . | . .", "close a", ".:1x2 . | . .", "+a -a"},
@@ -240,7 +237,7 @@ private slots:
         QTRY_COMPARE(lower->pos(), QPoint(10, 10 + upper->height() + 5));
         upper->findChild<QPushButton *>("closeButton"_s)->click();
         QTRY_VERIFY(!upper);
-        QTRY_COMPARE(lower->pos(), QPoint(10, 10));
+        QTRY_VERIFY(lower && lower->pos() == QPoint(10, 10));
         QTRY_VERIFY_WITH_TIMEOUT(!lower, 20000);
     }
 
