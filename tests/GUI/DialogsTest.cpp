@@ -1,0 +1,510 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/Test.h"
+
+#include "API/Camera.h"
+#include "API/CloudAPIClient.h"
+#include "API/LocalServer.h"
+#include "App/Application.h"
+#include "App/Settings.h"
+#include "GUI/CameraSettingsDialog.h"
+#include "GUI/CameraWidget.h"
+#include "GUI/Player/VideoWidget.h"
+#include "GUI/SettingsWidget.h"
+#include "GUI/SideBar.h"
+#include "tests/GUI/DialogVisitor.h"
+#include "tests/support/Roster.h"
+#include "tests/support/ScriptedService.h"
+
+using GUI::SettingsWidget;
+
+namespace {
+
+const QByteArray versionPath = "/public/version/client_windows";
+const QByteArray rotationPath = "//public/servers/s1/cameras/7/rotation";
+const QString ownVersion = "6.0.1.114"_s;
+const QString rosterFile = "local_roster.txt"_s;
+constexpr int deadlineMs = 20000;
+
+template <typename T = QWidget>
+T *part(const QWidget *whole, const QString &name)
+{
+    return whole->findChild<T *>(name);
+}
+
+QString textIn(const QWidget *whole, const QString &name)
+{
+    return part(whole, name)->property("text").toString();
+}
+
+void click(const QWidget *whole, const QString &button)
+{
+    part<QAbstractButton>(whole, button)->click();
+}
+
+bool asksForRestart(const SettingsWidget &page)
+{
+    return !part(&page, "restartNotice")->isHidden() && !part(&page, "restartButton")->isHidden();
+}
+
+QVariant language()
+{
+    return App::settings().value("common/language"_s);
+}
+
+API::LocalServerPtr lanServer(const QString &host)
+{
+    return API::LocalServerPtr::create("Store"_s, host, 3, "secret"_s);
+}
+
+/// What stands in the file of the LAN servers, and in the roster.
+QStringList storedServers()
+{
+    QFile file(rosterFile);
+    QStringList texts;
+    if (file.open(QIODevice::ReadOnly)) {
+        for (const QJsonValue &each : QJsonDocument::fromJson(file.readAll()).array()) {
+            for (const char *key : {"name", "ip", "port", "password"})
+                texts.append(each[QLatin1String(key)].toVariant().toString());
+        }
+    }
+    return texts + API::CloudAPIClient::serverList().keys();
+}
+
+/// What can be typed for a LAN server; an empty choice leaves all as it is.
+void typeServer(const QDialog *dialog, const QString &choice, const QString &address,
+                const QString &port)
+{
+    if (!choice.isEmpty()) {
+        click(dialog, "foreignHost");
+        part<QLineEdit>(dialog, "ipAddress")->setText(address);
+        click(dialog, choice);
+        part<QLineEdit>(dialog, "port")->setText(port);
+    }
+    part<QLineEdit>(dialog, "name")->setText("Склад"_s);
+    part<QLineEdit>(dialog, "password")->setText("p&ss"_s);
+    for (const auto mode : {QLineEdit::Password, QLineEdit::Normal}) {
+        QCOMPARE(part<QLineEdit>(dialog, "password")->echoMode(), mode);
+        click(dialog, "showPassword");
+    }
+    const bool isForeign = part<QRadioButton>(dialog, "foreignHost")->isChecked();
+    QCOMPARE(part(dialog, "ipAddress")->isEnabled(), isForeign);
+}
+
+/// The corners, clockwise from the top left.
+const QPoint corners[] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+const QList<QColor> colors = {Qt::red, Qt::green, Qt::blue, Qt::yellow};
+
+QPixmap picture()
+{
+    QImage image(2, 2, QImage::Format_RGB32);
+    for (int i = 0; i < colors.size(); ++i)
+        image.setPixelColor(corners[i], colors.at(i));
+    return QPixmap::fromImage(image).scaled(640, 480);
+}
+
+QString lettersOf(const QPixmap &pixmap)
+{
+    QString letters;
+    if (pixmap.isNull())
+        return letters;
+    const QImage image = pixmap.toImage().scaled(2, 2);
+    for (const QPoint &corner : corners)
+        letters += "RGBY"_s.mid(colors.indexOf(image.pixelColor(corner)), 1);
+    return letters;
+}
+
+/// The corners of the picture after so many steps clockwise, and in the mirror.
+QString turnedLetters(int steps, bool isMirrored)
+{
+    const QString turned = "RGBYRGBY"_s.mid(-steps & 3, 4);
+    const QString inMirror = turned.mid(1, 1) + turned.at(0) + turned.at(3) + turned.at(2);
+    return isMirrored ? inMirror : turned;
+}
+
+} // namespace
+
+/// The settings page, and the dialogs for LAN servers and cameras.
+class DialogsTest : public QObject
+{
+    Q_OBJECT
+
+public slots:
+    void linkOpened(const QUrl &url) { openedLinks.append(url); }
+
+private slots:
+    void initTestCase()
+    {
+        QApplication::setQuitOnLastWindowClosed(false);
+        QVERIFY(service.start());
+        QDesktopServices::setUrlHandler("http"_s, this, "linkOpened");
+    }
+
+    void init()
+    {
+        service.reset();
+        offer(ownVersion);
+        openedLinks.clear();
+        App::settings().setValue("common/language"_s, "en"_s);
+        QCoreApplication::setApplicationVersion(ownVersion);
+    }
+
+    void cleanup()
+    {
+        setWorld({});
+        const auto servers = API::CloudAPIClient::serverList();
+        for (const API::ServerPtr &server : servers)
+            API::CloudAPIClient().deleteLocalServer(server.dynamicCast<API::LocalServer>());
+        QFile::remove(rosterFile);
+    }
+
+    void languageIsChosenAndNeedsARestart()
+    {
+        App::settings().setValue("common/language"_s, "ru_RU"_s);
+        const SettingsWidget page;
+        QVERIFY(!asksForRestart(page));
+        QCOMPARE(language(), "ru_RU"_s);
+        auto *box = part<QComboBox>(&page, "languageBox");
+        QCOMPARE(box->currentText(), "English"_s);
+        box->setCurrentIndex(1);
+        QCOMPARE(box->currentText(), "Русский"_s);
+        QCOMPARE(language(), "ru"_s);
+        QVERIFY(asksForRestart(page));
+        QCOMPARE(textIn(&page, "accountLabel"), "Account"_s);
+        const SettingsWidget later;
+        QCOMPARE(textIn(&later, "accountLabel"), "Учетная запись"_s);
+        QCOMPARE(part<QComboBox>(&later, "languageBox")->currentIndex(), 1);
+        QVERIFY(!asksForRestart(later));
+        box->setCurrentIndex(0);
+        QCOMPARE(language(), "en"_s);
+        QVERIFY(asksForRestart(page));
+        QTimer::singleShot(0, &page, [&page] { click(&page, "restartButton"); });
+        QTimer::singleShot(deadlineMs, &page, [] { QCoreApplication::exit(1); });
+        QCOMPARE(QApplication::exec(), -666);
+    }
+
+    void checkEndsOnItsPage_data()
+    {
+        const QString found = "updatesFoundPage"_s;
+        const QString notFound = "updatesNotFoundPage"_s;
+        rows<QString, QString, QString>(
+            {"current", "offered", "page"},
+            {{"the same", ownVersion, ownVersion, notFound},
+             {"newer in the last piece", ownVersion, "6.0.1.115", found},
+             {"newer in the first piece", ownVersion, "7", found},
+             {"older in front", ownVersion, "5.9.9.999", notFound},
+             {"by number, not by letters", "6.0.9", "6.0.10", found},
+             {"longer", "6.0.1", "6.0.1.5", notFound},
+             {"shorter", ownVersion, "6.0", notFound},
+             {"suffix", ownVersion, "6.0.1.114-9.9", notFound},
+             {"newer with a suffix", ownVersion, "6.0.2-rc1", found},
+             {"own suffix", "6.0.1.114-3", "6.0.1.114", notFound},
+             {"no number counts as 0", "6.0.1", "6.x.2", found},
+             {"own piece no number", "6.x", "6.1", found},
+             {"no version", ownVersion, "", notFound},
+             {"failure", ownVersion, "refused", "updatesErrorPage"}});
+    }
+
+    /// The page checks when it is made, and whenever it is shown.
+    void checkEndsOnItsPage()
+    {
+        const auto [current, offered, page] = row<QString, QString, QString>();
+        QCoreApplication::setApplicationVersion(current);
+        offer(offered);
+        const DialogVisitor visitor([](QDialog *dialog) { clickCancel(dialog); });
+        SettingsWidget settings;
+        QCOMPARE(textIn(&settings, "versionLabel"), current);
+        const auto *stack = part<QStackedWidget>(&settings, "updatesStack");
+        for (int checks = 1; checks <= 3; ++checks) {
+            QCOMPARE(stack->currentWidget()->objectName(), "updatesCheckPage"_s);
+            QVERIFY(!part(&settings, "spinnerWidget")->isHidden());
+            QTRY_COMPARE(stack->currentWidget()->objectName(), page);
+            QVERIFY(part(&settings, "spinnerWidget")->isHidden());
+            QTRY_COMPARE(visitor.visits(), page == "updatesFoundPage"_s ? checks : 0);
+            QTRY_VERIFY(!QApplication::activeModalWidget());
+            settings.hide();
+            settings.show();
+        }
+    }
+
+    void questions_data() { rows<bool>({"accept"}, {{"yes", true}, {"no", false}}); }
+
+    /// The download is offered by itself, the sign-out asked for by a button.
+    void questions()
+    {
+        QFETCH(bool, accept);
+        const QString email = "a.very.long.address.of.the.whole.district@b.example"_s;
+        App::settings().setValue("auth/email"_s, email);
+        offer("6.1.0-beta"_s);
+        QStringList asked;
+        const DialogVisitor visitor([&](QDialog *dialog) {
+            const auto *box = qobject_cast<QMessageBox *>(dialog);
+            asked << box->text() << box->informativeText() << box->defaultButton()->text();
+            accept ? clickOk(dialog) : clickCancel(dialog);
+        });
+        GUI::SideBar bar;
+        bar.resize(269, 500);
+        QTRY_COMPARE(visitor.visits(), 1);
+        QTRY_VERIFY(!QApplication::activeModalWidget());
+        const QUrl downloads("http://go.zorvane.example/?target=downloads&lang=en"_s);
+        QCOMPARE(openedLinks.size(), accept ? 1 : 0);
+        click(&bar, "downloadButton");
+        QCOMPARE(openedLinks.size(), accept ? 2 : 1);
+        QCOMPARE(openedLinks.count(downloads), openedLinks.size());
+
+        offer(ownVersion);
+        bar.setSettingsMode();
+        bar.show();
+        QCOMPARE(textIn(&bar, "emailLabel"), email);
+        QCOMPARE(bar.width(), 269);
+        QSignalSpy signout(&bar, &GUI::SideBar::signout);
+        click(&bar, "signoutButton");
+        QCOMPARE(signout.size(), accept ? 1 : 0);
+        const QString details = "Zorvane Client 6.1.0-beta version is available. "
+                                "Would you like to download it now?"_s;
+        QCOMPARE(asked, (QStringList{"A new version of Zorvane Client is available!", details, "OK",
+                                     "Are you sure you want to log out?", "", "Cancel"}));
+    }
+
+    void pageGoesWithADialogOpen()
+    {
+        offer("6.1"_s);
+        QPointer<SettingsWidget> page = new SettingsWidget;
+        const DialogVisitor visitor([&](QDialog *) { delete page; });
+        QTRY_VERIFY(!page);
+        QVERIFY(openedLinks.isEmpty());
+        offer(ownVersion);
+        for (const char *button : {"signoutButton", "addServerButton"}) {
+            page = new SettingsWidget;
+            click(page, button);
+            QVERIFY(!page);
+        }
+        page = new SettingsWidget;
+        page->editServer(lanServer("127.0.0.1"_s));
+        QVERIFY(!page);
+    }
+
+    void addedServerIsStored_data()
+    {
+        rows<QString, QString, QString, QString>(
+            {"choice", "address", "port", "stored"},
+            {{"other computer", "foreignHost", "127.0.0.9", "1", "127.0.0.9:1"},
+             {"this computer, whatever was typed", "localhost", "127.0.0.9", "2", "127.0.0.1:2"},
+             {"no number", "localhost", "", "http", "127.0.0.1:0"},
+             {"nothing", "foreignHost", "", "", ":0"},
+             {"as it opens", "", "", "", "127.0.0.1:8080"}});
+    }
+
+    void addedServerIsStored()
+    {
+        const auto [choice, address, port, id] = row<QString, QString, QString, QString>();
+        SettingsWidget page;
+        QSignalSpy added(&page, &SettingsWidget::serverAdded);
+        bool accept = false;
+        const DialogVisitor visitor([&, choice = choice, address = address, port = port](auto *it) {
+            QCOMPARE(it->windowTitle(), "Add a local videoserver"_s);
+            typeServer(it, choice, address, port);
+            accept ? clickOk(it) : clickCancel(it);
+        });
+        click(&page, "addServerButton");
+        QVERIFY(added.isEmpty() && storedServers().isEmpty() && !QFile::exists(rosterFile));
+        accept = true;
+        // The same address again replaces what was there.
+        for (int times = 1; times <= 2; ++times) {
+            click(&page, "addServerButton");
+            QCOMPARE(added.size(), times);
+            QCOMPARE(storedServers(),
+                     (QStringList{"Склад", id.section(':', 0, 0), id.section(':', 1), "p&ss", id}));
+        }
+    }
+
+    void editStartsFromTheServer_data()
+    {
+        rows<QString, bool>({"host", "foreign"}, {{"this computer", "127.0.0.1", false},
+                                                  {"other computer", "127.0.0.9", true},
+                                                  {"this computer by name", "localhost", true}});
+    }
+
+    void editStartsFromTheServer()
+    {
+        QFETCH(QString, host);
+        QFETCH(bool, foreign);
+        const API::LocalServerPtr server = lanServer(host);
+        API::CloudAPIClient().addLocalServer(server);
+        const QStringList before = storedServers();
+        QVERIFY(QFile::remove(rosterFile));
+        SettingsWidget page;
+        QSignalSpy added(&page, &SettingsWidget::serverAdded);
+        bool accept = false;
+        const DialogVisitor visitor([&](QDialog *dialog) {
+            QCOMPARE(dialog->windowTitle(), "Edit a local videoserver"_s);
+            QCOMPARE(part<QRadioButton>(dialog, "foreignHost")->isChecked(), foreign);
+            QCOMPARE(part<QRadioButton>(dialog, "localhost")->isChecked(), !foreign);
+            QCOMPARE(part(dialog, "ipAddress")->isEnabled(), foreign);
+            QStringList texts;
+            for (const char *field : {"name", "ipAddress", "port", "password"})
+                texts.append(textIn(dialog, field));
+            QCOMPARE(texts, before.mid(0, 4));
+            typeServer(dialog, "foreignHost"_s, "127.0.0.8"_s, "4"_s);
+            accept ? clickOk(dialog) : clickCancel(dialog);
+        });
+        page.editServer(server);
+        QCOMPARE(storedServers(), before);
+        accept = true;
+        page.editServer(server);
+        QCOMPARE(storedServers(), (QStringList{"Склад", "127.0.0.8", "4", "p&ss", "127.0.0.8:4"}));
+        QCOMPARE(added.size(), 2);
+        QCOMPARE(visitor.visits(), 2);
+    }
+
+    void cloudServerIsNotEdited()
+    {
+        SettingsWidget page;
+        QSignalSpy added(&page, &SettingsWidget::serverAdded);
+        const DialogVisitor visitor([](QDialog *dialog) { clickCancel(dialog); });
+        QTest::ignoreMessage(QtWarningMsg, "Settings called on non-local server");
+        page.editServer(addServerToRoster("s1"_s, {"Gate"}));
+        QVERIFY(visitor.visits() == 0 && added.isEmpty() && !QFile::exists(rosterFile));
+    }
+
+    /// R and L are steps to the right and to the left, M is the mirror, x cancels.
+    void cameraIsTurned_data()
+    {
+        rows<bool, int, QString, int>({"lan", "before", "steps", "after"},
+                                      {{"no change", false, 0, "", 0},
+                                       {"no change of a turned one", false, 180, "", 180},
+                                       {"clockwise", false, 0, "R", 90},
+                                       {"full turn", false, 0, "RRRR", 0},
+                                       {"more than a turn", false, 0, "RRRRR", 90},
+                                       {"counterclockwise", false, 0, "L", -90},
+                                       {"three counterclockwise", false, 0, "LLL", -270},
+                                       {"full turn back", false, 0, "LLLL", 0},
+                                       {"to and fro", false, 90, "RLLL", -90},
+                                       {"over the full turn", false, 270, "RR", 90},
+                                       {"mirrored", false, 0, "MR", 90},
+                                       {"cancelled", false, 90, "RRMx", 90},
+                                       {"in the LAN, without a preview", true, 0, "L", -90}});
+    }
+
+    void cameraIsTurned()
+    {
+        QFETCH(bool, lan);
+        QFETCH(int, before);
+        QFETCH(QString, steps);
+        QFETCH(int, after);
+        const API::CameraPtr edited = lan ? API::CameraPtr::create() : camera(before);
+        if (lan) {
+            edited->setId("127.0.0.1:8080"_s, 3);
+            edited->setKind(API::LocalCamera);
+        }
+        QSignalSpy preview(edited.data(), &API::Camera::previewChanged);
+        QSignalSpy orientation(edited.data(), &API::Camera::orientationChanged);
+        const bool isAccepted = !steps.endsWith('x');
+        const DialogVisitor visitor([&](QDialog *dialog) {
+            const QMap<QChar, QString> buttons = {
+                {'R', "clockwise"}, {'L', "counterclockwise"}, {'M', "mirrorBox"}};
+            int turns = before / 90;
+            for (const QChar step : '-' + steps) {
+                if (buttons.contains(step))
+                    click(dialog, buttons.value(step));
+                turns += int(step == 'R') - int(step == 'L');
+                const QPixmap shown = part<QLabel>(dialog, "preview")->pixmap(Qt::ReturnByValue);
+                const bool isMirrored = part<QCheckBox>(dialog, "mirrorBox")->isChecked();
+                QCOMPARE(lettersOf(shown), lan ? QString() : turnedLetters(turns, isMirrored));
+                const QSize size(turns % 2 == 0 ? 200 : 112, 150);
+                QCOMPARE(shown.size(), lan ? QSize(0, 0) : size);
+                QCOMPARE(edited->rotation(), before);
+            }
+            isAccepted ? clickOk(dialog) : clickCancel(dialog);
+        });
+        GUI::CameraSettingsDialog::editCamera(edited);
+        QCOMPARE(visitor.visits(), 1);
+        QCOMPARE(edited->rotation(), after);
+        QCOMPARE(edited->isMirrored(), isAccepted && steps.contains('M'));
+        const QString letters = turnedLetters(after / 90, edited->isMirrored());
+        QCOMPARE(lettersOf(edited->preview()), lan ? QString() : letters);
+        QCOMPARE(preview.size(), isAccepted ? 2 : 0);
+        QCOMPARE(orientation.size(), isAccepted ? 2 : 0);
+        const QVariant kept = App::settings().value("cameras/127.0.0.1:8080/3/rotation"_s);
+        QCOMPARE(kept, lan ? QVariant(after) : QVariant());
+        QTRY_COMPARE(service.requestsTo(rotationPath).size(), isAccepted && !lan ? 1 : 0);
+        for (const WireRequest &request : service.requestsTo(rotationPath)) {
+            const QUrlQuery body(QString::fromUtf8(request.body));
+            QCOMPARE(body.queryItemValue("degrees"_s), QString::number(after));
+        }
+    }
+
+    void cameraDialogOutlivesItsMenu_data()
+    {
+        rows<bool>({"isTile"}, {{"card", false}, {"tile", true}});
+    }
+
+    /// A card and a tile can go while the dialog is open, as when their server drops the camera.
+    void cameraDialogOutlivesItsMenu()
+    {
+        QFETCH(bool, isTile);
+        const API::CameraPtr edited = camera(0);
+        QPointer<QWidget> owner;
+        if (isTile)
+            owner = new GUI::Player::VideoWidget(edited);
+        else
+            owner = new GUI::CameraWidget(edited);
+        owner->show();
+        const DialogVisitor visitor([&](QDialog *dialog) {
+            delete owner;
+            QCOMPARE(dialog->windowTitle(), "Camera settings"_s);
+            QCOMPARE(textIn(dialog, "cameraName"), "Gate"_s);
+            QVERIFY(part<QLineEdit>(dialog, "cameraName")->isReadOnly());
+            // Neither has an effect that the service would keep.
+            QVERIFY(part(dialog, "soundBlock")->isHidden() &&
+                    part(dialog, "mirrorBox")->isHidden());
+            click(dialog, "clockwise");
+            clickOk(dialog);
+        });
+        auto *button = part<QPushButton>(owner, isTile ? "settingsButton" : "previewMenu");
+        QMenu *menu = button->menu();
+        QTimer::singleShot(0, menu, [menu] {
+            for (QAction *action : menu->actions()) {
+                const QPoint place = menu->actionGeometry(action).center();
+                if (action->text() == "Settings"_s)
+                    return QTest::mouseClick(menu, Qt::LeftButton, {}, place);
+            }
+            menu->hide();
+        });
+        button->show();
+        QTest::mousePress(button, Qt::LeftButton);
+        QTRY_COMPARE(visitor.visits(), 1);
+        QTRY_COMPARE(edited->rotation(), 90);
+        QVERIFY(!owner);
+    }
+
+private:
+    void offer(const QString &version)
+    {
+        if (version == "refused"_s)
+            service.reset();
+        else
+            service.succeed("GET", versionPath, "{\"version\":\"" + version.toUtf8() + "\"}");
+    }
+
+    API::CameraPtr camera(int rotation)
+    {
+        service.succeed("POST", rotationPath, "{}");
+        const QVariantMap reply = {{"id"_s, 7}, {"name"_s, "Gate"}, {"rotation"_s, rotation}};
+        auto made = API::CameraPtr::create(addServerToRoster("s1"_s, {}).data(), reply);
+        made->setPreview(picture());
+        return made;
+    }
+
+    ScriptedService service;
+    QList<QUrl> openedLinks;
+};
+
+int main(int argc, char **argv)
+{
+    App::Application application(argc, argv);
+    application.setStyleSheet(App::Application::globalStyleSheet());
+    DialogsTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "DialogsTest.moc"
