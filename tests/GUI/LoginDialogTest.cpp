@@ -44,10 +44,13 @@ class LoginForm : public QObject
 public:
     enum State { Ready, Waiting };
 
-    LoginForm()
+    /// Shows the dialog.
+    explicit LoginForm(bool isForgetful = false)
     {
+        forget->setChecked(isForgetful);
         for (const int page : {0, 1})
             dialog.widget(page)->installEventFilter(this);
+        dialog.show();
     }
 
     template <typename T = QWidget>
@@ -110,6 +113,7 @@ public:
     }
 
     GUI::LoginDialog dialog;
+    QSignalSpy success{&dialog, &GUI::LoginDialog::loginSuccessful};
     QLineEdit *emailLn = part<QLineEdit>("emailLn");
     QLineEdit *passwordLn = part<QLineEdit>("passwordLn");
     QPushButton *signIn = part<QPushButton>("signInButton");
@@ -168,11 +172,7 @@ private slots:
         const auto [account, focus] = row<QString, QString>();
         service.succeed("POST", sessionsPath, R"({"session_id":"s-1"})");
         store(account, "false:" + oldProxy);
-        LoginForm form;
-        QSignalSpy success(&form.dialog, &GUI::LoginDialog::loginSuccessful);
-        QVERIFY(!form.forget->isChecked());
-        form.forget->setChecked(true);
-        form.dialog.show();
+        LoginForm form(true);
         const bool signsIn = focus == "topBarWgt"_s;
         QCOMPARE(form.is(LoginForm::Waiting), signsIn);
         QCOMPARE(form.shown(), "sign-in 413"_s);
@@ -181,15 +181,14 @@ private slots:
         QCOMPARE(form.dialog.focusWidget()->objectName(), focus);
         QCOMPARE(form.forget->isChecked(), !signsIn);
         QVERIFY(!form.signIn->isEnabled());
-        QTRY_COMPARE(success.size(), signsIn ? 1 : 0);
-        QCOMPARE(service.requestsTo(sessionsPath).size(), success.size());
+        QTRY_COMPARE(form.success.size(), signsIn ? 1 : 0);
+        QCOMPARE(service.requestsTo(sessionsPath).size(), form.success.size());
     }
 
     void comesBackWithWhatWasTyped()
     {
         store("saved@example.com::", "false:" + oldProxy);
         LoginForm form;
-        form.dialog.show();
         form.fill(email, password);
         form.dialog.setWindowState(Qt::WindowMinimized);
         form.dialog.setWindowState(Qt::WindowNoState);
@@ -225,11 +224,10 @@ private slots:
             row<QString, int, QString, bool, QString>();
         service.succeed("POST", sessionsPath, R"({"session_id":"s-1"})");
         LoginForm form;
-        QSignalSpy success(&form.dialog, &GUI::LoginDialog::loginSuccessful);
-        form.dialog.show();
         store(":older:", "false:" + oldProxy);
         form.fill(typed == "no e-mail"_s ? QString() : email, password);
-        form.forget->setChecked(typed == "forget"_s);
+        if (typed == "forget"_s)
+            form.forget->click();
         form.part<QRadioButton>("proxyChoice")->setChecked(typed.contains(':'));
         form.fillProxy(typed);
         if (key == 0)
@@ -252,7 +250,7 @@ private slots:
         if (typed.contains(':'))
             return; // nobody answers there
 
-        QTRY_COMPARE(success.size(), 1);
+        QTRY_COMPARE(form.success.size(), 1);
         QVERIFY(form.is(LoginForm::Ready));
         QCOMPARE(service.requestsTo(sessionsPath).size(), 1);
         const QUrlQuery body(QString::fromUtf8(service.requestsTo(sessionsPath).first().body));
@@ -275,26 +273,23 @@ private slots:
         const auto [reply] = row<WireReply>();
         service.answer("POST", sessionsPath, reply);
         LoginForm form;
-        QSignalSpy success(&form.dialog, &GUI::LoginDialog::loginSuccessful);
-        form.dialog.show();
         form.fill(email, password);
         form.press("signInButton");
         QTRY_COMPARE(form.shown(), "sign-in 451 wrongEmailPassWgt"_s);
         QVERIFY(form.is(LoginForm::Ready));
         QCOMPARE(form.emailLn->text() + form.passwordLn->text(), email + password);
         QCOMPARE(form.dialog.focusWidget(), form.passwordLn);
-        QVERIFY(success.isEmpty());
+        QVERIFY(form.success.isEmpty());
 
         service.succeed("POST", sessionsPath, R"({"session_id":"s-2"})");
         form.press("signInButton");
         QCOMPARE(form.shown(), "sign-in 413"_s);
-        QTRY_COMPARE(success.size(), 1);
+        QTRY_COMPARE(form.success.size(), 1);
     }
 
     void buttonFollowsTheFields()
     {
         LoginForm form;
-        form.dialog.show();
         const auto *effect = qobject_cast<QGraphicsOpacityEffect *>(form.signIn->graphicsEffect());
         QVERIFY(effect);
         form.passwordLn->setText(password);
@@ -314,7 +309,6 @@ private slots:
     void linksOpenAtTheRedirector()
     {
         LoginForm form;
-        form.dialog.show();
         form.press("remindButton");
         form.press("signUpButton");
         const QString page =
@@ -357,7 +351,6 @@ private slots:
         store("::", (proxyInForce ? "true:" : "false:") + oldProxy);
         const QString before = stored();
         LoginForm form;
-        form.dialog.show();
         form.fill(email, password);
         QCOMPARE(form.shown(), story.first());
         for (int i = 1; i < story.size(); i += 2) {
@@ -390,7 +383,6 @@ private slots:
     void everyChoiceHasItsTip()
     {
         LoginForm form;
-        form.dialog.show();
         form.press("settingsButton");
         QTRY_COMPARE_WITH_TIMEOUT(form.shown(), "settings 365"_s, slideDeadlineMs);
         const QMap<QString, QString> topics = {{"defaultChoice"_s, "Cloud account."_s},
@@ -416,7 +408,6 @@ private slots:
     void tabGoesThroughTheForm()
     {
         LoginForm form;
-        form.dialog.show();
         form.fill(email, password);
         QStringList order;
         for (int i = 0; i < 6; ++i) {
