@@ -25,7 +25,6 @@ const QString ownVersion = "6.0.1.114"_s;
 const QString rosterFile = "local_roster.txt"_s;
 const QString here = "localhost"_s;
 const QString there = "foreignHost"_s;
-constexpr int deadlineMs = 20000;
 
 template <typename T = QWidget>
 T *part(const QWidget *whole, const QString &name)
@@ -44,48 +43,28 @@ void click(const QWidget *whole, const QString &button)
 }
 
 /// What stands in the file of the LAN servers, and in the roster.
-QStringList storedServers()
+QString storedServers()
 {
     QFile file(rosterFile);
-    QStringList texts;
-    if (file.open(QIODevice::ReadOnly)) {
-        for (const QJsonValue &each : QJsonDocument::fromJson(file.readAll()).array()) {
-            for (const char *key : {"name", "ip", "port", "password"})
-                texts.append(each[QLatin1String(key)].toVariant().toString());
-        }
-    }
-    return texts + API::CloudAPIClient::serverList().keys();
+    const QByteArray json = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return QString::fromUtf8(QJsonDocument::fromJson(json).toJson(QJsonDocument::Compact)) +
+           API::CloudAPIClient::serverList().keys().join(' ');
 }
 
-/// The corners, clockwise from the top left.
-const QPoint corners[] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
-const QList<QColor> colors = {Qt::red, Qt::green, Qt::blue, Qt::yellow};
-
-QPixmap picture()
+/// Four colours, turned so many steps clockwise, and in the mirror.
+QImage fourColors(int steps, bool isMirrored)
 {
+    const QPoint corners[] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
+    const Qt::GlobalColor colors[] = {Qt::red, Qt::green, Qt::blue, Qt::yellow};
     QImage image(2, 2, QImage::Format_RGB32);
-    for (int i = 0; i < colors.size(); ++i)
-        image.setPixelColor(corners[i], colors.at(i));
-    return QPixmap::fromImage(image).scaled(640, 480);
+    for (int i = 0; i < 4; ++i)
+        image.setPixelColor(corners[i], colors[(i - steps) & 3]);
+    return image.mirrored(isMirrored, false);
 }
 
-QString lettersOf(const QPixmap &pixmap)
+QImage cornersOf(const QPixmap &pixmap)
 {
-    QString letters;
-    if (pixmap.isNull())
-        return letters;
-    const QImage image = pixmap.toImage().scaled(2, 2);
-    for (const QPoint &corner : corners)
-        letters += "RGBY"_s.mid(colors.indexOf(image.pixelColor(corner)), 1);
-    return letters;
-}
-
-/// The corners of the picture after so many steps clockwise, and in the mirror.
-QString turnedLetters(int steps, bool isMirrored)
-{
-    const QString turned = "RGBYRGBY"_s.mid(-steps & 3, 4);
-    const QString inMirror = turned.mid(1, 1) + turned.at(0) + turned.at(3) + turned.at(2);
-    return isMirrored ? inMirror : turned;
+    return pixmap.toImage().scaled(2, 2).convertToFormat(QImage::Format_RGB32);
 }
 
 } // namespace
@@ -117,10 +96,7 @@ private slots:
 
     void cleanup()
     {
-        setWorld({});
-        const auto servers = API::CloudAPIClient::serverList();
-        for (const API::ServerPtr &server : servers)
-            API::CloudAPIClient().deleteLocalServer(server.dynamicCast<API::LocalServer>());
+        API::CloudAPIClient().logout();
         QFile::remove(rosterFile);
     }
 
@@ -144,9 +120,6 @@ private slots:
             QVERIFY(part(&later, "restartNotice")->isHidden());
         }
         QCOMPARE(textIn(&page, "accountLabel"), "Account"_s);
-        QTimer::singleShot(0, &page, [&page] { click(&page, "restartButton"); });
-        QTimer::singleShot(deadlineMs, &page, [] { QCoreApplication::exit(1); });
-        QCOMPARE(QApplication::exec(), -666);
     }
 
     void checkEndsOnItsPage_data()
@@ -240,6 +213,12 @@ private slots:
         QTRY_VERIFY(!page);
         QVERIFY(openedLinks.isEmpty());
         offer(ownVersion);
+        page = new SettingsWidget;
+        QSignalSpy added(page.data(), &SettingsWidget::serverAdded);
+        QTest::ignoreMessage(QtWarningMsg, "Settings called on non-local server");
+        page->editServer(addServerToRoster("s1"_s, {"Gate"}));
+        QVERIFY(page && added.isEmpty() && !QFile::exists(rosterFile)); // opens none
+        delete page;
         for (const char *button : {"signoutButton", "addServerButton"}) {
             page = new SettingsWidget;
             click(page, button);
@@ -266,30 +245,33 @@ private slots:
     /// A server is added or edited; the dialog is cancelled first.
     void lanServerIsTypedIn()
     {
-        QFETCH(QString, edited);
-        QFETCH(QString, choice);
-        QFETCH(QString, address);
-        QFETCH(QString, port);
-        QFETCH(QString, id);
+        const auto [edited, choice, address, port, id] =
+            row<QString, QString, QString, QString, QString>();
         const bool adds = edited.isEmpty();
         const auto server = API::LocalServerPtr::create("Store"_s, edited, 3, "secret"_s);
         if (!adds)
             API::CloudAPIClient().addLocalServer(server);
-        const QStringList before = storedServers();
+        const QString before = storedServers();
         QFile::remove(rosterFile);
         SettingsWidget page;
         QSignalSpy added(&page, &SettingsWidget::serverAdded);
         const QStringList fields = {"name", "ipAddress", "port", "password"};
-        const QStringList typed = {"Склад", address, port, "p&ss"};
-        QStringList start;
+        const QStringList start = {adds ? "Add a local videoserver" : "Edit a local videoserver",
+                                   adds || edited == "127.0.0.1"_s ? here : there,
+                                   adds ? "" : "Store",
+                                   adds ? "127.0.0.1" : edited,
+                                   adds ? "8080" : "3",
+                                   adds ? "" : "secret"};
+        const QStringList typed = {"Hall", address, port, "p&ss"};
         bool accept = false;
-        const DialogVisitor visitor([&](QDialog *dialog) {
-            start = QStringList{dialog->windowTitle()};
+        const DialogVisitor visitor([&, choice = choice](QDialog *dialog) {
+            const bool isForeign = part<QRadioButton>(dialog, there)->isChecked();
+            QStringList shown = {dialog->windowTitle(), isForeign ? there : here};
             for (const QString &name : fields)
-                start.append(textIn(dialog, name));
-            const bool isForeign = part<QRadioButton>(dialog, "foreignHost")->isChecked();
-            start.append(isForeign ? there : here);
-            for (const QString &each : {start.last(), there, here, choice}) {
+                shown.append(textIn(dialog, name));
+            if (!accept)
+                QCOMPARE(shown, start);
+            for (const QString &each : {shown.at(1), there, here, choice}) {
                 click(dialog, each);
                 QCOMPARE(part(dialog, "ipAddress")->isEnabled(), each == there);
             }
@@ -303,31 +285,15 @@ private slots:
         });
         const auto open = [&] { adds ? click(&page, "addServerButton") : page.editServer(server); };
         open();
-        QCOMPARE(start,
-                 adds ? QStringList({"Add a local videoserver", "", "127.0.0.1", "8080", "", here})
-                      : QStringList({"Edit a local videoserver", "Store", edited, "3", "secret",
-                                     edited == "127.0.0.1"_s ? here : there}));
         QCOMPARE(storedServers(), before);
         QCOMPARE(added.size(), adds ? 0 : 1);
         QCOMPARE(QFile::exists(rosterFile), !adds);
         accept = true;
-        // The same address again replaces what was there.
-        for (int times = 1; times <= 2; ++times) {
-            open();
-            QCOMPARE(added.size(), times + (adds ? 0 : 1));
-            const QString host = id.section(':', 0, 0);
-            QCOMPARE(storedServers(), (QStringList{"Склад", host, id.section(':', 1), "p&ss", id}));
-        }
-    }
-
-    void cloudServerIsNotEdited()
-    {
-        SettingsWidget page;
-        QSignalSpy added(&page, &SettingsWidget::serverAdded);
-        const DialogVisitor visitor([](QDialog *dialog) { clickCancel(dialog); });
-        QTest::ignoreMessage(QtWarningMsg, "Settings called on non-local server");
-        page.editServer(addServerToRoster("s1"_s, {"Gate"}));
-        QVERIFY(visitor.visits() == 0 && added.isEmpty() && !QFile::exists(rosterFile));
+        open();
+        open(); // the same address again replaces what was there
+        QCOMPARE(added.size(), adds ? 2 : 3);
+        const QString stored = R"([{"ip":"%1","name":"Hall","password":"p&ss","port":%2}]%1:%2)";
+        QCOMPARE(storedServers(), stored.arg(id.section(':', 0, 0), id.section(':', 1)));
     }
 
     /// R and L are steps to the right and to the left, M is the mirror, x cancels.
@@ -345,13 +311,13 @@ private slots:
                                        {"over the full turn", false, 270, "RR", 90},
                                        {"mirrored", false, 0, "MR", 90},
                                        {"cancelled", false, 90, "RRMx", 90},
-                                       {"in the LAN, without a preview", true, 0, "L", -90}});
+                                       {"in the LAN", true, 0, "L", -90}});
     }
 
     void cameraIsTurned()
     {
         const auto [lan, before, steps, after] = row<bool, int, QString, int>();
-        const API::CameraPtr edited = lan ? API::CameraPtr::create() : camera(before);
+        const API::CameraPtr edited = camera(before);
         if (lan) {
             edited->setId("127.0.0.1:8080"_s, 3);
             edited->setKind(API::LocalCamera);
@@ -359,7 +325,7 @@ private slots:
         QSignalSpy preview(edited.data(), &API::Camera::previewChanged);
         QSignalSpy orientation(edited.data(), &API::Camera::orientationChanged);
         const bool isAccepted = !steps.endsWith('x');
-        const DialogVisitor visitor([&, lan = lan, before = before, steps = steps](auto *dialog) {
+        const DialogVisitor visitor([&, before = before, steps = steps](auto *dialog) {
             const QMap<QChar, QString> buttons = {
                 {'R', "clockwise"}, {'L', "counterclockwise"}, {'M', "mirrorBox"}};
             int turns = before / 90;
@@ -369,9 +335,8 @@ private slots:
                 turns += int(step == 'R') - int(step == 'L');
                 const QPixmap shown = part<QLabel>(dialog, "preview")->pixmap(Qt::ReturnByValue);
                 const bool isMirrored = part<QCheckBox>(dialog, "mirrorBox")->isChecked();
-                QCOMPARE(lettersOf(shown), lan ? QString() : turnedLetters(turns, isMirrored));
-                const QSize size(turns % 2 == 0 ? 200 : 112, 150);
-                QCOMPARE(shown.size(), lan ? QSize(0, 0) : size);
+                QCOMPARE(cornersOf(shown), fourColors(turns, isMirrored));
+                QCOMPARE(shown.size(), QSize(turns % 2 == 0 ? 200 : 112, 150));
                 QCOMPARE(edited->rotation(), before);
             }
             isAccepted ? clickOk(dialog) : clickCancel(dialog);
@@ -380,12 +345,11 @@ private slots:
         QCOMPARE(visitor.visits(), 1);
         QCOMPARE(edited->rotation(), after);
         QCOMPARE(edited->isMirrored(), isAccepted && steps.contains('M'));
-        const QString letters = turnedLetters(after / 90, edited->isMirrored());
-        QCOMPARE(lettersOf(edited->preview()), lan ? QString() : letters);
+        QCOMPARE(cornersOf(edited->preview()), fourColors(after / 90, edited->isMirrored()));
         QCOMPARE(preview.size(), isAccepted ? 2 : 0);
         QCOMPARE(orientation.size(), isAccepted ? 2 : 0);
-        const QVariant kept = App::settings().value("cameras/127.0.0.1:8080/3/rotation"_s);
-        QCOMPARE(kept, lan ? QVariant(after) : QVariant());
+        if (lan)
+            QCOMPARE(App::settings().value("cameras/127.0.0.1:8080/3/rotation"_s), QVariant(after));
         QTRY_COMPARE(service.requestsTo(rotationPath).size(), isAccepted && !lan ? 1 : 0);
         for (const WireRequest &request : service.requestsTo(rotationPath)) {
             const QUrlQuery body(QString::fromUtf8(request.body));
@@ -393,27 +357,20 @@ private slots:
         }
     }
 
-    void cameraDialogOutlivesItsMenu_data()
-    {
-        rows<bool>({"isTile"}, {{"card", false}, {"tile", true}});
-    }
+    void menuGoesMeanwhile_data() { rows<bool>({"isTile"}, {{"card", false}, {"tile", true}}); }
 
     /// A card and a tile can go while the dialog is open, as when their server drops the camera.
-    void cameraDialogOutlivesItsMenu()
+    void menuGoesMeanwhile()
     {
         QFETCH(bool, isTile);
         const API::CameraPtr edited = camera(0);
-        QPointer<QWidget> owner;
-        if (isTile)
-            owner = new GUI::Player::VideoWidget(edited);
-        else
-            owner = new GUI::CameraWidget(edited);
+        const QPointer<QWidget> owner = isTile
+                                            ? new GUI::Player::VideoWidget(edited)
+                                            : static_cast<QWidget *>(new GUI::CameraWidget(edited));
         owner->show();
         const DialogVisitor visitor([&](QDialog *dialog) {
             delete owner;
-            QCOMPARE(dialog->windowTitle(), "Camera settings"_s);
             QCOMPARE(textIn(dialog, "cameraName"), "Gate"_s);
-            QVERIFY(part<QLineEdit>(dialog, "cameraName")->isReadOnly());
             for (const char *unused : {"soundBlock", "mirrorBox"})
                 QVERIFY2(part(dialog, unused)->isHidden(), unused);
             click(dialog, "clockwise");
@@ -443,7 +400,7 @@ private:
         service.succeed("POST", rotationPath, "{}");
         const QVariantMap reply = {{"id"_s, 7}, {"name"_s, "Gate"}, {"rotation"_s, rotation}};
         auto made = API::CameraPtr::create(addServerToRoster("s1"_s, {}).data(), reply);
-        made->setPreview(picture());
+        made->setPreview(QPixmap::fromImage(fourColors(0, false)).scaled(640, 480));
         return made;
     }
 
