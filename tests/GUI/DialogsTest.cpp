@@ -184,8 +184,7 @@ private slots:
         const QUrl downloads("http://go.zorvane.example/?target=downloads&lang=en"_s);
         QCOMPARE(openedLinks.size(), accept ? 1 : 0);
         click(&bar, "downloadButton");
-        QCOMPARE(openedLinks.size(), accept ? 2 : 1);
-        QCOMPARE(openedLinks.count(downloads), openedLinks.size());
+        QCOMPARE(openedLinks.count(downloads), accept ? 2 : 1);
 
         offer(ownVersion);
         bar.setSettingsMode();

@@ -80,7 +80,7 @@ public:
         return press.isAccepted();
     }
 
-    /// Locked with the spinner, or ready for the user.
+    /// All of it: locked with the spinner if `waiting`, else ready for the user.
     bool isWaiting(bool waiting) const
     {
         const QWidgetList locked = {emailLn, passwordLn, signIn, forget, part("settingsButton")};
@@ -374,15 +374,16 @@ private slots:
 
     void tabGoesThroughTheForm()
     {
+        store("::", "true"_s);
         LoginForm form;
         form.fill(email, password);
         QStringList order;
-        for (int i = 0; i < 6; ++i) {
+        for (int i = 0; i < 7; ++i) {
             QTest::keyClick(form.dialog.focusWidget(), Qt::Key_Tab);
             order.append(form.dialog.focusWidget()->objectName());
         }
         QCOMPARE(order, (QStringList{"passwordLn", "signInButton", "forgetBox", "remindButton",
-                                     "signUpButton", "settingsButton"}));
+                                     "signUpButton", "settingsButton", "settingsPBtn2"}));
     }
 
 private:
