@@ -1,0 +1,309 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/Test.h"
+
+#include <cstdlib>
+
+#include "tests/companion/StreamPlayer.h"
+
+namespace {
+
+constexpr int deadline = StreamPlayer::deadline;
+
+QByteArray untouched(int bytes)
+{
+    return QByteArray(bytes, PlayerProcess::untouched);
+}
+
+/// Of interleaved stereo: loudest sample, and how often the left channel rises through zero
+/// in each second, both over the part that isn't silent.
+struct Sound {
+    int peak = 0;
+    double frequency = 0;
+};
+
+Sound soundIn(const QString &path)
+{
+    constexpr int rate = 44'100;
+    QFile file(path);
+    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    const auto *samples = reinterpret_cast<const qint16 *>(bytes.constData());
+    Sound sound;
+    QList<int> rises;
+    for (int i = 2; i < bytes.size() / 2; i += 2) {
+        sound.peak = qMax(sound.peak, std::abs(samples[i]));
+        if (samples[i - 2] < 0 && samples[i] >= 0)
+            rises << i / 2;
+    }
+    if (rises.size() > 1)
+        sound.frequency = (rises.size() - 1) * double(rate) / (rises.last() - rises.first());
+    return sound;
+}
+
+} // namespace
+
+/// The player as its client sees it: arguments, frame file, commands, sound, proxy.
+class CompanionPlayerTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        clip = Clips::quarters(QSize(160, 96), 1000);
+        QVERIFY(!clip.isEmpty());
+    }
+
+    void cannotStart_data()
+    {
+        const int whole = PlayerProcess::frameFileBytes;
+        rows<QByteArray, int, int, QByteArray>(
+            {"url", "frameFileBytes", "exitCode", "error"},
+            {{"no scheme", "127.0.0.1/flv", whole, 2, "Usage: vlc-stream "},
+             {"no frame file", "http://127.0.0.1:1/", -1, 1, "vlc-stream: "},
+             {"short", "http://127.0.0.1:1/", whole - 1, 1, "vlc-stream: "},
+             {"long", "http://127.0.0.1:1/", whole + 1, 1, "vlc-stream: "}});
+    }
+
+    /// The tile hears of it, and the file is neither made nor touched.
+    void cannotStart()
+    {
+        const auto [url, bytes, exitCode, error] = row<QByteArray, int, int, QByteArray>();
+        QFile file(QDir::tempPath() + "/frames");
+        file.remove();
+        const QByteArray content = untouched(qMax(bytes, 0));
+        if (bytes >= 0)
+            QVERIFY(file.open(QIODevice::ReadWrite) && file.write(content) == bytes);
+        file.close();
+        StreamPlayer player;
+        QVERIFY(player.startWithArguments({url, "frames"}));
+        QVERIFY(player.ends());
+        QCOMPARE(player.exitCode(), exitCode);
+        QVERIFY(player.errorOutput().startsWith(error));
+        QCOMPARE(player.states(), exitCode == 1 ? QList<int>{7} : QList<int>());
+        QCOMPARE(file.exists(), bytes >= 0);
+        QVERIFY(bytes < 0 || (file.open(QIODevice::ReadOnly) && file.readAll() == content));
+    }
+
+    void pixels_data()
+    {
+        rows<QSize, QString, QSize>(
+            {"size", "encoder", "shown"},
+            {{"ordinary", QSize(320, 180), Clips::h264, QSize(320, 180)},
+             {"odd", QSize(159, 97), Clips::mpeg4, QSize(159, 97)},
+             {"too large", QSize(2560, 1440), Clips::h264, QSize(2364, 1330)}});
+    }
+
+    void pixels()
+    {
+        const auto [size, encoder, shown] = row<QSize, QString, QSize>();
+        StreamPlayer player;
+        QVERIFY(player.play(stallScript(Clips::quarters(size, 480, encoder)), "/flv/archive"));
+        QVERIFY(player.shows(2));
+        QCOMPARE(player.size(), shown);
+        player.send("pause");
+        QTRY_COMPARE_WITH_TIMEOUT(Clips::faultInQuarters(player.picture()), QString(), deadline);
+        const int used = 4 * shown.width() * shown.height();
+        QCOMPARE(player.frameFile().mid(used), untouched(PlayerProcess::frameFileBytes - used));
+    }
+
+    void sizeChangesInMidStream()
+    {
+        StreamPlayer player;
+        QVERIFY(player.play(stallScript(Clips::quarters(QSize(320, 180), 400)
+                                            .then(Clips::quarters(QSize(640, 360), 400))
+                                            .then(Clips::quarters(QSize(176, 144), 400))),
+                            "/flv/archive"));
+        QTRY_COMPARE_WITH_TIMEOUT(player.size(), QSize(176, 144), deadline);
+        QTRY_COMPARE_WITH_TIMEOUT(Clips::faultInQuarters(player.picture()), QString(), deadline);
+        QList<QByteArray> lines;
+        for (const PlayerLine &line : player.lines()) {
+            const bool counts = line.text.startsWith("size ") || line.text == "frame";
+            if (counts && (lines.isEmpty() || lines.last() != line.text))
+                lines << line.text;
+        }
+        QCOMPARE(lines.join(", "), QByteArray("size 320 180, frame, size 640 360, frame, "
+                                              "size 176 144, frame"));
+    }
+
+    /// Of a stream that stops after its first key frame that picture is shown.
+    void soundDoesNotHoldUpThePicture()
+    {
+        StreamPlayer player;
+        // The encoders put the first picture at 26 ms or before.
+        QVERIFY(player.play(stallScript(Clips::withTone(400, "aac"_s), 45)));
+        QTRY_COMPARE_WITH_TIMEOUT(player.frames(), 1, 8000);
+        QCOMPARE(Clips::faultInQuarters(player.picture()), QString());
+    }
+
+    /// For longer than a stream may stall, too.
+    void pauseFreezesAndStopsReading()
+    {
+        const FlvClip heavy = Clips::made("-f lavfi -i nullsrc=s=640x360:r=25,"
+                                          "geq=random(1)*255:128:128 -t 1 -c:v libx264 "
+                                          "-preset ultrafast -qp 6 -g 5 -tune zerolatency "
+                                          "-pix_fmt yuv420p"_s);
+        QVERIFY(heavy.bytes().size() > 3'000'000);
+        StreamPlayer player;
+        QVERIFY(player.play(StreamScript::of(heavy.repeated(60))));
+        QVERIFY(player.shows(5));
+        player.send("pause");
+        const qint64 pausedAt = player.elapsed();
+        qint64 taken = -1;
+        QTRY_VERIFY_WITH_TIMEOUT(
+            (QTest::qWait(1000), taken == std::exchange(taken, player.server.takenBytes())),
+            deadline);
+        const int frames = player.frames();
+        const QByteArray picture = player.frameFile();
+        const auto lines = player.lines().size();
+        QTRY_VERIFY_WITH_TIMEOUT(player.elapsed() > pausedAt + 12'000, deadline);
+        QVERIFY(player.isRunning());
+        QCOMPARE(player.server.takenBytes(), taken);
+        QCOMPARE(player.lines().size(), lines);
+        QVERIFY(player.frameFile() == picture);
+
+        player.send("unpause");
+        QVERIFY(player.shows(frames + 10));
+        QTRY_VERIFY_WITH_TIMEOUT(player.server.takenBytes() > taken + heavy.bytes().size(),
+                                 deadline);
+        QVERIFY(!player.states().contains(4) && !player.states().contains(7));
+    }
+
+    /// Other commands are no pings.
+    void noPing()
+    {
+        StreamPlayer player;
+        QVERIFY(player.play(StreamScript::of(clip.repeated(30))));
+        player.stopPinging();
+        QTRY_VERIFY_WITH_TIMEOUT(player.elapsed() > 8000, deadline);
+        QVERIFY(player.isRunning());
+        player.send("unpause");
+        QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), 10'000);
+        QVERIFY2(player.elapsed() >= 10'000, QByteArray::number(player.elapsed()));
+        QCOMPARE(player.exitCode(), 0);
+        QVERIFY(!player.states().contains(7));
+    }
+
+    void closedInput_data()
+    {
+        rows<StreamScript, int>({"script", "frames"},
+                                {{"while it waits for the server", stallScript(clip, 0), 0},
+                                 {"playing", StreamScript::of(clip.repeated(10)), 10}});
+    }
+
+    void closedInput()
+    {
+        const auto [script, frames] = row<StreamScript, int>();
+        StreamPlayer player;
+        QVERIFY(player.play(script));
+        QTRY_COMPARE_WITH_TIMEOUT(player.server.heads().size(), 1, deadline);
+        QVERIFY(player.shows(frames));
+        player.closeInput();
+        QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), 3000);
+        QCOMPARE(player.exitCode(), 0);
+    }
+
+    void sound_data()
+    {
+        rows<QString, QByteArray, double>(
+            {"codec", "volume", "share"},
+            {{"MP3", "libmp3lame", "volume 100", 1.0}, {"AAC, half", "aac", "volume 50", 0.5}});
+    }
+
+    /// The audio library writes what would be heard into a file.
+    void sound()
+    {
+        const auto [codec, volume, share] = row<QString, QByteArray, double>();
+        constexpr double tonePeak = 32767.0 / 8; // of ffmpeg's "sine"
+        StreamPlayer player;
+        const QString path = soundFile(player);
+        QVERIFY(player.play(StreamScript::of(Clips::withTone(3000, codec))));
+        player.send(volume);
+        QVERIFY(player.ends());
+        QCOMPARE(player.exitCode(), 0);
+        const Sound heard = soundIn(path);
+        QVERIFY2(qAbs(heard.peak - tonePeak * share) < tonePeak * 0.2,
+                 QByteArray::number(heard.peak));
+        QVERIFY2(heard.frequency > 300 && heard.frequency < 480,
+                 QByteArray::number(heard.frequency));
+    }
+
+    void noSoundAtVolumeZero()
+    {
+        StreamPlayer player;
+        const QString path = soundFile(player);
+        QVERIFY(player.play(StreamScript::of(Clips::withTone(6000, "aac"_s))));
+        player.send("volume 0");
+        QVERIFY(player.shows(25));
+        QVERIFY(!QFile::exists(path));
+        player.send("volume 80");
+        QTRY_VERIFY_WITH_TIMEOUT(soundIn(path).peak > 1000, deadline);
+        player.send("volume 0");
+        QVERIFY(player.shows(player.frames() + 15));
+        const qint64 bytes = QFileInfo(path).size();
+        QVERIFY(player.ends());
+        QCOMPARE(QFileInfo(path).size(), bytes);
+    }
+
+    void proxy_data()
+    {
+        rows<QByteArray, QByteArray, QByteArray>(
+            {"user", "password", "given"},
+            {{"open", "", "", ""},
+             {"no user", "", "secret", "secret"},
+             {"any characters", "dom\\an na@x", "a:/@%41 \"?#\\&=", "a:/@%41 \"?#\\&="},
+             {"wrong password", "anna", "secret", "wrong"}});
+    }
+
+    void proxy()
+    {
+        const auto [user, password, given] = row<QByteArray, QByteArray, QByteArray>();
+        StreamPlayer player;
+        QVERIFY(player.server.start(StreamScript::of(clip)));
+        if (!password.isEmpty())
+            player.server.requireProxyAuthorization(user, password);
+        QList<QByteArray> more = {":http-proxy=http://" + (user.isEmpty() ? "" : user + "@") +
+                                  player.server.url("/").mid(7)};
+        if (!given.isEmpty())
+            more.append(":http-proxy-pwd=" + given);
+        player.setEnvironment("no_proxy", "*");
+        QVERIFY(player.start("http://streams.zorvane.example:8080/flv/live?q=1", more));
+        QVERIFY(player.ends());
+        QCOMPARE(player.frames() > 3, given == password);
+        QCOMPARE(player.exitCode(), given == password ? 0 : 1);
+        const QByteArray head = player.server.heads().last();
+        QVERIFY2(head.startsWith("GET http://streams.zorvane.example:8080/flv/live?q=1 HTTP/1.1\r"),
+                 head.constData());
+        QCOMPARE(head.contains("Proxy-Authorization: Basic " + (user + ":" + given).toBase64()),
+                 !given.isEmpty());
+    }
+
+    /// A camera of the local network gets no proxy argument, so it goes direct; and the client
+    /// escapes nothing.
+    void direct()
+    {
+        StreamPlayer player;
+        QVERIFY(player.server.start(StreamScript::of(clip)));
+        player.setEnvironment("http_proxy",
+                              "http://127.0.0.1:" + QByteArray::number(StreamServer::deadPort()));
+        QVERIFY(player.start(player.server.url("/flv/live?server=a b\r\nX: y&x=%41+")));
+        QVERIFY(player.shows(3));
+        QVERIFY(player.server.heads().first().startsWith(
+            "GET /flv/live?server=a%20b%0D%0AX:%20y&x=%41+ HTTP/1.1\r\n"));
+    }
+
+private:
+    /// Where the sound goes that the player will make.
+    static QString soundFile(PlayerProcess &player)
+    {
+        const QString path = QDir::current().filePath("sound.raw"_s);
+        QFile::remove(path);
+        player.setEnvironment("SDL_AUDIODRIVER", "disk");
+        player.setEnvironment("SDL_DISKAUDIOFILE", path.toUtf8());
+        return path;
+    }
+
+    FlvClip clip;
+};
+
+QTEST_GUILESS_MAIN(CompanionPlayerTest)
+#include "CompanionPlayerTest.moc"

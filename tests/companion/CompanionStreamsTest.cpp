@@ -1,0 +1,318 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/Test.h"
+
+#include <vector>
+
+#include "tests/companion/StreamPlayer.h"
+
+namespace {
+
+constexpr int deadline = StreamPlayer::deadline;
+/// The limit for a silent stream is ten seconds; the rest is for a machine under load.
+constexpr int errorDeadline = 13'000;
+constexpr int pictureInterval = 40;
+
+StreamScript rawScript(const QByteArray &bytes)
+{
+    return with(StreamScript(), &StreamScript::raw, bytes);
+}
+
+StreamScript redirectScript(const QByteArray &location)
+{
+    return with(with(StreamScript(), &StreamScript::status, 302), &StreamScript::location,
+                location);
+}
+
+using Players = std::vector<std::unique_ptr<StreamPlayer>>;
+
+/// Players of all that at once, at their ends.
+Players played(const QList<StreamScript> &scripts, const QByteArray &path = "/flv/live")
+{
+    Players players;
+    for (const StreamScript &script : scripts) {
+        players.push_back(std::make_unique<StreamPlayer>());
+        players.back()->play(script, path);
+        players.back()->send("volume 10");
+    }
+    for (const auto &player : players)
+        player->ends();
+    return players;
+}
+
+QList<int> times(const PlayerProcess &player)
+{
+    QList<int> values;
+    for (const PlayerLine &line : player.lines()) {
+        if (line.text.startsWith("time "))
+            values.append(line.text.mid(5).toInt());
+    }
+    return values;
+}
+
+/// Every line is one of the protocol's; times never fall, and come no oftener than each 120 ms.
+QByteArray faultIn(const PlayerProcess &player)
+{
+    const QRegularExpression known(
+        "^(frame|time [0-9]+|state [12367]|size [1-9][0-9]* [1-9][0-9]*)$"_s);
+    for (const PlayerLine &line : player.lines()) {
+        if (!known.match(QString::fromLatin1(line.text)).hasMatch())
+            return line.text;
+    }
+    const QList<int> told = times(player);
+    if (!std::is_sorted(told.begin(), told.end()))
+        return "time goes back";
+    return told.size() > player.elapsed() / 120 + 1 ? "too many times" : "";
+}
+
+} // namespace
+
+/// What streams of all kinds become: pictures in their time, or an end in time.
+class CompanionStreamsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        clip = Clips::quarters(QSize(160, 96), 1000);
+        withTone = Clips::withTone(1000, "aac"_s);
+        counting = Clips::counting(4000);
+        QVERIFY(!clip.isEmpty() && !withTone.isEmpty() && !counting.isEmpty());
+    }
+
+    void neverAPicture()
+    {
+        const QByteArray garbage = garbled(QByteArray(2'000'000, '\0'), 1, 8'000'000, 0);
+        const Players players = played({
+            redirectScript("/flv/live"),
+            redirectScript("file:///etc/hostname"),
+            rawScript(clip.header),
+            stallScript(clip, 0),
+            with(rawScript(clip.header + garbage), &StreamScript::rawBytesPerSecond, 100'000),
+            StreamScript::of(Clips::made(Clips::tone + " -c:a libmp3lame -t 15")),
+        });
+        for (const auto &player : players) {
+            QCOMPARE(player->exitCode(), 1);
+            QCOMPARE(player->frames(), 0);
+            QCOMPARE(player->lastState(), 7);
+            QVERIFY(!player->states().contains(6));
+            QVERIFY2(player->timeOfState(7) < errorDeadline,
+                     QByteArray::number(player->timeOfState(7)));
+            QVERIFY(player->frameFile() ==
+                    QByteArray(PlayerProcess::frameFileBytes, PlayerProcess::untouched));
+        }
+    }
+
+    /// A stream address never reads a file of this machine.
+    void otherSchemes()
+    {
+        QFile file("clip.flv"_s);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(clip.bytes());
+        file.close();
+        for (const QByteArray prefix : {"file://", "subfile,,start,0,end,0,,://"}) {
+            StreamPlayer player;
+            QVERIFY(player.start(prefix + QFileInfo(file).absoluteFilePath().toUtf8()));
+            QVERIFY(player.ends());
+            QVERIFY(player.exitCode() == 1 || player.exitCode() == 2);
+            QCOMPARE(player.frames(), 0);
+        }
+    }
+
+    void redirect()
+    {
+        StreamServer target;
+        QVERIFY(target.start(StreamScript::of(clip)));
+        StreamPlayer player;
+        QVERIFY(player.play(redirectScript(target.url("/elsewhere"))));
+        QVERIFY(player.shows(5));
+    }
+
+    void endsInTheMiddle()
+    {
+        const StreamScript closed =
+            with(stallScript(clip, 600), &StreamScript::ending, StreamScript::Ending::Close);
+        const Players players = played({
+            closed,
+            with(closed, &StreamScript::ending, StreamScript::Ending::Reset),
+            // The HTTP layer takes this for a close.
+            with(closed, &StreamScript::contentLength, clip.bytes().size()),
+        });
+        for (const auto &player : players) {
+            const bool isEnd = player != players.back();
+            QVERIFY(player->frames() > 5);
+            QCOMPARE(player->states().contains(6), isEnd);
+            QCOMPARE(player->lastState(), 7);
+            QCOMPARE(player->exitCode(), isEnd ? 0 : 1);
+        }
+    }
+
+    /// Nothing comes any more, or packets go on and on and none makes a picture.
+    void picturesStop()
+    {
+        FlvClip broken = clip.repeated(15);
+        for (FlvTag &tag : broken.tags) {
+            constexpr int firstPayloadByte = 11 + 5;
+            const int length = int(tag.bytes.size()) - firstPayloadByte - 4;
+            if (tag.bytes.at(0) == 9 && tag.milliseconds > 600 && length > 0)
+                tag.bytes.replace(firstPayloadByte, length, QByteArray(length, '\x7F'));
+        }
+        const Players players = played({stallScript(clip, 600), StreamScript::of(broken)});
+        for (const auto &player : players) {
+            QVERIFY(player->frames() > 5);
+            QCOMPARE(player->exitCode(), 1);
+            QCOMPARE(player->states(), (QList<int>{1, 2, 3, 2, 7}));
+            const qint64 blind = player->timeOfState(7) - player->firstFrameTime() - 600;
+            QVERIFY2(blind > 8500 && blind < errorDeadline, QByteArray::number(blind));
+        }
+    }
+
+    /// Whatever the bytes are, each child says its 7 and ends by itself, with no more lines than
+    /// the protocol has, and with a frame file of the old size.
+    void damagedStreams()
+    {
+        const FlvClip odd = Clips::quarters(QSize(161, 97), 600, Clips::flv);
+        const FlvClip sizes = clip.then(Clips::quarters(QSize(2048, 1536), 120)).then(clip);
+        QList<StreamScript> scripts;
+        for (quint32 seed = 1; seed <= 4; ++seed) {
+            const int count = seed % 2 == 0 ? 10 : 1000;
+            for (const FlvClip &whole : {clip, withTone, odd, sizes})
+                scripts << rawScript(garbled(whole.bytes(), seed, count, whole.header.size()));
+        }
+        for (const int length : {1, 12, 15, 300, 2000, 5000, 8000, 11'000})
+            scripts << rawScript(withTone.bytes().left(length));
+        QVERIFY(withTone.bytes().size() > 11'000);
+        for (int first = 0; first < scripts.size(); first += 8) {
+            for (const auto &player : played(scripts.mid(first, 8))) {
+                QVERIFY(player->exitCode() == 0 || player->exitCode() == 1);
+                QCOMPARE(player->lastState(), 7);
+                QCOMPARE(faultIn(*player), QByteArray());
+                QCOMPARE(player->frameFile().size(), PlayerProcess::frameFileBytes);
+                QVERIFY(player->size().width() * player->size().height() <= 3'145'728);
+            }
+        }
+    }
+
+    void outputClosed()
+    {
+        QProcess reader;
+        StreamPlayer player;
+        player.pipeInto(&reader);
+        reader.start("true"_s, QStringList());
+        QVERIFY(player.play(StreamScript::of(clip.repeated(10))));
+        QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), 5000);
+        QVERIFY(player.exitCode() >= 0);
+    }
+
+    /// All of a stream is shown and in its time, whether it comes at once, evenly, or in bundles
+    /// in which each picture is late. Time stamps that jump without reason are not followed.
+    void playsInTheStreamsTime()
+    {
+        const FlvClip half = Clips::counting(2000);
+        const FlvClip slow = Clips::made("-f lavfi -i testsrc=s=160x96:r=1 -t 3 " + Clips::h264);
+        const StreamScript live = StreamScript::of(counting);
+        const struct {
+            const char *name;
+            const char *path;
+            StreamScript script;
+            std::pair<int, int> frames;
+            std::pair<int, int> time; ///< that was told last
+            int playing;              ///< milliseconds, at least
+        } streams[] = {
+            {"archive", "/archive", StreamScript::of(counting, 0), {51, 100}, {3700, 4300}, 3700},
+            // More pictures than can be seen come no faster than a hundred a second.
+            {"fast",
+             "/archive",
+             StreamScript::of(counting.repeated(4).faster(16), 0),
+             {6, 110},
+             {800, 1000},
+             800},
+            {"slow", "/archive", StreamScript::of(slow, 0), {3, 3}, {2000, 3000}, 1900},
+            {"back",
+             "/archive",
+             StreamScript::of(half.then(half, -1900), 0),
+             {51, 100},
+             {3500, 4500},
+             3500},
+            {"ahead",
+             "/archive",
+             StreamScript::of(half.then(half, 7000), 0),
+             {51, 100},
+             {10'500, 11'500},
+             3500},
+            {"an hour ahead",
+             "/archive",
+             StreamScript::of(half.then(half, 3'600'000), 0),
+             {51, 100},
+             {3500, 4500},
+             3500},
+            {"live", "/live?q=2", live, {51, 100}, {3700, 4300}, 3500},
+            {"bundles",
+             "/live",
+             with(live, &StreamScript::bundle, 160),
+             {70, 100},
+             {3500, 4500},
+             3500},
+            {"long bundles",
+             "/archive",
+             with(live, &StreamScript::bundle, 800),
+             {70, 100},
+             {3500, 4500},
+             3500},
+        };
+        Players players;
+        for (const auto &stream : streams) {
+            players.push_back(std::make_unique<StreamPlayer>());
+            QVERIFY(players.back()->play(stream.script, stream.path));
+        }
+        for (const auto &stream : streams) {
+            StreamPlayer &player = *players.at(&stream - streams);
+            QVERIFY2(player.ends(), stream.name);
+            const auto playing = player.timeOfState(6) - player.firstFrameTime();
+            const QByteArray found = "%1: %2 frames, %3 times, last %4, %5 ms"_s.arg(stream.name)
+                                         .arg(player.frames())
+                                         .arg(times(player).size())
+                                         .arg(player.lastTime())
+                                         .arg(playing)
+                                         .toLatin1();
+            const auto within = [](int value, std::pair<int, int> limits) {
+                return value >= limits.first && value <= limits.second;
+            };
+            QCOMPARE(player.exitCode(), 0);
+            QCOMPARE(player.states(), (QList<int>{1, 2, 3, 6, 7}));
+            QVERIFY2(faultIn(player).isEmpty(), found + faultIn(player));
+            QVERIFY2(within(player.frames(), stream.frames), found);
+            QVERIFY2(within(player.lastTime(), stream.time), found);
+            QVERIFY2(playing >= stream.playing, found);
+            QVERIFY2(times(player).size() >= playing / 300, found);
+        }
+    }
+
+    /// Servers begin with what they have kept since the last key frame or longer.
+    void liveShowsTheNewest()
+    {
+        StreamPlayer player;
+        QVERIFY(player.play(
+            with(StreamScript::of(counting.repeated(15)), &StreamScript::burst, 30'000)));
+        QVERIFY(player.shows(10));
+        QList<int> latencies;
+        for (int frames = player.frames(); latencies.size() < 31; frames = player.frames()) {
+            QVERIFY(player.shows(frames + 1));
+            const int behind = player.server.sentMilliseconds() / pictureInterval -
+                               Clips::countIn(player.picture());
+            latencies << (behind % Clips::maxCount + Clips::maxCount) % Clips::maxCount;
+        }
+        std::sort(latencies.begin(), latencies.end());
+        QVERIFY2(latencies.at(15) * pictureInterval < 1000, QByteArray::number(latencies.at(15)));
+        QVERIFY2(player.lastTime() <= player.elapsed(), "the client's clock runs ahead");
+        QCOMPARE(faultIn(player), QByteArray());
+    }
+
+private:
+    FlvClip clip;
+    FlvClip withTone;
+    FlvClip counting;
+};
+
+QTEST_GUILESS_MAIN(CompanionStreamsTest)
+#include "CompanionStreamsTest.moc"
