@@ -2,6 +2,7 @@
 #include "tests/support/Test.h"
 
 #include <optional>
+#include <sstream>
 
 #include "companion/ContainerWriter.h"
 #include "companion/ExportArguments.h"
@@ -50,29 +51,26 @@ class CompanionExportRulesTest : public QObject
 private slots:
     void arguments_data()
     {
-        rows<QString, QString>(
-            {"arguments", "meaning"},
-            {{"no times", "http://h/a b|mp4|4000|/f", "mp4 4000/-1 http://h/a%20b"},
-             {"silence", "h://h/?startTime=1&endTime=9001&q=2|avi|4000|/f",
-              "avi 4000/5000 h://h/?startTime=1&endTime=9001&q=2"},
-             {"all recorded", "h://h/?endTime=9&startTime=1|mp4|8|/f",
-              "mp4 8/0 h://h/?endTime=9&startTime=1"},
-             {"less than recorded", "h://h/?endTime=9&startTime=1|mp4|99|/f",
-              "mp4 99/0 h://h/?endTime=9&startTime=1"},
-             {"ends before it begins", "h://h/?startTime=9&endTime=8|mp4|4|/f",
-              "mp4 4/-1 h://h/?startTime=9&endTime=8"},
-             {"other names", "h://h/startTime=1?xstartTime=1&endTime=8|mp4|4|/f",
-              "mp4 4/-1 h://h/startTime=1?xstartTime=1&endTime=8"},
-             {"no number", "h://h/?startTime=1s&endTime=8|mp4|4|/f",
-              "mp4 4/-1 h://h/?startTime=1s&endTime=8"},
-             {"no address", "|mp4|4000|/f", "refused"},
-             {"other container", "http://h/|mkv|4000|/f", "refused"},
-             {"length is no number", "http://h/|mp4|4s|/f", "refused"},
-             {"no length", "http://h/|mp4|0|/f", "refused"},
-             {"endless", "http://h/|mp4|1125899906842625|/f", "refused"},
-             {"path not absolute", "http://h/|mp4|4000|f", "refused"},
-             {"a folder", "http://h/|mp4|4000|/f/", "refused"},
-             {"too many", "http://h/|mp4|4000|/f|x", "refused"}});
+        rows<QString, QString>({"arguments", "meaning"},
+                               {{"no times", "h://h/a b|mp4|4000|/f", "mp4 4000/-1 h://h/a%20b"},
+                                {"silence", "h://h/?startTime=1&endTime=9001&q=2|avi|4000|/f",
+                                 "avi 4000/5000 h://h/?startTime=1&endTime=9001&q=2"},
+                                {"less than recorded", "h://h/?endTime=9&startTime=1|mp4|99|/f",
+                                 "mp4 99/0 h://h/?endTime=9&startTime=1"},
+                                {"ends before it begins", "h://h/?startTime=9&endTime=8|mp4|4|/f",
+                                 "mp4 4/-1 h://h/?startTime=9&endTime=8"},
+                                {"other names", "h://h/startTime=1?xstartTime=1&endTime=8|mp4|4|/f",
+                                 "mp4 4/-1 h://h/startTime=1?xstartTime=1&endTime=8"},
+                                {"no number", "h://h/?startTime=1s&endTime=8|mp4|4|/f",
+                                 "mp4 4/-1 h://h/?startTime=1s&endTime=8"},
+                                {"no address", "|mp4|4000|/f", "refused"},
+                                {"other container", "h://h/|mkv|4000|/f", "refused"},
+                                {"length is no number", "h://h/|mp4|4s|/f", "refused"},
+                                {"no length", "h://h/|mp4|0|/f", "refused"},
+                                {"endless", "h://h/|mp4|1125899906842625|/f", "refused"},
+                                {"path not absolute", "h://h/|mp4|4000|f", "refused"},
+                                {"a folder", "h://h/|mp4|4000|/f/", "refused"},
+                                {"too many", "h://h/|mp4|4000|/f|x", "refused"}});
     }
 
     void arguments()
@@ -82,17 +80,12 @@ private slots:
         for (const QString &word : arguments.split('|'))
             words.push_back(word.toStdString());
         const auto parsed = parseExportArguments(words);
-        if (!parsed) {
-            QCOMPARE("refused"_s, meaning);
-            return;
-        }
-        const QString url = QString::fromStdString(parsed->url);
-        QCOMPARE("%1 %2/%3 %4"_s.arg(parsed->container.c_str())
-                     .arg(parsed->recorded.count())
-                     .arg(parsed->silence.value_or(milliseconds(-1)).count())
-                     .arg(url),
-                 meaning);
-        QCOMPARE(parsed->path, words.at(3));
+        std::ostringstream found;
+        if (parsed)
+            found << parsed->container << ' ' << parsed->recorded.count() << '/'
+                  << parsed->silence.value_or(milliseconds(-1)).count() << ' ' << parsed->url;
+        QCOMPARE(QString::fromStdString(parsed ? found.str() : "refused"), meaning);
+        QVERIFY(!parsed || parsed->path == "/f");
     }
 
     /// Times of packets in the file, by their stamps. "s" marks sound.

@@ -18,12 +18,6 @@ StreamScript slowScript(const FlvClip &clip)
     return with(StreamScript::of(clip.repeated(30), 2), &StreamScript::burst, 12'000);
 }
 
-/// As `then()`, but the second clip keeps its own stamps.
-FlvClip beginningAnew(const FlvClip &first, const FlvClip &second)
-{
-    return {first.header, first.tags + second.tags};
-}
-
 FlvClip clipOf(const QString &encoders)
 {
     return Clips::made("-f lavfi -i testsrc2=s=160x96:r=25:d=4 -f lavfi "
@@ -84,7 +78,8 @@ public:
                const QStringList &wrapper = {})
     {
         server.setScript(script);
-        server.start();
+        if (!server.isListening())
+            server.start();
         output.clear();
         const QStringList command =
             wrapper +
@@ -144,6 +139,8 @@ private slots:
         const FlvClip mpeg4 = clipOf(Clips::mpeg4 + " -c:a libmp3lame");
         const QString h264 = "-c:v libx264 -preset veryfast -c:a "_s;
         const FlvClip moved = FlvClip{toned.header, {}}.then(toned, 1'900'000'000);
+        const FlvClip gaps = clip.then(clip, gap).then(clip, 2000).then(clip, 10 * gap);
+        const FlvClip anew = {clip.header, clip.tags + clip.tags};
         rows<FlvClip, QString, int, int, QStringList>(
             {"stream", "container", "clips", "silence", "codecs"},
             {{"aac", clipOf(h264 + "aac"), "mp4", 1, 0, {"h264", "aac"}},
@@ -152,13 +149,8 @@ private slots:
              {"a thousand pictures", mpeg4.repeated(11), "avi", 11, 0, {"mpeg4", "mp3"}},
              {"stamps from anywhere", moved, "mp4", 1, 0, {"h264", "mp3"}},
              {"stamps jump over a gap", clip.then(clip, gap), "mp4", 2, gap, {"h264"}},
-             {"stamps begin anew", beginningAnew(clip, clip), "mp4", 2, gap, {"h264"}},
-             {"three gaps",
-              clip.then(clip, gap).then(clip, 2000).then(clip, 10 * gap),
-              "mp4",
-              4,
-              11 * gap + 2000,
-              {"h264"}},
+             {"stamps begin anew", anew, "mp4", 2, gap, {"h264"}},
+             {"three gaps", gaps, "mp4", 4, 11 * gap + 2000, {"h264"}},
              {"jump without any reason", clip.then(clip, 100'000'000), "mp4", 2, 0, {"h264"}}});
     }
 
@@ -188,9 +180,10 @@ private slots:
         QCOMPARE(file.codecs, codecs);
         QCOMPARE(file.size, QSize(160, 96));
         QCOMPARE(file.pictures, clips * 100);
-        QVERIFY2(qAbs(file.seconds - recorded / 1000.0) < 0.2, QByteArray::number(file.seconds));
+        QVERIFY2(qAbs(file.seconds - recorded / 1000.0) < 0.2 * clips,
+                 QByteArray::number(file.seconds));
         QCOMPARE(file.faults, QByteArray());
-        if (stream.tags.at(0).bytes == clip.tags.at(0).bytes && codecs.size() == 1 && clips > 1) {
+        if (clips > 1 && container == "mp4") {
             QCOMPARE(Clips::countIn(pictureAt(exporter.target, 0)), 0);
             QCOMPARE(Clips::countIn(pictureAt(exporter.target, file.seconds - 0.06)), 99);
         }
