@@ -33,7 +33,6 @@ private slots:
             {"url", "frameFileBytes", "exitCode", "error"},
             {{"no scheme", "127.0.0.1/flv", whole, 2, "Usage: vlc-stream "},
              {"no frame file", "http://127.0.0.1:1/", -1, 1, "vlc-stream: "},
-             {"short", "http://127.0.0.1:1/", whole - 1, 1, "vlc-stream: "},
              {"long", "http://127.0.0.1:1/", whole + 1, 1, "vlc-stream: "}});
     }
 
@@ -128,7 +127,6 @@ private slots:
         const QByteArray picture = player.frameFile();
         const auto lines = player.lines().size();
         QTRY_VERIFY_WITH_TIMEOUT(player.elapsed() > pausedAt + 12'000, deadline);
-        QVERIFY(player.isRunning());
         QCOMPARE(player.server.takenBytes(), taken);
         QCOMPARE(player.lines().size(), lines);
         QVERIFY(player.frameFile() == picture);
@@ -147,31 +145,24 @@ private slots:
         QVERIFY(player.play(StreamScript::of(clip.repeated(30))));
         player.stopPinging();
         QTRY_VERIFY_WITH_TIMEOUT(player.elapsed() > 8000, deadline);
-        QVERIFY(player.isRunning());
         player.send("unpause");
-        QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), 10'000);
-        QVERIFY2(player.elapsed() >= 10'000, QByteArray::number(player.elapsed()));
+        QVERIFY(player.ends());
+        QVERIFY(player.elapsed() >= 10'000 && player.elapsed() < 18'000);
         QCOMPARE(player.exitCode(), 0);
         QVERIFY(!player.states().contains(7));
     }
 
-    void closedInput_data()
-    {
-        rows<StreamScript, int>({"script", "frames"},
-                                {{"while it waits for the server", stallScript(clip, 0), 0},
-                                 {"playing", StreamScript::of(clip.repeated(10)), 10}});
-    }
-
     void closedInput()
     {
-        const auto [script, frames] = row<StreamScript, int>();
-        StreamPlayer player;
-        QVERIFY(player.play(script));
-        QTRY_COMPARE_WITH_TIMEOUT(player.server.heads().size(), 1, deadline);
-        QVERIFY(player.shows(frames));
-        player.closeInput();
-        QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), 3000);
-        QCOMPARE(player.exitCode(), 0);
+        for (const int frames : {0, 10}) {
+            StreamPlayer player;
+            QVERIFY(player.play(stallScript(clip, frames * 100)));
+            QTRY_COMPARE_WITH_TIMEOUT(player.server.heads().size(), 1, deadline);
+            QVERIFY(player.shows(frames));
+            player.closeInput();
+            QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), 3000);
+            QCOMPARE(player.exitCode(), 0);
+        }
     }
 
     void sound_data()

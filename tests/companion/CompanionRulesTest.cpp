@@ -4,19 +4,24 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <array>
 #include <atomic>
 #include <csignal>
 #include <future>
+#include <optional>
 
 #include "companion/Arguments.h"
 #include "companion/CommandInput.h"
+#include "companion/ContainerWriter.h"
 #include "companion/Controls.h"
-#include "companion/FrameFile.h"
+#include "companion/ExportArguments.h"
+#include "companion/ExportTimeline.h"
+#include "companion/FormatProbe.h"
 #include "companion/LineOutput.h"
 #include "companion/PacketQueue.h"
+#include "companion/ParameterSets.h"
 #include "companion/PictureConverter.h"
 #include "companion/PositionTrack.h"
+#include "companion/TargetFile.h"
 
 extern "C" {
 #include <libavutil/pixdesc.h>
@@ -27,73 +32,55 @@ using std::chrono::milliseconds;
 
 namespace {
 
-QueuedPacket packetAt(int milliseconds, bool key)
+PacketHandle packetOf(const QByteArray &bytes, int dts = 0, int delay = 0)
 {
-    static const auto format = std::make_shared<StreamFormat>();
-    QueuedPacket item;
-    item.packet.reset(av_packet_alloc());
-    item.format = format;
-    av_new_packet(item.packet.get(), 10);
-    item.packet->dts = milliseconds;
-    item.packet->flags = key ? AV_PKT_FLAG_KEY : 0;
-    return item;
+    PacketHandle packet(av_packet_alloc());
+    av_new_packet(packet.get(), int(bytes.size()));
+    std::copy(bytes.begin(), bytes.end(), packet->data);
+    packet->dts = dts;
+    packet->pts = dts + delay;
+    packet->duration = 40;
+    packet->flags = AV_PKT_FLAG_KEY;
+    return packet;
 }
 
-/// Brightness and the two colour differences, each of eight bits.
-using Yuv = std::array<int, 3>;
-const std::array<Yuv, 4> quarters = {
-    Yuv{90, 110, 180}, {150, 140, 120}, {60, 128, 128}, {200, 100, 128}};
-
-/// Each quarter has one colour.
-FrameHandle pictureOfQuarters(const char *format, QSize size)
+CodecParametersHandle parametersOf(AVMediaType type, AVCodecID codec)
 {
-    FrameHandle picture(av_frame_alloc());
-    picture->format = av_get_pix_fmt(format);
-    picture->width = size.width();
-    picture->height = size.height();
-    av_frame_get_buffer(picture.get(), 0);
-    const AVPixFmtDescriptor &about = *av_pix_fmt_desc_get(AVPixelFormat(picture->format));
-    for (int plane = 0; plane < about.nb_components; ++plane) {
-        const int width = AV_CEIL_RSHIFT(size.width(), plane > 0 ? about.log2_chroma_w : 0);
-        const int height = AV_CEIL_RSHIFT(size.height(), plane > 0 ? about.log2_chroma_h : 0);
-        for (int i = 0; i < width * height; ++i) {
-            const int x = i % width;
-            const int y = i / width;
-            const int value = quarters[(y >= height / 2) * 2 + (x >= width / 2)][plane];
-            uint8_t *line = picture->data[plane] + y * picture->linesize[plane];
-            if (about.comp[0].depth > 8)
-                reinterpret_cast<uint16_t *>(line)[x] =
-                    uint16_t(value << (about.comp[0].depth - 8));
-            else
-                line[x] = uint8_t(value);
-        }
-    }
-    return picture;
+    CodecParametersHandle parameters(avcodec_parameters_alloc());
+    parameters->codec_type = type;
+    parameters->codec_id = codec;
+    return parameters;
 }
 
-/// By what that standard says to be the shares of red and blue in the brightness.
-QColor colourOf(Yuv yuv, int standard, bool fullRange, bool gray)
+const uint8_t *data(const QByteArray &bytes)
 {
-    const double redShare = standard == 601 ? 0.299 : standard == 709 ? 0.2126 : 0.2627;
-    const double blueShare = standard == 601 ? 0.114 : standard == 709 ? 0.0722 : 0.0593;
-    const double y = fullRange ? yuv[0] : (yuv[0] - 16) * 255 / 219.0;
-    const double chroma = gray ? 0 : fullRange ? 1 : 255 / 224.0;
-    const double red = y + 2 * (1 - redShare) * chroma * (yuv[2] - 128);
-    const double blue = y + 2 * (1 - blueShare) * chroma * (yuv[1] - 128);
-    const double green = (y - redShare * red - blueShare * blue) / (1 - redShare - blueShare);
-    const auto byte = [](double value) { return qBound(0, qRound(value), 255); };
-    return QColor(byte(red), byte(green), byte(blue));
+    return reinterpret_cast<const uint8_t *>(bytes.constData());
+}
+
+QueuedPacket queued(int milliseconds, bool key)
+{
+    PacketHandle packet = packetOf("ten bytes.", milliseconds);
+    packet->flags = key ? AV_PKT_FLAG_KEY : 0;
+    return {std::move(packet), std::make_shared<StreamFormat>(), {}};
+}
+
+std::vector<std::string> words(const QString &arguments)
+{
+    std::vector<std::string> found;
+    for (const QString &word : arguments.split('|'))
+        found.push_back(word.toStdString());
+    return found;
 }
 
 } // namespace
 
-/// The decisions of the player that need no child to be seen.
+/// The decisions of the player and the exporter that need no process to be seen.
 class CompanionRulesTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void arguments_data()
+    void playerArguments_data()
     {
         rows<QString, QString>(
             {"arguments", "meaning"},
@@ -104,37 +91,31 @@ private slots:
              {"user without password", "h://h/|F|:http-proxy=http://d\\a b@x@p:80/",
               "h://h/ http://d%5Ca%20b%40x:@p:80/"},
              {"password", "h://h/|F|:http-proxy=http://a@p:65535/|:http-proxy-pwd=a:/@~é",
-              "h://h/ http://a:a%3A%2F%40~%C3%A9@p:65535/"},
-             {"no frame file", "http://h/", "refused"},
-             {"no scheme", "h/flv|F", "refused"},
-             {"empty scheme", "://h/flv|F", "refused"},
-             {"strange scheme", "a b://h/flv|F", "refused"},
-             {"way out for name", "http://h/|../F", "refused"},
-             {"folder for name", "http://h/|..", "refused"},
-             {"unknown third", "http://h/|F|:http-proxi=http://p:1/", "refused"},
-             {"unknown fourth", "http://h/|F|:http-proxy=http://p:1/|:http-proxy-pw=a", "refused"},
-             {"proxy without scheme", "http://h/|F|:http-proxy=p:1/", "refused"},
-             {"proxy without port", "http://h/|F|:http-proxy=http://p/", "refused"},
-             {"proxy without host", "http://h/|F|:http-proxy=http://:1/", "refused"},
-             {"proxy with path", "http://h/|F|:http-proxy=http://p/a:1/", "refused"},
-             {"port too big", "http://h/|F|:http-proxy=http://p:65536/", "refused"},
-             {"port is no number", "http://h/|F|:http-proxy=http://p:8o/", "refused"},
-             {"too many", "http://h/|F|:http-proxy=http://p:1/|:http-proxy-pwd=a|b", "refused"}});
+              "h://h/ http://a:a%3A%2F%40~%C3%A9@p:65535/"}});
     }
 
-    void arguments()
+    void playerArguments()
     {
         const auto [arguments, meaning] = row<QString, QString>();
-        std::vector<std::string> words;
-        for (const QString &word : arguments.split('|'))
-            words.push_back(word.toStdString());
-        const auto parsed = parseArguments(words);
-        std::string found = "refused";
-        if (parsed)
-            found = parsed->url + (parsed->live ? " live" : "") +
-                    (parsed->proxyUrl.empty() ? "" : " " + parsed->proxyUrl);
-        QCOMPARE(QString::fromStdString(found), meaning);
-        QVERIFY(!parsed || parsed->frameName == "F");
+        const auto parsed = parseArguments(words(arguments));
+        QVERIFY(parsed && parsed->frameName == "F");
+        const std::string proxy = parsed->proxyUrl.empty() ? "" : " " + parsed->proxyUrl;
+        QCOMPARE((parsed->url + (parsed->live ? " live" : "") + proxy).c_str(), meaning);
+    }
+
+    void refusedArguments()
+    {
+        for (const char *line : {"h://h/", "h/flv|F", "://h/flv|F", "a b://h/|F", "h://h/|../F",
+                                 "h://h/|..", "h://h/|F|:http-proxi=http://p:1/"})
+            QVERIFY2(!parseArguments(words(line)), line);
+        for (const char *proxy :
+             {"p:1/", "http://p/", "http://:1/", "http://p/a:1/", "http://p:8o/", "http://p:65536/",
+              "http://p:1/|:http-proxy-pw=a", "http://p:1/|:http-proxy-pwd=a|b"})
+            QVERIFY2(!parseArguments(words("h://h/|F|:http-proxy="_s + proxy)), proxy);
+        for (const char *line : {"|mp4|4|/f", "h://h/|mkv|4|/f", "h://h/|mp4|4s|/f",
+                                 "h://h/|mp4|0|/f", "h://h/|mp4|1125899906842625|/f",
+                                 "h://h/|mp4|4|f", "h://h/|mp4|4|/f/", "h://h/|mp4|4|/f|x"})
+            QVERIFY2(!parseExportArguments(words(line)), line);
     }
 
     void commands_data()
@@ -196,54 +177,68 @@ private slots:
     void colours_data()
     {
         constexpr auto unnamed = AVCOL_SPC_UNSPECIFIED;
-        const QSize small(64, 48);
-        rows<QByteArray, int, bool, QSize, int>(
-            {"format", "space", "fullRange", "size", "standard"},
-            {{"ordinary", "yuv420p", unnamed, false, small, 601},
-             {"odd", "yuv420p", unnamed, false, QSize(159, 97), 601},
-             {"all of a row", "yuv422p", unnamed, false, small, 601},
-             {"all", "yuv444p", unnamed, false, QSize(63, 47), 601},
-             {"gray", "gray", unnamed, false, small, 601},
-             {"ten bits", "yuv420p10le", unnamed, false, small, 601},
-             {"ten bits, row", "yuv422p10le", unnamed, false, small, 601},
-             {"ten bits, all", "yuv444p10le", unnamed, false, small, 601},
-             {"full range", "yuv420p", unnamed, true, small, 601},
-             {"full by format", "yuvj420p", unnamed, false, small, 601},
-             {"full, row", "yuvj422p", unnamed, false, small, 601},
-             {"full, all", "yuvj444p", unnamed, false, small, 601},
-             {"last small one", "yuv420p", unnamed, false, QSize(64, 576), 601},
-             {"HD", "yuv420p", unnamed, false, QSize(64, 578), 709},
-             {"HD by name", "yuv420p", AVCOL_SPC_BT709, false, small, 709},
-             {"HD, full", "yuvj420p", AVCOL_SPC_BT709, false, small, 709},
-             {"small by name", "yuv420p", AVCOL_SPC_SMPTE170M, false, QSize(64, 720), 601},
-             {"wide", "yuv420p", AVCOL_SPC_BT2020_NCL, false, small, 2020},
-             {"wide, full", "yuv420p", AVCOL_SPC_BT2020_CL, true, small, 2020},
-             {"too large", "yuv420p", unnamed, false, QSize(3839, 2159), 709},
-             {"too large, ten bits", "yuv422p10le", unnamed, false, QSize(2560, 1440), 709}});
+        rows<QByteArray, int, bool, int, int>(
+            {"format", "space", "fullRange", "height", "standard"},
+            {{"ordinary", "yuv420p", unnamed, false, 48, 601},
+             {"full range", "yuv420p", unnamed, true, 48, 601},
+             {"full by format", "yuvj420p", unnamed, false, 48, 601},
+             {"all of a row", "yuv422p", unnamed, false, 48, 601},
+             {"all of a row, full", "yuvj422p", unnamed, false, 48, 601},
+             {"all", "yuv444p", unnamed, false, 48, 601},
+             {"all, full", "yuvj444p", unnamed, false, 48, 601},
+             {"gray", "gray", unnamed, false, 48, 601},
+             {"ten bits", "yuv420p10le", unnamed, false, 48, 601},
+             {"ten bits, row", "yuv422p10le", unnamed, false, 48, 601},
+             {"ten bits, all", "yuv444p10le", unnamed, false, 48, 601},
+             {"last small one", "yuv420p", unnamed, false, 576, 601},
+             {"HD", "yuv420p", unnamed, false, 577, 709},
+             {"HD by name", "yuv420p", AVCOL_SPC_BT709, false, 48, 709},
+             {"HD, full", "yuvj420p", AVCOL_SPC_BT709, false, 48, 709},
+             {"small by name", "yuv420p", AVCOL_SPC_SMPTE170M, false, 720, 601},
+             {"wide", "yuv420p", AVCOL_SPC_BT2020_NCL, false, 48, 2020},
+             {"wide, full", "yuv420p", AVCOL_SPC_BT2020_CL, true, 48, 2020}});
     }
 
+    /// By what a standard says to be the shares of red and blue in the brightness.
     void colours()
     {
-        const auto [format, space, fullRange, size, standard] =
-            row<QByteArray, int, bool, QSize, int>();
-        const FrameHandle picture = pictureOfQuarters(format, size);
+        const auto [format, space, fullRange, height, standard] =
+            row<QByteArray, int, bool, int, int>();
+        const int yuv[] = {90, 110, 180};
+        const FrameHandle picture(av_frame_alloc());
+        picture->format = av_get_pix_fmt(format);
+        picture->width = 63;
+        picture->height = height;
         picture->colorspace = AVColorSpace(space);
         picture->color_range = fullRange ? AVCOL_RANGE_JPEG : AVCOL_RANGE_UNSPECIFIED;
-        const PictureSize fitted = fittedSize({size.width(), size.height()});
-        QImage shown(fitted.width, fitted.height, QImage::Format_ARGB32);
-        shown.fill(Qt::transparent);
-        QVERIFY(PictureConverter().convert(*picture, shown.bits()));
-        for (int i = 0; i < 4; ++i) {
-            const QColor found = shown.pixelColor(fitted.width * (1 + 2 * (i % 2)) / 4,
-                                                  fitted.height * (1 + 2 * (i / 2)) / 4);
-            const bool full = fullRange || format.startsWith("yuvj");
-            const QColor wanted = colourOf(quarters[i], standard, full, format == "gray");
-            const int fault =
-                std::max({qAbs(found.red() - wanted.red()), qAbs(found.green() - wanted.green()),
-                          qAbs(found.blue() - wanted.blue())});
-            QVERIFY2(fault <= 5, qPrintable("%1 and not %2"_s.arg(found.name(), wanted.name())));
-            QCOMPARE(found.alpha(), 255);
+        QVERIFY(av_frame_get_buffer(picture.get(), 0) >= 0);
+        const AVPixFmtDescriptor &about = *av_pix_fmt_desc_get(AVPixelFormat(picture->format));
+        for (int plane = 0; plane < about.nb_components; ++plane) {
+            const int rows = AV_CEIL_RSHIFT(height, plane > 0 ? about.log2_chroma_h : 0);
+            const int bytes = rows * picture->linesize[plane];
+            if (about.comp[0].depth == 8)
+                std::fill_n(picture->data[plane], bytes, uint8_t(yuv[plane]));
+            else
+                std::fill_n(reinterpret_cast<uint16_t *>(picture->data[plane]), bytes / 2,
+                            uint16_t(yuv[plane] << 2));
         }
+        std::vector<QRgb> shown(63 * size_t(height));
+        QVERIFY(PictureConverter().convert(*picture, reinterpret_cast<uint8_t *>(shown.data())));
+
+        const double redShare = standard == 601 ? 0.299 : standard == 709 ? 0.2126 : 0.2627;
+        const double blueShare = standard == 601 ? 0.114 : standard == 709 ? 0.0722 : 0.0593;
+        const bool full = fullRange || format.startsWith("yuvj");
+        const double chroma = format == "gray" ? 0 : full ? 2 : 2 * 255 / 224.0;
+        const double y = full ? yuv[0] : (yuv[0] - 16) * 255 / 219.0;
+        const double red = y + (1 - redShare) * chroma * (yuv[2] - 128);
+        const double blue = y + (1 - blueShare) * chroma * (yuv[1] - 128);
+        const double green = (y - redShare * red - blueShare * blue) / (1 - redShare - blueShare);
+        const QColor found = QColor::fromRgba(shown.front());
+        QVERIFY2(qAbs(found.red() - red) < 4, qPrintable(found.name()));
+        QVERIFY2(qAbs(found.green() - green) < 4, qPrintable(found.name()));
+        QVERIFY2(qAbs(found.blue() - blue) < 4, qPrintable(found.name()));
+        QCOMPARE(found.alpha(), 255);
+        QCOMPARE(std::count(shown.begin(), shown.end(), shown.front()), 63 * height);
     }
 
     void fittedSizes()
@@ -311,7 +306,7 @@ private slots:
                 const milliseconds reach(step.mid(5).toInt());
                 found << (queue.dropToKey(reach) ? "dropped" : "kept");
             } else {
-                queue.push(packetAt(step.mid(step.startsWith('k')).toInt(), step.startsWith('k')));
+                queue.push(queued(step.mid(step.startsWith('k')).toInt(), step.startsWith('k')));
             }
         }
         QCOMPARE(found.join(' ').replace("+0"_s, ""_s), told);
@@ -323,7 +318,7 @@ private slots:
         std::atomic<int> pushed{0};
         const auto reader = std::async(std::launch::async, [&] {
             for (; pushed < 200; ++pushed)
-                queue.push(packetAt(pushed, true));
+                queue.push(queued(pushed, true));
             queue.finish(PacketQueue::End::Finished);
         });
         QTRY_COMPARE(pushed.load(), 10);
@@ -385,6 +380,185 @@ private slots:
         waiter.wait();
         QVERIFY(waits && stands);
         QVERIFY(controls.now() >= end);
+    }
+
+    /// By the times in the address; -1 where they don't tell.
+    void silenceInExport_data()
+    {
+        rows<QString, int, int>({"url", "recorded", "silence"},
+                                {{"no times", "h://h/a", 4000, -1},
+                                 {"some", "h://h/?startTime=1&endTime=9001&q=2", 4000, 5000},
+                                 {"less than recorded", "h://h/?endTime=9&startTime=1", 99, 0},
+                                 {"ends first", "h://h/?startTime=9&endTime=8", 4, -1},
+                                 {"other names", "h://h/startTime=1?xstartTime=1&endTime=8", 4, -1},
+                                 {"no number", "h://h/?startTime=1s&endTime=8", 4, -1}});
+    }
+
+    void silenceInExport()
+    {
+        const auto [url, recorded, silence] = row<QString, int, int>();
+        const auto parsed = parseExportArguments(words("%1|avi|%2|/f"_s.arg(url).arg(recorded)));
+        QVERIFY(parsed && parsed->container == "avi" && parsed->path == "/f");
+        QCOMPARE(parsed->url.c_str(), url);
+        QCOMPARE(int(parsed->recorded.count()), recorded);
+        QCOMPARE(int(parsed->silence.value_or(milliseconds(-1)).count()), silence);
+    }
+
+    /// Times of packets in the file, by their stamps. "s" marks sound.
+    void places_data()
+    {
+        // -1: not known
+        rows<QString, int, QString>(
+            {"stamps", "silence", "times"},
+            {{"rare pictures, silence not known", "0 3000 6000 9000", -1, "0 40 3040 6040"},
+             {"clock set back a little", "0 40 80 20 60 100 140", -1, "0 40 80 81 82 100 140"},
+             {"sound of before the gap, late", "2000 2040 2080 72000 s2090 72040 s72030", 70'000,
+              "0 40 80 120 90 160 150"},
+             {"sound stops and comes back", "2000 s2010 3000 4000 5000 6000 7000 s7010", 0,
+              "0 10 1000 2000 3000 4000 5000 5010"},
+             {"more jumps than silence", "0 40 80 5080 5120 5160 10160", 7000,
+              "0 40 80 120 160 200 3200"}});
+    }
+
+    void places()
+    {
+        const auto [stamps, silence, times] = row<QString, int, QString>();
+        ExportTimeline timeline(milliseconds(20'000), silence < 0 ? std::optional<milliseconds>()
+                                                                  : milliseconds(silence));
+        QStringList found;
+        for (const QString &stamp : stamps.split(' ')) {
+            const bool sound = stamp.startsWith('s');
+            found << QString::number(timeline.place(
+                sound ? ExportTimeline::Sound : ExportTimeline::Video, stamp.mid(sound).toInt()));
+        }
+        QCOMPARE(found.join(' '), times);
+    }
+
+    /// What the file says itself. Pictures are shown `delay` after they are decoded; one that
+    /// would be decoded too early goes into the same millisecond as the one before it. A frame of
+    /// sound is 128 ms long.
+    void timesInFile_data()
+    {
+        rows<QString, int, QString, QString>(
+            {"container", "delay", "stamps", "times"},
+            {{"steady", "mp4", 0, "0 s0 40 80 s128 s256", "0 s0 40 80 s128 s256"},
+             {"decoding time falls back", "mp4", 80, "0 40 80 60 120", "0 40 80 80 120"},
+             {"decoding time stands still", "mp4", 0, "0 40 40 40 80", "0 40 40 40 80"},
+             {"shown before it is decoded", "mp4", -40, "0 40 80", "0 40 80"},
+             {"slots of avi", "avi", 0, "0 38 45 120", "0 40 80 120"},
+             {"sound that trembles", "mp4", 0, "0 s0 s140 s250", "0 s0 s128 s256"},
+             {"sound with a gap", "mp4", 0, "0 s0 s128 s900 s1028", "0 s0 s128 s900 s1028"},
+             {"sound at the end of patience", "mp4", 0, "0 s0 s384", "0 s0 s128"},
+             {"sound after it", "mp4", 0, "0 s0 s385", "0 s0 s385"},
+             {"sound that comes again", "mp4", 0, "0 s0 s900 s100 s1028", "0 s0 s900 s1028"}});
+    }
+
+    void timesInFile()
+    {
+        const auto [container, delay, stamps, times] = row<QString, int, QString, QString>();
+        const auto video = parametersOf(AVMEDIA_TYPE_VIDEO, AV_CODEC_ID_MPEG4);
+        video->width = video->height = 16;
+        const auto sound = parametersOf(AVMEDIA_TYPE_AUDIO, AV_CODEC_ID_AAC);
+        sound->sample_rate = 8000;
+        sound->frame_size = 1024;
+        av_channel_layout_default(&sound->ch_layout, 1);
+        const std::string path = QDir::current().filePath("film"_s).toStdString();
+        TargetFile file(path);
+        QVERIFY(file.open());
+        ContainerWriter writer(file, container.toStdString());
+        QVERIFY(writer.begin(*video, stamps.contains('s') ? sound.get() : nullptr, {1, 25}));
+        for (const QString &stamp : stamps.split(' '))
+            QVERIFY(stamp.startsWith('s')
+                        ? writer.writeSound(packetOf("sound", stamp.mid(1).toInt()))
+                        : writer.writeVideo(packetOf("picture", stamp.toInt(), delay)));
+        QVERIFY(writer.end() && file.finish());
+
+        AVFormatContext *context = nullptr;
+        QVERIFY(avformat_open_input(&context, path.c_str(), nullptr, nullptr) >= 0);
+        const FormatHandle input(context);
+        QStringList found;
+        const PacketHandle packet(av_packet_alloc());
+        for (; av_read_frame(context, packet.get()) >= 0; av_packet_unref(packet.get())) {
+            const AVStream &stream = *context->streams[packet->stream_index];
+            const bool isSound = stream.codecpar->codec_type == AVMEDIA_TYPE_AUDIO;
+            av_packet_rescale_ts(packet.get(), stream.time_base, millisecondBase);
+            QVERIFY(isSound || packet->pts == packet->dts + qMax(delay, 0));
+            found << (isSound ? "s%1"_s : "%1"_s).arg(packet->dts);
+        }
+        QCOMPARE(found.join(' '), times);
+    }
+
+    /// Hexadecimal. The record has the sets 670102 and 6803, and lengths of two bytes.
+    void parameterSets_data()
+    {
+        const QByteArray record = "0164001ffde1 0003 670102 01 0002 6803";
+        const QByteArray sets = "00 03 67 01 02 00 02 68 03";
+        const QByteArray other = "0164001fffe1 0002 6709 01 0001 68"; // lengths of four bytes
+        rows<QByteArray, QByteArray, bool, QByteArray, QByteArray>(
+            {"record", "newRecord", "key", "packet", "result"},
+            {{"key frame", record, "", true, "00 02 65 aa", sets + " 00 02 65 aa"},
+             {"behind a delimiter", record, "", true, "00 02 09 10 00 02 65 aa",
+              "00 02 09 10 " + sets + " 00 02 65 aa"},
+             {"sets of its own", record, "", true, "00 01 67 00 01 65", "00 01 67 00 01 65"},
+             {"not a key frame", record, "", false, "00 02 41 01", "00 02 41 01"},
+             {"torn", record, "", true, "00 03 65 01", "00 03 65 01"},
+             {"empty unit", record, "", true, "00 00 00 01 65", "00 00 00 01 65"},
+             {"new record", record, other, true, "00 00 00 01 65",
+              "00 00 00 02 67 09 00 00 00 01 68 00 00 00 01 65"},
+             {"torn record", record, "0164001ffde1 0009 67", true, "00 01 65", sets + " 00 01 65"},
+             {"no record", "", "", true, "00 01 65", "00 01 65"},
+             {"several sets", "0164001ffde2 000167 000268aa 01 000169", "", true, "00 01 65",
+              "00 01 67 00 02 68 aa 00 01 69 00 01 65"}});
+    }
+
+    void parameterSets()
+    {
+        QFETCH(QByteArray, record);
+        QFETCH(QByteArray, newRecord);
+        QFETCH(bool, key);
+        QFETCH(QByteArray, packet);
+        ParameterSets sets;
+        record = QByteArray::fromHex(record);
+        sets.set(data(record), size_t(record.size()));
+        const PacketHandle frame = packetOf(QByteArray::fromHex(packet));
+        frame->flags = key ? AV_PKT_FLAG_KEY : 0;
+        newRecord = QByteArray::fromHex(newRecord);
+        if (const auto size = size_t(newRecord.size()))
+            std::copy_n(data(newRecord), size,
+                        av_packet_new_side_data(frame.get(), AV_PKT_DATA_NEW_EXTRADATA, size));
+        QVERIFY(sets.apply(*frame));
+        const QByteArray found(reinterpret_cast<const char *>(frame->data), frame->size);
+        QTEST(found.toHex(' '), "result");
+    }
+
+    /// Of MP3 streams whose head says nothing but the codec.
+    void soundFormats_data()
+    {
+        const auto stereo = QByteArray("\xFF\xFB\x90\x00", 4).leftJustified(417, '\0');
+        const auto mono = QByteArray("\xFF\xFB\x94\xC0").leftJustified(384, '\0');
+        rows<QList<QByteArray>, int, int>({"packets", "rate", "channels"},
+                                          {{"stereo", {stereo}, 44'100, 2},
+                                           {"mono", {mono}, 48'000, 1},
+                                           {"behind a broken one", {"broken", mono}, 48'000, 1},
+                                           {"none", {}, 0, 0}});
+    }
+
+    void soundFormats()
+    {
+        const auto [packets, rate, channels] = row<QList<QByteArray>, int, int>();
+        const bool complete = rate > 0;
+        std::vector<PacketHandle> owned;
+        std::vector<const AVPacket *> given;
+        for (const QByteArray &bytes : packets) {
+            owned.push_back(packetOf(bytes));
+            given.push_back(owned.back().get());
+        }
+        const auto parameters = parametersOf(AVMEDIA_TYPE_AUDIO, AV_CODEC_ID_MP3);
+        QCOMPARE(completeFormat(*parameters, given), complete);
+        QCOMPARE(parameters->sample_rate, rate);
+        QCOMPARE(parameters->ch_layout.nb_channels, channels);
+        QCOMPARE(parameters->frame_size, complete ? 1152 : 0);
+        QCOMPARE(int(parameters->bit_rate), complete ? 128'000 : 0);
     }
 };
 
