@@ -60,11 +60,6 @@ struct VideoFile {
 class ExportProcess : public QProcess
 {
 public:
-    ~ExportProcess() override
-    {
-        kill();
-        waitForFinished();
-    }
     /// `wrapper` is a command that runs the command that follows it.
     void begin(const StreamScript &script, int recorded = clipMilliseconds,
                const QString &container = "mp4"_s, const QByteArray &url = "/",
@@ -74,10 +69,9 @@ public:
         if (!server.isListening())
             server.start();
         output.clear();
-        const QStringList command =
-            wrapper +
-            QStringList{ZORVANE_BIN_DIR "/vlc-stream", "export", server.url(url), container,
-                        QString::number(recorded),     target};
+        QStringList command = wrapper;
+        command << ZORVANE_BIN_DIR "/vlc-stream"
+                << "export" << server.url(url) << container << QString::number(recorded) << target;
         start(command.first(), command.mid(1));
     }
     bool ends()

@@ -139,45 +139,35 @@ private slots:
         QVERIFY(first != worldOf(8));
     }
 
-    void refusesUnknownOptions()
-    {
-        QProcess program;
-        program.start(ZORVANE_BIN_DIR "/zorvane-demo", {"--api-port", "65536"});
-        QVERIFY(program.waitForFinished(deadline));
-        QCOMPARE(program.exitCode(), 2);
-        QVERIFY(program.readAllStandardError().startsWith("usage: zorvane-demo"));
-    }
-
+    /// Of a camera with a record of five seconds, which begins between two pictures. "[s]" is
+    /// its second, and "[1]" the millisecond one second after that.
     void refusals_data()
     {
-        // Of the camera: JSON of its change. "to" is -1 for an export without an end.
-        rows<int, QByteArray, QString, int, int, int>(
-            {"number", "changed", "path", "from", "to", "status"},
-            {{"offline", 1, R"({"online":false})", "/flv/live", 0, 0, 404},
-             {"not paid for", 1, R"({"paid":false})", "/flv/live", 0, 0, 403},
-             {"no live right", 1, R"({"rights":["archive"]})", "/flv/live", 0, 0, 403},
-             {"no archive right", 1, R"({"rights":["live"]})", "/flv/archive", 2, 0, 403},
-             {"before the first key frame", 1, "{}", "/flv/archive", 0, 0, 404},
-             {"export of a gap", 5, "{}", "/flv/archive", 6, 9, 404},
-             {"export without an end", 5, "{}", "/flv/archive", 1, -1, 400},
-             {"export from the cloud", 1, "{}", "/flv/archive", 1, 3, 403}});
+        rows<int, QByteArray, QString, int>(
+            {"number", "changed", "stream", "status"},
+            {{"offline", 1, R"({"online":false})", "live", 404},
+             {"not paid for", 1, R"({"paid":false})", "live", 403},
+             {"no live right", 1, R"({"rights":["archive"]})", "live", 403},
+             {"no archive right", 1, R"({"rights":["live"]})", "archive?startTime=[s]", 403},
+             {"before the first key frame", 1, "{}", "archive?startTime=[s]", 404},
+             {"export of a gap", 5, "{}", "archive?startTime=[6]&endTime=[9]", 404},
+             {"export without an end", 5, "{}", "archive?startTime=[1]&endTime=-1", 400},
+             {"export from the cloud", 1, "{}", "archive?startTime=[1]&endTime=[3]", 403}});
     }
 
-    /// Of a camera with a record of five seconds, which begins between two pictures.
     void refusals()
     {
-        const auto [number, changed, path, from, to, status] =
-            row<int, QByteArray, QString, int, int, int>();
+        const auto [number, changed, stream, status] = row<int, QByteArray, QString, int>();
         const DemoCamera camera = service.camera(number);
         const qint64 begin = QDateTime::currentSecsSinceEpoch() - 86'400;
         QVERIFY(service.setArchive(camera, {{begin * 1000 + 400, begin * 1000 + 5350}}));
         QVERIFY(service.setCamera(camera.server, camera.camera,
                                   QJsonDocument::fromJson(changed).object()));
-        // Exports are asked for in milliseconds.
-        const QString times = to == 0 ? "&startTime=%1"_s.arg(begin + from)
-                                      : "&startTime=%1&endTime=%2"_s.arg((begin + from) * 1000)
-                                            .arg(to < 0 ? -1 : (begin + to) * 1000);
-        const Answer answer = ask(flv(path, camera) + times);
+        QString asked = flv(stream.section('?', 0, 0), camera) + '&' + stream.section('?', 1);
+        asked.replace("[s]"_s, QString::number(begin));
+        for (const int seconds : {1, 3, 6, 9})
+            asked.replace("[%1]"_s.arg(seconds), QString::number((begin + seconds) * 1000));
+        const Answer answer = ask(asked);
         QCOMPARE(answer.status, status);
         QVERIFY(answer.body.isEmpty());
     }
@@ -214,14 +204,8 @@ private slots:
     void faultyReplies()
     {
         const auto [kind, value, after, outcome] = row<QString, int, int, QString>();
-        DemoFault fault;
-        fault.kind = kind;
-        fault.route = "/public/*"_s;
-        fault.listener = "api"_s;
-        fault.value = value;
-        fault.after = after;
-        fault.location = "//h/elsewhere"_s;
-        QVERIFY(service.addFault(fault) > 0);
+        QVERIFY(service.addFault({kind, "/public/*"_s, "api"_s, QString(), -1, -1, value, after,
+                                  "//h/elsewhere"_s}) > 0);
         const QString url = api("/public/roster?sessionId=") + session;
         const Answer answer = ask(url, "GET", "", formType, kind == "stall"_s ? 1500 : deadline);
         QString found = answer.end;
@@ -235,13 +219,9 @@ private slots:
 
     void faultHitsOnlyItsCameraAndTimes()
     {
-        DemoFault fault;
-        fault.kind = "empty"_s;
-        fault.route = "//preview/live"_s;
-        fault.server = service.camera(1).server;
-        fault.camera = service.camera(1).camera;
-        fault.times = 2;
-        QVERIFY(service.addFault(fault) > 0);
+        const DemoCamera camera = service.camera(1);
+        QVERIFY(service.addFault({"empty"_s, "//preview/live"_s, QString(), camera.server,
+                                  camera.camera, 2, 0, 0, QString()}) > 0);
         QList<bool> empty;
         for (const int number : {1, 2, 1, 1})
             empty << ask(streaming("//preview/live", number)).body.isEmpty();
@@ -250,17 +230,14 @@ private slots:
 
     void faultReachesARunningStream()
     {
-        const QUrl url(flv("/flv/live"_s, service.camera(1)));
-        DemoFault fault;
-        fault.route = "/flv/*"_s;
+        const QUrl url(flv("live"_s, service.camera(1)));
         for (const QString &kind : {"close"_s, "stall"_s}) {
             QTcpSocket socket;
             socket.connectToHost(url.host(), quint16(url.port()));
             socket.write("GET " + url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority) +
                          " HTTP/1.1\r\nHost: x\r\n\r\n");
             QTRY_VERIFY_WITH_TIMEOUT(socket.bytesAvailable() > 20'000, deadline);
-            fault.kind = kind;
-            QVERIFY(service.addFault(fault) > 0);
+            QVERIFY(service.addFault({kind, "/flv/*"_s, {}, {}, -1, -1, 0, 0, {}}) > 0);
             // What is on its way still comes; then ten pictures a second fall silent.
             QTRY_VERIFY_WITH_TIMEOUT((socket.readAll(), !socket.waitForReadyRead(1500)), deadline);
             QCOMPARE(socket.state(), kind == "close"_s ? QAbstractSocket::UnconnectedState
@@ -278,10 +255,10 @@ private:
         return "https://127.0.0.1:%1"_s.arg(service.streamingPort()) + path +
                queryOf(service.camera(camera));
     }
-    QString flv(const QString &path, const DemoCamera &camera)
+    QString flv(const QString &stream, const DemoCamera &camera)
     {
         const int port = camera.lan ? service.lanPorts().value(0) : service.flvPort();
-        return "http://127.0.0.1:%1"_s.arg(port) + path + queryOf(camera) + "&q=0";
+        return "http://127.0.0.1:%1/flv/"_s.arg(port) + stream + queryOf(camera) + "&q=0";
     }
     /// A LAN camera takes its server's password for the session.
     QString queryOf(const DemoCamera &camera)
