@@ -1,26 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "tests/GUI/Player/TileFixture.h"
 
-#include "tests/support/Test.h"
-
 #include "API/Camera.h"
 #include "API/Server.h"
 #include "App/Environment.h"
-#include "GUI/Player/VideoWidget.h"
 #include "tests/support/LogCapture.h"
 
+using GUI::Player::VideoWidget;
+
 namespace ZorvaneClient::Tests {
-
-namespace {
-
-const QColor background(25, 25, 29);
-
-QString captured(const QString &text, const QString &pattern)
-{
-    return QRegularExpression(pattern).match(text).captured(1);
-}
-
-} // namespace
 
 API::CameraPtr localCamera(const QString &name)
 {
@@ -47,37 +35,98 @@ API::CameraPtr cloudCamera(const QVariantMap &changes)
     return API::CameraPtr::create(&server, json);
 }
 
-QString dumpOf(GUI::Player::VideoWidget &tile)
+ScriptedTile::ScriptedTile(const QString &script, const API::CameraPtr &camera, QSize size)
+    : VideoWidget(camera)
+{
+    setScript(script);
+    resize(size);
+    show();
+    if (!QTest::qWaitForWindowExposed(this))
+        qFatal("no window");
+}
+
+void ScriptedTile::setScript(const QString &script)
+{
+    ScriptedChild::setScript(script.split(QLatin1Char('|')));
+}
+
+QStringList ScriptedTile::orders() const
+{
+    QStringList orders = commands();
+    orders.removeAll("ping"_s);
+    return orders;
+}
+
+QProcess &ScriptedTile::process() const
+{
+    return *findChild<QProcess *>();
+}
+
+bool ScriptedTile::playsLive()
+{
+    return playLive() && QTest::qWaitFor([this] { return stateOf(*this) == "Playing"_s; });
+}
+
+bool ScriptedTile::playsArchive(const QDateTime &start)
+{
+    return playArchive(start, start.addSecs(60)) &&
+           QTest::qWaitFor([this] { return stateOf(*this) == "Playing"_s; });
+}
+
+QString dumpOf(VideoWidget &tile)
 {
     const LogCapture log;
-    QMouseEvent release(QEvent::MouseButtonRelease, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton,
-                        Qt::NoButton, Qt::NoModifier);
-    QApplication::sendEvent(&tile, &release);
+    QTest::mouseRelease(&tile, Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
     return log.linesOf("Activated camera:"_s).value(0);
 }
 
-QString stateOf(GUI::Player::VideoWidget &tile)
+QString stateOf(VideoWidget &tile)
 {
-    return captured(dumpOf(tile), "\" state: (\\w+) last request time:"_s);
+    return QRegularExpression(" state: (\\w+) last"_s).match(dumpOf(tile)).captured(1);
 }
 
-QString resolutionOf(GUI::Player::VideoWidget &tile)
+QString vlcStateOf(VideoWidget &tile)
 {
-    return captured(dumpOf(tile), "resolution: (\\S+ x \\S+) playback time:"_s)
-        .remove(QLatin1Char(' '));
+    return QRegularExpression("VLC state: \"([^\"]*)"_s).match(dumpOf(tile)).captured(1);
 }
 
-void tick(GUI::Player::VideoWidget &tile)
+void tick(VideoWidget &tile)
 {
     QTimerEvent event(0);
     QApplication::sendEvent(&tile, &event);
 }
 
-bool showsText(GUI::Player::VideoWidget &tile, const QString &text)
+bool expireTimer(QObject &owner, std::chrono::milliseconds wait)
 {
-    const QImage shown = tile.grab().toImage().convertToFormat(QImage::Format_RGB32);
-    QImage expected(shown.size(), QImage::Format_RGB32);
-    expected.fill(background);
+    const QAbstractEventDispatcher &dispatcher = *QAbstractEventDispatcher::instance();
+    const QObjectList objects = owner.findChildren<QObject *>() << &owner;
+    for (QObject *object : objects) {
+        for (const auto &timer : dispatcher.registeredTimers(object)) {
+            if (timer.interval != wait.count())
+                continue;
+            QTimerEvent event(timer.timerId);
+            QCoreApplication::sendEvent(object, &event);
+            return true;
+        }
+    }
+    return false;
+}
+
+QImage onScreen(const QWidget &window)
+{
+    const QPixmap shown = window.screen()->grabWindow(window.winId());
+    return shown.toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+QColor pixelOf(const QWidget &window, int x, int y)
+{
+    return onScreen(window).pixelColor(x, y);
+}
+
+bool showsText(VideoWidget &tile, const QString &text)
+{
+    QImage expected(tile.size(), QImage::Format_RGB32);
+    expected.fill(QColor(25, 25, 29));
     QPainter painter(&expected);
     QFont font = tile.font();
     font.setPixelSize(tile.width() >= 161 && tile.height() >= 121 ? 14 : 12);
@@ -85,12 +134,9 @@ bool showsText(GUI::Player::VideoWidget &tile, const QString &text)
     painter.setPen(Qt::white);
     painter.drawText(tile.rect(), Qt::AlignCenter | Qt::TextWordWrap, text);
     painter.end();
-    return shown == expected;
-}
-
-QColor pixelOf(QWidget &widget, int x, int y)
-{
-    return widget.grab().toImage().pixelColor(x, y);
+    const auto shown = [&tile] { return tile.isWindow() ? onScreen(tile) : tile.grab().toImage(); };
+    return QTest::qWaitFor(
+        [&] { return shown().convertToFormat(QImage::Format_RGB32) == expected; });
 }
 
 FakeClock::FakeClock(const QDateTime &start) : time(start)
@@ -101,16 +147,6 @@ FakeClock::FakeClock(const QDateTime &start) : time(start)
 FakeClock::~FakeClock()
 {
     App::Environment::setClock({});
-}
-
-QDateTime FakeClock::now() const
-{
-    return time;
-}
-
-void FakeClock::advance(int seconds)
-{
-    time = time.addSecs(seconds);
 }
 
 } // namespace ZorvaneClient::Tests
