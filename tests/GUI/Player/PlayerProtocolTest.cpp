@@ -102,16 +102,9 @@ private slots:
         QVERIFY(!(QFileInfo(path).permissions() & others));
 
         // The next child gets the same file.
-        QFile mark(path);
-        QVERIFY(mark.open(QIODevice::ReadWrite));
-        mark.seek(12582911);
-        mark.write("x");
-        mark.flush();
         QVERIFY(tile->playLive());
         QTRY_COMPARE(child.starts().size(), 2);
         QCOMPARE(frameFileOf(child), path);
-        mark.seek(12582911);
-        QCOMPARE(mark.read(1), QByteArray("x"));
 
         // A link that somebody put in the place of the next tile's file is not followed.
         QTemporaryDir folder;
@@ -213,9 +206,7 @@ private slots:
              {"frame before its size", red + "frame\\nsize 32 24\\n", "Playing 32x24 red", ""},
              {"bad size", "print size 9\\nframe\\n", black, badSize},
              {"states", "print state 1\\nstate 2\\nstate 3\\nstate 5\\nstate 07\\n", dark, ""},
-             {"paused", "print state 4\\n", "Paused 320x240 dark", ""},
              {"paused, then a frame", "print state 4\\nframe\\n", "Paused 320x240 black", ""},
-             {"error", "print state 7\\n", "Error 320x240 dark", ""},
              {"error, then a frame", "print state 7\\nframe\\n", "Error 320x240 black", ""},
              // A slash parts two reads.
              {"torn number", "print size 64 4/8\\nframe\\n", "Playing 64x4 black", ""},
@@ -224,20 +215,16 @@ private slots:
               tooLarge.arg("1 x 3145729")},
              {"too large for an int", "print size 99999999999 99999999999\\nframe\\n",
               "Playing 0x0 dark", tooLarge.arg("0 x 0")},
-             {"noise", "print " + noise, dark, ""},
              {"much noise", "flood 500 " + noise, dark, ""},
              {"NULs", "flood 100000 \\x00", dark, ""},
-             {"line without end", "flood 300000 abcdefgh", dark, ""},
-             {"blanks", "flood 300000 \\x20", dark, ""},
              {"frames", "flood 1000000 frame\\n", black, ""},
              {"bad lines", "flood 100000 size 9\\n", dark, badSize + badSize},
+             {"complaints", "complain 1000000 no key frame\\n|print frame\\n", black, ""},
              {"dies at once", "die", dark, ""},
-             {"ends with a code", "exit 2", dark, ""},
              {"dies in a line", "print size 64 48\\nfra|die", "Starting 64x48 dark", ""},
              {"dies after a frame", "print frame\\n|die", black, ""},
              {"ends after an error", "print state 7\\n|exit 0", "Error 320x240 dark", ""},
              {"dies in a pause", "print frame\\nstate 4\\n|die", "Paused 320x240 black", ""},
-             {"dies in a flood", "flood 20000 frame\\n|die", black, ""},
              {"is stopped", "print frame\\nstate mark\\n|hang", black, ""},
              {"reads nothing", "deaf|print frame\\n", black, ""},
              {"only talks", "deaf|print state mark\\n|flood 2000000000 frame\\n", black, ""}});
@@ -263,23 +250,24 @@ private slots:
         const QStringList lines = log.linesOf("Bad VLC"_s) + log.linesOf("VideoWidget: "_s);
         QCOMPARE(lines.mid(0, 2).join(QString()), logged);
 
-        // Whatever it did, it can be ended.
-        if (process.state() == QProcess::Running) {
-            for (int i = 0; i < 20000; ++i) // more than a pipe holds
-                tile.setSoundVolume(i);
-            tile.stop();
-            QVERIFY(!ScriptedChild::isAlive(tile.lastProcessId()));
-            QCOMPARE(stateOf(tile), "Idle"_s);
-        }
-        // What is said to the dead waits for the next one, which is heard and seen.
-        tile.forgetCommands();
+        tick(tile);
+        QVERIFY(tile.process().readAllStandardError().size() < 1000000); // it doesn't pile up
+
+        // Whatever it did, it can be ended, and its last words are not taken for the next one's,
+        // which is heard and seen.
+        for (int i = 0; i < 20000 && process.state() == QProcess::Running; ++i)
+            tile.setSoundVolume(i); // more than a pipe holds
         tile.setActive(true);
         tile.setSoundVolume(12);
-        tick(tile);
-        tile.setScript(red + "size 32 24\\nframe\\n");
+        const qint64 processId = tile.lastProcessId();
+        tile.setScript("wait next|" + red + "size 32 24\\nframe\\n");
         QVERIFY(tile.playLive());
+        QVERIFY(!tile.isAlive(processId));
+        QCOMPARE(stateOf(tile), "Starting"_s);
+        QVERIFY(tile.findChild<QWidget *>("spinnerWidget"_s)->isVisible());
+        tile.tell("next"_s);
         QTRY_COMPARE(said(tile), "Playing 32x24 red"_s);
-        QTRY_COMPARE(tile.orders(), QStringList({"volume 12", "volume 12"}));
+        QTRY_COMPARE(tile.orders().mid(tile.orders().size() - 1), QStringList{"volume 12"});
     }
 
     void positions_data()
@@ -314,32 +302,6 @@ private slots:
                  noon.addMSecs(msecs).toString("hh:mm:ss"_s));
     }
 
-    void lastWordsOfAChildAreDropped()
-    {
-        // What a child still says while it is being ended must not pass for its successor's words.
-        ScriptedTile tile("deaf|flood 200000000 time 9000\\nframe\\nstate 7\\n"_s);
-        for (int i = 0; i < 5; ++i) {
-            QVERIFY(tile.playArchive(noon, noon.addSecs(60), 1));
-            QTest::qWait(1);
-        }
-        tile.setScript("wait first|print frame\\n"_s);
-        QVERIFY(tile.playArchive(noon, noon.addSecs(60), 1));
-        QCOMPARE(stateOf(tile), "Starting"_s);
-        QCOMPARE(tile.playbackTime(), noon);
-        QVERIFY(!tile.findChild<QWidget *>("spinnerWidget"_s)->isHidden());
-        tile.tell("first"_s);
-        QTRY_COMPARE(stateOf(tile), "Playing"_s);
-    }
-
-    void complaintsDoNotPileUp()
-    {
-        ScriptedTile tile("complain 1000000 no key frame\\n|print frame\\n"_s);
-        QVERIFY(tile.playLive());
-        QTRY_COMPARE_WITH_TIMEOUT(stateOf(tile), "Playing"_s, 30000);
-        tick(tile);
-        QVERIFY(tile.process().readAllStandardError().size() < 1000000);
-    }
-
     void programThatCannotStart()
     {
         ScriptedTile tile("print frame\\n"_s);
@@ -357,22 +319,14 @@ private slots:
     /// Tiles by the dozen, and children that are killed at any moment.
     void nothingStays()
     {
-#if defined(__SANITIZE_ADDRESS__)
-        constexpr qint64 growthLimit = 1 << 30; // what is freed is kept for a while
-#else
-        constexpr qint64 growthLimit = 4 << 20;
-#endif
         constexpr int warmUpCycles = 5;
         const int cycles = qEnvironmentVariableIsSet("ZORVANE_SOAK") ? 500 : 25;
         const LogCapture log; // keeps the console quiet
         QRandomGenerator generator(20150303);
         ProcessTraces before;
-        qint64 memoryBefore = 0;
         for (int cycle = -warmUpCycles; cycle < cycles; ++cycle) {
-            if (cycle == 0) {
+            if (cycle == 0)
                 before = ProcessTraces::now();
-                memoryBefore = residentBytes();
-            }
             ScriptedTile tile("solid 640 360 ff0000ff|print size 640 360\\n|flood 20 frame\\n"
                               "|pace 500 frame\\n"_s,
                               localCamera(), QSize(640, 360));
@@ -391,8 +345,6 @@ private slots:
             QTRY_COMPARE(pixelOf(tile, 320, 180), QColor(Qt::red));
         }
         QCOMPARE(ProcessTraces::now().text(), before.text());
-        const qint64 growth = residentBytes() - memoryBefore;
-        QVERIFY2(growth < growthLimit, QByteArray::number(growth));
     }
 };
 

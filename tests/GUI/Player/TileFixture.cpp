@@ -45,21 +45,11 @@ ScriptedTile::ScriptedTile(const QString &script, const API::CameraPtr &camera, 
         qFatal("no window");
 }
 
-void ScriptedTile::setScript(const QString &script)
-{
-    ScriptedChild::setScript(script.split(QLatin1Char('|')));
-}
-
 QStringList ScriptedTile::orders() const
 {
     QStringList orders = commands();
     orders.removeAll("ping"_s);
     return orders;
-}
-
-QProcess &ScriptedTile::process() const
-{
-    return *findChild<QProcess *>();
 }
 
 bool ScriptedTile::playsLive()
@@ -102,11 +92,10 @@ bool expireTimer(QObject &owner, std::chrono::milliseconds wait)
     const QObjectList objects = owner.findChildren<QObject *>() << &owner;
     for (QObject *object : objects) {
         for (const auto &timer : dispatcher.registeredTimers(object)) {
-            if (timer.interval != wait.count())
-                continue;
-            QTimerEvent event(timer.timerId);
-            QCoreApplication::sendEvent(object, &event);
-            return true;
+            if (timer.interval == wait.count()) {
+                QTimerEvent event(timer.timerId);
+                return QCoreApplication::sendEvent(object, &event);
+            }
         }
     }
     return false;

@@ -22,10 +22,13 @@ struct ScriptedTile : ScriptedChild, GUI::Player::VideoWidget {
                           const API::CameraPtr &camera = localCamera(),
                           QSize size = QSize(320, 240));
 
-    void setScript(const QString &script);
+    void setScript(const QString &script)
+    {
+        ScriptedChild::setScript(script.split(QLatin1Char('|')));
+    }
     /// Lines of standard input of all children so far, but for the pings.
     QStringList orders() const;
-    QProcess &process() const;
+    QProcess &process() const { return *findChild<QProcess *>(); }
     /// Starts live play and waits for the first frame.
     bool playsLive();
     /// The same with a minute of the archive.
