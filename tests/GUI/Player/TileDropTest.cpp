@@ -88,9 +88,7 @@ private slots:
         tile.setPosition(2, 3);
         grid.show();
         const QPoint press(50, 40);
-        QMouseEvent down(QEvent::MouseButtonPress, press, press, Qt::LeftButton, Qt::LeftButton,
-                         Qt::NoModifier);
-        QApplication::sendEvent(&tile, &down);
+        QTest::mousePress(&tile, Qt::LeftButton, Qt::NoModifier, press);
         QMouseEvent moved(QEvent::MouseMove, press + move, press + move, Qt::NoButton,
                           Qt::MouseButtons(button), Qt::NoModifier);
         bool wasDragging = false;

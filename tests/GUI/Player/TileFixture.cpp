@@ -3,7 +3,6 @@
 
 #include "API/Camera.h"
 #include "API/Server.h"
-#include "App/Environment.h"
 #include "tests/support/LogCapture.h"
 
 using GUI::Player::VideoWidget;
@@ -57,12 +56,6 @@ bool ScriptedTile::playsLive()
     return playLive() && QTest::qWaitFor([this] { return stateOf(*this) == "Playing"_s; });
 }
 
-bool ScriptedTile::playsArchive(const QDateTime &start)
-{
-    return playArchive(start, start.addSecs(60)) &&
-           QTest::qWaitFor([this] { return stateOf(*this) == "Playing"_s; });
-}
-
 QString dumpOf(VideoWidget &tile)
 {
     const LogCapture log;
@@ -114,28 +107,19 @@ QColor pixelOf(const QWidget &window, int x, int y)
 
 bool showsText(VideoWidget &tile, const QString &text)
 {
-    QImage expected(tile.size(), QImage::Format_RGB32);
-    expected.fill(QColor(25, 25, 29));
-    QPainter painter(&expected);
-    QFont font = tile.font();
-    font.setPixelSize(tile.width() >= 161 && tile.height() >= 121 ? 14 : 12);
-    painter.setFont(font);
-    painter.setPen(Qt::white);
-    painter.drawText(tile.rect(), Qt::AlignCenter | Qt::TextWordWrap, text);
-    painter.end();
-    const auto shown = [&tile] { return tile.isWindow() ? onScreen(tile) : tile.grab().toImage(); };
-    return QTest::qWaitFor(
-        [&] { return shown().convertToFormat(QImage::Format_RGB32) == expected; });
-}
-
-FakeClock::FakeClock(const QDateTime &start) : time(start)
-{
-    App::Environment::setClock([this] { return time; });
-}
-
-FakeClock::~FakeClock()
-{
-    App::Environment::setClock({});
+    return QTest::qWaitFor([&tile, &text] {
+        const QImage shown = tile.isWindow() ? onScreen(tile) : tile.grab().toImage();
+        QImage expected(shown.size(), QImage::Format_RGB32);
+        expected.fill(QColor(25, 25, 29));
+        QPainter painter(&expected);
+        QFont font = tile.font();
+        font.setPixelSize(tile.width() >= 161 && tile.height() >= 121 ? 14 : 12);
+        painter.setFont(font);
+        painter.setPen(Qt::white);
+        painter.drawText(tile.rect(), Qt::AlignCenter | Qt::TextWordWrap, text);
+        painter.end();
+        return shown.convertToFormat(QImage::Format_RGB32) == expected;
+    });
 }
 
 } // namespace ZorvaneClient::Tests

@@ -4,6 +4,7 @@
 #include "tests/support/Test.h"
 
 #include "API/Types.h"
+#include "App/Environment.h"
 #include "GUI/Player/VideoWidget.h"
 #include "tests/support/ScriptedChild.h"
 
@@ -31,8 +32,6 @@ struct ScriptedTile : ScriptedChild, GUI::Player::VideoWidget {
     QProcess &process() const { return *findChild<QProcess *>(); }
     /// Starts live play and waits for the first frame.
     bool playsLive();
-    /// The same with a minute of the archive.
-    bool playsArchive(const QDateTime &start);
 };
 
 /// What the tile writes into the log when it is clicked.
@@ -60,8 +59,11 @@ class FakeClock
     Q_DISABLE_COPY(FakeClock)
 
 public:
-    explicit FakeClock(const QDateTime &start);
-    ~FakeClock();
+    explicit FakeClock(const QDateTime &start) : time(start)
+    {
+        App::Environment::setClock([this] { return time; });
+    }
+    ~FakeClock() { App::Environment::setClock({}); }
 
     QDateTime now() const { return time; }
     void advance(int seconds) { time = time.addSecs(seconds); }

@@ -109,36 +109,31 @@ private slots:
             QVERIFY(!FrameFile::hasRoomFor(size));
     }
 
-    void watchdog_data()
-    {
-        // Seconds since the last start, and since the last start or error.
-        const QString wait, reload = "reload"_s, giveUp = "give up"_s;
-        rows<int, bool, bool, int, int, int, QString>(
-            {"state", "archive", "childRuns", "sinceRequest", "sinceFreeze", "reloads", "verdict"},
-            {{"plays, limit reached", Playing, false, true, 99, 99, 3, wait},
-             {"died playing, too fresh", Playing, false, false, 10, 10, 0, wait},
-             {"died playing", Playing, false, false, 11, 11, 0, reload},
-             {"died playing the archive", Playing, true, false, 99, 99, 0, wait},
-             {"died paused", Paused, false, false, 99, 99, 0, wait},
-             {"error, too fresh", Error, false, true, 99, 10, 0, wait},
-             {"error just after a start", Error, false, true, 3, 99, 0, wait},
-             {"error four seconds after", Error, false, true, 4, 99, 0, reload},
-             {"error in the archive", Error, true, true, 99, 99, 3, wait},
-             {"limit reached, fresh", Error, false, true, 0, 0, 3, giveUp},
-             {"limit passed", Playing, false, false, 0, 0, 4, giveUp}});
-    }
-
     void watchdog()
     {
-        const auto [state, archive, childRuns, sinceRequest, sinceFreeze, reloads, verdict] =
-            row<int, bool, bool, int, int, int, QString>();
-        const QDateTime now(QDate(2015, 3, 3), QTime(14, 5, 9));
-        Watchdog dog;
-        dog.lastRequestTime = now.addSecs(-sinceRequest);
-        dog.freezeTime = now.addSecs(-sinceFreeze);
-        dog.reloadsCount = reloads;
-        const QStringList verdicts{"", "reload", "give up"};
-        QCOMPARE(verdicts.at(static_cast<int>(dog.judge(state, archive, childRuns, now))), verdict);
+        using Verdict = Watchdog::Verdict;
+        // By the seconds since its start and since its start or last error.
+        const auto judge = [](int state, bool childRuns, int sinceStart, int sinceFreeze,
+                              int reloads = 0, bool archive = false) {
+            const QDateTime now(QDate(2015, 3, 3), QTime(14, 5, 9));
+            Watchdog dog;
+            dog.lastRequestTime = now.addSecs(-sinceStart);
+            dog.freezeTime = now.addSecs(-sinceFreeze);
+            dog.reloadsCount = reloads;
+            return dog.judge(state, archive, childRuns, now);
+        };
+        for (const int state : {Idle, Starting, Paused})
+            QVERIFY(judge(state, false, 99, 99, 3) == Verdict::Wait);
+        QVERIFY(judge(Playing, true, 99, 99, 3) == Verdict::Wait);
+        QVERIFY(judge(Playing, false, 10, 10) == Verdict::Wait);
+        QVERIFY(judge(Playing, false, 11, 11) == Verdict::Reload);
+        QVERIFY(judge(Playing, false, 99, 99, 3, true) == Verdict::Wait);
+        QVERIFY(judge(Error, true, 99, 10) == Verdict::Wait);
+        QVERIFY(judge(Error, true, 3, 99) == Verdict::Wait);
+        QVERIFY(judge(Error, true, 4, 99) == Verdict::Reload);
+        QVERIFY(judge(Error, false, 99, 11, 2) == Verdict::Reload);
+        QVERIFY(judge(Error, true, 0, 0, 3) == Verdict::GiveUp);
+        QVERIFY(judge(Playing, false, 0, 0, 4) == Verdict::GiveUp);
     }
 };
 
