@@ -258,7 +258,7 @@ private slots:
         QVERIFY(dumpOf(tile).contains("reloads count: 0 is"_s));
     }
 
-    void clickTellsTheCameraAndDumps()
+    void clickTellsTheCamera()
     {
         ScriptedTile tile;
         QList<API::CameraPtr> clicked;
@@ -266,9 +266,7 @@ private slots:
                 [&clicked](const API::CameraPtr &which) { clicked << which; });
         QTest::mouseClick(&tile, Qt::RightButton);
         QVERIFY(clicked.isEmpty());
-        const QRegularExpression dump("freeze time: .+ is archive playing\\? false .+ volume: 0 "
-                                      "quality: 2 .+ playback time: .+ base time: "_s);
-        QVERIFY(dump.match(dumpOf(tile)).hasMatch());
+        QTest::mouseClick(&tile, Qt::LeftButton);
         QCOMPARE(clicked, QList<API::CameraPtr>{tile.camera()});
     }
 

@@ -21,24 +21,22 @@ API::CameraPtr localCamera(const QString &name)
 
 API::CameraPtr cloudCamera(const QVariantMap &changes)
 {
-    const QVariantMap active{{"active"_s, true}};
-    const QVariantMap services{{"enabled"_s, active}};
+    const QVariantMap services{{"enabled"_s, QVariantMap{{"active"_s, true}}}};
     QVariantMap json{{"id"_s, 7},
                      {"name"_s, "Gate"_s},
                      {"online"_s, true},
                      {"services"_s, services},
                      {"rights"_s, QStringList{"live", "archive"}}};
-    for (auto change = changes.begin(); change != changes.end(); ++change)
-        json.insert(change.key(), change.value());
+    json.insert(changes);
     API::Server server(QVariantMap{{"id"_s, "srv"_s}});
     return API::CameraPtr::create(&server, json);
 }
 
-ScriptedTile::ScriptedTile(const QString &script, const API::CameraPtr &camera, QSize size)
+ScriptedTile::ScriptedTile(const QString &script, const API::CameraPtr &camera)
     : VideoWidget(camera)
 {
     setScript(script);
-    resize(size);
+    resize(320, 240);
     show();
     if (!QTest::qWaitForWindowExposed(this))
         qFatal("no window");

@@ -20,8 +20,7 @@ API::CameraPtr cloudCamera(const QVariantMap &changes = QVariantMap());
 struct ScriptedTile : ScriptedChild, GUI::Player::VideoWidget {
     /// The lines of `script` are parted by bars.
     explicit ScriptedTile(const QString &script = QString(),
-                          const API::CameraPtr &camera = localCamera(),
-                          QSize size = QSize(320, 240));
+                          const API::CameraPtr &camera = localCamera());
 
     void setScript(const QString &script)
     {
