@@ -270,45 +270,39 @@ private slots:
         QCOMPARE(clicked, QList<API::CameraPtr>{tile.camera()});
     }
 
-    void fragments_data()
-    {
-        const QStringList one{"12:00:00-13:00:00"};
-        const QStringList two{"12:00:00-12:01:00", "12:03:00-12:04:00"};
-        const QStringList last{"23:59:00-23:59:59"};
-        rows<QStringList, QString, QString, int, QString>(
-            {"records", "vcodec", "start", "seconds", "told"},
-            {{"within one", one, "h264", "12:00:00", 300, "mp4 300000"},
-             {"capitals", one, "H264", "12:00:00", 300, "avi 300000"},
-             {"codec not known", one, "", "12:00:00", 300, "avi 300000"},
-             {"two pieces", two, "h264", "12:00:00", 300, "mp4 120000"},
-             {"parts of them", two, "h264", "12:00:30", 160, "mp4 40000"},
-             {"from the gap on", two, "h264", "12:01:00", 121, "mp4 1000"},
-             {"across midnight", last, "h264", "23:59:30", 600, "mp4 29000"}});
-    }
-
     void fragments()
     {
-        const auto [records, vcodec, startTime, seconds, told] =
-            row<QStringList, QString, QString, int, QString>();
-        const QDateTime start = at(startTime);
-        const QDateTime end = start.addSecs(seconds);
-        ScriptedTile tile(QString(), camera(records, vcodec));
+        const API::CameraPtr door =
+            camera({"12:00:00-12:01:00", "12:03:00-12:04:00", "23:59:00-23:59:59"});
+        ScriptedTile tile(QString(), door);
         // Nothing is recorded there, and what has begun would refuse the next.
         tile.exportFragment(noon.addSecs(-60), noon);
-        tile.exportFragment(noon.addSecs(3600), noon.addSecs(3660));
-        tile.exportFragment(start.addDays(1), end.addDays(1));
-        tile.exportFragment(start, end);
-        QTRY_COMPARE(tile.starts().size(), 1);
-        const QStringList given = tile.starts().first();
-        QCOMPARE(given.value(0), "export"_s);
-        QVERIFY(given.value(1).startsWith("http://abc:8080/flv/archive?server=1&camera=3&"_s));
-        QVERIFY(given.value(1).contains("&startTime=%1&endTime=%2&"_s.arg(start.toMSecsSinceEpoch())
-                                            .arg(end.toMSecsSinceEpoch())));
-        QCOMPARE(given.value(2) + ' ' + given.value(3), told);
-        const QString name = "/abc - Door 03.03.15 " + start.toString("hh.mm.ss-") +
-                             end.toString("hh.mm.ss.") + given.value(2);
-        QCOMPARE(given.value(4), films() + name);
-        tile.cancelExport();
+        tile.exportFragment(noon.addSecs(60), noon.addSecs(180));
+        tile.exportFragment(noon.addDays(1), noon.addDays(1).addSecs(60));
+        const QList<QStringList> fragments{{"h264", "12:00:00", "300", "mp4 120000"},
+                                           {"H264", "12:00:30", "160", "avi 40000"},
+                                           {"h264", "12:01:00", "121", "mp4 1000"},
+                                           {"", "12:00:10", "2", "avi 2000"},
+                                           {"h264", "23:59:30", "600", "mp4 29000"}};
+        for (const QStringList &fragment : fragments) {
+            door->setVcodec(fragment.at(0));
+            const QDateTime start = at(fragment.at(1));
+            const QDateTime end = start.addSecs(fragment.at(2).toInt());
+            const auto starts = tile.starts().size();
+            tile.exportFragment(start, end);
+            QTRY_COMPARE(tile.starts().size(), starts + 1);
+            const QStringList given = tile.starts().last();
+            QCOMPARE(given.value(0), "export"_s);
+            const QString span = "&startTime=%1&endTime=%2&"_s.arg(start.toMSecsSinceEpoch())
+                                     .arg(end.toMSecsSinceEpoch());
+            QVERIFY(given.value(1).startsWith("http://abc:8080/flv/archive?server=1&camera=3&"_s));
+            QVERIFY(given.value(1).contains(span));
+            QCOMPARE(given.value(2) + ' ' + given.value(3), fragment.at(3));
+            const QString name = "/abc - Door 03.03.15 " + start.toString("hh.mm.ss-") +
+                                 end.toString("hh.mm.ss.") + given.value(2);
+            QCOMPARE(given.value(4), films() + name);
+            tile.cancelExport();
+        }
         QCOMPARE(tile.commands(), QStringList());
     }
 
@@ -386,8 +380,7 @@ private slots:
 
 private:
     /// The camera Door of the host abc, with records of these spans.
-    API::CameraPtr camera(const QStringList &spans = {"12:00:00-13:00:00"},
-                          const QString &vcodec = "h264"_s)
+    API::CameraPtr camera(const QStringList &spans = {"12:00:00-13:00:00"})
     {
         QList<API::ArchiveRecord> records;
         for (const QString &span : spans)
@@ -396,7 +389,7 @@ private:
         door->setId("abc:8080"_s, 3);
         door->setName("Door"_s);
         door->setSessionId("pass"_s);
-        door->setVcodec(vcodec);
+        door->setVcodec("h264"_s);
         return door;
     }
 

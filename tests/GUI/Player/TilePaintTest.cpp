@@ -157,7 +157,6 @@ private slots:
         hover(*tile, true);
         const QPointer<QPushButton> button = tile->findChild<QPushButton *>("settingsButton"_s);
         const QPointer<QMenu> menu = button->menu();
-        QSignalSpy hidden(menu, &QMenu::aboutToHide);
         QTimer::singleShot(0, menu, [menu] { menu->hide(); });
         // A menu that goes on waiting is let go together with its tile.
         QTimer::singleShot(5000, menu, [&tile] { tile.reset(); });
@@ -165,7 +164,6 @@ private slots:
         QVERIFY(button);
         QTest::mouseRelease(button, Qt::LeftButton);
         QVERIFY(!menu->isVisible() && !button->isDown());
-        QCOMPARE(hidden.size(), 1);
     }
 
     void menuEntries()
