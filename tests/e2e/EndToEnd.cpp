@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/EndToEnd.h"
 
-#include "tests/support/Test.h"
-
 #include "API/Camera.h"
 #include "API/Server.h"
 #include "App/Application.h"
@@ -46,6 +44,33 @@ QList<T *> fromTopToBottom(const QWidget *parent)
 
 } // namespace
 
+void EndToEndTest::startWorld(int servers, int cameras, int lanServers, const QStringList &further)
+{
+    DemoService::Options options;
+    options.plain = true;
+    options.servers = servers;
+    options.cameras = cameras;
+    options.lanServers = lanServers;
+    options.further = further;
+    QVERIFY2(service.start(options), qPrintable(service.errorString()));
+    useService(service);
+    world = service.cameras();
+    QVERIFY(world.size() >= cameras);
+}
+
+DemoCamera EndToEndTest::firstCamera(bool lan) const
+{
+    const auto found = std::find_if(world.begin(), world.end(),
+                                    [lan](const DemoCamera &each) { return each.lan == lan; });
+    return found == world.end() ? DemoCamera() : *found;
+}
+
+void EndToEndTest::cleanupTestCase()
+{
+    leave();
+    service.stop();
+}
+
 int runEndToEnd(int argc, char **argv, const std::function<std::unique_ptr<QObject>()> &make)
 {
     App::Application application(argc, argv);
@@ -60,13 +85,19 @@ void useService(const DemoService &service)
     App::ServiceProfile::setCurrent(service.profile());
 }
 
-void setClockAheadSeconds(int seconds)
+void letPass(std::chrono::seconds time)
 {
-    if (seconds == 0)
-        App::Environment::setClock({});
-    else
-        App::Environment::setClock(
-            [seconds] { return QDateTime::currentDateTime().addSecs(seconds); });
+    static std::chrono::seconds ahead{0};
+    ahead += time;
+    App::Environment::setClock([] { return QDateTime::currentDateTime().addSecs(ahead.count()); });
+}
+
+void pollRoster()
+{
+    letPass(std::chrono::seconds(60));
+    auto *timer = mainWindow()->findChild<GUI::RosterWidget *>()->findChild<QTimer *>();
+    QTimerEvent tick(timer->timerId());
+    QCoreApplication::sendEvent(timer, &tick);
 }
 
 GUI::LoginDialog *loginDialog()
@@ -178,6 +209,17 @@ bool getsPreview(GUI::CameraWidget *card)
             return !card->camera()->sourcePreview().isNull();
         },
         pollDeadlineMs);
+}
+
+bool playsFromCard(const DemoCamera &camera)
+{
+    if (!QTest::qWaitFor([&] { return card(camera.server, camera.camera); }, pollDeadlineMs))
+        return false;
+    GUI::CameraWidget *shown = card(camera.server, camera.camera);
+    reveal(shown);
+    QTest::mouseClick(shown, Qt::LeftButton);
+    return QTest::qWaitFor([&] { return tile() && tile()->camera() == shown->camera(); }) &&
+           showsMovingPicture(tile(), camera.number);
 }
 
 GUI::Player::VideoWidget *tile()

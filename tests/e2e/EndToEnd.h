@@ -8,9 +8,6 @@
 #include "demo/client/DemoService.h"
 #include "demo/client/StripReader.h"
 
-class QProcess;
-class QPushButton;
-
 namespace ZorvaneClient {
 
 namespace GUI {
@@ -34,14 +31,46 @@ constexpr int pictureDeadlineMs = 30000;
 constexpr int replyDeadlineMs = 20000;
 constexpr int pollDeadlineMs = 60000;
 
-/// Runs the test object that `make` makes inside the real application, with the real player.
+/// A test of the whole program with the real player and a demo service of its own.
+class EndToEndTest : public QObject
+{
+    Q_OBJECT
+
+protected:
+    /// A world in which all is online and allowed, and the client that looks at it.
+    void startWorld(int servers, int cameras, int lanServers, const QStringList &further = {});
+    /// The first camera in the cloud, or of a LAN server.
+    DemoCamera firstCamera(bool lan) const;
+
+    DemoService service;
+    QVector<DemoCamera> world;
+
+private slots:
+    void cleanupTestCase();
+};
+
+/// Runs the test object that `make` makes inside the real application.
 int runEndToEnd(int argc, char **argv, const std::function<std::unique_ptr<QObject>()> &make);
+
+#define END_TO_END_MAIN(Test)                                                                      \
+    int main(int argc, char **argv)                                                                \
+    {                                                                                              \
+        return ZorvaneClient::Tests::runEndToEnd(argc, argv,                                       \
+                                                 [] { return std::make_unique<Test>(); });         \
+    }
 
 /// Points the running application at `service`.
 void useService(const DemoService &service);
-/// Moves the program's clock ahead of the system's, so that its throttles and limits of
-/// seconds are over at once; 0 puts it back.
-void setClockAheadSeconds(int seconds);
+/// Moves the program's clock on, so that its throttles and limits are over at once.
+void letPass(std::chrono::seconds time);
+/// The next look at the roster, which would come by itself within 20 seconds.
+void pollRoster();
+
+template <typename T>
+T *part(const QWidget *parent, const char *name)
+{
+    return parent->findChild<T *>(QLatin1String(name));
+}
 
 /// The dialog on the screen, or null.
 GUI::LoginDialog *loginDialog();
@@ -70,6 +99,8 @@ GUI::CameraWidget *card(const QString &server, int camera);
 void reveal(GUI::CameraWidget *card);
 /// Keeps the card in view, whatever the roster does meanwhile, until its preview is there.
 bool getsPreview(GUI::CameraWidget *card);
+/// Clicks the camera's card; true once the only tile shows its moving picture.
+bool playsFromCard(const DemoCamera &camera);
 
 /// The first tile of the first main window, or null.
 GUI::Player::VideoWidget *tile();

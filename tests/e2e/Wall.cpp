@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/Wall.h"
 
-#include "tests/support/Test.h"
-
 #include "GUI/LayoutCard.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/MainWindow.h"
@@ -13,8 +11,12 @@ namespace ZorvaneClient::Tests {
 
 namespace {
 
-std::unique_ptr<QMimeData> mimeData(const QString &format, const QByteArray &payload)
+template <typename... Values>
+std::unique_ptr<QMimeData> mimeData(const QString &format, const Values &...values)
 {
+    QByteArray payload;
+    QDataStream stream(&payload, QIODevice::WriteOnly);
+    (stream << ... << values);
     auto data = std::make_unique<QMimeData>();
     data->setData(format, payload);
     return data;
@@ -32,63 +34,37 @@ QString cellText(const QImage &wall, const QWidget *widget)
 
 } // namespace
 
-WallPlan::WallPlan(int rows, int columns)
-    : rowCount(rows), columnCount(columns), cells(rows * columns)
-{
-}
-
-int WallPlan::rows() const
-{
-    return rowCount;
-}
-
-int WallPlan::columns() const
-{
-    return columnCount;
-}
-
-int WallPlan::at(int row, int column) const
-{
-    return cells.at(row * columnCount + column);
-}
-
-void WallPlan::set(int row, int column, int camera)
-{
-    cells[row * columnCount + column] = camera;
-}
-
 void WallPlan::exchange(API::LayoutPoint a, API::LayoutPoint b)
 {
-    std::swap(cells[a.row * columnCount + a.column], cells[b.row * columnCount + b.column]);
+    std::swap(cells[a.row][a.column], cells[b.row][b.column]);
 }
 
 void WallPlan::resize(int rows, int columns)
 {
-    WallPlan resized(rows, columns);
-    for (int row = 0; row < std::min(rows, rowCount); ++row) {
-        for (int column = 0; column < std::min(columns, columnCount); ++column)
-            resized.set(row, column, at(row, column));
-    }
-    *this = resized;
+    cells.resize(rows);
+    for (QVector<int> &row : cells)
+        row.resize(columns);
 }
 
 void WallPlan::append(int camera)
 {
-    const auto empty = std::find(cells.begin(), cells.end(), 0);
-    if (empty != cells.end())
-        *empty = camera;
+    for (QVector<int> &row : cells) {
+        const auto empty = std::find(row.begin(), row.end(), 0);
+        if (empty != row.end()) {
+            *empty = camera;
+            return;
+        }
+    }
 }
 
 QString WallPlan::text() const
 {
     QStringList lines;
-    for (int row = 0; row < rowCount; ++row) {
+    for (const QVector<int> &row : cells) {
         QStringList line;
-        for (int column = 0; column < columnCount; ++column) {
-            const int camera = at(row, column);
+        for (const int camera : row)
             line << (camera == 0 ? "."_s : QString::number(camera));
-        }
-        lines << line.join(QLatin1Char(' '));
+        lines << line.join(' ');
     }
     return lines.join(" | "_s);
 }
@@ -124,49 +100,53 @@ QString paintedWall(GUI::MainWindow *window, int rows, int columns)
     return lines.join(" | "_s);
 }
 
+QString wallIn(const QImage &grid, int rows, int columns)
+{
+    constexpr int gap = 2; // round each cell
+    WallPlan found(rows, columns);
+    const QSize cell((grid.width() - gap) / columns, (grid.height() - gap) / rows);
+    for (int row = 0; row < rows && !grid.isNull(); ++row) {
+        for (int column = 0; column < columns; ++column) {
+            const QPoint corner(gap + column * (grid.width() - gap) / columns,
+                                gap + row * (grid.height() - gap) / rows);
+            const QImage tile = grid.copy(QRect(corner, cell - QSize(gap, gap)));
+            found.cells[row][column] = StripReader::readTile(tile).value_or(Strip()).camera;
+        }
+    }
+    return found.text();
+}
+
 bool everyTileMoves(GUI::MainWindow *window)
 {
-    QHash<GUI::Player::VideoWidget *, int> waitingFor;
-    const QList<GUI::Player::VideoWidget *> tiles = gridOf(window)->players();
-    for (GUI::Player::VideoWidget *tile : tiles) {
-        const auto strip = stripOf(tile);
-        waitingFor.insert(tile, strip ? strip->milliseconds : -1);
-    }
+    QHash<GUI::Player::VideoWidget *, int> still;
+    const auto tiles = gridOf(window)->players();
+    for (GUI::Player::VideoWidget *tile : tiles)
+        still.insert(tile, stripOf(tile).value_or(Strip{0, -1}).milliseconds);
     return QTest::qWaitFor(
         [&] {
             for (GUI::Player::VideoWidget *tile : tiles) {
                 const auto strip = stripOf(tile);
-                if (strip && waitingFor.contains(tile) &&
-                    waitingFor.value(tile) != strip->milliseconds)
-                    waitingFor.remove(tile);
+                if (strip && strip->milliseconds != still.value(tile, strip->milliseconds))
+                    still.remove(tile);
             }
-            return waitingFor.isEmpty();
+            return still.isEmpty();
         },
         pictureDeadlineMs);
 }
 
 std::unique_ptr<QMimeData> cameraDrag(const QString &server, int camera)
 {
-    QByteArray payload;
-    QDataStream stream(&payload, QIODevice::WriteOnly);
-    stream << server << camera;
-    return mimeData("camera"_s, payload);
+    return mimeData("camera"_s, server, camera);
 }
 
 std::unique_ptr<QMimeData> serverDrag(const QString &server)
 {
-    QByteArray payload;
-    QDataStream stream(&payload, QIODevice::WriteOnly);
-    stream << server;
-    return mimeData("server"_s, payload);
+    return mimeData("server"_s, server);
 }
 
 std::unique_ptr<QMimeData> tileDrag(API::LayoutPoint cell)
 {
-    QByteArray payload;
-    QDataStream stream(&payload, QIODevice::WriteOnly);
-    stream << cell.row << cell.column;
-    return mimeData("layout-swap"_s, payload);
+    return mimeData("layout-swap"_s, cell.row, cell.column);
 }
 
 bool dropOn(QWidget *target, const QMimeData &data, Qt::DropAction action)
