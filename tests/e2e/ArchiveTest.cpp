@@ -3,14 +3,6 @@
 
 #include <cmath>
 
-#include "API/Camera.h"
-#include "API/CloudAPIClient.h"
-#include "API/Layout.h"
-#include "API/Server.h"
-#include "GUI/LayoutWidget.h"
-#include "GUI/MainWindow.h"
-#include "GUI/Player/VideoWidget.h"
-#include "GUI/Timeline.h"
 #include "tests/e2e/Wall.h"
 
 using GUI::Player::VideoWidget;
@@ -41,11 +33,11 @@ private slots:
     void initTestCase()
     {
         startWorld(1, 5, 0);
-        setRecords(0, {"12:00:00", "12:20:00"});
-        setRecords(1, {"12:00:00", "12:00:30", "12:00:42", "12:20:00"});
-        setRecords(2, {"12:00:10", "12:20:00"});
-        setRecords(3, {"12:00:00", "12:20:00", "12:30:00", "12:40:00"});
-        setRecords(4, {"12:00:00", "12:40:00"});
+        setRecords(world.at(0), {"12:00:00", "12:20:00"});
+        setRecords(world.at(1), {"12:00:00", "12:00:30", "12:00:42", "12:20:00"});
+        setRecords(world.at(2), {"12:00:10", "12:20:00"});
+        setRecords(world.at(3), {"12:00:00", "12:20:00", "12:30:00", "12:40:00"});
+        setRecords(world.at(4), {"12:00:00", "12:40:00"});
         QVERIFY(enter(service));
         for (const DemoCamera &each : qAsConst(world))
             QTRY_VERIFY_WITH_TIMEOUT(card(each.server, each.camera), pollDeadlineMs);
@@ -62,11 +54,12 @@ private slots:
         QVERIFY(mainWindow()->openLayout(layout));
         press(mainWindow(), "showRecordsButton");
         QVERIFY(timeline()->isVisible());
-        if (timeline()->startValue().date() != day)
+        if (timeline()->startValue().date() == QDate::currentDate())
             press(mainWindow(), "prevDayButton");
-        QCOMPARE(timeline()->startValue().date(), day);
+        QCOMPARE(timeline()->startValue().date(), at("12:00:00").date());
         for (int index = 0; index < 4; ++index)
-            QTRY_VERIFY_WITH_TIMEOUT(camera(index)->hasRecords(day), replyDeadlineMs);
+            QTRY_VERIFY_WITH_TIMEOUT(camera(index)->hasRecords(at("12:00:00").date()),
+                                     replyDeadlineMs);
         timeline()->zoom(tightestZoom);
         QVERIFY(timeline()->startValue() < at("11:58:30"));
         QVERIFY(timeline()->endValue() > at("12:01:00"));
@@ -156,22 +149,6 @@ private slots:
     }
 
 private:
-    /// `times` are begin and end of each record in turn.
-    void setRecords(int index, const QList<const char *> &times)
-    {
-        QVector<QPair<qint64, qint64>> records;
-        for (int i = 0; i < times.size(); i += 2)
-            records.append(
-                {at(times[i]).toMSecsSinceEpoch(), at(times[i + 1]).toMSecsSinceEpoch()});
-        QVERIFY2(service.setArchive(world.at(index), records), qPrintable(service.errorString()));
-    }
-
-    QDateTime at(const char *text) const
-    {
-        return QDateTime(day, QTime::fromString(QLatin1String(text), "h:mm:ss"_s));
-    }
-
-    static GUI::Timeline *timeline() { return mainWindow()->findChild<GUI::Timeline *>(); }
     static QDateTime cursor() { return timeline()->currentValue(); }
 
     API::CameraPtr camera(int index) const
@@ -203,17 +180,10 @@ private:
                std::abs(moment.msecsTo(*shown)) <= withinMs;
     }
 
-    /// Clicks the strip, zoomed in as far as it goes, at `moment`.
     static void click(const QDateTime &moment)
     {
-        GUI::Timeline *strip = timeline();
-        const double share = double(strip->startValue().msecsTo(moment)) /
-                             strip->startValue().msecsTo(strip->endValue());
-        const int x = 15 + static_cast<int>(share * (strip->width() - 30));
-        QTest::mouseClick(strip, Qt::LeftButton, Qt::NoModifier, QPoint(x, 30));
+        QTest::mouseClick(timeline(), Qt::LeftButton, Qt::NoModifier, placeOf(moment));
     }
-
-    const QDate day = QDate::currentDate().addDays(-1);
 };
 
 END_TO_END_MAIN(ArchiveTest)

@@ -3,24 +3,19 @@
 
 #include "tests/support/Test.h"
 
-#include <optional>
-
+#include "API/Camera.h"
+#include "API/CloudAPIClient.h"
+#include "API/Layout.h"
+#include "API/Server.h"
+#include "GUI/CameraWidget.h"
+#include "GUI/LayoutWidget.h"
+#include "GUI/LoginDialog.h"
+#include "GUI/MainWindow.h"
+#include "GUI/Player/VideoWidget.h"
+#include "GUI/ServerWidget.h"
+#include "GUI/Timeline.h"
 #include "demo/client/DemoService.h"
 #include "demo/client/StripReader.h"
-
-namespace ZorvaneClient {
-
-namespace GUI {
-class CameraWidget;
-class LoginDialog;
-class MainWindow;
-class ServerWidget;
-namespace Player {
-class VideoWidget;
-}
-} // namespace GUI
-
-} // namespace ZorvaneClient
 
 namespace ZorvaneClient::Tests {
 
@@ -41,6 +36,11 @@ protected:
     void startWorld(int servers, int cameras, int lanServers, const QStringList &further = {});
     /// The first camera in the cloud, or of a LAN server.
     DemoCamera firstCamera(bool lan) const;
+
+    /// Yesterday at "h:mm:ss".
+    static QDateTime at(const QString &time);
+    /// Replaces the camera's records; `times` are begin and end of each in turn.
+    void setRecords(const DemoCamera &camera, const QStringList &times);
 
     DemoService service;
     QVector<DemoCamera> world;
@@ -94,6 +94,8 @@ void chooseFromMenu(QPushButton *button, const QString &entry);
 QList<GUI::ServerWidget *> serverWidgets();
 /// From top to bottom within the server's entry.
 QList<GUI::CameraWidget *> cardsOf(GUI::ServerWidget *server);
+GUI::CameraWidget *card(GUI::MainWindow *window, const QString &server, int camera);
+/// In the first window.
 GUI::CameraWidget *card(const QString &server, int camera);
 /// Scrolls the card into view.
 void reveal(GUI::CameraWidget *card);
@@ -102,6 +104,9 @@ bool getsPreview(GUI::CameraWidget *card);
 /// Clicks the camera's card; true once the only tile shows its moving picture.
 bool playsFromCard(const DemoCamera &camera);
 
+GUI::Timeline *timeline();
+/// Where on the strip a moment of the shown part stands.
+QPoint placeOf(const QDateTime &moment);
 /// The first tile of the first main window, or null.
 GUI::Player::VideoWidget *tile();
 /// What the painted tile shows.

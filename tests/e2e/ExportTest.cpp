@@ -5,14 +5,6 @@
 
 #include <sys/resource.h>
 
-#include "API/Camera.h"
-#include "API/CloudAPIClient.h"
-#include "API/Server.h"
-#include "GUI/LayoutWidget.h"
-#include "GUI/MainWindow.h"
-#include "GUI/Player/VideoWidget.h"
-#include "GUI/Timeline.h"
-#include "GUI/TimelinePrivate.h"
 #include "tests/e2e/Wall.h"
 
 namespace {
@@ -141,12 +133,6 @@ private slots:
     }
 
 private:
-    QDateTime at(const QString &text) const
-    {
-        return QDateTime(day, QTime::fromString(text, "h:mm:ss"_s));
-    }
-
-    static GUI::Timeline *timeline() { return mainWindow()->findChild<GUI::Timeline *>(); }
     QStringList files() const { return folder.entryList(QDir::Files | QDir::Hidden); }
 
     static bool isExporting()
@@ -168,13 +154,10 @@ private:
     /// Goes to the archive's export page with a fragment; `records` are begin and end in turn.
     void select(const QStringList &records, const QDateTime &start, int seconds)
     {
-        QVector<QPair<qint64, qint64>> spans;
-        for (int i = 0; i < records.size(); i += 2)
-            spans.append(
-                {at(records[i]).toMSecsSinceEpoch(), at(records[i + 1]).toMSecsSinceEpoch()});
-        QVERIFY2(service.setArchive(lan, spans), qPrintable(service.errorString()));
+        setRecords(lan, records);
         mainWindow()->openCamera(camera);
         press(mainWindow(), "showRecordsButton");
+        const QDate day = start.date();
         mainWindow()->updateDate(day);
         QTRY_VERIFY_WITH_TIMEOUT(camera->hasRecords(day), replyDeadlineMs);
         // The button wakes up once the strip has been painted with the cursor on the day.
@@ -186,18 +169,12 @@ private:
         QTRY_VERIFY(timeline()->startValue().secsTo(timeline()->endValue()) <= 1800);
 
         const auto pull = [](const QDateTime &from, const QDateTime &to) {
-            const auto pixelOf = [](const QDateTime &time) {
-                const double share = double(timeline()->startValue().secsTo(time)) /
-                                     timeline()->startValue().secsTo(timeline()->endValue());
-                const int scale = timeline()->width() - 2 * GUI::Internal::timelineMargin;
-                return QPoint(GUI::Internal::timelineMargin + qRound(share * scale), 30);
-            };
-            QTest::mouseMove(timeline(), pixelOf(from));
-            QTest::mousePress(timeline(), Qt::LeftButton, Qt::NoModifier, pixelOf(from));
-            QMouseEvent move(QEvent::MouseMove, pixelOf(to), timeline()->mapToGlobal(pixelOf(to)),
+            QTest::mouseMove(timeline(), placeOf(from));
+            QTest::mousePress(timeline(), Qt::LeftButton, Qt::NoModifier, placeOf(from));
+            QMouseEvent move(QEvent::MouseMove, placeOf(to), timeline()->mapToGlobal(placeOf(to)),
                              Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
             QCoreApplication::sendEvent(timeline(), &move);
-            QTest::mouseRelease(timeline(), Qt::LeftButton, Qt::NoModifier, pixelOf(to));
+            QTest::mouseRelease(timeline(), Qt::LeftButton, Qt::NoModifier, placeOf(to));
         };
         pull(timeline()->selectionEnd(), start.addSecs(seconds));
         pull(timeline()->selectionStart(), start);
@@ -205,7 +182,6 @@ private:
         QVERIFY(std::abs(timeline()->selectionEnd().secsTo(start.addSecs(seconds))) <= 3);
     }
 
-    const QDate day = QDate::currentDate().addDays(-1);
     DemoCamera lan;
     API::CameraPtr camera;
     QDir folder;

@@ -3,12 +3,6 @@
 
 #include <csignal>
 
-#include "API/Camera.h"
-#include "API/CloudAPIClient.h"
-#include "API/Layout.h"
-#include "API/Server.h"
-#include "GUI/LayoutWidget.h"
-#include "GUI/Player/VideoWidget.h"
 #include "tests/support/ProcessTraces.h"
 
 using GUI::Player::VideoWidget;

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/EndToEnd.h"
 
-#include "API/Camera.h"
 #include "App/Application.h"
-#include "GUI/CameraWidget.h"
-#include "GUI/LoginDialog.h"
 
 namespace {
 

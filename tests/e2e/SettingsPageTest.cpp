@@ -1,14 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/EndToEnd.h"
 
-#include "API/Camera.h"
-#include "API/Server.h"
 #include "App/Settings.h"
-#include "GUI/CameraWidget.h"
-#include "GUI/LoginDialog.h"
-#include "GUI/MainWindow.h"
-#include "GUI/Player/VideoWidget.h"
-#include "GUI/ServerWidget.h"
 #include "GUI/SettingsWidget.h"
 #include "tests/GUI/DialogVisitor.h"
 #include "tests/e2e/Wall.h"

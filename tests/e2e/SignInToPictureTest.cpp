@@ -3,14 +3,6 @@
 
 #include <csignal>
 
-#include "API/Camera.h"
-#include "API/Server.h"
-#include "GUI/CameraWidget.h"
-#include "GUI/LoginDialog.h"
-#include "GUI/MainWindow.h"
-#include "GUI/Player/VideoWidget.h"
-#include "GUI/ServerWidget.h"
-
 namespace {
 
 constexpr int pictureAgeLimitMs = 2000;

@@ -2,9 +2,6 @@
 #include "tests/e2e/Wall.h"
 
 #include "GUI/LayoutCard.h"
-#include "GUI/LayoutWidget.h"
-#include "GUI/MainWindow.h"
-#include "GUI/Player/VideoWidget.h"
 #include "tests/e2e/EndToEnd.h"
 
 namespace ZorvaneClient::Tests {
@@ -20,16 +17,6 @@ std::unique_ptr<QMimeData> mimeData(const QString &format, const Values &...valu
     auto data = std::make_unique<QMimeData>();
     data->setData(format, payload);
     return data;
-}
-
-QString cellText(const QImage &wall, const QWidget *widget)
-{
-    if (!widget)
-        return "-"_s;
-    if (!qobject_cast<const GUI::Player::VideoWidget *>(widget))
-        return "."_s;
-    const auto strip = StripReader::readTile(wall.copy(widget->geometry()));
-    return strip ? QString::number(strip->camera) : "?"_s;
 }
 
 } // namespace
@@ -76,28 +63,11 @@ GUI::LayoutWidget *gridOf(GUI::MainWindow *window)
 
 QWidget *widgetInCell(GUI::LayoutWidget *grid, API::LayoutPoint cell, int rows, int columns)
 {
-    const QPoint middle((2 * cell.column + 1) * grid->width() / (2 * columns),
-                        (2 * cell.row + 1) * grid->height() / (2 * rows));
-    QWidget *widget = grid->childAt(middle);
+    QWidget *widget = grid->childAt((2 * cell.column + 1) * grid->width() / (2 * columns),
+                                    (2 * cell.row + 1) * grid->height() / (2 * rows));
     while (widget && widget->parentWidget() != grid)
         widget = widget->parentWidget();
     return widget;
-}
-
-QString paintedWall(GUI::MainWindow *window, int rows, int columns)
-{
-    GUI::LayoutWidget *grid = gridOf(window);
-    if (!grid)
-        return QString();
-    const QImage wall = grid->grab().toImage();
-    QStringList lines;
-    for (int row = 0; row < rows; ++row) {
-        QStringList line;
-        for (int column = 0; column < columns; ++column)
-            line << cellText(wall, widgetInCell(grid, {column, row}, rows, columns));
-        lines << line.join(QLatin1Char(' '));
-    }
-    return lines.join(" | "_s);
 }
 
 QString wallIn(const QImage &grid, int rows, int columns)
@@ -114,6 +84,11 @@ QString wallIn(const QImage &grid, int rows, int columns)
         }
     }
     return found.text();
+}
+
+QString paintedWall(GUI::MainWindow *window, int rows, int columns)
+{
+    return wallIn(gridOf(window)->grab().toImage(), rows, columns);
 }
 
 bool everyTileMoves(GUI::MainWindow *window)

@@ -1,19 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/support/Test.h"
+#include "tests/e2e/EndToEnd.h"
 
-#include "API/Types.h"
-
-namespace ZorvaneClient {
-
-namespace GUI {
+namespace ZorvaneClient::GUI {
 class LayoutCard;
-class LayoutWidget;
-class MainWindow;
-} // namespace GUI
-
-} // namespace ZorvaneClient
+}
 
 namespace ZorvaneClient::Tests {
 
@@ -38,11 +30,11 @@ GUI::LayoutWidget *gridOf(GUI::MainWindow *window);
 /// The tile or placeholder that covers the middle of a cell in a grid of so many cells; null
 /// before the grid has been laid out.
 QWidget *widgetInCell(GUI::LayoutWidget *grid, API::LayoutPoint cell, int rows, int columns);
-/// What the painted grid shows, read from the strips, in the form of WallPlan::text();
-/// "?" for a tile without a readable picture, "-" where no cell is.
-QString paintedWall(GUI::MainWindow *window, int rows, int columns);
-/// The same from a picture of a grid of equal cells; a point where no strip can be read.
+/// What the picture of a grid of equal cells shows, read from the strips, in the form of
+/// WallPlan::text(); a point also for a tile without a readable picture.
 QString wallIn(const QImage &grid, int rows, int columns);
+/// The same of the window's painted grid.
+QString paintedWall(GUI::MainWindow *window, int rows, int columns);
 /// True once every tile of the window shows a later picture than now.
 bool everyTileMoves(GUI::MainWindow *window);
 

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/EndToEnd.h"
 
-#include "API/Layout.h"
 #include "API/LayoutDocument.h"
 #include "GUI/GridSizeEditor.h"
 #include "GUI/LayoutCard.h"
-#include "GUI/LayoutWidget.h"
-#include "GUI/MainWindow.h"
 #include "tests/e2e/ClientProcess.h"
 #include "tests/e2e/Wall.h"
 

@@ -1,13 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/EndToEnd.h"
 
-#include "API/Camera.h"
 #include "App/Settings.h"
-#include "GUI/CameraWidget.h"
-#include "GUI/LayoutWidget.h"
-#include "GUI/LoginDialog.h"
-#include "GUI/MainWindow.h"
-#include "GUI/Player/VideoWidget.h"
 #include "tests/e2e/Wall.h"
 #include "tests/support/LogCapture.h"
 
@@ -63,15 +57,7 @@ MainWindow *cloneOf(MainWindow *window)
 
 void open(MainWindow *window, const DemoCamera &camera)
 {
-    const auto cardOfCamera = [&]() -> GUI::CameraWidget * {
-        const auto cards = window->findChildren<GUI::CameraWidget *>();
-        for (GUI::CameraWidget *card : cards) {
-            if (card->camera()->serverId() == camera.server &&
-                card->camera()->id() == camera.camera)
-                return card;
-        }
-        return nullptr;
-    };
+    const auto cardOfCamera = [&] { return card(window, camera.server, camera.camera); };
     QTRY_VERIFY_WITH_TIMEOUT(cardOfCamera(), pollDeadlineMs);
     QTest::mouseClick(cardOfCamera(), Qt::LeftButton);
     QTRY_VERIFY_WITH_TIMEOUT(tileOf(window, camera), pictureDeadlineMs);
