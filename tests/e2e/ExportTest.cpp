@@ -57,9 +57,9 @@ private slots:
     {
         rows<QStringList, QString, int>(
             {"records", "start", "seconds"},
-            {{"within a record", QStringList{"11:40:00", "12:20:00"}, "11:58:13", 75},
-             {"over a gap", QStringList{"11:40:00", "11:58:40", "11:59:50", "12:20:00"}, "11:58:00",
-              150}});
+            {{"within a record", QStringList{"11:40:00", "12:20:00"}, "11:58:13", 62},
+             {"over a gap", QStringList{"11:40:00", "11:58:30", "11:59:40", "12:20:00"}, "11:58:00",
+              130}});
     }
 
     void fragmentBecomesAFile()

@@ -70,16 +70,12 @@ QWidget *widgetInCell(GUI::LayoutWidget *grid, API::LayoutPoint cell, int rows, 
     return widget;
 }
 
-QString wallIn(const QImage &grid, int rows, int columns)
+QString wallIn(const QImage &grid, int rows, int columns, const CellPlace &placeOf)
 {
-    constexpr int gap = 2; // round each cell
     WallPlan found(rows, columns);
-    const QSize cell((grid.width() - gap) / columns, (grid.height() - gap) / rows);
-    for (int row = 0; row < rows && !grid.isNull(); ++row) {
+    for (int row = 0; row < rows; ++row) {
         for (int column = 0; column < columns; ++column) {
-            const QPoint corner(gap + column * (grid.width() - gap) / columns,
-                                gap + row * (grid.height() - gap) / rows);
-            const QImage tile = grid.copy(QRect(corner, cell - QSize(gap, gap)));
+            const QImage tile = grid.copy(placeOf({column, row}));
             found.cells[row][column] = StripReader::readTile(tile).value_or(Strip()).camera;
         }
     }
@@ -88,7 +84,13 @@ QString wallIn(const QImage &grid, int rows, int columns)
 
 QString paintedWall(GUI::MainWindow *window, int rows, int columns)
 {
-    return wallIn(gridOf(window)->grab().toImage(), rows, columns);
+    GUI::LayoutWidget *grid = gridOf(window);
+    if (!widgetInCell(grid, {columns - 1, rows - 1}, rows, columns))
+        return QString();
+    return wallIn(grid->grab().toImage(), rows, columns, [&](API::LayoutPoint cell) {
+        const QWidget *widget = widgetInCell(grid, cell, rows, columns);
+        return widget ? widget->geometry() : QRect();
+    });
 }
 
 bool everyTileMoves(GUI::MainWindow *window)

@@ -30,10 +30,11 @@ GUI::LayoutWidget *gridOf(GUI::MainWindow *window);
 /// The tile or placeholder that covers the middle of a cell in a grid of so many cells; null
 /// before the grid has been laid out.
 QWidget *widgetInCell(GUI::LayoutWidget *grid, API::LayoutPoint cell, int rows, int columns);
-/// What the picture of a grid of equal cells shows, read from the strips, in the form of
-/// WallPlan::text(); a point also for a tile without a readable picture.
-QString wallIn(const QImage &grid, int rows, int columns);
-/// The same of the window's painted grid.
+/// What the picture of a grid shows, read from the strips, in the form of WallPlan::text(); a
+/// point also for a tile without a readable picture.
+using CellPlace = std::function<QRect(API::LayoutPoint)>;
+QString wallIn(const QImage &grid, int rows, int columns, const CellPlace &placeOf);
+/// The same of the window's painted grid; empty before it has been laid out.
 QString paintedWall(GUI::MainWindow *window, int rows, int columns);
 /// True once every tile of the window shows a later picture than now.
 bool everyTileMoves(GUI::MainWindow *window);

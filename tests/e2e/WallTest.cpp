@@ -99,8 +99,16 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(other.texts("LayoutListWidget"_s).contains(layoutName),
                                  sharedWithinMs);
         QVERIFY(other.press("LayoutCard"_s));
+        // Its cells are equal, with two pixels between them.
         const auto otherWall = [&] {
-            return wallIn(other.picture("LayoutWidget"_s), plan.rows(), plan.columns());
+            const QImage grid = other.picture("LayoutWidget"_s);
+            return wallIn(grid, plan.rows(), plan.columns(), [&](API::LayoutPoint cell) {
+                const QSizeF size((grid.width() - 2.0) / plan.columns(),
+                                  (grid.height() - 2.0) / plan.rows());
+                return QRectF(2 + cell.column * size.width(), 2 + cell.row * size.height(),
+                              size.width() - 2, size.height() - 2)
+                    .toRect();
+            });
         };
         QVERIFY(QTest::qWaitFor([&] { return otherWall() == plan.text(); }, pictureDeadlineMs));
         QCOMPARE(onlyLayout(otherCache), document());
