@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/GUI/ArchiveWorld.h"
 
-#include "tests/support/Test.h"
-
 #include "API/Camera.h"
 #include "API/Server.h"
 #include "App/QtShims.h"
@@ -11,9 +9,7 @@ namespace ZorvaneClient::Tests {
 
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr std::chrono::milliseconds loadDeadline = 30s;
+constexpr int loadDeadlineMs = 30'000;
 constexpr int millisecondsPerSecond = 1000;
 
 struct RecordsRequest {
@@ -38,6 +34,13 @@ QByteArray json(const API::ArchiveRecord &record)
     return "{\"startTime\":" +
            QByteArray::number(record.start.toMSecsSinceEpoch() - millisecondsPerSecond) +
            ",\"duration\":" + QByteArray::number(record.start.msecsTo(record.end)) + "}";
+}
+
+QByteArray json(QDate day, int count)
+{
+    const qint64 noon = QDateTime(day, QTime(12, 0)).toSecsSinceEpoch();
+    return "{\"date\":" + QByteArray::number(noon) +
+           ",\"recordsCount\":" + QByteArray::number(count) + "}";
 }
 
 } // namespace
@@ -117,7 +120,7 @@ bool ArchiveWorld::load(const API::CameraPtr &camera, QDate day)
 {
     QSignalSpy received(camera.data(), &API::Camera::recordsChanged);
     camera->updateTimeline(day);
-    return !received.isEmpty() || received.wait(static_cast<int>(loadDeadline.count()));
+    return !received.isEmpty() || received.wait(loadDeadlineMs);
 }
 
 QList<QDate> ArchiveWorld::requestedDays(int id) const
@@ -138,10 +141,18 @@ WireReply ArchiveWorld::reply(const WireRequest &request)
     if (refused.contains(asked.camera))
         return WireReply::json("no JSON");
     QByteArrayList entries;
+    QMap<QDate, int> days;
     const QList<API::ArchiveRecord> records = archives.value(asked.camera);
     for (const API::ArchiveRecord &each : records) {
-        if (each.start <= asked.end && each.end >= asked.start)
-            entries.append(json(each));
+        if (each.start > asked.end || each.end < asked.start)
+            continue;
+        entries.append(json(each));
+        ++days[each.start.date()];
+    }
+    if (request.path().endsWith("/days")) {
+        entries.clear();
+        for (auto day = days.cbegin(); day != days.cend(); ++day)
+            entries.append(json(day.key(), day.value()));
     }
     return WireReply::json("[" + entries.join(',') + "]");
 }
