@@ -5,7 +5,7 @@
 
 #include "API/Camera.h"
 #include "API/Layout.h"
-#include "GUI/ArchiveControlPanel.h"
+#include "App/QtShims.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/MainWindow.h"
@@ -36,8 +36,7 @@ QString wordsOf(const QStringList &arguments)
     const QString camera = query.queryItemValue("camera"_s);
     if (!query.hasQueryItem("startTime"_s))
         return camera + " live";
-    const qint64 seconds = query.queryItemValue("startTime"_s).toLongLong();
-    const QDateTime start = QDateTime::fromMSecsSinceEpoch(seconds * 1000);
+    const auto start = fromEpochSeconds(query.queryItemValue("startTime"_s).toLongLong());
     return camera + start.toString(start.date() == day ? " hh:mm:ss " : " yyyy-MM-dd hh:mm:ss ") +
            query.queryItemValue("speed"_s) + 'x';
 }
@@ -71,12 +70,14 @@ private slots:
 
     void aClickPlaysTheRecordsThatHoldIt()
     {
-        open({camera(1, {"10:00:00-11:00:00"}), camera(2, {"10:30:00-11:30:00"})});
+        open({camera(1, {"10:00:00-11:00:00"}), camera(2, {"10:30:00-11:30:00"}),
+              world.cloudCamera(3, false)});
         press("showRecordsButton");
         window->onPlayArchive(moment("10:45:10"));
 
         expectStarts({"1 10:45:10 1x", "2 10:45:10 1x"});
         QCOMPARE(tile(1)->playbackTime(), moment("10:45:10"));
+        QVERIFY(showsText(*tile(2), MainWindow::tr("Archive is not shared")));
         QVERIFY(timeline()->sliderVisible());
         QCOMPARE(textOf("timeLabel"), "10:45:10"_s);
         QCOMPARE(textOf("dateLabel"), "05/03"_s);
@@ -101,11 +102,8 @@ private slots:
         window->playArchive();
         const bool plays = expected != "none";
         QCOMPARE(timeline()->currentValue(), moment(plays ? expected : click));
-        QCOMPARE(tile(0)->isPlaying(), plays);
-        if (plays)
-            expectStarts({"1 " + expected + " 1x"});
-        else
-            QVERIFY(showsText(*tile(0), VideoWidget::tr("No records")));
+        expectStarts(plays ? QStringList("1 " + expected + " 1x") : QStringList());
+        QCOMPARE(showsText(*tile(0), VideoWidget::tr("No records")), !plays);
     }
 
     void aSpanStartsWhenTheCursorReachesIt()
@@ -160,7 +158,7 @@ private slots:
         QCOMPARE(held(5000, 60000), QString());
     }
 
-    void cursorFollowsTheSlowestTile()
+    void cursorFollowsTheSlowestTileIntoTheNextDay()
     {
         playTwo();
         tile(0)->setTime(moment("10:06:02"));
@@ -170,16 +168,10 @@ private slots:
         emit tile(1)->msecsAdded(1000);
         QCOMPARE(timeline()->currentValue(), moment("10:06:00"));
         QCOMPARE(textOf("timeLabel"), "10:06:00"_s);
-    }
 
-    void cursorMovesOverToTheNextDay()
-    {
-        open({camera(1, {"20:00:00-22:00:00"})});
-        window->onPlayArchive(moment("20:05:00"));
-        expectStarts({"1 20:05:00 1x"});
         clock->advance(2 * 60 * 60);
         const QDateTime next(day.addDays(1), QTime(0, 0, 5));
-        tile(0)->setTime(next);
+        grid()->setTime(next);
         window->updateTimeline(0);
         QCOMPARE(timeline()->startValue().date(), next.date());
         QCOMPARE(timeline()->currentValue(), next);
@@ -202,13 +194,6 @@ private slots:
         tile(0)->stop();
         window->playArchive();
         expectStarts({"1 10:05:00 1x"});
-    }
-
-    void aCameraWithoutTheRightSaysSo()
-    {
-        open({camera(1, {"10:00:00-11:00:00"}), world.cloudCamera(9, false)});
-        window->onPlayArchive(moment("10:05:00"));
-        QVERIFY(showsText(*tile(1), MainWindow::tr("Archive is not shared")));
     }
 
     void aCameraAddedWhileTheArchivePlaysJoins()
@@ -241,7 +226,6 @@ private slots:
         expectStarts({"1 live"});
         QVERIFY(!timeline()->sliderVisible());
         QVERIFY(timeline()->isHidden());
-        QVERIFY(window->findChild<ArchiveControlPanel *>()->isHidden());
         QCOMPARE(pageOf("controlMode"), "livePage"_s);
         QCOMPARE(panel()->speed(), 1);
         QCOMPARE(timeline()->currentValue(), clock->now());
