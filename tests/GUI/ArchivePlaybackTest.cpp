@@ -204,6 +204,7 @@ private slots:
         expectStarts({"1 10:05:00 1x"});
         window->addToLayout(late);
         QVERIFY(timeline()->hasCamera(late->globalId()));
+        QVERIFY(dumpOf(*grid()->player(late)).contains("is archive playing? true"));
         window->playArchive();
         expectStarts({"2 10:05:00 1x"});
     }
@@ -257,6 +258,8 @@ private slots:
         press("showRecordsButton");
         timeline()->grab(); // What it paints decides whether there is something to export.
         press("exportModeButton");
+        const auto *messages = window->findChild<QStackedWidget *>("messageWidget"_s);
+        QVERIFY(!messages->isHidden());
         QCOMPARE(pageOf("messageWidget"), "selectFragmentPage"_s);
         child->setScript({"print export-start\\nexport-percent 7\\n", "wait last word",
                           "print export-" + end + "\\n", "exit 0"});
@@ -282,7 +285,7 @@ private slots:
         QTRY_VERIFY(!ScriptedChild::isAlive(process));
         QTRY_COMPARE(panel()->currentWidget()->objectName(), page);
         QCOMPARE(pageOf("exportControl"), "exportButtonPage"_s);
-        QVERIFY(window->findChild<QStackedWidget *>("messageWidget"_s)->isHidden());
+        QVERIFY(messages->isHidden());
         QCOMPARE(timeline()->cameraCount(), cameras);
         if (end == "closed")
             QCOMPARE(timeline()->activeCamera(), shown.last());
