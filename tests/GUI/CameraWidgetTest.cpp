@@ -9,7 +9,6 @@ using GUI::Preview;
 
 namespace {
 
-constexpr std::chrono::milliseconds releaseDelay(30000);
 constexpr QPoint home(20, 10);
 // A grey that a JPEG file keeps.
 const QString grey = "#808080"_s;
@@ -49,7 +48,7 @@ struct Stage {
 };
 
 /// What a person sees in the place of the picture: the spinner, the icon of a camera or of no
-/// camera, or the colour in the middle.
+/// camera, or the colour at the edge, which a wide picture fills.
 QString look(const QWidget &card)
 {
     if (card.findChild<GUI::SpinnerWidget *>()->isVisibleTo(&card))
@@ -66,7 +65,7 @@ QString look(const QWidget &card)
         if (painted.copy(place) == expected)
             return name;
     }
-    return painted.pixelColor(painted.rect().center()).name();
+    return painted.pixelColor(1, painted.height() / 2).name();
 }
 
 } // namespace
@@ -156,10 +155,8 @@ private slots:
               {"expire"_s, [] { QCOMPARE(expireTimers(releaseDelay), 1); }}});
         card.repaint();
         QTRY_COMPARE(look(card), seen);
-        if (seen != "NoCam"_s)
-            QCOMPARE(card.hasPreview(), seen != "Cam"_s);
-        if (seen == grey || seen == "Cam"_s)
-            QCOMPARE(look(second), seen);
+        QVERIFY(seen == "NoCam"_s || card.hasPreview() == (seen != "Cam"_s));
+        QVERIFY(seen == "NoCam"_s || seen == "spinner"_s || look(second) == seen);
         // A new card is right from the first, before a refresh.
         const QString icon = camera->isOnline() ? "Cam"_s : "NoCam"_s;
         QCOMPARE(look(CameraWidget(camera)), camera->hasPreview() ? grey : icon);

@@ -17,11 +17,9 @@
 using GUI::CameraWidget;
 using GUI::RosterWidget;
 using GUI::ServerWidget;
-using GUI::ToolBar;
 
 namespace {
 
-constexpr std::chrono::milliseconds releaseDelay(30000);
 constexpr std::chrono::milliseconds pollInterval(20000);
 
 /// A world in words: "Home: Garden, Door-; Shop-: Till". What ends in "-" is offline, a server
@@ -36,8 +34,7 @@ QList<WorldServer> worldOf(const QString &words)
         const bool online = !alias.endsWith('-');
         const bool isCamera = alias.startsWith('=');
         alias.remove(QRegularExpression("^=|-$"_s));
-        const QString id = QString::number(number(alias)) + (isCamera ? "c" : "");
-        WorldServer server{id, alias, {}, online, isCamera};
+        WorldServer server{QString::number(number(alias)), alias, {}, online, isCamera};
         for (const QString &name : entry.section(": "_s, 1).split(", "_s, Qt::SkipEmptyParts))
             server.cameras.append({number(name), name.section('-', 0, 0), !name.endsWith('-')});
         world.append(server);
@@ -45,9 +42,9 @@ QList<WorldServer> worldOf(const QString &words)
     return world;
 }
 
-WorldServer manyCameras(const QString &id, int count)
+WorldServer manyCameras(const QString &id, int count, bool online = true)
 {
-    WorldServer server{id, id, {}};
+    WorldServer server{id, id, {}, online};
     for (int i = 1; i <= count; ++i)
         server.cameras.append({i, "%1"_s.arg(i, 5, 10, QLatin1Char('0'))});
     return server;
@@ -135,24 +132,22 @@ private slots:
             {"Home: b, a-, C, d", "Home: C, b, d, a-"},
             {"Hall: big, C-", "Hall: big, C-"},
             {"=Gate: Gate; Door: Door", "Door: Door; Gate: Gate"},
-            {"=Gate: Gate; =Door: Door", ": Door; : Gate"}};
+            {"=Gate: Gate; =Bridge: Bridge", ": Bridge; : Gate"}};
         Stage stage({});
         QHash<API::CameraPtr, const CameraWidget *> cards;
         QHash<QString, int> objects;
         const auto go = [&](const QStringList &world) {
             stage.refresh(worldOf(world.first()));
             QCOMPARE(stage.shown(), world.last());
-            QHash<API::CameraPtr, const CameraWidget *> now;
             for (const ServerWidget *entry : stage.entries()) {
                 QCOMPARE(entry->server(), worldServer(entry->server()->id()));
                 const auto cameras = entry->server()->cameras();
                 for (const CameraWidget *card : entry->cameraWidgets()) {
                     QCOMPARE(card->camera(), cameras.value(card->camera()->id()));
                     QCOMPARE(cards.value(card->camera(), card), card);
-                    now.insert(card->camera(), card);
+                    cards.insert(card->camera(), card);
                 }
             }
-            cards = now;
             const int count = stage.roster.findChildren<QObject *>().size();
             QCOMPARE(count, objects.value(world.first(), count));
             objects.insert(world.first(), count);
@@ -182,8 +177,8 @@ private slots:
              {"nothing found", "xyz", false, "My Home; Shop"},
              {"alias leaves closed", "HOME", true, "My [Home]; Shop"},
              {"alias leaves open", "my h", false, "[My H]ome: Door, Garden; Shop"},
-             {"aliases and cameras", "o", true, "My H[o]me; Sh[o]p"},
-             {"all open", "o", false, "My H[o]me: D[o]or, Garden; Sh[o]p: Back d[o]or, Till"}});
+             {"aliases and cameras", "o", false,
+              "My H[o]me: D[o]or, Garden; Sh[o]p: Back d[o]or, Till"}});
     }
 
     void searchOpensClosesAndMarks()
@@ -264,7 +259,6 @@ private slots:
         QTRY_VERIFY(bar->maximum() > 100000);
         bar->setValue(bar->maximum());
         QTRY_VERIFY(!cards.last()->findChildren<QLabel *>().isEmpty());
-        QVERIFY(cards.last()->isInView());
         QCOMPARE(labelText(cards.last(), "cameraName"), "01000"_s);
         QVERIFY(cards.at(500)->findChildren<QLabel *>().isEmpty());
     }
@@ -279,9 +273,7 @@ private slots:
         Stage stage({});
         QTRY_COMPARE(stage.shown(), "First: No cameras attached"_s);
         succeed("Second");
-        // The roster that was just taken is fresh for half a minute.
-        QCOMPARE(expireTimers(pollInterval), 1);
-        QCOMPARE(stage.shown(), "First: No cameras attached"_s);
+        // The one that was just taken is fresh for half a minute.
         stopClockAt(60);
         QCOMPARE(expireTimers(pollInterval), 1);
         QTRY_COMPARE(stage.shown(), "Second: No cameras attached"_s);
@@ -309,24 +301,18 @@ private slots:
         connect(&stage.roster, &RosterWidget::editServer, this,
                 [&](const API::ServerPtr &server) { edited = server; });
         const auto actions = lan->findChild<QPushButton *>("settingsButton")->menu()->actions();
-        QCOMPARE(actions.first()->text(), "Edit"_s);
+        QCOMPARE(actions.first()->text() + actions.last()->text(), "EditDelete"_s);
         actions.first()->trigger();
         QTRY_COMPARE(edited, local);
         emit cloud->deleteServer(cloud->server());
-        QCOMPARE(actions.last()->text(), "Delete"_s);
         actions.last()->trigger();
         QCOMPARE(stage.shown(), "My Home: Garden"_s);
         QCOMPARE(API::CloudAPIClient::serverList().size(), 1);
-        QFile file("local_roster.txt"_s);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QVERIFY(!file.readAll().contains("Long"));
     }
 
     void headingOpensClosesAndIsDragged()
     {
-        WorldServer many = manyCameras("many"_s, 200);
-        many.online = false;
-        Stage stage({many});
+        Stage stage({manyCameras("many"_s, 200, false)});
         ServerWidget *entry = stage.entries().first();
         for (const char *name :
              {"controlBar", "serverName", "expandButton", "serverOfflineImage"}) {
@@ -394,19 +380,16 @@ private slots:
     {
         Stage stage(worldOf("Home: Garden"_s));
         const auto disabledEntries = [&] {
-            QStringList texts;
-            for (const QAction *action : stage.roster.findChildren<QAction *>()) {
-                if (!action->isEnabled())
-                    texts += action->text();
-            }
-            return texts.join(", "_s);
+            QString texts;
+            for (const QAction *action : stage.roster.findChildren<QAction *>())
+                texts += action->isEnabled() ? "" : action->text();
+            return texts;
         };
-        QCOMPARE(disabledEntries(), QString());
         stage.roster.setAddToLayoutEnabled(false);
         QCOMPARE(disabledEntries(), "Add to layout"_s);
         // Cards and servers that come later too.
         stage.refresh(worldOf("Home: Garden, Door; Shop: Till"_s));
-        QCOMPARE(disabledEntries(), "Add to layout, Add to layout, Add to layout"_s);
+        QCOMPARE(disabledEntries(), "Add to layout"_s.repeated(3));
         stage.roster.setAddToLayoutEnabled(true);
         QCOMPARE(disabledEntries(), QString());
     }
@@ -418,6 +401,7 @@ private slots:
             const QPointer<CameraWidget> card(stage.entries().first()->cameraWidgets().first());
             const QPointer<QMenu> menu(card->findChild<QMenu *>());
             bool opened = false;
+            QTimer::singleShot(10000, menu, &QMenu::close);
             QTimer::singleShot(0, &stage.roster, [&] {
                 opened = menu->isVisible();
                 stage.refresh(worldOf("Shop: Till"_s));
@@ -427,8 +411,7 @@ private slots:
                 QCoreApplication::sendEvent(card, &event);
             else
                 QTest::mousePress(card->findChild<QPushButton *>("previewMenu"), Qt::LeftButton);
-            QVERIFY(opened);
-            QTRY_VERIFY(!card && !menu);
+            QTRY_VERIFY(opened && !card && !menu);
             QCOMPARE(stage.shown(), "Shop: Till"_s);
         }
     }
@@ -438,7 +421,6 @@ private slots:
         setWorld(worldOf("Home: Door"_s));
         GUI::SideBar bar;
         bar.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&bar));
         bar.rosterWidget()->updateRoster();
         API::LayoutsContainer layouts{{"1"_s, API::LayoutPtr::create()},
                                       {"2"_s, API::LayoutPtr::create()}};
@@ -448,21 +430,19 @@ private slots:
         const auto *expanded = bar.findChild<QCheckBox *>("expandButton");
         const auto shown = [&] {
             QString words = edit->isVisible() ? edit->placeholderText() + edit->text() : "";
-            for (const char *name :
-                 {"rosterWidget", "layoutListWidget", "settingsWidget", "settingsLabel"})
+            for (const char *name : {"rosterWidget", "layoutListWidget", "settingsWidget"})
                 words += isShown(&bar, name) ? ' ' + QString(name) : "";
             for (const auto *card : bar.findChildren<GUI::LayoutCard *>())
                 words += card->isVisible() ? " card" : "";
             return words;
         };
         QCOMPARE(shown(), "Search for cameras... rosterWidget"_s);
-        edit->setFocus();
         QTest::keyClicks(edit, "yard"_s);
         QVERIFY(!expanded->isChecked());
         bar.setLayoutsMode();
         QCOMPARE(shown(), "Search for layouts...yard layoutListWidget card"_s);
         bar.setSettingsMode();
-        QCOMPARE(shown(), " settingsWidget settingsLabel"_s);
+        QCOMPARE(shown(), " settingsWidget"_s);
         bar.setRosterMode();
         QCOMPARE(shown(), "Search for cameras...yard rosterWidget"_s);
         edit->clear();
@@ -474,12 +454,12 @@ private slots:
 
     void tabsOfTheToolBarTellClicksOnly()
     {
-        using Function = void (ToolBar::*)();
+        using Function = void (GUI::ToolBar::*)();
         const std::tuple<const char *, Function, Function> tabs[] = {
-            {"layoutsButton", &ToolBar::setLayoutsMode, &ToolBar::layoutsClicked},
-            {"settingsButton", &ToolBar::setSettingsMode, &ToolBar::settingsClicked},
-            {"rosterButton", &ToolBar::setRosterMode, &ToolBar::liveClicked}};
-        ToolBar bar;
+            {"layoutsButton", &GUI::ToolBar::setLayoutsMode, &GUI::ToolBar::layoutsClicked},
+            {"settingsButton", &GUI::ToolBar::setSettingsMode, &GUI::ToolBar::settingsClicked},
+            {"rosterButton", &GUI::ToolBar::setRosterMode, &GUI::ToolBar::liveClicked}};
+        GUI::ToolBar bar;
         bar.resize(60, 400);
         for (const auto &[name, choose, signal] : tabs) {
             auto *tab = bar.findChild<QPushButton *>(name);

@@ -70,7 +70,6 @@ void RosterTest::init()
 
 void RosterTest::cleanup()
 {
-    App::Environment::setClock({});
     setWorld({});
     QFile::remove("local_roster.txt"_s);
     API::CloudAPIClient().loadLocalRoster();

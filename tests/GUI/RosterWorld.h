@@ -11,6 +11,9 @@ namespace ZorvaneClient::Tests {
 /// The wall clock stands still at `seconds` after a fixed moment.
 void stopClockAt(double seconds);
 
+/// After which the preview of a card out of view is released.
+constexpr std::chrono::milliseconds releaseDelay(30000);
+
 /// Lets the running timers of that interval expire at once; returns how many there were.
 int expireTimers(std::chrono::milliseconds interval);
 
