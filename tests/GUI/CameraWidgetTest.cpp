@@ -13,10 +13,13 @@ constexpr QPoint home(20, 10);
 // A grey that a JPEG file keeps.
 const QString grey = "#808080"_s;
 
+/// Black in the middle half, so that one shown too large is not grey at the edge.
 QPixmap greyPicture(const QSize &size = QSize(64, 36))
 {
     QPixmap picture(size);
     picture.fill(QColor(grey));
+    const int quarter = size.width() / 4;
+    QPainter(&picture).fillRect(picture.rect().adjusted(quarter, 0, -quarter, 0), Qt::black);
     return picture;
 }
 
@@ -49,12 +52,13 @@ struct Stage {
 
 /// What a person sees in the place of the picture: the spinner, the icon of a camera or of no
 /// camera, or the colour at the edge, which a wide picture fills.
-QString look(const QWidget &card)
+QString look(QWidget *card)
 {
-    if (card.findChild<GUI::SpinnerWidget *>()->isVisibleTo(&card))
+    if (card->findChild<GUI::SpinnerWidget *>()->isVisibleTo(card))
         return "spinner"_s;
-    auto *label = card.findChild<QLabel *>("previewImage");
-    const QImage painted = label->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const QImage whole = card->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const auto *label = card->findChild<QLabel *>("previewImage");
+    const QImage painted = whole.copy(QRect(label->mapTo(card, QPoint()), label->size()));
     for (const QString &name : {"Cam"_s, "NoCam"_s}) {
         const QPixmap icon(":/roster/icons/rosterCardPreview%1.png"_s.arg(name));
         const QRect place =
@@ -137,7 +141,7 @@ private slots:
         const API::CameraPtr camera = makeCamera();
         CameraWidget card(camera);
         // The cards of two windows share the camera's picture.
-        const CameraWidget second(camera);
+        CameraWidget second(camera);
         const auto reply = WireReply::body(jpeg.data(), "image/jpeg");
         take({{"refresh"_s, [&] { card.updateCamera(camera); }},
               {"ask"_s, [&] { card.updatePreview(); }},
@@ -153,13 +157,13 @@ private slots:
               {"show"_s, [&] { card.show(); }},
               {"release"_s, [&] { card.deletePreview(); }},
               {"expire"_s, [] { QCOMPARE(expireTimers(releaseDelay), 1); }}});
-        card.repaint();
-        QTRY_COMPARE(look(card), seen);
+        QTRY_COMPARE(look(&card), seen);
         QVERIFY(seen == "NoCam"_s || card.hasPreview() == (seen != "Cam"_s));
-        QVERIFY(seen == "NoCam"_s || seen == "spinner"_s || look(second) == seen);
+        QVERIFY(seen == "NoCam"_s || seen == "spinner"_s || look(&second) == seen);
         // A new card is right from the first, before a refresh.
         const QString icon = camera->isOnline() ? "Cam"_s : "NoCam"_s;
-        QCOMPARE(look(CameraWidget(camera)), camera->hasPreview() ? grey : icon);
+        CameraWidget later(camera);
+        QCOMPARE(look(&later), camera->hasPreview() ? grey : icon);
         // The request for another camera shows that there was time for one more.
         rosterCamera("s1"_s, 8)->updatePreview();
         const auto targets = [&] {
@@ -250,7 +254,7 @@ private slots:
         QCOMPARE(card->size(), size);
         QCOMPARE(labelText(card, "cameraName"), caption);
         QVERIFY(card->findChild<QLabel *>("cameraName")->isVisible());
-        QTRY_COMPARE(look(*card), seen);
+        QTRY_COMPARE(look(card), seen);
 
         // It looks like a card that was made whole.
         CameraWidget whole(camera, nullptr);
@@ -259,10 +263,6 @@ private slots:
             return widget->grab().toImage().convertToFormat(QImage::Format_RGB32);
         };
         QTRY_COMPARE(painted(card), painted(&whole));
-        // The white and the line below are the card's own, no child paints them.
-        const int middle = size.width() / 2;
-        QCOMPARE(painted(card).pixelColor(middle, 0), QColor(Qt::white));
-        QCOMPARE(painted(card).pixelColor(middle, size.height() - 1), QColor(0xc8, 0xcf, 0xdc));
 
         // A new name comes with a refresh, and a long one leaves the rest in its place.
         const auto *button = card->findChild<QPushButton *>("previewMenu");
