@@ -23,10 +23,11 @@ QPixmap greyPicture(const QSize &size = QSize(64, 36))
     return picture;
 }
 
+/// On a server of the running test's name, for a request of an earlier one can be late.
 API::CameraPtr makeCamera(bool online = true, const QString &name = "Gate"_s, bool paid = true)
 {
-    setWorld({{"s1"_s, "Server"_s, {{7, name, online, paid}, {8, "Other"_s}}}});
-    return rosterCamera("s1"_s, 7);
+    setWorld({{QTest::currentTestFunction(), "Site"_s, {{7, name, online, paid}, {8, "Other"_s}}}});
+    return rosterCamera(QTest::currentTestFunction(), 7);
 }
 
 /// Takes the steps that the name of the row consists of.
@@ -165,15 +166,15 @@ private slots:
         CameraWidget later(camera);
         QCOMPARE(look(&later), camera->hasPreview() ? grey : icon);
         // The request for another camera shows that there was time for one more.
-        rosterCamera("s1"_s, 8)->updatePreview();
+        rosterCamera("pictureAndRequests"_s, 8)->updatePreview();
         const auto targets = [&] {
             QByteArray all;
             for (const WireRequest &request : service.requestsTo(path))
                 all += request.target();
             return all;
         };
-        QTRY_VERIFY(targets().contains("camera=8"));
-        QTRY_COMPARE(targets().count("camera=7"), requests);
+        QTRY_VERIFY(targets().contains("camera=8&q=0&server=pictureAndRequests"));
+        QTRY_COMPARE(targets().count("camera=7&q=0&server=pictureAndRequests"), requests);
     }
 
     void pressedCardComesBack_data()
@@ -205,7 +206,7 @@ private slots:
             QVERIFY(started);
             QByteArray expected;
             QDataStream stream(&expected, QIODevice::WriteOnly);
-            stream << "s1"_s << 7;
+            stream << "pressedCardComesBack"_s << 7;
             QCOMPARE(started->mimeData()->data("camera"_s), expected);
             QCOMPARE(started->supportedActions(), Qt::DropActions(Qt::CopyAction));
             QCOMPARE(started->hotSpot(), QPoint(80, 50));
