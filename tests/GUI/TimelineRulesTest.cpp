@@ -7,7 +7,6 @@
 #include "tests/GUI/TimelineStrip.h"
 
 using namespace GUI::Internal;
-using GUI::Playlist;
 
 namespace {
 
@@ -25,19 +24,7 @@ QStringList resultsOf(const QStringList &cases, const std::function<QString(QStr
     return results;
 }
 
-/// "2 10:00 to 11:00, ..." by camera; those with the same start in the order of the cameras.
-QString textOf(Playlist playlist)
-{
-    std::stable_sort(playlist.begin(), playlist.end(), [](const auto &a, const auto &b) {
-        return a->start == b->start && a->camera->id() < b->camera->id();
-    });
-    QStringList items;
-    for (const auto &item : qAsConst(playlist))
-        items << QString::number(item->camera->id()) + ' ' + Tests::textOf(item->start, item->end);
-    return items.join(", ");
-}
-
-using Moments = QList<std::tuple<int, QDateTime, QDateTime>>;
+using Moments = QList<std::tuple<QDateTime, int, QDateTime>>;
 
 /// What is to be played, found by looking at each record, one after the other.
 Moments momentsByTheRule(const QList<API::CameraPtr> &cameras, const QDateTime &position)
@@ -55,9 +42,10 @@ Moments momentsByTheRule(const QList<API::CameraPtr> &cameras, const QDateTime &
     for (const API::CameraPtr &camera : cameras) {
         for (const API::ArchiveRecord &record : camera->records(position.date())) {
             if (record.start >= next || record.end > next)
-                moments.append({camera->id(), qMax(record.start, next), record.end});
+                moments.append({qMax(record.start, next), camera->id(), record.end});
         }
     }
+    std::sort(moments.begin(), moments.end());
     return moments;
 }
 
@@ -159,33 +147,27 @@ private slots:
             QVERIFY(state.timeAt(x - 1) < state.timeAt(x));
             QVERIFY(qAbs(state.pixelAt(state.timeAt(x)) - x) <= 1);
         }
-        const auto isInOrder = [&state] {
+        const auto isInTheDay = [&state] {
             return state.startValue < state.endValue && !(state.startValue < state.dayStart()) &&
                    !(state.dayEnd() < state.endValue);
         };
         // Wherever the window is, it stays in the day.
         for (int x = 15; x <= 1015; x += 100) {
-            state.startValue = state.dayStart();
-            state.endValue = state.dayEnd();
             for (int step = 0; step < 20; ++step)
                 state.zoomStep(1, state.timeAt(x));
-            for (const int goal : {-50000, 50000}) {
-                for (int step = 0; step < 10; ++step) {
-                    state.lastX = 515;
-                    state.pan(goal);
-                    QVERIFY(isInOrder());
-                }
-                QCOMPARE(goal < 0 ? state.endValue : state.startValue,
-                         goal < 0 ? state.dayEnd() : state.dayStart());
+            for (int step = 0; step < 20; ++step) {
+                state.lastX = 515;
+                state.pan(step < 10 ? -50000 : 50000);
+                QVERIFY(isInTheDay());
+                QVERIFY(step != 9 || state.endValue == state.dayEnd());
             }
-            for (const int delta : {120, -120}) {
-                for (int step = 0; step < 200; ++step)
-                    state.scrollBy(delta);
-                QVERIFY(isInOrder());
-            }
+            QCOMPARE(state.startValue, state.dayStart());
+            for (int step = 0; step < 400; ++step)
+                state.scrollBy(step < 200 ? 120 : -120);
+            QVERIFY(isInTheDay());
             for (int step = 0; step < 80; ++step) {
                 state.zoomStep(-1, state.timeAt(515));
-                QVERIFY(isInOrder());
+                QVERIFY(isInTheDay());
             }
             QVERIFY(state.isWholeDay());
         }
@@ -195,19 +177,16 @@ private slots:
     {
         const QDate spring(2026, 3, 29);
         QCOMPARE(localTime(spring, QTime(2, 30)), QDateTime(spring, QTime(3, 30)));
-        GUI::Timeline timeline(stripDay);
-        timeline.setStartValue(at("2:15"));
-        timeline.setEndValue(at("2:45"));
-        timeline.changeDate(spring);
-        QCOMPARE(timeline.startValue(), QDateTime(spring, QTime(3, 15)));
-        QCOMPARE(timeline.endValue(), QDateTime(spring, QTime(3, 45)));
-
-        timeline.changeDate(stripDay);
-        timeline.setStartValue(at("2:45"));
-        timeline.setEndValue(at("3:15"));
-        timeline.changeDate(spring);
-        QVERIFY(timeline.startValue() < timeline.endValue());
-        QCOMPARE(timeline.startValue().date(), spring);
+        const QStringList cases{"2:15 to 2:45 -> +19 3:15 to +19 3:45",
+                                "2:45 to 3:15 -> +19 0:00 to +19 23:59:59"};
+        const auto rule = [&spring](const QString &window) {
+            GUI::Timeline timeline(stripDay);
+            timeline.setStartValue(spanOf(window).start);
+            timeline.setEndValue(spanOf(window).end);
+            timeline.changeDate(spring);
+            return Tests::textOf(timeline.startValue(), timeline.endValue());
+        };
+        QCOMPARE(resultsOf(cases, rule), cases);
     }
 
     void ticksPerHour()
@@ -479,37 +458,6 @@ private slots:
         QVERIFY(!strays);
     }
 
-    void playlist_data()
-    {
-        const QString one = "10:00 to 11:00, 12:00 to 12:30";
-        const QString two = "9:00 to 12:00|11:00 to 11:30, 13:00 to 14:00";
-        rows<QString, QString, QString>(
-            {"cameras", "position", "expected"},
-            {{"no records", "", "10:00", ""},
-             {"on a start", one, "10:00", "1 10:00 to 11:00, 1 12:00 to 12:30"},
-             {"on an end", one, "11:00", "1 12:00 to 12:30"},
-             {"past all", one, "12:30", ""},
-             {"one plays", two, "10:59", "1 10:59 to 12:00, 2 11:00 to 11:30, 2 13:00 to 14:00"},
-             {"both play", two, "11:10", "1 11:10 to 12:00, 2 11:10 to 11:30, 2 13:00 to 14:00"},
-             {"a long one over short ones", "8:00 to 14:00, 9:00 to 9:30, 10:00 to 10:30", "11:00",
-              "1 11:00 to 14:00"}});
-    }
-
-    void playlist()
-    {
-        const auto [cameras, position] = row<QString, QString>();
-        TimelineStrip strip;
-        for (const QString &records : cameras.split('|')) {
-            const int id = strip.state.cameras.size() + 1;
-            strip.addCamera(world.loadedCamera(id, stripDay, recordsOf(records)));
-        }
-        QTEST(textOf(strip.state.playlistForCameras(at(position))), "expected");
-        // The day is that of the moment, not that of the strip.
-        QVERIFY(strip.state.playlistForCameras(at("-1 " + position)).isEmpty());
-        strip.state.date = stripDay.addDays(1);
-        QTEST(textOf(strip.state.playlistForCameras(at(position))), "expected");
-    }
-
     void playlistByTheRule_data()
     {
         rows<QDate>({"date"}, {{"24 hours", stripDay},
@@ -523,33 +471,36 @@ private slots:
         QRandomGenerator random(1);
         const QDateTime begin = date.startOfDay();
         const int daySeconds = static_cast<int>(begin.secsTo(date.endOfDay()));
-        QList<API::CameraPtr> cameras;
-        TimelineStrip strip(stripWidth, date);
+        QList<API::CameraPtr> cameras{world.loadedCamera(6, date, {})};
+        QList<QDateTime> positions;
+        TimelineStrip strip;
         for (int id = 1; id <= 5; ++id) {
             // In no order, over each other, and with the same starts.
             QList<API::ArchiveRecord> records;
             for (int index = 0; index < 40; ++index) {
                 const QDateTime start = begin.addSecs(random.bounded(daySeconds) / 600 * 600);
                 records.append({start, start.addSecs(random.bounded(1, 1200))});
+                positions << start << records.last().end
+                          << begin.addSecs(random.bounded(daySeconds));
             }
             cameras.append(world.loadedCamera(id, date, records));
-            strip.addCamera(cameras.last());
+            QVERIFY(world.load(cameras.last(), date.addDays(-1)));
         }
-        for (int index = 0; index < 200; ++index) {
-            // Every other one is on a start.
-            const int second = random.bounded(daySeconds);
-            const QDateTime position = begin.addSecs(index % 2 == 0 ? second : second / 600 * 600);
+        for (const API::CameraPtr &camera : cameras)
+            strip.addCamera(camera);
+        for (const QDateTime &position : positions) {
             Moments played;
             for (const auto &item : strip.state.playlistForCameras(position))
-                played.append({item->camera->id(), item->start, item->end});
-            QVERIFY(std::is_sorted(played.begin(), played.end(), [](const auto &a, const auto &b) {
-                return std::get<1>(a) < std::get<1>(b);
-            }));
-            Moments expected = momentsByTheRule(cameras, position);
-            std::sort(expected.begin(), expected.end());
+                played.append({item->start, item->camera->id(), item->end});
+            const auto startsBefore = [](const auto &a, const auto &b) {
+                return std::get<0>(a) < std::get<0>(b);
+            };
+            QVERIFY(std::is_sorted(played.begin(), played.end(), startsBefore));
             std::sort(played.begin(), played.end());
+            const Moments expected = momentsByTheRule(cameras, position);
             QVERIFY2(played == expected, qPrintable(Tests::textOf(position)));
         }
+        QVERIFY(strip.state.playlistForCameras(begin.addSecs(daySeconds)).isEmpty());
     }
 
 private:
