@@ -30,10 +30,7 @@ inline QDateTime at(const QString &text)
 
 inline QString textOf(const QDateTime &time)
 {
-    const int beyondMinute = time.time().msecsSinceStartOfDay() % 60000;
-    const QString clock = time.toString(beyondMinute % 1000 != 0 ? "h:mm:ss.zzz"
-                                        : beyondMinute != 0      ? "h:mm:ss"
-                                                                 : "h:mm");
+    const QString clock = time.toString("h:mm:ss.zzz").remove(QRegularExpression("(:00)?.000$"));
     const qint64 days = stripDay.daysTo(time.date());
     return days == 0 ? clock : (days > 0 ? "+%1 %2"_s : "%1 %2"_s).arg(days).arg(clock);
 }
@@ -56,6 +53,21 @@ inline QList<API::ArchiveRecord> recordsOf(const QString &text)
     const QStringList spans = text.isEmpty() ? QStringList() : text.split(", ");
     for (const QString &span : spans)
         records.append(spanOf(span));
+    return records;
+}
+
+/// From instants to hours long, overlapping, in any order, some with the same start.
+inline QList<API::ArchiveRecord> randomRecords(QDate date, int count, quint32 seed)
+{
+    constexpr int lengths[] = {1, 10, 60, 600, 7200};
+    QRandomGenerator random(seed);
+    QList<API::ArchiveRecord> records;
+    for (int i = 0; i < count; ++i) {
+        const int second = random.bounded(23 * 3600);
+        const QDateTime start = date.startOfDay().addSecs(i % 3 == 0 ? second / 600 * 600 : second);
+        const int length = 1 + random.bounded(lengths[random.bounded(i % 20 == 0 ? 5 : 4)]);
+        records.append({start, start.addSecs(length)});
+    }
     return records;
 }
 

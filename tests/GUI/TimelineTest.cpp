@@ -14,11 +14,6 @@ namespace {
 
 const QColor background(41, 44, 49);
 
-void stopClock(const QDateTime &moment)
-{
-    Environment::setClock([moment] { return moment; });
-}
-
 /// The left button in words: "press 515 drag 505 release 505"; "move" is without it.
 void use(Timeline &timeline, const QString &mouse)
 {
@@ -35,21 +30,6 @@ void use(Timeline &timeline, const QString &mouse)
                           isHeld ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&timeline, &event);
     }
-}
-
-/// "wheel 515 120 Ctrl": where, how far and with what; "0/120" is sideways.
-void turnWheel(Timeline &timeline, const QStringList &words)
-{
-    const QPointF position(words.value(1).toInt(), 20);
-    const QStringList turn = words.value(2).split('/');
-    Qt::KeyboardModifiers keys;
-    keys.setFlag(Qt::ControlModifier, words.contains("Ctrl"));
-    keys.setFlag(Qt::ShiftModifier, words.contains("Shift"));
-    QWheelEvent event(position, timeline.mapToGlobal(position.toPoint()), {},
-                      {turn.value(1).toInt(), turn.value(0).toInt()}, Qt::NoButton, keys,
-                      words.contains("touch") ? Qt::ScrollBegin : Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(&timeline, &event);
-    QVERIFY(event.isAccepted());
 }
 
 QString windowOf(const Timeline &timeline)
@@ -123,7 +103,8 @@ private slots:
     {
         useZone("Europe/Berlin");
         world.reset();
-        stopClock(at("12:00"));
+        now = at("12:00");
+        Environment::setClock([this] { return now; });
         timeline.reset(new Timeline(stripDay));
         timeline->resize(stripWidth, timeline->height());
         timeline->show();
@@ -145,19 +126,17 @@ private slots:
         const QString noon = "12:00 to 14:00";
         const QString tenHours = "2:00 to 12:00";
         const QString tenMinutes = "10:00 to 10:10";
+        const QString last = "23:49:59 to 23:59:59";
         // Level -1: none is told.
         rows<QString, QString, QString, int>(
             {"window", "action", "expected", "level"},
             {{"a notch in", all, "wheel 515 120", "0:35:44 to 23:24:14", 5},
-             {"two at once", all, "wheel 515 240", "0:35:44 to 23:24:14", 5},
-             {"a notch out", hour, "wheel 515 -120", wider, 92},
              {"small in", hour, "wheel 515 119", wider, 92},
              {"small out", hour, "wheel 515 -1", wider, 92},
              {"no turn, but no swipe", hour, "wheel 515 0", wider, 92},
              {"sideways", hour, "wheel 515 0/120", hour, -1},
              {"fingers put on", hour, "wheel 515 0 touch", hour, -1},
              {"out of the whole day", all, "wheel 515 -120", all, -1},
-             {"out about a quarter", hour, "wheel 265 -120", "11:42:08 to 13:53:37", 92},
              {"out, to the day's begin", "0:10 to 1:10", "zoomOut", "0:00 to 1:45:45", 93},
              {"left margin", noon, "wheel 15 120", "4:51 to 5:39:30", 97},
              {"right of it", noon, "wheel 16 120", "12:00:04 to 12:48:35", 97},
@@ -165,7 +144,6 @@ private slots:
              {"right of the day", all, "wheel 1030 120", "1:11:30 to 23:59:59", 5},
              {"twice the margin", noon, "wheel 1000 120", "19:08:59 to 19:57:29", 97},
              {"left of that", noon, "wheel 999 120", "13:10:20 to 13:58:51", 97},
-             {"in", all, "zoomIn", "0:35:44 to 23:24:14", 5},
              {"4789 s, in", "10:00 to 11:19:49", "zoomIn", "10:00 to 11:19:49", -1},
              {"4790 s, in", "10:00 to 11:19:50", "zoomIn", "10:35:45 to 10:44:05", 100},
              {"below half a level", "10:00 to 11:28:38", "zoomIn", "10:35:45 to 10:52:53", 100},
@@ -173,7 +151,6 @@ private slots:
 
              {"Ctrl, 120", hour, "wheel 515 120 Ctrl", "12:02:30 to 13:02:30", -1},
              {"Ctrl, 119", hour, "wheel 515 119 Ctrl", "11:57:30 to 12:57:30", -1},
-             {"Ctrl, back", tenHours, "wheel 515 -120 Ctrl", "1:35 to 11:35", -1},
              {"Ctrl and Shift", hour, "wheel 515 -120 Ctrl Shift", wider, 92},
              {"a tenth", "2:00 to 4:24", "wheel 515 120 Ctrl", "2:06 to 4:30", -1},
              {"little room before", "0:10 to 10:10", "wheel 515 -120 Ctrl", "0:00 to 10:00", -1},
@@ -190,13 +167,11 @@ private slots:
              {"at the day's begin", "0:00 to 0:10", "press 515 drag 900", "0:00 to 0:10", -1},
              {"near it", "0:00:30 to 0:10:30", "press 515 drag 900", "0:00 to 0:10", -1},
              // What was pulled too far isn't made up for on the way back.
-             {"and back", "0:00:02 to 0:10:02", "press 515 drag 900 drag 890", "0:00:06 to 0:10:06",
+             {"and back", "0:00:02 to 0:10:02", "press 9 drag 900 drag 890", "0:00:06 to 0:10:06",
               -1},
-             {"at the day's end", "23:49:59 to 23:59:59", "press 515 drag 100",
-              "23:49:59 to 23:59:59", -1},
-             {"near that", "23:49:30 to 23:59:30", "press 515 drag 100", "23:49:59 to 23:59:59",
-              -1},
-             {"half a pixel", "12:00 to 12:16:40", "press 515 drag -49.6", "12:09:25 to 12:26:05",
+             {"at the day's end", last, "press 515 drag 100", last, -1},
+             {"near that", "23:49:30 to 23:59:30", "press 515 drag 100", last, -1},
+             {"half a pixel", "12:00 to 12:16:40", "press 15 drag -9.6", "12:00:25 to 12:17:05",
               -1}});
     }
 
@@ -212,12 +187,23 @@ private slots:
 
         QSignalSpy zoomed(timeline.data(), &Timeline::zoomed);
         const QStringList words = action.split(' ');
-        if (words.first() == "wheel")
-            turnWheel(*timeline, words);
-        else if (words.first() == "press")
+        if (words.first() == "wheel") {
+            // "wheel 515 120 Ctrl": where, how far and with what; "0/120" is sideways.
+            const QPointF position(words.at(1).toInt(), 20);
+            const QStringList turn = words.at(2).split('/');
+            Qt::KeyboardModifiers keys;
+            keys.setFlag(Qt::ControlModifier, words.contains("Ctrl"));
+            keys.setFlag(Qt::ShiftModifier, words.contains("Shift"));
+            QWheelEvent event(position, timeline->mapToGlobal(position.toPoint()), {},
+                              {turn.value(1).toInt(), turn.first().toInt()}, Qt::NoButton, keys,
+                              words.contains("touch") ? Qt::ScrollBegin : Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(timeline.data(), &event);
+            QVERIFY(event.isAccepted());
+        } else if (words.first() == "press") {
             use(*timeline, action);
-        else
+        } else {
             QVERIFY(QMetaObject::invokeMethod(timeline.data(), action.toLatin1().constData()));
+        }
         QCOMPARE(windowOf(*timeline), expected);
         QCOMPARE(zoomed.isEmpty() ? -1 : zoomed.first().first().toInt(), level);
         // The records went along.
@@ -251,11 +237,6 @@ private slots:
         setWindow(*timeline, "12:00 to 12:10");
         timeline->zoomIn();
         QCOMPARE(levelsTo(99).count(' '), 1);
-        // On one pixel all room is taken from one side, where there can be none.
-        timeline->resize(31, timeline->height());
-        setWindow(*timeline, "12:00 to 23:59:59");
-        timeline->zoom(0);
-        QCOMPARE(windowOf(*timeline), "12:00 to 23:59:59"_s);
     }
 
     void clicks_data()
@@ -287,7 +268,7 @@ private slots:
         if (plays > 0)
             QTest::ignoreMessage(QtDebugMsg, QRegularExpression("^current time: "));
         use(*timeline, mouse.left(lastWord));
-        stopClock(at("12:00").addMSecs(heldMs));
+        now = now.addMSecs(heldMs);
         use(*timeline, mouse.mid(lastWord));
         QCOMPARE(played.size(), plays);
         QCOMPARE(textOf(timeline->currentValue()), expected);
@@ -310,12 +291,11 @@ private slots:
                    picture(*tip) == picture(label) &&
                    tip->pos() == timeline->mapToGlobal(QPoint(x - label.width() / 2 - 1, -8));
         };
-        use(*timeline, "move 515");
-        QVERIFY(shows(515, QTime(11, 59, 59)));
-        use(*timeline, "move 1015");
-        QVERIFY(shows(1015, QTime(23, 59, 59)));
-        use(*timeline, "move 15");
-        QVERIFY(shows(15, QTime(0, 0)));
+        for (const auto &[x, time] :
+             {qMakePair(515, "11:59:59"_s), {1015, "23:59:59"_s}, {15, "0:00"_s}}) {
+            use(*timeline, "move %1"_s.arg(x));
+            QVERIFY2(shows(x, at(time).time()), qPrintable(time));
+        }
         // Over the margins the line goes, and the label stays where it was.
         const QPoint place = tip->pos();
         for (const QString &move : {"move 14"_s, "move 1016"_s}) {
@@ -430,13 +410,11 @@ private slots:
         timeline->addCamera(first);
         QCOMPARE(timeline->cameraCount(), 1);
         QVERIFY(showsMessage(*timeline, "Loading records..."_s));
-        // The bar spans from 10 to 14 o'clock, on x 431 to 598.
+        // The bar begins at x 431.
         QTRY_VERIFY(onScreen(*timeline).pixelColor(433, 30) != background);
         QCOMPARE(updated.size(), 1);
         const QImage after = onScreen(*timeline);
         QCOMPARE(after.pixelColor(429, 30), background);
-        QVERIFY(after.pixelColor(596, 40) != background);
-        QCOMPARE(after.pixelColor(600, 40), background);
         QCOMPARE(world.requestedDays(1), QList<QDate>{stripDay});
         timeline->showText("Hidden by records"_s);
         QCOMPARE(picture(*timeline), after);
@@ -504,50 +482,14 @@ private slots:
         QVERIFY(addCamera(1, {record(next, QTime(10, 0), QTime(14, 0))}));
         setWindow(*timeline, "9:00 to 15:00");
         QVERIFY(showsMessage(*timeline, "No records"_s));
-        QSignalSpy updated(timeline.data(), &Timeline::recordsUpdated);
         timeline->changeDate(stripDay);
-        QCOMPARE(world.requestedDays(1).size(), 1);
+        QCOMPARE(world.requestedDays(1), QList<QDate>{stripDay});
         timeline->changeDate(next);
         QCOMPARE(windowOf(*timeline), "+1 9:00 to +1 15:00"_s);
-        QTRY_COMPARE(updated.size(), 1);
-        QCOMPARE(world.requestedDays(1).last(), next);
-        QTRY_VERIFY(onScreen(*timeline).pixelColor(515, 30) != background);
+        QTRY_VERIFY(onScreen(*timeline).pixelColor(300, 30) != background);
+        QCOMPARE(world.requestedDays(1), (QList<QDate>{stripDay, next}));
         timeline->changeDate(stripDay);
-        QTRY_COMPARE(onScreen(*timeline).pixelColor(515, 30), background);
-    }
-
-    void activeCameraAndExport()
-    {
-        const auto records = recordsOf("10:00 to 14:00");
-        const API::CameraPtr local = addCamera(1, records);
-        world.setRecords(2, records);
-        const API::CameraPtr cloud = addCamera(world.cloudCamera(2));
-        QVERIFY(local && cloud);
-        QSignalSpy enabled(timeline.data(), &Timeline::exportEnabled);
-        const auto repainted = [this, &enabled] {
-            enabled.clear();
-            timeline->repaint();
-            return enabled.isEmpty() ? QVariant() : enabled.last().first();
-        };
-        timeline->setActiveCameraId(cloud->globalId());
-        QCOMPARE(timeline->activeCamera(), cloud);
-        QCOMPARE(repainted(), QVariant(false));
-        QVERIFY(!timeline->enterSelectionMode(true, false));
-        timeline->setActiveCameraId(local->globalId());
-        QVERIFY(timeline->canExport());
-        QCOMPARE(repainted(), QVariant(true));
-        QCOMPARE(repainted(), QVariant());
-        // The day is that of the play cursor.
-        timeline->setCurrentValue(at("+1 12:00"));
-        QVERIFY(!timeline->canExport());
-        timeline->setCurrentValue(at("12:00"));
-        // One that isn't there yet doesn't become the active one when it comes.
-        const API::CameraPtr later = world.localCamera(3);
-        timeline->setActiveCameraId(later->globalId());
-        QVERIFY(!timeline->activeCamera());
-        QVERIFY(!timeline->canExport());
-        timeline->addCamera(later);
-        QVERIFY(!timeline->activeCamera());
+        QTRY_COMPARE(onScreen(*timeline).pixelColor(300, 30), background);
     }
 
     void aCameraThatForbidsExport()
@@ -560,29 +502,30 @@ private slots:
         strip->setActiveCameraId(camera->globalId());
         QVERIFY(strip->enterSelectionMode(true, false));
         QTRY_COMPARE(windowOf(*strip), "11:44:30 to 12:14:30"_s);
-        const auto isMoved = [strip](int by) {
-            const QString before = selectionOf(*strip);
-            const int x = strip->width() / 2;
-            use(*strip, "move %1 press %1 drag %2 release %2"_s.arg(x).arg(x + by));
-            return selectionOf(*strip) != before;
-        };
         window.exportArchive();
-        QVERIFY(isMoved(20));
-        camera->setExportEnabled(true);
-        window.exportArchive();
-        QVERIFY(!isMoved(-20));
+        // It isn't held while something is exported.
+        const int x = strip->width() / 2;
+        use(*strip, "move %1 press %1 drag %2 release %2"_s.arg(x).arg(x + 20));
+        QVERIFY(selectionOf(*strip) != "11:57 to 12:02");
     }
 
-    void selectionMode()
+    void activeCameraAndExport()
     {
         const API::CameraPtr empty = addCamera(1, {});
-        const API::CameraPtr camera = addCamera(2, recordsOf("10:00 to 11:00, 14:00 to 15:00"));
-        QVERIFY(empty && camera);
+        world.setRecords(2, recordsOf("14:00 to 15:00"));
+        const API::CameraPtr cloud = addCamera(world.cloudCamera(2));
+        const API::CameraPtr camera = addCamera(3, recordsOf("10:00 to 11:00, 14:00 to 15:00"));
+        QVERIFY(empty && cloud && camera);
         timeline->setCurrentValue(at("14:02:30"));
-        timeline->setActiveCameraId(empty->globalId());
-        QVERIFY(!timeline->enterSelectionMode(true, false));
-        timeline->setActiveCameraId(camera->globalId());
-        QVERIFY(timeline->enterSelectionMode(true, false));
+        QSignalSpy enabled(timeline.data(), &Timeline::exportEnabled);
+        for (const API::CameraPtr &each : {empty, cloud, camera}) {
+            const int before = enabled.size();
+            timeline->setActiveCameraId(each->globalId());
+            QCOMPARE(timeline->activeCamera(), each);
+            QCOMPARE(timeline->enterSelectionMode(true, false), each == camera);
+            QTRY_VERIFY(enabled.size() > before);
+            QCOMPARE(enabled.last(), QVariantList{each == camera});
+        }
         QCOMPARE(selectionOf(*timeline), "14:00 to 14:05"_s);
         QTRY_COMPARE(windowOf(*timeline), "13:47:30 to 14:17:30"_s);
         timeline->setCurrentValue(at("10:30"));
@@ -594,9 +537,17 @@ private slots:
         timeline->changeDate(stripDay.addDays(1));
         QVERIFY(timeline->enterSelectionMode(true, true));
         QCOMPARE(timeline->selectionStart(), at("+1 0:00"));
-        // That day has nothing to choose from.
+        // That day has nothing to choose from. The day of records is that of the cursor.
         QVERIFY(!timeline->enterSelectionMode(false, false));
         QTRY_COMPARE(timeline->endValue(), at("+1 0:17:30"));
+        timeline->setCurrentValue(at("+1 12:00"));
+        QVERIFY(!timeline->canExport());
+        // One that isn't there yet doesn't become the active one when it comes.
+        const API::CameraPtr later = world.localCamera(4);
+        timeline->setActiveCameraId(later->globalId());
+        QVERIFY(!timeline->activeCamera());
+        timeline->addCamera(later);
+        QVERIFY(!timeline->activeCamera());
     }
 
 private:
@@ -650,6 +601,7 @@ private:
     }
 
     ArchiveWorld world;
+    QDateTime now;
     QScopedPointer<Timeline> timeline;
 };
 
