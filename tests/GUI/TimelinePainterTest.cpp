@@ -195,8 +195,6 @@ private slots:
              {"as the view", "fragment", "6:00 to 12:00", {4, 0, 1022, 56}, {12, 50}, accent},
              // What runs on past the view has neither handle nor edge there.
              {"past it", "fragment", "5:59 to 12:01", {15, 0, 1000, 38}, {15, 30}, band},
-             {"from before", "fragment", "5:00 to 9:00", {15, 0, 511, 56}, {15, 30}, band},
-             {"to behind", "fragment", "9:00 to 13:00", {504, 0, 511, 56}, {1014, 30}, band},
              {"before it", "fragment", "4:00 to 5:00", {}, {15, 30}, ground},
              {"behind it", "fragment", "13:00 to 14:00", {}, {1014, 30}, ground},
              {"short", "fragment", "9:00 to 9:00:01", {504, 0, 23, 56}, {512, 50}, accent}});

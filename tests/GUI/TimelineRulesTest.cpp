@@ -30,18 +30,16 @@ using Moments = QList<std::tuple<QDateTime, int, QDateTime>>;
 Moments momentsByTheRule(const QList<API::CameraPtr> &cameras, const QDateTime &position)
 {
     QDateTime next = position.addDays(1);
-    for (const API::CameraPtr &camera : cameras) {
-        for (const API::ArchiveRecord &record : camera->records(position.date())) {
-            if (record.start < position && record.end > position)
-                next = position;
-            else if (record.start >= position && record.start < next)
-                next = record.start;
-        }
-    }
     Moments moments;
     for (const API::CameraPtr &camera : cameras) {
         for (const API::ArchiveRecord &record : camera->records(position.date())) {
-            if (record.start >= next || record.end > next)
+            if (position < record.end)
+                next = qMin(next, qMax(position, record.start));
+        }
+    }
+    for (const API::CameraPtr &camera : cameras) {
+        for (const API::ArchiveRecord &record : camera->records(position.date())) {
+            if (next < record.end)
                 moments.append({qMax(record.start, next), camera->id(), record.end});
         }
     }
@@ -67,39 +65,33 @@ private slots:
     void pixelsAndTimes_data()
     {
         const QString tenMinutes = "10:00 to 10:10";
-        rows<int, QString, QStringList>(
+        rows<int, QString, QString>(
             {"width", "window", "cases"},
-            {{"a day",
-              stripWidth,
-              wholeDay,
-              {"x 14 -> -1 23:58:34", "x 15 -> 0:00", "x 16 -> 0:01:26", "x 515 -> 11:59:59",
-               "x 1015 -> 23:59:59", "x 1016 -> +1 0:01:25", "-1 23:58:33 -> x 14",
-               "-1 23:58:34 -> x 15", "0:01:26 -> x 15", "0:01:27 -> x 16", "12:00 -> x 515",
-               "23:59:59 -> x 1015"}},
+            {{"day", stripWidth, wholeDay,
+              "x 14 -> -1 23:58:34; x 15 -> 0:00; x 16 -> 0:01:26; x 515 -> 11:59:59; "
+              "x 1015 -> 23:59:59; x 1016 -> +1 0:01:25; -1 23:58:33 -> x 14; -1 23:58:34 -> x 15; "
+              "0:01:26 -> x 15; 0:01:27 -> x 16; 12:00 -> x 515; 23:59:59 -> x 1015"},
              // Truncated toward zero, and years off within what a number of pixels can say.
-             {"ten minutes",
-              stripWidth,
-              tenMinutes,
-              {"x 13 -> 9:59:59", "x 14 -> 10:00", "x 16 -> 10:00", "x 17 -> 10:00:01",
-               "x 515 -> 10:05", "9:59:59 -> x 14", "10:00:01 -> x 16", "10:05 -> x 515",
-               "-20000 10:00 -> x -999999985", "+20000 10:00 -> x 1000000015"}},
-             {"one pixel", 31, wholeDay, {"x 15 -> 0:00", "x 16 -> 23:59:59", "23:59:59 -> x 16"}},
-             {"margins", 30, tenMinutes, {"x 15 -> 10:00", "x 16 -> 10:00", "10:10 -> x 15"}},
-             {"less than them", 29, wholeDay, {"x 16 -> -1 0:00:01", "23:59:59 -> x 14"}},
-             {"nothing", 0, wholeDay, {"x 0 -> 11:59:59", "x -15 -> 23:59:59", "12:00 -> x 0"}},
-             {"no time", stripWidth, "10:00 to 10:00", {"x 515 -> 10:00", "10:00 -> x 15"}}});
+             {"ten minutes", stripWidth, tenMinutes,
+              "x 13 -> 9:59:59; x 14 -> 10:00; x 16 -> 10:00; x 17 -> 10:00:01; 9:59:59 -> x 14; "
+              "10:00:01 -> x 16; -20000 10:00 -> x -999999985; +20000 10:00 -> x 1000000015"},
+             {"one pixel", 31, wholeDay, "x 15 -> 0:00; x 16 -> 23:59:59; 23:59:59 -> x 16"},
+             {"margins", 30, tenMinutes, "x 15 -> 10:00; x 16 -> 10:00; 10:10 -> x 15"},
+             {"less than them", 29, wholeDay, "x 16 -> -1 0:00:01; 23:59:59 -> x 14"},
+             {"nothing", 0, wholeDay, "x 0 -> 11:59:59; x -15 -> 23:59:59; 12:00 -> x 0"},
+             {"no time", stripWidth, "10:00 to 10:00", "x 515 -> 10:00; 10:00 -> x 15"}});
     }
 
     void pixelsAndTimes()
     {
-        const auto [width, window, cases] = row<int, QString, QStringList>();
+        const auto [width, window, cases] = row<int, QString, QString>();
         TimelineStrip strip(width);
         strip.setWindow(window);
         const auto rule = [&strip](const QString &input) {
             return input.startsWith("x ") ? Tests::textOf(strip.state.timeAt(input.mid(2).toInt()))
                                           : "x %1"_s.arg(strip.state.pixelAt(at(input)));
         };
-        QCOMPARE(resultsOf(cases, rule), cases);
+        QCOMPARE(resultsOf(cases.split("; "), rule).join("; "), cases);
     }
 
     void windowStaysInTheDay()
@@ -124,10 +116,9 @@ private slots:
                                   "2:45 to 3:15 -> +19 0:00 to +19 23:59:59"};
         const auto changed = [&spring](const QString &window) {
             GUI::Timeline timeline(stripDay);
-            timeline.setStartValue(spanOf(window).start);
-            timeline.setEndValue(spanOf(window).end);
+            setWindow(timeline, window);
             timeline.changeDate(spring);
-            return Tests::textOf(timeline.startValue(), timeline.endValue());
+            return windowOf(timeline);
         };
         QCOMPARE(resultsOf(skipped, changed), skipped);
     }
@@ -245,11 +236,9 @@ private slots:
             {"window", "selection", "xs", "expected"},
             {{"left of the start's reach", near, middle, "303 400", middle},
              {"start's reach, left", near, middle, "304 330", "10:05:15 to 10:10"},
-             {"start's reach, right", near, middle, "326 330", "10:05:15 to 10:10"},
              {"body, left", near, middle, "327 337", "10:05:10 to 10:10:10"},
              {"body, right", near, middle, "603 613", "10:05:10 to 10:10:10"},
              {"end's reach, left", near, middle, "604 630", "10:05 to 10:10:15"},
-             {"end's reach, right", near, middle, "626 630", "10:05 to 10:10:15"},
              {"right of the end's reach", near, middle, "627 700", middle},
              {"start, where both are near", wide, "8:00 to 8:01", "378 360", "7:55 to 8:01"},
              {"left edge", near, near, "9 100", near},
@@ -266,17 +255,16 @@ private slots:
              {"end to 7200 s", wide, hour, "555 735", "8:00 to 10:00"},
              {"end to 7220 s", wide, hour, "555 736", "9:00:20 to 10:00:20"},
              {"start, body, start", near, middle, "315 556 500", "10:08:05 to 10:14:01"},
-             {"and body", near, middle, "315 556 500 855", "10:14 to 10:19:56"},
+             {"and body again", near, middle, "315 556 500 855", "10:14 to 10:19:56"},
              {"end, body, end", near, middle, "615 374 700", "10:00:59 to 10:11:25"},
-             {"and body", near, middle, "615 374 700 16", "9:49:35 to 10:00:01"},
+             {"once more body", near, middle, "615 374 700 16", "9:49:35 to 10:00:01"},
 
              {"snaps over 6 pixels", near, "10:05 to 10:09:30", "585 609", middle},
              {"not over 7", near, "10:05 to 10:09:30", "585 608", "10:05 to 10:09:53"},
              {"start snaps", near, "10:05 to 10:09:30", "315 309", "10:05 to 10:09:30"},
              {"start, not over 7", near, "10:05 to 10:09:30", "315 308", "10:04:53 to 10:09:30"},
              {"not to below 60 s", near, "10:04:04 to 10:10", "615 320", "10:04:04 to 10:05:05"},
-             {"start, not to below 60 s", near, "10:02 to 10:05:57", "135 312",
-              "10:04:57 to 10:05:57"},
+             {"nor the start", near, "10:02 to 10:05:57", "135 312", "10:04:57 to 10:05:57"},
              {"not to a time 24:00", late, lateOne, "716 1012", "23:50 to 23:59:56"},
 
              {"body past the day's end", late, lateOne, "500 2000", "23:58:35 to 23:59:59"},
@@ -340,12 +328,10 @@ private slots:
              {"later", "15:30:40 to 16:00, 17:00 to 18:00", "15:30 to 15:35"},
              {"later, second camera", "20:00 to 21:00|18:00 to 18:10", "18:00 to 18:05"},
              {"late", "23:58:10 to 23:59", "23:54:59 to 23:59:59"},
-             {"later, rather than just before", "11:56 to 11:56:30, 23:00 to 23:10",
-              "23:00 to 23:05"},
+             {"not just before", "11:56 to 11:56:30, 23:00 to 23:10", "23:00 to 23:05"},
              {"earlier", "8:00 to 8:10, 9:15:30 to 9:20", "9:15 to 9:20"},
-             {"ends where the fragment begins", "10:00:10 to 11:57", "10:00 to 10:05"},
-             {"not past a record that ends there", "10:00:10 to 11:57, 11:00 to 11:30",
-              "10:00 to 10:05"},
+             {"ends at its begin", "10:00:10 to 11:57", "10:00 to 10:05"},
+             {"not past one", "10:00:10 to 11:57, 11:00 to 11:30", "10:00 to 10:05"},
              {"earlier, second camera", "8:00 to 8:10|9:00 to 9:10", "9:00 to 9:05"},
              {"near enough", "11:52 to 11:53|11:56 to 11:56:30", "11:52 to 11:57"},
              {"not near enough", "11:51:59 to 11:53|11:56 to 11:56:30", "11:56 to 12:01"},
@@ -357,8 +343,8 @@ private slots:
         const auto [cameras] = row<QString>();
         TimelineStrip strip;
         for (const QString &records : cameras.split('|')) {
-            const int id = strip.state.cameras.size() + 1;
-            strip.addCamera(world.loadedCamera(id, stripDay, recordsOf(records)));
+            strip.addCamera(
+                world.loadedCamera(strip.state.cameras.size() + 1, stripDay, recordsOf(records)));
         }
         QTEST(strip.state.defaultSelection() ? strip.selection() : QString(), "expected");
     }
@@ -383,11 +369,7 @@ private slots:
         const auto [window, fragment, expected] = row<QString, QString, QString>();
         TimelineStrip strip;
         strip.setWindow(window);
-        strip.owner.setStartValue(strip.state.startValue);
-        strip.owner.setEndValue(strip.state.endValue);
-        const auto shown = [&strip] {
-            return Tests::textOf(strip.owner.startValue(), strip.owner.endValue());
-        };
+        setWindow(strip.owner, window);
         // On the way no end leaves what lies between the two windows.
         const QDateTime earliest = qMin(strip.state.startValue, spanOf(expected).start);
         const QDateTime latest = qMax(strip.state.endValue, spanOf(expected).end);
@@ -398,9 +380,9 @@ private slots:
         });
         sampling.start(0);
         strip.state.reveal(spanOf(fragment).start, spanOf(fragment).end);
-        QCOMPARE(shown(), window);
+        QCOMPARE(windowOf(strip.owner), window);
         QCOMPARE(strip.state.dirty, window != expected);
-        QTRY_COMPARE(shown(), expected);
+        QTRY_COMPARE(windowOf(strip.owner), expected);
         QVERIFY(!strays);
     }
 

@@ -46,6 +46,17 @@ inline QString textOf(const QDateTime &start, const QDateTime &end)
     return textOf(start) + " to " + textOf(end);
 }
 
+inline QString windowOf(const GUI::Timeline &timeline)
+{
+    return textOf(timeline.startValue(), timeline.endValue());
+}
+
+inline void setWindow(GUI::Timeline &timeline, const QString &span)
+{
+    timeline.setStartValue(spanOf(span).start);
+    timeline.setEndValue(spanOf(span).end);
+}
+
 /// "10:00 to 11:00, 12:00 to 12:30".
 inline QList<API::ArchiveRecord> recordsOf(const QString &text)
 {

