@@ -228,7 +228,6 @@ private slots:
         const QString near = "10:00 to 10:16:40";
         const QString wide = "6:00 to 11:33:20";
         const QString late = "23:43:19 to 23:59:59";
-        const QString early = "0:00 to 0:16:40";
         const QString middle = "10:05 to 10:10"; // x 315 to 615 of the near view
         const QString hour = "8:00 to 9:00";
         const QString lateOne = "23:50 to 23:55";
@@ -270,7 +269,8 @@ private slots:
              {"body past the day's end", late, lateOne, "500 2000", "23:58:35 to 23:59:59"},
              {"start past the day's end", late, lateOne, "416 2000", "23:58:59 to 23:59:59"},
              {"and back a little", late, lateOne, "416 2000 1014", "23:58:58 to 23:59:58"},
-             {"body past the day's begin", early, "0:05 to 0:06", "345 -100", "0:00 to 0:01"}});
+             {"body past the begin", "0:00 to 0:16:40", "0:05 to 0:06", "345 -100",
+              "0:00 to 0:01"}});
     }
 
     void drags()

@@ -169,10 +169,11 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(updated.size(), 2, 30000);
         setWindow(*timeline, window);
         timeline->setActiveCameraId(timeline->activeCamera()->globalId());
-        QTRY_COMPARE(onScreen(*timeline), drawnAnew(window, ""));
+        QTRY_COMPARE(onScreen(*timeline), picture(*timeline));
 
         QSignalSpy zoomed(timeline.data(), &Timeline::zoomed);
         const QStringList words = action.split(' ');
+        const bool isPan = words.first() == "press";
         if (words.first() == "wheel") {
             // "wheel 515 120 Ctrl": where, how far and with what; "0/120" is sideways.
             const QPointF position(words.at(1).toInt(), 20);
@@ -185,7 +186,7 @@ private slots:
                               words.contains("touch") ? Qt::ScrollBegin : Qt::NoScrollPhase, false);
             QCoreApplication::sendEvent(timeline.data(), &event);
             QVERIFY(event.isAccepted());
-        } else if (words.first() == "press") {
+        } else if (isPan) {
             use(*timeline, action);
         } else {
             QVERIFY(QMetaObject::invokeMethod(timeline.data(), action.toLatin1().constData()));
@@ -193,8 +194,8 @@ private slots:
         QCOMPARE(windowOf(*timeline), expected);
         QCOMPARE(zoomed.isEmpty() ? -1 : zoomed.first().first().toInt(), level);
         // The records went along.
-        const QString hover = words.first() == "press" ? "move " + words.last() : QString();
-        QTRY_COMPARE(onScreen(*timeline), drawnAnew(expected, hover));
+        const QImage goal = drawnAnew(expected, isPan ? "move " + words.last() : QString());
+        QTRY_COMPARE(onScreen(*timeline), goal);
     }
 
     void zoomsToALevel()
