@@ -561,7 +561,7 @@ private:
                selectionOf(*timeline) == "12:00 to 12:05";
     }
 
-    /// Two cameras, so that in any window some record begins or ends in the window.
+    /// Two cameras, so that in any window some record begins or ends.
     void putCamerasOn(Timeline &strip)
     {
         const auto far = world.loadedCamera(1, stripDay, evenRecords(stripDay, 17, 5000, 2500));
