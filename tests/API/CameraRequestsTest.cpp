@@ -24,17 +24,13 @@ QByteArray picture()
     return buffer.data();
 }
 
-QByteArray seconds(const QDate &date, const QTime &time = QTime(12, 0))
+QByteArray seconds(const QDate &date, const QTime &time)
 {
     return QByteArray::number(QDateTime(date, time).toSecsSinceEpoch());
 }
 
-const QByteArray recordAtNoon = "[{\"startTime\":" + seconds(day) + "000,\"duration\":60000}]";
-
-QByteArray countOf(const QDate &date, const QByteArray &count)
-{
-    return "[{\"date\":" + seconds(date) + ",\"recordsCount\":" + count + "}]";
-}
+const QByteArray recordAtNoon =
+    "[{\"startTime\":" + seconds(day, QTime(12, 0)) + "000,\"duration\":60000}]";
 
 /// How many clients go when the camera goes.
 int clientCount(const CameraPtr &camera)
@@ -116,6 +112,7 @@ private slots:
 
     void timeline()
     {
+        QFETCH_GLOBAL(bool, local);
         QSignalSpy changed(camera.data(), &Camera::recordsChanged);
         QSignalSpy failed(camera.data(), &Camera::recordsError);
         asked->setReply(WireReply::json(recordAtNoon));
@@ -127,59 +124,48 @@ private slots:
         QVERIFY(camera->hasRecords(day) && !camera->hasRecords(next));
         QCOMPARE(target(), archiveTarget("list", day, day));
 
-        // A failure keeps the day; a reply without records empties it.
+        // A failure keeps the day; the loss of the right empties it, but a LAN camera needs none.
         asked->setReply(WireReply::json("no JSON"));
         camera->updateTimeline(day);
         QTRY_COMPARE(failed.size(), 1);
-        QCOMPARE(changed.size(), 1);
-        QVERIFY(camera->hasRecords(day));
+        QVERIFY(changed.size() == 1 && camera->hasRecords(day));
+        loseRights();
         asked->setReply(WireReply::json("{}"));
-        camera->updateTimeline(day);
+        camera->updateTimeline(next);
         QTRY_COMPARE(changed.size(), 2);
+        QCOMPARE(changed.last(), QVariantList{next});
+        QCOMPARE(camera->hasRecords(day), local);
+        QCOMPARE(asked->requests().size(), local ? 1 : 0);
+        // A reply without records empties it as well.
+        camera->updateTimeline(day);
+        QTRY_COMPARE(changed.size(), 3);
         QVERIFY(!camera->hasRecords(day));
     }
 
     void calendar()
     {
+        QFETCH_GLOBAL(bool, local);
         QSignalSpy changed(camera.data(), &Camera::calendarChanged);
-        asked->setReply(WireReply::json(countOf(day, "3")));
-        camera->updateCalendar(day, next);
-        QTRY_COMPARE(changed.size(), 1);
-        QCOMPARE(changed.last(), (QVariantList{day, next}));
-        QCOMPARE(target(), archiveTarget("days", day, next));
+        for (const QDate &date : {day, next}) {
+            asked->setReply(WireReply::json("[{\"date\":" + seconds(date, QTime(12, 0)) +
+                                            ",\"recordsCount\":3}]"));
+            changed.clear();
+            camera->updateCalendar(day, next);
+            QTRY_COMPARE(changed.size(), 1);
+            QCOMPARE(changed.last(), (QVariantList{day, next}));
+            QCOMPARE(target(), archiveTarget("days", day, next));
+        }
         // Days that a reply doesn't mention stay as they were, and so do all after a failure.
-        asked->setReply(WireReply::json(countOf(next, "5")));
-        camera->updateCalendar(day, next);
-        QTRY_COMPARE(changed.size(), 2);
+        const QMap<QDate, int> both{{day, 3}, {next, 3}};
         asked->setReply(WireReply::json("no JSON"));
         camera->updateCalendar(day, next);
         QTRY_COMPARE(clientCount(camera), 0);
-        QCOMPARE(changed.size(), 2);
-        QCOMPARE(camera->calendar(), (QMap<QDate, int>{{day, 3}, {next, 5}}));
-    }
-
-    void lostArchiveRight()
-    {
-        QFETCH_GLOBAL(bool, local);
-        asked->setReply(WireReply::json(recordAtNoon));
-        camera->updateTimeline(day);
-        QTRY_VERIFY(camera->hasRecords(day));
-        asked->setReply(WireReply::json(countOf(day, "1")));
-        camera->updateCalendar(day, day);
-        QTRY_VERIFY(!camera->calendar().isEmpty());
-
-        Server server;
-        camera->update(&server, QVariantMap());
-        asked->clearRequests();
-        QSignalSpy changed(camera.data(), &Camera::recordsChanged);
-        camera->updateCalendar(next, next);
-        camera->updateTimeline(next);
-        QTRY_COMPARE(changed.size(), 1);
-        QCOMPARE(changed.last(), QVariantList{next});
-        // The owner of a LAN server needs no right.
-        QCOMPARE(camera->hasRecords(day), local);
-        QCOMPARE(camera->calendar().size(), local ? 1 : 0);
-        QTRY_COMPARE(asked->requests().size(), local ? 2 : 0);
+        QCOMPARE(camera->calendar(), both);
+        loseRights();
+        camera->updateCalendar(day, next);
+        QTRY_COMPARE(asked->requests().size(), local ? 1 : 0);
+        QCOMPARE(camera->calendar(), local ? both : (QMap<QDate, int>()));
+        QCOMPARE(changed.size(), 1);
     }
 
     void rotation()
@@ -223,6 +209,13 @@ private slots:
     }
 
 private:
+    void loseRights()
+    {
+        Server server;
+        camera->update(&server, QVariantMap());
+        asked->clearRequests();
+    }
+
     QByteArray target() const { return asked->requests().last().target(); }
 
     QByteArray archiveTarget(const QByteArray &what, const QDate &first, const QDate &last) const

@@ -98,54 +98,28 @@ private slots:
     {
         service.succeed("POST", "/public/sessions", R"({"session_id":"abc"})");
         CloudAPIClient client;
-        QSignalSpy signedIn(&client, &CloudAPIClient::loginSuccess);
         client.tryLogin("a@b"_s, "p"_s);
-        QTRY_COMPARE(signedIn.count(), 1);
+        QTRY_COMPARE(client.sessionId(), "abc"_s);
         updateRoster(&client);
         client.addLocalServer(lanServer(1));
         client.addLayout(LayoutPtr::create());
-        QCOMPARE(ids(), (QStringList{"127.0.0.1:1", "s1"}));
-
         // What a list in an open window does: it reads while it is told.
         QStringList seen;
-        connect(&client, &CloudAPIClient::rosterUpdated, this, [&] {
-            client.clearRoster();
-            seen << "roster %1"_s.arg(client.serverList().size());
-        });
-        connect(&client, &CloudAPIClient::layoutsUpdated, this,
-                [&] { seen << "layouts %1"_s.arg(client.layoutList().size()); });
+        const auto look = [&] {
+            client.clearRoster(); // blocks where the lock is held
+            seen << "%1 %2"_s.arg(client.serverList().size()).arg(client.layoutList().size());
+        };
+        connect(&client, &CloudAPIClient::rosterUpdated, this, look);
+        connect(&client, &CloudAPIClient::layoutsUpdated, this, look);
         client.logout();
-        QCOMPARE(seen, (QStringList{"roster 0", "layouts 0"}));
+        QCOMPARE(seen, (QStringList{"0 0", "0 0"}));
         QCOMPARE(client.sessionId(), QString());
         QTRY_COMPARE(service.requestsTo("/public/sessions/abc").size(), 1);
-        QCOMPARE(service.requestsTo("/public/sessions/abc").constFirst().method(),
-                 QByteArray("DELETE"));
+        QVERIFY(service.requests().last().head.startsWith("DELETE "));
         // The file of LAN servers belongs to no account.
         client.disconnect(this);
         updateRoster(&client);
         QCOMPARE(ids(), (QStringList{"127.0.0.1:1", "s1"}));
-    }
-
-    void rosterContents_data()
-    {
-        rows<QByteArray, QStringList>(
-            {"response", "ids"},
-            {{"by id, not by key", R"({"9":{"id":"b"},"1":{"id":"c"},"5":{"id":"a"}})",
-              QStringList{"a", "b", "c"}},
-             {"empty entries are skipped", R"({"1":{},"2":[],"3":null,"4":"text","5":{"id":"a"}})",
-              QStringList{"a"}},
-             {"same id twice", R"({"1":{"id":"a"},"2":{"id":"a"}})", QStringList{"a"}},
-             {"no servers", "{}", QStringList()}});
-    }
-
-    void rosterContents()
-    {
-        const auto [response, expected] = row<QByteArray, QStringList>();
-        CloudAPIClient client;
-        updateRoster(&client); // something to be removed
-        service.succeed("GET", "/public/roster", response);
-        updateRoster(&client);
-        QCOMPARE(ids(), expected);
     }
 
     void knownServerKeepsItsObject()
@@ -166,39 +140,41 @@ private slots:
             seen << alias << ids() << CloudAPIClient::sessionId()
                  << QString::number(CloudAPIClient::layoutList().size());
         });
+        // Empty entries are skipped, and the keys say nothing.
         service.succeed("GET", "/public/roster",
-                        R"({"1":{"id":"s1","name":"Yard","cameras":{"7":{"id":7,"name":"new"}}},
-                            "3":{"id":"s3","name":"Three"}})");
+                        R"({"1":{},"2":[],"3":null,"4":"text","5":{"id":"s3"},"6":{"id":"s3"},
+                            "7":{"id":"s1","name":"Yard","cameras":{"7":{"id":7,"name":"new"}}}})");
         updateRoster(&client);
-        QCOMPARE(seen, (QStringList{"Yard", "s1", "s2", "", "0"}));
+        QCOMPARE(seen, (QStringList{"Yard", "s1", "s2", "s3", "", "0"}));
         QCOMPARE(ids(), (QStringList{"s1", "s3"}));
         QCOMPARE(client.serverList().value("s1"_s), kept);
         QCOMPARE(kept->cameras().value(7), camera);
         QCOMPARE(camera->name(), "new"_s);
         QCOMPARE(removed->alias(), "Two"_s);
+        service.succeed("GET", "/public/roster", "{}");
+        updateRoster(&client);
+        QCOMPARE(ids(), QStringList());
     }
 
     void throttle()
     {
-        const struct {
+        struct Step {
             int seconds;
             WireReply reply;
             int requests; // so far
             int failures;
-        } steps[] = {{0, success("{}"), 1, 0},
-                     {0, success("{}"), 2, 0}, // an empty roster is never fresh
-                     {0, success(oneServer), 3, 0},
-                     {29, success("{}"), 3, 0},
-                     {30, success(oneServer), 4, 0},
-                     {60, refusal(), 5, 1},
-                     {89, success("{}"), 5, 1}, // a failed request counts, too
-                     {90, success(oneServer), 6, 1}};
+        };
+        // An empty roster is never fresh, and a failed request counts, too.
+        const Step steps[] = {{0, success("{}"), 1, 0},       {0, success("{}"), 2, 0},
+                              {0, success(oneServer), 3, 0},  {29, success("{}"), 3, 0},
+                              {30, success(oneServer), 4, 0}, {60, refusal(), 5, 1},
+                              {89, success("{}"), 5, 1},      {90, success(oneServer), 6, 1}};
         CloudAPIClient client;
         client.addLocalServer(lanServer(1));
         QSignalSpy updated(&client, &CloudAPIClient::rosterUpdated);
         QSignalSpy failed(&client, &CloudAPIClient::rosterUpdateError);
         int outcomes = 0;
-        for (const auto &step : steps) {
+        for (const Step &step : steps) {
             ++outcomes;
             setTime(step.seconds);
             service.answer("GET", "/public/roster", step.reply);
@@ -341,23 +317,20 @@ private slots:
         QCOMPARE(modeOf(name), mode_t(0600));
     }
 
-    void edit()
+    void editedServerTakesThePlaceOfAnother()
     {
         CloudAPIClient client;
         const LocalServerPtr server = lanServer(1);
         client.addLocalServer(server);
         client.addLocalServer(lanServer(2));
         QSignalSpy updated(&client, &CloudAPIClient::rosterUpdated);
-        client.editLocalServer(server, "New"_s, "127.0.0.1"_s, 3, "changed"_s);
-        QCOMPARE(ids(), (QStringList{"127.0.0.1:2", "127.0.0.1:3"}));
-        QCOMPARE(contentOf(rosterFile).count("\"ip\""), 2);
-        // The address of another takes its place.
         client.editLocalServer(server, "New"_s, "127.0.0.1"_s, 2, "changed"_s);
-        QCOMPARE(updated.count(), 2);
+        QCOMPARE(updated.count(), 1);
         QCOMPARE(ids(), QStringList{"127.0.0.1:2"});
-        QCOMPARE(client.serverList().value(server->id()).data(), server.data());
+        QCOMPARE(client.serverList().first().data(), server.data());
         QCOMPARE(server->alias(), "New"_s);
-        QVERIFY(contentOf(rosterFile).contains("\"changed\""));
+        const QByteArray saved = contentOf(rosterFile);
+        QVERIFY(saved.contains("\"changed\"") && !saved.contains("\"secret\""));
     }
 };
 
