@@ -52,9 +52,9 @@ class CameraRequestsTest : public QObject
 private slots:
     void initTestCase_data()
     {
-        rows<bool, QByteArray>({"local", "session"}, {{"cloud", false, "session"},
-                                                      {"LAN", true, "pass%20word"},
-                                                      {"LAN without a password", true, ""}});
+        rows<bool, QByteArray>({"isLocal", "sent"}, {{"cloud", false, "session"},
+                                                     {"LAN", true, "pass%20word"},
+                                                     {"LAN without a password", true, ""}});
     }
 
     void initTestCase()
@@ -67,8 +67,10 @@ private slots:
 
     void init()
     {
-        QFETCH_GLOBAL(bool, local);
-        QFETCH_GLOBAL(QByteArray, session);
+        QFETCH_GLOBAL(bool, isLocal);
+        QFETCH_GLOBAL(QByteArray, sent);
+        local = isLocal;
+        session = sent;
         asked = local ? &lan : &service.server();
         asked->clearRequests();
         if (local) {
@@ -92,8 +94,6 @@ private slots:
 
     void preview()
     {
-        QFETCH_GLOBAL(bool, local);
-        QFETCH_GLOBAL(QByteArray, session);
         QSignalSpy changed(camera.data(), &Camera::previewChanged);
         for (const QByteArray &body : {picture(), QByteArray("no picture"), QByteArray()}) {
             asked->setReply(WireReply::body(body, "image/jpeg"));
@@ -112,7 +112,6 @@ private slots:
 
     void timeline()
     {
-        QFETCH_GLOBAL(bool, local);
         QSignalSpy changed(camera.data(), &Camera::recordsChanged);
         QSignalSpy failed(camera.data(), &Camera::recordsError);
         asked->setReply(WireReply::json(recordAtNoon));
@@ -144,7 +143,6 @@ private slots:
 
     void calendar()
     {
-        QFETCH_GLOBAL(bool, local);
         QSignalSpy changed(camera.data(), &Camera::calendarChanged);
         for (const QDate &date : {day, next}) {
             asked->setReply(WireReply::json("[{\"date\":" + seconds(date, QTime(12, 0)) +
@@ -170,7 +168,6 @@ private slots:
 
     void rotation()
     {
-        QFETCH_GLOBAL(bool, local);
         camera->setRotation(-90);
         QCOMPARE(camera->rotation(), -90);
         const QString key = "cameras/%1/7/rotation"_s.arg(camera->serverId());
@@ -220,14 +217,14 @@ private:
 
     QByteArray archiveTarget(const QByteArray &what, const QDate &first, const QDate &last) const
     {
-        QFETCH_GLOBAL(bool, local);
-        QFETCH_GLOBAL(QByteArray, session);
         return (local ? "/archive/" : "//archive/") + what +
                "?camera=7&endTime=" + seconds(last, QTime(23, 59, 59)) +
                "&server=" + QUrl::toPercentEncoding(camera->serverId(), ":") +
                "&sessionId=" + session + "&startTime=" + seconds(first, QTime(0, 0));
     }
 
+    bool local = false;
+    QByteArray session;
     ScriptedService service;
     MisbehavingServer lan;
     MisbehavingServer *asked = nullptr;

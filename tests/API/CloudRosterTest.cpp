@@ -316,22 +316,6 @@ private slots:
         QCOMPARE(contentOf(name), QByteArray("after"));
         QCOMPARE(modeOf(name), mode_t(0600));
     }
-
-    void editedServerTakesThePlaceOfAnother()
-    {
-        CloudAPIClient client;
-        const LocalServerPtr server = lanServer(1);
-        client.addLocalServer(server);
-        client.addLocalServer(lanServer(2));
-        QSignalSpy updated(&client, &CloudAPIClient::rosterUpdated);
-        client.editLocalServer(server, "New"_s, "127.0.0.1"_s, 2, "changed"_s);
-        QCOMPARE(updated.count(), 1);
-        QCOMPARE(ids(), QStringList{"127.0.0.1:2"});
-        QCOMPARE(client.serverList().first().data(), server.data());
-        QCOMPARE(server->alias(), "New"_s);
-        const QByteArray saved = contentOf(rosterFile);
-        QVERIFY(saved.contains("\"changed\"") && !saved.contains("\"secret\""));
-    }
 };
 
 QTEST_MAIN(CloudRosterTest)
