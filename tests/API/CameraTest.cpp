@@ -226,8 +226,8 @@ private slots:
         QObject running;
         for (int i = 0; i < 100; ++i) {
             QObject finished;
-            for (QObject *client : {i % 50 == 0 ? &running : &finished})
-                state.keep(connect(client, &QObject::objectNameChanged, client, [] {}));
+            const QObject *client = i % 50 == 0 ? &running : &finished;
+            state.keep(connect(client, &QObject::objectNameChanged, client, [] {}));
         }
         // What is still out can still be cut when the camera dies.
         QCOMPARE(state.connections.size(), 3);
