@@ -36,7 +36,7 @@ constexpr double hoverLimitMs = 1;
 
 const QDate day(2026, 3, 10);
 
-struct Row {
+struct Measured {
     int cameras = 0;
     int records = 0; // of each camera
     double firstMs = 0;
@@ -84,9 +84,9 @@ QList<API::ArchiveRecord> recordsOf(int camera, int count)
     return records;
 }
 
-Row measure(Tests::ArchiveWorld &world, const QList<API::CameraPtr> &cameras, int records)
+Measured measure(Tests::ArchiveWorld &world, const QList<API::CameraPtr> &cameras, int records)
 {
-    Row row;
+    Measured row;
     row.cameras = cameras.size();
     row.records = records;
     GUI::Timeline timeline(day);
@@ -125,7 +125,7 @@ Row measure(Tests::ArchiveWorld &world, const QList<API::CameraPtr> &cameras, in
     return row;
 }
 
-bool within(const char *what, const Row &row, double value, double limit)
+bool within(const char *what, const Measured &row, double value, double limit)
 {
     const bool ok = value <= limit;
     std::printf("%-4s  %-10s %3d cameras of %6d records  %7.2f ms, limit %5.2f ms\n",
@@ -133,7 +133,7 @@ bool within(const char *what, const Row &row, double value, double limit)
     return ok;
 }
 
-void print(const Row &row)
+void print(const Measured &row)
 {
     std::printf("%8d %8d %12.2f %12.2f %12.2f %12.2f %12.2f\n", row.cameras, row.records,
                 row.firstMs, row.renderMs, row.hoverMs, row.zoomMs, row.playlistMs);
@@ -153,7 +153,7 @@ int main(int argc, char *argv[])
 
     std::printf("%8s %8s %12s %12s %12s %12s %12s\n", "cameras", "records", "first ms", "render ms",
                 "hover ms", "zoom ms", "playlist ms");
-    std::vector<Row> rows;
+    std::vector<Measured> rows;
     for (const int records : {100, 2000, 20000}) {
         for (const int count : {1, 4, 36}) {
             QList<API::CameraPtr> cameras;
@@ -165,7 +165,7 @@ int main(int argc, char *argv[])
     }
     std::printf("\n");
     bool ok = within("render", rows.back(), rows.back().renderMs, renderLimitMs);
-    for (const Row &row : rows)
+    for (const Measured &row : rows)
         ok &= within("hover", row, row.hoverMs, hoverLimitMs);
     return ok ? 0 : 1;
 }

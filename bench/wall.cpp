@@ -32,8 +32,8 @@
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
 #include "bench/DecodeLoop.h"
+#include "demo/client/DemoService.h"
 #include "tests/e2e/EndToEnd.h"
-#include "tests/support/DemoService.h"
 
 using namespace ZorvaneClient;
 using namespace ZorvaneClient::Tests;

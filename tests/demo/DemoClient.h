@@ -3,9 +3,11 @@
 
 #include "tests/support/Test.h"
 
-#include "tests/support/DemoService.h"
+#include "demo/client/DemoService.h"
 
 namespace ZorvaneClient::Tests {
+
+using namespace ZorvaneDemo;
 
 /// How an exchange ended.
 struct Answer {

@@ -3,8 +3,8 @@
 
 #include "tests/support/Test.h"
 
+#include "demo/client/DemoService.h"
 #include "tests/demo/DemoClient.h"
-#include "tests/support/DemoService.h"
 
 namespace ZorvaneClient::Tests {
 

@@ -13,9 +13,9 @@
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/Timeline.h"
+#include "demo/client/DemoService.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
-#include "tests/support/DemoService.h"
 
 using GUI::Player::VideoWidget;
 

@@ -15,7 +15,7 @@
 #include "GUI/RosterWidget.h"
 #include "GUI/ServerWidget.h"
 #include "GUI/ToolBar.h"
-#include "tests/support/DemoService.h"
+#include "demo/client/DemoService.h"
 
 namespace ZorvaneClient::Tests {
 

@@ -5,7 +5,8 @@
 
 #include <optional>
 
-#include "tests/support/StripReader.h"
+#include "demo/client/DemoService.h"
+#include "demo/client/StripReader.h"
 
 class QProcess;
 class QPushButton;
@@ -26,7 +27,7 @@ class VideoWidget;
 
 namespace ZorvaneClient::Tests {
 
-class DemoService;
+using namespace ZorvaneDemo;
 
 // Deadlines, not waits: every one of them is left as soon as its condition holds.
 constexpr int pictureDeadlineMs = 30000;

@@ -15,9 +15,9 @@
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/Timeline.h"
 #include "GUI/TimelinePrivate.h"
+#include "demo/client/DemoService.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
-#include "tests/support/DemoService.h"
 
 namespace {
 

@@ -11,8 +11,8 @@
 #include "API/Server.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/Player/VideoWidget.h"
+#include "demo/client/DemoService.h"
 #include "tests/e2e/EndToEnd.h"
-#include "tests/support/DemoService.h"
 #include "tests/support/ProcessTraces.h"
 
 using GUI::Player::VideoWidget;

@@ -6,8 +6,8 @@
 #include "GUI/CameraWidget.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/Player/VideoWidget.h"
+#include "demo/client/DemoService.h"
 #include "tests/e2e/EndToEnd.h"
-#include "tests/support/DemoService.h"
 
 namespace {
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Test.h"
 
+#include "demo/client/DemoService.h"
 #include "tests/e2e/ClientProcess.h"
-#include "tests/support/DemoService.h"
+
+using namespace ZorvaneDemo;
 
 namespace {
 

@@ -10,10 +10,10 @@
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/ServerWidget.h"
 #include "GUI/SettingsWidget.h"
+#include "demo/client/DemoService.h"
 #include "tests/GUI/DialogVisitor.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
-#include "tests/support/DemoService.h"
 
 using GUI::Player::VideoWidget;
 

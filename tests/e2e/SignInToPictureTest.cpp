@@ -11,8 +11,8 @@
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/ServerWidget.h"
+#include "demo/client/DemoService.h"
 #include "tests/e2e/EndToEnd.h"
-#include "tests/support/DemoService.h"
 
 using GUI::Player::VideoWidget;
 

@@ -11,9 +11,9 @@
 #include "GUI/LayoutWidget.h"
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
+#include "demo/client/DemoService.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
-#include "tests/support/DemoService.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
+#include "demo/client/DemoService.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
-#include "tests/support/DemoService.h"
 #include "tests/support/LogCapture.h"
 
 using GUI::MainWindow;

@@ -14,7 +14,10 @@ namespace ZorvaneClient::Tests {
 /// One line of a table: its name, then a value for each column.
 template <typename... Types>
 struct Row {
-    Row(const QByteArray &name, Types... values) : name(name), values(std::move(values)...) {}
+    Row(const QByteArray &rowName, Types... rowValues)
+        : name(rowName), values(std::move(rowValues)...)
+    {
+    }
 
     QByteArray name;
     std::tuple<Types...> values;

@@ -11,11 +11,11 @@
 #include "App/Application.h"
 #include "App/Environment.h"
 #include "tests/e2e/EndToEnd.h"
-#include "tests/pictures/Studio.h"
 #include "tests/support/VirtualDisplay.h"
+#include "tools/pictures/Studio.h"
 
 using namespace ZorvaneClient;
-using namespace ZorvaneClient::Tests;
+using namespace ZorvaneClient::Pictures;
 
 namespace {
 

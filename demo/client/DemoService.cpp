@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/DemoService.h"
+#include "demo/client/DemoService.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -18,8 +18,7 @@
 #include <algorithm>
 #include <chrono>
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneDemo {
 
 namespace {
 
@@ -153,9 +152,9 @@ bool DemoService::restart()
     return launch(again);
 }
 
-App::ServiceProfile DemoService::profile() const
+ZorvaneClient::App::ServiceProfile DemoService::profile() const
 {
-    App::ServiceProfile result;
+    ZorvaneClient::App::ServiceProfile result;
     result.apiHost = QStringLiteral("127.0.0.1");
     result.apiPort = apiPort();
     result.streamingHost = result.apiHost;
@@ -346,5 +345,4 @@ bool DemoService::reset()
     return post("/reset", QJsonObject());
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneDemo

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/pictures/Album.h"
+#include "tools/pictures/Album.h"
 
 #include <QApplication>
 #include <QDir>
@@ -7,10 +7,9 @@
 #include <QPainter>
 #include <QWidget>
 
-#include "tests/pictures/Studio.h"
+#include "tools/pictures/Studio.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Pictures {
 
 namespace {
 
@@ -75,5 +74,4 @@ void Album::writeIndex() const
         file.write(line.toUtf8() + '\n');
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Pictures

@@ -11,8 +11,7 @@
 
 class QProcess;
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneDemo {
 
 /// One camera of the running demo service, as its control interface lists it.
 struct DemoCamera {
@@ -86,7 +85,7 @@ public:
     QProcess *process() const { return program; }
 
     /// Hosts, ports and certificate authority of this service for the client.
-    App::ServiceProfile profile() const;
+    ZorvaneClient::App::ServiceProfile profile() const;
     int apiPort() const { return ready.value(QLatin1String("api")).toInt(); }
     int streamingPort() const { return ready.value(QLatin1String("streaming")).toInt(); }
     int flvPort() const { return ready.value(QLatin1String("flv")).toInt(); }
@@ -142,5 +141,4 @@ private:
     QString error;
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneDemo

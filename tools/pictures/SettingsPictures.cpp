@@ -17,10 +17,9 @@
 #include "tests/GUI/DialogVisitor.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
-#include "tests/pictures/Studio.h"
+#include "tools/pictures/Studio.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Pictures {
 
 namespace {
 
@@ -157,5 +156,4 @@ void takeSettings(Studio &studio)
     box->setCurrentIndex(1 - box->currentIndex());
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Pictures

@@ -8,15 +8,20 @@
 #include <functional>
 
 #include "API/Types.h"
-#include "tests/pictures/Album.h"
-#include "tests/support/DemoService.h"
+#include "demo/client/DemoService.h"
+#include "tools/pictures/Album.h"
 
 class QMenu;
 class QPushButton;
 class QWidget;
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
+} // namespace ZorvaneClient::Tests
+
+namespace ZorvaneClient::Pictures {
+
+using namespace Tests;
+using namespace ZorvaneDemo;
 
 /// Ends the program when it does not hold, and says what was missing.
 void require(bool holds, const char *what);
@@ -81,5 +86,4 @@ void takeExport(Studio &studio);
 void takeSettings(Studio &studio);
 void takeDialogs(Studio &studio);
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Pictures

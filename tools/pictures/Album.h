@@ -7,8 +7,7 @@
 
 class QWidget;
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Pictures {
 
 /// Saves what stands on the screen as PNG files of one folder.
 class Album
@@ -29,5 +28,4 @@ private:
     QStringList index;
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Pictures

@@ -24,10 +24,9 @@
 #include "tests/GUI/DialogVisitor.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
-#include "tests/pictures/Studio.h"
+#include "tools/pictures/Studio.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Pictures {
 
 namespace {
 
@@ -232,5 +231,4 @@ void takeControls(Studio &studio)
                     qobject_cast<QPushButton *>(partNamed("qualityButton")), place);
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Pictures

@@ -10,10 +10,9 @@
 #include "GUI/LoginDialog.h"
 #include "GUI/TippedButton.h"
 #include "tests/e2e/EndToEnd.h"
-#include "tests/pictures/Studio.h"
+#include "tools/pictures/Studio.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Pictures {
 
 namespace {
 
@@ -94,5 +93,4 @@ void takeSignIn(Studio &studio)
     studio.take("wall-empty", "The main window right after the sign-in");
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Pictures

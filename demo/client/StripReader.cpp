@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/StripReader.h"
+#include "demo/client/StripReader.h"
 
 #include <algorithm>
 #include <array>
@@ -7,12 +7,9 @@
 
 #include "demo/StripCode.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneDemo {
 
 namespace {
-
-using ZorvaneDemo::StripCode;
 
 constexpr int minuteMs = 60'000;
 constexpr int leastContrast = 20;
@@ -103,5 +100,4 @@ int StripReader::ageMs(const Strip &strip, qint64 nowMs)
     return age > minuteMs - futureMs ? age - minuteMs : age;
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneDemo

@@ -6,8 +6,7 @@
 
 #include <optional>
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneDemo {
 
 /// What the strip at the foot of a demo picture says.
 struct Strip {
@@ -30,5 +29,4 @@ public:
     static int ageMs(const Strip &strip, qint64 nowMs);
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneDemo

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/pictures/Studio.h"
+#include "tools/pictures/Studio.h"
 
 #include <QMenu>
 #include <QPushButton>
@@ -22,8 +22,7 @@
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Pictures {
 
 namespace {
 
@@ -188,5 +187,4 @@ void hoverNothing()
     QTest::mouseMove(mainWindow(), panel->mapTo(mainWindow(), panel->rect().center()));
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Pictures

@@ -22,10 +22,9 @@
 #include "GUI/Timeline.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
-#include "tests/pictures/Studio.h"
+#include "tools/pictures/Studio.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Pictures {
 
 namespace {
 
@@ -268,5 +267,4 @@ void takeExport(Studio &studio)
     studio.take("hint-snapshot", "The hint after a snapshot", hintPlace());
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Pictures
