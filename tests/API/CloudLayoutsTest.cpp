@@ -61,22 +61,18 @@ QByteArray hostileCells()
     return cells;
 }
 
-QStringList names()
+/// Names of the layouts in memory, as "A B".
+QString names()
 {
     QStringList list;
     for (const LayoutPtr &layout : CloudAPIClient::layoutList())
         list.append(layout->name());
-    return list;
+    return list.join(' ');
 }
 
-QVariantList parsed(const QByteArray &json)
+QVariant parsed(const QByteArray &json)
 {
-    return QJsonDocument::fromJson(json).array().toVariantList();
-}
-
-QVariantMap mapOf(const QByteArray &json)
-{
-    return QJsonDocument::fromJson(json).object().toVariantMap();
+    return QJsonDocument::fromJson(json).toVariant();
 }
 
 CameraPtr camera(int number)
@@ -88,10 +84,9 @@ CameraPtr camera(int number)
 QString describe(const Layout &layout)
 {
     QStringList result;
-    for (const LayoutCell &cell : layout.cellList())
-        result << QString::asprintf("%d,%d %dx%d %d", cell.area.left(), cell.area.top(),
-                                    cell.area.width(), cell.area.height(),
-                                    cell.camera ? cell.camera->id() : 0);
+    for (const auto &[camera, area] : layout.cellList())
+        result << QString::asprintf("%d,%d %dx%d %d", area.left(), area.top(), area.width(),
+                                    area.height(), camera ? camera->id() : 0);
     return result.join("; "_s);
 }
 
@@ -106,25 +101,11 @@ private slots:
     void init()
     {
         CloudFixture::init();
-        CloudAPIClient client;
-        updateRoster(&client);
+        updateRoster();
         service.succeed("GET", "//layouts", document(0, ""));
         service.succeed("POST", "//layouts", "null");
         service.server().clearRequests();
         setTime(0);
-    }
-
-    void nothingWithoutServers()
-    {
-        CloudAPIClient client;
-        client.clearRoster();
-        writeFile(cache, document(100, layoutJson("a", "Cached", "")));
-        QSignalSpy updated(&client, &CloudAPIClient::layoutsUpdated);
-        client.updateLayouts();
-        QCOMPARE(client.layoutList().size(), 0);
-        updateRoster(&client);
-        QCOMPARE(service.requestsTo("//layouts").size(), 0);
-        QCOMPARE(updated.count(), 0);
     }
 
     void newestCopyWins_data()
@@ -148,93 +129,84 @@ private slots:
         const QByteArray fresh = layoutJson("a", "Fresh", cellJson(7, 1, 2, 1, 2));
         writeFile(cache, cached);
         service.succeed("GET", "//layouts", document(stamp, fresh));
-        CloudAPIClient client;
-        client.updateLayouts();
-        const LayoutPtr known = client.layoutList().value("a"_s);
+        client->updateLayouts();
+        const LayoutPtr known = client->layoutList().value("a"_s);
         settle(serviceWins ? 1 : 2);
-        QCOMPARE(names(), serviceWins ? QStringList{"Fresh"} : (QStringList{"A", "B"}));
-        const LayoutPtr layout = client.layoutList().value("a"_s);
+        QCOMPARE(names(), serviceWins ? "Fresh"_s : "A B"_s);
+        const LayoutPtr layout = client->layoutList().value("a"_s);
         QCOMPARE(layout, known ? known : layout); // who shows it goes on with it
         QCOMPARE(layout->cellAt(1, 2).camera, camera(7));
         if (serviceWins) {
             // The cache has the new list under a stamp of its own.
-            const QVariantMap saved = mapOf(contentOf(cache));
-            QVERIFY(saved.value("last_update"_s).toInt() >= startStamp);
-            QCOMPARE(saved.value("layouts"_s).toList(), QVariantList{mapOf(fresh)});
-            QVERIFY(!(QFile::permissions(cache) & QFile::ReadOther));
+            QCOMPARE(parsed(contentOf(cache)), parsed(document(startStamp, fresh)));
+            QVERIFY(isPrivate(cache));
         } else {
             const WireRequest last = service.requestsTo("//layouts").last();
             QCOMPARE(last.method(), QByteArray("POST"));
-            QCOMPARE(parsed(last.body), mapOf(cached).value("layouts"_s).toList());
+            QCOMPARE(parsed(last.body), parsed(cached).toMap().value("layouts"_s));
         }
     }
 
     void throttle()
     {
-        CloudAPIClient client;
-        QSignalSpy updated(&client, &CloudAPIClient::layoutsUpdated);
-        QSignalSpy failed(&client, &CloudAPIClient::layoutsUpdateError);
+        QSignalSpy updated(client.get(), &CloudAPIClient::layoutsUpdated);
+        QSignalSpy failed(client.get(), &CloudAPIClient::layoutsUpdateError);
         // The signal comes with the lock held; what a list reads must not block.
         int servers = 0;
-        connect(&client, &CloudAPIClient::layoutsUpdated, this, [&servers] {
+        connect(client.get(), &CloudAPIClient::layoutsUpdated, this, [&servers] {
             servers = CloudAPIClient::serverList().size() + CloudAPIClient::layoutList().size();
         });
-        update(&client, 0, 2); // GET and POST
-        update(&client, 29, 2);
+        update(0, 2); // GET and POST
+        update(29, 2);
         QCOMPARE(servers, 1);
         // The cache is read every time.
         const QByteArray cached = document(100, layoutJson("a", "Cached", ""));
         writeFile(cache, cached);
-        update(&client, 29, 2);
-        QCOMPARE(names(), QStringList{"Cached"});
+        update(29, 2);
+        QCOMPARE(names(), "Cached"_s);
 
         // A failure keeps memory and file, and counts for the throttle.
         service.answer("GET", "//layouts", WireReply::json("", 500));
-        update(&client, 30, 3);
-        QCOMPARE(failed.count(), 1);
-        QCOMPARE(names(), QStringList{"Cached"});
-        QCOMPARE(contentOf(cache), cached);
+        update(30, 3);
+        QVERIFY(failed.count() == 1 && names() == "Cached"_s && contentOf(cache) == cached);
         updated.clear();
-        update(&client, 59, 3);
+        update(59, 3);
         QCOMPARE(updated.count(), 1);
-        update(&client, 60, 4);
+        update(60, 4);
     }
 
     void failedSaveIsSentAgain()
     {
         service.answer("POST", "//layouts", WireReply::json("", 500));
-        CloudAPIClient client;
-        QSignalSpy failed(&client, &CloudAPIClient::layoutsUpdateError);
-        client.addLayout(LayoutPtr::create());
+        QSignalSpy failed(client.get(), &CloudAPIClient::layoutsUpdateError);
+        client->addLayout(LayoutPtr::create());
         QVERIFY(QDir().mkdir(cache)); // stands where the file should
-        LogCapture log;
-        client.saveLayoutsToFile();
-        client.saveLayoutsToAPI();
+        client->saveLayoutsToFile();
+        client->saveLayoutsToAPI();
         QTRY_COMPARE(failed.count(), 1);
-        QCOMPARE(log.linesOf("Could not save layouts cache to"_s).size(), 1);
-        QCOMPARE(log.linesOf("Error saving layouts"_s).size(), 1);
 
         // The stamp here stays ahead, so an older copy changes nothing and the list goes again.
         service.succeed("POST", "//layouts", "null");
         service.succeed("GET", "//layouts", document(startStamp, layoutJson("b", "Old", "")));
-        update(&client, 0, 3);
-        QCOMPARE(client.layoutList().size(), 1);
+        update(0, 3);
+        QCOMPARE(names(), "Untitled Layout"_s);
         const auto requests = service.requestsTo("//layouts");
-        QCOMPARE(requests.last().method(), QByteArray("POST"));
+        QVERIFY(requests.last().head == requests.first().head);
         QCOMPARE(requests.last().body, requests.first().body);
-        QVERIFY(parsed(requests.last().body).first().toMap().value("id"_s) != "b"_s);
     }
 
     void signOutKeepsTheCache()
     {
-        CloudAPIClient client;
-        client.addLayout(LayoutPtr::create());
-        client.saveLayoutsToFile();
-        client.logout();
-        QCOMPARE(client.layoutList().size(), 0);
-        updateRoster(&client);
-        update(&client, 0, 2);
-        QCOMPARE(client.layoutList().size(), 1);
+        client->addLayout(LayoutPtr::create());
+        client->saveLayoutsToFile();
+        client->logout();
+        // Without cameras, layouts are neither read nor asked for.
+        QSignalSpy updated(client.get(), &CloudAPIClient::layoutsUpdated);
+        update(0, 0);
+        QCOMPARE(client->layoutList().size() + updated.count(), 0);
+        updateRoster();
+        update(0, 2);
+        QCOMPARE(client->layoutList().size(), 1);
         QCOMPARE(Internal::layoutsCacheFile("Ж"_s),
                  cacheFolder() + "/layouts.d82d7ca255082e2ca8720d69da507ee1"_s);
     }
@@ -243,21 +215,13 @@ private slots:
     {
         const QByteArray layouts = layoutJson("a", "A", cellJson(7, 31, 0, 1, 32), 32) +
                                    R"(,{"name":"B","cameras":[{"server":"s1"}]},{})";
-        const QVariantList given = parsed('[' + layouts + ']');
+        const QVariantList given = parsed('[' + layouts + ']').toList();
         const LogCapture log;
         const QList<QVariantMap> passed = Internal::boundedLayouts(given);
         QCOMPARE(QVariantList(passed.begin(), passed.end()), given);
         QCOMPARE(log.lines(), QStringList());
-    }
-
-    void tooManyLayouts()
-    {
-        QVariantList many;
-        for (int i = 0; i < 1500; ++i)
-            many.append(QVariantMap{{"id"_s, i}});
-        const QList<QVariantMap> taken = Internal::boundedLayouts(many);
-        QCOMPARE(taken.size(), 1000);
-        QCOMPARE(taken.last().value("id"_s).toInt(), 999);
+        const QVariantList many = given + QVector<QVariant>(1000).toList();
+        QCOMPARE(Internal::boundedLayouts(many), passed + QVector<QVariantMap>(997).toList());
     }
 
     void hostileDocument()
@@ -265,20 +229,14 @@ private slots:
         const QByteArray layouts =
             R"(7,null,"x",{"id":{},"name":{},"rows":"many","cameras":"all"},)" +
             layoutJson("a", QString(1000000, 'x'), hostileCells(), 1000000000);
-        writeFile(cache, document(100, layouts));
         service.succeed("GET", "//layouts", document(101, layouts));
-        CloudAPIClient client;
-        client.updateLayouts();
-        for (const bool fromService : {false, true}) {
-            if (fromService)
-                settle(1);
-            const LayoutPtr layout = client.layoutList().value("a"_s);
-            QVERIFY(layout);
-            QCOMPARE(QSize(layout->rows(), layout->columns()), QSize(32, 32));
-            QCOMPARE(layout->name().size(), 1000);
-            QCOMPARE(layout->cellList().size(), 32 * 32);
-            QCOMPARE(describe(*layout).count(" 32x0 7"_s), 32 * 32);
-        }
+        update(0, 1);
+        const LayoutPtr layout = client->layoutList().value("a"_s);
+        QVERIFY(layout);
+        QCOMPARE(QSize(layout->rows(), layout->columns()), QSize(32, 32));
+        QCOMPARE(layout->name().size(), 1000);
+        QCOMPARE(layout->cellList().size(), 32 * 32);
+        QCOMPARE(describe(*layout).count(" 32x0 7"_s), 32 * 32);
     }
 
     /// Of a 2x2 tile and one below it on a grid of three by three; rows before columns.
@@ -307,27 +265,24 @@ private slots:
         const auto [steps, cells, signalCount] = row<QString, QString, int>();
         const QByteArray json =
             layoutJson("a", "A", cellJson(7, 0, 0, 2, 2) + ',' + cellJson(8, 2, 1, 1, 2));
-        Layout layout(mapOf(json));
-        const auto written = QJsonDocument::fromVariant(layout.toVariantMap());
-        QCOMPARE(written.toJson(QJsonDocument::Compact), json);
-        QVERIFY(layout == Layout(mapOf(json)));
+        Layout layout(parsed(json).toMap());
+        QCOMPARE(QVariant(layout.toVariantMap()), parsed(json));
+        QVERIFY(layout == Layout(parsed(json).toMap()));
         QSignalSpy updated(&layout, &Layout::updated);
         for (const QString &step : steps.split(", "_s)) {
-            QList<int> n;
-            for (const QString &word : step.split(' '))
-                n << word.toInt();
-            const QByteArray cell =
-                cellJson(n.value(1), n.value(2), n.value(3), n.value(4), n.value(5));
-            if (step.startsWith("update"_s))
-                layout.update(mapOf(layoutJson("b", "B", cell)));
-            else if (step.startsWith("set"_s))
-                layout.setCamera(camera(n.at(1)), n.at(2), n.at(3), n.at(4), n.at(5));
-            else if (step.startsWith("clear"_s))
-                layout.clearCell(n.at(1), n.at(2));
-            else if (step.startsWith("swap"_s))
-                layout.swapCells(n.at(1), n.at(2), n.at(3), n.at(4));
+            const QStringList words = step.split(' ');
+            const auto n = [&words](int place) { return words.value(place).toInt(); };
+            const QByteArray cell = cellJson(n(1), n(2), n(3), n(4), n(5));
+            if (words.first() == "update"_s)
+                layout.update(parsed(layoutJson("b", "B", cell)).toMap());
+            else if (words.first() == "set"_s)
+                layout.setCamera(camera(n(1)), n(2), n(3), n(4), n(5));
+            else if (words.first() == "clear"_s)
+                layout.clearCell(n(1), n(2));
+            else if (words.first() == "swap"_s)
+                layout.swapCells(n(1), n(2), n(3), n(4));
             else
-                layout.resize(n.at(1), n.at(2));
+                layout.resize(n(1), n(2));
         }
         QCOMPARE(layout.id(), "a"_s);
         QCOMPARE(describe(layout), cells);
@@ -337,33 +292,24 @@ private slots:
     void numbersBeyondAllGrids()
     {
         constexpr int most = std::numeric_limits<int>::max();
-        constexpr int least = std::numeric_limits<int>::min();
-        const QByteArray far = cellJson(7, most, most, most, most) + ',' +
-                               cellJson(7, least, least, least, least) + ',';
-        Layout layout(mapOf(layoutJson("a", "A", far + hostileCells(), 1000000000)));
-        QCOMPARE(layout.cellList().size(), 10002);
+        const QByteArray far = cellJson(7, most, most, most, most);
+        Layout layout(parsed(layoutJson("a", "A", far, 1000000000)).toMap());
         QCOMPARE(layout.freeCellCount(), most);
         layout.resize(-5, 2);
-        QVERIFY(!layout.cellAt(most, most).camera);
         layout.setCamera(camera(7), 0, 0, 1, 1);
-        QVERIFY(!layout.cellAt(0, 0).camera);
+        QCOMPARE(layout.cellList().size(), 0);
     }
 
 private:
-    /// Waits until the service has had so many requests in all and their traffic is over.
+    /// Waits until the service has had so many requests in all, and no more.
     void settle(int requests)
     {
         QTRY_COMPARE(service.requestsTo("//layouts").size(), requests);
-        QTRY_COMPARE(service.server().openConnections(), 0);
-        // An exchange begun later has its outcome, so these were handled.
-        CloudAPIClient later;
-        QSignalSpy done(&later, &CloudAPIClient::updatesError);
-        later.checkForUpdates();
-        QTRY_COMPARE(done.count(), 1);
+        CloudFixture::settle();
         QCOMPARE(service.requestsTo("//layouts").size(), requests);
     }
 
-    void update(CloudAPIClient *client, int seconds, int requests)
+    void update(int seconds, int requests)
     {
         setTime(seconds);
         client->updateLayouts();
