@@ -111,11 +111,9 @@ private slots:
         const QLocale russian(QLocale::Russian, QLocale::Kazakhstan);
         const QLocale german(QLocale::German);
         rows<QString, QLocale, QString>({"setting", "locale", "language"},
-                                        {
-                                            {"Russian system", QString(), russian, "ru"},
-                                            {"Russian chosen", "ru", german, "ru"},
-                                            {"as it was given", "ru_RU", german, "ru_RU"},
-                                        });
+                                        {{"Russian system", QString(), russian, "ru"},
+                                         {"Russian chosen", "ru", german, "ru"},
+                                         {"as it was given", "ru_RU", german, "ru_RU"}});
     }
 
     void languageOfTheSettingWins()
@@ -143,6 +141,26 @@ private slots:
         QCOMPARE(window->geometry(), QRect(40, 50, 960, 540));
         // Only the first: a window that no other window asked for has the size of its own.
         QCOMPARE(openWindow()->size(), QSize(1100, 650));
+    }
+
+    void furtherWindowStandsBesideTheFirst()
+    {
+        MainWindow *window = openWindow();
+        window->setGeometry(40, 50, 960, 540);
+        emit window->clone();
+        QCOMPARE(visibleTopLevels<MainWindow>().size(), 2);
+        for (const MainWindow *other : visibleTopLevels<MainWindow>())
+            QCOMPARE(other->geometry(),
+                     QRect(other == window ? 40 : 70, other == window ? 50 : 80, 960, 540));
+    }
+
+    void fontsAndVersionAreTheirs()
+    {
+        const QStringList files = QDir(":/login/fonts"_s).entryList();
+        QVERIFY(!files.isEmpty());
+        for (int font = 0; font < files.size(); ++font)
+            QCOMPARE(QFontDatabase::applicationFontFamilies(font).size(), 1);
+        QCOMPARE(QCoreApplication::applicationVersion(), QLatin1String(ZORVANE_VERSION));
     }
 
     void cameraAndLayoutOpenInWindowsOfTheirOwn()

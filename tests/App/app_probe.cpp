@@ -2,7 +2,6 @@
 // A process of its own for tests of what the program keeps in its working directory.
 #include <QCoreApplication>
 #include <QDebug>
-#include <QTextStream>
 
 #include <cstdio>
 #include <string>
@@ -16,80 +15,33 @@ using namespace ZorvaneClient;
 
 namespace {
 
-int logLevels()
+void logFromThreads()
 {
-    App::openLog();
-    qDebug() << "a debug line";
-    qWarning() << "a warning line";
-    qCritical() << "a critical line";
-    qDebug("%s", qPrintable(QString::fromUtf8("камера")));
-    return 0;
-}
-
-int logFatal()
-{
-    App::openLog();
-    qDebug() << "going down";
-    qFatal("the end");
-}
-
-// Stays alive after its line, so that the reader knows the line didn't wait for the end.
-int logAndWait()
-{
-    App::openLog();
-    qWarning() << "still alive";
-    std::printf("written\n");
-    std::fflush(stdout);
-    std::getchar();
-    return 0;
-}
-
-int logFromThreads(int threadCount, int lineCount)
-{
-    App::openLog();
     std::vector<std::thread> threads;
-    for (int thread = 0; thread < threadCount; ++thread) {
-        threads.emplace_back([thread, lineCount] {
-            for (int line = 0; line < lineCount; ++line)
+    for (int thread = 0; thread < 8; ++thread) {
+        threads.emplace_back([thread] {
+            for (int line = 0; line < 500; ++line)
                 qWarning("thread %d line %d end", thread, line);
         });
     }
     for (std::thread &thread : threads)
         thread.join();
-    return 0;
 }
 
-int writeSettings()
+/// Prints what is stored, then stores something else.
+void readAndWriteSettings()
 {
-    App::Settings &settings = App::settings();
-    settings.setValue(QStringLiteral("auth/email"), QStringLiteral("anna@example.com"));
-    settings.setValue(QStringLiteral("auth/password"), QString::fromUtf8("п+a&r;o=l\"ь, 1"));
-    settings.setValue(QStringLiteral("auth/saveAuth"), true);
-    settings.setValue(QStringLiteral("proxy/port"), 3128);
-    settings.setValue(QStringLiteral("mainWindow/geometry"), QByteArray("\x01\x00\xff\n", 4));
-    settings.setValue(QStringLiteral("cameras/srv1/7/rotation"), 270);
-    return 0;
-}
-
-int signOut()
-{
-    App::settings().setValue(QStringLiteral("auth/saveAuth"), QString(QLatin1String("")));
-    return 0;
-}
-
-int readSettings()
-{
-    const App::Settings &settings = App::settings();
-    QTextStream out(stdout);
-    out << settings.value(QStringLiteral("auth/email")).toString() << '\n'
-        << settings.value(QStringLiteral("auth/password")).toString().toUtf8().toHex() << '\n'
-        << settings.value(QStringLiteral("auth/saveAuth"), false).toBool() << '\n'
-        << settings.value(QStringLiteral("proxy/port"), 0).toInt() << '\n'
-        << settings.value(QStringLiteral("mainWindow/geometry")).toByteArray().toHex() << '\n'
-        << settings.value(QStringLiteral("cameras/srv1/7/rotation"), 0).toInt() << '\n'
-        << settings.value(QStringLiteral("sound/volume"), 50).toInt() << '\n'
-        << settings.fileName() << '\n';
-    return 0;
+    const std::pair<const char *, QVariant> values[] = {
+        {"auth/email", "anna@example.com"},
+        {"auth/password", QString::fromUtf8("п+a&r;o=l\"ь, 1")},
+        {"auth/saveAuth", QString(QLatin1String(""))},
+        {"proxy/port", 3128},
+        {"mainWindow/geometry", QByteArray("\x01\x00\xff\n", 4)}};
+    for (const auto &value : values) {
+        const QString key = QLatin1String(value.first);
+        std::puts(App::settings().value(key, "none").toByteArray().toHex().constData());
+        App::settings().setValue(key, value.second);
+    }
 }
 
 } // namespace
@@ -98,21 +50,26 @@ int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
     const std::string what = argc > 1 ? argv[1] : "";
-    if (what == "log-levels")
-        return logLevels();
-    if (what == "log-fatal")
-        return logFatal();
-    if (what == "log-wait")
-        return logAndWait();
-    if (what == "log-threads" && argc > 3)
-        return logFromThreads(std::atoi(argv[2]), std::atoi(argv[3]));
-    if (what == "write-settings")
-        return writeSettings();
-    if (what == "sign-out")
-        return signOut();
-    if (what == "read-settings")
-        return readSettings();
-    std::fprintf(stderr, "usage: app_probe log-levels|log-fatal|log-wait|log-threads THREADS LINES|"
-                         "write-settings|sign-out|read-settings\n");
-    return 2;
+    if (what == "settings") {
+        readAndWriteSettings();
+        return 0;
+    }
+    App::openLog();
+    if (what == "threads") {
+        logFromThreads();
+        return 0;
+    }
+    qDebug() << "a debug line";
+    qWarning() << "a warning line";
+    qCritical() << "a critical line";
+    qDebug("%s", qPrintable(QString::fromUtf8("камера")));
+    if (what == "fatal")
+        qFatal("the end");
+    if (what == "wait") {
+        // The reader knows from here on that the lines didn't wait for the end.
+        std::puts("written");
+        std::fflush(stdout);
+        std::getchar();
+    }
+    return 0;
 }

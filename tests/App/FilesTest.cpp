@@ -1,0 +1,288 @@
+// SPDX-License-Identifier: MIT
+// What the program keeps in its working directory: log, settings, service.ini.
+#include "tests/support/Test.h"
+
+#include <sys/stat.h>
+
+#include "App/ServiceProfile.h"
+#include "tests/support/MisbehavingServer.h"
+#include "tests/support/TlsIdentity.h"
+
+using App::ServiceProfile;
+
+namespace {
+
+const QString logName = "zorvane_client_log.txt"_s;
+const QString iniName = "ZorvaneClient.ini"_s;
+
+QByteArray contentOf(const QString &fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QString writeFile(const QString &fileName, const QByteArray &content)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::WriteOnly) && file.write(content) > 0 ? fileName : QString();
+}
+
+ServiceProfile profileOf(const QByteArray &content)
+{
+    return ServiceProfile::fromFile(writeFile("service.ini"_s, "[service]\n" + content));
+}
+
+QList<QSslCertificate> trusted()
+{
+    return QSslConfiguration::defaultConfiguration().caCertificates();
+}
+
+/// What the check of the certificate says when a request connects as the program does.
+QList<QSslError::SslError> handshakeErrors(const MisbehavingServer &server,
+                                           const QString &hostName = "localhost"_s)
+{
+    QSslSocket socket;
+    bool isOver = false;
+    QList<QSslError::SslError> errors;
+    QObject::connect(&socket, &QSslSocket::encrypted, [&isOver] { isOver = true; });
+    QObject::connect(&socket, &QSslSocket::disconnected, [&isOver] { isOver = true; });
+    QObject::connect(&socket, QOverload<const QList<QSslError> &>::of(&QSslSocket::sslErrors),
+                     [&errors](const QList<QSslError> &found) {
+                         for (const QSslError &error : found)
+                             errors.append(error.error());
+                     });
+    socket.connectToHostEncrypted("localhost"_s, quint16(server.port()), hostName);
+    if (!QTest::qWaitFor([&isOver] { return isOver; }, 20000) ||
+        (!socket.isEncrypted() && errors.isEmpty()))
+        errors.append(QSslError::UnspecifiedError);
+    return errors;
+}
+
+} // namespace
+
+class FilesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QVERIFY(ours.isValid() && stranger.isValid()); }
+
+    void init()
+    {
+        folder.reset(new QTemporaryDir);
+        QVERIFY(QDir::setCurrent(folder->path()));
+    }
+
+    void cleanup() { QDir::setCurrent(QDir::rootPath()); }
+
+    void linesCarryLevelAndStamp()
+    {
+        QVERIFY(!writeFile(logName, QByteArray("an earlier run\n").repeated(1000)).isEmpty());
+        const QDateTime before = QDateTime::currentDateTime();
+        QVERIFY(runProbe("fatal"_s) != 0);
+        const QStringList starts = {"", "Warning: ", "Critical: ", "", "Fatal: "};
+        const QStringList texts = {"a debug line", "a warning line", "a critical line", "камера",
+                                   "the end"};
+        const QStringList lines = logLines();
+        QCOMPARE(lines.size(), texts.size());
+        const QString stampFormat = "dd.MM.yyyy hh:mm::ss.zzz"_s;
+        for (int i = 0; i < lines.size(); ++i) {
+            const QDateTime stamp = QDateTime::fromString(
+                lines.at(i).mid(starts.at(i).size(), stampFormat.size()), stampFormat);
+            QVERIFY(stamp >= before.addMSecs(-1) && stamp <= QDateTime::currentDateTime());
+            QCOMPARE(lines.at(i),
+                     starts.at(i) + stamp.toString(stampFormat) + QLatin1Char(' ') + texts.at(i));
+            // Who started the program in a terminal reads along.
+            QVERIFY2(errors.contains(texts.at(i).toUtf8()), errors);
+        }
+    }
+
+    void linesAreOnDiskAtOnce()
+    {
+        QProcess probe;
+        probe.start(probeProgram, {"wait"_s});
+        output.clear();
+        QTRY_VERIFY_WITH_TIMEOUT((output += probe.readAllStandardOutput()).contains("written"),
+                                 30000);
+        QCOMPARE(logLines().size(), 4);
+        probe.kill();
+        QVERIFY(probe.waitForFinished());
+    }
+
+    void logThatCannotBeOpenedIsFatal()
+    {
+        QVERIFY(QDir().mkdir(logName));
+        QVERIFY(runProbe("log"_s) != 0);
+        QVERIFY(errors.contains("Cannot open log file"));
+        QVERIFY(!errors.contains("a debug line"));
+    }
+
+    void threadsDontMixTheirLines()
+    {
+        QCOMPARE(runProbe("threads"_s), 0);
+        const QStringList lines = logLines();
+        QCOMPARE(lines.size(), 8 * 500);
+        const QRegularExpression shape(
+            "^Warning: [0-9.]{10} [0-9:.]{13} thread ([0-9]) line ([0-9]+) end$"_s);
+        QHash<QString, int> nextLine;
+        for (const QString &line : lines) {
+            const QRegularExpressionMatch match = shape.match(line);
+            QVERIFY2(match.hasMatch(), qPrintable(line));
+            QCOMPARE(match.captured(2).toInt(), nextLine[match.captured(1)]++);
+        }
+    }
+
+    void filesAreForTheirOwnerOnly_data()
+    {
+        rows<QString, QString, bool>({"name", "command", "wasOpen"},
+                                     {{"settings open to all before", iniName, "settings", true},
+                                      {"new settings", iniName, "settings", false},
+                                      {"new log", logName, "log", false}});
+    }
+
+    void filesAreForTheirOwnerOnly()
+    {
+        const auto [name, command, wasOpen] = row<QString, QString, bool>();
+        ::umask(0); // or else the environment could keep others out
+        constexpr auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup |
+                                QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
+        if (wasOpen)
+            QVERIFY(QFile::permissions(writeFile(name, "\n")) & others);
+        QCOMPARE(runProbe(command), 0);
+        QVERIFY(QFileInfo(name).size() > 1);
+        QVERIFY(!(QFile::permissions(name) & others));
+    }
+
+    void settingsOutliveTheProcess()
+    {
+        const QList<QByteArray> none{"none", "none", "none", "none", "none"};
+        QCOMPARE(storedValues(), none);
+        QCOMPARE(storedValues(), (QList<QByteArray>{"anna@example.com", "п+a&r;o=l\"ь, 1", "",
+                                                    "3128", QByteArray("\x01\x00\xff\n", 4)}));
+        QVERIFY(contentOf(iniName).contains("\nsaveAuth=\n")); // as a sign-out leaves it
+        // A file that can't be used is no failure.
+        QVERIFY(QFile::remove(iniName) && QDir().mkdir(iniName));
+        QCOMPARE(storedValues(), none);
+        QCOMPARE(storedValues(), none);
+        QCOMPARE(errors, QByteArray());
+    }
+
+    void everyKeyIsRead()
+    {
+        const ServiceProfile profile =
+            profileOf("apiHost=api.test\napiPort=8443\nstreamingHost=media.test\n"
+                      "streamingPort=65535\nflvHost=flv.test:8081\nredirectorHost=go.test\n"
+                      "caCertificate=ключи/a,b.pem\n");
+        QCOMPARE((QVariantList{profile.apiHost, profile.apiPort, profile.streamingHost,
+                               profile.streamingPort, profile.flvHost, profile.redirectorHost,
+                               profile.caCertificate}),
+                 (QVariantList{"api.test", 8443, "media.test", 65535, "flv.test:8081", "go.test",
+                               "ключи/a,b.pem"}));
+    }
+
+    void unusableLineIsAWarning_data()
+    {
+        const QByteArray port = "port out of range: \"service/apiPort\" = \"";
+        rows<QByteArray, QByteArray>({"line", "warning"},
+                                     {{"zero", "apiPort=0", port + "0\""},
+                                      {"too great", "apiPort=65536", port + "65536\""},
+                                      {"no number", "apiPort=none", port + "none\""},
+                                      {"unknown", "apiport=1", "unknown key \"service/apiport\""}});
+    }
+
+    void unusableLineIsAWarning()
+    {
+        const auto [line, warning] = row<QByteArray, QByteArray>();
+        QTest::ignoreMessage(QtWarningMsg, "service.ini: " + warning);
+        const ServiceProfile profile = profileOf(line + "\nstreamingPort=8444\n");
+        QCOMPARE(profile.apiPort, ServiceProfile().apiPort);
+        QCOMPARE(profile.streamingPort, 8444);
+    }
+
+    void authorityIsAddedAndCheckingStaysOn()
+    {
+        MisbehavingServer ourServer;
+        MisbehavingServer strangeServer;
+        QVERIFY(ourServer.start(&ours) && strangeServer.start(&stranger));
+        QVERIFY(!handshakeErrors(ourServer).isEmpty());
+        ServiceProfile profile;
+        profile.apiHost = "localhost"_s;
+        profile.caCertificate = certificates.filePath(ours.certificateFile());
+        ServiceProfile::setCurrent(profile);
+        QCOMPARE(ServiceProfile::current().apiHost, "localhost"_s);
+        QVERIFY(handshakeErrors(ourServer).isEmpty());
+        QVERIFY(!handshakeErrors(strangeServer).isEmpty());
+        QCOMPARE(handshakeErrors(ourServer, "other.example"_s),
+                 QList<QSslError::SslError>{QSslError::HostNameMismatch});
+        const QList<QSslCertificate> system = QSslConfiguration::systemCaCertificates();
+        for (const QSslCertificate &certificate : system)
+            QVERIFY(trusted().contains(certificate));
+    }
+
+    void unusableCertificateIsAWarning_data()
+    {
+        const QByteArray good = contentOf(certificates.filePath(stranger.certificateFile()));
+        const QByteArray damaged = QByteArray(good).replace(60, 200, QByteArray(200, 'A'));
+        const QByteArray invalid = "invalid certificate in \"bad.pem\"";
+        rows<QByteArray, QByteArray>(
+            {"content", "warning"},
+            {{"damaged", damaged, invalid},
+             {"damaged second", good + damaged, invalid},
+             {"missing", "",
+              "cannot read CA certificate file \"bad.pem\" : \"No such file or directory\""}});
+    }
+
+    void unusableCertificateIsAWarning()
+    {
+        const auto [content, warning] = row<QByteArray, QByteArray>();
+        ServiceProfile profile;
+        profile.caCertificate = "bad.pem"_s;
+        if (!content.isEmpty())
+            writeFile(profile.caCertificate, content);
+        const QList<QSslCertificate> before = trusted();
+        QTest::ignoreMessage(QtWarningMsg, "service.ini: " + warning);
+        ServiceProfile::setCurrent(profile);
+        QCOMPARE(trusted(), before);
+    }
+
+private:
+    /// The exit code, -1 after a crash; what it printed is in `output` and `errors`.
+    int runProbe(const QString &command)
+    {
+        QProcess probe;
+        probe.start(probeProgram, {command});
+        const bool hasEnded = probe.waitForFinished(60000);
+        output = probe.readAllStandardOutput();
+        errors = probe.readAllStandardError();
+        return hasEnded && probe.exitStatus() == QProcess::NormalExit ? probe.exitCode() : -1;
+    }
+
+    QList<QByteArray> storedValues()
+    {
+        QList<QByteArray> values;
+        if (runProbe("settings"_s) == 0) {
+            for (const QByteArray &line : output.trimmed().split('\n'))
+                values.append(QByteArray::fromHex(line));
+        }
+        return values;
+    }
+
+    QStringList logLines() const
+    {
+        const QString content = QString::fromUtf8(contentOf(logName));
+        // Without the end of the last line there is a half one.
+        return content.endsWith(QLatin1Char('\n')) ? content.chopped(1).split(QLatin1Char('\n'))
+                                                   : QStringList();
+    }
+
+    const QDir certificates = QDir::current();
+    const QString probeProgram = QStringLiteral(ZORVANE_TEST_BIN_DIR "/app_probe");
+    TlsIdentity ours{"ours"_s};
+    TlsIdentity stranger{"stranger"_s};
+    QScopedPointer<QTemporaryDir> folder;
+    QByteArray output;
+    QByteArray errors;
+};
+
+QTEST_GUILESS_MAIN(FilesTest)
+#include "FilesTest.moc"

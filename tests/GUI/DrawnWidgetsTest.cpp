@@ -1,0 +1,283 @@
+// SPDX-License-Identifier: MIT
+// The widgets that paint themselves: the spinner and the tip.
+#include "tests/support/Test.h"
+
+#include "GUI/CloudToolTip.h"
+#include "GUI/SpinnerWidget.h"
+#include "GUI/TippedButton.h"
+#include "GUI/TippedIcon.h"
+
+using namespace ZorvaneClient::GUI;
+
+namespace {
+
+constexpr int spinnerSide = 80;
+constexpr int spinnerLine = 6;
+
+/// Stands still after the step that the test waits for.
+class CountingSpinner : public SpinnerWidget
+{
+public:
+    using SpinnerWidget::SpinnerWidget;
+    int steps = 0;
+    int lastStep = 0;
+
+protected:
+    void timerEvent(QTimerEvent *event) override
+    {
+        if (steps == lastStep)
+            return;
+        SpinnerWidget::timerEvent(event);
+        ++steps;
+    }
+};
+
+QImage paintingOf(QWidget *widget)
+{
+    QImage image(widget->size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    widget->render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+    return image;
+}
+
+/// Degrees counter-clockwise from three o'clock.
+QColor colorOnRing(const QImage &image, double degrees, double radius)
+{
+    const double angle = qDegreesToRadians(degrees);
+    return image.pixelColor(qRound(spinnerSide / 2 + radius * qCos(angle)),
+                            qRound(spinnerSide / 2 - radius * qSin(angle)));
+}
+
+/// True if full colour meets nothing there, and nowhere else.
+bool hasItsHeadAt(const QImage &image, int degrees)
+{
+    const auto edgeAt = [&image](int place) {
+        constexpr double radius = spinnerSide / 2 - spinnerLine;
+        constexpr int reach = 6;
+        return colorOnRing(image, place + reach, radius).alpha() -
+               colorOnRing(image, place - reach, radius).alpha();
+    };
+    int head = 0;
+    for (int place = 1; place < 360; ++place)
+        head = edgeAt(place) > edgeAt(head) ? place : head;
+    // Less than half a step, and more than a pixel's blur.
+    return qAbs((head - degrees + 540) % 360 - 180) <= 8;
+}
+
+QList<CloudToolTip *> tipsOnScreen()
+{
+    QList<CloudToolTip *> tips;
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows) {
+        if (auto *tip = qobject_cast<CloudToolTip *>(window))
+            tips.append(tip);
+    }
+    return tips;
+}
+
+/// Of the only tip; empty without one.
+QString shownTip()
+{
+    const QList<CloudToolTip *> tips = tipsOnScreen();
+    if (CloudToolTip::isVisible() != !tips.isEmpty() || tips.size() > 1)
+        return "not as it says"_s;
+    return tips.isEmpty() ? QString() : tips.first()->findChild<QLabel *>()->text();
+}
+
+QColor shownColor(const QLabel *label)
+{
+    return label->pixmap(Qt::ReturnByValue).toImage().pixelColor(10, 10);
+}
+
+} // namespace
+
+class DrawnWidgetsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        QPixmap picture(20, 20);
+        picture.fill(Qt::red);
+        QVERIFY(picture.save("red.png"_s));
+        picture.fill(Qt::green);
+        QVERIFY(picture.save("green.png"_s));
+        window.reset(new QWidget);
+        window->setGeometry(200, 200, 400, 300);
+        spinner = new CountingSpinner(window.data());
+        spinner->resize(spinnerSide, spinnerSide);
+        spinner->setLineWidth(spinnerLine);
+        first = new TippedIcon("red.png"_s, "What the first one is for."_s, window.data());
+        second = new TippedIcon("red.png"_s, "The second"_s, window.data());
+        silent = new TippedIcon("red.png"_s, QString(), window.data());
+        button = new TippedButton("red.png"_s, "Press"_s, window.data());
+        int x = 150;
+        for (QWidget *icon : QWidgetList{first, second, silent, button})
+            icon->setGeometry(x += 20, 150, 20, 20);
+        first->setHoverPixmap("green.png"_s);
+        silent->setHoverPixmap("green.png"_s);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window.data()));
+        moveMouseAway();
+    }
+
+    void cleanup()
+    {
+        CloudToolTip::hideTip();
+        window.reset();
+    }
+
+    void turnsClockwiseByTwentyDegrees_data()
+    {
+        rows<int, int>({"steps", "head"}, {{"start", 0, 90},
+                                           {"one step", 1, 70},
+                                           {"past three o'clock", 5, 350},
+                                           {"half a turn", 9, 270},
+                                           {"second turn", 18 + 2, 50}});
+    }
+
+    void turnsClockwiseByTwentyDegrees()
+    {
+        const auto [steps, head] = row<int, int>();
+        const auto timers = [this] {
+            return QAbstractEventDispatcher::instance()->registeredTimers(spinner).size();
+        };
+        QVERIFY(!spinner->isVisible());
+        spinner->start();
+        spinner->lastStep = steps;
+        QTRY_COMPARE(spinner->steps, steps);
+        spinner->start(); // changes nothing
+        QCOMPARE(timers(), 1);
+        QVERIFY(spinner->isVisible());
+        QVERIFY(hasItsHeadAt(paintingOf(spinner), head));
+        spinner->stop();
+        QVERIFY(!spinner->isVisible());
+        QCOMPARE(timers(), 0);
+        spinner->start();
+        QVERIFY(hasItsHeadAt(paintingOf(spinner), 90));
+    }
+
+    void spinnerHasItsColorAndWidth()
+    {
+        spinner->setColor(Qt::red);
+        spinner->start();
+        const QImage image = paintingOf(spinner);
+        // Straight up from the centre, a little after the head, where the colour is nearly full.
+        int inked = 0;
+        for (int radius = 0; radius < spinnerSide / 2; ++radius) {
+            const QColor color = colorOnRing(image, 100, radius);
+            inked += color.alpha() >= 128 && color.red() > 200 && color.green() < 30 ? 1 : 0;
+        }
+        QVERIFY2(qAbs(inked - spinnerLine) <= 1, QByteArray::number(inked));
+    }
+
+    void hoverChangesPictureAndTip()
+    {
+        QCOMPARE(shownTip(), QString());
+        moveMouseTo(first);
+        QCOMPARE(shownColor(first), QColor(Qt::green));
+        QCOMPARE(shownTip(), "What the first one is for."_s);
+        moveMouseTo(second);
+        QCOMPARE(shownTip(), "The second"_s);
+        QCOMPARE(shownColor(first), QColor(Qt::red));
+        QCOMPARE(shownColor(second), QColor(Qt::red)); // no other picture was set
+        moveMouseTo(silent);
+        QCOMPARE(shownColor(silent), QColor(Qt::green));
+        QCOMPARE(shownTip(), QString());
+        moveMouseTo(first);
+        moveMouseAway();
+        QCOMPARE(shownColor(first), QColor(Qt::red));
+        QCOMPARE(shownTip(), QString());
+    }
+
+    void bubblePointsAtItsOwner()
+    {
+        window->setStyleSheet("* { background: rgb(86, 153, 216); color: white; }"_s);
+        moveMouseTo(first);
+        CloudToolTip *tip = tipsOnScreen().first();
+        const QPoint target = first->mapToGlobal(QPoint(0, -5));
+        const int middle = (tip->width() - 1) / 2;
+        const int bottom = tip->height() - 1;
+        QCOMPARE(tip->x(), target.x() - middle + 10);
+        QCOMPARE(tip->geometry().bottom(), target.y());
+        QVERIFY(!tip->isActiveWindow());
+        const QImage image = paintingOf(tip);
+        for (const QPoint &place : {QPoint(middle, bottom - 2), QPoint(middle - 5, bottom - 8),
+                                    QPoint(middle + 5, bottom - 8), QPoint(6, tip->height() / 2)})
+            QCOMPARE(image.pixelColor(place), QColor(Qt::white));
+        for (const QPoint &place :
+             {QPoint(middle - 8, bottom - 2), QPoint(middle + 8, bottom - 2), QPoint(1, 10)})
+            QCOMPARE(image.pixelColor(place).alpha(), 0);
+        QVERIFY(image.pixelColor(3, 3).alpha() < 128);
+        // The sheet of the owner colours neither ground nor text.
+        bool hasText = false;
+        for (int y = 8; y < image.height() - 18; ++y) {
+            for (int x = 8; x < image.width() - 8; ++x) {
+                QVERIFY(image.pixelColor(x, y) != QColor(86, 153, 216));
+                hasText = hasText || image.pixelColor(x, y).lightness() < 128;
+            }
+        }
+        QVERIFY(hasText);
+    }
+
+    void tipClosedFromOutsideIsForgotten()
+    {
+        moveMouseTo(first);
+        QPointer<CloudToolTip> tip = tipsOnScreen().first();
+        tip->close();
+        QTRY_VERIFY(tip.isNull());
+        QVERIFY(!CloudToolTip::isVisible());
+        moveMouseAway();
+        moveMouseTo(first);
+        QCOMPARE(tipsOnScreen().size(), 1);
+    }
+
+    void tipGoesWithItsOwner()
+    {
+        moveMouseTo(first);
+        window.reset();
+        QCOMPARE(shownTip(), QString());
+        CloudToolTip::hideTip();
+    }
+
+    void buttonAnswersMouseAndKeys()
+    {
+        QSignalSpy clicks(button, &TippedButton::clicked);
+        moveMouseTo(button);
+        QCOMPARE(shownTip(), "Press"_s);
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(clicks.size(), 1);
+        for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return, Qt::Key_A})
+            QTest::keyClick(button, key);
+        QCOMPARE(clicks.size(), 3);
+        button->setEnabled(false);
+        QTest::mouseClick(button, Qt::LeftButton);
+        QCOMPARE(clicks.size(), 3);
+    }
+
+private:
+    void moveMouseTo(QWidget *widget)
+    {
+        QTest::mouseMove(window->windowHandle(), widget->geometry().center());
+        QCoreApplication::processEvents();
+    }
+
+    void moveMouseAway()
+    {
+        // A move to where the mouse is already would be no event.
+        QTest::mouseMove(window->windowHandle(), QPoint(120, 20));
+        QTest::mouseMove(window->windowHandle(), QPoint(110, 10));
+        QCoreApplication::processEvents();
+    }
+
+    QScopedPointer<QWidget> window;
+    CountingSpinner *spinner = nullptr;
+    TippedIcon *first = nullptr;
+    TippedIcon *second = nullptr;
+    TippedIcon *silent = nullptr;
+    TippedButton *button = nullptr;
+};
+
+QTEST_MAIN(DrawnWidgetsTest)
+#include "DrawnWidgetsTest.moc"
