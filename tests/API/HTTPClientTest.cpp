@@ -7,6 +7,7 @@
 #include "API/RestClient.h"
 #include "App/Settings.h"
 #include "tests/support/ScriptedService.h"
+#include "tests/support/TlsIdentity.h"
 
 Q_DECLARE_METATYPE(ZorvaneClient::Tests::WireReply)
 
@@ -67,7 +68,7 @@ private slots:
         server = QSharedPointer<MisbehavingServer>::create();
         QVERIFY(server->start());
         told.clear();
-        connectTo(localhost);
+        connectTo(localhost, *server);
     }
 
     void outcomes_data()
@@ -203,7 +204,7 @@ private slots:
         });
         // An address that arrives here and that no rule for loopback keeps from a proxy.
         for (const bool useProxy : {false, true}) {
-            connectTo("0.0.0.0"_s, useProxy);
+            connectTo("0.0.0.0"_s, *server, false, useProxy);
             told.clear();
             client->get("/"_s, QVariantMap(), true);
             QTRY_COMPARE(told, QByteArray(useProxy ? "[-2,204]" : "[{}]"));
@@ -233,6 +234,17 @@ private slots:
         QTRY_COMPARE(told, expected);
     }
 
+    void certificateOfAStranger()
+    {
+        const TlsIdentity stranger("stranger"_s);
+        MisbehavingServer other;
+        QVERIFY(stranger.isValid() && other.start(&stranger));
+        connectTo("localhost"_s, other, true);
+        client->get("/"_s, QVariantMap(), true);
+        QTRY_COMPARE(told, QByteArray("[-2,204]"));
+        QCOMPARE(other.requests().size(), 0);
+    }
+
     // Some callers leave their client behind after a failure.
     void failuresHoldNoThreads()
     {
@@ -240,7 +252,7 @@ private slots:
         QList<QSharedPointer<QObject>> leftBehind;
         const int threads = threadCount();
         for (int i = 0; i < 20; ++i) {
-            connectTo(localhost);
+            connectTo(localhost, *server);
             const auto rest = QSharedPointer<RestClient>::create();
             leftBehind << client << rest;
             listen(*rest, &RestClient::responseReceived, told);
@@ -268,9 +280,10 @@ private slots:
     }
 
 private:
-    void connectTo(const QString &host, bool useProxy = false)
+    void connectTo(const QString &host, const MisbehavingServer &to, bool ssl = false,
+                   bool useProxy = false)
     {
-        client = QSharedPointer<HTTPClient>::create(host, server->port(), false, useProxy);
+        client = QSharedPointer<HTTPClient>::create(host, to.port(), ssl, useProxy);
         listen(*client, &HTTPClient::finished, told);
     }
 
