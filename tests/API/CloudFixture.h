@@ -90,7 +90,6 @@ protected slots:
     void init()
     {
         setTime(0);
-        QDir().rmdir(rosterFile);
         QFile::remove(rosterFile);
         QVERIFY(QDir(cacheFolder()).removeRecursively() && QDir().mkpath(cacheFolder()));
         App::settings().setValue("auth/email"_s, "Demo@Zorvane.EXAMPLE"_s);
@@ -100,8 +99,6 @@ protected slots:
         QTRY_COMPARE(service.requests().size(), 1);
         service.reset();
     }
-
-    void cleanup() { client.reset(); }
 };
 
 } // namespace ZorvaneClient::Tests

@@ -237,6 +237,12 @@ private slots:
         QCOMPARE(layout->name().size(), 1000);
         QCOMPARE(layout->cellList().size(), 32 * 32);
         QCOMPARE(describe(*layout).count(" 32x0 7"_s), 32 * 32);
+        // Nor does a grid that nobody has bounded do any harm.
+        Layout far(parsed(layoutJson("a", "A", hostileCells(), 1000000000)).toMap());
+        QCOMPARE(far.freeCellCount(), std::numeric_limits<int>::max());
+        far.resize(-50, 2);
+        far.setCamera(camera(7), 0, 0, 1, 1);
+        QCOMPARE(far.cellList().size(), 0);
     }
 
     /// Of a 2x2 tile and one below it on a grid of three by three; rows before columns.
@@ -287,17 +293,6 @@ private slots:
         QCOMPARE(layout.id(), "a"_s);
         QCOMPARE(describe(layout), cells);
         QCOMPARE(updated.size(), signalCount);
-    }
-
-    void numbersBeyondAllGrids()
-    {
-        constexpr int most = std::numeric_limits<int>::max();
-        const QByteArray far = cellJson(7, most, most, most, most);
-        Layout layout(parsed(layoutJson("a", "A", far, 1000000000)).toMap());
-        QCOMPARE(layout.freeCellCount(), most);
-        layout.resize(-5, 2);
-        layout.setCamera(camera(7), 0, 0, 1, 1);
-        QCOMPARE(layout.cellList().size(), 0);
     }
 
 private:

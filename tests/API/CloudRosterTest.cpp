@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tests/API/CloudFixture.h"
 
+#include <sys/fsuid.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "API/Camera.h"
 #include "API/Layout.h"
@@ -230,10 +232,20 @@ private slots:
 
     void fileIsWrittenInPlaceWhereNoneCanBeMade()
     {
-        // The name of this thread: beside it, not even root can make a file.
-        const QString name = "/proc/self/comm"_s;
-        QVERIFY(Internal::writePrivateFile(name, "after"));
-        QCOMPARE(contentOf(name), QByteArray("after\n"));
+        // Nobody gets into the folder of this run.
+        const QTemporaryDir folder("/tmp/zorvane-test.XXXXXX"_s);
+        const QString name = folder.filePath("file"_s);
+        writeFile(name, QByteArray(100, 'x'));
+        constexpr uid_t nobody = 65534;
+        QVERIFY(::geteuid() != 0 || ::chown(QFile::encodeName(name), nobody, gid_t(-1)) == 0);
+        ::chmod(QFile::encodeName(name), 0644);
+        ::chmod(QFile::encodeName(folder.path()), 0555);
+        const auto previous = static_cast<uid_t>(::setfsuid(nobody));
+        const bool written = Internal::writePrivateFile(name, "after");
+        ::setfsuid(previous);
+        ::chmod(QFile::encodeName(folder.path()), 0755);
+        QVERIFY(written && isPrivate(name));
+        QCOMPARE(contentOf(name), QByteArray("after"));
     }
 };
 
