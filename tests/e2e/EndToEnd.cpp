@@ -3,39 +3,10 @@
 
 #include "App/Application.h"
 #include "App/Environment.h"
-#include "App/ServiceProfile.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/TimelinePrivate.h"
-#include "GUI/ToolBar.h"
 
 namespace ZorvaneClient::Tests {
-
-namespace {
-
-template <typename T>
-QList<T *> visibleTopLevels()
-{
-    QList<T *> found;
-    const QWidgetList widgets = QApplication::topLevelWidgets();
-    for (QWidget *widget : widgets) {
-        auto *match = qobject_cast<T *>(widget);
-        if (match && match->isVisible())
-            found.append(match);
-    }
-    return found;
-}
-
-template <typename T>
-QList<T *> fromTopToBottom(const QWidget *parent)
-{
-    QList<T *> widgets = parent->findChildren<T *>();
-    std::sort(widgets.begin(), widgets.end(), [](const T *a, const T *b) {
-        return a->mapToGlobal(QPoint()).y() < b->mapToGlobal(QPoint()).y();
-    });
-    return widgets;
-}
-
-} // namespace
 
 void EndToEndTest::startWorld(int servers, int cameras, int lanServers, const QStringList &further)
 {
@@ -86,11 +57,6 @@ int runEndToEnd(int argc, char **argv, const std::function<std::unique_ptr<QObje
     return QTest::qExec(test.get(), argc, argv);
 }
 
-void useService(const DemoService &service)
-{
-    App::ServiceProfile::setCurrent(service.profile());
-}
-
 void letPass(std::chrono::seconds time)
 {
     static std::chrono::seconds ahead{0};
@@ -106,39 +72,17 @@ void pollRoster()
     QCoreApplication::sendEvent(timer, &tick);
 }
 
-GUI::LoginDialog *loginDialog()
-{
-    return visibleTopLevels<GUI::LoginDialog>().value(0);
-}
-
-QList<GUI::MainWindow *> mainWindows()
-{
-    return visibleTopLevels<GUI::MainWindow>();
-}
-
-GUI::MainWindow *mainWindow()
-{
-    return mainWindows().value(0);
-}
-
 void signIn(const QString &email, const QString &password)
 {
     if (!loginDialog())
         qobject_cast<App::Application *>(qApp)->startLogin();
-    GUI::LoginDialog *dialog = loginDialog();
-    auto *emailEdit = dialog->findChild<QLineEdit *>("emailLn"_s);
-    auto *passwordEdit = dialog->findChild<QLineEdit *>("passwordLn"_s);
-    emailEdit->clear();
-    passwordEdit->clear();
-    QTest::keyClicks(emailEdit, email);
-    QTest::keyClicks(passwordEdit, password);
-    QTest::mouseClick(dialog->findChild<QPushButton *>("signInButton"_s), Qt::LeftButton);
-}
-
-bool enter(const DemoService &service)
-{
-    signIn(service.email(), service.password());
-    return QTest::qWaitFor([] { return mainWindow() != nullptr; }, replyDeadlineMs);
+    const auto type = [](const char *field, const QString &text) {
+        part<QLineEdit>(loginDialog(), field)->clear();
+        QTest::keyClicks(part<QLineEdit>(loginDialog(), field), text);
+    };
+    type("emailLn", email);
+    type("passwordLn", password);
+    QTest::mouseClick(part<QPushButton>(loginDialog(), "signInButton"), Qt::LeftButton);
 }
 
 bool leave()
@@ -148,12 +92,6 @@ bool leave()
     emit mainWindow()->signout();
     return QTest::qWaitFor([] { return loginDialog() && mainWindows().isEmpty(); },
                            replyDeadlineMs);
-}
-
-void pressTab(const char *button)
-{
-    auto *toolBar = mainWindow()->findChild<GUI::ToolBar *>();
-    QTest::mouseClick(toolBar->findChild<QPushButton *>(QLatin1String(button)), Qt::LeftButton);
 }
 
 void chooseFromMenu(QPushButton *button, const QString &entry)
@@ -175,17 +113,6 @@ void chooseFromMenu(QPushButton *button, const QString &entry)
     QTest::mouseClick(button, Qt::LeftButton);
 }
 
-QList<GUI::ServerWidget *> serverWidgets()
-{
-    return mainWindow() ? fromTopToBottom<GUI::ServerWidget>(mainWindow())
-                        : QList<GUI::ServerWidget *>();
-}
-
-QList<GUI::CameraWidget *> cardsOf(GUI::ServerWidget *server)
-{
-    return fromTopToBottom<GUI::CameraWidget>(server);
-}
-
 GUI::CameraWidget *card(GUI::MainWindow *window, const QString &server, int camera)
 {
     const auto cards = window->findChildren<GUI::CameraWidget *>();
@@ -194,11 +121,6 @@ GUI::CameraWidget *card(GUI::MainWindow *window, const QString &server, int came
             return card;
     }
     return nullptr;
-}
-
-GUI::CameraWidget *card(const QString &server, int camera)
-{
-    return mainWindow() ? card(mainWindow(), server, camera) : nullptr;
 }
 
 void reveal(GUI::CameraWidget *card)
@@ -228,29 +150,12 @@ bool playsFromCard(const DemoCamera &camera)
            showsMovingPicture(tile(), camera.number);
 }
 
-GUI::Timeline *timeline()
-{
-    return mainWindow()->findChild<GUI::Timeline *>();
-}
-
 QPoint placeOf(const QDateTime &moment)
 {
     const double share = double(timeline()->startValue().msecsTo(moment)) /
                          timeline()->startValue().msecsTo(timeline()->endValue());
     const int scale = timeline()->width() - 2 * GUI::Internal::timelineMargin;
     return {GUI::Internal::timelineMargin + qRound(share * scale), 30};
-}
-
-GUI::Player::VideoWidget *tile()
-{
-    return mainWindow() ? mainWindow()->findChild<GUI::Player::VideoWidget *>() : nullptr;
-}
-
-std::optional<Strip> stripOf(GUI::Player::VideoWidget *tile)
-{
-    if (!tile)
-        return std::nullopt;
-    return StripReader::readTile(tile->grab().toImage());
 }
 
 bool showsMovingPicture(GUI::Player::VideoWidget *tile, int cameraNumber)

@@ -7,6 +7,7 @@
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
 #include "API/Server.h"
+#include "App/ServiceProfile.h"
 #include "GUI/CameraWidget.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/LoginDialog.h"
@@ -14,6 +15,7 @@
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/ServerWidget.h"
 #include "GUI/Timeline.h"
+#include "GUI/ToolBar.h"
 #include "demo/client/DemoService.h"
 #include "demo/client/StripReader.h"
 
@@ -60,7 +62,10 @@ int runEndToEnd(int argc, char **argv, const std::function<std::unique_ptr<QObje
     }
 
 /// Points the running application at `service`.
-void useService(const DemoService &service);
+inline void useService(const DemoService &service)
+{
+    App::ServiceProfile::setCurrent(service.profile());
+}
 /// Moves the program's clock on, so that its throttles and limits are over at once.
 void letPass(std::chrono::seconds time);
 /// The next look at the roster, which would come by itself within 20 seconds.
@@ -72,31 +77,78 @@ T *part(const QWidget *parent, const char *name)
     return parent->findChild<T *>(QLatin1String(name));
 }
 
-/// The dialog on the screen, or null.
-GUI::LoginDialog *loginDialog();
-/// The main windows on the screen.
-QList<GUI::MainWindow *> mainWindows();
-GUI::MainWindow *mainWindow();
+template <typename T>
+QList<T *> visibleWindows()
+{
+    QList<T *> found;
+    const QWidgetList widgets = QApplication::topLevelWidgets();
+    for (QWidget *widget : widgets) {
+        if (auto *match = qobject_cast<T *>(widget); match && match->isVisible())
+            found.append(match);
+    }
+    return found;
+}
+
+template <typename T>
+QList<T *> fromTopToBottom(const QWidget *parent)
+{
+    QList<T *> widgets = parent ? parent->findChildren<T *>() : QList<T *>();
+    std::sort(widgets.begin(), widgets.end(), [](const T *a, const T *b) {
+        return a->mapToGlobal(QPoint()).y() < b->mapToGlobal(QPoint()).y();
+    });
+    return widgets;
+}
+
+// Null when there is none on the screen.
+inline GUI::LoginDialog *loginDialog()
+{
+    return visibleWindows<GUI::LoginDialog>().value(0);
+}
+inline QList<GUI::MainWindow *> mainWindows()
+{
+    return visibleWindows<GUI::MainWindow>();
+}
+inline GUI::MainWindow *mainWindow()
+{
+    return mainWindows().value(0);
+}
 
 /// Shows the dialog if need be, types the account into it and presses the button.
 void signIn(const QString &email, const QString &password);
 /// The same with the account of `service`, and waits for the main window.
-bool enter(const DemoService &service);
+inline bool enter(const DemoService &service)
+{
+    signIn(service.email(), service.password());
+    return QTest::qWaitFor([] { return mainWindow() != nullptr; }, replyDeadlineMs);
+}
 /// Signs out from the open windows and waits for the dialog.
 bool leave();
 
 /// Presses a button of the tool bar, such as "settingsButton".
-void pressTab(const char *button);
+inline void pressTab(const char *button)
+{
+    QTest::mouseClick(part<QPushButton>(mainWindow()->findChild<GUI::ToolBar *>(), button),
+                      Qt::LeftButton);
+}
 /// Opens the button's menu and clicks the entry of that text.
 void chooseFromMenu(QPushButton *button, const QString &entry);
 
 /// From top to bottom of the roster.
-QList<GUI::ServerWidget *> serverWidgets();
+inline QList<GUI::ServerWidget *> serverWidgets()
+{
+    return fromTopToBottom<GUI::ServerWidget>(mainWindow());
+}
 /// From top to bottom within the server's entry.
-QList<GUI::CameraWidget *> cardsOf(GUI::ServerWidget *server);
+inline QList<GUI::CameraWidget *> cardsOf(GUI::ServerWidget *server)
+{
+    return fromTopToBottom<GUI::CameraWidget>(server);
+}
 GUI::CameraWidget *card(GUI::MainWindow *window, const QString &server, int camera);
 /// In the first window.
-GUI::CameraWidget *card(const QString &server, int camera);
+inline GUI::CameraWidget *card(const QString &server, int camera)
+{
+    return mainWindow() ? card(mainWindow(), server, camera) : nullptr;
+}
 /// Scrolls the card into view.
 void reveal(GUI::CameraWidget *card);
 /// Keeps the card in view, whatever the roster does meanwhile, until its preview is there.
@@ -104,13 +156,22 @@ bool getsPreview(GUI::CameraWidget *card);
 /// Clicks the camera's card; true once the only tile shows its moving picture.
 bool playsFromCard(const DemoCamera &camera);
 
-GUI::Timeline *timeline();
+inline GUI::Timeline *timeline()
+{
+    return mainWindow()->findChild<GUI::Timeline *>();
+}
 /// Where on the strip a moment of the shown part stands.
 QPoint placeOf(const QDateTime &moment);
 /// The first tile of the first main window, or null.
-GUI::Player::VideoWidget *tile();
+inline GUI::Player::VideoWidget *tile()
+{
+    return mainWindow() ? mainWindow()->findChild<GUI::Player::VideoWidget *>() : nullptr;
+}
 /// What the painted tile shows.
-std::optional<Strip> stripOf(GUI::Player::VideoWidget *tile);
+inline std::optional<Strip> stripOf(GUI::Player::VideoWidget *tile)
+{
+    return tile ? StripReader::readTile(tile->grab().toImage()) : std::nullopt;
+}
 /// True once the painted tile shows that camera and its picture goes on.
 bool showsMovingPicture(GUI::Player::VideoWidget *tile, int cameraNumber);
 /// The tile's running child, 0 when there is none.
