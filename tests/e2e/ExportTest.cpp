@@ -3,16 +3,12 @@
 
 #include <cmath>
 
-#include <sys/resource.h>
-
 #include "tests/e2e/Wall.h"
 
 namespace {
 
 constexpr int exportDeadlineMs = 120'000;
 constexpr double maxLengthErrorSeconds = 1.0;
-constexpr int slowBytesPerSecond = 20'000;
-constexpr rlim_t fullDiskBytes = 50'000;
 
 QByteArray outputOf(const QString &command)
 {
@@ -100,38 +96,6 @@ private slots:
         QCOMPARE(first->milliseconds / 1000, from.time().second());
     }
 
-    void cancelLeavesNoFileAndAFullDiskIsTold()
-    {
-        select({"11:00:00"_s, "13:00:00"_s}, at("11:58:00"_s), 240);
-        DemoFault slow;
-        slow.kind = "slow"_s;
-        slow.route = "/flv/archive"_s;
-        slow.value = slowBytesPerSecond;
-        QVERIFY(service.addFault(slow));
-        QSignalSpy failed(gridOf(mainWindow()), &GUI::LayoutWidget::exportError);
-        for (const bool full : {false, true}) {
-            press(mainWindow(), "exportButton");
-            QTRY_VERIFY_WITH_TIMEOUT(isExporting(), replyDeadlineMs);
-            const qint64 child = exportChild();
-            QVERIFY(child > 0);
-            const rlimit limit = {fullDiskBytes, fullDiskBytes};
-            if (full)
-                QCOMPARE(::prlimit(static_cast<pid_t>(child), RLIMIT_FSIZE, &limit, nullptr), 0);
-            else
-                press(mainWindow(), "cancelButton");
-            QTRY_COMPARE_WITH_TIMEOUT(failed.size(), full ? 1 : 0, exportDeadlineMs);
-            QTRY_COMPARE(exportChild(), qint64(0));
-            QVERIFY(!isExporting());
-            QCOMPARE(files(), QStringList());
-            if (!full)
-                select({"11:00:00"_s, "13:00:00"_s}, at("11:58:00"_s), 240);
-        }
-        const auto labels = gridOf(mainWindow())->findChildren<QLabel *>();
-        QVERIFY(std::any_of(labels.begin(), labels.end(), [](const QLabel *label) {
-            return label->text().contains("Error while exporting."_s);
-        }));
-    }
-
 private:
     QStringList files() const { return folder.entryList(QDir::Files | QDir::Hidden); }
 
@@ -139,16 +103,6 @@ private:
     {
         auto *panel = part<QStackedWidget>(mainWindow(), "exportControl");
         return panel->isVisible() && panel->currentWidget()->objectName() == "exportLabelPage"_s;
-    }
-
-    static qint64 exportChild()
-    {
-        const auto processes = tile()->findChildren<QProcess *>();
-        for (const QProcess *process : processes) {
-            if (process->arguments().value(0) == "export"_s)
-                return process->processId();
-        }
-        return 0;
     }
 
     /// Goes to the archive's export page with a fragment; `records` are begin and end in turn.

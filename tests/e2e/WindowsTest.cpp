@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/EndToEnd.h"
 
-#include "App/Settings.h"
 #include "tests/e2e/Wall.h"
-#include "tests/support/LogCapture.h"
 
 using GUI::MainWindow;
 using GUI::Player::VideoWidget;
@@ -28,15 +26,6 @@ bool hasBorder(VideoWidget *tile)
     const QImage painted = tile->grab().toImage();
     return painted.pixelColor(1, painted.height() / 2) == selection &&
            painted.pixelColor(painted.width() / 2, painted.height() - 2) == selection;
-}
-
-/// The volume that the tile itself has, from the line it logs when it is clicked.
-QString volumeOf(VideoWidget *tile)
-{
-    const LogCapture log;
-    QTest::mouseClick(tile, Qt::LeftButton);
-    const QString line = log.linesOf("Activated camera:"_s).value(0);
-    return line.section(" volume: "_s, 1).section(' ', 0, 0);
 }
 
 MainWindow *cloneOf(MainWindow *window)
@@ -105,16 +94,6 @@ private slots:
         QCOMPARE(borders(), (QList<bool>{false, false, true}));
         QTest::mouseClick(tileOf(first, left), Qt::LeftButton);
         QCOMPARE(borders(), (QList<bool>{true, true, false}));
-
-        // So is the volume, and every tile has it.
-        for (const auto &[changed, other] : {qMakePair(first, second), qMakePair(second, first)}) {
-            const int volume = changed == first ? 73 : 21;
-            part<QSlider>(changed, "soundSlider")->setValue(volume);
-            QCOMPARE(part<QSlider>(other, "soundSlider")->value(), volume);
-            QCOMPARE(App::settings().value("sound/volume"_s).toInt(), volume);
-        }
-        QCOMPARE(volumeOf(tileOf(first, left)), "21"_s);
-        QCOMPARE(volumeOf(tileOf(second, right)), "21"_s);
 
         // A closed window leaves the other playing.
         QTRY_COMPARE(service.openStreams(), 3);
