@@ -15,9 +15,7 @@ using namespace ZorvaneClient::GUI;
 namespace {
 
 constexpr int screenHeight = 1440;
-constexpr int stepMs = 10;
 constexpr int deadlineMs = 40000;
-constexpr QPoint besideTheMiddle(30, 20);
 
 /// Such as "mousedown 1", the left button.
 void xdotool(const QString &words)
@@ -64,7 +62,7 @@ public:
         if (!QTest::qWaitFor(isReached, deadlineMs))
             return "not reached"_s;
         xdotool("mousedown 1"_s);
-        startTimer(stepMs);
+        startTimer(10);
         time.start();
         // Looked at outside the drag's own loop only, so the source has come back from it.
         return QTest::qWaitFor([this] { return isOver; }, 2 * deadlineMs) ? taker : "stuck"_s;
@@ -88,19 +86,21 @@ protected:
     void timerEvent(QTimerEvent *) override
     {
         const bool isDown = QApplication::mouseButtons() == Qt::LeftButton;
+        const bool isLate = time.hasExpired(deadlineMs);
         if (isReleased) {
             isOver = !isDragOn() && !isDown;
-        } else if (time.hasExpired(deadlineMs)) {
-            taker = isAsked ? "no drag"_s : "not asked"_s;
-            QDrag::cancel();
-            release();
-        } else if (isDown && isAsked && isDragOn()) {
+        } else if (isLate || (isDown && isAsked && isDragOn())) {
             wasLit = target->grab().toImage() != unlit;
-            release();
+            if (isLate) {
+                taker = isAsked ? "no drag"_s : "not asked"_s;
+                QDrag::cancel();
+            }
+            isReleased = true;
+            xdotool("mouseup 1"_s);
         } else if (isDown) {
             // Two places in turn: a drag hears of the pointer only when it moves.
-            isAside = !isAside;
-            moveTo(middleOf(target) + besideTheMiddle + QPoint(isAside, 0));
+            const QPoint place = middleOf(target) + QPoint(30, 20);
+            moveTo(QCursor::pos() == place ? place + QPoint(1, 0) : place);
         }
     }
 
@@ -110,12 +110,6 @@ private:
         return widget->mapToGlobal(widget->rect().center());
     }
 
-    void release()
-    {
-        isReleased = true;
-        xdotool("mouseup 1"_s);
-    }
-
     QPointer<QWidget> source;
     QPointer<QWidget> target;
     QImage unlit;
@@ -123,29 +117,24 @@ private:
     QElapsedTimer time;
     bool isAsked = false;
     bool isReleased = false;
-    bool isAside = false;
     bool isOver = false;
 };
 
-/// The card of a camera, server or layout, the whole grid, or one cell.
+/// The card of the third camera, the last server or the layout, the whole grid, or one cell.
 QWidget *widgetFor(const MainWindow &window, const QString &words)
 {
     const QStringList place = words.split(' ');
     if (place.first() == "cell"_s)
         return widgetAt(*gridOf(window), place.at(1).toInt(), place.at(2).toInt());
-    if (place.first() == "grid"_s)
+    if (words == "grid"_s)
         return gridOf(window);
-    QWidget *found = window.findChild<LayoutCard *>();
-    for (auto *card : window.findChildren<CameraWidget *>()) {
-        if (card->camera()->name() == place.last())
-            found = card;
-    }
-    for (auto *entry : window.findChildren<ServerWidget *>()) {
-        if (entry->server()->id() == place.last())
-            found = entry->findChild<QWidget *>("controlBar"_s);
-    }
-    window.findChild<RosterWidget *>()->ensureWidgetVisible(found);
-    return found;
+    QWidget *card = window.findChild<LayoutCard *>();
+    if (words == "camera"_s)
+        card = window.findChildren<CameraWidget *>().at(2);
+    else if (words == "server"_s)
+        card = window.findChildren<ServerWidget *>().last()->findChild<QWidget *>("controlBar"_s);
+    window.findChild<RosterWidget *>()->ensureWidgetVisible(card);
+    return card;
 }
 
 } // namespace
@@ -171,13 +160,13 @@ private slots:
     {
         rows<QString, QString, QString, QString>(
             {"from", "to", "taker", "after"},
-            {{"camera to a placeholder", "camera c", "cell 1 0", "VideoPlaceholder", "a b | c ."},
-             {"camera to a tile", "camera c", "cell 0 1", "VideoWidget", "a c | . ."},
+            {{"camera to a placeholder", "camera", "cell 1 0", "VideoPlaceholder", "a b | c ."},
+             {"camera to a tile", "camera", "cell 0 1", "VideoWidget", "a c | . ."},
              {"tile to a tile", "cell 0 0", "cell 0 1", "VideoWidget", "b a | . ."},
              {"tile to a placeholder", "cell 0 0", "cell 1 1", "VideoPlaceholder", ". b | . a"},
              {"tile to itself", "cell 0 0", "cell 0 0", "VideoWidget", "a b | . ."},
              {"tile to another window", "cell 0 0", "other", "", "a b | . ."},
-             {"server to the grid", "server yard", "grid", "LayoutWidget", "a b | c d | e ."},
+             {"server to the grid", "server", "grid", "LayoutWidget", "a b | c d | e ."},
              {"layout to the grid", "layout", "grid", "LayoutWidget", ". e"}});
     }
 

@@ -82,9 +82,13 @@ inline QString cellsOf(const GUI::LayoutWidget &grid)
     return result.join(" | "_s);
 }
 
-/// Drags something over a widget and lets go, if the widget wants it.
-inline bool drop(QWidget *target, const QString &format, const QByteArray &bytes)
+/// Drags these values, one after the other, over a widget and lets go, if the widget wants it.
+template <typename... Values>
+bool drop(QWidget *target, const QString &format, const Values &...values)
 {
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    (stream << ... << values);
     QMimeData data;
     data.setData(format, bytes);
     QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
