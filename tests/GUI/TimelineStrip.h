@@ -12,6 +12,7 @@
 namespace ZorvaneClient::Tests {
 
 inline const QDate stripDay(2026, 3, 10);
+inline const QColor stripGround(41, 44, 49);
 constexpr int stripWidth = 1030; ///< with 1000 pixels of scale, from x 15 to 1015
 
 inline void useZone(const QByteArray &zone)
@@ -110,10 +111,7 @@ struct TimelineStrip {
 
     QString selection() const { return textOf(state.selectionStart, state.selectionEnd); }
 
-    void addCamera(const API::CameraPtr &camera)
-    {
-        state.cameras.insert(camera->globalId(), camera);
-    }
+    void add(const API::CameraPtr &camera) { state.cameras.insert(camera->globalId(), camera); }
 };
 
 } // namespace ZorvaneClient::Tests

@@ -1,18 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/Test.h"
-
 #include "App/Environment.h"
 #include "GUI/MainWindow.h"
 #include "GUI/TimelineTooltip.h"
 #include "tests/GUI/ArchiveWorld.h"
 #include "tests/GUI/TimelineStrip.h"
 
-using App::Environment;
 using GUI::Timeline;
 
 namespace {
-
-const QColor background(41, 44, 49);
 
 /// The left button in words: "press 515 drag 505 release 505"; "move" is without it.
 void use(Timeline &timeline, const QString &mouse)
@@ -58,7 +53,7 @@ bool showsMessage(Timeline &timeline, const QString &text)
     // A size in points is the same number of pixels as on the widget.
     expected.setDotsPerMeterX(qRound(timeline.logicalDpiX() / metresPerInch));
     expected.setDotsPerMeterY(qRound(timeline.logicalDpiY() / metresPerInch));
-    expected.fill(background);
+    expected.fill(stripGround);
     QPainter painter(&expected);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(timeline.font());
@@ -93,7 +88,7 @@ private slots:
         useZone("Europe/Berlin");
         world.reset();
         now = at("12:00");
-        Environment::setClock([this] { return now; });
+        App::Environment::setClock([this] { return now; });
         timeline.reset(new Timeline(stripDay));
         timeline->resize(stripWidth, timeline->height());
         timeline->show();
@@ -104,7 +99,7 @@ private slots:
     {
         timeline.reset();
         QVERIFY(!tooltip());
-        Environment::setClock({});
+        App::Environment::setClock({});
     }
 
     void movesTheWindow_data()
@@ -115,7 +110,6 @@ private slots:
         const QString noon = "12:00 to 14:00";
         const QString tenHours = "2:00 to 12:00";
         const QString tenMinutes = "10:00 to 10:10";
-        const QString last = "23:49:59 to 23:59:59";
         // Level -1: none is told.
         rows<QString, QString, QString, int>(
             {"window", "action", "expected", "level"},
@@ -141,23 +135,20 @@ private slots:
              {"Ctrl, 120", hour, "wheel 515 120 Ctrl", "12:02:30 to 13:02:30", -1},
              {"Ctrl, 119", hour, "wheel 515 119 Ctrl", "11:57:30 to 12:57:30", -1},
              {"Ctrl and Shift", hour, "wheel 515 -120 Ctrl Shift", wider, 92},
-             {"a tenth", "2:00 to 4:24", "wheel 515 120 Ctrl", "2:06 to 4:30", -1},
              {"little room before", "0:10 to 10:10", "wheel 515 -120 Ctrl", "0:00 to 10:00", -1},
              {"after", "13:50 to 23:50", "wheel 515 120 Ctrl", "13:59:59 to 23:59:59", -1},
              {"left", tenHours, "scrollLeft", "2:25 to 12:25", -1},
              {"right", tenHours, "scrollRight", "1:35 to 11:35", -1},
 
              {"pan, two seconds", tenMinutes, "press 515 drag 513", "10:00:02 to 10:10:02", -1},
-             {"one second", tenMinutes, "press 515 drag 514", "10:00:01 to 10:10:01", -1},
              {"less than one", tenMinutes, "press 515 drag 516", tenMinutes, -1},
              {"one second back", tenMinutes, "press 515 drag 517", "9:59:59 to 10:09:59", -1},
-             {"to and fro", tenMinutes, "press 515 drag 505 drag 510", "10:00:03 to 10:10:03", -1},
-             {"at the day's begin", "0:00 to 0:10", "press 515 drag 900", "0:00 to 0:10", -1},
-             {"near it", "0:00:30 to 0:10:30", "press 515 drag 900", "0:00 to 0:10", -1},
+             {"near the day's begin", "0:00:30 to 0:10:30", "press 515 drag 900", "0:00 to 0:10",
+              -1},
              // What was pulled too far isn't made up for on the way back.
              {"and back", "0:01 to 0:11", "press 9 drag 900 drag 890", "0:00:06 to 0:10:06", -1},
-             {"at the day's end", last, "press 515 drag 100", last, -1},
-             {"near that", "23:49:30 to 23:59:30", "press 515 drag 100", last, -1},
+             {"near its end", "23:49:30 to 23:59:30", "press 515 drag 100", "23:49:59 to 23:59:59",
+              -1},
              {"half", "12:00 to 12:16:40", "press 15 drag -9.6", "12:00:25 to 12:17:05", -1}});
     }
 
@@ -200,13 +191,12 @@ private slots:
 
     void zoomsToALevel()
     {
-        QSignalSpy zoomed(timeline.data(), &Timeline::zoomed);
-        const auto levelsTo = [this, &zoomed](int level) {
-            zoomed.clear();
+        QString levels;
+        connect(timeline.data(), &Timeline::zoomed, timeline.data(),
+                [&levels](int level) { levels += QString::number(level) + ' '; });
+        const auto levelsTo = [this, &levels](int level) {
+            levels.clear();
             timeline->zoom(level);
-            QString levels;
-            for (const QList<QVariant> &each : qAsConst(zoomed))
-                levels += each.first().toString() + ' ';
             return levels;
         };
         QCOMPARE(levelsTo(12), "5 10 15 "_s);
@@ -249,8 +239,6 @@ private slots:
         QTest::mouseClick(timeline.data(), Qt::RightButton, Qt::NoModifier, QPoint(400, 20));
         QSignalSpy played(timeline.data(), &Timeline::playTime);
         const int lastWord = mouse.lastIndexOf("release");
-        if (plays > 0)
-            QTest::ignoreMessage(QtDebugMsg, QRegularExpression("^current time: "));
         use(*timeline, mouse.left(lastWord));
         now = now.addMSecs(heldMs);
         use(*timeline, mouse.mid(lastWord));
@@ -393,10 +381,10 @@ private slots:
         QCOMPARE(timeline->cameraCount(), 1);
         QVERIFY(showsMessage(*timeline, "Loading records..."_s));
         // The bar begins at x 431.
-        QTRY_VERIFY(onScreen(*timeline).pixelColor(433, 30) != background);
+        QTRY_VERIFY(onScreen(*timeline).pixelColor(433, 30) != stripGround);
         QCOMPARE(updated.size(), 1);
         const QImage after = onScreen(*timeline);
-        QCOMPARE(after.pixelColor(429, 30), background);
+        QCOMPARE(after.pixelColor(429, 30), stripGround);
         QCOMPARE(world.requestedDays(1), QList<QDate>{stripDay});
         timeline->showText("Hidden by records"_s);
         QCOMPARE(picture(*timeline), after);
@@ -468,10 +456,10 @@ private slots:
         QCOMPARE(world.requestedDays(1), QList<QDate>{stripDay});
         timeline->changeDate(next);
         QCOMPARE(windowOf(*timeline), "+1 9:00 to +1 15:00"_s);
-        QTRY_VERIFY(onScreen(*timeline).pixelColor(300, 30) != background);
+        QTRY_VERIFY(onScreen(*timeline).pixelColor(300, 30) != stripGround);
         QCOMPARE(world.requestedDays(1), (QList<QDate>{stripDay, next}));
         timeline->changeDate(stripDay);
-        QTRY_COMPARE(onScreen(*timeline).pixelColor(300, 30), background);
+        QTRY_COMPARE(onScreen(*timeline).pixelColor(300, 30), stripGround);
     }
 
     void aCameraThatForbidsExport()

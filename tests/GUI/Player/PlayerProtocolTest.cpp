@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/Test.h"
-
 #include <csignal>
 
 #include <sys/resource.h>
 
-#include "API/Camera.h"
-#include "App/Environment.h"
 #include "App/Settings.h"
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/ProcessTraces.h"
 
 using GUI::Player::VideoWidget;
 
@@ -26,13 +21,6 @@ QString frameFileOf(const ScriptedChild &child)
     return QDir::tempPath() + QDir::separator() + child.starts().last().value(1);
 }
 
-/// Name that the next tile's frame file will have after that of `last`.
-QString nextFrameFile(const QString &last)
-{
-    const int dash = last.lastIndexOf(QLatin1Char('-')) + 1;
-    return last.left(dash) + QString::number(last.mid(dash).toLongLong() + 1);
-}
-
 /// State, resolution and colour of a tile.
 QString said(VideoWidget &tile)
 {
@@ -40,7 +28,7 @@ QString said(VideoWidget &tile)
     const QRegularExpressionMatch match = pattern.match(dumpOf(tile));
     const QHash<QString, QString> names{
         {"#ff0000", "red"}, {"#000000", "black"}, {"#19191d", "dark"}};
-    const QString color = names.value(pixelOf(tile, 20, 120).name(), "other"_s);
+    const QString color = names.value(onScreen(tile).pixelColor(20, 120).name(), "other"_s);
     return "%1 %2x%3 %4"_s.arg(match.captured(1), match.captured(2), match.captured(3), color);
 }
 
@@ -108,7 +96,7 @@ private slots:
         QVERIFY(!QFileInfo::exists(path));
     }
 
-    void frameFileThatCannotBe()
+    void frameFileOrProgramThatCannotBe()
     {
         ScriptedTile first;
         QVERIFY(first.playLive());
@@ -119,7 +107,10 @@ private slots:
         small.rlim_cur = 1 << 20;
         const auto handler = std::signal(SIGXFSZ, SIG_IGN);
         for (const bool isInTheWay : {true, false}) {
-            const QString path = nextFrameFile(frameFileOf(first));
+            // The next tile's file has the next number.
+            const QString last = frameFileOf(first);
+            const int dash = last.lastIndexOf('-') + 1;
+            const QString path = last.left(dash) + QString::number(last.mid(dash).toLongLong() + 1);
             const auto starts = first.starts().size();
             VideoWidget tile(localCamera());
             QSignalSpy failed(&tile, &VideoWidget::error);
@@ -144,6 +135,15 @@ private slots:
             QCOMPARE(victim.size(), qint64(0));
         }
         std::signal(SIGXFSZ, handler);
+
+        // Without the program a tile waits for it.
+        first.setScript("print frame\\n"_s);
+        App::Environment::setPlayerProgram("/nowhere/player"_s);
+        QVERIFY(first.playLive());
+        tick(first);
+        QCOMPARE(stateOf(first), "Starting"_s);
+        App::Environment::setPlayerProgram(ScriptedChild::program());
+        QVERIFY(first.playsLive());
     }
 
     void commands()
@@ -228,10 +228,8 @@ private slots:
         QSignalSpy read(&process, &QProcess::readyReadStandardOutput);
         const LogCapture log;
         QVERIFY(tile.playLive());
-        if (isTorn) {
-            QTRY_VERIFY(!read.isEmpty());
-            tile.tell("more"_s);
-        }
+        QTRY_VERIFY(!isTorn || !read.isEmpty());
+        tile.tell("more"_s);
         QTRY_VERIFY_WITH_TIMEOUT(
             process.state() == QProcess::NotRunning || vlcStateOf(tile) == "mark"_s, 60000);
         QTRY_COMPARE(said(tile), expected);
@@ -261,12 +259,10 @@ private slots:
     void positions()
     {
         const FakeClock clock(noon);
-        ScriptedTile tile(
-            "print time 1000\\ntime 2500\\ntime 1500\\ntime 0\\ntime -40\\ntime 1.5\\n"
-            "time 99999999999\\nstate mark\\n"_s);
+        ScriptedTile tile("print time 1000\\ntime 2500\\ntime 1500\\ntime 0\\ntime -40\\n"
+                          "time 1.5\\ntime 99999999999\\nstate mark\\n"_s);
         QList<qlonglong> deltas;
-        connect(&tile, &VideoWidget::msecsAdded, this,
-                [&deltas](qlonglong msecs) { deltas << msecs; });
+        connect(&tile, &VideoWidget::msecsAdded, &tile, [&](qlonglong ms) { deltas << ms; });
         QVERIFY(tile.playArchive(noon, noon.addSecs(600)));
         QTRY_COMPARE(vlcStateOf(tile), "mark"_s);
         QCOMPARE(deltas, QList<qlonglong>({1000, 1500, -1000}));
@@ -283,25 +279,14 @@ private slots:
         QCOMPARE(deltas.last(), 4000);
     }
 
-    void programThatCannotStart()
-    {
-        ScriptedTile tile("print frame\\n"_s);
-        App::Environment::setPlayerProgram("/nowhere/player"_s);
-        QVERIFY(tile.playLive());
-        tick(tile);
-        QCOMPARE(stateOf(tile), "Starting"_s);
-        App::Environment::setPlayerProgram(ScriptedChild::program());
-        QVERIFY(tile.playsLive());
-    }
-
     /// Tiles by the dozen, and children that are killed.
     void nothingStays()
     {
-        constexpr int warmUpCycles = 5;
         const int cycles = qEnvironmentVariableIsSet("ZORVANE_SOAK") ? 500 : 25;
         const LogCapture log; // keeps the console quiet
         ProcessTraces before;
-        for (int cycle = -warmUpCycles; cycle < cycles; ++cycle) {
+        // The first five warm up.
+        for (int cycle = -5; cycle < cycles; ++cycle) {
             if (cycle == 0)
                 before = ProcessTraces::now();
             ScriptedTile tile("solid 64 48 ff0000ff|print size 64 48\\n|pace 500 frame\\n"_s);
@@ -314,7 +299,7 @@ private slots:
                 QVERIFY(tile.playLive());
             }
             QTRY_COMPARE(stateOf(tile), "Playing"_s);
-            QTRY_COMPARE(pixelOf(tile, 20, 120), QColor(Qt::red));
+            QTRY_COMPARE(onScreen(tile).pixelColor(20, 120), QColor(Qt::red));
         }
         QCOMPARE(ProcessTraces::now().text(), before.text());
     }

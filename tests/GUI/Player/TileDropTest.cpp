@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/Test.h"
-
 #include "API/Camera.h"
 #include "GUI/Player/VideoPlaceholder.h"
 #include "tests/GUI/Player/TileFixture.h"

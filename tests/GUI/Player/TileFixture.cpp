@@ -21,11 +21,10 @@ API::CameraPtr localCamera(const QString &name)
 
 API::CameraPtr cloudCamera(const QVariantMap &changes)
 {
-    const QVariantMap services{{"enabled"_s, QVariantMap{{"active"_s, true}}}};
     QVariantMap json{{"id"_s, 7},
                      {"name"_s, "Gate"_s},
                      {"online"_s, true},
-                     {"services"_s, services},
+                     {"services"_s, QVariantMap{{"enabled"_s, QVariantMap{{"active"_s, true}}}}},
                      {"rights"_s, QStringList{"live", "archive"}}};
     json.insert(changes);
     API::Server server(QVariantMap{{"id"_s, "srv"_s}});
@@ -96,11 +95,6 @@ QImage onScreen(const QWidget &window)
 {
     const QPixmap shown = window.screen()->grabWindow(window.winId());
     return shown.toImage().convertToFormat(QImage::Format_RGB32);
-}
-
-QColor pixelOf(const QWidget &window, int x, int y)
-{
-    return onScreen(window).pixelColor(x, y);
 }
 
 bool showsText(VideoWidget &tile, const QString &text)

@@ -48,16 +48,12 @@ bool expireTimer(QObject &owner, std::chrono::milliseconds wait);
 
 /// What is to be seen of a window now, without another paint of it.
 QImage onScreen(const QWidget &window);
-QColor pixelOf(const QWidget &window, int x, int y);
 /// Waits until the tile shows `text` and no picture.
 bool showsText(GUI::Player::VideoWidget &tile, const QString &text);
 
 /// The wall clock under a test's control, while it lives.
-class FakeClock
-{
+struct FakeClock {
     Q_DISABLE_COPY(FakeClock)
-
-public:
     explicit FakeClock(const QDateTime &start) : time(start)
     {
         App::Environment::setClock([this] { return time; });
@@ -67,7 +63,6 @@ public:
     QDateTime now() const { return time; }
     void advance(int seconds) { time = time.addSecs(seconds); }
 
-private:
     QDateTime time;
 };
 

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/Test.h"
-
 #include "API/Camera.h"
 #include "GUI/Player/PlayerNotification.h"
 #include "tests/GUI/Player/TileFixture.h"
 
-using namespace std::chrono_literals;
 using GUI::PlayerNotification;
 using GUI::Player::VideoWidget;
 
@@ -93,14 +90,14 @@ private slots:
                           "|solid 64 48 0000ffff|print frame\\n|wait white"
                           "|solid 64 48 ffffffff|print state white\\n"_s);
         QVERIFY(tile.playLive());
-        QTRY_COMPARE(pixelOf(tile, 160, 120), QColor(Qt::red));
+        QTRY_COMPARE(onScreen(tile).pixelColor(160, 120), QColor(Qt::red));
         tile.tell("blue"_s);
-        QTRY_COMPARE(pixelOf(tile, 160, 120), QColor(Qt::blue));
+        QTRY_COMPARE(onScreen(tile).pixelColor(160, 120), QColor(Qt::blue));
         // What the child writes shows at the next paint, announced or not.
         tile.tell("white"_s);
         QTRY_COMPARE(vlcStateOf(tile), "white"_s);
         tile.repaint();
-        QCOMPARE(pixelOf(tile, 160, 120), QColor(Qt::white));
+        QCOMPARE(onScreen(tile).pixelColor(160, 120), QColor(Qt::white));
         tile.hide();
         QCOMPARE(tile.grab().toImage().pixelColor(160, 120), background);
     }
@@ -108,29 +105,33 @@ private slots:
     void borders()
     {
         ScriptedTile tile;
-        QTRY_COMPARE(pixelOf(tile, 1, 120), background);
+        QTRY_COMPARE(onScreen(tile).pixelColor(1, 120), background);
         hover(tile, true);
-        QTRY_COMPARE(pixelOf(tile, 1, 120), hovered);
-        QCOMPARE(pixelOf(tile, 318, 120), hovered);
-        QCOMPARE(pixelOf(tile, 4, 120), background);
+        QTRY_COMPARE(onScreen(tile).pixelColor(1, 120), hovered);
+        QCOMPARE(onScreen(tile).pixelColor(318, 120), hovered);
+        QCOMPARE(onScreen(tile).pixelColor(4, 120), background);
         QMimeData data;
         data.setData("camera"_s, "x");
         QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(&tile, &enter);
-        QTRY_COMPARE(pixelOf(tile, 1, 120), selection);
+        QTRY_COMPARE(onScreen(tile).pixelColor(1, 120), selection);
         QDragLeaveEvent leave;
         QApplication::sendEvent(&tile, &leave);
-        QTRY_COMPARE(pixelOf(tile, 1, 120), hovered);
+        QTRY_COMPARE(onScreen(tile).pixelColor(1, 120), hovered);
         hover(tile, false);
-        QTRY_COMPARE(pixelOf(tile, 1, 120), background);
+        QTRY_COMPARE(onScreen(tile).pixelColor(1, 120), background);
     }
 
     void bars()
     {
-        ScriptedTile tile;
+        struct Tile : ScriptedTile {
+            void mouseDoubleClickEvent(QMouseEvent *) override { ++doubleClicks; }
+            int doubleClicks = 0;
+        } tile;
         const QWidget &top = *tile.findChild<QWidget *>("topBar"_s);
         const QWidget &bottom = *tile.findChild<QWidget *>("bottomBar"_s);
-        QMenu &menu = *tile.findChild<QPushButton *>("settingsButton"_s)->menu();
+        QPushButton &button = *tile.findChild<QPushButton *>("settingsButton"_s);
+        QMenu &menu = *button.menu();
         QVERIFY(!top.isVisible() && !bottom.isVisible());
         hover(tile, true);
         QVERIFY(top.isVisible() && bottom.isVisible());
@@ -148,30 +149,36 @@ private slots:
             menu.hide();
             QVERIFY(!top.isVisible());
         }
+
+        // The button comes back from its menu.
+        hover(tile, true);
+        QTimer::singleShot(0, &menu, &QWidget::hide);
+        QTest::mousePress(&button, Qt::LeftButton);
+        QTest::mouseRelease(&button, Qt::LeftButton);
+        QVERIFY(!menu.isVisible() && !button.isDown());
+
+        // A double click on a bar is none on the tile.
+        hover(tile, true);
+        for (const QString &name : {"topBar"_s, "bottomBar"_s, "cameraName"_s})
+            QTest::mouseDClick(tile.findChild<QWidget *>(name), Qt::LeftButton, Qt::NoModifier,
+                               QPoint(2, 10));
+        QCOMPARE(tile.doubleClicks, 0);
+        QTest::mouseDClick(&tile, Qt::LeftButton);
+        QCOMPARE(tile.doubleClicks, 1);
     }
 
-    void buttonComesBackFromItsMenu()
-    {
-        auto tile = std::make_unique<VideoWidget>(localCamera());
-        tile->show();
-        hover(*tile, true);
-        const QPointer<QPushButton> button = tile->findChild<QPushButton *>("settingsButton"_s);
-        const QPointer<QMenu> menu = button->menu();
-        QTimer::singleShot(0, menu, [menu] { menu->hide(); });
-        // A menu that goes on waiting is let go together with its tile.
-        QTimer::singleShot(5000, menu, [&tile] { tile.reset(); });
-        QTest::mousePress(button, Qt::LeftButton);
-        QVERIFY(button);
-        QTest::mouseRelease(button, Qt::LeftButton);
-        QVERIFY(!menu->isVisible() && !button->isDown());
-    }
-
-    void menuEntries()
+    void clicksAndMenuEntries()
     {
         ScriptedTile tile;
+        QList<API::CameraPtr> clicked;
+        connect(&tile, &VideoWidget::clicked, &tile, [&](const auto &which) { clicked << which; });
+        QTest::mouseClick(&tile, Qt::RightButton);
+        QVERIFY(clicked.isEmpty());
+        QTest::mouseClick(&tile, Qt::LeftButton);
+        QCOMPARE(clicked, QList<API::CameraPtr>{tile.camera()});
+
         QList<VideoWidget *> closed;
-        connect(&tile, &VideoWidget::closed, this,
-                [&closed](VideoWidget *widget) { closed << widget; });
+        connect(&tile, &VideoWidget::closed, &tile, [&](VideoWidget *which) { closed << which; });
         tile.findChild<QPushButton *>("closeButton"_s)->click();
         const QMenu &menu = *tile.findChild<QPushButton *>("settingsButton"_s)->menu();
         menu.actions().last()->trigger();
@@ -185,24 +192,9 @@ private slots:
                 dialog->close();
             }
         });
-        look.start(10ms);
+        look.start(10);
         menu.actions().first()->trigger();
         QTRY_COMPARE(edited, "Door"_s);
-    }
-
-    void doubleClickOnABarIsEaten()
-    {
-        struct Tile : ScriptedTile {
-            void mouseDoubleClickEvent(QMouseEvent *) override { ++count; }
-            int count = 0;
-        } tile;
-        hover(tile, true);
-        for (const QString &name : {"topBar"_s, "bottomBar"_s, "cameraName"_s})
-            QTest::mouseDClick(tile.findChild<QWidget *>(name), Qt::LeftButton, Qt::NoModifier,
-                               QPoint(2, 10));
-        QCOMPARE(tile.count, 0);
-        QTest::mouseDClick(&tile, Qt::LeftButton);
-        QCOMPARE(tile.count, 1);
     }
 
     void nameIsElided()
@@ -253,8 +245,8 @@ private slots:
             QSignalSpy closed(&hint, &PlayerNotification::closed);
             hint.animateTo(QPoint(10, 10));
             QTRY_COMPARE(hint.geometry(), QRect(10, 10, 355, 40));
-            QTRY_VERIFY(pixelOf(parent, 187, 12) != QColor(Qt::black));
-            const QColor seen = pixelOf(parent, 187, 12);
+            QTRY_VERIFY(onScreen(parent).pixelColor(187, 12) != QColor(Qt::black));
+            const QColor seen = onScreen(parent).pixelColor(187, 12);
             QCOMPARE(seen.red() > seen.blue(), isError);
 
             if (way == "link"_s)
@@ -262,7 +254,7 @@ private slots:
             else if (way == "button"_s)
                 hint.findChild<QPushButton *>("closeButton"_s)->click();
             else
-                QVERIFY(expireTimer(hint, 3s));
+                QVERIFY(expireTimer(hint, std::chrono::seconds(3)));
             QVERIFY(closed.isEmpty());
             QTRY_COMPARE_WITH_TIMEOUT(closed.size(), 1, 2500);
             QCOMPARE(hint.pos(), QPoint(10, way == "by itself"_s ? 50 : 10)); // slides, or not
