@@ -4,25 +4,24 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <optional>
 
+#include "companion/ExportTimeline.h"
 #include "tests/companion/StreamPlayer.h"
+
+using std::chrono::milliseconds;
+using ZorvaneClient::Companion::ExportTimeline;
 
 namespace {
 
-constexpr int deadline = 60'000;
 constexpr int clipMilliseconds = 4000;
+/// With pictures that are not shown in the order in which they are decoded.
+const QString h264 = "-c:v libx264 -preset veryfast -g 25 -pix_fmt yuv420p"_s;
 
 /// Served in its own time, so that there is a middle to meet.
 StreamScript slowScript(const FlvClip &clip)
 {
     return with(StreamScript::of(clip.repeated(30), 2), &StreamScript::burst, 12'000);
-}
-
-FlvClip clipOf(const QString &encoders)
-{
-    return Clips::made("-f lavfi -i testsrc2=s=160x96:r=25:d=4 -f lavfi "
-                       "-i sine=frequency=440:r=44100:d=4 -pix_fmt yuv420p -g 25 " +
-                       encoders);
 }
 
 QByteArray outputOf(const QString &program, const QStringList &arguments)
@@ -116,24 +115,60 @@ private slots:
     void initTestCase()
     {
         clip = Clips::quarters(QSize(160, 96), clipMilliseconds);
-        toned = clipOf("-c:v libx264 -preset veryfast -c:a libmp3lame"_s);
+        toned = Clips::withTone(clipMilliseconds, "libmp3lame"_s, h264);
         QVERIFY(!clip.isEmpty() && !toned.isEmpty());
+    }
+
+    /// Times of packets in the file, by their stamps. "s" marks sound.
+    void places_data()
+    {
+        // -1: not known
+        rows<QString, int, QString>(
+            {"stamps", "silence", "times"},
+            {{"rare pictures, silence not known", "0 3000 6000 9000", -1, "0 40 3040 6040"},
+             {"clock set back a little", "0 40 80 20 60 100 140", -1, "0 40 80 81 82 100 140"},
+             {"sound of before the gap, late", "2000 2040 2080 72000 s2090 72040 s72030", 70'000,
+              "0 40 80 120 90 160 150"},
+             {"sound stops and comes back", "2000 s2010 3000 4000 5000 6000 7000 s7010", 0,
+              "0 10 1000 2000 3000 4000 5000 5010"},
+             {"more jumps than silence", "0 40 80 5080 5120 5160 10160", 7000,
+              "0 40 80 120 160 200 3200"}});
+    }
+
+    void places()
+    {
+        const auto [stamps, silence, times] = row<QString, int, QString>();
+        ExportTimeline timeline(milliseconds(20'000), silence < 0 ? std::optional<milliseconds>()
+                                                                  : milliseconds(silence));
+        QStringList found;
+        for (const QString &stamp : stamps.split(' ')) {
+            const bool sound = stamp.startsWith('s');
+            found << QString::number(timeline.place(
+                sound ? ExportTimeline::Sound : ExportTimeline::Video, stamp.mid(sound).toInt()));
+        }
+        QCOMPARE(found.join(' '), times);
     }
 
     void wholeFiles_data()
     {
         constexpr int gap = 60'000;
-        const FlvClip mpeg4 = clipOf(Clips::mpeg4 + " -c:a libmp3lame");
-        const QString h264 = "-c:v libx264 -preset veryfast -c:a "_s;
+        const auto of = [](const QString &sound, const QString &encoder = h264) {
+            return Clips::withTone(clipMilliseconds, sound, encoder);
+        };
         const FlvClip moved = FlvClip{toned.header, {}}.then(toned, 1'900'000'000);
         const FlvClip gaps = clip.then(clip, gap).then(clip, 2000).then(clip, 10 * gap);
         const FlvClip anew = {clip.header, clip.tags + clip.tags};
         rows<FlvClip, QString, int, int, QStringList>(
             {"stream", "container", "clips", "silence", "codecs"},
-            {{"aac", clipOf(h264 + "aac"), "mp4", 1, 0, {"h264", "aac"}},
-             {"sound that mp4 can't hold", clipOf(h264 + "pcm_s16le"), "mp4", 1, 0, {"h264"}},
-             {"flv, avi", clipOf("-c:v flv1 -c:a libmp3lame"), "avi", 1, 0, {"flv1", "mp3"}},
-             {"a thousand pictures", mpeg4.repeated(11), "avi", 11, 0, {"mpeg4", "mp3"}},
+            {{"aac", of("aac"), "mp4", 1, 0, {"h264", "aac"}},
+             {"sound that mp4 can't hold", of("pcm_s16le"), "mp4", 1, 0, {"h264"}},
+             {"flv, avi", of("libmp3lame", Clips::flv), "avi", 1, 0, {"flv1", "mp3"}},
+             {"a thousand pictures",
+              of("libmp3lame", Clips::mpeg4).repeated(11),
+              "avi",
+              11,
+              0,
+              {"mpeg4", "mp3"}},
              {"stamps from anywhere", moved, "mp4", 1, 0, {"h264", "mp3"}},
              {"stamps jump over a gap", clip.then(clip, gap), "mp4", 2, gap, {"h264"}},
              {"stamps begin anew", anew, "mp4", 2, gap, {"h264"}},
@@ -193,41 +228,37 @@ private slots:
         const QByteArray torn = toned.repeated(10).bytes().chopped(toned.bytes().size() * 2 / 5);
         const FlvClip sound = Clips::made(Clips::tone + " -c:a libmp3lame -t 4");
         const FlvClip flv = Clips::quarters(QSize(160, 96), length, Clips::flv);
-        rows<StreamScript, int>(
-            {"script", "recorded"},
-            {{"server error", with(none, &StreamScript::status, 500), length},
-             {"garbage", with(none, &StreamScript::raw, garbage), length},
-             {"no video", StreamScript::of(sound, 0), length},
-             {"codec that mp4 can't hold", StreamScript::of(flv, 0), length},
-             {"closed half-way", half, length},
+        rows<StreamScript, int, QString>(
+            {"script", "recorded", "container"},
+            {{"wrong arguments", none, length, "mkv"},
+             {"server error", with(none, &StreamScript::status, 500), length, "avi"},
+             {"garbage", with(none, &StreamScript::raw, garbage), length, "mp4"},
+             {"no video", StreamScript::of(sound, 0), length, "mp4"},
+             {"codec that mp4 can't hold", StreamScript::of(flv, 0), length, "mp4"},
+             {"closed half-way", half, length, "mp4"},
              {"reset half-way", with(half, &StreamScript::ending, StreamScript::Ending::Reset),
-              length},
-             {"stalled", with(half, &StreamScript::ending, StreamScript::Ending::Stall), length},
-             {"torn near the end", with(none, &StreamScript::raw, torn), 10 * length}});
+              length, "mp4"},
+             {"stalled", with(half, &StreamScript::ending, StreamScript::Ending::Stall), length,
+              "mp4"},
+             {"torn near the end", with(none, &StreamScript::raw, torn), 10 * length, "mp4"}});
     }
 
     /// The limit for a silent server is half a minute; that for pings of a player would be ten
     /// seconds.
     void failures()
     {
-        const auto [script, recorded] = row<StreamScript, int>();
+        const auto [script, recorded, container] = row<StreamScript, int, QString>();
+        const bool wrong = container == "mkv"_s;
         QElapsedTimer time;
         time.start();
         ExportProcess exporter;
-        QCOMPARE(exporter.run(script, recorded), 1);
+        QCOMPARE(exporter.run(script, recorded, container), wrong ? 2 : 1);
         QCOMPARE(exporter.lines().count("export-error"), 1);
         QVERIFY(!exporter.lines().contains("export-done"));
         QCOMPARE(exporter.files(), QStringList());
-        QVERIFY(exporter.readAllStandardError().startsWith("vlc-stream: "));
+        QVERIFY(exporter.readAllStandardError().contains(wrong ? "vlc-stream export URL"
+                                                               : "vlc-stream: "));
         QCOMPARE(time.elapsed() > 29'000, script.ending == StreamScript::Ending::Stall);
-    }
-
-    void wrongArguments()
-    {
-        ExportProcess exporter;
-        QCOMPARE(exporter.run(StreamScript(), clipMilliseconds, "mkv"_s), 2);
-        QCOMPARE(exporter.lines(), QList<QByteArray>{"export-error"});
-        QVERIFY(exporter.readAllStandardError().contains("vlc-stream export URL"));
     }
 
     void cannotBeWritten_data()

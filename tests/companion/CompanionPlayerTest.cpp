@@ -1,18 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Test.h"
 
+#include "companion/AvHandles.h"
+#include "companion/PictureConverter.h"
 #include "tests/companion/StreamPlayer.h"
 
-namespace {
-
-constexpr int deadline = StreamPlayer::deadline;
-
-QByteArray untouched(int bytes)
-{
-    return QByteArray(bytes, PlayerProcess::untouched);
+extern "C" {
+#include <libavutil/pixdesc.h>
 }
 
-} // namespace
+using namespace ZorvaneClient::Companion;
 
 /// The player as its client sees it: arguments, frame file, commands, sound, proxy.
 class CompanionPlayerTest : public QObject
@@ -42,7 +39,7 @@ private slots:
         const auto [url, bytes, exitCode, error] = row<QByteArray, int, int, QByteArray>();
         QFile file(QDir::tempPath() + "/frames");
         file.remove();
-        const QByteArray content = untouched(qMax(bytes, 0));
+        const QByteArray content(qMax(bytes, 0), PlayerProcess::untouched);
         if (bytes >= 0)
             QVERIFY(file.open(QIODevice::ReadWrite) && file.write(content) == bytes);
         file.close();
@@ -60,8 +57,7 @@ private slots:
     {
         rows<QSize, QString, QSize>(
             {"size", "encoder", "shown"},
-            {{"ordinary", QSize(320, 180), Clips::h264, QSize(320, 180)},
-             {"odd", QSize(159, 97), Clips::mpeg4, QSize(159, 97)},
+            {{"odd", QSize(159, 97), Clips::mpeg4, QSize(159, 97)},
              {"too large", QSize(2560, 1440), Clips::h264, QSize(2364, 1330)}});
     }
 
@@ -75,7 +71,78 @@ private slots:
         player.send("pause");
         QTRY_COMPARE_WITH_TIMEOUT(Clips::faultInQuarters(player.picture()), QString(), deadline);
         const int used = 4 * shown.width() * shown.height();
-        QCOMPARE(player.frameFile().mid(used), untouched(PlayerProcess::frameFileBytes - used));
+        QCOMPARE(player.frameFile().mid(used),
+                 QByteArray(PlayerProcess::frameFileBytes - used, PlayerProcess::untouched));
+    }
+
+    void colours_data()
+    {
+        constexpr auto unnamed = AVCOL_SPC_UNSPECIFIED;
+        rows<int, bool, int, int>({"space", "fullRange", "height", "standard"},
+                                  {{"last small one", unnamed, false, 576, 601},
+                                   {"HD", unnamed, false, 577, 709},
+                                   {"full range", unnamed, true, 48, 601},
+                                   {"HD by name", AVCOL_SPC_BT709, false, 48, 709},
+                                   {"small by name", AVCOL_SPC_SMPTE170M, false, 720, 601},
+                                   {"wide", AVCOL_SPC_BT2020_NCL, false, 48, 2020},
+                                   {"wide, full", AVCOL_SPC_BT2020_CL, true, 48, 2020}});
+    }
+
+    /// By what a standard says to be the shares of red and blue in the brightness.
+    void colours()
+    {
+        const auto [space, fullRange, height, standard] = row<int, bool, int, int>();
+        const int yuv[] = {90, 110, 180};
+        for (const QByteArray format :
+             {"yuv420p", "yuvj420p", "yuv422p", "yuvj422p", "yuv444p", "yuvj444p", "gray",
+              "yuv420p10le", "yuv422p10le", "yuv444p10le"}) {
+            const FrameHandle picture(av_frame_alloc());
+            picture->format = av_get_pix_fmt(format);
+            picture->width = 63;
+            picture->height = height;
+            picture->colorspace = AVColorSpace(space);
+            picture->color_range = fullRange ? AVCOL_RANGE_JPEG : AVCOL_RANGE_UNSPECIFIED;
+            QVERIFY(av_frame_get_buffer(picture.get(), 0) >= 0);
+            const AVPixFmtDescriptor &about = *av_pix_fmt_desc_get(AVPixelFormat(picture->format));
+            for (int plane = 0; plane < about.nb_components; ++plane) {
+                const int rows = AV_CEIL_RSHIFT(height, plane > 0 ? about.log2_chroma_h : 0);
+                const int bytes = rows * picture->linesize[plane];
+                if (about.comp[0].depth == 8)
+                    std::fill_n(picture->data[plane], bytes, uint8_t(yuv[plane]));
+                else
+                    std::fill_n(reinterpret_cast<uint16_t *>(picture->data[plane]), bytes / 2,
+                                uint16_t(yuv[plane] << 2));
+            }
+            std::vector<QRgb> shown(63 * size_t(height));
+            QVERIFY(
+                PictureConverter().convert(*picture, reinterpret_cast<uint8_t *>(shown.data())));
+
+            const double redShare = standard == 601 ? 0.299 : standard == 709 ? 0.2126 : 0.2627;
+            const double blueShare = standard == 601 ? 0.114 : standard == 709 ? 0.0722 : 0.0593;
+            const bool full = fullRange || format.startsWith("yuvj");
+            const double chroma = format == "gray" ? 0 : full ? 2 : 2 * 255 / 224.0;
+            const double y = full ? yuv[0] : (yuv[0] - 16) * 255 / 219.0;
+            const double red = y + (1 - redShare) * chroma * (yuv[2] - 128);
+            const double blue = y + (1 - blueShare) * chroma * (yuv[1] - 128);
+            const double green =
+                (y - redShare * red - blueShare * blue) / (1 - redShare - blueShare);
+            const QColor found = QColor::fromRgba(shown.front());
+            const QByteArray text = format + ' ' + found.name().toLatin1();
+            QVERIFY2(qAbs(found.red() - red) < 4, text);
+            QVERIFY2(qAbs(found.green() - green) < 4, text);
+            QVERIFY2(qAbs(found.blue() - blue) < 4, text);
+            QCOMPARE(found.alpha(), 255);
+            QCOMPARE(std::count(shown.begin(), shown.end(), shown.front()), 63 * height);
+        }
+    }
+
+    void fittedSizes()
+    {
+        QCOMPARE(fittedSize({2048, 1536}).width, 2048);
+        QCOMPARE(fittedSize({2048, 1537}).width, 2047);
+        QCOMPARE(fittedSize({1, 4'000'000}).height, 3'145'728);
+        QCOMPARE(fittedSize({INT_MAX, INT_MAX}).width, 1773);
+        QCOMPARE(fittedSize({0, 100}).width, 0);
     }
 
     void sizeChangesInMidStream()

@@ -76,7 +76,6 @@ public:
     QSize size() const { return pictureSize; }
     qint64 firstFrameTime() const { return firstFrame; }
 
-    QString frameFilePath() const { return framePath; }
     QByteArray frameFile() const
     {
         QFile file(framePath);
