@@ -50,10 +50,4 @@ struct ProcessTraces {
     int children = 0; ///< also those that have ended and were not waited for
 };
 
-inline qint64 residentBytes()
-{
-    const QByteArray pages = ProcessTraces::contentOf("/proc/self/statm").split(' ').value(1);
-    return pages.toLongLong() * ::sysconf(_SC_PAGESIZE);
-}
-
 } // namespace ZorvaneClient::Tests
