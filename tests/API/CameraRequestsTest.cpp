@@ -4,7 +4,7 @@
 #include "API/Camera.h"
 #include "API/CloudData.h"
 #include "API/Server.h"
-#include "tests/support/MisbehavingServer.h"
+#include "App/Settings.h"
 #include "tests/support/ScriptedService.h"
 
 using namespace ZorvaneClient::API;
@@ -12,290 +12,212 @@ using namespace ZorvaneClient::API;
 namespace {
 
 const QDate day(2026, 3, 10);
-const QSize pictureSize(64, 36);
+const QDate next = day.addDays(1);
+constexpr QSize pictureSize(64, 36);
 
-QByteArray jpeg()
+QByteArray picture()
 {
-    QPixmap picture(pictureSize);
-    picture.fill(Qt::green);
     QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    picture.save(&buffer, "JPEG");
+    QImage(pictureSize, QImage::Format_RGB32).save(&buffer, "JPEG");
     return buffer.data();
 }
 
-QByteArray recordAtNoon()
+QByteArray seconds(const QDate &date, const QTime &time)
 {
-    const qint64 start = QDateTime(day, QTime(12, 0)).toMSecsSinceEpoch();
-    return "[{\"startTime\":" + QByteArray::number(start) + ",\"duration\":60000}]";
+    return QByteArray::number(QDateTime(date, time).toSecsSinceEpoch());
 }
 
-CameraPtr cloudCamera(const QStringList &rights)
-{
-    const ServerPtr server = ServerPtr::create(QVariantMap{{"id"_s, "s 1&"_s}});
-    return CameraPtr::create(server.data(), QVariantMap{{"id"_s, 7}, {"rights"_s, rights}});
-}
+const QByteArray recordAtNoon =
+    "[{\"startTime\":" + seconds(day, QTime(12, 0)) + "000,\"duration\":60000}]";
 
-CameraPtr localCamera(int port)
+/// How many clients go when the camera goes.
+int clientCount(const CameraPtr &camera)
 {
-    const CameraPtr camera = CameraPtr::create();
-    camera->setId("127.0.0.1:%1"_s.arg(port), 7);
-    camera->setKind(LocalCamera);
-    camera->setSessionId("pass word"_s);
-    return camera;
+    struct Open : QObject {
+        using QObject::receivers;
+    };
+    return (camera.data()->*&Open::receivers)(SIGNAL(destroyed(QObject *)));
 }
 
 } // namespace
 
-/// What cameras ask of the service and of LAN servers, over real connections.
+/// What cameras ask of the service and of LAN servers, over real connections. Each function
+/// runs for each kind of camera.
 class CameraRequestsTest : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void initTestCase_data()
+    {
+        rows<QByteArray>(
+            {"sent"},
+            {{"cloud", "session"}, {"LAN", "pass%20word"}, {"LAN without a password", ""}});
+    }
+
     void initTestCase()
     {
-        QCoreApplication::setApplicationName("CameraRequestsTest"_s);
         QVERIFY(service.start());
         QVERIFY(lan.start());
         Internal::cloudData.sessionId = "session"_s;
+        QVERIFY(QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::CacheLocation)));
     }
 
     void init()
     {
-        const QString cache = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
-        QVERIFY(QDir(cache).removeRecursively());
-        QVERIFY(QDir().mkpath(cache));
-        service.reset();
-        lan.clearRequests();
-        lan.setReply(WireReply::json("[]"));
+        QFETCH_GLOBAL(QByteArray, sent);
+        session = sent;
+        local = session != "session";
+        asked = local ? &lan : &service.server();
+        asked->clearRequests();
+        Server server(QVariantMap{{"id"_s, "s 1"_s}});
+        const QVariantMap json{{"id"_s, 7}, {"rights"_s, QStringList{"archive"}}};
+        camera = CameraPtr::create(&server, json);
+        if (local) {
+            camera->setId("127.0.0.1:%1"_s.arg(lan.port()), 7);
+            camera->setKind(LocalCamera);
+            camera->setSessionId(QUrl::fromPercentEncoding(session));
+        }
     }
 
     void cleanup()
     {
-        // Clients of cameras that are gone wait to be released.
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-
-    void preview_data()
-    {
-        rows<bool>({"local"}, {
-                                  {"cloud", false},
-                                  {"local", true},
-                              });
+        // Whatever came of its requests, no client of a camera stays.
+        QTRY_COMPARE(camera ? clientCount(camera) : 0, 0);
+        camera.reset();
     }
 
     void preview()
     {
-        QFETCH(bool, local);
-        const WireReply reply = WireReply::body(jpeg(), "image/jpeg");
-        service.answer("GET", "//preview/live", reply);
-        lan.setReply(reply);
-
-        const CameraPtr asking = camera(local);
-        QSignalSpy spy(asking.data(), &Camera::previewChanged);
-        asking->updatePreview();
-        QTRY_COMPARE(spy.size(), 1);
-        QCOMPARE(spy.first().first().value<QPixmap>().size(), pictureSize);
-        QVERIFY(asking->hasPreview());
-
-        const QUrlQuery query = lastQuery(local);
-        const auto value = [&query](const char *key) {
-            return query.queryItemValue(QLatin1String(key), QUrl::FullyDecoded);
-        };
-        QCOMPARE(value("server"), local ? "1"_s : "s 1&"_s);
-        QCOMPARE(value("camera"), "7"_s);
-        QCOMPARE(value("sessionId"), local ? "pass word"_s : "session"_s);
-        // A second camera of the same identity finds the picture in the cache.
-        QCOMPARE(camera(local)->preview().size(), pictureSize);
-    }
-
-    void previewFailure()
-    {
-        for (const bool local : {false, true}) {
-            const WireReply reply = WireReply::body(local ? "no picture" : "", "image/jpeg");
-            service.answer("GET", "//preview/live", reply);
-            lan.setReply(reply);
-            const CameraPtr asking = camera(local);
-            QPixmap old(pictureSize);
-            old.fill(Qt::red);
-            asking->setPreview(old);
-            QSignalSpy spy(asking.data(), &Camera::previewChanged);
-            asking->updatePreview();
-            QTRY_COMPARE(spy.size(), 1);
-            QVERIFY(spy.first().first().value<QPixmap>().isNull());
-            QVERIFY(!asking->hasPreview());
-            QCOMPARE(asking->preview().size(), pictureSize);
+        QSignalSpy changed(camera.data(), &Camera::previewChanged);
+        for (const QByteArray &body : {picture(), QByteArray("no picture"), QByteArray()}) {
+            asked->setReply(WireReply::body(body, "image/jpeg"));
+            changed.clear();
+            camera->updatePreview();
+            QTRY_COMPARE(changed.size(), 1);
+            const bool good = body.size() > 100;
+            QCOMPARE(changed.last().first().value<QPixmap>().isNull(), !good);
+            QCOMPARE(camera->hasPreview(), good);
+            QTRY_COMPARE(clientCount(camera), 0);
+            QCOMPARE(camera->preview().size(), pictureSize); // if need be that of the cache
         }
+        QCOMPARE(target(), local ? "/preview/live?camera=7&server=1&sessionId=" + session
+                                 : "//preview/live?camera=7&q=0&server=s%201&sessionId=session");
     }
-
-    void timeline_data() { preview_data(); }
 
     void timeline()
     {
-        QFETCH(bool, local);
-        service.answer("GET", "//archive/list", WireReply::json(recordAtNoon()));
-        lan.setReply(WireReply::json(recordAtNoon()));
+        QSignalSpy changed(camera.data(), &Camera::recordsChanged);
+        QSignalSpy failed(camera.data(), &Camera::recordsError);
+        asked->setReply(WireReply::json(recordAtNoon));
+        camera->updateTimeline(day);
+        QTRY_COMPARE(changed.size(), 1);
+        QCOMPARE(changed.last(), QVariantList{day});
+        QCOMPARE(camera->records(day).value(0).start, QDateTime(day, QTime(12, 0, 1)));
+        QCOMPARE(target(), archiveTarget("list", day, day));
 
-        const CameraPtr asking = camera(local);
-        QCOMPARE(asking->rights(), local ? 0 : int(RightArchive));
-        QSignalSpy spy(asking.data(), &Camera::recordsChanged);
-        asking->updateTimeline(day);
-        QTRY_COMPARE(spy.size(), 1);
-        QCOMPARE(spy.first().first().toDate(), day);
-        QCOMPARE(asking->records(day).size(), 1);
-        QCOMPARE(asking->records(day).first().start, QDateTime(day, QTime(12, 0, 1)));
-        QVERIFY(asking->hasRecords(day));
-        QVERIFY(!asking->hasRecords(day.addDays(1)));
-
-        const QUrlQuery query = lastQuery(local);
-        const qint64 first = QDateTime(day, QTime(0, 0)).toSecsSinceEpoch();
-        QCOMPARE(query.queryItemValue("startTime"_s).toLongLong(), first);
-        QCOMPARE(query.queryItemValue("endTime"_s).toLongLong(), first + 86399);
-        QCOMPARE(query.queryItemValue("sessionId"_s, QUrl::FullyDecoded),
-                 local ? "pass word"_s : "session"_s);
-
-        // The day is empty after a reply without records.
-        service.answer("GET", "//archive/list", WireReply::json("{}"));
-        lan.setReply(WireReply::json("[]"));
-        asking->updateTimeline(day);
-        QTRY_COMPARE(spy.size(), 2);
-        QVERIFY(!asking->hasRecords(day));
-    }
-
-    void timelineFailureKeepsTheDay()
-    {
-        lan.setReply(WireReply::json(recordAtNoon()));
-        const CameraPtr asking = camera(true);
-        asking->updateTimeline(day);
-        QTRY_VERIFY(asking->hasRecords(day));
-
-        QSignalSpy changed(asking.data(), &Camera::recordsChanged);
-        QSignalSpy failed(asking.data(), &Camera::recordsError);
-        lan.setReply(WireReply::json("no JSON"));
-        asking->updateTimeline(day);
+        // A failure keeps the day; the loss of the right empties it, but a LAN camera needs none.
+        asked->setReply(WireReply::json("no JSON"));
+        camera->updateTimeline(day);
         QTRY_COMPARE(failed.size(), 1);
-        QVERIFY(changed.isEmpty());
-        QVERIFY(asking->hasRecords(day));
-    }
-
-    void lostArchiveRight()
-    {
-        const QDate other = day.addDays(1);
-        const qint64 start = QDateTime(day, QTime(23, 0)).toMSecsSinceEpoch();
-        service.answer("GET", "//archive/list",
-                       WireReply::json("[{\"startTime\":" + QByteArray::number(start) +
-                                       ",\"duration\":7200000}]"));
-        service.answer("GET", "//archive/days",
-                       WireReply::json("[{\"date\":1,\"recordsCount\":1}]"));
-        const CameraPtr asking = camera(false);
-        asking->updateTimeline(day);
-        asking->updateTimeline(other);
-        asking->updateCalendar(day, other);
-        QTRY_VERIFY(asking->hasRecords(day) && asking->hasRecords(other));
-        QTRY_VERIFY(!asking->calendar().isEmpty());
-
-        Server server;
-        asking->update(&server, QVariantMap());
-        service.reset();
-        QSignalSpy spy(asking.data(), &Camera::recordsChanged);
-        asking->updateTimeline(other);
-        QCOMPARE(spy.size(), 1);
-        QCOMPARE(spy.first().first().toDate(), other);
-        QVERIFY(!asking->hasRecords(day) && !asking->hasRecords(other));
-        asking->updateCalendar(day, other);
-        QVERIFY(asking->calendar().isEmpty());
-        QVERIFY(service.requests().isEmpty());
+        QVERIFY(changed.size() == 1 && camera->hasRecords(day));
+        loseRights();
+        asked->setReply(WireReply::json("{}"));
+        camera->updateTimeline(next);
+        QTRY_COMPARE(changed.size(), 2);
+        QCOMPARE(camera->hasRecords(day), local);
+        QCOMPARE(asked->requests().size(), local ? 1 : 0);
+        // A reply without records empties it as well.
+        camera->updateTimeline(day);
+        QTRY_COMPARE(changed.size(), 3);
+        QVERIFY(!camera->hasRecords(day));
     }
 
     void calendar()
     {
-        const auto reply = [](const QDate &date, int count) {
-            const qint64 noon = QDateTime(date, QTime(12, 0)).toSecsSinceEpoch();
-            return WireReply::json("[{\"date\":" + QByteArray::number(noon) +
-                                   ",\"recordsCount\":" + QByteArray::number(count) + "}]");
-        };
-        const CameraPtr asking = camera(true);
-        QVERIFY(asking->calendar().isEmpty());
-        QSignalSpy spy(asking.data(), &Camera::calendarChanged);
-        lan.setReply(reply(day, 3));
-        asking->updateCalendar(day.addDays(-9), day.addDays(9));
-        QTRY_COMPARE(spy.size(), 1);
-        QCOMPARE(spy.first().at(0).toDate(), day.addDays(-9));
-        QCOMPARE(spy.first().at(1).toDate(), day.addDays(9));
-        const WireRequest request = lan.requests().last();
-        QCOMPARE(request.path(), QByteArray("/archive/days"));
-
-        // Days that a reply doesn't mention stay as they were.
-        lan.setReply(reply(day.addDays(1), 5));
-        asking->updateCalendar(day, day.addDays(1));
-        QTRY_COMPARE(spy.size(), 2);
-        const QMap<QDate, int> expected{{day, 3}, {day.addDays(1), 5}};
-        QCOMPARE(asking->calendar(), expected);
+        QSignalSpy changed(camera.data(), &Camera::calendarChanged);
+        for (const QDate &date : {day, next}) {
+            asked->setReply(WireReply::json("[{\"date\":" + seconds(date, QTime(12, 0)) +
+                                            ",\"recordsCount\":3}]"));
+            changed.clear();
+            camera->updateCalendar(day, next);
+            QTRY_COMPARE(changed.size(), 1);
+            QCOMPARE(changed.last(), (QVariantList{day, next}));
+            QCOMPARE(target(), archiveTarget("days", day, next));
+        }
+        // Days that a reply doesn't mention stay as they were, and so do all after a failure.
+        const QMap<QDate, int> both{{day, 3}, {next, 3}};
+        asked->setReply(WireReply::json("no JSON"));
+        camera->updateCalendar(day, next);
+        QTRY_COMPARE(clientCount(camera), 0);
+        QCOMPARE(camera->calendar(), both);
+        loseRights();
+        camera->updateCalendar(day, next);
+        QTRY_COMPARE(asked->requests().size(), local ? 1 : 0);
+        QCOMPARE(camera->calendar(), local ? both : (QMap<QDate, int>()));
+        QCOMPARE(changed.size(), 1);
     }
 
-    void cloudRotation()
+    void rotation()
     {
-        const QByteArray path = "//public/servers/s%201&/cameras/7/rotation";
-        const CameraPtr turned = camera(false);
-        turned->setRotation(-90);
-        QTRY_COMPARE(service.requestsTo(path).size(), 1);
-        const QUrlQuery body(QString::fromLatin1(service.requestsTo(path).first().body));
-        QCOMPARE(body.queryItemValue("degrees"_s), "-90"_s);
-        QCOMPARE(turned->rotation(), -90); // also where the service refuses
+        camera->setRotation(-90);
+        QCOMPARE(camera->rotation(), -90);
+        const QString key = "cameras/%1/7/rotation"_s.arg(camera->serverId());
+        QCOMPARE(App::settings().value(key).toInt(), local ? -90 : 0);
+        QTRY_COMPARE(asked->requests().size(), local ? 0 : 1);
+        const auto request = local ? WireRequest() : asked->requests().last();
+        QCOMPARE(request.target(), local ? "" : "//public/servers/s%201/cameras/7/rotation");
+        QCOMPARE(request.body, local ? "" : "degrees=-90&sessionId=session");
     }
 
     void cameraDiesWhileAsking()
     {
-        const WireReply reply = WireReply::body(jpeg(), "image/jpeg");
-        lan.setReply(reply);
-        service.answer("GET", "//preview/live", reply);
-        service.answer("GET", "//archive/list", WireReply::json(recordAtNoon()));
+        asked->setReply(WireReply::body(picture(), "image/jpeg"));
         int heard = 0;
-        for (const bool local : {false, true}) {
-            CameraPtr dying = camera(local);
-            connect(dying.data(), &Camera::previewChanged, this, [&heard] { ++heard; });
-            connect(dying.data(), &Camera::recordsChanged, this, [&heard] { ++heard; });
-            dying->updatePreview();
-            dying->updateTimeline(day);
-            dying->updateCalendar(day, day);
-        }
-        // Whatever was sent of theirs is over when a camera that asks after them has its answer.
-        const CameraPtr later = camera(false);
-        QSignalSpy spy(later.data(), &Camera::previewChanged);
-        later->updatePreview();
-        QTRY_COMPARE(spy.size(), 1);
-        QTRY_COMPARE(lan.openConnections() + service.server().openConnections(), 0);
+        connect(camera.data(), &Camera::previewChanged, this, [&heard] { ++heard; });
+        camera->updatePreview();
+        camera->updateTimeline(day);
+        camera->updateCalendar(day, day);
+        // Whatever it sent is over when a camera that asks after it has its answer.
+        init();
+        camera->updatePreview();
+        QTRY_VERIFY(camera->hasPreview());
+        QTRY_COMPARE(asked->openConnections(), 0);
         QCOMPARE(heard, 0);
     }
 
     void cameraReleasedByItsOwnSignal()
     {
-        lan.setReply(WireReply::json(recordAtNoon()));
-        CameraPtr held = camera(true);
-        const QWeakPointer<Camera> watched = held;
-        connect(held.data(), &Camera::recordsChanged, this, [&held] { held.reset(); });
-        held->updateTimeline(day);
-        QTRY_VERIFY(watched.isNull());
+        asked->setReply(WireReply::json(recordAtNoon));
+        connect(camera.data(), &Camera::recordsChanged, this, [this] { camera.reset(); });
+        camera->updateTimeline(day);
+        QTRY_VERIFY(camera.isNull());
     }
 
 private:
-    /// A camera of either kind whose requests go to a running server.
-
-    CameraPtr camera(bool local)
+    void loseRights()
     {
-        return local ? localCamera(lan.port()) : cloudCamera({"archive"_s});
+        Server server;
+        camera->update(&server, QVariantMap());
+        asked->clearRequests();
     }
 
-    QUrlQuery lastQuery(bool local) const
+    QByteArray target() const { return asked->requests().last().target(); }
+
+    QByteArray archiveTarget(const QByteArray &what, const QDate &first, const QDate &last) const
     {
-        const QList<WireRequest> requests = local ? lan.requests() : service.requests();
-        const QByteArray target = requests.isEmpty() ? QByteArray() : requests.last().target();
-        return QUrlQuery(QString::fromLatin1(target.split('?').value(1)));
+        const QByteArray server = QUrl::toPercentEncoding(camera->serverId(), ":");
+        const QByteArray end = "?camera=7&endTime=" + seconds(last, QTime(23, 59, 59));
+        return (local ? "/archive/" : "//archive/") + what + end + "&server=" + server +
+               "&sessionId=" + session + "&startTime=" + seconds(first, QTime(0, 0));
     }
 
+    bool local = false;
+    QByteArray session;
     ScriptedService service;
     MisbehavingServer lan;
+    MisbehavingServer *asked = nullptr;
+    CameraPtr camera;
 };
 
 QTEST_MAIN(CameraRequestsTest)

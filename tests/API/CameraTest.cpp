@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Test.h"
 
+#include <ctime>
+
+#include "API/ArchiveRecord.h"
 #include "API/Camera.h"
 #include "API/CameraPrivate.h"
 #include "API/CloudData.h"
 #include "API/LocalServer.h"
+#include "API/PreviewImage.h"
 #include "API/Server.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
@@ -13,199 +17,309 @@ using namespace ZorvaneClient::API;
 
 namespace {
 
-const QString serverId = "s1"_s;
+// Zones as rules, so that the tests need no time zone database.
+const QByteArray utc = "UTC0";
+const QByteArray berlin = "CET-1CEST,M3.5.0,M10.5.0/3";
+/// The clock goes forward at midnight.
+const QByteArray brasilia = "BRT3BRST,M11.1.0/0,M2.3.0/0";
+
+void setZone(const QByteArray &zone)
+{
+    qputenv("TZ", zone);
+    tzset();
+}
 
 QVariantMap parse(QByteArray json)
 {
     json.replace('\'', '"');
-    const QJsonDocument document = QJsonDocument::fromJson(json);
-    Q_ASSERT(document.isObject());
-    return document.object().toVariantMap();
+    return QJsonDocument::fromJson(json).object().toVariantMap();
 }
 
-ServerPtr makeServer()
-{
-    return ServerPtr::create(parse("{'id':'s1','name':'Depot','online':true}"));
-}
-
-CameraPtr makeCamera(const QByteArray &json)
-{
-    return CameraPtr::create(makeServer().data(), parse(json));
-}
-
-CameraPtr makeCamera(CameraKind kind, const QString &server, const QString &password)
+CameraPtr makeCamera(const QString &server)
 {
     const CameraPtr camera = CameraPtr::create();
     camera->setId(server, 7);
-    camera->setName("Gate"_s);
-    camera->setKind(kind);
-    camera->setSessionId(password);
     return camera;
 }
 
-/// What stands in the address between `key` and `next`.
-QString between(const QString &url, const QString &key, const QString &next)
+QDir cacheFolder()
 {
-    const int start = url.indexOf(key) + key.size();
-    return url.mid(start, url.indexOf(next, start) - start);
+    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+}
+
+/// Letters of the first and the last pixel, with a bar between two rows.
+QString letters(const QPixmap &pixmap)
+{
+    const QImage image = pixmap.toImage();
+    const auto letter = [&image](const QPoint &pixel) {
+        return image.pixelColor(pixel) == Qt::red ? "r"_s : "b"_s;
+    };
+    return letter({0, 0}) + (image.height() > 1 ? "|" : "") + letter(image.rect().bottomRight());
 }
 
 } // namespace
 
-/// What a camera says of itself without any network.
+/// What servers and cameras of the roster say of themselves without any network.
 class CameraTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void cleanup() { Internal::cloudData.sessionId.clear(); }
-
-    void paidState()
+    void init()
     {
-        const auto isPaid = [](const QByteArray &services) {
-            return makeCamera("{'id':1,'online':true,'services':" + services + "}")->isPaid();
-        };
-        QVERIFY(isPaid("{'enabled':{'active':true}}"));
-        QVERIFY(isPaid("{'enabled':{'active':'true'}}"));
-        QVERIFY(!isPaid("{'enabled':{'active':'camera'}}"));
-        QVERIFY(!isPaid("[1]"));
+        setZone(utc);
+        QVERIFY(cacheFolder().removeRecursively() && QDir().mkpath(cacheFolder().path()));
     }
 
-    void laterRoster()
+    void laterRosterOfACamera()
     {
-        const ServerPtr server = makeServer();
-        Camera camera(server.data(), parse("{'id':5,'name':'Gate','vcodec':'h264','width':640,"
-                                           "'height':360,'rotation':-90,'mirror':true}"));
-        camera.update(server.data(), parse("{'id':6,'name':'Yard','vcodec':'mpeg4','width':1,"
-                                           "'height':2,'rotation':180,'mirror':false}"));
-        QCOMPARE(camera.name(), "Yard"_s);
-        QCOMPARE(camera.fullName(), "Depot-Yard"_s);
-        QCOMPARE(camera.id(), 5);
-        QCOMPARE(camera.vcodec(), "h264"_s);
-        QCOMPARE(camera.videoSize(), QSize(640, 360));
-        QCOMPARE(camera.rotation(), -90);
-        QVERIFY(camera.isMirrored());
-        QCOMPARE(camera.kind(), int(CloudCamera));
-        QVERIFY(!camera.isExportEnabled());
-    }
-
-    void signalsOnlyOnChange()
-    {
-        const ServerPtr server = makeServer();
-        Camera camera(server.data(), parse("{'online':true,'rights':['live','archive','ptz']}"));
+        Server server(parse("{'id':'s1','name':'Depot'}"));
+        Camera camera(&server, parse("{'id':5,'name':'Gate','vcodec':'h264','width':640,"
+                                     "'height':360,'rotation':-90,'mirror':true,'online':true,"
+                                     "'rights':['live','archive','ptz']}"));
         QSignalSpy flagsSpy(&camera, &Camera::flagsChanged);
         QSignalSpy rightsSpy(&camera, &Camera::rightsChanged);
+        camera.update(&server, parse("{'id':6,'name':'Yard','vcodec':'mpeg4','width':1,"
+                                     "'height':2,'rotation':180,'mirror':false,'online':true,"
+                                     "'rights':['ptz','live','archive','live','other']}"));
+        QCOMPARE(camera.fullName(), "Depot-Yard"_s);
+        // What the first roster said and later ones don't change.
+        const QVariantList kept{5, "h264", QSize(640, 360), -90, true, CloudCamera, false};
+        QCOMPARE((QVariantList{camera.id(), camera.vcodec(), camera.videoSize(), camera.rotation(),
+                               camera.isMirrored(), camera.kind(), camera.isExportEnabled()}),
+                 kept);
+        QCOMPARE(flagsSpy.size() + rightsSpy.size(), 0);
 
-        camera.update(server.data(), parse("{'name':'new','online':true,"
-                                           "'rights':['ptz','live','archive','live','other']}"));
-        QVERIFY(flagsSpy.isEmpty());
-        QVERIFY(rightsSpy.isEmpty());
-
-        camera.update(server.data(), parse("{'online':false,'rights':['Live','ptz']}"));
-        QCOMPARE(flagsSpy.size(), 1);
-        QCOMPARE(rightsSpy.size(), 1);
+        camera.update(&server, parse("{'online':false,'rights':['Live','ptz'],'services':[1]}"));
         QCOMPARE(camera.flags(), CameraOffline | CameraNotPaid);
         QCOMPARE(camera.rights(), int(RightPtz));
-
         camera.setFlags(CameraOffline | CameraNotPaid);
         QCOMPARE(flagsSpy.size(), 1);
-    }
+        QCOMPARE(rightsSpy.size(), 1);
+        // The word beside "active" can also be the name of a service, which pays for nothing.
+        for (const auto &active : QByteArrayList{"true", "'true'", "'camera'"}) {
+            camera.update(&server, parse("{'services':{'enabled':{'active':" + active + "}}}"));
+            QCOMPARE(camera.isPaid(), active != "'camera'");
+        }
 
-    void streamUrls()
-    {
-        App::ServiceProfile profile = App::ServiceProfile::current();
-        profile.flvHost = "flv.example:8080"_s;
-        App::ServiceProfile::setCurrent(profile);
-        Internal::cloudData.sessionId = "cloud"_s;
-
-        const QString server = "10.0.0.5:80"_s;
-        const QString codecs = "&vcodec=h264&vcodec=flv&vcodec=mpeg4&acodec=mp3"_s;
-        const CameraPtr cloud = makeCamera(CloudCamera, server, "secret"_s);
-        const QString inCloud = "http://flv.example:8080/flv/"_s;
-        QCOMPARE(cloud->liveUrl(1),
-                 inCloud + "live?server=10.0.0.5:80&camera=7&q=1&sessionId=cloud" + codecs);
-        QCOMPARE(cloud->archiveUrl(0, 4, 1700000000, 1700000060),
-                 inCloud +
-                     "archive?server=10.0.0.5:80&camera=7&q=0&sessionId=cloud"
-                     "&startTime=1700000000&speed=4" +
-                     codecs);
-        QVERIFY(cloud->exportUrl(1700000000000, 1700000060000).isEmpty());
-        const CameraPtr local = makeCamera(LocalCamera, server, "secret"_s);
-        const QString onServer = "http://10.0.0.5:80/flv/"_s;
-        QCOMPARE(local->liveUrl(1),
-                 onServer + "live?server=1&camera=7&q=1&sessionId=secret" + codecs);
-        QCOMPARE(local->archiveUrl(0, 4, 1700000000, 1700000060),
-                 onServer +
-                     "archive?server=1&camera=7&q=0&sessionId=secret"
-                     "&startTime=1700000000&speed=4" +
-                     codecs);
-        QCOMPARE(local->exportUrl(1700000000000, 1700000060000),
-                 onServer + "archive?server=1&camera=7&q=2&sessionId=secret&startTime=1700000000000"
-                            "&endTime=1700000060000&uploadRate=500&vcodec=flv&vcodec=h264"
-                            "&vcodec=mpeg4&acodec=mp3");
-    }
-
-    void valuesLikeMarkers()
-    {
-        const QString password = "%6 %7&%1+/%20"_s;
-        const CameraPtr local = makeCamera(LocalCamera, "10.0.0.5:80"_s, password);
-        const QString key = "sessionId="_s;
-        QCOMPARE(between(local->liveUrl(0), key, "&vcodec"_s), password);
-        QCOMPARE(between(local->archiveUrl(0, 1, 5, 6), key, "&startTime=5&speed=1"_s), password);
-        QCOMPARE(between(local->exportUrl(5, 6), key, "&startTime=5&endTime=6"_s), password);
-
-        Internal::cloudData.sessionId = "a&b%2"_s;
-        const CameraPtr cloud = makeCamera(CloudCamera, "s%3%5"_s, QString());
-        const QString url = cloud->liveUrl(2);
-        QCOMPARE(between(url, "server="_s, "&camera=7&q=2"_s), "s%3%5"_s);
-        QCOMPARE(between(url, key, "&vcodec"_s), "a&b%2"_s);
-    }
-
-    void localAddress()
-    {
-        const auto address = [](const char *server) {
-            const CameraPtr camera =
-                makeCamera(LocalCamera, QString::fromLatin1(server), QString());
-            return "%1 %2"_s.arg(camera->host()).arg(camera->port());
-        };
-        QCOMPARE(address("10.0.0.5:8080"), "10.0.0.5 8080"_s);
-        QCOMPARE(address("::80"), " 0"_s);
-        QCOMPARE(address("host:http"), "host 0"_s);
-    }
-
-    void localRotation()
-    {
-        const QString server = "10.0.0.5:80"_s;
-        makeCamera(LocalCamera, server, QString())->setRotation(270);
-        QCOMPARE(App::settings().value("cameras/10.0.0.5:80/7/rotation"_s).toInt(), 270);
-        QCOMPARE(makeCamera(LocalCamera, server, QString())->rotation(), 0);
-
-        // A roster entry below a LAN server takes the stored value, not its own.
+        // Below a LAN server the stored rotation counts.
         LocalServer lan("LAN"_s, "127.0.0.1"_s, 1, QString());
         App::settings().setValue("cameras/127.0.0.1:1/7/rotation"_s, 90);
         const Camera stored(&lan, parse("{'id':7,'rotation':180}"));
-        QCOMPARE(stored.rotation(), 90);
-        QVERIFY(stored.isExportEnabled());
+        QVERIFY(stored.rotation() == 90 && stored.isExportEnabled());
+    }
+
+    void laterRosterOfAServer()
+    {
+        Server server(parse("{'id':'s1','name':'Depot','owner':true,'online':true,'info':"
+                            "{'functions':['arc_search','speed_play'],'build_type':'arm-camera'},"
+                            "'cameras':{'3':{'id':3,'online':true},'4':{}}}"));
+        QCOMPARE(server.cameras().keys(), QList<camera_id_t>{3});
+        const CameraPtr camera = server.cameras().value(3);
+        QSignalSpy flagsSpy(&server, &Server::flagsChanged);
+        QSignalSpy aliasSpy(&server, &Server::aliasChanged);
+        QSignalSpy liveSpy(&server, &Server::liveEnabledChanged);
+        QStringList heard;
+        connect(&server, &Server::cameraAdded, this,
+                [&heard](const CameraPtr &added) { heard << "+%1"_s.arg(added->id()); });
+        connect(&server, &Server::cameraRemoved, this,
+                [&heard](camera_id_t number) { heard << "-%1"_s.arg(number); });
+
+        // Where a key and a number disagree, the key decides what stays.
+        server.update(parse("{'id':'other','name':'Depot','online':false,'live':true,'cameras':"
+                            "{'3':{'id':3,'name':'Gate'},'9':{'id':9},'7':{'id':8}}}"));
+        QCOMPARE(heard, (QStringList{"+8", "+9", "-8"}));
+        QCOMPARE((QVariantList{server.id(), server.isOnline(), server.isOwner(), server.isCamera(),
+                               server.isArcSearchEnabled(), server.isSpeedPlayEnabled()}),
+                 (QVariantList{"s1", false, true, true, true, true}));
+        QVERIFY(flagsSpy.isEmpty() && aliasSpy.isEmpty() && liveSpy.size() == 1);
+        // The object that widgets hold is the one that is brought up to date.
+        QCOMPARE(server.cameras().value(3), camera);
+        QCOMPARE(camera->name(), "Gate"_s);
+
+        server.update(parse("{'name':'Yard','online':true}"));
+        QVERIFY(server.isOnline() && aliasSpy.size() == 1 && liveSpy.size() == 2);
+        server.removeCamera(3); // gone by now
+        QCOMPARE(heard, (QStringList{"+8", "+9", "-8", "-3", "-9"}));
+        // A camera that was removed is frozen.
+        server.update(parse("{'cameras':{'3':{'id':3,'name':'new'}}}"));
+        QCOMPARE(camera->name(), "Gate"_s);
+        QVERIFY(server.cameras().value(3) != camera);
+
+        const Server other(parse("{'info':{'functions':'arc_search','build_type':'Camera'}}"));
+        QVERIFY(!other.isArcSearchEnabled() && !other.isSpeedPlayEnabled() && !other.isCamera());
+    }
+
+    void sortedCameras()
+    {
+        // Offline ones last, but not those that aren't paid for either.
+        Server server(parse("{'cameras':{'0':{'id':1,'name':'b'},'1':{'id':2,'name':'a'},"
+                            "'2':{'id':3,'name':'C'},'3':{'id':4,'name':'c'}}}"));
+        server.cameras().value(1)->setFlags(0);
+        server.cameras().value(2)->setFlags(CameraOffline);
+        server.cameras().value(3)->setFlags(0);
+        QString order;
+        for (const CameraPtr &camera : server.sortedCameras())
+            order += camera->name();
+        QCOMPARE(order, "Cbca"_s);
+    }
+
+    void streamUrls_data()
+    {
+        const QString lan = "http://10.0.0.5:80/flv/live?server=1&camera=7&q=2&sessionId="_s;
+        rows<QString, QString, QString>(
+            {"server", "password", "start"}, // as far as the stream's own values
+            {{"cloud", "s%3%5", "secret",
+              "http://flv.example:8080/flv/live?server=s%3%5&camera=7&q=2&sessionId=a&b%2"},
+             {"LAN", "10.0.0.5:80", "%6 %7&%1+/%20", lan + "%6 %7&%1+/%20"},
+             {"LAN without a password", "10.0.0.5:80", "", lan}});
+    }
+
+    /// Values that look like markers go in as they are.
+    void streamUrls()
+    {
+        const auto [server, password, start] = row<QString, QString, QString>();
+        const bool local = start.startsWith("http://10."_s);
+        App::ServiceProfile profile;
+        profile.flvHost = "flv.example:8080"_s;
+        App::ServiceProfile::setCurrent(profile);
+        Internal::cloudData.sessionId = "a&b%2"_s;
+        const CameraPtr camera = makeCamera(server);
+        camera->setKind(local ? LocalCamera : CloudCamera);
+        camera->setSessionId(password);
+        const QString codecs = "&vcodec=h264&vcodec=flv&vcodec=mpeg4&acodec=mp3"_s;
+        QCOMPARE(camera->liveUrl(2), start + codecs);
+        const QString archive = QString(start).replace("/live?"_s, "/archive?"_s);
+        QCOMPARE(camera->archiveUrl(2, 4, 17, 0), archive + "&startTime=17&speed=4" + codecs);
+        const QString span = "&startTime=1700000000000&endTime=1700000060000&uploadRate=500"
+                             "&vcodec=flv&vcodec=h264&vcodec=mpeg4&acodec=mp3"_s;
+        const QString exported = camera->exportUrl(1700000000000, 1700000060000);
+        QCOMPARE(exported, local ? archive + span : QString());
     }
 
     void finishedRequestsAreLetGo()
     {
         Internal::CameraPrivate state;
-        const QObject running;
-        const auto keep = [&state](const QObject *client) {
-            state.keep(connect(client, &QObject::objectNameChanged, client, [] {}));
-        };
-        keep(&running);
         for (int i = 0; i < 100; ++i) {
-            const QObject finished;
-            keep(&finished);
+            QObject finished;
+            state.keep(connect(i == 50 ? this : &finished, &QObject::objectNameChanged, [] {}));
         }
-        keep(&running);
         // What is still out can still be cut when the camera dies.
         QCOMPARE(state.connections.size(), 2);
-        for (const QMetaObject::Connection &connection : qAsConst(state.connections)) {
-            QVERIFY(disconnect(connection));
+        QVERIFY(disconnect(state.connections.first()));
+    }
+
+    void previewOrientation_data()
+    {
+        rows<int, bool, QString>({"rotation", "mirror", "shown"},
+                                 {{"anticlockwise", -90, false, "b|r"},
+                                  {"mirrored", 0, true, "br"},
+                                  {"turned, then mirrored", 90, true, "r|b"}});
+    }
+
+    void previewOrientation()
+    {
+        const auto [rotation, mirror, shown] = row<int, bool, QString>();
+        QImage image(2, 1, QImage::Format_RGB32);
+        image.setPixelColor(0, 0, Qt::red);
+        image.setPixelColor(1, 0, Qt::blue);
+        const CameraPtr camera = makeCamera("10.0.0.5:80"_s);
+        camera->setPreview(QPixmap::fromImage(image));
+        camera->setRotation(rotation);
+        camera->setMirrored(mirror);
+        QCOMPARE(letters(camera->preview()), shown);
+        QCOMPARE(letters(camera->sourcePreview()), "rb"_s);
+        // A picture that comes later is turned in the same way.
+        camera->setPreview(QPixmap::fromImage(image));
+        QCOMPARE(letters(camera->preview()), shown);
+    }
+
+    void previewFile()
+    {
+        const QSize size(32, 18);
+        const QPixmap picture = QPixmap::fromImage(QImage(size, QImage::Format_RGB32));
+        const QString server = "../outside/%2"_s; // must not lead out of the folder
+        const CameraPtr first = makeCamera(server);
+        first->setRotation(90);
+        first->setPreview(picture);
+        const QStringList files = cacheFolder().entryList(QDir::Files | QDir::Hidden);
+        QCOMPARE(files, QStringList{".._outside_%2_7.jpeg"});
+        const QString file = cacheFolder().filePath(files.first());
+        QVERIFY(QFile::setPermissions(file, QFile::permissions(file) | QFile::ReadOther));
+        first->setPreview(picture);
+        QVERIFY(!(QFile::permissions(file) & QFile::ReadOther));
+
+        // It keeps the picture as it was received, also for who has let go of its own.
+        first->setPreview(QPixmap());
+        QCOMPARE(first->sourcePreview().size(), size);
+        const CameraPtr second = makeCamera(server);
+        QVERIFY(!second->hasPreview());
+        QVERIFY(second->preview().size() == size && second->hasPreview());
+    }
+
+    void previewDecoding()
+    {
+        QBuffer jpeg;
+        QImage(64, 36, QImage::Format_RGB32).save(&jpeg, "JPEG");
+        QVERIFY(decodePreview(QByteArray(4096, 'x')).isNull());
+        QVERIFY(decodePreview(jpeg.data().left(20)).isNull());
+        // A header that promises 20,000 by 10,000 pixels, which would be 800 MB.
+        jpeg.buffer().replace(jpeg.data().indexOf("\xff\xc0") + 5, 4, "\x27\x10\x4e\x20");
+        QVERIFY(decodePreview(jpeg.data()).isNull());
+    }
+
+    void records_data()
+    {
+        const QString day = "2026-03-10"_s;
+        const QString shortDay = "2026-03-29"_s;   // an hour of it doesn't exist
+        const QString noMidnight = "2018-11-04"_s; // begins at one
+        rows<QByteArray, QString, QString, int, QString>(
+            {"zone", "date", "start", "seconds", "record"}, // times in UTC
+            {{"one second", utc, day, "10T12:00:00", 1, "10T12:00:01 10T12:00:02"},
+             {"no length", utc, day, "10T12:00:00", 0, ""},
+             {"from the day before", utc, day, "09T23:50:00", 1200, "10T00:00:00 10T00:10:01"},
+             {"into the next day", utc, day, "10T23:50:00", 1200, "10T23:50:01 10T23:59:59"},
+             {"nothing left after clipping", utc, day, "10T23:59:58", 5, ""},
+             {"of the day before", utc, day, "09T12:00:00", 60, ""},
+             {"of the next day", utc, day, "11T00:00:00", 60, ""},
+             {"local midnight", berlin, day, "09T22:30:00", 3600, "09T23:00:00 09T23:30:01"},
+             {"missing hour", berlin, shortDay, "29T00:30:00", 3600, "29T00:30:01 29T01:30:01"},
+             {"no midnight", brasilia, noMidnight, "04T02:50:00", 1200,
+              "04T03:00:00 04T03:10:01"}});
+    }
+
+    void records()
+    {
+        const auto [zone, date, start, seconds, expected] =
+            row<QByteArray, QString, QString, int, QString>();
+        setZone(zone);
+        const QDate day = QDate::fromString(date, Qt::ISODate);
+        const auto first = QDateTime::fromSecsSinceEpoch(firstSecondOfDay(day));
+        const auto last = QDateTime::fromSecsSinceEpoch(lastSecondOfDay(day));
+        QVERIFY(first.date() == day && first.addSecs(-1).date() == day.addDays(-1));
+        QVERIFY(last.date() == day && last.addSecs(1).date() == day.addDays(1));
+        // Milliseconds below a second are cut off, not rounded.
+        const auto startTime = QDateTime::fromString(date.left(8) + start + "Z", Qt::ISODate);
+        const QVariantMap record{{"startTime"_s, startTime.toMSecsSinceEpoch() + 999},
+                                 {"duration"_s, seconds * 1000 + 999}};
+        // Numbers beyond all dates lie elsewhere.
+        const QVariantMap far{{"startTime"_s, Q_INT64_C(1) << 62}};
+        QStringList found;
+        for (const ArchiveRecord &each : archiveRecordsOfDay(QVariantList{"x", record, far}, day)) {
+            for (const QDateTime &time : {each.start, each.end})
+                found << time.toUTC().toString("dd'T'HH:mm:ss"_s);
         }
+        QCOMPARE(found.join(' '), expected);
+    }
+
+    void countsOfDays()
+    {
+        setZone(berlin);
+        // Late in the evening of UTC; the last number is beyond 32 bits.
+        const auto reply = parse("{'days':[{'date':1773099000,'recordsCount':4},"
+                                 "{'date':1773185400},{'date':6068239096,'recordsCount':7}]}");
+        const QMap<QDate, int> expected{{{2026, 3, 10}, 4}, {{2026, 3, 11}, 0}, {{2026, 3, 12}, 7}};
+        QCOMPARE(recordCountsByDay(reply.value("days"_s)), expected);
     }
 };
 

@@ -1,46 +1,50 @@
 // SPDX-License-Identifier: MIT
-#include "API/CloudAPIClient.h"
+#include "tests/API/CloudFixture.h"
 
-#include "tests/support/Test.h"
+#include <cstdlib>
+#include <cstring>
+#include <limits>
 
 #include "API/Camera.h"
 #include "API/Layout.h"
 #include "API/LayoutDocument.h"
 #include "API/Server.h"
-#include "App/Environment.h"
-#include "App/Settings.h"
-#include "tests/support/ScriptedService.h"
+#include "tests/support/LogCapture.h"
+
+/// Behind the end of each block stands what a look beyond the end of a map takes for the number
+/// 1000, which is beyond all bounds.
+void *operator new(std::size_t size)
+{
+    constexpr qint64 number[] = {1000, QMetaType::Int};
+    auto *block = static_cast<char *>(std::malloc(size + sizeof number));
+    std::memcpy(block + size, number, sizeof number);
+    return block;
+}
+
+void operator delete(void *block) noexcept
+{
+    std::free(block);
+}
+
+void operator delete(void *block, std::size_t) noexcept
+{
+    std::free(block);
+}
 
 using namespace ZorvaneClient::API;
 
-namespace App = ZorvaneClient::App;
-using Internal::LayoutBounds;
-
 namespace {
 
-// MD5 of "demo@zorvane.example".
-const QString demoCache = "layouts.924942403f0708c36c6637682cb19b21"_s;
-
-// 2026-11-14 09:00:00 UTC.
-constexpr int startStamp = 1794646800;
-
-QString cachePath()
+QByteArray cellJson(int camera, int row, int column, int w, int h)
 {
-    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + QLatin1Char('/') +
-           demoCache;
+    const auto format = R"({"camera":%d,"column":%d,"h":%d,"row":%d,"server":"s1","w":%d})";
+    return QString::asprintf(format, camera, column, h, row, w).toLatin1();
 }
 
-void writeCache(const QByteArray &content)
+QByteArray layoutJson(const char *id, const QString &name, const QByteArray &cells, int side = 3)
 {
-    QFile file(cachePath());
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
-}
-
-QByteArray cacheContent()
-{
-    QFile file(cachePath());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    const auto format = R"({"cameras":[%3],"columns":%4,"id":"%1","name":"%2","rows":%4})"_s;
+    return format.arg(id, name, cells, QString::number(side)).toUtf8();
 }
 
 QByteArray document(int stamp, const QByteArray &layouts)
@@ -48,319 +52,272 @@ QByteArray document(int stamp, const QByteArray &layouts)
     return "{\"last_update\":" + QByteArray::number(stamp) + ",\"layouts\":[" + layouts + "]}";
 }
 
-QByteArray layoutJson(const QByteArray &id, const QByteArray &name, const QByteArray &cameras = "")
-{
-    return "{\"id\":\"" + id + "\",\"name\":\"" + name +
-           "\",\"rows\":2,\"columns\":3,\"cameras\":[" + cameras + "]}";
-}
-
-QStringList names()
-{
-    QStringList list;
-    const LayoutsContainer layouts = CloudAPIClient::layoutList();
-    for (const LayoutPtr &layout : layouts)
-        list.append(layout->name());
-    return list;
-}
-
-/// Layouts with cells of every kind that nobody sends on purpose.
-QByteArray hostileLayouts()
+/// Cells of every kind that nobody sends on purpose.
+QByteArray hostileCells()
 {
     QByteArray cells = R"(7,null,[1],{"server":[1],"camera":{}},{"row":"x","w":{}})";
     for (int i = 0; i < 10000; ++i)
-        cells += R"(,{"server":"s1","camera":7,"row":)" + QByteArray::number(i / 100 - 10) +
-                 ",\"column\":" + QByteArray::number(i % 100 - 10) + R"(,"w":1000000000,"h":-7})";
-    return R"(7,null,"x",[1],{"id":{},"name":[1],"rows":"many","cameras":"all"},)"
-           R"({"id":"a","rows":1000000000,"columns":1000000000,"name":")" +
-           QByteArray(1000000, 'x') + R"(","cameras":[)" + cells + "]}";
+        cells += ',' + cellJson(7, i / 100 - 10, i % 100 - 10, 1000000000, -7);
+    return cells;
+}
+
+/// Names of the layouts in memory, as "A B".
+QString names()
+{
+    QStringList list;
+    for (const LayoutPtr &layout : CloudAPIClient::layoutList())
+        list.append(layout->name());
+    return list.join(' ');
+}
+
+QVariant parsed(const QByteArray &json)
+{
+    return QJsonDocument::fromJson(json).toVariant();
+}
+
+CameraPtr camera(int number)
+{
+    return CloudAPIClient::serverList().value("s1"_s)->cameras().value(number);
+}
+
+/// "row,column wxh camera" of each cell.
+QString describe(const Layout &layout)
+{
+    QStringList result;
+    for (const auto &[camera, area] : layout.cellList())
+        result << QString::asprintf("%d,%d %dx%d %d", area.left(), area.top(), area.width(),
+                                    area.height(), camera ? camera->id() : 0);
+    return result.join("; "_s);
 }
 
 } // namespace
 
-class CloudLayoutsTest : public QObject
+/// The layouts of an account: memory, cache file and service.
+class CloudLayoutsTest : public CloudFixture
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(service.start());
-        QVERIFY(QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::CacheLocation)));
-    }
-
     void init()
     {
-        setTime(0);
-        App::settings().setValue("auth/email"_s, "demo@zorvane.example"_s);
-        QDir().rmdir(cachePath());
-        const QDir cache(QStandardPaths::writableLocation(QStandardPaths::CacheLocation));
-        for (const QString &file : cache.entryList({"layouts*"_s}))
-            QVERIFY(QFile::remove(cache.filePath(file)));
-        service.reset();
-        CloudAPIClient().logout();
-        QTRY_COMPARE(service.requests().size(), 1);
-        service.reset();
-        loadServers();
+        CloudFixture::init();
+        updateRoster();
         service.succeed("GET", "//layouts", document(0, ""));
         service.succeed("POST", "//layouts", "null");
+        service.server().clearRequests();
+        setTime(0);
     }
 
-    void nothingWithoutServers()
+    void newestCopyWins_data()
     {
-        CloudAPIClient client;
-        client.clearRoster();
-        writeCache(document(100, layoutJson("a", "Cached")));
-        QSignalSpy updated(&client, &CloudAPIClient::layoutsUpdated);
-        QSignalSpy failed(&client, &CloudAPIClient::layoutsUpdateError);
-        client.updateLayouts();
-        QCOMPARE(client.layoutList().size(), 0);
-        loadServers();
-        QCOMPARE(service.requestsTo("//layouts").size(), 0);
-        QCOMPARE(updated.count() + failed.count(), 0);
+        const QByteArray cell = cellJson(7, 1, 2, 1, 2);
+        const QByteArray cached =
+            document(100, layoutJson("a", "A", cell) + ',' + layoutJson("b", "B", ""));
+        rows<QByteArray, int, bool>(
+            {"cache", "stamp", "serviceWins"},
+            {{"newer on the service", cached, 101, true},
+             {"equal", cached, 100, false},
+             {"older on the service", cached, 99, false},
+             {"cache cut off", cached.chopped(1), 5, true},
+             {"stamp is text", R"({"last_update":"soon","layouts":[{"id":"a"}]})", 5, true},
+             {"cache nested too deep", QByteArray(100000, '['), 5, true}});
     }
 
-    void newerCopyOfTheServiceWins()
+    void newestCopyWins()
     {
-        const QByteArray cell = R"({"server":"s1","camera":7,"row":1,"column":2,"w":1,"h":1})";
-        writeCache(document(100, layoutJson("a", "Cached") + "," + layoutJson("b", "Dropped")));
-        service.succeed("GET", "//layouts", document(101, layoutJson("a", "Fresh", cell)));
-        CloudAPIClient client;
-        QSignalSpy updated(&client, &CloudAPIClient::layoutsUpdated);
-        update(&client);
-        QCOMPARE(names(), QStringList({"Fresh"}));
-        QCOMPARE(updated.count(), 2); // the cache's copy, then the service's
-        const LayoutPtr layout = client.layoutList().value("a"_s);
-        QCOMPARE(layout->rows(), 2);
-        QCOMPARE(layout->columns(), 3);
-        QCOMPARE(layout->cellList().size(), 1);
-        QCOMPARE(layout->cellAt(1, 2).camera,
-                 client.serverList().value("s1"_s)->cameras().value(7));
-
-        // The cache has the new list under a stamp of its own, and nothing was sent.
-        const QJsonObject saved = QJsonDocument::fromJson(cacheContent()).object();
-        QVERIFY(saved.value("last_update"_s).toInt() > startStamp);
-        QVERIFY(!(QFile::permissions(cachePath()) & QFile::ReadOther));
-        QCOMPARE(saved.value("layouts"_s).toArray().size(), 1);
-        QCOMPARE(service.requestsTo("//layouts").size(), 1);
-    }
-
-    void serviceGetsWhatIsNewer_data()
-    {
-        rows<int>({"stamp"}, {
-                                 {"equal", 100},
-                                 {"older", 99},
-                             });
-    }
-
-    void serviceGetsWhatIsNewer()
-    {
-        const auto [stamp] = row<int>();
-
-        const QByteArray cell = R"({"server":"s1","camera":8,"row":0,"column":0,"w":1,"h":2})";
-        writeCache(document(100, layoutJson("a", "Cached", cell)));
-        service.succeed("GET", "//layouts", document(stamp, layoutJson("b", "Old")));
-        CloudAPIClient client;
-        update(&client);
-        QCOMPARE(names(), QStringList({"Cached"}));
-        const auto requests = service.requestsTo("//layouts");
-        QCOMPARE(requests.size(), 2);
-        QCOMPARE(requests.at(1).method(), QByteArray("POST"));
-        const QJsonArray sent = QJsonDocument::fromJson(requests.at(1).body).array();
-        QCOMPARE(sent,
-                 QJsonDocument::fromJson("[" + layoutJson("a", "Cached", cell) + "]").array());
-    }
-
-    void damagedCache_data()
-    {
-        rows<QByteArray>(
-            {"content"},
-            {
-                {"cut off", document(100, layoutJson("a", "Cached")).chopped(1)},
-                {"stamp is text", QByteArray(R"({"last_update":"soon","layouts":[{"id":"a"}]})")},
-                {"nested too deep", QByteArray(100000, '[')},
-            });
-    }
-
-    void damagedCache()
-    {
-        const auto [content] = row<QByteArray>();
-
-        writeCache(content);
-        service.succeed("GET", "//layouts", document(5, layoutJson("a", "Fresh")));
-        CloudAPIClient client;
-        update(&client);
-        QCOMPARE(names(), QStringList({"Fresh"}));
-    }
-
-    void hostileDocument()
-    {
-        const QByteArray layouts = hostileLayouts();
-        const auto boundedCells = [] {
-            constexpr QRect bounds(0, 0, LayoutBounds::gridSide, LayoutBounds::gridSide);
-            const LayoutPtr layout = CloudAPIClient::layoutList().value("a"_s);
-            if (!layout || layout->rows() > LayoutBounds::gridSide ||
-                layout->columns() > LayoutBounds::gridSide ||
-                layout->name().size() > LayoutBounds::nameLength)
-                return -1;
-            const QList<LayoutCell> kept = layout->cellList();
-            for (const LayoutCell &cell : kept) {
-                if (!bounds.contains(cell.area.topLeft()) ||
-                    cell.area.width() > LayoutBounds::gridSide || cell.area.height() < 0)
-                    return -1;
-            }
-            return static_cast<int>(kept.size());
-        };
-        writeCache(document(100, layouts));
-        CloudAPIClient client;
-        client.updateLayouts();
-        const int count = boundedCells();
-        QVERIFY(count > 0);
-        service.succeed("GET", "//layouts", document(101, layouts));
-        update(&client);
-        QCOMPARE(boundedCells(), count);
+        const auto [cached, stamp, serviceWins] = row<QByteArray, int, bool>();
+        const QByteArray fresh = layoutJson("a", "Fresh", cellJson(7, 1, 2, 1, 2));
+        writeFile(cache, cached);
+        service.succeed("GET", "//layouts", document(stamp, fresh));
+        client->updateLayouts();
+        const LayoutPtr known = client->layoutList().value("a"_s);
+        settle(serviceWins ? 1 : 2);
+        QCOMPARE(names(), serviceWins ? "Fresh"_s : "A B"_s);
+        const LayoutPtr layout = client->layoutList().value("a"_s);
+        QCOMPARE(layout, known ? known : layout); // who shows it goes on with it
+        QCOMPARE(layout->cellAt(1, 2).camera, camera(7));
+        if (serviceWins) {
+            // The cache has the new list under a stamp of its own.
+            QCOMPARE(parsed(contentOf(cache)), parsed(document(startStamp, fresh)));
+            QVERIFY(isPrivate(cache));
+        } else {
+            const WireRequest last = service.requestsTo("//layouts").last();
+            QCOMPARE(last.method(), QByteArray("POST"));
+            QCOMPARE(parsed(last.body), parsed(cached).toMap().value("layouts"_s));
+        }
     }
 
     void throttle()
     {
-        CloudAPIClient client;
-        client.updateLayouts();
-        QTRY_COMPARE(service.requestsTo("//layouts").size(), 2); // GET and POST
-        setTime(29);
-
+        QSignalSpy updated(client.get(), &CloudAPIClient::layoutsUpdated);
+        QSignalSpy failed(client.get(), &CloudAPIClient::layoutsUpdateError);
         // The signal comes with the lock held; what a list reads must not block.
         int servers = 0;
-        connect(&client, &CloudAPIClient::layoutsUpdated, this, [&] {
-            servers = client.serverList().size() + client.layoutList().size();
-            client.sessionId();
+        connect(client.get(), &CloudAPIClient::layoutsUpdated, this, [&servers] {
+            servers = CloudAPIClient::serverList().size() + CloudAPIClient::layoutList().size();
         });
-        QSignalSpy updated(&client, &CloudAPIClient::layoutsUpdated);
-        client.updateLayouts();
-        QCOMPARE(updated.count(), 1);
+        update(0, 2); // GET and POST
+        update(29, 2);
         QCOMPARE(servers, 1);
-        setTime(30);
-        client.updateLayouts();
-        QTRY_COMPARE(service.requestsTo("//layouts").size(), 4);
-    }
+        // The cache is read every time.
+        const QByteArray cached = document(100, layoutJson("a", "Cached", ""));
+        writeFile(cache, cached);
+        update(29, 2);
+        QCOMPARE(names(), "Cached"_s);
 
-    void knownLayoutKeepsItsObject()
-    {
-        service.succeed("GET", "//layouts",
-                        document(startStamp, layoutJson("a", "A") + "," + layoutJson("b", "B")));
-        CloudAPIClient client;
-        update(&client);
-        const LayoutPtr a = client.layoutList().value("a"_s);
-        QCOMPARE(names(), QStringList({"A", "B"}));
-        constexpr int farAhead = 2000000000;
-        service.succeed(
-            "GET", "//layouts",
-            document(farAhead, layoutJson("a", "Renamed") + "," + layoutJson("c", "C")));
-        update(&client);
-        QCOMPARE(names(), QStringList({"Renamed", "C"}));
-        QCOMPARE(client.layoutList().value("a"_s), a);
-    }
-
-    void failureKeepsLayouts()
-    {
-        writeCache(document(100, layoutJson("a", "A")));
+        // A failure keeps memory and file, and counts for the throttle.
         service.answer("GET", "//layouts", WireReply::json("", 500));
-        CloudAPIClient client;
-        QSignalSpy failed(&client, &CloudAPIClient::layoutsUpdateError);
-        update(&client);
-        QCOMPARE(failed.count(), 1);
-        QCOMPARE(names(), QStringList({"A"}));
-        QCOMPARE(cacheContent(), document(100, layoutJson("a", "A")));
+        update(30, 3);
+        QVERIFY(failed.count() == 1 && names() == "Cached"_s && contentOf(cache) == cached);
+        updated.clear();
+        update(59, 3);
+        QCOMPARE(updated.count(), 1);
+        update(60, 4);
     }
 
-    void failedSaveIsTold()
+    void failedSaveIsSentAgain()
     {
-        service.answer("POST", "//layouts",
-                       WireReply::json(R"({"success":false,"response":{"code":10003}})"));
-        CloudAPIClient client;
-        QSignalSpy failed(&client, &CloudAPIClient::layoutsUpdateError);
-        client.addLayout(LayoutPtr::create());
-        QTest::ignoreMessage(QtWarningMsg, "Error saving layouts");
-        client.saveLayoutsToAPI();
+        service.answer("POST", "//layouts", WireReply::json("", 500));
+        QSignalSpy failed(client.get(), &CloudAPIClient::layoutsUpdateError);
+        client->addLayout(LayoutPtr::create());
+        QVERIFY(QDir().mkdir(cache)); // stands where the file should
+        client->saveLayoutsToFile();
+        client->saveLayoutsToAPI();
         QTRY_COMPARE(failed.count(), 1);
 
-        // The stamp here stays ahead, so the next round sends the list again.
+        // The stamp here stays ahead, so an older copy changes nothing and the list goes again.
         service.succeed("POST", "//layouts", "null");
-        update(&client);
-        QCOMPARE(service.requestsTo("//layouts").size(), 2);
-        const QByteArray sent = service.requestsTo("//layouts").constLast().body;
-        QCOMPARE(QJsonDocument::fromJson(sent).array().size(), 1);
-    }
-
-    void cacheThatCannotBeWritten()
-    {
-        QVERIFY(QDir().mkdir(cachePath())); // stands where the file should
-        CloudAPIClient client;
-        client.addLayout(LayoutPtr::create());
-        QTest::ignoreMessage(QtWarningMsg,
-                             "Could not save layouts cache to \"%1\""_s.arg(cachePath()).toUtf8());
-        client.saveLayoutsToFile();
-        // The stamp has moved all the same, so an older copy of the service changes nothing.
-        service.succeed("GET", "//layouts", document(startStamp, layoutJson("b", "Old")));
-        update(&client);
-        QCOMPARE(client.layoutList().size(), 1);
-        QVERIFY(!names().contains("Old"_s));
+        service.succeed("GET", "//layouts", document(startStamp, layoutJson("b", "Old", "")));
+        update(0, 3);
+        QCOMPARE(names(), "Untitled Layout"_s);
+        const auto requests = service.requestsTo("//layouts");
+        QVERIFY(requests.last().head == requests.first().head);
+        QCOMPARE(requests.last().body, requests.first().body);
     }
 
     void signOutKeepsTheCache()
     {
-        CloudAPIClient client;
-        client.addLayout(LayoutPtr::create());
-        client.saveLayoutsToFile();
-        const QByteArray saved = cacheContent();
-        client.logout();
-        QCOMPARE(client.layoutList().size(), 0);
-        QCOMPARE(cacheContent(), saved);
-        loadServers();
-        client.updateLayouts();
-        QCOMPARE(client.layoutList().size(), 1);
-        QTRY_COMPARE(service.requestsTo("//layouts").size(), 2);
+        client->addLayout(LayoutPtr::create());
+        client->saveLayoutsToFile();
+        client->logout();
+        // Without cameras, layouts are neither read nor asked for.
+        QSignalSpy updated(client.get(), &CloudAPIClient::layoutsUpdated);
+        update(0, 0);
+        QCOMPARE(client->layoutList().size() + updated.count(), 0);
+        updateRoster();
+        update(0, 2);
+        QCOMPARE(client->layoutList().size(), 1);
+        QCOMPARE(Internal::layoutsCacheFile("Ж"_s),
+                 cacheFolder() + "/layouts.d82d7ca255082e2ca8720d69da507ee1"_s);
+    }
+
+    void plausibleLayoutsPassUnchanged()
+    {
+        const QByteArray layouts = layoutJson("a", "A", cellJson(7, 31, 0, 1, 32), 32) +
+                                   R"(,{"name":"B","cameras":[{"server":"s1"}]},{})";
+        const QVariantList given = parsed('[' + layouts + ']').toList();
+        const LogCapture log;
+        const QList<QVariantMap> passed = Internal::boundedLayouts(given);
+        QCOMPARE(QVariantList(passed.begin(), passed.end()), given);
+        QCOMPARE(log.lines(), QStringList());
+        const QVariantList many = given + QVector<QVariant>(1000).toList();
+        QCOMPARE(Internal::boundedLayouts(many), passed + QVector<QVariantMap>(997).toList());
+    }
+
+    void hostileDocument()
+    {
+        const QByteArray layouts =
+            R"(7,null,"x",{"id":{},"name":{},"rows":"many","cameras":"all"},)" +
+            layoutJson("a", QString(1000000, 'x'), hostileCells(), 1000000000);
+        service.succeed("GET", "//layouts", document(101, layouts));
+        update(0, 1);
+        const LayoutPtr layout = client->layoutList().value("a"_s);
+        QVERIFY(layout);
+        QCOMPARE(QSize(layout->rows(), layout->columns()), QSize(32, 32));
+        QCOMPARE(layout->name().size(), 1000);
+        QCOMPARE(layout->cellList().size(), 32 * 32);
+        QCOMPARE(describe(*layout).count(" 32x0 7"_s), 32 * 32);
+    }
+
+    /// Of a 2x2 tile and one below it on a grid of three by three; rows before columns.
+    void changes_data()
+    {
+        rows<QString, QString, int>(
+            {"steps", "cells", "signals"},
+            {{"beyond the grid", "set 9 4 0 1 1, set 9 0 4 1 1", "0,0 2x2 7; 2,1 1x2 8", 0},
+             {"the bounds belong to it", "set 9 3 3 1 1", "0,0 2x2 7; 2,1 1x2 8; 3,3 1x1 9", 1},
+             {"the same camera keeps its span", "set 7 0 0 1 1", "0,0 2x2 7; 2,1 1x2 8", 0},
+             {"nothing to clear", "clear 3 4, clear 2 2", "0,0 2x2 7; 2,1 1x2 8", 0},
+             {"clear", "clear 2 1", "0,0 2x2 7", 1},
+             {"two tiles", "swap 0 0 2 1", "0,0 1x1 8; 2,1 1x1 7", 0},
+             {"tile to empty cell", "swap 0 0 2 2", "2,1 1x2 8; 2,2 1x1 7", 0},
+             {"empty cell to tile", "swap 2 2 0 0", "0,0 1x1 0; 2,1 1x2 8; 2,2 1x1 7", 0},
+             {"two empty cells", "swap 2 2 0 2", "0,0 2x2 7; 2,1 1x2 8; 0,2 1x1 0", 0},
+             {"newer version", "update 9 0 0 3 1", "0,0 3x1 9; 2,1 1x2 8", 0},
+             {"unknown camera in it", "update 1 0 0 3 1", "0,0 2x2 7; 2,1 1x2 8", 0},
+             {"grow", "resize 9 9", "0,0 2x2 7; 2,1 1x2 8", 1},
+             {"fewer rows", "resize 2 9", "0,0 2x2 7", 1},
+             {"fewer columns", "resize 9 1", "0,0 2x2 7", 1}});
+    }
+
+    void changes()
+    {
+        const auto [steps, cells, signalCount] = row<QString, QString, int>();
+        const QByteArray json =
+            layoutJson("a", "A", cellJson(7, 0, 0, 2, 2) + ',' + cellJson(8, 2, 1, 1, 2));
+        Layout layout(parsed(json).toMap());
+        QCOMPARE(QVariant(layout.toVariantMap()), parsed(json));
+        QVERIFY(layout == Layout(parsed(json).toMap()));
+        QSignalSpy updated(&layout, &Layout::updated);
+        for (const QString &step : steps.split(", "_s)) {
+            const QStringList words = step.split(' ');
+            const auto n = [&words](int place) { return words.value(place).toInt(); };
+            const QByteArray cell = cellJson(n(1), n(2), n(3), n(4), n(5));
+            if (words.first() == "update"_s)
+                layout.update(parsed(layoutJson("b", "B", cell)).toMap());
+            else if (words.first() == "set"_s)
+                layout.setCamera(camera(n(1)), n(2), n(3), n(4), n(5));
+            else if (words.first() == "clear"_s)
+                layout.clearCell(n(1), n(2));
+            else if (words.first() == "swap"_s)
+                layout.swapCells(n(1), n(2), n(3), n(4));
+            else
+                layout.resize(n(1), n(2));
+        }
+        QCOMPARE(layout.id(), "a"_s);
+        QCOMPARE(describe(layout), cells);
+        QCOMPARE(updated.size(), signalCount);
+    }
+
+    void numbersBeyondAllGrids()
+    {
+        constexpr int most = std::numeric_limits<int>::max();
+        const QByteArray far = cellJson(7, most, most, most, most);
+        Layout layout(parsed(layoutJson("a", "A", far, 1000000000)).toMap());
+        QCOMPARE(layout.freeCellCount(), most);
+        layout.resize(-5, 2);
+        layout.setCamera(camera(7), 0, 0, 1, 1);
+        QCOMPARE(layout.cellList().size(), 0);
     }
 
 private:
-    void setTime(int seconds)
+    /// Waits until the service has had so many requests in all, and no more.
+    void settle(int requests)
     {
-        const QDateTime time = QDateTime::fromSecsSinceEpoch(startStamp + seconds);
-        App::Environment::setClock([time] { return time; });
+        QTRY_COMPARE(service.requestsTo("//layouts").size(), requests);
+        CloudFixture::settle();
+        QCOMPARE(service.requestsTo("//layouts").size(), requests);
     }
 
-    void loadServers()
+    void update(int seconds, int requests)
     {
-        service.succeed("GET", "/public/roster",
-                        R"({"1":{"id":"s1","cameras":{"7":{"id":7},"8":{"id":8}}}})");
-        CloudAPIClient client;
-        QSignalSpy updated(&client, &CloudAPIClient::rosterUpdated);
-        client.updateRoster();
-        QTRY_COMPARE(updated.count(), 1);
-        service.server().clearRequests();
-    }
-
-    /// Asks once and waits until the service's answer was taken and all traffic is over.
-
-    void update(CloudAPIClient *client)
-    {
-        static int minutes = 0;
-        constexpr int pastThrottleSeconds = 60;
-        setTime(++minutes * pastThrottleSeconds);
-        service.server().clearRequests();
+        setTime(seconds);
         client->updateLayouts();
-        QTRY_VERIFY(!service.requestsTo("//layouts").isEmpty());
-        QTRY_COMPARE(service.server().openConnections(), 0);
-        // An exchange begun later has its outcome, so this one was handled, and so was what it
-        // led to.
-        for (int hop = 0; hop < 2; ++hop) {
-            CloudAPIClient later;
-            QSignalSpy done(&later, &CloudAPIClient::updatesError);
-            later.checkForUpdates();
-            QTRY_COMPARE(done.count(), 1);
-            QTRY_COMPARE(service.server().openConnections(), 0);
-        }
+        settle(requests);
     }
 
-    ScriptedService service;
+    // Of "demo@zorvane.example".
+    const QString cache = cacheFolder() + "/layouts.924942403f0708c36c6637682cb19b21"_s;
 };
 
 QTEST_MAIN(CloudLayoutsTest)

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/GUI/ArchiveWorld.h"
 
-#include "tests/support/Test.h"
-
 #include "API/Camera.h"
 #include "API/Server.h"
 #include "App/QtShims.h"
@@ -11,33 +9,26 @@ namespace ZorvaneClient::Tests {
 
 namespace {
 
-using namespace std::chrono_literals;
+constexpr int loadDeadlineMs = 30'000;
 
-constexpr std::chrono::milliseconds loadDeadline = 30s;
-constexpr int millisecondsPerSecond = 1000;
-
-struct RecordsRequest {
-    int camera = 0;
-    QDateTime start;
-    QDateTime end;
-};
-
-RecordsRequest recordsRequest(const WireRequest &request)
+qint64 numberIn(const WireRequest &request, const QString &key)
 {
     const QUrlQuery query(QString::fromLatin1(request.target().split('?').value(1)));
-    const auto number = [&query](const char *key) {
-        return query.queryItemValue(QLatin1String(key)).toLongLong();
-    };
-    return {static_cast<int>(number("camera")), fromEpochSeconds(number("startTime")),
-            fromEpochSeconds(number("endTime"))};
+    return query.queryItemValue(key).toLongLong();
 }
 
 /// The service's figures are one second earlier than what the client makes of them.
-QByteArray json(const API::ArchiveRecord &record)
+QString json(const API::ArchiveRecord &record)
 {
-    return "{\"startTime\":" +
-           QByteArray::number(record.start.toMSecsSinceEpoch() - millisecondsPerSecond) +
-           ",\"duration\":" + QByteArray::number(record.start.msecsTo(record.end)) + "}";
+    return "{\"startTime\":%1,\"duration\":%2}"_s.arg(record.start.toMSecsSinceEpoch() - 1000)
+        .arg(record.start.msecsTo(record.end));
+}
+
+QString json(QDate day, int records)
+{
+    return "{\"date\":%1,\"recordsCount\":%2}"_s
+        .arg(QDateTime(day, QTime(12, 0)).toSecsSinceEpoch())
+        .arg(records);
 }
 
 } // namespace
@@ -50,10 +41,8 @@ API::ArchiveRecord record(QDate day, QTime start, QTime end)
 QList<API::ArchiveRecord> evenRecords(QDate day, int count, int period, int length)
 {
     QList<API::ArchiveRecord> records;
-    records.reserve(count);
-    const QDateTime first = day.startOfDay();
     for (int index = 0; index < count; ++index) {
-        const QDateTime start = first.addSecs(qint64(index) * period);
+        const QDateTime start = day.startOfDay().addSecs(qint64(index) * period);
         records.append({start, start.addSecs(length)});
     }
     return records;
@@ -64,11 +53,6 @@ ArchiveWorld::ArchiveWorld()
     const auto handler = [this](const WireRequest &request) { return reply(request); };
     lan.setHandler(handler);
     service.server().setHandler(handler);
-}
-
-bool ArchiveWorld::start()
-{
-    return lan.start() && service.start();
 }
 
 void ArchiveWorld::reset()
@@ -83,11 +67,6 @@ void ArchiveWorld::setRecords(int id, const QList<API::ArchiveRecord> &records)
 {
     refused.removeAll(id);
     archives.insert(id, records);
-}
-
-void ArchiveWorld::refuseRecords(int id)
-{
-    refused.append(id);
 }
 
 API::CameraPtr ArchiveWorld::localCamera(int id)
@@ -117,33 +96,42 @@ bool ArchiveWorld::load(const API::CameraPtr &camera, QDate day)
 {
     QSignalSpy received(camera.data(), &API::Camera::recordsChanged);
     camera->updateTimeline(day);
-    return !received.isEmpty() || received.wait(static_cast<int>(loadDeadline.count()));
+    return !received.isEmpty() || received.wait(loadDeadlineMs);
 }
 
 QList<QDate> ArchiveWorld::requestedDays(int id) const
 {
     QList<QDate> days;
     const QList<WireRequest> requests = lan.requests() + service.requests();
-    for (const WireRequest &each : requests) {
-        const RecordsRequest request = recordsRequest(each);
-        if (request.camera == id)
-            days.append(request.start.date());
+    for (const WireRequest &request : requests) {
+        if (numberIn(request, "camera") == id)
+            days.append(fromEpochSeconds(numberIn(request, "startTime")).date());
     }
     return days;
 }
 
 WireReply ArchiveWorld::reply(const WireRequest &request)
 {
-    const RecordsRequest asked = recordsRequest(request);
-    if (refused.contains(asked.camera))
+    const int id = int(numberIn(request, "camera"));
+    if (refused.contains(id))
         return WireReply::json("no JSON");
-    QByteArrayList entries;
-    const QList<API::ArchiveRecord> records = archives.value(asked.camera);
+    const QDateTime start = fromEpochSeconds(numberIn(request, "startTime"));
+    const QDateTime end = fromEpochSeconds(numberIn(request, "endTime"));
+    QStringList entries;
+    QMap<QDate, int> days;
+    const QList<API::ArchiveRecord> records = archives.value(id);
     for (const API::ArchiveRecord &each : records) {
-        if (each.start <= asked.end && each.end >= asked.start)
-            entries.append(json(each));
+        if (each.start > end || each.end < start)
+            continue;
+        entries.append(json(each));
+        ++days[each.start.date()];
     }
-    return WireReply::json("[" + entries.join(',') + "]");
+    if (request.path().endsWith("/days")) {
+        entries.clear();
+        for (auto day = days.cbegin(); day != days.cend(); ++day)
+            entries.append(json(day.key(), day.value()));
+    }
+    return WireReply::json("[" + entries.join(',').toLatin1() + "]");
 }
 
 } // namespace ZorvaneClient::Tests

@@ -24,14 +24,14 @@ class ArchiveWorld
 public:
     ArchiveWorld();
 
-    bool start();
+    bool start() { return lan.start() && service.start(); }
     /// Forgets cameras' records, refusals and requests.
     void reset();
 
     /// What the archive of camera `id` holds, on any day.
     void setRecords(int id, const QList<API::ArchiveRecord> &records);
     /// Requests for the records of camera `id` fail until setRecords().
-    void refuseRecords(int id);
+    void refuseRecords(int id) { refused.append(id); }
 
     /// A LAN camera that has asked for nothing yet.
     API::CameraPtr localCamera(int id);

@@ -1,61 +1,40 @@
 // SPDX-License-Identifier: MIT
 #include "tests/GUI/DialogVisitor.h"
 
-#include "tests/support/Test.h"
-
 namespace ZorvaneClient::Tests {
-
-namespace {
-
-void clickStandardButton(const QDialog *dialog, QDialogButtonBox::StandardButton which)
-{
-    QTest::mouseClick(dialog->findChild<QDialogButtonBox *>()->button(which), Qt::LeftButton);
-}
-
-} // namespace
 
 DialogVisitor::DialogVisitor(Handler handler) : handle(std::move(handler))
 {
     qApp->installEventFilter(this);
 }
 
-DialogVisitor::~DialogVisitor() = default;
-
-int DialogVisitor::visits() const
-{
-    return count;
-}
-
 bool DialogVisitor::eventFilter(QObject *object, QEvent *event)
 {
-    auto *dialog = qobject_cast<QDialog *>(object);
-    if (dialog && dialog->isModal() && event->type() == QEvent::Show) {
-        QMetaObject::invokeMethod(
-            this, [this, guard = QPointer<QDialog>(dialog)] { visit(guard); },
-            Qt::QueuedConnection);
-    }
+    const QPointer<QDialog> dialog = qobject_cast<QDialog *>(object);
+    if (!dialog || !dialog->isModal() || event->type() != QEvent::Show)
+        return false;
+    const auto visit = [this, dialog] {
+        if (!dialog)
+            return;
+        ++count;
+        handle(dialog);
+        if (dialog && dialog->isVisible())
+            dialog->reject();
+    };
+    QMetaObject::invokeMethod(this, visit, Qt::QueuedConnection);
     return false;
-}
-
-void DialogVisitor::visit(QDialog *dialog)
-{
-    if (!dialog)
-        return;
-    ++count;
-    const QPointer<QDialog> guard(dialog);
-    handle(dialog);
-    if (guard && guard->isVisible())
-        guard->reject();
 }
 
 void clickOk(const QDialog *dialog)
 {
-    clickStandardButton(dialog, QDialogButtonBox::Ok);
+    auto *button = dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok);
+    QTest::mouseClick(button, Qt::LeftButton);
 }
 
 void clickCancel(const QDialog *dialog)
 {
-    clickStandardButton(dialog, QDialogButtonBox::Cancel);
+    auto *button = dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Cancel);
+    QTest::mouseClick(button, Qt::LeftButton);
 }
 
 } // namespace ZorvaneClient::Tests

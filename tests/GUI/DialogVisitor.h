@@ -3,8 +3,6 @@
 
 #include "tests/support/Test.h"
 
-class QDialog;
-
 namespace ZorvaneClient::Tests {
 
 /// While it lives, hands each modal dialog that opens to a handler, inside the dialog's own
@@ -12,22 +10,18 @@ namespace ZorvaneClient::Tests {
 class DialogVisitor : public QObject
 {
     Q_OBJECT
-    Q_DISABLE_COPY(DialogVisitor)
 
 public:
     using Handler = std::function<void(QDialog *)>;
 
     explicit DialogVisitor(Handler handler);
-    ~DialogVisitor() override;
 
-    int visits() const;
+    int visits() const { return count; }
 
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;
 
 private:
-    void visit(QDialog *dialog);
-
     Handler handle;
     int count = 0;
 };

@@ -1,73 +1,151 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/Test.h"
-
-#include <cstdio>
-
-#include "API/Camera.h"
-#include "API/CloudAPIClient.h"
-#include "API/Layout.h"
-#include "API/Server.h"
 #include "App/Application.h"
-#include "App/ServiceProfile.h"
 #include "GUI/CameraWidget.h"
 #include "GUI/LayoutCard.h"
 #include "GUI/LayoutListWidget.h"
-#include "GUI/LayoutWidget.h"
 #include "GUI/MainWindow.h"
-#include "GUI/Player/VideoPlaceholder.h"
-#include "GUI/Player/VideoWidget.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/ServerWidget.h"
+#include "tests/GUI/GridWorld.h"
 #include "tests/support/MisbehavingServer.h"
-#include "tests/support/MouseDrag.h"
-#include "tests/support/Roster.h"
 #include "tests/support/VirtualDisplay.h"
 
 using namespace ZorvaneClient::GUI;
 
 namespace {
 
-constexpr int screenWidth = 1280;
 constexpr int screenHeight = 1440;
-const QString placeholderClass = "ZorvaneClient::GUI::Player::VideoPlaceholder"_s;
-const QString tileClass = "ZorvaneClient::GUI::Player::VideoWidget"_s;
-const QString gridClass = "ZorvaneClient::GUI::LayoutWidget"_s;
+constexpr int stepMs = 10;
+constexpr int deadlineMs = 40000;
+constexpr QPoint besideTheMiddle(30, 20);
 
-QWidget *widgetAt(const LayoutWidget *grid, int row, int column)
+/// Such as "mousedown 1", the left button.
+void xdotool(const QString &words)
 {
-    const auto *cells = qobject_cast<QGridLayout *>(grid->layout());
-    QLayoutItem *item = cells->itemAtPosition(row, column);
-    return item ? item->widget() : nullptr;
+    QProcess::execute("xdotool"_s, words.split(' '));
 }
 
-/// Such as "a . | . b"; "?" where the tile and the layout disagree.
-QString cellsOf(const LayoutWidget *grid)
+void moveTo(const QPoint &place)
 {
-    const API::LayoutPtr layout = grid->workingLayout();
-    QStringList lines;
-    for (int row = 0; row < layout->rows(); ++row) {
-        QStringList line;
-        for (int column = 0; column < layout->columns(); ++column) {
-            const auto *tile = qobject_cast<Player::VideoWidget *>(widgetAt(grid, row, column));
-            const API::CameraPtr camera = layout->cellAt(row, column).camera;
-            if (!tile && !camera)
-                line.append("."_s);
-            else if (tile && tile->camera() == camera)
-                line.append(camera->name());
-            else
-                line.append("?"_s);
-        }
-        lines.append(line.join(QLatin1Char(' ')));
+    xdotool("mousemove %1 %2"_s.arg(place.x()).arg(place.y()));
+}
+
+/// Qt has a window of its own that follows the pointer as long as a drag is on.
+bool isDragOn()
+{
+    const QWindowList windows = QGuiApplication::allWindows();
+    return std::any_of(windows.begin(), windows.end(), [](const QWindow *window) {
+        return window->inherits("QShapedPixmapWindow") && window->isVisible();
+    });
+}
+
+/// One drag with the pointer of the X display, from the middle of one widget to a place near the
+/// middle of another, or of the same. The button is let go once the target, be it willing or
+/// not, has been asked whether it takes the drag.
+class MouseDrag : public QObject
+{
+public:
+    MouseDrag(QWidget *dragged, QWidget *place)
+        : source(dragged), target(place), unlit(place->grab().toImage())
+    {
+        qApp->installEventFilter(this);
     }
-    return lines.join(" | "_s);
-}
 
-MainWindow *shownWindow(int top)
+    /// The class that was given the drop, or how the drag ended otherwise.
+    QString run()
+    {
+        const auto isReached = [this] {
+            const QPoint place = middleOf(source);
+            if (QCursor::pos() != place)
+                moveTo(place);
+            const QWidget *hit = QApplication::widgetAt(place);
+            return source->underMouse() && (hit == source || source->isAncestorOf(hit));
+        };
+        if (!QTest::qWaitFor(isReached, deadlineMs))
+            return "not reached"_s;
+        xdotool("mousedown 1"_s);
+        startTimer(stepMs);
+        time.start();
+        // Looked at outside the drag's own loop only, so the source has come back from it.
+        return QTest::qWaitFor([this] { return isOver; }, 2 * deadlineMs) ? taker : "stuck"_s;
+    }
+
+    /// The target looked otherwise when it was asked.
+    bool wasLit = false;
+
+protected:
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        const QEvent::Type type = event->type();
+        if (type == QEvent::DragEnter || type == QEvent::DragMove)
+            isAsked = isAsked || object == target;
+        if (type == QEvent::Drop && object->isWidgetType())
+            taker = QString(object->metaObject()->className()).section(':', -1);
+        return false;
+    }
+
+    /// Goes on inside the drag's own event loop too.
+    void timerEvent(QTimerEvent *) override
+    {
+        const bool isDown = QApplication::mouseButtons() == Qt::LeftButton;
+        if (isReleased) {
+            isOver = !isDragOn() && !isDown;
+        } else if (time.hasExpired(deadlineMs)) {
+            taker = isAsked ? "no drag"_s : "not asked"_s;
+            QDrag::cancel();
+            release();
+        } else if (isDown && isAsked && isDragOn()) {
+            wasLit = target->grab().toImage() != unlit;
+            release();
+        } else if (isDown) {
+            // Two places in turn: a drag hears of the pointer only when it moves.
+            isAside = !isAside;
+            moveTo(middleOf(target) + besideTheMiddle + QPoint(isAside, 0));
+        }
+    }
+
+private:
+    static QPoint middleOf(const QWidget *widget)
+    {
+        return widget->mapToGlobal(widget->rect().center());
+    }
+
+    void release()
+    {
+        isReleased = true;
+        xdotool("mouseup 1"_s);
+    }
+
+    QPointer<QWidget> source;
+    QPointer<QWidget> target;
+    QImage unlit;
+    QString taker;
+    QElapsedTimer time;
+    bool isAsked = false;
+    bool isReleased = false;
+    bool isAside = false;
+    bool isOver = false;
+};
+
+/// The card of a camera, server or layout, the whole grid, or one cell.
+QWidget *widgetFor(const MainWindow &window, const QString &words)
 {
-    auto *window = new MainWindow;
-    window->move(0, top);
-    window->show();
-    return window;
+    const QStringList place = words.split(' ');
+    if (place.first() == "cell"_s)
+        return widgetAt(*gridOf(window), place.at(1).toInt(), place.at(2).toInt());
+    if (place.first() == "grid"_s)
+        return gridOf(window);
+    QWidget *found = window.findChild<LayoutCard *>();
+    for (auto *card : window.findChildren<CameraWidget *>()) {
+        if (card->camera()->name() == place.last())
+            found = card;
+    }
+    for (auto *entry : window.findChildren<ServerWidget *>()) {
+        if (entry->server()->id() == place.last())
+            found = entry->findChild<QWidget *>("controlBar"_s);
+    }
+    window.findChild<RosterWidget *>()->ensureWidgetVisible(found);
+    return found;
 }
 
 } // namespace
@@ -81,160 +159,61 @@ private slots:
     void initTestCase()
     {
         QCOMPARE(QGuiApplication::platformName(), "xcb"_s);
-        App::ServiceProfile profile;
-        profile.apiHost = profile.streamingHost = "127.0.0.1"_s;
-        profile.apiPort = profile.streamingPort = MisbehavingServer::deadPort();
-        App::ServiceProfile::setCurrent(profile);
+        useServiceAt(MisbehavingServer::deadPort());
         addServerToRoster("gate"_s, {"a", "b"});
         addServerToRoster("yard"_s, {"c", "d", "e"});
-        const auto layout = API::LayoutPtr::create();
-        layout->setName(QString::fromUtf8("Ночь & день"));
-        layout->resize(1, 2);
-        layout->setCamera(rosterCamera("yard"_s, 3), 0, 1, 1, 1);
+        const API::LayoutPtr layout = layoutOf(". e"_s);
+        layout->setName("Ночь & день"_s);
         API::CloudAPIClient().addLayout(layout);
     }
 
-    void init()
+    void drag_data()
     {
-        window.reset(shownWindow(0));
-        QVERIFY(QTest::qWaitForWindowExposed(window.data()));
-        window->findChild<RosterWidget *>()->updateRoster();
-        const auto layout = API::LayoutPtr::create();
-        layout->resize(2, 2);
-        layout->setCamera(rosterCamera("gate"_s, 1), 0, 0, 1, 1);
-        layout->setCamera(rosterCamera("gate"_s, 2), 0, 1, 1, 1);
-        window->openLayout(layout);
-        QCOMPARE(cellsOf(grid()), "a b | . ."_s);
+        rows<QString, QString, QString, QString>(
+            {"from", "to", "taker", "after"},
+            {{"camera to a placeholder", "camera c", "cell 1 0", "VideoPlaceholder", "a b | c ."},
+             {"camera to a tile", "camera c", "cell 0 1", "VideoWidget", "a c | . ."},
+             {"tile to a tile", "cell 0 0", "cell 0 1", "VideoWidget", "b a | . ."},
+             {"tile to a placeholder", "cell 0 0", "cell 1 1", "VideoPlaceholder", ". b | . a"},
+             {"tile to itself", "cell 0 0", "cell 0 0", "VideoWidget", "a b | . ."},
+             {"tile to another window", "cell 0 0", "other", "", "a b | . ."},
+             {"server to the grid", "server yard", "grid", "LayoutWidget", "a b | c d | e ."},
+             {"layout to the grid", "layout", "grid", "LayoutWidget", ". e"}});
     }
 
-    void cleanup() { window.reset(); }
-
-    void cameraToPlaceholder()
+    void drag()
     {
-        const QPointer<QWidget> placeholder = cell(1, 0);
-        MouseDrag drag(cameraCard("c"_s), placeholder);
-        bool wasLit = false;
-        QVERIFY(drag.run([&] { wasLit = placeholder->property("drop").toBool(); }));
-        QVERIFY(wasLit);
-        QCOMPARE(drag.takenBy(), placeholderClass);
-        QCOMPARE(cellsOf(grid()), "a b | c ."_s);
-        QTRY_VERIFY(!placeholder);
-    }
-
-    void cameraToTile()
-    {
-        const QPointer<QWidget> tile = cell(0, 1);
-        MouseDrag drag(cameraCard("c"_s), tile);
-        QVERIFY(drag.run());
-        QCOMPARE(drag.takenBy(), tileClass);
-        QCOMPARE(cellsOf(grid()), "a c | . ."_s);
-        QTRY_VERIFY(!tile);
-    }
-
-    void tileToTile()
-    {
-        QWidget *dragged = cell(0, 0);
-        QWidget *other = cell(0, 1);
-        MouseDrag drag(dragged, other);
-        QVERIFY(drag.run());
-        QCOMPARE(drag.takenBy(), tileClass);
-        QCOMPARE(cellsOf(grid()), "b a | . ."_s);
-        QVERIFY2(cell(0, 0) == other && cell(0, 1) == dragged, "tiles were made anew");
-    }
-
-    void tileToPlaceholder()
-    {
-        MouseDrag drag(cell(0, 0), cell(1, 1));
-        QVERIFY(drag.run());
-        QCOMPARE(drag.takenBy(), placeholderClass);
-        QCOMPARE(cellsOf(grid()), ". b | . a"_s);
-    }
-
-    void tileToItself()
-    {
-        QSignalSpy modified(grid(), &LayoutWidget::layoutModified);
-        MouseDrag drag(cell(0, 0), cell(0, 0));
-        QVERIFY(drag.run());
-        QCOMPARE(drag.takenBy(), tileClass);
-        QCOMPARE(cellsOf(grid()), "a b | . ."_s);
-        QCOMPARE(modified.count(), 0);
-    }
-
-    void tileToAnotherWindowIsRefused()
-    {
-        const QScopedPointer<MainWindow> other(shownWindow(screenHeight / 2));
-        QVERIFY(QTest::qWaitForWindowExposed(other.data()));
-        const auto *otherGrid = other->findChild<LayoutWidget *>();
-        MouseDrag drag(cell(0, 0), widgetAt(otherGrid, 0, 0));
-        QVERIFY(drag.run());
-        QCOMPARE(drag.takenBy(), QString());
-        QCOMPARE(cellsOf(grid()), "a b | . ."_s);
-        QCOMPARE(cellsOf(otherGrid), "."_s);
-    }
-
-    void serverToGrid()
-    {
-        ServerWidget *server = serverEntry("yard"_s);
-        auto *heading = server->findChild<QWidget *>("controlBar"_s);
-        window->findChild<RosterWidget *>()->ensureWidgetVisible(heading);
-        MouseDrag drag(heading, grid());
-        bool wasLit = false;
-        QVERIFY(drag.run([&] { wasLit = grid()->property("drop").toBool(); }));
-        QVERIFY(wasLit);
-        QCOMPARE(drag.takenBy(), gridClass);
-        // Three cameras on two free cells of two columns: one row more.
-        QCOMPARE(cellsOf(grid()), "a b | c d | e ."_s);
-        QCoreApplication::processEvents();
-        QVERIFY(server->findChild<QCheckBox *>("expandButton"_s)->isChecked());
-    }
-
-    void layoutToGrid()
-    {
-        window->setLayoutsMode();
-        window->findChild<LayoutListWidget *>()->updateLayouts();
-        MouseDrag drag(window->findChild<LayoutCard *>(), grid());
-        QVERIFY(drag.run());
-        QCOMPARE(drag.takenBy(), gridClass);
-        QCOMPARE(cellsOf(grid()), ". e"_s);
-    }
-
-private:
-    QWidget *cell(int row, int column) const { return widgetAt(grid(), row, column); }
-
-    CameraWidget *cameraCard(const QString &name) const
-    {
-        const QList<CameraWidget *> cards = window->findChildren<CameraWidget *>();
-        for (CameraWidget *card : cards) {
-            if (card->camera()->name() != name)
-                continue;
-            window->findChild<RosterWidget *>()->ensureWidgetVisible(card);
-            return card;
+        const auto [from, to, taker, after] = row<QString, QString, QString, QString>();
+        MainWindow window;
+        MainWindow other;
+        other.move(0, screenHeight / 2);
+        for (MainWindow *shown : {&window, &other}) {
+            shown->show();
+            QVERIFY(QTest::qWaitForWindowExposed(shown));
         }
-        return nullptr;
+        window.findChild<RosterWidget *>()->updateRoster();
+        window.findChild<LayoutListWidget *>()->updateLayouts();
+        // The window comes up with the page that was open last.
+        from == "layout"_s ? window.setLayoutsMode() : window.setRosterMode();
+        window.openLayout(layoutOf("a b | . ."_s));
+        QSignalSpy modified(gridOf(window), &LayoutWidget::layoutModified);
+
+        QWidget *target = to == "other"_s ? widgetFor(other, "cell 0 0"_s) : widgetFor(window, to);
+        MouseDrag drag(widgetFor(window, from), target);
+        QCOMPARE(drag.run(), taker);
+        QCOMPARE(drag.wasLit, !taker.isEmpty());
+        QCOMPARE(cellsOf(*gridOf(window)), after);
+        QCOMPARE(modified.isEmpty(), after == "a b | . ."_s);
+        QCOMPARE(cellsOf(*gridOf(other)), "."_s);
+        // A drag is no click.
+        for (const auto *button : window.findChildren<QCheckBox *>("expandButton"_s))
+            QVERIFY(button->isChecked());
     }
-
-    ServerWidget *serverEntry(const QString &id) const
-    {
-        const QList<ServerWidget *> entries = window->findChildren<ServerWidget *>();
-        for (ServerWidget *entry : entries) {
-            if (entry->server()->id() == id)
-                return entry;
-        }
-        return nullptr;
-    }
-
-    LayoutWidget *grid() const { return window->findChild<LayoutWidget *>(); }
-
-    QScopedPointer<MainWindow> window;
 };
 
 int main(int argc, char **argv)
 {
-    const VirtualDisplay display(screenWidth, screenHeight);
-    if (display.name().isEmpty()) {
-        std::fprintf(stderr, "DragTest: Xvfb did not start\n");
-        return 1;
-    }
+    const VirtualDisplay display(1280, screenHeight);
     display.use();
     QApplication application(argc, argv);
     application.setStyleSheet(App::Application::globalStyleSheet());

@@ -1,35 +1,34 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/Test.h"
-
-#include "API/Camera.h"
-#include "API/Layout.h"
-#include "App/Environment.h"
-#include "GUI/LayoutWidget.h"
+#include "GUI/GridSizeEditor.h"
 #include "GUI/Player/PlayerNotification.h"
-#include "GUI/Player/VideoPlaceholder.h"
-#include "GUI/Player/VideoWidget.h"
-#include "tests/support/Roster.h"
+#include "tests/GUI/GridWorld.h"
+#include "tests/support/ScriptedChild.h"
 
-using GUI::LayoutWidget;
-using GUI::Player::VideoPlaceholder;
-using GUI::Player::VideoWidget;
+using namespace ZorvaneClient::GUI;
+using Player::VideoPlaceholder;
+using Player::VideoWidget;
 
 namespace {
 
-template <typename T>
-T *at(LayoutWidget &grid, int row, int column)
+/// What is done to a grid: "add c", "close a", "resize 3 1", "drop c 1 0" on that cell,
+/// "move 0 0 1 1" from the first cell to the second.
+void doStep(LayoutWidget &grid, const QString &step)
 {
-    auto *layout = qobject_cast<QGridLayout *>(grid.layout());
-    QLayoutItem *item = layout->itemAtPosition(row, column);
-    return item ? qobject_cast<T *>(item->widget()) : nullptr;
-}
-
-int placeholdersIn(LayoutWidget &grid)
-{
-    int count = 0;
-    for (int index = 0; index < grid.layout()->count(); ++index)
-        count += qobject_cast<VideoPlaceholder *>(grid.layout()->itemAt(index)->widget()) ? 1 : 0;
-    return count;
+    const QStringList words = step.split(' ');
+    const API::CameraPtr camera = cameraNamed(words.at(1));
+    const auto number = [&words](int place) { return words.at(place).toInt(); };
+    if (words.first() == "add"_s)
+        grid.addCamera(camera);
+    else if (words.first() == "close"_s)
+        grid.removeCamera(camera);
+    else if (words.first() == "resize"_s)
+        grid.resizeLayout(number(1), number(2));
+    else if (words.first() == "drop"_s) // a tile and a placeholder have the same signals
+        QMetaObject::invokeMethod(widgetAt(grid, number(2), number(3)), "openCamera",
+                                  Q_ARG(API::CameraPtr, camera));
+    else
+        QMetaObject::invokeMethod(widgetAt(grid, number(3), number(4)), "swapRequested",
+                                  Q_ARG(int, number(1)), Q_ARG(int, number(2)));
 }
 
 } // namespace
@@ -42,223 +41,106 @@ private slots:
     void initTestCase()
     {
         qRegisterMetaType<API::CameraPtr>("API::CameraPtr");
-        addServerToRoster("s"_s, {"a", "b", "c", "d", "e"});
+        qRegisterMetaType<API::ServerPtr>("API::ServerPtr");
+        qRegisterMetaType<API::LayoutPtr>("API::LayoutPtr");
+        addServerToRoster("five"_s, {"a", "b", "c", "d", "e"});
+        addServerToRoster("online"_s, {"x"}, true);
+        QStringList names;
+        for (int number = 10; number < 50; ++number)
+            names << "camera %1"_s.arg(number);
+        addServerToRoster("ten"_s, names.mid(30));
+        addServerToRoster("forty"_s, names);
     }
 
-    void opensTilesAndPlaceholders()
+    void edits_data()
     {
+        rows<QString, QString, QString, QString>(
+            {"before", "steps", "after", "told"},
+            {{"opened", "a . . | . . b", "", "a . . | . . b", "+a +b"},
+             {"row by row", "a . | . .", "add b, add c", "a b | c .", "+a +b +c"},
+             {"no free cell", "a", "add b", "a", "+a"},
+             {"closed twice", "a b", "close a, close a", ". b", "+a +b -a"},
+             {"in two cells", "a a", "close a", ". .", "+a +a -a -a"},
+             {"resized", "a b", "resize 3 1", "a | . | .", "+a +a +b -a -b"},
+             {"on a placeholder", "a .", "drop b 0 1", "a b", "+a +b"},
+             {"on a tile", "a .", "drop b 0 0", "b .", "+a +b -a"},
+             {"nothing on a tile", "a .", "move 0 1 0 0, move 7 7 0 0", "a .", "+a"},
+             {"a span is transposed", "a:2x1 . | . .", "", "a:1x2 . | . .", "+a"},
+             {"the span stays", "a:2x1 . | . .", "close a", ".:1x2 . | . .", "+a -a"},
+             {"after it", "a:2x1 . | . .", "close a, drop b 0 0", "b . | . .", "+a +b -a"},
+             {"under it", "a:2x2 . | . .", "drop b 1 1, add c", "a:2x2 c | . b", "+a +b +c"},
+             {"a span moved", "a:2x2 . | . b", "move 1 1 0 0", "b . | . a", "+a +b"}});
+    }
+
+    void edits()
+    {
+        const auto [before, steps, after, told] = row<QString, QString, QString, QString>();
         LayoutWidget grid;
-        QSignalSpy added(&grid, &LayoutWidget::cameraAdded);
+        QStringList log;
+        connect(&grid, &LayoutWidget::cameraAdded, this,
+                [&log](API::CameraPtr camera) { log << '+' + camera->name(); });
+        connect(&grid, &LayoutWidget::cameraClosed, this,
+                [&log](API::CameraPtr camera) { log << '-' + camera->name(); });
+        const API::LayoutPtr opened = layoutOf(before);
+        grid.openLayout(opened);
+        const QString shown = cellsOf(grid);
         QSignalSpy modified(&grid, &LayoutWidget::layoutModified);
-        grid.show();
-        grid.openLayout(layoutOf(2, 3, {{2, 0}, {0, 1}}));
-        QCOMPARE(grid.playerCount(), 2);
-        QCOMPARE(added.count(), 2);
-        QCOMPARE(modified.count(), 3);
-        QCOMPARE(placeholdersIn(grid), 4);
-        QCOMPARE(at<VideoWidget>(grid, 0, 2)->camera(), camera(1));
-        QCOMPARE(at<VideoWidget>(grid, 1, 0)->camera(), camera(2));
-        QCOMPARE(at<VideoWidget>(grid, 1, 0)->position(), (API::LayoutPoint{0, 1}));
-        QVERIFY(at<VideoPlaceholder>(grid, 0, 0));
-        QCOMPARE(grid.player(camera(2)), at<VideoWidget>(grid, 1, 0));
-        QVERIFY(!grid.player(camera(5)));
-    }
-
-    void openingAnEqualLayoutKeepsTheTiles()
-    {
-        LayoutWidget grid;
-        const API::LayoutPtr layout = layoutOf(1, 2, {{0, 0}});
-        grid.openLayout(layout);
-        const QPointer<VideoWidget> tile = grid.player(camera(1));
-        grid.openLayout(API::LayoutPtr::create(*layout));
-        QCOMPARE(grid.player(camera(1)), tile.data());
-        QCOMPARE(grid.savedLayout(), layout);
-    }
-
-    void theFirstEditMakesACopy()
-    {
-        LayoutWidget grid;
-        const API::LayoutPtr layout = layoutOf(1, 2, {});
-        grid.openLayout(layout);
-        QCOMPARE(grid.workingLayout(), layout);
-        QCOMPARE(grid.savedLayout(), layout);
-        grid.addCamera(camera(1));
-        QVERIFY(grid.workingLayout() != layout);
-        QCOMPARE(grid.savedLayout(), layout);
-        QVERIFY(layout->cellList().isEmpty());
-        const API::LayoutPtr edited = grid.workingLayout();
-        grid.addCamera(camera(2));
-        QCOMPARE(grid.workingLayout(), edited);
-    }
-
-    void cameraGoesToTheFirstFreeCell()
-    {
-        LayoutWidget grid;
-        grid.openLayout(layoutOf(2, 2, {{0, 0}}));
-        grid.addCamera(camera(2));
-        QCOMPARE(grid.player(camera(2))->position(), (API::LayoutPoint{1, 0}));
-        grid.addCamera(camera(3));
-        QCOMPARE(grid.player(camera(3))->position(), (API::LayoutPoint{0, 1}));
-        QCOMPARE(grid.workingLayout()->cellAt(1, 0).camera, camera(3));
-    }
-
-    void withoutAFreeCellNothingHappens()
-    {
-        LayoutWidget grid;
-        grid.openLayout(layoutOf(1, 1, {{0, 0}}));
-        QSignalSpy modified(&grid, &LayoutWidget::layoutModified);
-        grid.addCamera(camera(2));
-        QCOMPARE(grid.playerCount(), 1);
-        QCOMPARE(modified.count(), 0);
-    }
-
-    void closingATileLeavesAPlaceholder()
-    {
-        LayoutWidget grid;
-        const API::LayoutPtr layout = layoutOf(1, 2, {{0, 0}, {1, 0}});
-        grid.openLayout(layout);
-        QSignalSpy closed(&grid, &LayoutWidget::cameraClosed);
-        grid.removeCamera(camera(1));
-        QCOMPARE(closed.count(), 1);
-        QVERIFY(at<VideoPlaceholder>(grid, 0, 0));
-        QVERIFY(!grid.workingLayout()->cellAt(0, 0).camera);
-        QCOMPARE(layout->cellList().size(), 2);
-        grid.removeCamera(camera(1));
-        QCOMPARE(closed.count(), 1);
-    }
-
-    void closingATileInItsOwnSignalIsSafe()
-    {
-        LayoutWidget grid;
-        grid.openLayout(layoutOf(1, 1, {{0, 0}}));
-        // What a window does when its only tile goes: the whole grid is built anew.
-        connect(&grid, &LayoutWidget::cameraClosed, &grid,
-                [&grid] { grid.openLayout(API::LayoutPtr::create()); });
-        const QPointer<VideoWidget> tile = grid.player(camera(1));
-        emit tile->closed(tile);
-        QVERIFY2(tile, "the tile went in the middle of its own signal");
-        QTRY_VERIFY(!tile);
-        QCOMPARE(placeholdersIn(grid), 1);
-    }
-
-    void oneCameraInTwoCells()
-    {
-        LayoutWidget grid;
-        const API::LayoutPtr layout = layoutOf(1, 2, {{0, 0}});
-        layout->setCamera(camera(1), 0, 1, 1, 1);
-        grid.openLayout(layout);
-        QCOMPARE(grid.playerCount(), 2);
-        QSignalSpy closed(&grid, &LayoutWidget::cameraClosed);
-        grid.removeCamera(camera(1));
-        QCOMPARE(closed.count(), 2);
-        QCOMPARE(grid.playerCount(), 0);
-    }
-
-    void resizeKeepsTheSavedLayout()
-    {
-        LayoutWidget grid;
-        const API::LayoutPtr layout = layoutOf(1, 2, {{0, 0}, {1, 0}});
-        grid.openLayout(layout);
-        grid.resizeLayout(3, 1);
-        QCOMPARE(grid.savedLayout(), layout);
-        QCOMPARE(grid.workingLayout()->rows(), 3);
-        QCOMPARE(grid.workingLayout()->id(), layout->id());
-        QCOMPARE(grid.playerCount(), 1);
-        QCOMPARE(placeholdersIn(grid), 2);
-        QCOMPARE(layout->columns(), 2);
+        for (const QString &step : steps.split(", "_s, Qt::SkipEmptyParts))
+            doStep(grid, step);
+        QCOMPARE(cellsOf(grid), after);
+        log.sort();
+        QCOMPARE(log.join(' '), told);
+        QCOMPARE(modified.isEmpty(), shown == after);
+        // What was opened is there to come back to.
+        QCOMPARE(grid.savedLayout(), opened);
+        QCOMPARE(*grid.workingLayout() == *opened, shown == after);
+        QCOMPARE(opened->cellList(), layoutOf(before)->cellList());
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(cellsOf(grid), after);
+        QCOMPARE(grid.playerCount(), int(after.count(QRegularExpression("[a-e]"))));
     }
 
     void savingKeepsTheObject()
     {
         LayoutWidget grid;
-        const API::LayoutPtr layout = layoutOf(1, 2, {});
-        grid.openLayout(layout);
-        grid.addCamera(camera(1));
+        grid.resizeLayout(1, 2);
+        grid.saveLayout("Yard"_s);
+        const API::LayoutPtr layout = grid.savedLayout();
+        QVERIFY2(layout, "nothing had been opened before");
+        QCOMPARE(grid.workingLayout(), layout);
+        grid.addCamera(cameraNamed("a"_s));
+        const API::LayoutPtr edited = grid.workingLayout();
+        grid.addCamera(cameraNamed("b"_s));
+        QCOMPARE(grid.workingLayout(), edited);
+        QCOMPARE(layout->name(), "Yard"_s);
+        QVERIFY(layout->cellList().isEmpty());
         grid.saveLayout("Gate"_s);
         QCOMPARE(grid.savedLayout(), layout);
         QCOMPARE(grid.workingLayout(), layout);
         QCOMPARE(layout->name(), "Gate"_s);
-        QCOMPARE(layout->cellAt(0, 0).camera, camera(1));
+        // Opening an equal one keeps the tiles, opening none keeps nothing.
+        const QPointer<VideoWidget> tile = grid.player(cameraNamed("a"_s));
+        grid.openLayout(API::LayoutPtr::create(*layout));
+        QCOMPARE(grid.player(cameraNamed("a"_s)), tile.data());
+        QCOMPARE(grid.savedLayout(), layout);
+        grid.openLayout(API::LayoutPtr());
+        grid.addCamera(cameraNamed("a"_s));
+        QCOMPARE(grid.layout()->count(), 0);
     }
 
-    void spansComeBackTransposed()
+    void closingATileEndsItsPlayer()
     {
+        const ScriptedChild child;
         LayoutWidget grid;
-        const auto layout = API::LayoutPtr::create();
-        layout->resize(3, 3);
-        layout->setCamera(camera(1), 0, 0, 2, 1);
-        grid.openLayout(layout);
-        QCOMPARE(grid.player(camera(1))->span(), (API::CellSize{2, 1}));
-    }
-
-    void cellsStayEqualUnderTheMouse()
-    {
-        LayoutWidget grid;
-        grid.resize(902, 602);
-        grid.openLayout(layoutOf(2, 3, {{0, 0}, {2, 1}}));
-        grid.show();
-        // The bars that come up with the mouse must not make their tile ask for more room.
-        QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), QPointF(5, 5));
-        QCoreApplication::sendEvent(grid.player(camera(1)), &enter);
-        QCoreApplication::processEvents();
-        const QSize cell = at<VideoWidget>(grid, 0, 0)->size();
-        for (int row = 0; row < 2; ++row) {
-            for (int column = 0; column < 3; ++column) {
-                const QSize size = at<QWidget>(grid, row, column)->size();
-                QVERIFY(qAbs(size.width() - cell.width()) <= 1);
-                QVERIFY(qAbs(size.height() - cell.height()) <= 1);
-            }
-        }
-    }
-
-    void hintsStackFromTheTop()
-    {
-        LayoutWidget grid;
-        grid.resize(600, 400);
-        grid.openLayout(layoutOf(1, 1, {{0, 0}}));
-        grid.show();
-        emit grid.player(camera(1))->snapshotSaved("/tmp"_s);
-        emit grid.player(camera(1))->snapshotSaved("/tmp"_s);
-        const auto hints = grid.findChildren<GUI::PlayerNotification *>();
-        QCOMPARE(hints.size(), 2);
-        QTRY_COMPARE(hints.last()->pos(), QPoint(10, 10));
-        QTRY_COMPARE(hints.first()->pos(), QPoint(10, 10 + hints.last()->height() + 5));
-        emit hints.last()->closed();
-        QTRY_COMPARE(hints.first()->pos(), QPoint(10, 10));
-    }
-
-    void placeholderOverASpanIsACellOfItsOwn()
-    {
-        LayoutWidget grid;
-        const auto layout = API::LayoutPtr::create();
-        layout->resize(2, 2);
-        layout->setCamera(camera(1), 0, 0, 2, 2);
-        grid.openLayout(layout);
-        grid.show();
-        const QPointer<VideoWidget> spanned = grid.player(camera(1));
-        QCOMPARE(placeholdersIn(grid), 3);
-
-        VideoPlaceholder *corner = nullptr;
-        for (int index = 0; index < grid.layout()->count(); ++index) {
-            if (auto *found =
-                    qobject_cast<VideoPlaceholder *>(grid.layout()->itemAt(index)->widget()))
-                corner = found;
-        }
-        emit corner->openCamera(camera(2));
-        QCOMPARE(grid.player(camera(2))->position(), (API::LayoutPoint{1, 1}));
-        grid.addCamera(camera(3));
-        QCOMPARE(grid.player(camera(3))->position(), (API::LayoutPoint{1, 0}));
-        grid.addCamera(camera(4));
-        QCOMPARE(grid.player(camera(4))->position(), (API::LayoutPoint{0, 1}));
-        QCOMPARE(placeholdersIn(grid), 0);
-
-        emit spanned->swapRequested(1, 1);
-        QCOMPARE(grid.player(camera(2))->position(), (API::LayoutPoint{0, 0}));
-        QCOMPARE(spanned->position(), (API::LayoutPoint{1, 1}));
-        QCOMPARE(grid.workingLayout()->cellAt(0, 0).camera, camera(2));
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY2(spanned, "a tile in use was released");
-        QCOMPARE(grid.playerCount(), 4);
+        grid.openLayout(layoutOf("x"_s));
+        QVERIFY(grid.players().first()->playLive());
+        const QPointer<QProcess> process = grid.players().first()->findChild<QProcess *>();
+        QCOMPARE(process->state(), QProcess::Running);
+        // Before the event loop turns: a layout that follows has its own players to start.
+        grid.clear();
+        QVERIFY(process);
+        QCOMPARE(process->state(), QProcess::NotRunning);
+        QTRY_VERIFY(!process);
     }
 
     void brokenLayouts_data()
@@ -267,20 +149,15 @@ private slots:
         // left is the row, top the column
         rows<QSize, Cells, int>(
             {"columnsByRows", "cells", "tiles"},
-            {
-                {"no rows, no columns", QSize(0, 0), Cells{{0, 0, 1, 1}}, 0},
-                {"no columns", QSize(0, 3), Cells{{0, 0, 1, 1}}, 0},
-                {"negative size", QSize(-2, -3), Cells{}, 0},
-                {"empty spans", QSize(2, 2), Cells{{0, 0, 0, 0}, {1, 1, 0, 0}}, 2},
-                {"negative spans", QSize(2, 2), Cells{{0, 0, -5, -1}, {1, 0, 1, -64}}, 2},
-                {"overlapping spans", QSize(3, 3),
-                 Cells{{0, 0, 3, 3}, {0, 1, 2, 2}, {1, 1, 2, 2}, {2, 2, 1, 1}}, 4},
-                {"spans beyond the edge", QSize(2, 2), Cells{{0, 0, 64, 64}, {1, 1, 64, 64}}, 2},
-                {"cells outside the grid", QSize(2, 2),
-                 Cells{{-1, 0, 1, 1}, {0, -7, 1, 1}, {2, 2, 1, 1}, {1, 1, 1, 1}}, 1},
-                {"far more cells than anybody needs", QSize(24, 24),
-                 Cells{{0, 0, 64, 64}, {23, 23, 64, 64}}, 2},
-            });
+            {{"no rows, no columns", {0, 0}, {{0, 0, 1, 1}}, 0},
+             {"no columns", {0, 3}, {{0, 0, 1, 1}}, 0},
+             {"negative size", {-2, -3}, {}, 0},
+             {"empty spans", {2, 2}, {{0, 0, 0, 0}, {1, 1, 0, 0}}, 2},
+             {"negative spans", {2, 2}, {{0, 0, -5, -1}, {1, 0, 1, -64}}, 2},
+             {"overlapping", {3, 3}, {{0, 0, 3, 3}, {0, 1, 2, 2}, {1, 1, 2, 2}, {2, 2, 1, 1}}, 4},
+             {"spans beyond the edge", {2, 2}, {{0, 0, 64, 64}, {1, 1, 64, 64}}, 2},
+             {"outside", {2, 2}, {{-1, 0, 1, 1}, {0, -7, 1, 1}, {2, 2, 1, 1}, {1, 1, 1, 1}}, 1},
+             {"far too many cells", {24, 24}, {{0, 0, 64, 64}, {23, 23, 64, 64}}, 2}});
     }
 
     void brokenLayouts()
@@ -290,8 +167,8 @@ private slots:
         layout->resize(64, 64);
         int number = 0;
         for (const QRect &cell : cells)
-            layout->setCamera(camera(++number), cell.left(), cell.top(), cell.width(),
-                              cell.height());
+            layout->setCamera(rosterCamera("five"_s, ++number), cell.left(), cell.top(),
+                              cell.width(), cell.height());
         LayoutWidget grid;
         grid.show();
         // Smaller only now: the cells that fall outside stay.
@@ -301,98 +178,158 @@ private slots:
         layout->update(map);
         grid.openLayout(layout);
         QCOMPARE(grid.playerCount(), tiles);
-        const QList<VideoWidget *> shown = grid.players();
-        for (const VideoWidget *tile : shown)
+        for (const VideoWidget *tile : grid.players())
             QVERIFY(tile->span().rows >= 1 && tile->span().columns >= 1);
         QCoreApplication::processEvents();
         grid.grab();
 
         // Whatever the user does with it then.
         grid.updateQuality();
-        grid.addCamera(camera(5));
-        const QList<VideoWidget *> opened = grid.players();
-        for (VideoWidget *tile : opened) {
+        grid.addCamera(cameraNamed("e"_s));
+        grid.addCamera(API::CameraPtr());
+        for (VideoWidget *tile : grid.players()) {
             emit tile->swapRequested(0, 0);
             emit tile->swapRequested(1, 1);
         }
         if (VideoPlaceholder *placeholder = grid.findChild<VideoPlaceholder *>())
-            emit placeholder->openCamera(camera(5));
+            emit placeholder->openCamera(cameraNamed("e"_s));
         QCoreApplication::processEvents();
         grid.resizeLayout(2, 2);
         QCOMPARE(grid.workingLayout()->rows(), 2);
         QVERIFY(grid.playerCount() <= 4);
-        const QList<VideoWidget *> left = grid.players();
-        for (VideoWidget *tile : left)
+        for (VideoWidget *tile : grid.players())
             emit tile->closed(tile);
         QCOMPARE(grid.playerCount(), 0);
         QCOMPARE(grid.findChildren<VideoWidget *>().size(), 0);
         QCoreApplication::processEvents();
     }
 
-    void missingLayoutsAndCamerasAreNone()
+    void tilesCoverTheirCells()
     {
         LayoutWidget grid;
-        grid.openLayout(layoutOf(1, 2, {{0, 0}}));
-        grid.addCamera(API::CameraPtr());
-        grid.addCamera(API::CameraPtr(), API::LayoutPoint{1, 0}, API::CellSize{});
-        QCOMPARE(grid.playerCount(), 1);
-        grid.openLayout(API::LayoutPtr());
-        QCOMPARE(grid.playerCount(), 0);
-        QCOMPARE(placeholdersIn(grid), 0);
-        grid.addCamera(camera(1));
-        QCOMPARE(grid.playerCount(), 0);
-    }
-
-    void closingATileEndsItsPlayer()
-    {
-        QFile player("player"_s);
-        QVERIFY(player.open(QIODevice::WriteOnly));
-        player.write("#!/bin/sh\nexec cat > /dev/null\n");
-        player.setPermissions(player.permissions() | QFileDevice::ExeOwner);
-        player.close();
-        App::Environment::setPlayerProgram(QFileInfo(player).absoluteFilePath());
-        addServerToRoster("online"_s, {"x"}, true);
-
-        LayoutWidget grid;
-        grid.openLayout(layoutOf(1, 1, {}));
-        grid.addCamera(rosterCamera("online"_s, 1));
-        VideoWidget *tile = grid.players().first();
-        QVERIFY(tile->playLive());
-        const QPointer<QProcess> process = tile->findChild<QProcess *>();
-        QCOMPARE(process->state(), QProcess::Running);
-        // Before the event loop turns: a layout that follows has its own players to start.
-        grid.clear();
-        QVERIFY(process);
-        QCOMPARE(process->state(), QProcess::NotRunning);
-        QTRY_VERIFY(!process);
-    }
-
-    void backgroundShowsBetweenTheCells()
-    {
-        LayoutWidget grid;
-        grid.resize(404, 304);
-        grid.openLayout(layoutOf(1, 2, {}));
+        grid.resize(908, 908);
+        grid.openLayout(layoutOf("a:2x1 . . | . b . | . . ."_s));
         grid.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&grid));
+        // The bars that come up with the mouse must not make their tile ask for more room.
+        QEnterEvent enter(QPointF(5, 5), QPointF(5, 5), QPointF(5, 5));
+        QCoreApplication::sendEvent(grid.player(cameraNamed("b"_s)), &enter);
+        QCoreApplication::processEvents();
+        QCOMPARE(widgetAt(grid, 0, 0)->geometry(), QRect(2, 2, 602, 300));
+        QCOMPARE(widgetAt(grid, 1, 1)->geometry(), QRect(304, 304, 300, 300));
+        QCOMPARE(widgetAt(grid, 2, 2)->geometry(), QRect(606, 606, 300, 300));
         const QImage picture = grid.grab().toImage();
-        QCOMPARE(picture.pixelColor(0, 0), QColor(41, 44, 49));
-        const int gap = at<VideoPlaceholder>(grid, 0, 0)->geometry().right() + 1;
-        QCOMPARE(picture.pixelColor(gap, 150), QColor(41, 44, 49));
+        QCOMPARE(picture.pixelColor(303, 450), QColor(41, 44, 49));
+        QVERIFY(picture.pixelColor(305, 450) != QColor(41, 44, 49));
     }
 
-private:
-    /// A layout with cameras 1, 2, ... in `cells`.
-    API::LayoutPtr layoutOf(int rows, int columns, const QList<API::LayoutPoint> &cells)
+    void hintsStackFromTheTopAndGo()
     {
-        const auto layout = API::LayoutPtr::create();
-        layout->resize(rows, columns);
-        int number = 0;
-        for (const API::LayoutPoint &cell : cells)
-            layout->setCamera(camera(++number), cell.row, cell.column, 1, 1);
-        return layout;
+        LayoutWidget grid;
+        grid.resize(600, 400);
+        grid.openLayout(layoutOf("a"_s));
+        grid.show();
+        emit grid.players().first()->snapshotSaved("/tmp"_s);
+        emit grid.players().first()->exportError("/tmp"_s);
+        const auto hints = grid.findChildren<PlayerNotification *>();
+        const QPointer<PlayerNotification> lower = hints.value(0);
+        const QPointer<PlayerNotification> upper = hints.value(1);
+        QTRY_COMPARE(upper->pos(), QPoint(10, 10));
+        QTRY_COMPARE(lower->pos(), QPoint(10, 10 + upper->height() + 5));
+        upper->findChild<QPushButton *>("closeButton"_s)->click();
+        QTRY_VERIFY(!upper);
+        QTRY_VERIFY(lower && lower->pos() == QPoint(10, 10));
+        QTRY_VERIFY_WITH_TIMEOUT(!lower, 20000);
     }
 
-    API::CameraPtr camera(int number) { return rosterCamera("s"_s, number); }
+    void acceptsServersAndLayoutsOnly()
+    {
+        API::CloudAPIClient().addLayout(layoutOf("a"_s));
+        LayoutWidget grid;
+        grid.openLayout(layoutOf("."_s));
+        QSignalSpy dropped(&grid, &LayoutWidget::layoutDropped);
+        for (const QString &format : {"camera"_s, "layout-swap"_s, "text/uri-list"_s})
+            QVERIFY(!drop(&grid, format, "no such"));
+        for (const QString &format : {"server"_s, "layout"_s})
+            QVERIFY(drop(&grid, format, "no such"));
+        QVERIFY(dropped.isEmpty() && !grid.property("drop").toBool());
+        QCOMPARE(cellsOf(grid), "."_s);
+    }
+
+    void droppedServerFillsTheGrid_data()
+    {
+        rows<QString, QSize, int, QSize, bool>(
+            {"server", "before", "taken", "after", "announced"},
+            {{"ten on one cell", "ten", QSize(1, 1), 0, QSize(4, 4), true},
+             {"forty on one cell", "forty", QSize(1, 1), 0, QSize(6, 6), true},
+             {"five fit", "five", QSize(3, 3), 0, QSize(3, 3), false},
+             {"five on 3 columns by 2 rows", "five", QSize(3, 2), 5, QSize(3, 4), false},
+             {"five on one taken cell of four", "five", QSize(2, 2), 1, QSize(2, 3), false},
+             {"ten on a full row", "ten", QSize(2, 1), 2, QSize(2, 6), false},
+             {"forty on a full row", "forty", QSize(2, 1), 2, QSize(2, 6), false},
+             {"one that has gone", "gone", QSize(1, 1), 0, QSize(1, 1), false}});
+    }
+
+    void droppedServerFillsTheGrid()
+    {
+        const auto [server, before, taken, after, announced] =
+            row<QString, QSize, int, QSize, bool>();
+        LayoutWidget grid;
+        const auto layout = API::LayoutPtr::create();
+        layout->resize(before.height(), before.width());
+        for (int cell = 0, width = before.width(); cell < taken; ++cell)
+            layout->setCamera(cameraNamed("a"_s), cell / width, cell % width, 1, 1);
+        grid.openLayout(layout);
+        QSignalSpy serverAdded(&grid, &LayoutWidget::serverAdded);
+        QByteArray bytes;
+        QDataStream stream(&bytes, QIODevice::WriteOnly);
+        stream << server;
+        QVERIFY(drop(&grid, "server"_s, bytes));
+        const API::LayoutPtr filled = grid.workingLayout();
+        QCOMPARE(QSize(filled->columns(), filled->rows()), after);
+        QCOMPARE(serverAdded.count(), announced ? 1 : 0);
+        // One after the other as far as there is room.
+        for (int cell = taken, width = after.width(); cell < width * after.height(); ++cell)
+            QCOMPARE(filled->cellAt(cell / width, cell % width).camera,
+                     rosterCamera(server, cell - taken + 1));
+    }
+
+    void sizeUnderMouse_data()
+    {
+        rows<QPoint, QSize>({"position", "columnsByRows"},
+                            {{"first pixel", QPoint(10, 10), QSize(1, 1)},
+                             {"last pixel", QPoint(93, 81), QSize(6, 6)},
+                             {"right of it", QPoint(94, 81), QSize(0, 0)},
+                             {"below it", QPoint(93, 82), QSize(0, 0)},
+                             {"left of it", QPoint(9, 40), QSize(0, 0)},
+                             {"above it", QPoint(40, 9), QSize(0, 0)},
+                             {"the first cell ends", QPoint(23, 21), QSize(1, 1)},
+                             {"second column", QPoint(24, 10), QSize(2, 1)},
+                             {"second row", QPoint(10, 22), QSize(1, 2)}});
+    }
+
+    void sizeUnderMouse()
+    {
+        const auto [position, columnsByRows] = row<QPoint, QSize>();
+        const QPointer<GridSizeEditor> editor = new GridSizeEditor;
+        QSignalSpy selected(editor.data(), &GridSizeEditor::sizeSelected);
+        editor->setCurrentSize(3, 2);
+        editor->show();
+        QTest::mouseMove(editor, position);
+        const QImage picture = editor->grab().toImage();
+        const QRect hovered(QPoint(), columnsByRows), current(QPoint(), QSize(2, 3));
+        for (int x = 0; x < 6; ++x) {
+            for (int y = 0; y < 6; ++y)
+                QCOMPARE(picture.pixelColor(16 + 14 * x, 15 + 12 * y),
+                         hovered.contains(x, y)   ? QColor(62, 183, 253)
+                         : current.contains(x, y) ? QColor(129, 134, 144)
+                                                  : QColor(52, 55, 60));
+        }
+        QTest::mousePress(editor, Qt::LeftButton, Qt::NoModifier, position);
+        const QVariantList size{columnsByRows.height(), columnsByRows.width()};
+        QCOMPARE(selected.value(0), columnsByRows.isEmpty() ? QVariantList() : size);
+        QTRY_COMPARE(editor.isNull(), columnsByRows.isEmpty());
+        delete editor;
+    }
 };
 
 QTEST_MAIN(LayoutWidgetTest)

@@ -1,17 +1,130 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Test.h"
 
-#include "App/ServiceProfile.h"
-#include "LoginForm.h"
+#include "App/Settings.h"
+#include "GUI/CloudToolTip.h"
+#include "GUI/LoginDialog.h"
+#include "GUI/TippedButton.h"
 #include "tests/support/ScriptedService.h"
-
-Q_DECLARE_METATYPE(WireReply)
 
 namespace {
 
 const QByteArray sessionsPath("/public/sessions");
 const QString email = "anna+cam@example.com"_s;
 const QString password = "p&ss w+rd"_s;
+const QString oldProxy = "old.example:3128:old user:old secret"_s;
+
+const QStringList settingKeys = {"auth/email", "auth/password", "auth/saveAuth",  "proxy/useProxy",
+                                 "proxy/host", "proxy/port",    "proxy/username", "proxy/password"};
+
+/// Sets what the file says of the account and the proxy.
+void store(const QString &account, const QString &useProxy = "false"_s)
+{
+    const QStringList values = (account + ':' + useProxy + ':' + oldProxy).split(':');
+    for (int i = 0; i < settingKeys.size(); ++i)
+        App::settings().setValue(settingKeys.at(i), values.at(i));
+}
+
+QString stored()
+{
+    QStringList values;
+    for (const QString &key : settingKeys)
+        values.append(App::settings().value(key).toString());
+    return values.join(':');
+}
+
+/// A sign-in dialog, its controls by name, and what can be seen of it.
+class LoginForm : public QObject
+{
+public:
+    /// Shows the dialog.
+    explicit LoginForm(bool isForgetful = false)
+    {
+        forget->setChecked(isForgetful);
+        for (const int page : {0, 1})
+            dialog.widget(page)->installEventFilter(this);
+        dialog.show();
+    }
+
+    template <typename T = QWidget>
+    T *part(const QString &name) const
+    {
+        return dialog.findChild<T *>(name);
+    }
+
+    void fill(const QString &account, const QString &secret)
+    {
+        emailLn->setText(account);
+        passwordLn->setText(secret);
+    }
+
+    void fillProxy(const QString &texts)
+    {
+        for (int i = 0; i < proxyFields.size(); ++i)
+            proxyFields.at(i)->setText(texts.section(':', i, i));
+    }
+
+    void press(const QString &name)
+    {
+        auto *pressed = part(name);
+        QVERIFY2(pressed && pressed->isVisible(), qPrintable(name));
+        // A choice is pressed where its circle is.
+        QTest::mouseClick(pressed, Qt::LeftButton, {}, QPoint(8, pressed->height() / 2));
+    }
+
+    /// True when the key has been taken.
+    bool pressKey(int key, const QString &field)
+    {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(part(field), &press);
+        return press.isAccepted();
+    }
+
+    /// All of it: locked with the spinner if `waiting`, else ready for the user.
+    bool isWaiting(bool waiting) const
+    {
+        const QWidgetList locked = {emailLn, passwordLn, signIn, forget, part("settingsButton")};
+        return part("spinnerWidget")->isVisible() == waiting && signIn->isVisible() != waiting &&
+               std::all_of(locked.begin(), locked.end(), [waiting](const QWidget *widget) {
+                   return widget->isEnabled() != waiting;
+               });
+    }
+
+    /// Page, height, and the alert or the proxy that is there.
+    QString shown() const
+    {
+        const bool isSignIn = dialog.currentIndex() == 0;
+        QString text = "%1 %2"_s.arg(isSignIn ? "sign-in" : "settings").arg(dialog.height());
+        const auto *bar = part<QStackedWidget>("alertsBar");
+        if (isSignIn && bar->height() > 0)
+            text += ' ' + bar->currentWidget()->objectName();
+        for (const QLineEdit *field : proxyFields)
+            text += field->isVisible() ? ' ' + field->text() : QString();
+        const bool isAtRest = dialog.currentWidget()->pos().isNull() &&
+                              dialog.minimumHeight() == dialog.height() && dialog.width() == 440;
+        return isAtRest ? text : text + " moving";
+    }
+
+    GUI::LoginDialog dialog;
+    QSignalSpy success{&dialog, &GUI::LoginDialog::loginSuccessful};
+    QLineEdit *emailLn = part<QLineEdit>("emailLn");
+    QLineEdit *passwordLn = part<QLineEdit>("passwordLn");
+    QPushButton *signIn = part<QPushButton>("signInButton");
+    QCheckBox *forget = part<QCheckBox>("forgetBox");
+    QList<QLineEdit *> proxyFields = part("proxySettings")->findChildren<QLineEdit *>();
+    /// How far the page that comes in stands aside, and the height of the window.
+    QList<QPoint> moves;
+
+protected:
+    bool eventFilter(QObject *page, QEvent *event) override
+    {
+        if (event->type() == QEvent::Move && page != dialog.currentWidget()) {
+            const int x = static_cast<QWidget *>(page)->x();
+            moves.append({page == dialog.widget(0) ? -x : x, dialog.height()});
+        }
+        return false;
+    }
+};
 
 } // namespace
 
@@ -25,7 +138,6 @@ public slots:
 private slots:
     void initTestCase()
     {
-        qApp->setStyleSheet("* { font: 12px \"PT Sans\"; }"_s);
         QVERIFY(service.start());
         QDesktopServices::setUrlHandler("http"_s, this, "linkOpened");
     }
@@ -33,284 +145,245 @@ private slots:
     void init()
     {
         service.reset();
-        openedLinks.clear();
-        resetSignInSettings();
+        store("::");
     }
 
-    void opensEmpty()
+    void shownWithTheSavedAccount_data()
     {
-        LoginForm form;
-        form.dialog.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&form.dialog));
-        QCOMPARE(form.dialog.size(), QSize(440, 413));
-        QCOMPARE(form.dialog.currentIndex(), 0);
-        QCOMPARE(form.barShown(), QString());
-        QVERIFY(!form.forget->isChecked());
-        QVERIFY(!form.signIn->isEnabled());
-        QCOMPARE(form.dialog.focusWidget(), form.emailLn);
-        QVERIFY(service.requests().isEmpty());
+        rows<QString, QString>({"account", "focus"},
+                               {{"first start", "::", "emailLn"},
+                                {"no e-mail", ":secret:true", "emailLn"},
+                                {"no password", "a@b.example::true", "passwordLn"},
+                                {"not remembered", "a@b.example:secret:false", "passwordLn"},
+                                {"signed out", "a@b.example::", "passwordLn"},
+                                {"remembered", "a@b.example:secret:true", "topBarWgt"}});
     }
 
-    void signInSendsWhatWasTyped()
+    void shownWithTheSavedAccount()
     {
+        const auto [account, focus] = row<QString, QString>();
         service.succeed("POST", sessionsPath, R"({"session_id":"s-1"})");
-        LoginForm form;
-        QSignalSpy success(&form.dialog, &GUI::LoginDialog::loginSuccessful);
-        form.dialog.show();
+        store(account);
+        LoginForm form(true);
+        const bool signsIn = focus == "topBarWgt"_s;
+        QCOMPARE(form.isWaiting(true), signsIn);
+        QCOMPARE(form.shown(), "sign-in 413"_s);
+        QCOMPARE(form.emailLn->text(), account.section(':', 0, 0));
+        QCOMPARE(form.passwordLn->text(), signsIn ? "secret"_s : QString());
+        QCOMPARE(form.dialog.focusWidget()->objectName(), focus);
+        QCOMPARE(form.forget->isChecked(), !signsIn);
+        QVERIFY(!form.signIn->isEnabled());
+        QTRY_COMPARE(form.success.size(), signsIn ? 1 : 0);
+        QCOMPARE(service.requests().size(), form.success.size());
+
+        // What comes back from the task bar has what was typed.
         form.fill(email, password);
-        form.click("signInButton");
-        QTRY_COMPARE(success.size(), 1);
-
-        QCOMPARE(service.requestsTo(sessionsPath).size(), 1);
-        const QUrlQuery body(QString::fromUtf8(service.requestsTo(sessionsPath).first().body));
-        QCOMPARE(body.queryItemValue("login"_s, QUrl::FullyDecoded), email);
-        QCOMPARE(body.queryItemValue("password"_s, QUrl::FullyDecoded), password);
-        QVERIFY(!form.waiting());
-        QVERIFY(form.signIn->isEnabled() && form.emailLn->isEnabled());
+        form.dialog.setWindowState(Qt::WindowMinimized);
+        form.dialog.setWindowState(Qt::WindowNoState);
+        QCOMPARE(form.emailLn->text() + form.passwordLn->text(), email + password);
     }
 
-    void signInStoresTheForm_data()
+    /// What is typed, what is sent, what is stored.
+    void signIn_data()
     {
-        const QStringList oldProxy = {"old.example"_s, "3128"_s, "old user"_s, "old secret"_s};
-        const QStringList newProxy = {"proxy.example"_s, "8080"_s, "anna"_s, "x=y"_s};
-        QStringList noPort = newProxy;
-        noPort[1] = "http"_s;
-        QStringList zeroPort = newProxy;
-        zeroPort[1] = "0"_s;
-        rows<bool, QStringList, QString, QStringList>(
-            {"forget", "proxy", "passwordAfter", "proxyAfter"},
-            {
-                {"remember", false, QStringList(), password, oldProxy},
-                {"forget keeps the older password", true, QStringList(), "older"_s, oldProxy},
-                {"proxy", false, newProxy, password, newProxy},
-                {"port is no number", true, noPort, "older"_s, zeroPort},
-            });
+        const QString field = "passwordLn"_s;
+        const QString proxyOff = "false:" + oldProxy;
+        const QString typedProxy = "127.0.0.1:1:anna:x=y"_s;
+        const QString all = email + ':' + password + ":true:";
+        const QString nothing = ":older::" + proxyOff;
+        const QString forgotten = email + ":older:false:" + proxyOff;
+        rows<QString, int, QString, bool, QString>(
+            {"typed", "key", "field", "taken", "stored"},
+            {{"by the button", "", 0, "", true, all + proxyOff},
+             {"forgotten, which leaves the older password", "forget", 0, "", true, forgotten},
+             {"with a proxy", typedProxy, 0, "", true, all + "true:" + typedProxy},
+             {"port is no number", "127.0.0.1:http", 0, "", true, all + "true:127.0.0.1:0::"},
+             {"Return", "", Qt::Key_Return, field, true, all + proxyOff},
+             {"Enter", "", Qt::Key_Enter, field, true, all + proxyOff},
+             {"Return on the button", "", Qt::Key_Return, "signInButton", true, all + proxyOff},
+             {"without e-mail", "no e-mail", Qt::Key_Return, field, true, nothing},
+             {"in the e-mail", "", Qt::Key_Return, "emailLn", false, nothing},
+             {"another key", "", Qt::Key_F5, field, false, nothing}});
     }
 
-    void signInStoresTheForm()
+    void signIn()
     {
-        const auto [forget, proxy, passwordAfter, proxyAfter] =
-            row<bool, QStringList, QString, QStringList>();
+        const auto [typed, key, field, taken, expected] =
+            row<QString, int, QString, bool, QString>();
         service.answer("POST", sessionsPath, WireReply::silence());
         LoginForm form;
-        form.dialog.show();
-        store("auth/password", "older"_s);
-        form.fill(email, password);
-        form.forget->setChecked(forget);
-        if (!proxy.isEmpty()) {
-            form.proxyChoice->setChecked(true);
-            form.fillProxy(proxy);
+        store(":older:");
+        form.fill(typed == "no e-mail"_s ? QString() : email, password);
+        if (typed == "forget"_s)
+            form.forget->click();
+        form.part<QRadioButton>("proxyChoice")->setChecked(typed.contains(':'));
+        form.fillProxy(typed);
+        if (key == 0)
+            form.press("signInButton");
+        else
+            QCOMPARE(form.pressKey(key, field), taken);
+        QCOMPARE(stored(), expected);
+        const bool sent = expected.startsWith(email);
+        QCOMPARE(form.isWaiting(true), sent);
+        if (!sent)
+            return;
+
+        // A second sign-in would store this at once.
+        form.forget->toggle();
+        form.pressKey(Qt::Key_Return, "passwordLn");
+        for (const char *locked : {"signInButton", "settingsButton"})
+            QTest::mouseClick(form.part(locked), Qt::LeftButton);
+        QCOMPARE(stored(), expected);
+        QVERIFY(form.isWaiting(true) && !form.dialog.widget(1)->isVisible());
+        // Behind that proxy is nobody.
+        QTRY_COMPARE(service.requestsTo(sessionsPath).size(), typed.contains(':') ? 0 : 1);
+        for (const WireRequest &request : service.requests()) {
+            const QUrlQuery body(QString::fromUtf8(request.body));
+            QCOMPARE(body.queryItemValue("login"_s, QUrl::FullyDecoded), email);
+            QCOMPARE(body.queryItemValue("password"_s, QUrl::FullyDecoded), password);
         }
-        QTest::mouseClick(form.signIn, Qt::LeftButton);
-
-        QCOMPARE(stored("auth/email").toString(), email);
-        QCOMPARE(stored("auth/saveAuth").toBool(), !forget);
-        QCOMPARE(stored("auth/password").toString(), passwordAfter);
-        QCOMPARE(stored("proxy/useProxy").toBool(), !proxy.isEmpty());
-        const QStringList proxyNow = {
-            stored("proxy/host").toString(), stored("proxy/port").toString(),
-            stored("proxy/username").toString(), stored("proxy/password").toString()};
-        QCOMPARE(proxyNow, proxyAfter);
-    }
-
-    void rememberedAccountSignsInAtShow()
-    {
-        service.succeed("POST", sessionsPath, R"({"session_id":"s-2"})");
-        store("auth/email", email);
-        store("auth/password", password);
-        store("auth/saveAuth", true);
-        LoginForm form;
-        form.forget->setChecked(true);
-        QSignalSpy success(&form.dialog, &GUI::LoginDialog::loginSuccessful);
-        form.dialog.show();
-        QVERIFY(form.waiting());
-        QVERIFY(!form.forget->isChecked());
-        QTRY_COMPARE(success.size(), 1);
-        const QByteArray body = service.requestsTo(sessionsPath).first().body;
-        QVERIFY2(body.contains("password=p%26ss%20w%2Brd"), body.constData());
-        QCOMPARE(stored("auth/saveAuth").toBool(), true);
-    }
-
-    void incompleteAccountWaitsForTheUser_data()
-    {
-        rows<QString, QString, QVariant, QString>(
-            {"savedEmail", "savedPassword", "saveAuth", "focus"},
-            {
-                {"no e-mail", QString(), password, QVariant(true), "emailLn"_s},
-                {"no password", email, QString(), QVariant(true), "passwordLn"_s},
-                {"not remembered", email, password, QVariant(false), "passwordLn"_s},
-                {"signed out", email, QString(), QVariant(QString(""_s)), "passwordLn"_s},
-            });
-    }
-
-    void incompleteAccountWaitsForTheUser()
-    {
-        const auto [savedEmail, savedPassword, saveAuth, focus] =
-            row<QString, QString, QVariant, QString>();
-        store("auth/email", savedEmail);
-        store("auth/password", savedPassword);
-        store("auth/saveAuth", saveAuth);
-        LoginForm form;
-        form.dialog.show();
-        QVERIFY(!form.waiting());
-        QCOMPARE(form.emailLn->text(), savedEmail);
-        QCOMPARE(form.passwordLn->text(), QString());
-        QCOMPARE(form.dialog.focusWidget()->objectName(), focus);
-        QVERIFY(!form.signIn->isEnabled());
-    }
-
-    void everyFailureShowsTheBar_data()
-    {
-        rows<WireReply>(
-            {"reply"},
-            {
-                {"refused", WireReply::json(R"({"success":false,"response":{"code":10001}})")},
-                {"server error", WireReply::json("{}", 500)},
-                {"no JSON", WireReply::body("<html>", "text/html")},
-                {"connection lost", WireReply::raw(QByteArray(), WireReply::Ending::Reset)},
-            });
     }
 
     void everyFailureShowsTheBar()
     {
-        const auto [reply] = row<WireReply>();
-        service.answer("POST", sessionsPath, reply);
-        LoginForm form;
-        QSignalSpy success(&form.dialog, &GUI::LoginDialog::loginSuccessful);
-        form.dialog.show();
-        form.fill(email, password);
-        form.click("signInButton");
-        QTRY_COMPARE(form.barShown(), "wrongEmailPassWgt"_s);
-        QCOMPARE(form.dialog.size(), QSize(440, 451));
-        QCOMPARE(form.bar->height(), 38);
-        QCOMPARE(form.emailLn->text(), email);
-        QCOMPARE(form.passwordLn->text(), password);
-        QVERIFY(!form.waiting());
-        for (QWidget *widget :
-             QList<QWidget *>{form.emailLn, form.passwordLn, form.signIn, form.forget, form.gear})
-            QVERIFY2(widget->isEnabled(), qPrintable(widget->objectName()));
-        QVERIFY(success.isEmpty());
+        for (const WireReply &reply :
+             {WireReply::json(R"({"success":false,"response":{"code":10001}})"),
+              WireReply::json("{}", 500), WireReply::body("<html>", "text/html"),
+              WireReply::raw(QByteArray(), WireReply::Ending::Reset)}) {
+            init();
+            service.answer("POST", sessionsPath, reply);
+            LoginForm form;
+            form.fill(email, password);
+            form.press("signInButton");
+            QTRY_COMPARE(form.shown(), "sign-in 451 wrongEmailPassWgt"_s);
+            QVERIFY(form.isWaiting(false) && form.success.isEmpty());
+            QCOMPARE(form.emailLn->text() + form.passwordLn->text(), email + password);
+            QCOMPARE(form.dialog.focusWidget(), form.passwordLn);
 
-        service.succeed("POST", sessionsPath, R"({"session_id":"s-3"})");
-        form.click("signInButton");
-        QCOMPARE(form.barShown(), QString());
-        QCOMPARE(form.dialog.height(), 413);
-        QTRY_COMPARE(success.size(), 1);
-    }
-
-    void formIsLockedWhileWaiting()
-    {
-        service.answer("POST", sessionsPath, WireReply::silence());
-        LoginForm form;
-        form.dialog.show();
-        form.fill(email, password);
-        form.passwordLn->setFocus();
-        QTest::keyClick(form.passwordLn, Qt::Key_Return);
-        QVERIFY(form.waiting());
-        for (QWidget *widget :
-             QList<QWidget *>{form.emailLn, form.passwordLn, form.signIn, form.forget, form.gear})
-            QVERIFY2(!widget->isEnabled(), qPrintable(widget->objectName()));
-        QTRY_COMPARE(service.requestsTo(sessionsPath).size(), 1);
-
-        // A second sign-in would store this at once.
-        form.forget->setChecked(true);
-        QTest::keyClick(form.passwordLn, Qt::Key_Return);
-        QTest::mouseClick(form.signIn, Qt::LeftButton);
-        QTest::mouseClick(form.gear, Qt::LeftButton);
-        QCOMPARE(stored("auth/saveAuth").toBool(), true);
-        QVERIFY(form.waiting());
-        QVERIFY(!form.dialog.widget(1)->isVisible());
+            service.succeed("POST", sessionsPath, R"({"session_id":"s-2"})");
+            form.press("signInButton");
+            QCOMPARE(form.shown(), "sign-in 413"_s);
+            QTRY_COMPARE(form.success.size(), 1);
+            QVERIFY(form.isWaiting(false));
+        }
     }
 
     void buttonFollowsTheFields()
     {
         LoginForm form;
-        form.dialog.show();
         const auto *effect = qobject_cast<QGraphicsOpacityEffect *>(form.signIn->graphicsEffect());
-        QVERIFY(effect);
-        QTRY_COMPARE(effect->opacity(), 0.5);
-        const auto looks = [&](bool ready) {
-            const int weight = ready ? QFont::Bold : QFont::Normal;
-            return form.signIn->isEnabled() == ready && form.signIn->font().weight() == weight;
-        };
-        QVERIFY(looks(false));
-        form.emailLn->setText(email);
-        QVERIFY(looks(false));
         form.passwordLn->setText(password);
-        QVERIFY(looks(true));
-        QTRY_COMPARE(effect->opacity(), 1.0);
-        form.emailLn->clear();
-        QVERIFY(looks(false));
-        QTRY_COMPARE(effect->opacity(), 0.5);
-        // Back before the fading is over.
-        form.emailLn->setText(email);
-        form.emailLn->clear();
-        form.emailLn->setText(email);
-        QVERIFY(looks(true));
-        QTRY_COMPARE(effect->opacity(), 1.0);
-    }
-
-    void returnKey_data()
-    {
-        const QString passwordField = "passwordLn"_s;
-        rows<QString, int, QString, bool, bool>(
-            {"field", "key", "emailText", "signsIn", "consumed"},
-            {
-                {"Return", passwordField, int(Qt::Key_Return), email, true, true},
-                {"Enter", passwordField, int(Qt::Key_Enter), email, true, true},
-                {"on the button", "signInButton"_s, int(Qt::Key_Return), email, true, true},
-                {"no e-mail", passwordField, int(Qt::Key_Return), QString(), false, true},
-                {"in the e-mail", "emailLn"_s, int(Qt::Key_Return), email, false, false},
-                {"other key", passwordField, int(Qt::Key_F5), email, false, false},
-            });
-    }
-
-    void returnKey()
-    {
-        const auto [field, key, emailText, signsIn, consumed] =
-            row<QString, int, QString, bool, bool>();
-        service.answer("POST", sessionsPath, WireReply::silence());
-        LoginForm form;
-        form.dialog.show();
-        form.fill(emailText, password);
-        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
-        QApplication::sendEvent(form.dialog.findChild<QWidget *>(field), &press);
-        QCOMPARE(form.waiting(), signsIn);
-        QCOMPARE(press.isAccepted(), consumed);
+        // In the end it is ready again before the fading is over.
+        for (const QStringList &emails : {QStringList{""}, {email}, {"", email}}) {
+            for (const QString &text : emails) {
+                form.emailLn->setText(text);
+                QCOMPARE(form.signIn->isEnabled(), !text.isEmpty());
+                QCOMPARE(form.signIn->font().bold(), !text.isEmpty());
+            }
+            QTRY_COMPARE(effect->opacity(), emails.last().isEmpty() ? 0.5 : 1.0);
+        }
     }
 
     void linksOpenAtTheRedirector()
     {
         LoginForm form;
-        form.dialog.show();
-        form.click("remindButton");
-        form.click("signUpButton");
-        const QString host = App::ServiceProfile::current().redirectorHost;
-        const QList<QUrl> expected = {
-            QUrl("http://%1/?target=password-recover&lang=en"_s.arg(host)),
-            QUrl("http://%1/?target=sign_up&lang=en"_s.arg(host))};
-        QCOMPARE(openedLinks, expected);
+        form.press("remindButton");
+        form.press("signUpButton");
+        const QString page = "http://go.zorvane.example/?target=%1&lang=en"_s;
+        QCOMPARE(openedLinks, (QList<QUrl>{page.arg("password-recover"_s), page.arg("sign_up"_s)}));
     }
 
-    void everyControlHasANameAndItsTurn()
+    /// What is pressed, and what is shown before and after it. A page comes in beside the other
+    /// one, and the window has the taller one's height as long as they move.
+    void pages_data()
+    {
+        const QString bar = "sign-in 451 usesProxyWgt"_s;
+        const QString oldFields = "settings 535 " + oldProxy.split(':').join(' ');
+        const QString noFields = "settings 535    "_s; // four empty ones
+        const QString typo = "settings 535 typo 1 2 3"_s;
+        rows<QStringList>({"story"},
+                          {{"turned on and off",
+                            {"sign-in 413", "settingsButton", "settings 365", "proxyChoice",
+                             noFields, "doneButton", bar, "settingsButton", noFields,
+                             "defaultChoice", "settings 365", "doneButton", "sign-in 413"}},
+                           {"turned on and taken back",
+                            {"sign-in 413", "settingsButton", "settings 365", "proxyChoice",
+                             noFields, "typo:1:2:3", typo, "cancelButton", "sign-in 413",
+                             "settingsButton", "settings 365", "proxyChoice", noFields}},
+                           {"turned off and taken back",
+                            {bar, "settingsPBtn2", oldFields, "typo:1:2:3", typo, "defaultChoice",
+                             "settings 365", "cancelButton", bar, "settingsButton", oldFields}},
+                           {"a second slide is dropped, and Return goes back",
+                            {"sign-in 413", "settingsButton settingsButton", "settings 365",
+                             "Return", "sign-in 413"}}});
+    }
+
+    void pages()
+    {
+        const auto [story] = row<QStringList>();
+        store("::", story.first().contains("usesProxy"_s) ? "true"_s : "false"_s);
+        const QString before = stored();
+        LoginForm form;
+        form.fill(email, password);
+        QCOMPARE(form.shown(), story.first());
+        for (int i = 1; i < story.size(); i += 2) {
+            form.moves.clear();
+            const int pageBefore = form.dialog.currentIndex();
+            for (const QString &pressed : story.at(i).split(' ')) {
+                if (pressed.contains(':'))
+                    form.fillProxy(pressed);
+                else if (pressed == "Return"_s)
+                    QVERIFY(form.pressKey(Qt::Key_Return, "passwordLn"));
+                else
+                    form.press(pressed);
+            }
+            QTRY_COMPARE_WITH_TIMEOUT(form.shown(), story.at(i + 1), 10000);
+            QCOMPARE(form.moves.size() > 1, form.dialog.currentIndex() != pageBefore);
+            if (form.moves.isEmpty())
+                continue;
+            const QPoint start = form.moves.takeFirst();
+            QCOMPARE(start.x(), 440);
+            const int height = form.moves.first().y();
+            QVERIFY(height >= std::max(start.y(), form.dialog.height()));
+            for (const QPoint &move : qAsConst(form.moves))
+                QVERIFY(move.x() >= 0 && move.x() <= 440 && move.y() == height);
+        }
+        QVERIFY(service.requests().isEmpty());
+        QCOMPARE(stored(), before);
+    }
+
+    void everyChoiceHasItsTip()
     {
         LoginForm form;
-        const QStringList order = {"emailLn"_s,        "passwordLn"_s,      "signInButton"_s,
-                                   "forgetBox"_s,      "remindButton"_s,    "signUpButton"_s,
-                                   "settingsButton"_s, "settingsPBtn2"_s,   "localLoginPBtn"_s,
-                                   "defaultChoice"_s,  "localModeChoice"_s, "proxyChoice"_s,
-                                   "proxyHost"_s,      "proxyPort"_s,       "proxyLogin"_s,
-                                   "proxyPassword"_s,  "doneButton"_s,      "cancelButton"_s};
-        QStringList chain;
-        QWidget *widget = form.emailLn;
-        do {
-            if (widget->focusPolicy() & Qt::TabFocus) {
-                chain.append(widget->objectName());
-                QVERIFY2(!widget->accessibleName().isEmpty(), qPrintable(widget->objectName()));
-            }
-            widget = widget->nextInFocusChain();
-        } while (widget != form.emailLn);
-        QCOMPARE(chain, order);
+        form.press("settingsButton");
+        QTRY_COMPARE_WITH_TIMEOUT(form.shown(), "settings 365"_s, 10000);
+        const auto choices = form.dialog.findChildren<QRadioButton *>();
+        QSet<QString> tips;
+        for (const QRadioButton *choice : choices) {
+            const QWidget *line = choice->parentWidget();
+            auto *icon = line->findChild<TippedIcon *>();
+            QVERIFY2(icon, qPrintable(choice->objectName()));
+            QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
+            QApplication::sendEvent(icon, &enter);
+            tips.insert(line->findChild<CloudToolTip *>()->findChild<QLabel *>()->text());
+            // The service has no sign-in for the local mode.
+            QCOMPARE(choice->isVisible(), choice->objectName() != "localModeChoice"_s);
+        }
+        QCOMPARE(tips.size(), choices.size());
+    }
+
+    void tabGoesThroughTheForm()
+    {
+        store("::", "true"_s);
+        LoginForm form;
+        form.fill(email, password);
+        QStringList order;
+        for (int i = 0; i < 7; ++i) {
+            QTest::keyClick(form.dialog.focusWidget(), Qt::Key_Tab);
+            order.append(form.dialog.focusWidget()->objectName());
+        }
+        QCOMPARE(order, (QStringList{"passwordLn", "signInButton", "forgetBox", "remindButton",
+                                     "signUpButton", "settingsButton", "settingsPBtn2"}));
     }
 
 private:

@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/Test.h"
-
+#include "GUI/RosterWidget.h"
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
+#include "API/Layout.h"
 #include "API/LocalServer.h"
 #include "API/Server.h"
 #include "GUI/CameraWidget.h"
+#include "GUI/LayoutCard.h"
+#include "GUI/LayoutListWidget.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/ServerWidget.h"
+#include "GUI/SideBar.h"
+#include "GUI/ToolBar.h"
 #include "tests/GUI/RosterWorld.h"
-#include "tests/support/ScriptedService.h"
 
 using GUI::CameraWidget;
 using GUI::RosterWidget;
@@ -17,458 +20,458 @@ using GUI::ServerWidget;
 
 namespace {
 
-constexpr std::chrono::milliseconds releaseDelay(30000);
 constexpr std::chrono::milliseconds pollInterval(20000);
-constexpr QSize rosterSize(254, 600);
+
+/// A world in words: "Home: Garden, Door-; Shop-: Till". What ends in "-" is offline, a server
+/// that begins with "=" is a camera itself. The numbers run against the alphabet, so that
+/// nothing is in order from the start, and hang on the first letter alone: Door becomes Dog.
+QList<WorldServer> worldOf(const QString &words)
+{
+    const auto number = [](const QString &name) { return 1000 - name.at(0).unicode(); };
+    QList<WorldServer> world;
+    for (const QString &entry : words.split("; "_s, Qt::SkipEmptyParts)) {
+        QString alias = entry.section(':', 0, 0);
+        const bool online = !alias.endsWith('-');
+        const bool isCamera = alias.startsWith('=');
+        alias.remove(QRegularExpression("^=|-$"_s));
+        WorldServer server{QString::number(number(alias)), alias, {}, online, isCamera};
+        for (const QString &name : entry.section(": "_s, 1).split(", "_s, Qt::SkipEmptyParts))
+            server.cameras.append({number(name), name.section('-', 0, 0), !name.endsWith('-')});
+        world.append(server);
+    }
+    return world;
+}
+
+WorldServer manyCameras(const QString &id, int count, bool online = true)
+{
+    WorldServer server{id, id, {}, online};
+    for (int i = 1; i <= count; ++i)
+        server.cameras.append({i, "%1"_s.arg(i, 5, 10, QLatin1Char('0'))});
+    return server;
+}
+
+template <typename Widget>
+QList<Widget *> fromTopToBottom(const QWidget &parent)
+{
+    QList<Widget *> widgets = parent.findChildren<Widget *>();
+    std::sort(widgets.begin(), widgets.end(),
+              [](const Widget *a, const Widget *b) { return a->y() < b->y(); });
+    return widgets;
+}
+
+bool isShown(const QWidget *parent, const char *name)
+{
+    return parent->findChild<QWidget *>(QLatin1String(name))->isVisible();
+}
 
 struct Stage {
-    Stage()
+    explicit Stage(const QList<WorldServer> &world)
     {
-        roster.resize(rosterSize);
+        roster.resize(254, 600);
         roster.show();
-        ready = QTest::qWaitForWindowExposed(&roster);
+        QVERIFY(QTest::qWaitForWindowExposed(&roster));
+        refresh(world);
+    }
+
+    void refresh(const QList<WorldServer> &world)
+    {
+        setWorld(world);
         roster.updateRoster();
     }
 
     QList<ServerWidget *> entries() const
     {
         QCoreApplication::processEvents();
-        QList<ServerWidget *> found = roster.findChildren<ServerWidget *>();
-        std::sort(found.begin(), found.end(),
-                  [](const ServerWidget *a, const ServerWidget *b) { return a->y() < b->y(); });
-        return found;
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return fromTopToBottom<ServerWidget>(roster);
     }
 
-    QStringList aliases() const
+    /// What a person reads in the roster, in the words of worldOf(). Of a closed server only its
+    /// name is there.
+    QString shown() const
     {
-        QStringList names;
-        const QList<ServerWidget *> all = entries();
-        for (const ServerWidget *entry : all)
-            names.append(entry->server()->alias());
-        return names;
-    }
-
-    ServerWidget *entry(const QString &id) const
-    {
-        const QList<ServerWidget *> all = entries();
-        for (ServerWidget *candidate : all) {
-            if (candidate->server()->id() == id)
-                return candidate;
+        const QImage off = QPixmap(":/roster/icons/rosterCardOff.png"_s).toImage();
+        QStringList servers;
+        for (const ServerWidget *entry : entries()) {
+            QString words = isShown(entry, "controlBar") ? labelText(entry, "serverName") : "";
+            words += isShown(entry, "serverOfflineImage") ? "-" : "";
+            QStringList names;
+            if (isShown(entry, "noCamerasLabel"))
+                names.append(labelText(entry, "noCamerasLabel"));
+            for (const CameraWidget *card : fromTopToBottom<CameraWidget>(*entry)) {
+                const QString name = labelText(card, "cameraName").remove(" (offline)"_s);
+                const bool online = labelPicture(card, "cameraStateImage") != off;
+                if (card->isVisible())
+                    names.append(online ? name : name + '-');
+            }
+            servers.append(names.isEmpty() ? words : words + ": " + names.join(", "_s));
         }
-        return nullptr;
-    }
-
-    bool isOpen(const QString &id) const
-    {
-        return entry(id)->findChild<QCheckBox *>("expandButton")->isChecked();
-    }
-
-    QStringList openServers() const
-    {
-        QStringList open;
-        for (const QString &id : {"home"_s, "shop"_s}) {
-            if (isOpen(id))
-                open.append(id);
-        }
-        return open;
+        return servers.join("; "_s);
     }
 
     RosterWidget roster;
-    bool ready;
 };
-
-QList<WorldServer> homeAndShop()
-{
-    return {{"home"_s, "My Home"_s, {{1, "Garden"_s}, {2, "Door"_s}}},
-            {"shop"_s, "Shop"_s, {{1, "Till"_s}, {2, "Back door"_s}}}};
-}
-
-WorldServer manyCameras(int count)
-{
-    WorldServer server{"many"_s, "Many"_s, {}};
-    for (int i = 1; i <= count; ++i)
-        server.cameras.append({i, "%1"_s.arg(i, 5, 10, QLatin1Char('0'))});
-    return server;
-}
 
 } // namespace
 
-class RosterWidgetTest : public QObject
+class RosterWidgetTest : public RosterTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QVERIFY(service.start()); }
-
-    void init()
+    /// From each world to each other one: the order, the cards that stay, and nothing left behind.
+    void refreshesShowTheRosterAsItIs()
     {
-        stopClockAt(0);
-        service.reset();
-    }
-
-    void cleanup()
-    {
-        runClock();
-        setWorld({});
-        QFile::remove("local_roster.txt"_s);
-        API::CloudAPIClient().loadLocalRoster();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-
-    void serversStandByAliasOfflineLast_data()
-    {
-        rows<QString, QStringList>({"offline", "order"},
-                                   {
-                                       {"all online", QString(), QStringList{"C", "a", "b"}},
-                                       {"one offline", "a"_s, QStringList{"C", "b", "a"}},
-                                       {"the first offline", "C"_s, QStringList{"a", "b", "C"}},
-                                   });
-    }
-
-    void serversStandByAliasOfflineLast()
-    {
-        const auto [offline, order] = row<QString, QStringList>();
-        const auto world = [](const QString &off) {
-            QList<WorldServer> servers;
-            for (const QString &alias : {"b"_s, "a"_s, "C"_s})
-                servers.append({"id-"_s + alias, alias, {}, alias != off});
-            return servers;
+        const QList<QStringList> worlds{
+            {"", ""},
+            {"Home:; Shop-:", "Home: No cameras attached; Shop-: No cameras attached"},
+            {"b: x; a: x; C: x", "C: x; a: x; b: x"},
+            {"b: x; a-: x-; C: x", "C: x; b: x; a-: x-"},
+            {"C-: y, x; b: x; a: x, z", "a: x, z; b: x; C-: x, y"},
+            {"Home: b, a, C; Shop: Till", "Home: C, a, b; Shop: Till"},
+            {"Home: b, a-, C, d", "Home: C, b, d, a-"},
+            {"Hall: big, C-", "Hall: big, C-"},
+            {"=Gate: Gate; Door: Door", "Door: Door; Gate: Gate"},
+            {"=Gate: Gate; =Bridge: Bridge", ": Bridge; : Gate"}};
+        Stage stage({});
+        QHash<API::CameraPtr, const CameraWidget *> cards;
+        QHash<QString, int> objects;
+        const auto go = [&](const QStringList &world) {
+            stage.refresh(worldOf(world.first()));
+            QCOMPARE(stage.shown(), world.last());
+            for (const ServerWidget *entry : stage.entries()) {
+                QCOMPARE(entry->server(), worldServer(entry->server()->id()));
+                const auto cameras = entry->server()->cameras();
+                for (const CameraWidget *card : entry->cameraWidgets()) {
+                    QCOMPARE(card->camera(), cameras.value(card->camera()->id()));
+                    QCOMPARE(cards.value(card->camera(), card), card);
+                    cards.insert(card->camera(), card);
+                }
+            }
+            const int count = stage.roster.findChildren<QObject *>().size();
+            QCOMPARE(count, objects.value(world.first(), count));
+            objects.insert(world.first(), count);
         };
-        setWorld(world(QString()));
-        Stage stage;
-        QCOMPARE(stage.aliases(), QStringList({"C", "a", "b"}));
-        setWorld(world(offline));
-        stage.roster.updateRoster();
-        QCOMPARE(stage.aliases(), order);
-        if (!offline.isEmpty())
-            QVERIFY(stage.entries().last()->findChild<QLabel *>("serverOfflineImage")->isVisible());
+        for (const QStringList &from : worlds) {
+            for (const QStringList &to : worlds) {
+                go(from);
+                go(to);
+            }
+            // Servers, then cameras, that went and came back unseen are new.
+            setWorld({});
+            go(from);
+            for (const API::ServerPtr &server : API::CloudAPIClient::serverList())
+                server->clearCameras();
+            go(from);
+            if (QTest::currentTestFailed())
+                return;
+        }
     }
 
-    void refreshAddsAndRemovesServers()
+    void searchOpensClosesAndMarks_data()
     {
-        setWorld({});
-        Stage stage;
-        QVERIFY(stage.entries().isEmpty());
-        setWorld(homeAndShop());
-        stage.roster.updateRoster();
-        const QPointer<ServerWidget> home(stage.entry("home"_s));
-        const QPointer<ServerWidget> shop(stage.entry("shop"_s));
-        QVERIFY(home && home->isVisible() && shop);
-        const QList<CameraWidget *> cards = home->cameraWidgets();
-
-        setWorld({homeAndShop().first()});
-        stage.roster.updateRoster();
-        QTRY_VERIFY(!shop);
-        QCOMPARE(stage.entry("home"_s), home.data());
-        QCOMPARE(home->cameraWidgets(), cards);
+        rows<QString, bool, QString>(
+            {"typed", "closed", "shown"},
+            {{"camera of a closed server", "till", true, "My Home; Shop: Back door, [Till]"},
+             {"cameras of both", "DOOR", true, "My Home: [Door], Garden; Shop: Back [door], Till"},
+             {"nothing found", "xyz", false, "My Home; Shop"},
+             {"alias leaves closed", "HOME", true, "My [Home]; Shop"},
+             {"alias leaves open", "my h", false, "[My H]ome: Door, Garden; Shop"},
+             {"aliases and cameras", "o", false,
+              "My H[o]me: D[o]or, Garden; Sh[o]p: Back d[o]or, Till"}});
     }
 
-    void flatOnlyIfAllAreCameras_data()
+    void searchOpensClosesAndMarks()
     {
-        rows<bool, bool, bool>({"first", "second", "flat"},
-                               {
-                                   {"two servers", false, false, false},
-                                   {"one of each", true, false, false},
-                                   {"two cameras", true, true, true},
-                               });
-    }
-
-    void flatOnlyIfAllAreCameras()
-    {
-        const auto [first, second, flat] = row<bool, bool, bool>();
-        const WorldCamera camera{1, "Camera"_s};
-        setWorld({{"a"_s, "a"_s, {camera}, true, first}, {"b"_s, "b"_s, {camera}, true, second}});
-        Stage stage;
+        const auto [typed, closed, shown] = row<QString, bool, QString>();
+        Stage stage(worldOf("My Home: Garden, Door; Shop: Till, Back door"_s));
         const QList<ServerWidget *> entries = stage.entries();
-        QCOMPARE(entries.size(), 2);
-        for (const ServerWidget *entry : entries) {
-            QCOMPARE(entry->findChild<QWidget *>("controlBar")->isVisible(), !flat);
-            QVERIFY(entry->cameraWidgets().first()->isVisible());
-        }
-    }
-
-    void searchOpensAndCloses_data()
-    {
-        const QStringList both{"home", "shop"};
-        rows<QString, QStringList, QStringList>(
-            {"text", "collapsed", "open"},
-            {
-                {"camera of a closed server", "till", both, QStringList{"shop"}},
-                {"cameras of both", "DOOR", both, both},
-                {"nothing found", "xyz", QStringList(), QStringList()},
-                {"alias leaves closed", "HOME", both, QStringList()},
-                {"alias leaves open", "my h", QStringList{"shop"}, QStringList{"home"}},
-            });
-    }
-
-    void searchOpensAndCloses()
-    {
-        const auto [text, collapsed, open] = row<QString, QStringList, QStringList>();
-        setWorld(homeAndShop());
-        Stage stage;
-        for (const QString &id : qAsConst(collapsed))
-            stage.entry(id)->collapse();
-        const QStringList before = stage.openServers();
-        stage.roster.search(text);
-        QCOMPARE(stage.openServers(), open);
+        for (ServerWidget *entry : entries)
+            entry->findChild<QCheckBox *>("expandButton")->setChecked(!closed);
+        const QString before = stage.shown();
+        // Only a label whose text can be selected tells what is marked in it.
+        for (QLabel *label : stage.roster.findChildren<QLabel *>())
+            label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        for (int length = 1; length <= typed.size(); ++length)
+            stage.roster.search(typed.left(length));
+        QCOMPARE(stage.shown(), shown);
+        // A refresh is no search.
+        stage.roster.updateRoster();
+        QCOMPARE(stage.shown(), shown);
         stage.roster.search(QString());
-        QCOMPARE(stage.openServers(), before);
-    }
-
-    void clearedSearchRestoresWhatWasOpen()
-    {
-        setWorld(homeAndShop());
-        Stage stage;
-        stage.entry("shop"_s)->collapse();
-        QString typed;
-        for (const QChar letter : "till"_s) {
-            typed.append(letter);
-            stage.roster.search(typed);
-        }
-        QCOMPARE(stage.openServers(), QStringList{"shop"});
-        // A refresh in between is no search.
-        stage.roster.updateRoster();
-        QCOMPARE(stage.openServers(), QStringList{"shop"});
+        QCOMPARE(stage.shown(), before);
+        // What was open before counts once.
+        entries.first()->collapse();
         stage.roster.search(QString());
-        QCOMPARE(stage.openServers(), QStringList{"home"});
+        QVERIFY(stage.shown().startsWith("My Home; "_s));
     }
 
-    void onlyCardsInViewAskForPreviews()
+    void onlyCardsInViewHavePreviews()
     {
-        setWorld({manyCameras(40)});
-        Stage stage;
-        ServerWidget *entry = stage.entry("many"_s);
-        const QList<CameraWidget *> cards = entry->cameraWidgets();
-        QVERIFY(cards.first()->isInView());
-        QVERIFY(!cards.last()->isInView());
-        const auto inView = [&] {
-            return int(std::count_if(cards.begin(), cards.end(),
-                                     [](const CameraWidget *card) { return card->isInView(); }));
-        };
-        const int atTop = inView();
-        QVERIFY(atTop >= 3 && atTop <= 5);
-        QTRY_COMPARE(previewedCameras().size(), atTop);
-        QVERIFY(cards.first()->isInView());
-
-        QScrollBar *bar = stage.roster.verticalScrollBar();
-        bar->setValue(bar->maximum());
-        QTRY_VERIFY(cards.last()->isInView());
-        QTRY_COMPARE(previewedCameras().size(), atTop + inView());
-
-        // Collapsed cards are not in view, whatever their place was.
-        service.reset();
-        entry->collapse();
-        stopClockAt(60);
-        stage.roster.updateRoster();
-        stage.roster.viewport()->repaint();
-        for (const CameraWidget *card : cards)
-            QVERIFY(!card->isInView());
-        entry->expand();
-        QTRY_VERIFY(!previewedCameras().isEmpty());
-        QVERIFY(previewedCameras().size() <= atTop + 1);
-    }
-
-    void previewScrolledAwayIsReleased()
-    {
-        setWorld({manyCameras(40)});
-        Stage stage;
-        const QList<CameraWidget *> cards = stage.entry("many"_s)->cameraWidgets();
-        QPixmap picture(32, 18);
-        picture.fill(Qt::blue);
-        cards.at(0)->camera()->setPreview(picture);
-        cards.at(1)->camera()->setPreview(picture);
-        QScrollBar *bar = stage.roster.verticalScrollBar();
-        bar->setValue(bar->maximum());
-        QTRY_VERIFY(!cards.first()->isInView());
-        QTRY_VERIFY(cards.last()->isInView());
-        stage.roster.widget()->repaint();
-        QVERIFY(cards.at(0)->camera()->hasPreview());
-        QVERIFY(expireTimers(releaseDelay) >= 2);
-        QVERIFY(!cards.at(0)->camera()->hasPreview());
-        QVERIFY(!cards.at(1)->camera()->hasPreview());
-        QVERIFY(!cards.at(0)->hasPreview());
-    }
-
-    void pollAsksTheService()
-    {
-        service.succeed("GET", "/public/roster",
-                        R"({"0":{"id":"s","name":"From the service","online":true,"cameras":{}}})");
-        Stage stage;
-        QTRY_COMPARE(stage.aliases(), QStringList{"From the service"});
-        service.succeed("GET", "/public/roster",
-                        R"({"0":{"id":"s","name":"Renamed","online":true,"cameras":{}}})");
-        // The roster that was just taken is fresh for half a minute.
-        QCOMPARE(expireTimers(pollInterval), 1);
-        QCOMPARE(stage.aliases(), QStringList{"From the service"});
-        stopClockAt(60);
-        QCOMPARE(expireTimers(pollInterval), 1);
-        QTRY_COMPARE(stage.aliases(), QStringList{"Renamed"});
-
-        // A failure changes nothing.
-        service.reset();
-        stopClockAt(120);
-        QCOMPARE(expireTimers(pollInterval), 1);
-        QTRY_VERIFY(!service.requests().isEmpty());
-        QTRY_COMPARE(service.server().openConnections(), 0);
-        QCOMPARE(stage.aliases(), QStringList{"Renamed"});
-    }
-
-    void deletingALanServer()
-    {
-        setWorld({homeAndShop().first()});
-        Stage stage;
-        const int port = MisbehavingServer::deadPort();
-        const auto local = API::LocalServerPtr::create("LAN"_s, "127.0.0.1"_s, port, QString());
-        API::CloudAPIClient().addLocalServer(local);
-        stage.roster.updateRoster();
-        QCOMPARE(stage.aliases(), QStringList({"My Home", "LAN"}));
-        emit stage.entry(local->id())->deleteServer(local);
-        QTRY_COMPARE(stage.aliases(), QStringList{"My Home"});
-        QVERIFY(!API::CloudAPIClient::serverList().contains(local->id()));
-        QFile file("local_roster.txt"_s);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QVERIFY(!file.readAll().contains("LAN"));
-    }
-
-    void cloudServerIsNotDeleted()
-    {
-        setWorld(homeAndShop());
-        Stage stage;
-        ServerWidget *entry = stage.entry("home"_s);
-        emit entry->deleteServer(entry->server());
-        emit entry->deleteServer(API::ServerPtr());
-        QCOMPARE(stage.aliases(), QStringList({"My Home", "Shop"}));
-        QVERIFY(API::CloudAPIClient::serverList().contains("home"_s));
-    }
-
-    void serverThatCameBackUnseenIsTheNewOne()
-    {
-        setWorld(homeAndShop());
-        Stage stage;
-        const API::ServerPtr old = worldServer("home"_s);
-        setWorld({});
-        QList<WorldServer> world = homeAndShop();
-        world.first().alias = "Zoo"_s;
-        setWorld(world);
-        stage.roster.updateRoster();
-        QTRY_COMPARE(stage.aliases(), QStringList({"Shop", "Zoo"}));
-        QVERIFY(worldServer("home"_s) != old);
-        QCOMPARE(stage.entry("home"_s)->server(), worldServer("home"_s));
-        QCOMPARE(stage.entry("home"_s)->cameraWidgets().size(), 2);
-    }
-
-    void cardLeavesTheRosterWithItsMenuOpen()
-    {
-        setWorld(homeAndShop());
-        Stage stage;
-        const QPointer<CameraWidget> card(stage.entry("home"_s)->cameraWidgets().first());
-        auto *button = card->findChild<QPushButton *>("previewMenu");
-        const QPointer<QMenu> menu(button->menu());
-        bool opened = false;
-        QTimer::singleShot(0, &stage.roster, [&] {
-            opened = menu->isVisible();
-            setWorld({homeAndShop().last()});
-            stage.roster.updateRoster();
-        });
-        QTest::mousePress(button, Qt::LeftButton);
-        QVERIFY(opened);
-        QTRY_VERIFY(!card);
-        QVERIFY(!menu);
-        QCOMPARE(stage.aliases(), QStringList{"Shop"});
-    }
-
-    void rosterThatComesAndGoesLeavesNothingBehind()
-    {
-        const auto poll = [](RosterWidget &roster, const QList<WorldServer> &world) {
-            setWorld(world);
-            roster.updateRoster();
+        QBuffer jpeg;
+        QVERIFY(QImage(32, 18, QImage::Format_RGB32).save(&jpeg, "JPEG"));
+        service.answer("GET", "//preview/live", WireReply::body(jpeg.data(), "image/jpeg"));
+        Stage stage({manyCameras("first"_s, 12), manyCameras("second"_s, 12)});
+        const QList<CameraWidget *> cards = stage.roster.findChildren<CameraWidget *>();
+        QSet<const CameraWidget *> expected;
+        const auto compare = [&] {
             QCoreApplication::processEvents();
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            const QWidget *viewport = stage.roster.viewport();
+            stage.roster.widget()->repaint();
+            for (const CameraWidget *card : cards) {
+                const QRect place(card->mapTo(viewport, QPoint()), card->size());
+                const bool inView = card->isVisible() && place.intersects(viewport->rect());
+                QCOMPARE(card->isInView(), inView);
+                if (inView)
+                    expected.insert(card);
+            }
+            for (const CameraWidget *card : cards)
+                QTRY_COMPARE(card->camera()->hasPreview(), expected.contains(card));
         };
-        QList<WorldServer> changed{homeAndShop().last(), manyCameras(30)};
-        changed.first().cameras.removeFirst();
-        changed.first().online = false;
-        changed.last().cameras.first().online = false;
-
-        Stage stage;
-        poll(stage.roster, changed);
-        poll(stage.roster, homeAndShop());
-        const QPointer<QObject> shop(stage.entry("shop"_s));
-        const int objects = stage.roster.findChildren<QObject *>().size();
-        for (int round = 0; round < 12; ++round) {
-            poll(stage.roster, changed);
-            poll(stage.roster, homeAndShop());
+        const auto compareReleased = [&] {
+            expireTimers(releaseDelay);
+            expected.clear();
+            compare();
+        };
+        QScrollBar *bar = stage.roster.verticalScrollBar();
+        QTRY_VERIFY(bar->maximum() > 3000);
+        for (int value = 0; value < bar->maximum() + 800; value += 800) {
+            bar->setValue(value);
+            compare();
         }
-        QCOMPARE(stage.roster.findChildren<QObject *>().size(), objects);
-        QCOMPARE(stage.entry("shop"_s), shop.data());
-        QCOMPARE(stage.aliases(), QStringList({"My Home", "Shop"}));
+        QVERIFY(expected.contains(cards.last()) && expected.size() < cards.size());
+        compareReleased();
+        // Collapsed cards are not in view, whatever their place was.
+        stopClockAt(60);
+        stage.entries().last()->collapse();
+        compare();
+        compareReleased();
+        stage.entries().last()->expand();
+        compare();
     }
 
     void largeRosterMakesCardsAsTheyAreSeen()
     {
-        setWorld({manyCameras(1000)});
-        Stage stage;
-        const QList<CameraWidget *> cards = stage.entry("many"_s)->cameraWidgets();
+        const Stage stage({manyCameras("many"_s, 1000)});
+        const QList<CameraWidget *> cards = stage.entries().first()->cameraWidgets();
         QVERIFY(cards.last()->findChildren<QLabel *>().isEmpty());
         QScrollBar *bar = stage.roster.verticalScrollBar();
         QTRY_VERIFY(bar->maximum() > 100000);
         bar->setValue(bar->maximum());
         QTRY_VERIFY(!cards.last()->findChildren<QLabel *>().isEmpty());
-        QVERIFY(cards.last()->isInView());
         QCOMPARE(labelText(cards.last(), "cameraName"), "01000"_s);
         QVERIFY(cards.at(500)->findChildren<QLabel *>().isEmpty());
     }
 
-    void signalsReachTheWindow()
+    void pollAsksTheService()
     {
-        setWorld(homeAndShop());
-        Stage stage;
-        QStringList heard;
-        connect(&stage.roster, &RosterWidget::openCamera, this,
-                [&](const API::CameraPtr &camera) { heard.append(camera->name()); });
-        CameraWidget *card = stage.entry("home"_s)->cameraWidgets().first();
-        QTest::mouseClick(card, Qt::LeftButton);
-        QCOMPARE(heard, QStringList{"Garden"});
-        stage.roster.setAddToLayoutEnabled(false);
-        const QList<ServerWidget *> entries = stage.entries();
-        for (const ServerWidget *entry : entries) {
-            const QList<CameraWidget *> cards = entry->cameraWidgets();
-            for (CameraWidget *each : cards) {
-                const auto actions = each->findChildren<QAction *>();
-                const auto disabled = [](const QAction *action) { return !action->isEnabled(); };
-                QCOMPARE(std::count_if(actions.begin(), actions.end(), disabled), 1);
+        const auto succeed = [&](const QString &name) {
+            const auto reply = R"({"0": {"id": "s", "online": true, "name": "%1"}})"_s.arg(name);
+            service.succeed("GET", "/public/roster", reply.toUtf8());
+        };
+        succeed("First");
+        Stage stage({});
+        QTRY_COMPARE(stage.shown(), "First: No cameras attached"_s);
+        succeed("Second");
+        // The one that was just taken is fresh for half a minute.
+        stopClockAt(60);
+        QCOMPARE(expireTimers(pollInterval), 1);
+        QTRY_COMPARE(stage.shown(), "Second: No cameras attached"_s);
+    }
+
+    void onlyALanServerIsEditedAndDeleted()
+    {
+        Stage stage(worldOf("My Home: Garden"_s));
+        const auto local = API::LocalServerPtr::create("LAN"_s, "127.0.0.1"_s,
+                                                       MisbehavingServer::deadPort(), QString());
+        API::CloudAPIClient().addLocalServer(local);
+        stage.roster.updateRoster();
+        QCOMPARE(stage.shown(), "My Home: Garden; LAN-: No cameras attached"_s);
+        ServerWidget *cloud = stage.entries().first();
+        const ServerWidget *lan = stage.entries().last();
+        QVERIFY(!isShown(cloud, "settingsButton"));
+        // A long name leaves the rest of the heading in sight.
+        local->setAlias("<b>Long</b> "_s + QString(300, 'W'));
+        QCoreApplication::processEvents();
+        QCOMPARE(labelText(lan, "serverName"), local->alias());
+        const auto *last = lan->findChild<QLabel *>("serverOfflineImage");
+        QVERIFY(isShown(lan, "settingsButton") && last->geometry().right() < cloud->width());
+
+        API::ServerPtr edited;
+        connect(&stage.roster, &RosterWidget::editServer, this,
+                [&](const API::ServerPtr &server) { edited = server; });
+        const auto actions = lan->findChild<QPushButton *>("settingsButton")->menu()->actions();
+        QCOMPARE(actions.first()->text() + actions.last()->text(), "EditDelete"_s);
+        actions.first()->trigger();
+        QTRY_COMPARE(edited, local);
+        emit cloud->deleteServer(cloud->server());
+        actions.last()->trigger();
+        QCOMPARE(stage.shown(), "My Home: Garden"_s);
+        QCOMPARE(API::CloudAPIClient::serverList().size(), 1);
+    }
+
+    void headingOpensClosesAndIsDragged()
+    {
+        Stage stage({manyCameras("many"_s, 200, false)});
+        ServerWidget *entry = stage.entries().first();
+        for (const char *name :
+             {"controlBar", "serverName", "expandButton", "serverOfflineImage"}) {
+            const auto *part = entry->findChild<QWidget *>(QLatin1String(name));
+            // Through the window, so that the event takes the way that a person's click takes.
+            const QPoint at = part->mapTo(&stage.roster, QPoint(3, part->height() / 2));
+            for (const bool open : {false, true}) {
+                QTest::mouseClick(stage.roster.windowHandle(), Qt::LeftButton, {}, at);
+                QCOMPARE(isShown(entry, "container"), open);
             }
         }
+        QTest::mousePress(entry, Qt::LeftButton, {}, QPoint(100, 20));
+        QVERIFY(!dragTo(entry, QPoint(102, 20)));
+        const QDrag *drag = dragTo(entry, QPoint(150, 40));
+        QVERIFY(drag);
+        QByteArray expected;
+        QDataStream stream(&expected, QIODevice::WriteOnly);
+        stream << "many"_s;
+        QCOMPARE(drag->mimeData()->data("server"_s), expected);
+        QCOMPARE(drag->supportedActions(), Qt::DropActions(Qt::MoveAction));
+        // A picture of all the cards would be taller than a screen server takes.
+        QVERIFY(drag->pixmap().height() > 200 && drag->pixmap().height() < 2000);
+
+        // Without a heading nothing is closed or dragged.
+        stage.refresh(worldOf("=Gate: Gate; Shop: Till"_s));
+        entry = stage.entries().first();
+        entry->collapse();
+        QCOMPARE(stage.shown(), "Gate; Shop: Till"_s);
+        stage.refresh(worldOf("=Gate: Gate"_s));
+        QCOMPARE(stage.shown(), ": Gate"_s);
+        QTest::mousePress(entry, Qt::LeftButton, {}, QPoint(1, 1));
+        QVERIFY(!dragTo(entry, QPoint(100, 1)));
     }
 
-    void laterServersCannotBeAddedEither()
+    void clickAndMenuOfACardReachTheWindow()
     {
-        setWorld({});
-        Stage stage;
-        stage.roster.setAddToLayoutEnabled(false);
-        setWorld(homeAndShop());
-        stage.roster.updateRoster();
-        CameraWidget *card = stage.entry("home"_s)->cameraWidgets().first();
-        const auto actions = card->findChild<QPushButton *>("previewMenu")->menu()->actions();
-        QCOMPARE(actions.at(1)->text(), "Add to layout"_s);
-        QVERIFY(!actions.at(1)->isEnabled());
-    }
-
-private:
-    QSet<QByteArray> previewedCameras() const
-    {
-        QSet<QByteArray> cameras;
-        const QList<WireRequest> requests = service.requests();
-        for (const WireRequest &request : requests) {
-            // Those of an earlier test can be late.
-            if (request.path().endsWith("preview/live") &&
-                request.target().contains("server=many&"))
-                cameras.insert(request.target());
+        Stage stage(worldOf("Home: Garden; Shop: Till"_s));
+        QStringList heard;
+        connect(&stage.roster, &RosterWidget::openCamera, this,
+                [&](const API::CameraPtr &camera) { heard += "open " + camera->name(); });
+        connect(&stage.roster, &RosterWidget::addToLayout, this,
+                [&](const API::CameraPtr &camera) { heard += "add " + camera->name(); });
+        connect(&stage.roster, &RosterWidget::openInNewWindow, this,
+                [&](const API::CameraPtr &camera) { heard += "window " + camera->name(); });
+        QTimer watch;
+        connect(&watch, &QTimer::timeout, this, [&] {
+            if (QWidget *dialog = QApplication::activeModalWidget()) {
+                heard += "settings "_s + dialog->findChild<QLineEdit *>("cameraName")->text();
+                dialog->close();
+            }
+        });
+        watch.start(10);
+        CameraWidget *card = stage.entries().last()->cameraWidgets().first();
+        QTest::mouseClick(card, Qt::LeftButton);
+        for (QAction *action : card->findChild<QMenu *>()->actions()) {
+            heard += action->text();
+            action->trigger();
         }
-        return cameras;
+        QTRY_COMPARE(heard, QStringList({"open Till", "Open camera", "open Till", "Add to layout",
+                                         "add Till", "Settings", "Open in a new window",
+                                         "window Till", "settings Till"}));
     }
 
-    ScriptedService service;
+    void noCardIsAddedToAFullGrid()
+    {
+        Stage stage(worldOf("Home: Garden"_s));
+        const auto disabledEntries = [&] {
+            QString texts;
+            for (const QAction *action : stage.roster.findChildren<QAction *>())
+                texts += action->isEnabled() ? "" : action->text();
+            return texts;
+        };
+        stage.roster.setAddToLayoutEnabled(false);
+        QCOMPARE(disabledEntries(), "Add to layout"_s);
+        // Cards and servers that come later too.
+        stage.refresh(worldOf("Home: Garden, Door; Shop: Till"_s));
+        QCOMPARE(disabledEntries(), "Add to layout"_s.repeated(3));
+        stage.roster.setAddToLayoutEnabled(true);
+        QCOMPARE(disabledEntries(), QString());
+    }
+
+    void cardLeavesTheRosterWithItsMenuOpen()
+    {
+        for (const bool rightButton : {false, true}) {
+            Stage stage(worldOf("Home: Garden; Shop: Till"_s));
+            const QPointer<CameraWidget> card(stage.entries().first()->cameraWidgets().first());
+            const QPointer<QMenu> menu(card->findChild<QMenu *>());
+            bool opened = false;
+            QTimer::singleShot(10000, menu, &QMenu::close);
+            QTimer::singleShot(0, &stage.roster, [&] {
+                opened = menu->isVisible();
+                stage.refresh(worldOf("Shop: Till"_s));
+            });
+            QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(30, 30));
+            if (rightButton)
+                QCoreApplication::sendEvent(card, &event);
+            else
+                QTest::mousePress(card->findChild<QPushButton *>("previewMenu"), Qt::LeftButton);
+            QTRY_VERIFY(opened && !card && !menu);
+            QCOMPARE(stage.shown(), "Shop: Till"_s);
+        }
+    }
+
+    void sideBarShowsOnePageAndSearchesBoth()
+    {
+        setWorld(worldOf("Home: Door"_s));
+        GUI::SideBar bar;
+        bar.show();
+        bar.rosterWidget()->updateRoster();
+        API::LayoutsContainer layouts{{"1"_s, API::LayoutPtr::create()},
+                                      {"2"_s, API::LayoutPtr::create()}};
+        layouts.first()->setName("Yard"_s);
+        bar.layoutListWidget()->updateLayouts(layouts);
+        auto *edit = bar.findChild<QLineEdit *>("searchEdit");
+        const auto *expanded = bar.findChild<QCheckBox *>("expandButton");
+        const auto shown = [&] {
+            QString words = edit->isVisible() ? edit->placeholderText() + edit->text() : "";
+            for (const char *name : {"rosterWidget", "layoutListWidget", "settingsWidget"})
+                words += isShown(&bar, name) ? ' ' + QString(name) : "";
+            for (const auto *card : bar.findChildren<GUI::LayoutCard *>())
+                words += card->isVisible() ? " card" : "";
+            return words;
+        };
+        QCOMPARE(shown(), "Search for cameras... rosterWidget"_s);
+        QTest::keyClicks(edit, "yard"_s);
+        QVERIFY(!expanded->isChecked());
+        bar.setLayoutsMode();
+        QCOMPARE(shown(), "Search for layouts...yard layoutListWidget card"_s);
+        bar.setSettingsMode();
+        QCOMPARE(shown(), " settingsWidget"_s);
+        bar.setRosterMode();
+        QCOMPARE(shown(), "Search for cameras...yard rosterWidget"_s);
+        edit->clear();
+        QVERIFY(expanded->isChecked());
+        QSignalSpy hidden(&bar, &GUI::SideBar::hideRequest);
+        QTest::mouseClick(bar.findChild<QPushButton *>("hideRosterButton"), Qt::LeftButton);
+        QCOMPARE(hidden.count(), 1);
+    }
+
+    void tabsOfTheToolBarTellClicksOnly()
+    {
+        using Function = void (GUI::ToolBar::*)();
+        const std::tuple<const char *, Function, Function> tabs[] = {
+            {"layoutsButton", &GUI::ToolBar::setLayoutsMode, &GUI::ToolBar::layoutsClicked},
+            {"settingsButton", &GUI::ToolBar::setSettingsMode, &GUI::ToolBar::settingsClicked},
+            {"rosterButton", &GUI::ToolBar::setRosterMode, &GUI::ToolBar::liveClicked}};
+        GUI::ToolBar bar;
+        bar.resize(60, 400);
+        for (const auto &[name, choose, signal] : tabs) {
+            auto *tab = bar.findChild<QPushButton *>(name);
+            QSignalSpy clicked(&bar, signal);
+            (bar.*choose)();
+            QVERIFY(tab->isChecked() && clicked.isEmpty());
+            QTest::mouseClick(tab, Qt::LeftButton);
+            QCOMPARE(clicked.count(), 1);
+        }
+        // The form's background, which a plain widget with a style sheet has to paint itself.
+        QCOMPARE(bar.grab().toImage().pixelColor(30, 250), QColor(91, 102, 122));
+    }
 };
 
 QTEST_MAIN(RosterWidgetTest)

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/GUI/RosterWorld.h"
 
-#include "tests/support/Test.h"
-
+#include "API/CloudAPIClient.h"
 #include "App/Environment.h"
 
 namespace ZorvaneClient::Tests {
@@ -14,31 +13,19 @@ void stopClockAt(double seconds)
     App::Environment::setClock([moment] { return moment; });
 }
 
-void runClock()
-{
-    App::Environment::setClock({});
-}
-
 int expireTimers(std::chrono::milliseconds interval)
 {
     QAbstractEventDispatcher *dispatcher = QAbstractEventDispatcher::instance();
-    QList<QPointer<QObject>> owners;
-    const QObjectList singleShots = dispatcher->children();
-    for (QObject *object : singleShots)
-        owners.append(object);
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget *window : windows) {
-        const auto timers = window->findChildren<QTimer *>();
-        for (QTimer *timer : timers)
+    // The dispatcher's children are the single shots.
+    QObjectList owners = dispatcher->children();
+    for (const QWidget *window : QApplication::topLevelWidgets()) {
+        for (QTimer *timer : window->findChildren<QTimer *>())
             owners.append(timer);
     }
     int expired = 0;
-    for (const QPointer<QObject> &owner : qAsConst(owners)) {
-        if (!owner)
-            continue;
-        const auto timers = dispatcher->registeredTimers(owner);
-        for (const QAbstractEventDispatcher::TimerInfo &timer : timers) {
-            if (!owner || timer.interval != interval.count())
+    for (QObject *owner : qAsConst(owners)) {
+        for (const auto &timer : dispatcher->registeredTimers(owner)) {
+            if (timer.interval != interval.count())
                 continue;
             ++expired;
             QTimerEvent event(timer.timerId);
@@ -50,7 +37,11 @@ int expireTimers(std::chrono::milliseconds interval)
 
 QString labelText(const QWidget *parent, const char *name)
 {
-    return parent->findChild<QLabel *>(QLatin1String(name))->text();
+    const auto *label = parent->findChild<QLabel *>(QLatin1String(name));
+    const QString marked = label->selectedText();
+    if (marked.isEmpty())
+        return label->text();
+    return label->text().replace(label->selectionStart(), marked.size(), '[' + marked + ']');
 }
 
 QImage labelPicture(const QWidget *parent, const char *name)
@@ -59,26 +50,30 @@ QImage labelPicture(const QWidget *parent, const char *name)
     return label->pixmap(Qt::ReturnByValue).toImage();
 }
 
-QImage resourcePicture(const QString &path)
-{
-    return QPixmap(path).toImage();
-}
-
-QDrag *dragFrom(QWidget *widget, const QPoint &from, const QPoint &to)
+QDrag *dragTo(QWidget *widget, const QPoint &to)
 {
     // A platform with drags of its own would wait for the button.
     QTimer::singleShot(0, widget, [] { QDrag::cancel(); });
-    const QList<QDrag *> before = widget->window()->findChildren<QDrag *>();
-    QTest::mousePress(widget, Qt::LeftButton, Qt::NoModifier, from);
+    const int before = widget->window()->findChildren<QDrag *>().size();
     QMouseEvent move(QEvent::MouseMove, to, widget->mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
                      Qt::NoModifier);
     QCoreApplication::sendEvent(widget, &move);
-    const QList<QDrag *> after = widget->window()->findChildren<QDrag *>();
-    for (QDrag *drag : after) {
-        if (!before.contains(drag))
-            return drag;
-    }
-    return nullptr;
+    const QList<QDrag *> drags = widget->window()->findChildren<QDrag *>();
+    return drags.size() > before ? drags.last() : nullptr;
+}
+
+void RosterTest::init()
+{
+    stopClockAt(0);
+    service.reset();
+}
+
+void RosterTest::cleanup()
+{
+    setWorld({});
+    QFile::remove("local_roster.txt"_s);
+    API::CloudAPIClient().loadLocalRoster();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 } // namespace ZorvaneClient::Tests

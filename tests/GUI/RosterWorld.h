@@ -4,27 +4,39 @@
 #include "tests/support/Test.h"
 
 #include "tests/support/Roster.h"
-
-class QDrag;
-class QLabel;
-class QWidget;
+#include "tests/support/ScriptedService.h"
 
 namespace ZorvaneClient::Tests {
 
 /// The wall clock stands still at `seconds` after a fixed moment.
 void stopClockAt(double seconds);
-void runClock();
+
+/// After which the preview of a card out of view is released.
+constexpr std::chrono::milliseconds releaseDelay(30000);
 
 /// Lets the running timers of that interval expire at once; returns how many there were.
 int expireTimers(std::chrono::milliseconds interval);
 
+/// The text of a label, with what is marked in it in brackets.
 QString labelText(const QWidget *parent, const char *name);
 /// The pixmap of a label, as an image.
 QImage labelPicture(const QWidget *parent, const char *name);
-QImage resourcePicture(const QString &path);
 
-/// Presses the left button at `from` and moves on to `to`, both in `widget`'s coordinates,
-/// and gives the drag that started, if one did. The button stays down.
-QDrag *dragFrom(QWidget *widget, const QPoint &from, const QPoint &to);
+/// Moves on to `to` with the left button down, and gives the drag that started, if one did.
+QDrag *dragTo(QWidget *widget, const QPoint &to);
+
+/// A test whose clock stands, with a service that fails unless it is told otherwise.
+class RosterTest : public QObject
+{
+    Q_OBJECT
+
+protected:
+    ScriptedService service;
+
+private slots:
+    void initTestCase() { QVERIFY(service.start()); }
+    void init();
+    void cleanup();
+};
 
 } // namespace ZorvaneClient::Tests

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
+// A day's strip, and the notation in which its tests speak of times.
 #pragma once
 
 #include "tests/support/Test.h"
+
+#include <ctime>
 
 #include "API/Camera.h"
 #include "GUI/TimelinePrivate.h"
@@ -9,14 +12,74 @@
 namespace ZorvaneClient::Tests {
 
 inline const QDate stripDay(2026, 3, 10);
-constexpr int thousandPixelScale = 1030;
+constexpr int stripWidth = 1030; ///< with 1000 pixels of scale, from x 15 to 1015
 
-/// "h:mm:ss" of the day, or of another one by "+1 " or "-1 " in front.
+inline void useZone(const QByteArray &zone)
+{
+    qputenv("TZ", zone);
+    tzset();
+}
+
+/// "h:mm" or "h:mm:ss" of the day, or of another one by "+1 " or "-1 " in front.
 inline QDateTime at(const QString &text)
 {
-    const QStringList parts = text.split(QLatin1Char(' '));
-    const int offset = parts.size() > 1 ? parts.first().toInt() : 0;
-    return QDateTime(stripDay.addDays(offset), QTime::fromString(parts.last(), "h:mm:ss"_s));
+    const QString clock = text.section(' ', -1);
+    const QString format = clock.count(':') == 1 ? "h:mm"_s : "h:mm:ss"_s;
+    return {stripDay.addDays(text.section(' ', 0, -2).toInt()), QTime::fromString(clock, format)};
+}
+
+inline QString textOf(const QDateTime &time)
+{
+    const QString clock = time.toString("h:mm:ss.zzz").remove(QRegularExpression("(:00)?.000$"));
+    const qint64 days = stripDay.daysTo(time.date());
+    return days == 0 ? clock : (days > 0 ? "+%1 %2"_s : "%1 %2"_s).arg(days).arg(clock);
+}
+
+/// "10:00 to 11:00".
+inline API::ArchiveRecord spanOf(const QString &text)
+{
+    return {at(text.section(" to ", 0, 0)), at(text.section(" to ", 1))};
+}
+
+inline QString textOf(const QDateTime &start, const QDateTime &end)
+{
+    return textOf(start) + " to " + textOf(end);
+}
+
+inline QString windowOf(const GUI::Timeline &timeline)
+{
+    return textOf(timeline.startValue(), timeline.endValue());
+}
+
+inline void setWindow(GUI::Timeline &timeline, const QString &span)
+{
+    timeline.setStartValue(spanOf(span).start);
+    timeline.setEndValue(spanOf(span).end);
+}
+
+/// "10:00 to 11:00, 12:00 to 12:30".
+inline QList<API::ArchiveRecord> recordsOf(const QString &text)
+{
+    QList<API::ArchiveRecord> records;
+    const QStringList spans = text.isEmpty() ? QStringList() : text.split(", ");
+    for (const QString &span : spans)
+        records.append(spanOf(span));
+    return records;
+}
+
+/// From instants to hours long, overlapping, in any order, some with the same start.
+inline QList<API::ArchiveRecord> randomRecords(QDate date, int count, quint32 seed)
+{
+    constexpr int lengths[] = {1, 10, 60, 600, 7200};
+    QRandomGenerator random(seed);
+    QList<API::ArchiveRecord> records;
+    for (int i = 0; i < count; ++i) {
+        const int second = random.bounded(23 * 3600);
+        const QDateTime start = date.startOfDay().addSecs(i % 3 == 0 ? second / 600 * 600 : second);
+        const int length = 1 + random.bounded(lengths[random.bounded(i % 20 == 0 ? 5 : 4)]);
+        records.append({start, start.addSecs(length)});
+    }
+    return records;
 }
 
 /// A timeline of that width, and a state for it beside its own that a test can set.
@@ -24,24 +87,28 @@ struct TimelineStrip {
     GUI::Timeline owner;
     GUI::Internal::TimelinePrivate state;
 
-    explicit TimelineStrip(int width = thousandPixelScale, QDate date = stripDay)
+    explicit TimelineStrip(int width = stripWidth, QDate date = stripDay)
         : owner(date), state(&owner, date)
     {
         owner.resize(width, owner.height());
+        state.recordsImage = QImage(owner.size(), QImage::Format_ARGB32);
+        state.recordsImage.fill(0);
     }
 
-    void setWindow(const QString &start, const QString &end)
+    void setWindow(const QString &span)
     {
-        state.startValue = at(start);
-        state.endValue = at(end);
+        state.startValue = spanOf(span).start;
+        state.endValue = spanOf(span).end;
     }
 
-    void setSelection(const QString &start, const QString &end)
+    void setSelection(const QString &span)
     {
         state.selectionMode = true;
-        state.selectionStart = at(start);
-        state.selectionEnd = at(end);
+        state.selectionStart = spanOf(span).start;
+        state.selectionEnd = spanOf(span).end;
     }
+
+    QString selection() const { return textOf(state.selectionStart, state.selectionEnd); }
 
     void addCamera(const API::CameraPtr &camera)
     {

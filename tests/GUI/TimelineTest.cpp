@@ -1,91 +1,58 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Test.h"
 
-#include <ctime>
-
-#include "API/Camera.h"
 #include "App/Environment.h"
-#include "GUI/Timeline.h"
+#include "GUI/MainWindow.h"
+#include "GUI/TimelineTooltip.h"
 #include "tests/GUI/ArchiveWorld.h"
-#include "tests/support/LogCapture.h"
+#include "tests/GUI/TimelineStrip.h"
 
 using App::Environment;
 using GUI::Timeline;
-using Tests::ArchiveWorld;
-using Tests::LogCapture;
-using Tests::record;
 
 namespace {
 
-const QDate day(2026, 3, 10);
-constexpr int width = 1030;
-constexpr int middle = 515;
-constexpr int strip = 20; ///< a y on it
-const QColor accent(62, 183, 253);
 const QColor background(41, 44, 49);
-constexpr int refreshIntervalMs = 120000;
 
-QDateTime at(const QString &text)
+/// The left button in words: "press 515 drag 505 release 505"; "move" is without it.
+void use(Timeline &timeline, const QString &mouse)
 {
-    return QDateTime(day, QTime::fromString(text, "h:mm:ss"_s));
+    const QHash<QString, QEvent::Type> types{{"press", QEvent::MouseButtonPress},
+                                             {"again", QEvent::MouseButtonDblClick},
+                                             {"release", QEvent::MouseButtonRelease}};
+    const QStringList words = mouse.split(' ');
+    for (int index = 0; index + 1 < words.size(); index += 2) {
+        const QEvent::Type type = types.value(words.at(index), QEvent::MouseMove);
+        const bool isHeld = words.at(index) != "release" && words.at(index) != "move";
+        const QPointF position(words.at(index + 1).toDouble(), 20);
+        QMouseEvent event(type, position, timeline.mapToGlobal(position.toPoint()),
+                          type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                          isHeld ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&timeline, &event);
+    }
 }
 
-void stopClock(const QDateTime &moment)
+QString selectionOf(const Timeline &timeline)
 {
-    Environment::setClock([moment] { return moment; });
+    return textOf(timeline.selectionStart(), timeline.selectionEnd());
 }
 
-void sendMouse(Timeline &timeline, QEvent::Type type, double x, Qt::MouseButton button,
-               Qt::MouseButtons held)
+/// What the window shows, as the last paint event left it.
+QImage onScreen(Timeline &timeline)
 {
-    const QPointF position(x, strip);
-    QMouseEvent event(type, position, timeline.mapToGlobal(position.toPoint()), button, held,
-                      Qt::NoModifier);
-    QCoreApplication::sendEvent(&timeline, &event);
+    const QPixmap shown = timeline.screen()->grabWindow(timeline.winId());
+    return shown.toImage().convertToFormat(QImage::Format_RGB32);
 }
 
-void press(Timeline &timeline, double x)
+/// What it would show if it was painted now.
+QImage picture(QWidget &widget)
 {
-    sendMouse(timeline, QEvent::MouseButtonPress, x, Qt::LeftButton, Qt::LeftButton);
-}
-
-void move(Timeline &timeline, double x, bool held = false)
-{
-    sendMouse(timeline, QEvent::MouseMove, x, Qt::NoButton, held ? Qt::LeftButton : Qt::NoButton);
-}
-
-void release(Timeline &timeline, double x)
-{
-    sendMouse(timeline, QEvent::MouseButtonRelease, x, Qt::LeftButton, Qt::NoButton);
-}
-
-QList<QDateTime> times(QSignalSpy &spy)
-{
-    QList<QDateTime> result;
-    while (!spy.isEmpty())
-        result << spy.takeFirst().first().toDateTime();
-    return result;
-}
-
-QImage picture(Timeline &timeline)
-{
-    return timeline.grab().toImage().convertToFormat(QImage::Format_RGB32);
-}
-
-bool showsHoverLine(Timeline &timeline, int x)
-{
-    // Drawn between two columns, it colours both.
-    const QImage image = picture(timeline);
-    const auto isBlue = [&image](int column) {
-        return QColor(image.pixel(column, image.height() - 2)).blue() > accent.blue() / 2;
-    };
-    return isBlue(x - 1) || isBlue(x);
+    return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
 }
 
 /// Below the scale there is that message and nothing else.
 bool showsMessage(Timeline &timeline, const QString &text)
 {
-    constexpr int belowScale = 22;
     constexpr double metresPerInch = 0.0254;
     QImage expected(timeline.size(), QImage::Format_RGB32);
     // A size in points is the same number of pixels as on the widget.
@@ -98,29 +65,17 @@ bool showsMessage(Timeline &timeline, const QString &text)
     painter.setPen(QColor(105, 106, 109));
     painter.drawText(QRect(0, 5, timeline.width(), timeline.height()), Qt::AlignCenter, text);
     painter.end();
-    const QRect area = timeline.rect().adjusted(0, belowScale, 0, 0);
+    const QRect area = timeline.rect().adjusted(0, 22, 0, 0);
     return picture(timeline).copy(area) == expected.copy(area);
 }
 
-QWidget *tooltip()
+GUI::TimelineTooltip *tooltip()
 {
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget *window : windows) {
-        if (window->inherits("ZorvaneClient::GUI::TimelineTooltip"))
-            return window;
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        if (auto *found = qobject_cast<GUI::TimelineTooltip *>(window))
+            return found;
     }
     return nullptr;
-}
-
-QList<QAbstractEventDispatcher::TimerInfo> refreshTimers(Timeline &timeline)
-{
-    QList<QAbstractEventDispatcher::TimerInfo> result;
-    const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(&timeline);
-    for (const auto &timer : timers) {
-        if (timer.interval == refreshIntervalMs)
-            result << timer;
-    }
-    return result;
 }
 
 } // namespace
@@ -135,12 +90,12 @@ private slots:
 
     void init()
     {
-        qputenv("TZ", "Europe/Berlin");
-        tzset();
+        useZone("Europe/Berlin");
         world.reset();
-        stopClock(at("12:00:00"));
-        timeline.reset(new Timeline(day));
-        timeline->resize(width, timeline->height());
+        now = at("12:00");
+        Environment::setClock([this] { return now; });
+        timeline.reset(new Timeline(stripDay));
+        timeline->resize(stripWidth, timeline->height());
         timeline->show();
         QVERIFY(QTest::qWaitForWindowExposed(timeline.data()));
     }
@@ -152,257 +107,325 @@ private slots:
         Environment::setClock({});
     }
 
-    void properties()
+    void movesTheWindow_data()
     {
-        QCOMPARE(timeline->height(), 56);
-        QVERIFY(timeline->hasMouseTracking());
-        QVERIFY(timeline->testAttribute(Qt::WA_AlwaysShowToolTips));
-        QCOMPARE(timeline->property("currentValue").toDateTime(), at("12:00:00"));
-        QCOMPARE(timeline->property("startValue").toDateTime(), at("0:00:00"));
-        QCOMPARE(timeline->property("endValue").toDateTime(), at("23:59:59"));
-        QCOMPARE(timeline->selectionStart(), at("0:00:00"));
-        QCOMPARE(timeline->selectionEnd(), at("0:00:00"));
-        QCOMPARE(timeline->property("sliderVisible").toBool(), false);
-        QCOMPARE(timeline->property("timeFormat").value<Timeline::TimeFormat>(), Timeline::Full);
-        QVERIFY(timeline->setProperty("timeFormat", "HourOnly"));
-        QCOMPARE(timeline->timeFormat(), Timeline::HourOnly);
+        const QString all = "0:00 to 23:59:59";
+        const QString hour = "12:00 to 13:00";
+        const QString wider = "11:24:15 to 13:35:45";
+        const QString noon = "12:00 to 14:00";
+        const QString tenHours = "2:00 to 12:00";
+        const QString tenMinutes = "10:00 to 10:10";
+        const QString last = "23:49:59 to 23:59:59";
+        // Level -1: none is told.
+        rows<QString, QString, QString, int>(
+            {"window", "action", "expected", "level"},
+            {{"a notch in", all, "wheel 515 120", "0:35:44 to 23:24:14", 5},
+             {"small in", hour, "wheel 515 119", wider, 92},
+             {"small out", hour, "wheel 515 -1", wider, 92},
+             {"no turn, but no swipe", hour, "wheel 515 0", wider, 92},
+             {"sideways", hour, "wheel 515 0/120", hour, -1},
+             {"fingers put on", hour, "wheel 515 0 touch", hour, -1},
+             {"out of the whole day", all, "wheel 515 -120", all, -1},
+             {"out, to the day's begin", "0:10 to 1:10", "zoomOut", "0:00 to 1:45:45", 93},
+             {"left margin", noon, "wheel 15 120", "4:51 to 5:39:30", 97},
+             {"right of it", noon, "wheel 16 120", "12:00:04 to 12:48:35", 97},
+             {"left of the day", all, "wheel -50 120", "0:00 to 22:48:29", 5},
+             {"right of the day", all, "wheel 1030 120", "1:11:30 to 23:59:59", 5},
+             {"twice the margin", noon, "wheel 1000 120", "19:08:59 to 19:57:29", 97},
+             {"left of that", noon, "wheel 999 120", "13:10:20 to 13:58:51", 97},
+             {"4789 s, in", "10:00 to 11:19:49", "zoomIn", "10:00 to 11:19:49", -1},
+             {"4790 s, in", "10:00 to 11:19:50", "zoomIn", "10:35:45 to 10:44:05", 100},
+             {"below half a level", "10:00 to 11:28:38", "zoomIn", "10:35:45 to 10:52:53", 100},
+             {"above it", "10:00 to 11:28:40", "zoomIn", "10:35:45 to 10:52:55", 99},
 
-        timeline->addMSecs(1500);
-        QCOMPARE(timeline->currentValue(), at("12:00:01").addMSecs(500));
-        QVERIFY(timeline->setProperty("startValue", at("0:00:00").addSecs(-1)));
-        QCOMPARE(timeline->startValue(), at("0:00:00"));
-        QVERIFY(timeline->setProperty("endValue", at("23:59:59").addSecs(1)));
-        QCOMPARE(timeline->endValue(), at("23:59:59"));
-        QCOMPARE(QColor(picture(*timeline).pixel(2, 50)), background);
+             {"Ctrl, 120", hour, "wheel 515 120 Ctrl", "12:02:30 to 13:02:30", -1},
+             {"Ctrl, 119", hour, "wheel 515 119 Ctrl", "11:57:30 to 12:57:30", -1},
+             {"Ctrl and Shift", hour, "wheel 515 -120 Ctrl Shift", wider, 92},
+             {"a tenth", "2:00 to 4:24", "wheel 515 120 Ctrl", "2:06 to 4:30", -1},
+             {"little room before", "0:10 to 10:10", "wheel 515 -120 Ctrl", "0:00 to 10:00", -1},
+             {"after", "13:50 to 23:50", "wheel 515 120 Ctrl", "13:59:59 to 23:59:59", -1},
+             {"left", tenHours, "scrollLeft", "2:25 to 12:25", -1},
+             {"right", tenHours, "scrollRight", "1:35 to 11:35", -1},
+
+             {"pan, two seconds", tenMinutes, "press 515 drag 513", "10:00:02 to 10:10:02", -1},
+             {"one second", tenMinutes, "press 515 drag 514", "10:00:01 to 10:10:01", -1},
+             {"less than one", tenMinutes, "press 515 drag 516", tenMinutes, -1},
+             {"one second back", tenMinutes, "press 515 drag 517", "9:59:59 to 10:09:59", -1},
+             {"to and fro", tenMinutes, "press 515 drag 505 drag 510", "10:00:03 to 10:10:03", -1},
+             {"at the day's begin", "0:00 to 0:10", "press 515 drag 900", "0:00 to 0:10", -1},
+             {"near it", "0:00:30 to 0:10:30", "press 515 drag 900", "0:00 to 0:10", -1},
+             // What was pulled too far isn't made up for on the way back.
+             {"and back", "0:01 to 0:11", "press 9 drag 900 drag 890", "0:00:06 to 0:10:06", -1},
+             {"at the day's end", last, "press 515 drag 100", last, -1},
+             {"near that", "23:49:30 to 23:59:30", "press 515 drag 100", last, -1},
+             {"half", "12:00 to 12:16:40", "press 15 drag -9.6", "12:00:25 to 12:17:05", -1}});
     }
 
-    void click_data()
+    void movesTheWindow()
     {
-        rows<double, double, int, QString>({"pressX", "releaseX", "heldMs", "expected"},
-                                           {
-                                               // empty: no click
-                                               {"still", 515.0, 515.0, 0, "11:59:59"},
-                                               {"3 pixels", 515.0, 518.0, 0, "12:04:18"},
-                                               {"3 pixels back", 515.0, 512.0, 0, "11:55:40"},
-                                               {"4 pixels", 515.0, 519.0, 0, ""},
-                                               {"4 pixels back", 515.0, 511.0, 0, ""},
-                                               {"332 ms", 515.0, 515.0, 332, "11:59:59"},
-                                               {"333 ms", 515.0, 515.0, 333, ""},
-                                               {"left end", 15.0, 15.0, 0, "0:00:00"},
-                                               {"left margin", 14.0, 14.0, 0, ""},
-                                               {"right end", 1015.0, 1015.0, 0, "23:59:59"},
-                                               {"right margin", 1016.0, 1016.0, 0, ""},
-                                               {"below half a pixel", 16.0, 16.49, 0, "0:01:26"},
-                                               {"half a pixel", 14.5, 14.5, 0, "0:00:00"},
-                                           });
-    }
+        const auto [window, action, expected, level] = row<QString, QString, QString, int>();
+        putCamerasOn(*timeline);
+        QSignalSpy updated(timeline.data(), &Timeline::recordsUpdated);
+        QTRY_COMPARE_WITH_TIMEOUT(updated.size(), 2, 30000);
+        setWindow(*timeline, window);
+        timeline->setActiveCameraId(timeline->activeCamera()->globalId());
+        QTRY_COMPARE(onScreen(*timeline), picture(*timeline));
 
-    void click()
-    {
-        const auto [pressX, releaseX, heldMs, expected] = row<double, double, int, QString>();
-        QSignalSpy played(timeline.data(), &Timeline::playTime);
-        const LogCapture log;
-        press(*timeline, pressX);
-        move(*timeline, releaseX, true);
-        stopClock(at("12:00:00").addMSecs(heldMs));
-        release(*timeline, releaseX);
-        // The whole day has no room for the pan that the move is.
-        QCOMPARE(timeline->startValue(), at("0:00:00"));
-        if (expected.isEmpty()) {
-            QCOMPARE(played.size(), 0);
-            QCOMPARE(timeline->currentValue(), at("12:00:00"));
-            return;
+        QSignalSpy zoomed(timeline.data(), &Timeline::zoomed);
+        const QStringList words = action.split(' ');
+        const bool isPan = words.first() == "press";
+        if (words.first() == "wheel") {
+            // "wheel 515 120 Ctrl": where, how far and with what; "0/120" is sideways.
+            const QPointF position(words.at(1).toInt(), 20);
+            const QStringList turn = words.at(2).split('/');
+            Qt::KeyboardModifiers keys;
+            keys.setFlag(Qt::ControlModifier, words.contains("Ctrl"));
+            keys.setFlag(Qt::ShiftModifier, words.contains("Shift"));
+            QWheelEvent event(position, timeline->mapToGlobal(position.toPoint()), {},
+                              {turn.value(1).toInt(), turn.first().toInt()}, Qt::NoButton, keys,
+                              words.contains("touch") ? Qt::ScrollBegin : Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(timeline.data(), &event);
+            QVERIFY(event.isAccepted());
+        } else if (isPan) {
+            use(*timeline, action);
+        } else {
+            QVERIFY(QMetaObject::invokeMethod(timeline.data(), action.toLatin1().constData()));
         }
-        QCOMPARE(times(played), QList<QDateTime>{at(expected)});
-        QCOMPARE(timeline->currentValue(), at(expected));
-        QCOMPARE(log.linesOf("current time:"_s).size(), 1);
+        QCOMPARE(windowOf(*timeline), expected);
+        QCOMPARE(zoomed.isEmpty() ? -1 : zoomed.first().first().toInt(), level);
+        // The records went along.
+        const QImage goal = drawnAnew(expected, isPan ? "move " + words.last() : QString());
+        QTRY_COMPARE(onScreen(*timeline), goal);
     }
 
-    void clickNeedsItsPress()
+    void zoomsToALevel()
     {
+        QSignalSpy zoomed(timeline.data(), &Timeline::zoomed);
+        const auto levelsTo = [this, &zoomed](int level) {
+            zoomed.clear();
+            timeline->zoom(level);
+            QString levels;
+            for (const QList<QVariant> &each : qAsConst(zoomed))
+                levels += each.first().toString() + ' ';
+            return levels;
+        };
+        QCOMPARE(levelsTo(12), "5 10 15 "_s);
+        QCOMPARE(levelsTo(15), ""_s);
+        QCOMPARE(levelsTo(14), "10 "_s);
+        QCOMPARE(levelsTo(0), "5 0 "_s);
+        // Beyond the ends it stops where nothing moves.
+        QVERIFY(levelsTo(1000).endsWith(" 100 "));
+        // A step that isn't made gives the level all the same.
+        setWindow(*timeline, "0:00 to 23:59:59");
+        QCOMPARE(levelsTo(-1000), ""_s);
+        QCOMPARE(levelsTo(1), "5 "_s);
+        setWindow(*timeline, "12:00 to 12:10");
+        timeline->zoomIn();
+        QCOMPARE(levelsTo(99).count(' '), 1);
+    }
+
+    void clicks_data()
+    {
+        const QString still = "press 515 release 515";
+        rows<QString, int, QString, int>(
+            {"mouse", "heldMs", "expected", "plays"},
+            {{"still", still, 332, "11:59:59", 1},
+             {"long", still, 333, "12:00", 0},
+             {"3 pixels", "press 515 drag 518 release 518", 0, "12:04:18", 1},
+             {"4 pixels", "press 515 drag 519 release 519", 0, "12:00", 0},
+             {"4 pixels back", "press 515 drag 511 release 511", 0, "12:00", 0},
+             {"left end", "press 14.5 release 14.5", 0, "0:00", 1},
+             {"left margin", "press 14 release 14", 0, "12:00", 0},
+             {"right end", "press 1015 release 1015", 0, "23:59:59", 1},
+             {"right margin", "press 1016 release 1016", 0, "12:00", 0},
+             {"less than half a pixel", "press 16 release 16.49", 0, "0:01:26", 1},
+             {"no press", "release 515", 0, "12:00", 0},
+             {"two", still + " again 515 release 515", 0, "11:59:59", 2}});
+    }
+
+    void clicks()
+    {
+        const auto [mouse, heldMs, expected, plays] = row<QString, int, QString, int>();
+        QTest::mouseClick(timeline.data(), Qt::RightButton, Qt::NoModifier, QPoint(400, 20));
         QSignalSpy played(timeline.data(), &Timeline::playTime);
-        release(*timeline, middle);
-        QTest::mouseClick(timeline.data(), Qt::RightButton, Qt::NoModifier, QPoint(middle, strip));
-        QVERIFY(played.isEmpty());
-        press(*timeline, middle);
-        release(*timeline, middle);
-        sendMouse(*timeline, QEvent::MouseButtonDblClick, middle, Qt::LeftButton, Qt::LeftButton);
-        release(*timeline, middle);
-        QCOMPARE(played.size(), 2);
-    }
-
-    void panIsNoClick()
-    {
-        timeline->setStartValue(at("10:00:00"));
-        timeline->setEndValue(at("10:10:00"));
-        QSignalSpy played(timeline.data(), &Timeline::playTime);
-        press(*timeline, middle);
-        move(*timeline, middle - 10, true);
-        QCOMPARE(timeline->startValue(), at("10:00:06"));
-        move(*timeline, middle - 5, true);
-        QCOMPARE(timeline->startValue(), at("10:00:03"));
-        release(*timeline, middle - 5);
-        QVERIFY(played.isEmpty());
-        move(*timeline, middle);
-        QCOMPARE(timeline->startValue(), at("10:00:03"));
-        QCOMPARE(timeline->endValue(), at("10:10:03"));
-    }
-
-    void panStopsAtTheDay()
-    {
-        timeline->setStartValue(at("0:00:02"));
-        timeline->setEndValue(at("0:10:02"));
-        press(*timeline, middle);
-        move(*timeline, 900, true);
-        QCOMPARE(timeline->startValue(), at("0:00:00"));
-        QCOMPARE(timeline->endValue(), at("0:10:00"));
-        // What was pulled too far isn't made up for on the way back.
-        move(*timeline, 890, true);
-        QCOMPARE(timeline->startValue(), at("0:00:06"));
+        const int lastWord = mouse.lastIndexOf("release");
+        if (plays > 0)
+            QTest::ignoreMessage(QtDebugMsg, QRegularExpression("^current time: "));
+        use(*timeline, mouse.left(lastWord));
+        now = now.addMSecs(heldMs);
+        use(*timeline, mouse.mid(lastWord));
+        QCOMPARE(played.size(), plays);
+        QCOMPARE(textOf(timeline->currentValue()), expected);
+        if (plays > 0)
+            QCOMPARE(played.last().first().toDateTime(), timeline->currentValue());
     }
 
     void hover()
     {
-        QVERIFY(!tooltip()->isVisible());
+        GUI::TimelineTooltip *const tip = tooltip();
         // It hangs over the strip, which must not lose the mouse to it.
-        QVERIFY(tooltip()->windowFlags().testFlag(Qt::WindowTransparentForInput));
-        move(*timeline, middle);
-        QVERIFY(showsHoverLine(*timeline, middle));
-        QVERIFY(tooltip()->isVisible());
-        QCOMPARE(tooltip()->pos(),
-                 timeline->mapToGlobal(QPoint(middle - tooltip()->width() / 2 - 1, -8)));
-        move(*timeline, 15);
-        QVERIFY(showsHoverLine(*timeline, 15));
-        // Over the margins the line goes, and the label stays where it was.
-        const QPoint place = tooltip()->pos();
-        for (const int x : {14, 1016}) {
-            move(*timeline, x);
-            QVERIFY(!showsHoverLine(*timeline, x));
-            QVERIFY(tooltip()->isVisible());
-            QCOMPARE(tooltip()->pos(), place);
+        QVERIFY(tip->windowFlags().testFlag(Qt::WindowTransparentForInput));
+        const QImage without = picture(*timeline);
+        const auto shows = [&](int x, const QTime &time) {
+            GUI::TimelineTooltip label;
+            label.setTime(time);
+            const QRect line(x - 1, 50, 2, 6);
+            return picture(*timeline).copy(line) != without.copy(line) && tip->isVisible() &&
+                   picture(*tip) == picture(label) &&
+                   tip->pos() == timeline->mapToGlobal(QPoint(x - label.width() / 2 - 1, -8));
+        };
+        for (const auto &[x, time] :
+             {qMakePair(515, "11:59:59"_s), {1015, "23:59:59"_s}, {15, "0:00"_s}}) {
+            use(*timeline, "move %1"_s.arg(x));
+            QVERIFY2(shows(x, at(time).time()), qPrintable(time));
         }
-        move(*timeline, 1015);
-        QVERIFY(showsHoverLine(*timeline, 1015));
-        QEvent leave(QEvent::Leave);
-        QCoreApplication::sendEvent(timeline.data(), &leave);
-        QVERIFY(!showsHoverLine(*timeline, 1015));
-        QVERIFY(!tooltip()->isVisible());
+        // Over the margins the line goes, and the label stays where it was.
+        const QPoint place = tip->pos();
+        for (const QString &move : {"move 14"_s, "move 1016"_s}) {
+            use(*timeline, move);
+            QCOMPARE(picture(*timeline), without);
+            QVERIFY(tip->isVisible());
+            QCOMPARE(tip->pos(), place);
+        }
+        use(*timeline, "move 300");
+        QCoreApplication::postEvent(timeline.data(), new QEvent(QEvent::Leave));
+        QTRY_COMPARE(picture(*timeline), without);
+        QVERIFY(!tip->isVisible());
     }
 
     void cursorShape_data()
     {
-        rows<bool, int, bool, int>(
+        rows<bool, int, bool, Qt::CursorShape>(
             {"selecting", "x", "held", "shape"},
-            {
-                {"window", false, middle, false, int(Qt::PointingHandCursor)},
-                {"window, held", false, middle, true, int(Qt::ClosedHandCursor)},
-                {"left end", false, 15, false, int(Qt::PointingHandCursor)},
-                {"left margin", false, 14, false, int(Qt::ArrowCursor)},
-                {"right margin", false, 1016, true, int(Qt::ArrowCursor)},
-                // The fragment lies on x 415 to 715 of its window.
-                {"before the start", true, 403, false, int(Qt::PointingHandCursor)},
-                {"start", true, 404, false, int(Qt::SplitHCursor)},
-                {"start, inside", true, 426, false, int(Qt::SplitHCursor)},
-                {"body", true, 427, false, int(Qt::OpenHandCursor)},
-                {"body, held", true, 703, true, int(Qt::ClosedHandCursor)},
-                {"end, held", true, 704, true, int(Qt::SplitHCursor)},
-                {"end", true, 726, false, int(Qt::SplitHCursor)},
-                {"after the end", true, 727, true, int(Qt::ClosedHandCursor)},
-                {"margin, selecting", true, 14, false, int(Qt::ArrowCursor)},
-            });
+            {{"window", false, 515, false, Qt::PointingHandCursor},
+             {"window, held", false, 515, true, Qt::ClosedHandCursor},
+             {"left end", false, 15, false, Qt::PointingHandCursor},
+             {"left margin", false, 14, false, Qt::ArrowCursor},
+             {"right margin", false, 1016, true, Qt::ArrowCursor},
+             // The fragment lies on x 415 to 715 of its window.
+             {"before the start", true, 403, false, Qt::PointingHandCursor},
+             {"start", true, 404, false, Qt::SplitHCursor},
+             {"start, inside", true, 426, false, Qt::SplitHCursor},
+             {"body", true, 427, false, Qt::OpenHandCursor},
+             {"body, held", true, 703, true, Qt::ClosedHandCursor},
+             {"end, held", true, 704, true, Qt::SplitHCursor},
+             {"end", true, 726, false, Qt::SplitHCursor},
+             {"after the end", true, 727, true, Qt::ClosedHandCursor},
+             {"margin, selecting", true, 14, false, Qt::ArrowCursor}});
     }
 
     void cursorShape()
     {
-        const auto [selecting, x, held, shape] = row<bool, int, bool, int>();
+        const auto [selecting, x, held, shape] = row<bool, int, bool, Qt::CursorShape>();
         if (selecting)
             QVERIFY(selectFragment());
-        move(*timeline, x, held);
-        QCOMPARE(int(timeline->cursor().shape()), shape);
+        use(*timeline, (held ? "drag %1"_s : "move %1"_s).arg(x));
+        QCOMPARE(timeline->cursor().shape(), shape);
     }
 
-    void dragsTheSelection()
+    void theSelectionUnderTheMouse()
     {
         QVERIFY(selectFragment());
         QSignalSpy played(timeline.data(), &Timeline::playTime);
         const auto drag = [this](int from, int to) {
-            move(*timeline, from);
-            press(*timeline, from);
-            move(*timeline, to, true);
-            release(*timeline, to);
-            move(*timeline, to + 50);
+            use(*timeline, "move %1 press %1 drag %2 release %2 move 900"_s.arg(from).arg(to));
+            return selectionOf(*timeline);
         };
-        drag(415, 500);
-        QCOMPARE(timeline->selectionStart(), at("12:01:25"));
-        QCOMPARE(timeline->selectionEnd(), at("12:05:00"));
-        drag(600, 610);
-        QCOMPARE(timeline->selectionStart(), at("12:01:35"));
-        QCOMPARE(timeline->selectionEnd(), at("12:05:10"));
+        QCOMPARE(drag(415, 500), "12:01:25 to 12:05"_s);
+        QCOMPARE(drag(600, 610), "12:01:35 to 12:05:10"_s);
         timeline->setSelectionEditable(false);
-        drag(600, 610);
-        QCOMPARE(timeline->selectionStart(), at("12:01:35"));
+        QCOMPARE(drag(600, 610), "12:01:35 to 12:05:10"_s);
         QCOMPARE(timeline->startValue(), at("11:53:20"));
+        // A click on it is none, one beside it is.
+        use(*timeline, "move 600 press 600 release 600");
         QVERIFY(played.isEmpty());
+        use(*timeline, "move 300 press 300 release 300");
+        QCOMPARE(played.takeFirst().first().toDateTime(), at("11:58:05"));
 
         timeline->leaveSelectionMode();
-        drag(600, 610);
-        QCOMPARE(timeline->selectionStart(), at("12:01:35"));
+        QCOMPARE(drag(600, 610), "12:01:35 to 12:05:10"_s);
         QCOMPARE(timeline->startValue(), at("11:53:10"));
+        // The next one can be moved again.
+        QVERIFY(timeline->enterSelectionMode(true, true));
+        QCOMPARE(drag(600, 610), "12:01:45 to 12:05:20"_s);
     }
 
-    void clickInSelectionMode()
+    /// What changes is painted by itself, without anything else that would paint the strip.
+    void everyChangeIsPainted()
     {
         QVERIFY(selectFragment());
-        QSignalSpy played(timeline.data(), &Timeline::playTime);
-        for (const int x : {600, 300}) {
-            move(*timeline, x);
-            press(*timeline, x);
-            release(*timeline, x);
+        const API::CameraPtr second = addCamera(2, recordsOf("11:55 to 12:00"));
+        const QList<QPair<const char *, std::function<void()>>> changes{
+            {"fragment goes", [this] { timeline->leaveSelectionMode(); }},
+            {"fragment", [this] { QVERIFY(timeline->enterSelectionMode(true, true)); }},
+            {"active camera", [&] { timeline->setActiveCameraId(second->globalId()); }},
+            {"start", [this] { timeline->setStartValue(at("11:50")); }},
+            {"end", [this] { timeline->setEndValue(at("22:00")); }},
+            {"cursor", [this] { timeline->setSliderVisible(true); }},
+            {"cursor's time", [this] { timeline->setCurrentValue(at("12:10")); }},
+            {"time that passes", [this] { timeline->addMSecs(300000); }},
+            {"click", [this] { use(*timeline, "press 300 release 300"); }},
+            {"hover line", [this] { use(*timeline, "move 700"); }},
+            {"mouse gone",
+             [this] { QCoreApplication::postEvent(timeline.data(), new QEvent(QEvent::Leave)); }},
+            {"format of times", [this] { timeline->setTimeFormat(Timeline::HourOnly); }},
+            {"a camera gone", [&] { timeline->removeCamera(second->globalId()); }},
+            {"no camera", [this] { timeline->clear(); }},
+            {"message", [this] { timeline->showText("something"); }},
+            {"no message", [this] { timeline->hideText(); }}};
+        for (const auto &[name, change] : changes) {
+            QTRY_COMPARE(onScreen(*timeline), picture(*timeline));
+            const QImage before = onScreen(*timeline);
+            change();
+            QTRY_VERIFY2(onScreen(*timeline) != before, name);
+            QTRY_COMPARE(onScreen(*timeline), picture(*timeline));
         }
-        QCOMPARE(times(played), QList<QDateTime>{at("11:58:05")});
     }
 
-    void recordsArrive()
+    void camerasComeAndGo()
     {
-        world.setRecords(1, {record(day, QTime(10, 0), QTime(14, 0))});
+        world.setRecords(1, recordsOf("10:00 to 14:00"));
         QSignalSpy updated(timeline.data(), &Timeline::recordsUpdated);
         timeline->addCamera(API::CameraPtr());
-        QCOMPARE(timeline->cameraCount(), 0);
-        const API::CameraPtr camera = world.localCamera(1);
-        timeline->addCamera(camera);
-        timeline->addCamera(camera);
+        const API::CameraPtr first = world.localCamera(1);
+        timeline->addCamera(first);
+        timeline->addCamera(first);
         QCOMPARE(timeline->cameraCount(), 1);
-        QVERIFY(timeline->hasCamera(camera->globalId()));
         QVERIFY(showsMessage(*timeline, "Loading records..."_s));
-        const QImage before = picture(*timeline);
-        QTRY_COMPARE(updated.size(), 1);
-        QVERIFY(!showsMessage(*timeline, QString()));
-        // The bar spans from 10 to 14 o'clock, on x 431 to 598.
-        const QImage after = picture(*timeline);
-        QCOMPARE(QColor(after.pixel(429, 30)), background);
-        QVERIFY(QColor(after.pixel(433, 30)) != background);
-        QVERIFY(QColor(after.pixel(596, 40)) != background);
-        QCOMPARE(QColor(after.pixel(600, 40)), background);
-        QCOMPARE(world.requestedDays(1), QList<QDate>{day});
-
+        // The bar begins at x 431.
+        QTRY_VERIFY(onScreen(*timeline).pixelColor(433, 30) != background);
+        QCOMPARE(updated.size(), 1);
+        const QImage after = onScreen(*timeline);
+        QCOMPARE(after.pixelColor(429, 30), background);
+        QCOMPARE(world.requestedDays(1), QList<QDate>{stripDay});
         timeline->showText("Hidden by records"_s);
         QCOMPARE(picture(*timeline), after);
-        timeline->clear();
+
+        // What is gone isn't heard any more.
+        timeline->setActiveCameraId(first->globalId());
+        timeline->removeCamera(first->globalId());
         QCOMPARE(updated.size(), 2);
-        QCOMPARE(timeline->cameraCount(), 0);
+        QVERIFY(!timeline->activeCamera() && !timeline->hasCamera(first->globalId()));
+        QVERIFY(ArchiveWorld::load(first, stripDay));
         QVERIFY(showsMessage(*timeline, "Hidden by records"_s));
-        timeline->hideText();
-        QVERIFY(showsMessage(*timeline, QString()));
+        // One that comes back is heard once, and isn't the active one.
+        QVERIFY(addCamera(first));
+        QCOMPARE(updated.size(), 3);
+        QVERIFY(timeline->hasCamera(first->globalId()) && !timeline->activeCamera());
+        timeline->showText("Of no camera"_s);
+        timeline->clear();
+        QCOMPARE(timeline->cameraCount(), 0);
+        QVERIFY(ArchiveWorld::load(first, stripDay));
+        QCOMPARE(updated.size(), 4);
+        QVERIFY(showsMessage(*timeline, "Of no camera"_s));
     }
 
     void messages_data()
     {
         rows<bool, bool, QString>({"shared", "refused", "expected"},
-                                  {
-                                      {"no records", true, false, "No records"},
-                                      {"not shared", false, false, "Archive is not shared"},
-                                      {"refused", true, true, "Cannot load records"},
-                                  });
+                                  {{"no records", true, false, "No records"},
+                                   {"not shared", false, false, "Archive is not shared"},
+                                   {"refused", true, true, "Cannot load records"}});
     }
 
     void messages()
@@ -411,153 +434,106 @@ private slots:
         if (refused)
             world.refuseRecords(1);
         QSignalSpy updated(timeline.data(), &Timeline::recordsUpdated);
-        timeline->addCamera(world.cloudCamera(1, shared));
+        const API::CameraPtr first = world.cloudCamera(1, shared);
+        timeline->addCamera(first);
         QTRY_VERIFY(showsMessage(*timeline, expected));
         QVERIFY(updated.isEmpty());
         // Another camera's records take the message away.
-        QVERIFY(addCamera(2, {record(day, QTime(1, 0), QTime(2, 0))}));
-        QVERIFY(!showsMessage(*timeline, expected));
-    }
-
-    void failureKeepsTheRecords()
-    {
-        const API::CameraPtr camera =
-            world.loadedCamera(1, day, {record(day, QTime(10, 0), QTime(14, 0))});
-        world.refuseRecords(1);
+        const API::CameraPtr camera = addCamera(2, recordsOf("1:00 to 2:00"));
+        QVERIFY(camera && !showsMessage(*timeline, expected));
+        // Even hidden it asks again from time to time; a failure leaves what is there.
+        timeline->removeCamera(first->globalId());
+        timeline->hide();
+        world.refuseRecords(2);
         QSignalSpy failed(camera.data(), &API::Camera::recordsError);
-        timeline->addCamera(camera);
+        const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(timeline.data());
+        QCOMPARE(timers.size(), 1);
+        QCOMPARE(timers.first().interval, 120000);
+        QTimerEvent expired(timers.first().timerId);
+        QCoreApplication::sendEvent(timeline.data(), &expired);
         QTRY_COMPARE(failed.size(), 1);
-        QCOMPARE(timeline->playlistForCameras(at("0:00:00")).size(), 1);
+        QCOMPARE(world.requestedDays(2), (QList<QDate>{stripDay, stripDay}));
         QVERIFY(!showsMessage(*timeline, "Cannot load records"_s));
         timeline->removeCamera(camera->globalId());
         QVERIFY(showsMessage(*timeline, "Cannot load records"_s));
     }
 
-    void removedCameraIsNotHeard()
-    {
-        const API::CameraPtr first = addCamera(1, {});
-        const API::CameraPtr second = addCamera(2, {});
-        QVERIFY(first && second);
-        timeline->setActiveCameraId(first->globalId());
-        QSignalSpy updated(timeline.data(), &Timeline::recordsUpdated);
-        timeline->removeCamera(first->globalId());
-        QCOMPARE(updated.size(), 1);
-        QVERIFY(!timeline->activeCamera());
-        QVERIFY(!timeline->hasCamera(first->globalId()));
-        timeline->showText("Still here"_s);
-        QVERIFY(ArchiveWorld::load(first, day));
-        QVERIFY(showsMessage(*timeline, "Still here"_s));
-        QVERIFY(ArchiveWorld::load(second, day));
-        QVERIFY(showsMessage(*timeline, "No records"_s));
-        // One that comes back is heard once.
-        world.setRecords(1, {record(day, QTime(10, 0), QTime(14, 0))});
-        updated.clear();
-        timeline->addCamera(first);
-        QTRY_COMPARE(updated.size(), 1);
-    }
-
-    void refresh()
-    {
-        const API::CameraPtr camera = addCamera(1, {});
-        QVERIFY(camera);
-        QSignalSpy received(camera.data(), &API::Camera::recordsChanged);
-        world.setRecords(1, {record(day, QTime(10, 0), QTime(14, 0))});
-        timeline->hide();
-        const auto timers = refreshTimers(*timeline);
-        QCOMPARE(timers.size(), 1);
-        QTimerEvent expired(timers.first().timerId);
-        QCoreApplication::sendEvent(timeline.data(), &expired);
-        QTRY_COMPARE(received.size(), 1);
-        QCOMPARE(world.requestedDays(1), (QList<QDate>{day, day}));
-        QCOMPARE(timeline->playlistForCameras(at("0:00:00")).size(), 1);
-    }
-
     void changeOfDate()
     {
-        const QDate next = day.addDays(1);
+        const QDate next = stripDay.addDays(1);
         QVERIFY(addCamera(1, {record(next, QTime(10, 0), QTime(14, 0))}));
-        timeline->setStartValue(at("9:00:00"));
-        timeline->setEndValue(at("15:00:00"));
+        setWindow(*timeline, "9:00 to 15:00");
         QVERIFY(showsMessage(*timeline, "No records"_s));
-        QSignalSpy updated(timeline.data(), &Timeline::recordsUpdated);
-        timeline->changeDate(day);
-        QCOMPARE(world.requestedDays(1).size(), 1);
+        timeline->changeDate(stripDay);
+        QCOMPARE(world.requestedDays(1), QList<QDate>{stripDay});
         timeline->changeDate(next);
-        QCOMPARE(timeline->startValue(), QDateTime(next, QTime(9, 0)));
-        QCOMPARE(timeline->endValue(), QDateTime(next, QTime(15, 0)));
-        QTRY_COMPARE(updated.size(), 1);
-        QCOMPARE(world.requestedDays(1).last(), next);
-        QVERIFY(QColor(picture(*timeline).pixel(middle, 30)) != background);
+        QCOMPARE(windowOf(*timeline), "+1 9:00 to +1 15:00"_s);
+        QTRY_VERIFY(onScreen(*timeline).pixelColor(300, 30) != background);
+        QCOMPARE(world.requestedDays(1), (QList<QDate>{stripDay, next}));
+        timeline->changeDate(stripDay);
+        QTRY_COMPARE(onScreen(*timeline).pixelColor(300, 30), background);
+    }
+
+    void aCameraThatForbidsExport()
+    {
+        GUI::MainWindow window;
+        auto *strip = window.findChild<Timeline *>();
+        strip->changeDate(stripDay);
+        const API::CameraPtr camera = world.loadedCamera(1, stripDay, recordsOf("1:00 to 23:00"));
+        strip->addCamera(camera);
+        strip->setActiveCameraId(camera->globalId());
+        QVERIFY(strip->enterSelectionMode(true, false));
+        QTRY_COMPARE(windowOf(*strip), "11:44:30 to 12:14:30"_s);
+        window.exportArchive();
+        // It isn't held while something is exported.
+        const int x = strip->width() / 2;
+        use(*strip, "move %1 press %1 drag %2 release %2"_s.arg(x).arg(x + 20));
+        QVERIFY(selectionOf(*strip) != "11:57 to 12:02");
     }
 
     void activeCameraAndExport()
     {
-        const QList<API::ArchiveRecord> records{record(day, QTime(10, 0), QTime(14, 0))};
-        world.setRecords(1, records);
-        world.setRecords(2, records);
-        const API::CameraPtr local = world.localCamera(1);
-        const API::CameraPtr cloud = world.cloudCamera(2);
-        QVERIFY(addCamera(local));
-        QVERIFY(addCamera(cloud));
+        const API::CameraPtr empty = addCamera(1, {});
+        world.setRecords(2, recordsOf("14:00 to 15:00"));
+        const API::CameraPtr cloud = addCamera(world.cloudCamera(2));
+        const API::CameraPtr camera = addCamera(3, recordsOf("10:00 to 11:00, 14:00 to 15:00"));
+        QVERIFY(empty && cloud && camera);
+        timeline->setCurrentValue(at("14:02:30"));
         QSignalSpy enabled(timeline.data(), &Timeline::exportEnabled);
-        const auto repainted = [this, &enabled] {
-            enabled.clear();
-            timeline->repaint();
-            return enabled.isEmpty() ? QVariant() : enabled.last().first();
-        };
-        timeline->setActiveCameraId(cloud->globalId());
-        QCOMPARE(timeline->activeCamera(), cloud);
-        QCOMPARE(repainted(), QVariant(false));
-        timeline->setActiveCameraId(local->globalId());
-        QVERIFY(timeline->canExport());
-        QCOMPARE(repainted(), QVariant(true));
-        QCOMPARE(repainted(), QVariant());
-        // The day is that of the play cursor.
-        timeline->setCurrentValue(at("12:00:00").addDays(1));
-        QVERIFY(!timeline->canExport());
-        timeline->setCurrentValue(at("12:00:00"));
-        timeline->setActiveCameraId({"unknown"_s, 1});
-        QVERIFY(!timeline->activeCamera());
-        QVERIFY(!timeline->canExport());
-    }
-
-    void clockChanges_data()
-    {
-        rows<QDate, int>({"date", "hours"}, {
-                                                {"23 hours", QDate(2026, 3, 29), 23},
-                                                {"25 hours", QDate(2026, 10, 25), 25},
-                                            });
-    }
-
-    void clockChanges()
-    {
-        const auto [date, hours] = row<QDate, int>();
-        // A record of 50 minutes in each hour that passes.
-        const auto records = Tests::evenRecords(date, hours, 3600, 3000);
-        timeline->changeDate(date);
-        QVERIFY(addCamera(1, records));
-        QSignalSpy played(timeline.data(), &Timeline::playTime);
-        QDateTime last = date.startOfDay().addSecs(-1);
-        for (int x = 15; x <= 1015; x += 5) {
-            press(*timeline, x);
-            release(*timeline, x);
-            QVERIFY(last < timeline->currentValue());
-            last = timeline->currentValue();
-            QCOMPARE(last.date(), date);
-            const qint64 passed = date.startOfDay().secsTo(last);
-            const qint64 begun = passed % 3600 < 3000 ? passed / 3600 : passed / 3600 + 1;
-            const GUI::Playlist playlist = timeline->playlistForCameras(last);
-            QCOMPARE(playlist.size(), int(hours - begun));
-            for (int index = 1; index < playlist.size(); ++index)
-                QVERIFY(playlist.at(index - 1)->end < playlist.at(index)->start);
+        for (const API::CameraPtr &each : {empty, cloud, camera}) {
+            const int before = enabled.size();
+            timeline->setActiveCameraId(each->globalId());
+            QCOMPARE(timeline->activeCamera(), each);
+            QCOMPARE(timeline->enterSelectionMode(true, false), each == camera);
+            QTRY_VERIFY(enabled.size() > before);
+            QCOMPARE(enabled.last(), QVariantList{each == camera});
         }
-        QCOMPARE(played.size(), 201);
-        picture(*timeline);
+        QCOMPARE(selectionOf(*timeline), "14:00 to 14:05"_s);
+        QTRY_COMPARE(windowOf(*timeline), "13:47:30 to 14:17:30"_s);
+        timeline->setCurrentValue(at("10:30"));
+        for (const bool keepsIt : {true, false}) {
+            QVERIFY(timeline->enterSelectionMode(keepsIt, keepsIt));
+            QCOMPARE(selectionOf(*timeline), "14:00 to 14:05"_s);
+        }
+        // A fragment of another day doesn't stay.
+        timeline->changeDate(stripDay.addDays(1));
+        QVERIFY(timeline->enterSelectionMode(true, true));
+        QCOMPARE(timeline->selectionStart(), at("+1 0:00"));
+        // That day has nothing to choose from. The day of records is that of the cursor.
+        QVERIFY(!timeline->enterSelectionMode(false, false));
+        QTRY_COMPARE(timeline->endValue(), at("+1 0:17:30"));
+        timeline->setCurrentValue(at("+1 12:00"));
+        QVERIFY(!timeline->canExport());
+        // One that isn't there yet doesn't become the active one when it comes.
+        const API::CameraPtr later = world.localCamera(4);
+        timeline->setActiveCameraId(later->globalId());
+        QVERIFY(!timeline->activeCamera());
+        timeline->addCamera(later);
+        QVERIFY(!timeline->activeCamera());
     }
 
 private:
     /// Puts a camera on the strip and waits for what it received; null if it didn't.
-
     API::CameraPtr addCamera(const API::CameraPtr &camera)
     {
         QSignalSpy received(camera.data(), &API::Camera::recordsChanged);
@@ -571,23 +547,43 @@ private:
         return addCamera(world.localCamera(id));
     }
 
-    /// Marks 12:00:00 to 12:05:00 in a window where a pixel is a second: x 415 to 715.
-
+    /// Marks 12:00 to 12:05 in a window where a pixel is a second: x 415 to 715.
     bool selectFragment()
     {
-        const API::CameraPtr camera = addCamera(1, {record(day, QTime(10, 0), QTime(14, 0))});
+        const API::CameraPtr camera = addCamera(1, recordsOf("10:00 to 14:00"));
         if (!camera)
             return false;
         timeline->setActiveCameraId(camera->globalId());
         timeline->setCurrentValue(at("12:02:30"));
         // Tighter than what the fragment would be shown in, and with the fragment inside.
-        timeline->setStartValue(at("11:53:20"));
-        timeline->setEndValue(at("12:10:00"));
+        setWindow(*timeline, "11:53:20 to 12:10");
         return timeline->enterSelectionMode(true, false) &&
-               timeline->selectionStart() == at("12:00:00");
+               selectionOf(*timeline) == "12:00 to 12:05";
+    }
+
+    /// Two cameras, so that in any window some record begins or ends.
+    void putCamerasOn(Timeline &strip)
+    {
+        const auto far = world.loadedCamera(1, stripDay, evenRecords(stripDay, 17, 5000, 2500));
+        const auto near = world.loadedCamera(2, stripDay, evenRecords(stripDay, 860, 100, 50));
+        strip.addCamera(far);
+        strip.addCamera(near);
+        strip.setActiveCameraId(far->globalId());
+    }
+
+    /// What a strip shows that has seen no other window than this one.
+    QImage drawnAnew(const QString &window, const QString &mouse)
+    {
+        Timeline strip(stripDay);
+        strip.resize(stripWidth, strip.height());
+        putCamerasOn(strip);
+        setWindow(strip, window);
+        use(strip, mouse);
+        return picture(strip);
     }
 
     ArchiveWorld world;
+    QDateTime now;
     QScopedPointer<Timeline> timeline;
 };
 

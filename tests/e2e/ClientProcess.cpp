@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/ClientProcess.h"
 
-#include "tests/support/Test.h"
-
 #include <csignal>
-#include <sys/types.h>
 
 namespace ZorvaneClient::Tests {
 
@@ -13,29 +10,9 @@ namespace {
 constexpr int startDeadlineMs = 60000;
 constexpr int answerDeadlineMs = 20000;
 
-QJsonObject request(const char *what, const QString &inClass, const QString &name = QString())
-{
-    return {{"do"_s, QLatin1String(what)}, {"in"_s, inClass}, {"name"_s, name}};
-}
-
-bool isDone(const QJsonObject &answer)
-{
-    return answer.value("done"_s).toBool();
-}
-
-/// False also for one that has ended and was not waited for.
-bool isRunning(int pid)
-{
-    QFile status("/proc/%1/stat"_s.arg(pid));
-    if (pid <= 0 || !status.open(QIODevice::ReadOnly))
-        return false;
-    const QByteArray line = status.readAll();
-    return line.mid(line.lastIndexOf(')') + 2, 1) != "Z";
-}
-
 } // namespace
 
-ClientProcess::ClientProcess(const QString &folder)
+ClientProcess::ClientProcess(const QString &folder) : place(folder)
 {
     connect(&server, &QLocalServer::newConnection, this, &ClientProcess::accept);
     first.setWorkingDirectory(folder);
@@ -44,22 +21,33 @@ ClientProcess::ClientProcess(const QString &folder)
 
 ClientProcess::~ClientProcess()
 {
-    const int pid = introduction.value("pid"_s).toInt();
-    if (isRunning(pid))
-        ::kill(static_cast<pid_t>(pid), SIGKILL);
-    if (first.state() != QProcess::NotRunning) {
-        first.kill();
-        first.waitForFinished();
-    }
+    if (isClientRunning())
+        ::kill(static_cast<pid_t>(introduction.value("pid"_s).toInt()), SIGKILL);
+    first.kill();
+    first.waitForFinished();
+}
+
+void ClientProcess::remember(const QString &email, const QString &password, const QString &language)
+{
+    QSettings settings(place.filePath("ZorvaneClient.ini"_s), QSettings::IniFormat);
+    settings.setValue("auth/email"_s, email);
+    settings.setValue("auth/password"_s, password);
+    settings.setValue("auth/saveAuth"_s, true);
+    settings.setValue("common/language"_s, language);
 }
 
 bool ClientProcess::start(const QStringList &arguments)
 {
-    const QString name = QDir::temp().absoluteFilePath("driver"_s);
-    QLocalServer::removeServer(name);
+    const QString name = place.absoluteFilePath("driver"_s);
+    for (const QString &folder : {"home/.cache"_s, "home/.config"_s, "tmp"_s})
+        place.mkpath(folder);
     if (!server.listen(name))
         return false;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("HOME"_s, place.filePath("home"_s));
+    environment.insert("XDG_CACHE_HOME"_s, place.filePath("home/.cache"_s));
+    environment.insert("XDG_CONFIG_HOME"_s, place.filePath("home/.config"_s));
+    environment.insert("TMPDIR"_s, place.filePath("tmp"_s));
     environment.insert("ZORVANE_DRIVER_SOCKET"_s, name);
     environment.insert("QT_QPA_GENERIC_PLUGINS"_s, "zorvane-driver"_s);
     environment.insert("QT_PLUGIN_PATH"_s, QStringLiteral(ZORVANE_TEST_BIN_DIR "/plugins"));
@@ -68,14 +56,25 @@ bool ClientProcess::start(const QStringList &arguments)
     return first.waitForStarted() && waitForClient(1);
 }
 
+QString ClientProcess::cacheFile(const QString &file) const
+{
+    const QDir own(QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation));
+    return place.filePath("home/.cache/"_s + own.relativeFilePath(file));
+}
+
 bool ClientProcess::waitForClient(int number)
 {
     return QTest::qWaitFor([&] { return clientCount >= number; }, startDeadlineMs);
 }
 
+/// False also for one that has ended and was not waited for.
 bool ClientProcess::isClientRunning() const
 {
-    return isRunning(introduction.value("pid"_s).toInt());
+    QFile status("/proc/%1/stat"_s.arg(introduction.value("pid"_s).toInt()));
+    if (!status.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray line = status.readAll();
+    return line.mid(line.lastIndexOf(')') + 2, 1) != "Z";
 }
 
 void ClientProcess::accept()
@@ -101,52 +100,36 @@ void ClientProcess::readLines()
     }
 }
 
-QJsonObject ClientProcess::ask(const QJsonObject &asked)
+QJsonObject ClientProcess::ask(const QStringList &request)
 {
     if (!socket)
         return QJsonObject();
     answers.clear();
-    socket->write(QJsonDocument(asked).toJson(QJsonDocument::Compact) + '\n');
+    socket->write(
+        QJsonDocument(QJsonArray::fromStringList(request)).toJson(QJsonDocument::Compact) + '\n');
     const bool answered = QTest::qWaitFor([this] { return !answers.isEmpty(); }, answerDeadlineMs);
     return answered ? answers.takeFirst() : QJsonObject();
 }
 
 bool ClientProcess::press(const QString &inClass, const QString &name)
 {
-    return isDone(ask(request("press", inClass, name)));
-}
-
-bool ClientProcess::answerQuestion(bool ok)
-{
-    QJsonObject question = request("press", "QMessageBox"_s);
-    question.insert("button"_s, ok ? "ok"_s : "cancel"_s);
-    return isDone(ask(question));
+    return isDone({"press"_s, inClass, name});
 }
 
 bool ClientProcess::choose(const QString &inClass, const QString &name, int index)
 {
-    QJsonObject choice = request("choose", inClass, name);
-    choice.insert("index"_s, index);
-    return isDone(ask(choice));
-}
-
-bool ClientProcess::close(const QString &className)
-{
-    return isDone(ask(request("close", className)));
-}
-
-bool ClientProcess::shows(const QString &className)
-{
-    return isDone(ask(request("look", className)));
+    return isDone({"choose"_s, inClass, name, QString::number(index)});
 }
 
 QStringList ClientProcess::texts(const QString &inClass)
 {
-    QStringList list;
-    const QJsonArray found = ask(request("texts", inClass)).value("texts"_s).toArray();
-    for (const QJsonValue text : found)
-        list.append(text.toString());
-    return list;
+    return ask({"texts"_s, inClass}).value("texts"_s).toVariant().toStringList();
+}
+
+QImage ClientProcess::picture(const QString &ofClass)
+{
+    const QString file = place.absoluteFilePath("picture.png"_s);
+    return isDone({"grab"_s, ofClass, QString(), file}) ? QImage(file) : QImage();
 }
 
 } // namespace ZorvaneClient::Tests

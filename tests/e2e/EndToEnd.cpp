@@ -1,21 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/EndToEnd.h"
 
-#include "tests/support/Test.h"
-
-#include "API/Camera.h"
-#include "API/Server.h"
 #include "App/Application.h"
 #include "App/Environment.h"
 #include "App/ServiceProfile.h"
-#include "GUI/CameraWidget.h"
-#include "GUI/LoginDialog.h"
-#include "GUI/MainWindow.h"
-#include "GUI/Player/VideoWidget.h"
 #include "GUI/RosterWidget.h"
-#include "GUI/ServerWidget.h"
+#include "GUI/TimelinePrivate.h"
 #include "GUI/ToolBar.h"
-#include "demo/client/DemoService.h"
 
 namespace ZorvaneClient::Tests {
 
@@ -46,6 +37,46 @@ QList<T *> fromTopToBottom(const QWidget *parent)
 
 } // namespace
 
+void EndToEndTest::startWorld(int servers, int cameras, int lanServers, const QStringList &further)
+{
+    DemoService::Options options;
+    options.plain = true;
+    options.servers = servers;
+    options.cameras = cameras;
+    options.lanServers = lanServers;
+    options.further = further;
+    QVERIFY2(service.start(options), qPrintable(service.errorString()));
+    useService(service);
+    world = service.cameras();
+    QVERIFY(world.size() >= cameras);
+}
+
+DemoCamera EndToEndTest::firstCamera(bool lan) const
+{
+    const auto found = std::find_if(world.begin(), world.end(),
+                                    [lan](const DemoCamera &each) { return each.lan == lan; });
+    return found == world.end() ? DemoCamera() : *found;
+}
+
+QDateTime EndToEndTest::at(const QString &time)
+{
+    return QDateTime(QDate::currentDate().addDays(-1), QTime::fromString(time, "h:mm:ss"_s));
+}
+
+void EndToEndTest::setRecords(const DemoCamera &camera, const QStringList &times)
+{
+    QVector<QPair<qint64, qint64>> records;
+    for (int i = 0; i < times.size(); i += 2)
+        records.append({at(times[i]).toMSecsSinceEpoch(), at(times[i + 1]).toMSecsSinceEpoch()});
+    QVERIFY2(service.setArchive(camera, records), qPrintable(service.errorString()));
+}
+
+void EndToEndTest::cleanupTestCase()
+{
+    leave();
+    service.stop();
+}
+
 int runEndToEnd(int argc, char **argv, const std::function<std::unique_ptr<QObject>()> &make)
 {
     App::Application application(argc, argv);
@@ -60,13 +91,19 @@ void useService(const DemoService &service)
     App::ServiceProfile::setCurrent(service.profile());
 }
 
-void setClockAheadSeconds(int seconds)
+void letPass(std::chrono::seconds time)
 {
-    if (seconds == 0)
-        App::Environment::setClock({});
-    else
-        App::Environment::setClock(
-            [seconds] { return QDateTime::currentDateTime().addSecs(seconds); });
+    static std::chrono::seconds ahead{0};
+    ahead += time;
+    App::Environment::setClock([] { return QDateTime::currentDateTime().addSecs(ahead.count()); });
+}
+
+void pollRoster()
+{
+    letPass(std::chrono::seconds(60));
+    auto *timer = mainWindow()->findChild<GUI::RosterWidget *>()->findChild<QTimer *>();
+    QTimerEvent tick(timer->timerId());
+    QCoreApplication::sendEvent(timer, &tick);
 }
 
 GUI::LoginDialog *loginDialog()
@@ -149,24 +186,24 @@ QList<GUI::CameraWidget *> cardsOf(GUI::ServerWidget *server)
     return fromTopToBottom<GUI::CameraWidget>(server);
 }
 
-GUI::CameraWidget *card(const QString &server, int camera)
+GUI::CameraWidget *card(GUI::MainWindow *window, const QString &server, int camera)
 {
-    const QList<GUI::ServerWidget *> servers = serverWidgets();
-    for (GUI::ServerWidget *widget : servers) {
-        const QList<GUI::CameraWidget *> cards = cardsOf(widget);
-        for (GUI::CameraWidget *candidate : cards) {
-            const API::CameraPtr shown = candidate->camera();
-            if (shown->serverId() == server && shown->id() == camera)
-                return candidate;
-        }
+    const auto cards = window->findChildren<GUI::CameraWidget *>();
+    for (GUI::CameraWidget *card : cards) {
+        if (card->camera()->serverId() == server && card->camera()->id() == camera)
+            return card;
     }
     return nullptr;
 }
 
+GUI::CameraWidget *card(const QString &server, int camera)
+{
+    return mainWindow() ? card(mainWindow(), server, camera) : nullptr;
+}
+
 void reveal(GUI::CameraWidget *card)
 {
-    auto *roster = mainWindow()->findChild<GUI::RosterWidget *>();
-    roster->ensureWidgetVisible(card);
+    mainWindow()->findChild<GUI::RosterWidget *>()->ensureWidgetVisible(card);
     QCoreApplication::processEvents();
 }
 
@@ -178,6 +215,30 @@ bool getsPreview(GUI::CameraWidget *card)
             return !card->camera()->sourcePreview().isNull();
         },
         pollDeadlineMs);
+}
+
+bool playsFromCard(const DemoCamera &camera)
+{
+    if (!QTest::qWaitFor([&] { return card(camera.server, camera.camera); }, pollDeadlineMs))
+        return false;
+    GUI::CameraWidget *shown = card(camera.server, camera.camera);
+    reveal(shown);
+    QTest::mouseClick(shown, Qt::LeftButton);
+    return QTest::qWaitFor([&] { return tile() && tile()->camera() == shown->camera(); }) &&
+           showsMovingPicture(tile(), camera.number);
+}
+
+GUI::Timeline *timeline()
+{
+    return mainWindow()->findChild<GUI::Timeline *>();
+}
+
+QPoint placeOf(const QDateTime &moment)
+{
+    const double share = double(timeline()->startValue().msecsTo(moment)) /
+                         timeline()->startValue().msecsTo(timeline()->endValue());
+    const int scale = timeline()->width() - 2 * GUI::Internal::timelineMargin;
+    return {GUI::Internal::timelineMargin + qRound(share * scale), 30};
 }
 
 GUI::Player::VideoWidget *tile()

@@ -3,27 +3,19 @@
 
 #include "tests/support/Test.h"
 
-#include <optional>
-
+#include "API/Camera.h"
+#include "API/CloudAPIClient.h"
+#include "API/Layout.h"
+#include "API/Server.h"
+#include "GUI/CameraWidget.h"
+#include "GUI/LayoutWidget.h"
+#include "GUI/LoginDialog.h"
+#include "GUI/MainWindow.h"
+#include "GUI/Player/VideoWidget.h"
+#include "GUI/ServerWidget.h"
+#include "GUI/Timeline.h"
 #include "demo/client/DemoService.h"
 #include "demo/client/StripReader.h"
-
-class QProcess;
-class QPushButton;
-
-namespace ZorvaneClient {
-
-namespace GUI {
-class CameraWidget;
-class LoginDialog;
-class MainWindow;
-class ServerWidget;
-namespace Player {
-class VideoWidget;
-}
-} // namespace GUI
-
-} // namespace ZorvaneClient
 
 namespace ZorvaneClient::Tests {
 
@@ -34,14 +26,51 @@ constexpr int pictureDeadlineMs = 30000;
 constexpr int replyDeadlineMs = 20000;
 constexpr int pollDeadlineMs = 60000;
 
-/// Runs the test object that `make` makes inside the real application, with the real player.
+/// A test of the whole program with the real player and a demo service of its own.
+class EndToEndTest : public QObject
+{
+    Q_OBJECT
+
+protected:
+    /// A world in which all is online and allowed, and the client that looks at it.
+    void startWorld(int servers, int cameras, int lanServers, const QStringList &further = {});
+    /// The first camera in the cloud, or of a LAN server.
+    DemoCamera firstCamera(bool lan) const;
+
+    /// Yesterday at "h:mm:ss".
+    static QDateTime at(const QString &time);
+    /// Replaces the camera's records; `times` are begin and end of each in turn.
+    void setRecords(const DemoCamera &camera, const QStringList &times);
+
+    DemoService service;
+    QVector<DemoCamera> world;
+
+private slots:
+    void cleanupTestCase();
+};
+
+/// Runs the test object that `make` makes inside the real application.
 int runEndToEnd(int argc, char **argv, const std::function<std::unique_ptr<QObject>()> &make);
+
+#define END_TO_END_MAIN(Test)                                                                      \
+    int main(int argc, char **argv)                                                                \
+    {                                                                                              \
+        return ZorvaneClient::Tests::runEndToEnd(argc, argv,                                       \
+                                                 [] { return std::make_unique<Test>(); });         \
+    }
 
 /// Points the running application at `service`.
 void useService(const DemoService &service);
-/// Moves the program's clock ahead of the system's, so that its throttles and limits of
-/// seconds are over at once; 0 puts it back.
-void setClockAheadSeconds(int seconds);
+/// Moves the program's clock on, so that its throttles and limits are over at once.
+void letPass(std::chrono::seconds time);
+/// The next look at the roster, which would come by itself within 20 seconds.
+void pollRoster();
+
+template <typename T>
+T *part(const QWidget *parent, const char *name)
+{
+    return parent->findChild<T *>(QLatin1String(name));
+}
 
 /// The dialog on the screen, or null.
 GUI::LoginDialog *loginDialog();
@@ -65,12 +94,19 @@ void chooseFromMenu(QPushButton *button, const QString &entry);
 QList<GUI::ServerWidget *> serverWidgets();
 /// From top to bottom within the server's entry.
 QList<GUI::CameraWidget *> cardsOf(GUI::ServerWidget *server);
+GUI::CameraWidget *card(GUI::MainWindow *window, const QString &server, int camera);
+/// In the first window.
 GUI::CameraWidget *card(const QString &server, int camera);
 /// Scrolls the card into view.
 void reveal(GUI::CameraWidget *card);
 /// Keeps the card in view, whatever the roster does meanwhile, until its preview is there.
 bool getsPreview(GUI::CameraWidget *card);
+/// Clicks the camera's card; true once the only tile shows its moving picture.
+bool playsFromCard(const DemoCamera &camera);
 
+GUI::Timeline *timeline();
+/// Where on the strip a moment of the shown part stands.
+QPoint placeOf(const QDateTime &moment);
 /// The first tile of the first main window, or null.
 GUI::Player::VideoWidget *tile();
 /// What the painted tile shows.

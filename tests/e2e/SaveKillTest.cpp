@@ -1,19 +1,67 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Test.h"
 
+#include <cstdio>
+
+#include "API/CloudAPIClient.h"
 #include "API/Layout.h"
 #include "API/LayoutDocument.h"
-#include "tests/e2e/SavedLayouts.h"
+#include "App/Settings.h"
+#include "tests/support/Roster.h"
 
 namespace {
 
-constexpr int usualKills = 20;
-constexpr int soakKills = 200;
-constexpr unsigned long longestLifeMicroseconds = 30000;
+constexpr int layoutCount = 40;
+constexpr int gridSide = 6;
+constexpr quint32 longestLifeMicroseconds = 30000;
+const QString email = "saver@zorvane.example"_s;
+const QString saverArgument = "--save"_s;
 
 int killCount()
 {
-    return qEnvironmentVariableIsSet("ZORVANE_SOAK") ? soakKills : usualKills;
+    return qEnvironmentVariableIsSet("ZORVANE_SOAK") ? 200 : 20;
+}
+
+/// Forty layouts full of cameras, the same in each process. The two variants differ in the name
+/// and in every cell of every layout, so a mixture of them is neither.
+API::LayoutsContainer savedLayouts(int variant)
+{
+    constexpr int cameras = gridSide * gridSide;
+    if (!rosterCamera("s"_s, 1)) {
+        QStringList names;
+        for (int camera = 1; camera <= cameras; ++camera)
+            names << "camera %1"_s.arg(camera);
+        addServerToRoster("s"_s, names);
+    }
+    API::LayoutsContainer layouts;
+    for (int number = 0; number < layoutCount; ++number) {
+        const QString id = "layout-%1"_s.arg(number, 2, 10, QLatin1Char('0'));
+        const auto layout = API::LayoutPtr::create(QVariantMap{{"id"_s, id}});
+        layout->setName("%1 of variant %2"_s.arg(id).arg(variant));
+        layout->resize(gridSide, gridSide);
+        for (int cell = 0; cell < cameras; ++cell)
+            layout->setCamera(rosterCamera("s"_s, 1 + (cell + variant) % cameras), cell / gridSide,
+                              cell % gridSide, 1, 1);
+        layouts.insert(id, layout);
+    }
+    return layouts;
+}
+
+/// Saves one list after the other, without a pause, until it is killed.
+[[noreturn]] void saveForever()
+{
+    App::settings().setValue("auth/email"_s, email);
+    const API::LayoutsContainer variants[] = {savedLayouts(0), savedLayouts(1)};
+    API::CloudAPIClient client;
+    for (int count = 0;; ++count) {
+        for (const API::LayoutPtr &layout : variants[count % 2])
+            client.addLayout(layout);
+        client.saveLayoutsToFile();
+        if (count == 0) {
+            std::puts("saving");
+            std::fflush(stdout);
+        }
+    }
 }
 
 } // namespace
@@ -24,66 +72,45 @@ class SaveKillTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        QCoreApplication::setApplicationName("Zorvane Client"_s);
-        cacheFile = API::Internal::layoutsCacheFile(QString::fromLatin1(saverEmail()));
-        QVERIFY(QDir().mkpath(QFileInfo(cacheFile).path()));
-        for (int variant = 0; variant < savedVariants; ++variant) {
-            API::LayoutsContainer layouts;
-            for (const API::LayoutPtr &layout : savedLayouts(variant))
-                layouts.insert(layout->id(), layout);
-            contents[variant] = QJsonArray::fromVariantList(API::Internal::toVariantList(layouts));
-        }
-        QVERIFY(contents[0] != contents[1]);
-    }
-
     void killedInTheMiddleOfSaves()
     {
-        int found[savedVariants] = {};
+        const QString cacheFile = API::Internal::layoutsCacheFile(email);
+        QVERIFY(QDir().mkpath(QFileInfo(cacheFile).path()));
+        QJsonArray contents[2];
+        for (int variant = 0; variant < 2; ++variant)
+            contents[variant] =
+                QJsonArray::fromVariantList(API::Internal::toVariantList(savedLayouts(variant)));
+
+        int found[2] = {};
         for (int kill = 0; kill < killCount(); ++kill) {
             QProcess saver;
             saver.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-            saver.start(QStringLiteral(ZORVANE_TEST_BIN_DIR "/layout-saver"), QStringList());
+            saver.start(QCoreApplication::applicationFilePath(), {saverArgument});
             QTRY_VERIFY_WITH_TIMEOUT(saver.canReadLine(), 30000);
-            QThread::usleep(QRandomGenerator::global()->bounded(quint32(longestLifeMicroseconds)));
+            QThread::usleep(QRandomGenerator::global()->bounded(longestLifeMicroseconds));
             QCOMPARE(saver.state(), QProcess::Running);
             saver.kill();
             QVERIFY(saver.waitForFinished());
-            const int variant = variantInCache();
-            QVERIFY2(variant >= 0, qPrintable("torn by kill %1"_s.arg(kill)));
-            ++found[variant];
+
+            QFile file(cacheFile);
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            const QJsonObject document = QJsonDocument::fromJson(file.readAll()).object();
+            QVERIFY2(document.value("last_update"_s).toInt() > 0, "torn");
+            const QJsonArray layouts = document.value("layouts"_s).toArray();
+            QVERIFY2(layouts == contents[0] || layouts == contents[1], "a mixture");
+            ++found[layouts == contents[1] ? 1 : 0];
         }
-        const QFileInfo cache(cacheFile);
-        const int strays = cache.dir().entryList({"layouts.*"_s}, QDir::Files).size() - 1;
-        qInfo("%d kills in the middle of writing %lld bytes: %d times one content, %d the other; "
-              "%d unfinished files beside it",
-              killCount(), static_cast<long long>(cache.size()), found[0], found[1], strays);
         QVERIFY2(found[0] > 0 && found[1] > 0, "the kills fell at one and the same moment");
     }
-
-private:
-    /// Which content the cache file holds, -1 for none of them.
-
-    int variantInCache() const
-    {
-        QFile file(cacheFile);
-        if (!file.open(QIODevice::ReadOnly))
-            return -1;
-        const QJsonObject document = QJsonDocument::fromJson(file.readAll()).object();
-        if (document.value("last_update"_s).toInt() <= 0)
-            return -1;
-        const QJsonArray layouts = document.value("layouts"_s).toArray();
-        for (int variant = 0; variant < savedVariants; ++variant) {
-            if (layouts == contents[variant])
-                return variant;
-        }
-        return -1;
-    }
-
-    QString cacheFile;
-    QJsonArray contents[savedVariants];
 };
 
-QTEST_MAIN(SaveKillTest)
+int main(int argc, char **argv)
+{
+    QGuiApplication application(argc, argv);
+    QCoreApplication::setApplicationName("Zorvane Client"_s);
+    if (QCoreApplication::arguments().contains(saverArgument))
+        saveForever();
+    SaveKillTest test;
+    return QTest::qExec(&test, argc, argv);
+}
 #include "SaveKillTest.moc"

@@ -1,94 +1,57 @@
 // SPDX-License-Identifier: MIT
 #include "tests/e2e/Wall.h"
 
-#include "tests/support/Test.h"
-
 #include "GUI/LayoutCard.h"
-#include "GUI/LayoutWidget.h"
-#include "GUI/MainWindow.h"
-#include "GUI/Player/VideoWidget.h"
 #include "tests/e2e/EndToEnd.h"
 
 namespace ZorvaneClient::Tests {
 
 namespace {
 
-std::unique_ptr<QMimeData> mimeData(const QString &format, const QByteArray &payload)
+template <typename... Values>
+std::unique_ptr<QMimeData> mimeData(const QString &format, const Values &...values)
 {
+    QByteArray payload;
+    QDataStream stream(&payload, QIODevice::WriteOnly);
+    (stream << ... << values);
     auto data = std::make_unique<QMimeData>();
     data->setData(format, payload);
     return data;
 }
 
-QString cellText(const QImage &wall, const QWidget *widget)
-{
-    if (!widget)
-        return "-"_s;
-    if (!qobject_cast<const GUI::Player::VideoWidget *>(widget))
-        return "."_s;
-    const auto strip = StripReader::readTile(wall.copy(widget->geometry()));
-    return strip ? QString::number(strip->camera) : "?"_s;
-}
-
 } // namespace
-
-WallPlan::WallPlan(int rows, int columns)
-    : rowCount(rows), columnCount(columns), cells(rows * columns)
-{
-}
-
-int WallPlan::rows() const
-{
-    return rowCount;
-}
-
-int WallPlan::columns() const
-{
-    return columnCount;
-}
-
-int WallPlan::at(int row, int column) const
-{
-    return cells.at(row * columnCount + column);
-}
-
-void WallPlan::set(int row, int column, int camera)
-{
-    cells[row * columnCount + column] = camera;
-}
 
 void WallPlan::exchange(API::LayoutPoint a, API::LayoutPoint b)
 {
-    std::swap(cells[a.row * columnCount + a.column], cells[b.row * columnCount + b.column]);
+    std::swap(cells[a.row][a.column], cells[b.row][b.column]);
 }
 
 void WallPlan::resize(int rows, int columns)
 {
-    WallPlan resized(rows, columns);
-    for (int row = 0; row < std::min(rows, rowCount); ++row) {
-        for (int column = 0; column < std::min(columns, columnCount); ++column)
-            resized.set(row, column, at(row, column));
-    }
-    *this = resized;
+    cells.resize(rows);
+    for (QVector<int> &row : cells)
+        row.resize(columns);
 }
 
 void WallPlan::append(int camera)
 {
-    const auto empty = std::find(cells.begin(), cells.end(), 0);
-    if (empty != cells.end())
-        *empty = camera;
+    for (QVector<int> &row : cells) {
+        const auto empty = std::find(row.begin(), row.end(), 0);
+        if (empty != row.end()) {
+            *empty = camera;
+            return;
+        }
+    }
 }
 
 QString WallPlan::text() const
 {
     QStringList lines;
-    for (int row = 0; row < rowCount; ++row) {
+    for (const QVector<int> &row : cells) {
         QStringList line;
-        for (int column = 0; column < columnCount; ++column) {
-            const int camera = at(row, column);
+        for (const int camera : row)
             line << (camera == 0 ? "."_s : QString::number(camera));
-        }
-        lines << line.join(QLatin1Char(' '));
+        lines << line.join(' ');
     }
     return lines.join(" | "_s);
 }
@@ -100,73 +63,67 @@ GUI::LayoutWidget *gridOf(GUI::MainWindow *window)
 
 QWidget *widgetInCell(GUI::LayoutWidget *grid, API::LayoutPoint cell, int rows, int columns)
 {
-    const QPoint middle((2 * cell.column + 1) * grid->width() / (2 * columns),
-                        (2 * cell.row + 1) * grid->height() / (2 * rows));
-    QWidget *widget = grid->childAt(middle);
+    QWidget *widget = grid->childAt((2 * cell.column + 1) * grid->width() / (2 * columns),
+                                    (2 * cell.row + 1) * grid->height() / (2 * rows));
     while (widget && widget->parentWidget() != grid)
         widget = widget->parentWidget();
     return widget;
 }
 
+QString wallIn(const QImage &grid, int rows, int columns, const CellPlace &placeOf)
+{
+    WallPlan found(rows, columns);
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            const QImage tile = grid.copy(placeOf({column, row}));
+            found.cells[row][column] = StripReader::readTile(tile).value_or(Strip()).camera;
+        }
+    }
+    return found.text();
+}
+
 QString paintedWall(GUI::MainWindow *window, int rows, int columns)
 {
     GUI::LayoutWidget *grid = gridOf(window);
-    if (!grid)
+    if (!widgetInCell(grid, {columns - 1, rows - 1}, rows, columns))
         return QString();
-    const QImage wall = grid->grab().toImage();
-    QStringList lines;
-    for (int row = 0; row < rows; ++row) {
-        QStringList line;
-        for (int column = 0; column < columns; ++column)
-            line << cellText(wall, widgetInCell(grid, {column, row}, rows, columns));
-        lines << line.join(QLatin1Char(' '));
-    }
-    return lines.join(" | "_s);
+    return wallIn(grid->grab().toImage(), rows, columns, [&](API::LayoutPoint cell) {
+        const QWidget *widget = widgetInCell(grid, cell, rows, columns);
+        return widget ? widget->geometry() : QRect();
+    });
 }
 
 bool everyTileMoves(GUI::MainWindow *window)
 {
-    QHash<GUI::Player::VideoWidget *, int> waitingFor;
-    const QList<GUI::Player::VideoWidget *> tiles = gridOf(window)->players();
-    for (GUI::Player::VideoWidget *tile : tiles) {
-        const auto strip = stripOf(tile);
-        waitingFor.insert(tile, strip ? strip->milliseconds : -1);
-    }
+    QHash<GUI::Player::VideoWidget *, int> still;
+    const auto tiles = gridOf(window)->players();
+    for (GUI::Player::VideoWidget *tile : tiles)
+        still.insert(tile, stripOf(tile).value_or(Strip{0, -1}).milliseconds);
     return QTest::qWaitFor(
         [&] {
             for (GUI::Player::VideoWidget *tile : tiles) {
                 const auto strip = stripOf(tile);
-                if (strip && waitingFor.contains(tile) &&
-                    waitingFor.value(tile) != strip->milliseconds)
-                    waitingFor.remove(tile);
+                if (strip && strip->milliseconds != still.value(tile, strip->milliseconds))
+                    still.remove(tile);
             }
-            return waitingFor.isEmpty();
+            return still.isEmpty();
         },
         pictureDeadlineMs);
 }
 
 std::unique_ptr<QMimeData> cameraDrag(const QString &server, int camera)
 {
-    QByteArray payload;
-    QDataStream stream(&payload, QIODevice::WriteOnly);
-    stream << server << camera;
-    return mimeData("camera"_s, payload);
+    return mimeData("camera"_s, server, camera);
 }
 
 std::unique_ptr<QMimeData> serverDrag(const QString &server)
 {
-    QByteArray payload;
-    QDataStream stream(&payload, QIODevice::WriteOnly);
-    stream << server;
-    return mimeData("server"_s, payload);
+    return mimeData("server"_s, server);
 }
 
 std::unique_ptr<QMimeData> tileDrag(API::LayoutPoint cell)
 {
-    QByteArray payload;
-    QDataStream stream(&payload, QIODevice::WriteOnly);
-    stream << cell.row << cell.column;
-    return mimeData("layout-swap"_s, payload);
+    return mimeData("layout-swap"_s, cell.row, cell.column);
 }
 
 bool dropOn(QWidget *target, const QMimeData &data, Qt::DropAction action)

@@ -1,55 +1,40 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/support/Test.h"
+#include "tests/e2e/EndToEnd.h"
 
-#include "API/Types.h"
-
-namespace ZorvaneClient {
-
-namespace GUI {
+namespace ZorvaneClient::GUI {
 class LayoutCard;
-class LayoutWidget;
-class MainWindow;
-} // namespace GUI
-
-} // namespace ZorvaneClient
+}
 
 namespace ZorvaneClient::Tests {
 
-/// Which camera should stand in which cell, by the numbers of their strips.
-class WallPlan
-{
-public:
-    WallPlan() = default;
-    WallPlan(int rows, int columns);
+/// Which camera should stand in which cell, by the numbers of their strips; 0: none.
+struct WallPlan {
+    WallPlan(int rows, int columns) : cells(rows, QVector<int>(columns)) {}
 
-    int rows() const;
-    int columns() const;
-    /// 0 for an empty cell.
-    int at(int row, int column) const;
-    void set(int row, int column, int camera);
+    int rows() const { return cells.size(); }
+    int columns() const { return cells.first().size(); }
     void exchange(API::LayoutPoint a, API::LayoutPoint b);
     /// Keeps what stands inside the new size.
     void resize(int rows, int columns);
     /// Puts `camera` into the first empty cell, row by row.
     void append(int camera);
-
     /// Such as "3 . | . 7": rows from top to bottom, a point for an empty cell.
     QString text() const;
 
-private:
-    int rowCount = 0;
-    int columnCount = 0;
-    QVector<int> cells;
+    QVector<QVector<int>> cells;
 };
 
 GUI::LayoutWidget *gridOf(GUI::MainWindow *window);
 /// The tile or placeholder that covers the middle of a cell in a grid of so many cells; null
 /// before the grid has been laid out.
 QWidget *widgetInCell(GUI::LayoutWidget *grid, API::LayoutPoint cell, int rows, int columns);
-/// What the painted grid shows, read from the strips, in the form of WallPlan::text();
-/// "?" for a tile without a readable picture, "-" where no cell is.
+/// What the picture of a grid shows, read from the strips, in the form of WallPlan::text(); a
+/// point also for a tile without a readable picture.
+using CellPlace = std::function<QRect(API::LayoutPoint)>;
+QString wallIn(const QImage &grid, int rows, int columns, const CellPlace &placeOf);
+/// The same of the window's painted grid; empty before it has been laid out.
 QString paintedWall(GUI::MainWindow *window, int rows, int columns);
 /// True once every tile of the window shows a later picture than now.
 bool everyTileMoves(GUI::MainWindow *window);

@@ -1,15 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/Test.h"
-
-#include "API/Camera.h"
-#include "App/Settings.h"
-#include "GUI/CameraWidget.h"
-#include "GUI/LayoutWidget.h"
-#include "GUI/LoginDialog.h"
-#include "GUI/MainWindow.h"
-#include "GUI/Player/VideoWidget.h"
-#include "demo/client/DemoService.h"
 #include "tests/e2e/EndToEnd.h"
+
+#include "App/Settings.h"
 #include "tests/e2e/Wall.h"
 #include "tests/support/LogCapture.h"
 
@@ -18,22 +10,21 @@ using GUI::Player::VideoWidget;
 
 namespace {
 
-const QColor selection(62, 183, 253);
-
-VideoWidget *tileOf(MainWindow *window, int cameraNumber)
+VideoWidget *tileOf(MainWindow *window, const DemoCamera &camera)
 {
-    const QList<VideoWidget *> tiles = gridOf(window)->players();
+    const auto tiles = gridOf(window)->players();
     for (VideoWidget *tile : tiles) {
         const auto strip = stripOf(tile);
-        if (strip && strip->camera == cameraNumber)
+        if (strip && strip->camera == camera.number)
             return tile;
     }
     return nullptr;
 }
 
 /// In the middle of each edge of the painted tile.
-bool hasSelectionBorder(VideoWidget *tile)
+bool hasBorder(VideoWidget *tile)
 {
+    const QColor selection(62, 183, 253);
     const QImage painted = tile->grab().toImage();
     const int right = painted.width() - 1;
     const int bottom = painted.height() - 1;
@@ -43,123 +34,102 @@ bool hasSelectionBorder(VideoWidget *tile)
            painted.pixelColor(right - 1, bottom / 2) == selection;
 }
 
-QSlider *soundSlider(MainWindow *window)
-{
-    return window->findChild<QSlider *>("soundSlider"_s);
-}
-
 /// The volume that the tile itself has, from the line it logs when it is clicked.
 QString volumeOf(VideoWidget *tile)
 {
     const LogCapture log;
     QTest::mouseClick(tile, Qt::LeftButton);
     const QString line = log.linesOf("Activated camera:"_s).value(0);
-    return line.section(" volume: "_s, 1).section(QLatin1Char(' '), 0, 0);
+    return line.section(" volume: "_s, 1).section(' ', 0, 0);
+}
+
+MainWindow *cloneOf(MainWindow *window)
+{
+    const auto before = mainWindows();
+    part<QAction>(window, "actionClone_window")->trigger();
+    const auto after = mainWindows();
+    for (MainWindow *candidate : after) {
+        if (!before.contains(candidate))
+            return candidate;
+    }
+    return nullptr;
+}
+
+void open(MainWindow *window, const DemoCamera &camera)
+{
+    const auto cardOfCamera = [&] { return card(window, camera.server, camera.camera); };
+    QTRY_VERIFY_WITH_TIMEOUT(cardOfCamera(), pollDeadlineMs);
+    QTest::mouseClick(cardOfCamera(), Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(tileOf(window, camera), pictureDeadlineMs);
 }
 
 } // namespace
 
 /// Several windows of one program: what they share, and how each ends.
-class WindowsTest : public QObject
+class WindowsTest : public EndToEndTest
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase()
+    void initTestCase() { startWorld(1, 2, 0); }
+
+    void twoWindowsOfOneProgram()
     {
-        DemoService::Options options;
-        options.plain = true;
-        options.servers = 1;
-        options.cameras = 2;
-        options.lanServers = 0;
-        QVERIFY2(service.start(options), qPrintable(service.errorString()));
-        useService(service);
-        const QVector<DemoCamera> world = service.cameras();
-        QCOMPARE(world.size(), 2);
-        left = world.at(0);
-        right = world.at(1);
+        const DemoCamera left = world.at(0);
+        const DemoCamera right = world.at(1);
         QVERIFY(enter(service));
-        first = mainWindow();
-    }
-
-    void cleanupTestCase()
-    {
-        leave();
-        service.stop();
-    }
-
-    void loneCameraHasNoBorder()
-    {
+        const QPointer<MainWindow> first = mainWindow();
         open(first, left);
-        QVERIFY(showsMovingPicture(tileOf(first, left.number), left.number));
-        QVERIFY(!hasSelectionBorder(tileOf(first, left.number)));
-    }
+        QVERIFY(!hasBorder(tileOf(first, left)));
 
-    void secondWindowGivesTheActiveTileItsBorder()
-    {
-        second = cloneOf(first);
+        // One player, but two cells over both windows: the active tile is marked.
+        QPointer<MainWindow> second = cloneOf(first);
         QVERIFY(second);
-        // One player, but two cells over both windows.
-        QVERIFY(hasSelectionBorder(tileOf(first, left.number)));
+        QVERIFY(hasBorder(tileOf(first, left)));
         second->close();
         QTRY_VERIFY(!second);
-        QVERIFY(!hasSelectionBorder(tileOf(first, left.number)));
+        QVERIFY(!hasBorder(tileOf(first, left)));
 
+        // The active camera is shared, where a window shows it.
         second = cloneOf(first);
         open(second, left);
-        QVERIFY(hasSelectionBorder(tileOf(first, left.number)));
-    }
-
-    void activeCameraIsShared()
-    {
         second->openNewLayout();
         QTRY_COMPARE(paintedWall(second, 2, 2), WallPlan(2, 2).text());
-        for (int column = 0; column < 2; ++column) {
-            const DemoCamera &camera = column == 0 ? left : right;
+        for (int column = 0; column < 2; ++column)
             QVERIFY(dropOn(widgetInCell(gridOf(second), {column, 0}, 2, 2),
-                           *cameraDrag(camera.server, camera.camera), Qt::CopyAction));
-        }
+                           *cameraDrag(world.at(column).server, world.at(column).camera),
+                           Qt::CopyAction));
         const QString wall = "%1 %2 | . ."_s.arg(left.number).arg(right.number);
         QTRY_COMPARE_WITH_TIMEOUT(paintedWall(second, 2, 2), wall, pictureDeadlineMs);
+        const auto borders = [&] {
+            return QList<bool>{hasBorder(tileOf(first, left)), hasBorder(tileOf(second, left)),
+                               hasBorder(tileOf(second, right))};
+        };
+        QTest::mouseClick(tileOf(second, right), Qt::LeftButton);
+        QCOMPARE(borders(), (QList<bool>{false, false, true}));
+        QTest::mouseClick(tileOf(first, left), Qt::LeftButton);
+        QCOMPARE(borders(), (QList<bool>{true, true, false}));
 
-        QTest::mouseClick(tileOf(second, right.number), Qt::LeftButton);
-        QVERIFY(hasSelectionBorder(tileOf(second, right.number)));
-        QVERIFY(!hasSelectionBorder(tileOf(second, left.number)));
-        QVERIFY2(!hasSelectionBorder(tileOf(first, left.number)), "a camera of one window only");
+        // So is the volume, and every tile has it.
+        for (const auto &[changed, other] : {qMakePair(first, second), qMakePair(second, first)}) {
+            const int volume = changed == first ? 73 : 21;
+            part<QSlider>(changed, "soundSlider")->setValue(volume);
+            QCOMPARE(part<QSlider>(other, "soundSlider")->value(), volume);
+            QCOMPARE(App::settings().value("sound/volume"_s).toInt(), volume);
+        }
+        QCOMPARE(volumeOf(tileOf(first, left)), "21"_s);
+        QCOMPARE(volumeOf(tileOf(second, right)), "21"_s);
 
-        QTest::mouseClick(tileOf(first, left.number), Qt::LeftButton);
-        QVERIFY(hasSelectionBorder(tileOf(first, left.number)));
-        QVERIFY(hasSelectionBorder(tileOf(second, left.number)));
-        QVERIFY(!hasSelectionBorder(tileOf(second, right.number)));
-    }
-
-    void volumeIsShared()
-    {
-        soundSlider(second)->setValue(73);
-        QCOMPARE(soundSlider(first)->value(), 73);
-        QCOMPARE(App::settings().value("sound/volume"_s).toInt(), 73);
-        soundSlider(first)->setValue(21);
-        QCOMPARE(soundSlider(second)->value(), 21);
-        QCOMPARE(App::settings().value("sound/volume"_s).toInt(), 21);
-        QCOMPARE(volumeOf(tileOf(first, left.number)), "21"_s);
-        QCOMPARE(volumeOf(tileOf(second, right.number)), "21"_s);
-    }
-
-    void closedWindowLeavesTheOtherPlaying()
-    {
+        // A closed window leaves the other playing.
         QTRY_COMPARE(service.openStreams(), 3);
-        const qint64 child = childOf(tileOf(first, left.number));
+        const qint64 child = childOf(tileOf(first, left));
         second->close();
         QTRY_VERIFY(!second);
-        QCOMPARE(mainWindows(), QList<MainWindow *>{first});
         QTRY_COMPARE(service.openStreams(), 1);
         QVERIFY(everyTileMoves(first));
-        QCOMPARE(childOf(tileOf(first, left.number)), child);
-        QVERIFY(!hasSelectionBorder(tileOf(first, left.number)));
-    }
+        QCOMPARE(childOf(tileOf(first, left)), child);
 
-    void signOutClosesEveryWindow()
-    {
+        // A sign-out in one closes every one.
         second = cloneOf(first);
         open(second, right);
         emit second->signout();
@@ -167,45 +137,7 @@ private slots:
         QVERIFY(loginDialog());
         QTRY_COMPARE(service.openStreams(), 0);
     }
-
-private:
-    MainWindow *cloneOf(MainWindow *window)
-    {
-        const QList<MainWindow *> before = mainWindows();
-        window->findChild<QAction *>("actionClone_window"_s)->trigger();
-        const QList<MainWindow *> after = mainWindows();
-        for (MainWindow *candidate : after) {
-            if (!before.contains(candidate))
-                return candidate;
-        }
-        return nullptr;
-    }
-
-    void open(MainWindow *window, const DemoCamera &camera)
-    {
-        const auto cardOfCamera = [&]() -> GUI::CameraWidget * {
-            const QList<GUI::CameraWidget *> cards = window->findChildren<GUI::CameraWidget *>();
-            for (GUI::CameraWidget *card : cards) {
-                if (card->camera()->serverId() == camera.server &&
-                    card->camera()->id() == camera.camera)
-                    return card;
-            }
-            return nullptr;
-        };
-        QTRY_VERIFY_WITH_TIMEOUT(cardOfCamera(), pollDeadlineMs);
-        QTest::mouseClick(cardOfCamera(), Qt::LeftButton);
-        QTRY_VERIFY_WITH_TIMEOUT(tileOf(window, camera.number), pictureDeadlineMs);
-    }
-
-    DemoService service;
-    DemoCamera left;
-    DemoCamera right;
-    QPointer<MainWindow> first;
-    QPointer<MainWindow> second;
 };
 
-int main(int argc, char **argv)
-{
-    return runEndToEnd(argc, argv, [] { return std::make_unique<WindowsTest>(); });
-}
+END_TO_END_MAIN(WindowsTest)
 #include "WindowsTest.moc"

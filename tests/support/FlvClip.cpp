@@ -1,78 +1,46 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/FlvClip.h"
 
-#include <QFile>
-#include <QProcess>
-#include <QRandomGenerator>
-#include <QTemporaryDir>
+#include <QtEndian>
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 namespace {
 
 constexpr int headerBytes = 13;
 constexpr int tagHeadBytes = 11;
 constexpr int sizeFieldBytes = 4;
-constexpr int makeLimitMilliseconds = 60'000;
-
-int byteAt(const QByteArray &bytes, int index)
-{
-    return static_cast<unsigned char>(bytes.at(index));
-}
-
-int timestampOf(const QByteArray &tag)
-{
-    return (byteAt(tag, 7) << 24) | (byteAt(tag, 4) << 16) | (byteAt(tag, 5) << 8) | byteAt(tag, 6);
-}
+/// Of the time stamp in a tag: its three lower bytes, then the highest.
+constexpr int stampPlace = 4;
 
 FlvTag movedTo(FlvTag tag, int milliseconds)
 {
+    const auto stamp = quint32(milliseconds);
     tag.milliseconds = milliseconds;
-    tag.bytes[4] = static_cast<char>(milliseconds >> 16);
-    tag.bytes[5] = static_cast<char>(milliseconds >> 8);
-    tag.bytes[6] = static_cast<char>(milliseconds);
-    tag.bytes[7] = static_cast<char>(milliseconds >> 24);
+    qToBigEndian(stamp << 8 | stamp >> 24, tag.bytes.data() + stampPlace);
     return tag;
-}
-
-FlvClip fromBytes(const QByteArray &bytes)
-{
-    FlvClip clip;
-    clip.header = bytes.left(headerBytes);
-    int position = headerBytes;
-    while (position + tagHeadBytes < bytes.size()) {
-        const int size = (byteAt(bytes, position + 1) << 16) | (byteAt(bytes, position + 2) << 8) |
-                         byteAt(bytes, position + 3);
-        const QByteArray tag = bytes.mid(position, tagHeadBytes + size + sizeFieldBytes);
-        clip.tags.append({timestampOf(tag), tag});
-        position += tag.size();
-    }
-    return clip;
 }
 
 } // namespace
 
 FlvClip FlvClip::make(const QStringList &arguments)
 {
-    QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("clip.flv"));
-    QProcess ffmpeg;
-    ffmpeg.setProcessChannelMode(QProcess::ForwardedChannels);
-    ffmpeg.start(
-        QStringLiteral("ffmpeg"),
-        QStringList{QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-nostdin")} +
-            arguments + QStringList{path});
-    QFile file(path);
-    if (!ffmpeg.waitForFinished(makeLimitMilliseconds) || ffmpeg.exitCode() != 0 ||
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("clip.flv"));
+    const QStringList quietly = {"-v", "error", "-nostdin"};
+    FlvClip clip;
+    if (QProcess::execute("ffmpeg", quietly + arguments + QStringList{file.fileName()}) != 0 ||
         !file.open(QIODevice::ReadOnly))
-        return {};
-    return fromBytes(file.readAll());
-}
-
-int FlvClip::duration() const
-{
-    return tags.isEmpty() ? 0 : tags.last().milliseconds;
+        return clip;
+    clip.header = file.read(headerBytes);
+    for (QByteArray tag = file.read(tagHeadBytes); tag.size() == tagHeadBytes;
+         tag = file.read(tagHeadBytes)) {
+        const auto stamp = qFromBigEndian<quint32>(tag.constData() + stampPlace);
+        const auto size = qFromBigEndian<quint32>(tag.constData()) & 0xFFFFFF;
+        tag += file.read(size + sizeFieldBytes);
+        clip.tags.append({int(stamp >> 8 | stamp << 24), tag});
+    }
+    return clip;
 }
 
 QByteArray FlvClip::bytes() const
@@ -86,25 +54,16 @@ QByteArray FlvClip::bytes() const
 FlvClip FlvClip::then(const FlvClip &other, int gap) const
 {
     FlvClip joined = *this;
-    const int start = duration() + gap;
     for (const FlvTag &tag : other.tags)
-        joined.tags.append(movedTo(tag, start + tag.milliseconds));
-    return joined;
-}
-
-FlvClip FlvClip::repeated(int count) const
-{
-    FlvClip joined = *this;
-    for (int i = 1; i < count; ++i)
-        joined = joined.then(*this);
+        joined.tags.append(movedTo(tag, duration() + gap + tag.milliseconds));
     return joined;
 }
 
 FlvClip FlvClip::faster(int factor) const
 {
-    FlvClip clip = *this;
-    for (FlvTag &tag : clip.tags)
-        tag = movedTo(tag, tag.milliseconds / factor);
+    FlvClip clip{header, {}};
+    for (const FlvTag &tag : tags)
+        clip.tags.append(movedTo(tag, tag.milliseconds / factor));
     return clip;
 }
 
@@ -116,5 +75,4 @@ QByteArray garbled(QByteArray bytes, quint32 seed, int count, int from)
     return bytes;
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

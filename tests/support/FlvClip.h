@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QByteArray>
-#include <QString>
-#include <QStringList>
-#include <QVector>
+#include "tests/support/Test.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// One tag of an FLV file, with the size field that follows it.
 struct FlvTag {
@@ -25,12 +21,15 @@ struct FlvClip {
     static FlvClip make(const QStringList &arguments);
 
     bool isEmpty() const { return tags.isEmpty(); }
-    int duration() const;
+    int duration() const { return isEmpty() ? 0 : tags.last().milliseconds; }
     QByteArray bytes() const;
 
     /// This clip and `other` after it, `gap` milliseconds after the last tag.
     FlvClip then(const FlvClip &other, int gap = 40) const;
-    FlvClip repeated(int count) const;
+    FlvClip repeated(int count) const
+    {
+        return count <= 1 ? *this : repeated(count - 1).then(*this);
+    }
     /// All time stamps divided, as an archive does that is played faster.
     FlvClip faster(int factor) const;
 };
@@ -38,5 +37,4 @@ struct FlvClip {
 /// Overwrites `count` bytes from `from` on with others, places and values by `seed`.
 QByteArray garbled(QByteArray bytes, quint32 seed, int count, int from);
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,14 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QElapsedTimer>
-#include <QImage>
-#include <QProcess>
-#include <QTimer>
-#include <QVector>
+#include "tests/support/Test.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// A line of the player's output.
 struct PlayerLine {
@@ -20,7 +15,6 @@ struct PlayerLine {
 class PlayerProcess : public QObject
 {
     Q_OBJECT
-    Q_DISABLE_COPY(PlayerProcess)
 
 public:
     static constexpr int frameFileBytes = 12'582'912;
@@ -34,7 +28,12 @@ public:
     /// Starts the player on `url` with the frame file's name and `more` after them.
     bool start(const QByteArray &url, const QList<QByteArray> &more = {});
     bool startWithArguments(const QList<QByteArray> &arguments);
-    void setEnvironment(const char *name, const QByteArray &value);
+    void setEnvironment(const char *name, const QByteArray &value)
+    {
+        QProcessEnvironment variables = process.processEnvironment();
+        variables.insert(name, QString::fromLocal8Bit(value));
+        process.setProcessEnvironment(variables);
+    }
     void send(const QByteArray &command) { process.write(command + '\n'); }
     void stopPinging() { ping.stop(); }
     void closeInput() { process.closeWriteChannel(); }
@@ -45,24 +44,54 @@ public:
     qint64 pid() const { return process.processId(); }
     bool isRunning() const { return process.state() != QProcess::NotRunning; }
     /// -1 while it runs or when a signal ended it.
-    int exitCode() const;
+    int exitCode() const
+    {
+        const bool hasCode = !isRunning() && process.exitStatus() == QProcess::NormalExit;
+        return hasCode ? process.exitCode() : -1;
+    }
     QByteArray errorOutput() { return process.readAllStandardError(); }
 
     const QVector<PlayerLine> &lines() const { return output; }
     int frames() const { return frameCount; }
-    QList<int> states() const;
+    QList<int> states() const
+    {
+        QList<int> states;
+        for (const PlayerLine &line : output) {
+            if (line.text.startsWith("state "))
+                states << line.text.mid(6).toInt();
+        }
+        return states;
+    }
     int lastState() const { return states().isEmpty() ? -1 : states().last(); }
     /// Milliseconds since the start at which that state line came first, -1 if it didn't.
-    qint64 timeOfState(int state) const;
+    qint64 timeOfState(int state) const
+    {
+        const QByteArray text = "state " + QByteArray::number(state);
+        const auto isIt = [&text](const PlayerLine &line) { return line.text == text; };
+        const auto first = std::find_if(output.begin(), output.end(), isIt);
+        return first == output.end() ? -1 : first->milliseconds;
+    }
     int lastTime() const { return newestTime; }
     /// Of the last size line.
     QSize size() const { return pictureSize; }
     qint64 firstFrameTime() const { return firstFrame; }
 
     QString frameFilePath() const { return framePath; }
-    QByteArray frameFile() const;
+    QByteArray frameFile() const
+    {
+        QFile file(framePath);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
     /// A copy of the present picture.
-    QImage picture() const;
+    QImage picture() const
+    {
+        const QByteArray bytes = frameFile();
+        if (pictureSize.isEmpty() || bytes.isEmpty())
+            return QImage();
+        return QImage(reinterpret_cast<const uchar *>(bytes.constData()), pictureSize.width(),
+                      pictureSize.height(), QImage::Format_ARGB32_Premultiplied)
+            .copy();
+    }
 
 signals:
     void frameShown();
@@ -81,5 +110,4 @@ private:
     QSize pictureSize;
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

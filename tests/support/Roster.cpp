@@ -1,52 +1,33 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Roster.h"
 
-#include <QVariantMap>
-
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
 #include "API/Server.h"
 
-namespace ZorvaneClient {
-namespace Tests {
-
-namespace {
-
-QVariantMap cameraJson(const WorldCamera &camera)
-{
-    QVariantMap json{
-        {QStringLiteral("id"), camera.id},
-        {QStringLiteral("name"), camera.name},
-        {QStringLiteral("online"), camera.online},
-        {QStringLiteral("rights"), QStringList{QStringLiteral("live"), QStringLiteral("archive")}}};
-    if (camera.paid) {
-        const QVariantMap active{{QStringLiteral("active"), true}};
-        json.insert(QStringLiteral("services"), QVariantMap{{QStringLiteral("enabled"), active}});
-    }
-    return json;
-}
-
-QVariantMap serverJson(const WorldServer &server)
-{
-    QVariantMap cameras;
-    for (const WorldCamera &camera : server.cameras)
-        cameras.insert(QString::number(camera.id), cameraJson(camera));
-    const QString buildType =
-        server.isCamera ? QStringLiteral("ip-camera") : QStringLiteral("server");
-    return {{QStringLiteral("id"), server.id},
-            {QStringLiteral("name"), server.alias},
-            {QStringLiteral("online"), server.online},
-            {QStringLiteral("info"), QVariantMap{{QStringLiteral("build_type"), buildType}}},
-            {QStringLiteral("cameras"), cameras}};
-}
-
-} // namespace
+namespace ZorvaneClient::Tests {
 
 void setWorld(const QList<WorldServer> &world)
 {
     QVariantMap roster;
-    for (const WorldServer &server : world)
-        roster.insert(server.id, serverJson(server));
+    for (const WorldServer &server : world) {
+        QVariantMap cameras;
+        for (const WorldCamera &camera : server.cameras) {
+            QVariantMap json{{"id", camera.id},
+                             {"name", camera.name},
+                             {"online", camera.online},
+                             {"rights", QStringList{"live", "archive"}}};
+            if (camera.paid)
+                json["services"] = QVariantMap{{"enabled", QVariantMap{{"active", true}}}};
+            cameras.insert(QString::number(camera.id), json);
+        }
+        const QString buildType = server.isCamera ? "ip-camera" : "server";
+        roster[server.id] = QVariantMap{{"id", server.id},
+                                        {"name", server.alias},
+                                        {"online", server.online},
+                                        {"info", QVariantMap{{"build_type", buildType}}},
+                                        {"cameras", cameras}};
+    }
     API::CloudAPIClient client;
     QMetaObject::invokeMethod(&client, "onNewRosterReceived", Qt::DirectConnection,
                               Q_ARG(QVariant, QVariant(roster)));
@@ -58,7 +39,7 @@ API::ServerPtr addServerToRoster(const QString &id, const QStringList &cameraNam
     static QList<WorldServer> added;
     WorldServer server{id, id, {}};
     for (const QString &name : cameraNames)
-        server.cameras.append({static_cast<int>(server.cameras.size()) + 1, name, online});
+        server.cameras.append({int(server.cameras.size()) + 1, name, online});
     added.append(server);
     setWorld(added);
     return worldServer(id);
@@ -75,5 +56,4 @@ API::CameraPtr rosterCamera(const QString &server, int camera)
     return owner ? owner->cameras().value(camera) : API::CameraPtr();
 }
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QList>
-#include <QString>
-#include <QStringList>
-
 #include "API/Types.h"
+#include "tests/support/Test.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 struct WorldCamera {
     int id = 1;
@@ -36,5 +32,4 @@ API::ServerPtr addServerToRoster(const QString &id, const QStringList &cameraNam
 API::ServerPtr worldServer(const QString &id);
 API::CameraPtr rosterCamera(const QString &server, int camera);
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

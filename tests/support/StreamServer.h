@@ -1,21 +1,22 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QByteArray>
-#include <QHash>
-#include <QList>
-#include <QTcpServer>
-
 #include "tests/support/FlvClip.h"
+#include "tests/support/LoopbackServer.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// How a stream is served.
 struct StreamScript {
     enum class Ending { Close, Reset, Stall };
 
-    static StreamScript of(const FlvClip &clip, double speed = 1);
+    static StreamScript of(const FlvClip &clip, double speed = 1)
+    {
+        StreamScript script;
+        script.clip = clip;
+        script.speed = speed;
+        return script;
+    }
 
     FlvClip clip;
     double speed = 1; ///< of the clip's own time; 0: as fast as the client reads
@@ -36,17 +37,16 @@ struct StreamScript {
 
 /// A streaming server on loopback, which is also a proxy: it answers whatever host it is asked
 /// for. Paces the clip in the event loop of the test.
-class StreamServer : public QTcpServer
+class StreamServer : public LoopbackServer
 {
-    Q_OBJECT
-    Q_DISABLE_COPY(StreamServer)
-
 public:
-    StreamServer() = default;
-
-    bool start();
+    bool start() { return open(); }
     /// With `script` for every request.
-    bool start(const StreamScript &script);
+    bool start(const StreamScript &script)
+    {
+        setScript(script);
+        return open();
+    }
     /// "http://127.0.0.1:port" and the path.
     QByteArray url(const QByteArray &path) const
     {
@@ -61,34 +61,32 @@ public:
     /// From now on a request without this user and password gets 407.
     void requireProxyAuthorization(const QByteArray &user, const QByteArray &password)
     {
-        proxyCredentials = (user + ":" + password).toBase64();
+        authorization = "Basic " + (user + ":" + password).toBase64();
     }
 
     /// Request line and header lines of each request.
-    QList<QByteArray> heads() const { return receivedHeads; }
+    QList<QByteArray> heads() const
+    {
+        QList<QByteArray> heads;
+        for (const WireRequest &request : received)
+            heads << request.head;
+        return heads;
+    }
     /// Time of the newest part of the clip that was handed to a connection.
     int sentMilliseconds() const { return sent; }
     /// Bytes that the system has taken from this server.
     qint64 takenBytes() const { return taken; }
 
-    /// A port of loopback that nobody listens on.
-    static int deadPort();
-
 protected:
     void incomingConnection(qintptr descriptor) override;
 
 private:
-    friend class StreamConnection;
-
-    StreamScript scriptFor(const QByteArray &head) const;
-    bool isAuthorized(const QByteArray &head) const;
+    class Connection;
 
     QHash<QByteArray, StreamScript> scripts;
-    QByteArray proxyCredentials;
-    QList<QByteArray> receivedHeads;
+    QByteArray authorization;
     int sent = 0;
     qint64 taken = 0;
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

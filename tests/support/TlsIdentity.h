@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QSslCertificate>
-#include <QSslKey>
-#include <QString>
+#include "tests/support/Test.h"
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 /// A fresh key and self-signed certificate for `localhost`, made by the `openssl` program.
 /// The files lie in the working directory.
@@ -14,7 +11,22 @@ class TlsIdentity
 {
 public:
     /// Files are named after `name`. See isValid().
-    explicit TlsIdentity(const QString &name);
+    explicit TlsIdentity(const QString &name) : certificatePath(name + ".crt")
+    {
+        const QString arguments =
+            "req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 "
+            "-subj /CN=localhost -addext subjectAltName=DNS:localhost,IP:127.0.0.1 -keyout"_s;
+        QFile certificate(certificatePath);
+        QFile key(name + ".key");
+        QProcess openssl;
+        openssl.start("openssl"_s, arguments.split(' ')
+                                       << key.fileName() << "-out" << certificatePath);
+        if (!openssl.waitForFinished() || openssl.exitCode() != 0 ||
+            !certificate.open(QIODevice::ReadOnly) || !key.open(QIODevice::ReadOnly))
+            return;
+        ownCertificate = QSslCertificate(&certificate);
+        ownKey = QSslKey(&key, QSsl::Ec);
+    }
 
     bool isValid() const { return !ownCertificate.isNull() && !ownKey.isNull(); }
     QSslCertificate certificate() const { return ownCertificate; }
@@ -28,5 +40,4 @@ private:
     QSslKey ownKey;
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests

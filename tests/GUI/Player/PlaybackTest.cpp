@@ -2,375 +2,398 @@
 #include "tests/support/Test.h"
 
 #include "API/Camera.h"
-#include "GUI/Player/VideoWidget.h"
+#include "tests/GUI/ArchiveWorld.h"
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/MisbehavingServer.h"
-#include "tests/support/ScriptedChild.h"
 
+using namespace std::chrono_literals;
 using GUI::Player::VideoWidget;
 
 namespace {
 
-const QDateTime noon(QDate(2015, 3, 3), QTime(12, 0, 0));
+const QDate day(2015, 3, 3);
+const QDateTime noon(day, QTime(12, 0, 0));
+const QString playing = "print frame\\n"_s;
+const QString film = "/abc - Door 03.03.15 12.00.00-12.05.00.mp4"_s;
 
-const QStringList playing{"print frame\\n"};
-const QStringList failing{"print frame\\nstate 7\\n"};
-
-/// A LAN camera that has recorded from 12:00 to 12:10 and from 12:20 to 12:30.
-API::CameraPtr cameraWithRecords()
+QDateTime at(const QString &time)
 {
-    const auto record = [](const QDateTime &start, int minutes) {
-        // Both ends come out one second later than they are sent.
-        return QByteArray("{\"startTime\":") +
-               QByteArray::number(start.addSecs(-1).toMSecsSinceEpoch()) +
-               ",\"duration\":" + QByteArray::number(minutes * 60000) + "}";
-    };
-    MisbehavingServer server;
-    server.setReply(
-        WireReply::json("[" + record(noon, 10) + "," + record(noon.addSecs(20 * 60), 10) + "]"));
-    if (!server.start())
-        qFatal("no server");
-    const API::CameraPtr camera = localCamera();
-    camera->setId("127.0.0.1:%1"_s.arg(server.port()), 3);
-    QSignalSpy changed(camera.data(), &API::Camera::recordsChanged);
-    camera->updateTimeline(noon.date());
-    changed.wait();
-    return camera;
+    return QDateTime(day, QTime::fromString(time, "hh:mm:ss"_s));
 }
 
-/// The key `name` of the URL that the last child got.
-QString urlKey(const ScriptedChild &child, const QString &name)
+QString films()
 {
-    const QString url = child.starts().last().first();
-    return QRegularExpression("[?&]%1=([^&]*)"_s.arg(name)).match(url).captured(1);
+    return QStandardPaths::writableLocation(QStandardPaths::MoviesLocation);
+}
+
+/// What the last child was sent for: live or archive and quality, and for the archive speed and
+/// seconds from noon.
+QString asked(const ScriptedChild &child)
+{
+    const QUrl url(child.starts().last().first());
+    const QUrlQuery query(url);
+    const QString mode = url.path().section('/', -1) + ' ' + query.queryItemValue("q"_s);
+    if (mode.startsWith("live"_s))
+        return mode;
+    const qint64 start = query.queryItemValue("startTime"_s).toLongLong();
+    return "%1 %2 %3"_s.arg(mode, query.queryItemValue("speed"_s))
+        .arg(start - noon.toSecsSinceEpoch());
+}
+
+/// What a tile tells of its exports, in words and in order.
+std::shared_ptr<QStringList> exportWords(VideoWidget &tile)
+{
+    const auto words = std::make_shared<QStringList>();
+    QObject::connect(&tile, &VideoWidget::exportStarted, &tile, [=] { *words << "started"; });
+    QObject::connect(&tile, &VideoWidget::exportPercentDone, &tile,
+                     [=](int percent) { *words << QString::number(percent); });
+    QObject::connect(&tile, &VideoWidget::exportDone, &tile,
+                     [=](const QString &path) { *words << "done " + path; });
+    QObject::connect(&tile, &VideoWidget::exportError, &tile,
+                     [=](const QString &path) { *words << "error " + path; });
+    return words;
 }
 
 } // namespace
 
-/// When a tile starts and ends its child, and what it shows meanwhile.
+/// When a tile starts and ends its children, that of an export too, and what it shows meanwhile.
 class PlaybackTest : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void initTestCase() { QVERIFY(world.start()); }
+
     void refusals_data()
     {
-        const QVariantMap none;
-        rows<QVariantMap, bool, QString>(
-            {"changes", "archive", "text"},
-            {
-                {"offline", QVariantMap{{"online", false}}, false, "Camera Gate is offline"},
-                {"offline, archive", QVariantMap{{"online", false}}, true,
-                 "Camera Gate is offline"},
-                {"unpaid", QVariantMap{{"services", none}}, false, "Camera Gate is not paid for"},
-                {"both", QVariantMap{{"services", none}, {"online", false}}, false,
-                 "Camera Gate is not paid for and offline"},
-                {"no live right", QVariantMap{{"rights", QStringList{"archive"}}}, false,
-                 "Live is not shared"},
-                {"no archive right", QVariantMap{{"rights", QStringList{"live"}}}, true,
-                 "Archive is not shared"},
-            });
+        const QVariantMap offline{{"online", false}};
+        const QVariantMap unpaid{{"services", QVariantMap()}};
+        const QVariantMap noLive{{"rights", QStringList{"archive"}}};
+        const QVariantMap noArchive{{"rights", QStringList{"live"}}};
+        rows<QVariantMap, bool, QString, QString, QString>(
+            {"changes", "archive", "text", "before", "after"},
+            {{"offline", offline, false, "Camera Gate is offline", "Idle", "Idle"},
+             {"offline, archive", offline, true, "Camera Gate is offline", "Idle", "Idle"},
+             {"unpaid", unpaid, false, "Camera Gate is not paid for", "Playing", "Playing"},
+             {"no live right", noLive, false, "Live is not shared", "Playing", "Idle"},
+             {"no archive right", noArchive, true, "Archive is not shared", "Playing", "Idle"}});
     }
 
     void refusals()
     {
-        const auto [changes, archive, text] = row<QVariantMap, bool, QString>();
-        ScriptedChild child(playing);
-        VideoWidget tile(cloudCamera(changes));
-        tile.resize(320, 240);
-        tile.show();
-        QVERIFY(!(archive ? tile.playArchive(noon, noon.addSecs(60), 2) : tile.playLive()));
+        const auto [changes, archive, text, before, after] =
+            row<QVariantMap, bool, QString, QString, QString>();
+        ScriptedTile tile(playing, cloudCamera(changes));
+        const auto play = [&tile](bool inArchive) {
+            return inArchive ? tile.playArchive(noon, noon.addSecs(60)) : tile.playLive();
+        };
+        // What plays in the other mode ends only when this one is not shared.
+        QCOMPARE(play(!archive), before == "Playing"_s);
+        QTRY_COMPARE(stateOf(tile), before);
+        QVERIFY(!play(archive));
         QVERIFY(showsText(tile, text));
-        QCOMPARE(stateOf(tile), "Idle"_s);
-        QVERIFY(child.starts().isEmpty());
+        QCOMPARE(stateOf(tile), after);
+        QCOMPARE(tile.isAlive(tile.lastProcessId()), after == "Playing"_s);
     }
 
-    void refusalLeavesTheChild()
+    void fromStartToStop()
     {
-        ScriptedChild child(playing);
-        const API::CameraPtr camera = localCamera();
-        VideoWidget tile(camera);
-        tile.setArchiveMode(true); // or else the flag stops the tile
-        QVERIFY(tile.play("http://host/"_s));
-        QTRY_COMPARE(stateOf(tile), "Playing"_s);
-        camera->setFlags(API::CameraOffline);
-        QVERIFY(!tile.play("http://host/"_s));
-        QCOMPARE(stateOf(tile), "Playing"_s);
-        QVERIFY(ScriptedChild::isAlive(child.lastProcessId()));
-        QCOMPARE(child.starts().size(), 1);
-    }
-
-    void unpaidCameraPlaysItsArchive()
-    {
-        ScriptedChild child(playing);
-        VideoWidget tile(cloudCamera({{"services", QVariantMap()}}));
-        QVERIFY(tile.playArchive(noon, noon.addSecs(60), 1));
-        QTRY_COMPARE(stateOf(tile), "Playing"_s);
-    }
-
-    void commandsSetTheState_data()
-    {
-        rows<bool, bool, QString>({"hasChild", "isPause", "state"},
-                                  {
-                                      {"pause", true, true, "Paused"},
-                                      {"unpause", true, false, "Playing"},
-                                      {"pause without a child", false, true, "Paused"},
-                                      {"unpause without a child", false, false, "Playing"},
-                                  });
-    }
-
-    void commandsSetTheState()
-    {
-        const auto [hasChild, isPause, state] = row<bool, bool, QString>();
-        ScriptedChild child;
-        VideoWidget tile(localCamera());
-        if (hasChild)
-            QVERIFY(tile.playLive());
-        QCOMPARE(stateOf(tile), hasChild ? "Starting"_s : "Idle"_s);
-        if (isPause)
-            tile.pause();
-        else
-            tile.unpause();
-        QCOMPARE(stateOf(tile), state);
-    }
-
-    void stopEndsTheChild()
-    {
-        ScriptedChild child(playing);
-        VideoWidget tile(localCamera());
-        tile.resize(320, 240);
-        tile.show();
-        tile.stop();
-        QVERIFY(tile.playLive());
-        QTRY_COMPARE(stateOf(tile), "Playing"_s);
-        const qint64 processId = child.lastProcessId();
-        tile.stop();
-        QCOMPARE(stateOf(tile), "Idle"_s);
-        QVERIFY(!ScriptedChild::isAlive(processId));
-        QVERIFY(showsText(tile, QString()));
-    }
-
-    void spinnerWaitsForTheFirstFrame()
-    {
-        ScriptedChild child({"wait go", "print frame\\n"});
-        VideoWidget tile(localCamera());
-        tile.show();
+        ScriptedTile tile("solid 64 48 ff0000ff|wait go|print size 64 48\\nframe\\n|wait paused"
+                          "|print frame\\nframe\\n"_s);
         const QWidget &spinner = *tile.findChild<QWidget *>("spinnerWidget"_s);
-        QVERIFY(spinner.isHidden());
+        QVERIFY(spinner.isHidden() && !tile.isPlaying());
         QVERIFY(tile.playLive());
-        QVERIFY(!spinner.isHidden());
-        child.tell("go"_s);
-        QTRY_VERIFY(spinner.isHidden());
+        QCOMPARE(stateOf(tile), "Starting"_s);
+        QVERIFY(!spinner.isHidden() && !tile.isPlaying());
+        tile.tell("go"_s);
+        QTRY_COMPARE(stateOf(tile), "Playing"_s);
+        QVERIFY(spinner.isHidden() && tile.isPlaying());
+        tile.pause();
+        tile.tell("paused"_s);
+        // A frame that slips out renews the pause.
+        QTRY_COMPARE(tile.orders(), QStringList({"volume 0", "pause", "pause"}));
+        QCOMPARE(stateOf(tile), "Paused"_s);
+        QVERIFY(tile.isPaused() && !tile.isPlaying());
+        tile.unpause();
         QCOMPARE(stateOf(tile), "Playing"_s);
-    }
 
-    void isPlaying_data()
-    {
-        rows<QStringList, QString, bool, bool>(
-            {"script", "state", "live", "archive"},
-            {
-                {"starting", QStringList{}, "Starting", false, true},
-                {"playing", playing, "Playing", true, true},
-                {"paused", QStringList{"print state 4\\n"}, "Paused", false, true},
-                {"error", failing, "Error", false, false},
-            });
-    }
+        tile.stop();
+        QCOMPARE(stateOf(tile), "Idle"_s);
+        QVERIFY(!tile.isAlive(tile.lastProcessId()));
+        QVERIFY(showsText(tile, QString()));
+        // The picture is gone from the file as well.
+        QFile file(QDir::temp().filePath(tile.starts().first().value(1)));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.read(64 * 48 * 4), QByteArray("\x1d\x19\x19\xff").repeated(64 * 48));
+        tile.pause();
+        QCOMPARE(stateOf(tile), "Paused"_s);
+        tile.unpause();
+        QCOMPARE(stateOf(tile), "Playing"_s);
 
-    void isPlaying()
-    {
-        const auto [script, state, live, archive] = row<QStringList, QString, bool, bool>();
-        ScriptedChild child(script);
-        VideoWidget tile(localCamera());
-        QVERIFY(!tile.isPlaying());
-        QVERIFY(tile.playLive());
-        QTRY_COMPARE(stateOf(tile), state);
-        QCOMPARE(tile.isPlaying(), live);
-        QVERIFY(tile.playArchive(noon, noon.addSecs(60), 1));
-        QTRY_COMPARE(stateOf(tile), state);
-        QCOMPARE(tile.isPlaying(), archive);
-    }
-
-    void archiveOfARecord_data()
-    {
-        rows<int, bool>({"minute", "plays"}, {
-                                                 {"before all", -1, false},
-                                                 {"begin", 0, true},
-                                                 {"within", 5, true},
-                                                 {"end, in a gap", 10, false},
-                                                 {"gap", 15, false},
-                                                 {"second record", 20, true},
-                                                 {"end of all", 30, false},
-                                                 {"another day", 24 * 60, false},
-                                             });
+        // An error in the archive is the end.
+        FakeClock clock(noon);
+        tile.setScript("print frame\\n|wait fail|print state 7\\n"_s);
+        QVERIFY(tile.playArchive(noon, noon.addSecs(60)));
+        QVERIFY(tile.isPlaying());
+        QTRY_COMPARE(stateOf(tile), "Playing"_s);
+        tile.tell("fail"_s);
+        QTRY_COMPARE(stateOf(tile), "Error"_s);
+        QVERIFY(!tile.isPlaying() && !tile.isAlive(tile.lastProcessId()));
+        QVERIFY(showsText(tile, QString()));
+        clock.advance(1000);
+        tick(tile);
+        QCOMPARE(stateOf(tile), "Error"_s);
     }
 
     void archiveOfARecord()
     {
-        const auto [minute, plays] = row<int, bool>();
-        ScriptedChild child(playing);
-        VideoWidget tile(cameraWithRecords());
-        tile.resize(320, 240);
-        tile.show();
-        const QDateTime start = noon.addSecs(minute * 60);
-        QCOMPARE(tile.playArchive(start, 4), plays);
-        if (!plays) {
+        ScriptedTile tile(playing, camera({"12:00:00-12:10:00", "12:20:00-12:30:00"}));
+        QVERIFY(tile.playsLive());
+        QVERIFY(!tile.playArchive(noon.addDays(1), 4));
+        for (const QString &gap : {"11:59:59"_s, "12:10:00"_s, "12:30:00"_s}) {
+            QVERIFY(!tile.playArchive(at(gap), 4));
             QVERIFY(showsText(tile, "No records"_s));
-            QVERIFY(child.starts().isEmpty());
-            return;
+            QCOMPARE(stateOf(tile), "Playing"_s);
         }
-        QTRY_COMPARE(child.starts().size(), 1);
-        QCOMPARE(urlKey(child, "startTime"_s).toLongLong(), start.toSecsSinceEpoch());
-        QCOMPARE(urlKey(child, "speed"_s), "4"_s);
-        QCOMPARE(tile.playbackTime(), start);
-    }
-
-    void speedStaysInLivePlay()
-    {
-        const FakeClock clock(noon);
-        ScriptedChild child({"wait go", "print time 1000\\n"});
-        VideoWidget tile(localCamera());
-        QVERIFY(tile.playArchive(noon.addDays(-1), noon, 4));
-        QVERIFY(tile.playLive());
-        QCOMPARE(tile.playbackTime(), noon);
-        child.tell("go"_s);
-        QTRY_COMPARE(tile.playbackTime(), noon.addSecs(4));
-    }
-
-    void quality_data()
-    {
-        rows<int, bool, QString>({"quality", "archive", "asked"}, {
-                                                                      {"the same", 2, false, ""},
-                                                                      {"too low", -1, false, ""},
-                                                                      {"too high", 3, false, ""},
-                                                                      {"live", 0, false, "0"},
-                                                                      {"archive", 1, true, "1"},
-                                                                  });
+        for (const QString &time : {"12:00:00"_s, "12:09:59"_s, "12:20:00"_s}) {
+            QVERIFY(tile.playArchive(at(time), 4));
+            QTRY_COMPARE(asked(tile), "archive 2 4 %1"_s.arg(noon.secsTo(at(time))));
+            QCOMPARE(tile.playbackTime(), at(time));
+        }
     }
 
     void quality()
     {
-        const auto [quality, archive, asked] = row<int, bool, QString>();
-        ScriptedChild child(playing);
-        VideoWidget tile(localCamera());
-        QVERIFY(archive ? tile.playArchive(noon, noon.addSecs(60), 1) : tile.playLive());
-        QTRY_COMPARE(child.starts().size(), 1);
-        QCOMPARE(urlKey(child, "q"_s), "2"_s);
-        tile.setQuality(quality);
-        if (asked.isEmpty()) {
-            tile.playLive(); // the start after what didn't happen
-            QTRY_COMPARE(child.starts().size(), 2);
-            QCOMPARE(urlKey(child, "q"_s), "2"_s);
-            return;
-        }
-        QTRY_COMPARE(child.starts().size(), 2);
-        QCOMPARE(urlKey(child, "q"_s), asked);
-        QCOMPARE(child.starts().last().first().contains("/flv/archive"_s), archive);
-    }
+        ScriptedTile tile(playing);
+        QVERIFY(tile.playsLive());
+        QCOMPARE(asked(tile), "live 2"_s);
+        for (const int sameOrNone : {2, -1, 3})
+            tile.setQuality(sameOrNone);
+        tile.setQuality(0);
+        QTRY_COMPARE(tile.starts().size(), 2);
+        QCOMPARE(asked(tile), "live 0"_s);
 
-    void qualityGoesOnWhereTheArchiveWas()
-    {
-        ScriptedChild child({"print time 30000\\nframe\\n"});
-        VideoWidget tile(localCamera());
+        // The archive goes on where it was.
+        tile.setScript("print time 30000\\nframe\\n"_s);
         QVERIFY(tile.playArchive(noon, noon.addSecs(600), 2));
         QTRY_COMPARE(tile.playbackTime(), noon.addSecs(60));
-        child.setScript({});
-        tile.setQuality(0);
-        QTRY_COMPARE(child.starts().size(), 2);
-        QCOMPARE(urlKey(child, "startTime"_s).toLongLong(), noon.addSecs(60).toSecsSinceEpoch());
-        QCOMPARE(urlKey(child, "speed"_s), "2"_s);
+        tile.setScript(QString());
+        tile.setQuality(1);
+        QTRY_COMPARE(asked(tile), "archive 1 2 60"_s);
 
         // A tile that plays nothing only remembers.
         tile.stop();
-        tile.setQuality(1);
+        tile.setQuality(2);
         QCOMPARE(stateOf(tile), "Idle"_s);
         QVERIFY(tile.playArchive(noon, noon.addSecs(600)));
-        QTRY_COMPARE(child.starts().size(), 3);
-        QCOMPARE(urlKey(child, "q"_s), "1"_s);
-        QCOMPARE(urlKey(child, "speed"_s), "1"_s);
+        QTRY_COMPARE(asked(tile), "archive 2 1 0"_s);
     }
 
-    void flagsInLivePlay()
+    void flags()
     {
-        ScriptedChild child(playing);
-        const API::CameraPtr camera = localCamera();
-        VideoWidget tile(camera);
-        tile.resize(320, 240);
-        tile.show();
-        QVERIFY(tile.playLive());
-        QTRY_COMPARE(stateOf(tile), "Playing"_s);
-        camera->setFlags(API::CameraOffline);
+        const API::CameraPtr door = localCamera();
+        ScriptedTile tile(playing, door);
+        QVERIFY(tile.playsLive());
+        door->setFlags(API::CameraOffline);
         QCOMPARE(stateOf(tile), "Idle"_s);
         QVERIFY(showsText(tile, "Camera Door is offline"_s));
-        camera->setFlags(API::CameraNotPaid);
+        door->setFlags(API::CameraNotPaid);
         QVERIFY(showsText(tile, "Camera Door is not paid for"_s));
-        camera->setFlags(0);
+        door->setFlags(0);
         QTRY_COMPARE(stateOf(tile), "Playing"_s);
-        QCOMPARE(child.starts().size(), 2);
-    }
 
-    void flagsInTheArchive()
-    {
-        ScriptedChild child(playing);
-        const API::CameraPtr camera = localCamera();
-        VideoWidget tile(camera);
-        QVERIFY(tile.playArchive(noon, noon.addSecs(60), 1));
+        // They are nothing to the archive.
+        QVERIFY(tile.playArchive(noon, noon.addSecs(60)));
         QTRY_COMPARE(stateOf(tile), "Playing"_s);
-        camera->setFlags(API::CameraOffline);
+        door->setFlags(API::CameraOffline);
         QCOMPARE(stateOf(tile), "Playing"_s);
-        camera->setFlags(0);
-        QCOMPARE(child.starts().size(), 1);
+        door->setFlags(0);
+        QCOMPARE(tile.starts().size(), 3);
     }
 
-    void lastWordsOfAChildAreDropped()
+    void failuresAreReloaded()
     {
-        // What a child still says while it is being ended must not pass for its successor's words.
-        ScriptedChild child({"print frame\\n", "until go frame\\nstate 7\\n"});
-        child.tell("go"_s);
-        VideoWidget tile(localCamera());
-        QVERIFY(tile.playArchive(noon, noon.addSecs(60), 1));
-        QTRY_COMPARE(stateOf(tile), "Playing"_s);
-        child.setScript({"deaf", "flood 200000000 time 9000\\nframe\\nstate 7\\n"});
-        for (int i = 0; i < 5; ++i) {
+        FakeClock clock(noon);
+        const QString failing = "print frame\\n|wait fail|print state 7\\n"_s;
+        ScriptedTile tile(failing);
+        QVERIFY(tile.playsLive());
+        clock.advance(100);
+        tick(tile);
+        QCOMPARE(stateOf(tile), "Playing"_s);
+        tile.tell("fail"_s);
+        for (int reload = 1; reload <= 3; ++reload) {
+            const QString state = reload == 2 ? "Playing"_s : "Error"_s; // that one only dies
+            QTRY_VERIFY(reload != 2 || tile.process().state() == QProcess::NotRunning);
+            QTRY_COMPARE(stateOf(tile), state);
             const LogCapture log;
-            QVERIFY(tile.playArchive(noon, noon.addSecs(60), 1));
-            QTest::qWait(1);
+            clock.advance(10);
+            tick(tile);
+            QCOMPARE(stateOf(tile), state);
+            QCOMPARE(tile.starts().size(), reload);
+            clock.advance(1);
+            tile.setScript(reload == 1 ? "print frame\\n|die"_s : failing);
+            tick(tile);
+            QTRY_COMPARE(tile.starts().size(), reload + 1);
+            const QString logged =
+                "Camera \"Door\" freezed and reload by timer. Reloads count: %1"_s;
+            QCOMPARE(log.linesOf(logged.arg(reload)).size(), 1);
+            QVERIFY(dumpOf(tile).contains("reloads count: %1 is"_s.arg(reload)));
+            QCOMPARE(tile.playbackTime(), clock.now());
         }
-        child.setScript({"wait first", "print frame\\n"});
-        QVERIFY(tile.playArchive(noon, noon.addSecs(60), 1));
-        QCOMPARE(stateOf(tile), "Starting"_s);
-        QCOMPARE(tile.playbackTime(), noon);
-        QVERIFY(!tile.findChild<QWidget *>("spinnerWidget"_s)->isHidden());
-        child.tell("first"_s);
+        // The fourth error is not waited on.
+        QTRY_COMPARE(stateOf(tile), "Error"_s);
+        tick(tile);
+        QCOMPARE(stateOf(tile), "Idle"_s);
+        QVERIFY(showsText(tile, "No video available"_s));
+        QVERIFY(!tile.isAlive(tile.lastProcessId()));
+
+        // The user has gone to the archive meanwhile, and is taken back.
+        tile.setScript(playing);
+        QVERIFY(tile.playArchive(noon.addDays(-1), noon));
+        QTRY_COMPARE(tile.starts().size(), 5);
+        QVERIFY(expireTimer(*QAbstractEventDispatcher::instance(), 30s));
+        QTRY_COMPARE(tile.starts().size(), 6);
+        QCOMPARE(asked(tile), "live 2"_s);
         QTRY_COMPARE(stateOf(tile), "Playing"_s);
+        QVERIFY(dumpOf(tile).contains("reloads count: 0 is"_s));
     }
 
-    void clickTellsTheCameraAndDumps()
+    void clickTellsTheCamera()
     {
-        const API::CameraPtr camera = localCamera();
-        VideoWidget tile(camera);
+        ScriptedTile tile;
         QList<API::CameraPtr> clicked;
         connect(&tile, &VideoWidget::clicked, this,
                 [&clicked](const API::CameraPtr &which) { clicked << which; });
-        tile.show();
-        const LogCapture log;
         QTest::mouseClick(&tile, Qt::RightButton);
         QVERIFY(clicked.isEmpty());
         QTest::mouseClick(&tile, Qt::LeftButton);
-        QCOMPARE(clicked, QList<API::CameraPtr>{camera});
-        const QStringList dumps = log.linesOf("Activated camera:"_s);
-        QCOMPARE(dumps.size(), 1);
-        const QStringList labels{"Activated camera:", "state:",         "last request time:",
-                                 "freeze time:",      "reloads count:", "is archive playing?",
-                                 "VLC state:",        "volume:",        "quality:",
-                                 "resolution:",       "playback time:", "base time:"};
-        int position = -1;
-        for (const QString &label : labels) {
-            const int found = dumps.first().indexOf(label, position + 1);
-            QVERIFY2(found > position, qPrintable(label));
-            position = found;
+        QCOMPARE(clicked, QList<API::CameraPtr>{tile.camera()});
+    }
+
+    void fragments()
+    {
+        const API::CameraPtr door =
+            camera({"12:00:00-12:01:00", "12:03:00-12:04:00", "23:59:00-23:59:59"});
+        ScriptedTile tile(QString(), door);
+        // Nothing is recorded there, and what has begun would refuse the next.
+        tile.exportFragment(noon.addSecs(-60), noon);
+        tile.exportFragment(noon.addSecs(60), noon.addSecs(180));
+        tile.exportFragment(noon.addDays(1), noon.addDays(1).addSecs(60));
+        const QList<QStringList> fragments{{"h264", "12:00:00", "300", "mp4 120000"},
+                                           {"H264", "12:00:30", "160", "avi 40000"},
+                                           {"h264", "12:01:00", "121", "mp4 1000"},
+                                           {"", "12:00:10", "2", "avi 2000"},
+                                           {"h264", "23:59:30", "600", "mp4 29000"}};
+        for (const QStringList &fragment : fragments) {
+            door->setVcodec(fragment.at(0));
+            const QDateTime start = at(fragment.at(1));
+            const QDateTime end = start.addSecs(fragment.at(2).toInt());
+            const auto starts = tile.starts().size();
+            tile.exportFragment(start, end);
+            QTRY_COMPARE(tile.starts().size(), starts + 1);
+            const QStringList given = tile.starts().last();
+            QCOMPARE(given.value(0), "export"_s);
+            const QString span = "&startTime=%1&endTime=%2&"_s.arg(start.toMSecsSinceEpoch())
+                                     .arg(end.toMSecsSinceEpoch());
+            QVERIFY(given.value(1).startsWith("http://abc:8080/flv/archive?server=1&camera=3&"_s));
+            QVERIFY(given.value(1).contains(span));
+            QCOMPARE(given.value(2) + ' ' + given.value(3), fragment.at(3));
+            const QString name = "/abc - Door 03.03.15 " + start.toString("hh.mm.ss-") +
+                                 end.toString("hh.mm.ss.") + given.value(2);
+            QCOMPARE(given.value(4), films() + name);
+            tile.cancelExport();
+        }
+        QCOMPARE(tile.commands(), QStringList());
+    }
+
+    void exportLines_data()
+    {
+        const QString done = "done " + films() + film;
+        const QString error = "error " + films() + film;
+        rows<QString, QStringList>(
+            {"output", "words"},
+            {{"all", R"(export-start\nexport-percent 9\nexport-done\n)", {"started", "9", done}},
+             {"done once", R"(export-done\nexport-percent 5\nexport-done\n)", {"5", done}},
+             {"errors", R"(export-error\nexport-start\nexport-error\n)", {error, "started", error}},
+             {"no number", R"(export-percent all\nexport-percent  7\n)", {"0", "0"}},
+             {"no percent", R"(export-percent\nexport-percent 3\n)", {"3"}},
+             {"others", R"(\n export-start\x0d\nExport-start\nexport-started\n)", {"started"}},
+             {"nothing after a NUL", R"(export-percent 8\n\x00export-done\n)", {"8"}},
+             {"no end of line", "export-percent 20", {"20"}}});
+    }
+
+    void exportLines()
+    {
+        const auto [output, words] = row<QString, QStringList>();
+        ScriptedTile tile("print " + output + "|wait go|print export-percent 77\\n", camera());
+        const auto told = exportWords(tile);
+        const LogCapture log;
+        tile.exportFragment(noon, noon.addSecs(300));
+        QTRY_COMPARE(*told, words);
+        QCOMPARE(log.linesOf("Bad VLC input \"export-percent\""_s).size(),
+                 output.startsWith("export-percent\\n"_s) ? 1 : 0);
+        tile.tell("go"_s);
+        QTRY_COMPARE(*told, words + QStringList{"77"});
+    }
+
+    void secondExportOnlyChangesThePath()
+    {
+        ScriptedTile tile("print export-start\\n|wait go|print export-done\\n|die"_s, camera());
+        const auto told = exportWords(tile);
+        tile.exportFragment(noon.addSecs(600), noon.addSecs(900));
+        QTRY_COMPARE(*told, QStringList{"started"});
+        tile.exportFragment(noon, noon.addSecs(300));
+        tile.tell("go"_s);
+        QTRY_COMPARE(*told, QStringList({"started", "done " + films() + film}));
+        QCOMPARE(tile.starts().size(), 1);
+        // The next one can begin when that one has died.
+        QTRY_VERIFY((tile.exportFragment(noon, noon.addSecs(300)),
+                     QCoreApplication::processEvents(), told->size() > 2));
+    }
+
+    void endsOfExports()
+    {
+        // It may end with its input, not listen, hang, or go on telling.
+        for (const QString &script :
+             {"print export-start\\n"_s, "deaf|print export-start\\n"_s,
+              "print export-start\\n|hang"_s, "pace 200 export-start\\nexport-done\\n"_s}) {
+            const ScriptedChild child(script.split('|'));
+            auto tile = std::make_unique<VideoWidget>(camera());
+            const auto told = exportWords(*tile);
+            tile->cancelExport(); // none is there
+            for (const bool isCancelled : {true, false}) {
+                tile->exportFragment(noon, noon.addSecs(300));
+                QTRY_VERIFY(told->contains("started"_s));
+                told->clear();
+                const QDeadlineTimer deadline(10s);
+                if (isCancelled)
+                    tile->cancelExport();
+                else
+                    tile.reset();
+                QVERIFY(!deadline.hasExpired());
+                QVERIFY(!ScriptedChild::isAlive(child.lastProcessId()));
+                QCoreApplication::processEvents();
+                QCOMPARE(*told, QStringList());
+            }
         }
     }
+
+private:
+    /// The camera Door of the host abc, with records of these spans.
+    API::CameraPtr camera(const QStringList &spans = {"12:00:00-13:00:00"})
+    {
+        QList<API::ArchiveRecord> records;
+        for (const QString &span : spans)
+            records.append({at(span.section('-', 0, 0)), at(span.section('-', 1, 1))});
+        const API::CameraPtr door = world.loadedCamera(3, day, records);
+        door->setId("abc:8080"_s, 3);
+        door->setName("Door"_s);
+        door->setSessionId("pass"_s);
+        door->setVcodec("h264"_s);
+        return door;
+    }
+
+    ArchiveWorld world;
 };
 
 QTEST_MAIN(PlaybackTest)

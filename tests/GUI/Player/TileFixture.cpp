@@ -1,26 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "tests/GUI/Player/TileFixture.h"
 
-#include "tests/support/Test.h"
-
 #include "API/Camera.h"
 #include "API/Server.h"
-#include "App/Environment.h"
-#include "GUI/Player/VideoWidget.h"
 #include "tests/support/LogCapture.h"
 
+using GUI::Player::VideoWidget;
+
 namespace ZorvaneClient::Tests {
-
-namespace {
-
-const QColor background(25, 25, 29);
-
-QString captured(const QString &text, const QString &pattern)
-{
-    return QRegularExpression(pattern).match(text).captured(1);
-}
-
-} // namespace
 
 API::CameraPtr localCamera(const QString &name)
 {
@@ -34,83 +21,103 @@ API::CameraPtr localCamera(const QString &name)
 
 API::CameraPtr cloudCamera(const QVariantMap &changes)
 {
-    const QVariantMap active{{"active"_s, true}};
-    const QVariantMap services{{"enabled"_s, active}};
+    const QVariantMap services{{"enabled"_s, QVariantMap{{"active"_s, true}}}};
     QVariantMap json{{"id"_s, 7},
                      {"name"_s, "Gate"_s},
                      {"online"_s, true},
                      {"services"_s, services},
                      {"rights"_s, QStringList{"live", "archive"}}};
-    for (auto change = changes.begin(); change != changes.end(); ++change)
-        json.insert(change.key(), change.value());
+    json.insert(changes);
     API::Server server(QVariantMap{{"id"_s, "srv"_s}});
     return API::CameraPtr::create(&server, json);
 }
 
-QString dumpOf(GUI::Player::VideoWidget &tile)
+ScriptedTile::ScriptedTile(const QString &script, const API::CameraPtr &camera)
+    : VideoWidget(camera)
+{
+    setScript(script);
+    resize(320, 240);
+    show();
+    if (!QTest::qWaitForWindowExposed(this))
+        qFatal("no window");
+}
+
+QStringList ScriptedTile::orders() const
+{
+    QStringList orders = commands();
+    orders.removeAll("ping"_s);
+    return orders;
+}
+
+bool ScriptedTile::playsLive()
+{
+    return playLive() && QTest::qWaitFor([this] { return stateOf(*this) == "Playing"_s; });
+}
+
+QString dumpOf(VideoWidget &tile)
 {
     const LogCapture log;
-    QMouseEvent release(QEvent::MouseButtonRelease, QPointF(5, 5), QPointF(5, 5), Qt::LeftButton,
-                        Qt::NoButton, Qt::NoModifier);
-    QApplication::sendEvent(&tile, &release);
+    QTest::mouseRelease(&tile, Qt::LeftButton, Qt::NoModifier, QPoint(5, 5));
     return log.linesOf("Activated camera:"_s).value(0);
 }
 
-QString stateOf(GUI::Player::VideoWidget &tile)
+QString stateOf(VideoWidget &tile)
 {
-    return captured(dumpOf(tile), "\" state: (\\w+) last request time:"_s);
+    return QRegularExpression(" state: (\\w+) last"_s).match(dumpOf(tile)).captured(1);
 }
 
-QString resolutionOf(GUI::Player::VideoWidget &tile)
+QString vlcStateOf(VideoWidget &tile)
 {
-    return captured(dumpOf(tile), "resolution: (\\S+ x \\S+) playback time:"_s)
-        .remove(QLatin1Char(' '));
+    return QRegularExpression("VLC state: \"([^\"]*)"_s).match(dumpOf(tile)).captured(1);
 }
 
-void tick(GUI::Player::VideoWidget &tile)
+void tick(VideoWidget &tile)
 {
     QTimerEvent event(0);
     QApplication::sendEvent(&tile, &event);
 }
 
-bool showsText(GUI::Player::VideoWidget &tile, const QString &text)
+bool expireTimer(QObject &owner, std::chrono::milliseconds wait)
 {
-    const QImage shown = tile.grab().toImage().convertToFormat(QImage::Format_RGB32);
-    QImage expected(shown.size(), QImage::Format_RGB32);
-    expected.fill(background);
-    QPainter painter(&expected);
-    QFont font = tile.font();
-    font.setPixelSize(tile.width() >= 161 && tile.height() >= 121 ? 14 : 12);
-    painter.setFont(font);
-    painter.setPen(Qt::white);
-    painter.drawText(tile.rect(), Qt::AlignCenter | Qt::TextWordWrap, text);
-    painter.end();
-    return shown == expected;
+    const QAbstractEventDispatcher &dispatcher = *QAbstractEventDispatcher::instance();
+    const QObjectList objects = owner.findChildren<QObject *>() << &owner;
+    for (QObject *object : objects) {
+        for (const auto &timer : dispatcher.registeredTimers(object)) {
+            if (timer.interval == wait.count()) {
+                QTimerEvent event(timer.timerId);
+                return QCoreApplication::sendEvent(object, &event);
+            }
+        }
+    }
+    return false;
 }
 
-QColor pixelOf(QWidget &widget, int x, int y)
+QImage onScreen(const QWidget &window)
 {
-    return widget.grab().toImage().pixelColor(x, y);
+    const QPixmap shown = window.screen()->grabWindow(window.winId());
+    return shown.toImage().convertToFormat(QImage::Format_RGB32);
 }
 
-FakeClock::FakeClock(const QDateTime &start) : time(start)
+QColor pixelOf(const QWidget &window, int x, int y)
 {
-    App::Environment::setClock([this] { return time; });
+    return onScreen(window).pixelColor(x, y);
 }
 
-FakeClock::~FakeClock()
+bool showsText(VideoWidget &tile, const QString &text)
 {
-    App::Environment::setClock({});
-}
-
-QDateTime FakeClock::now() const
-{
-    return time;
-}
-
-void FakeClock::advance(int seconds)
-{
-    time = time.addSecs(seconds);
+    return QTest::qWaitFor([&tile, &text] {
+        const QImage shown = tile.isWindow() ? onScreen(tile) : tile.grab().toImage();
+        QImage expected(shown.size(), QImage::Format_RGB32);
+        expected.fill(QColor(25, 25, 29));
+        QPainter painter(&expected);
+        QFont font = tile.font();
+        font.setPixelSize(tile.width() >= 161 && tile.height() >= 121 ? 14 : 12);
+        painter.setFont(font);
+        painter.setPen(Qt::white);
+        painter.drawText(tile.rect(), Qt::AlignCenter | Qt::TextWordWrap, text);
+        painter.end();
+        return shown.convertToFormat(QImage::Format_RGB32) == expected;
+    });
 }
 
 } // namespace ZorvaneClient::Tests

@@ -4,20 +4,9 @@
 #include "tests/support/Test.h"
 
 #include "API/Types.h"
-
-QT_BEGIN_NAMESPACE
-class QWidget;
-QT_END_NAMESPACE
-
-namespace ZorvaneClient {
-
-namespace GUI {
-namespace Player {
-class VideoWidget;
-}
-} // namespace GUI
-
-} // namespace ZorvaneClient
+#include "App/Environment.h"
+#include "GUI/Player/VideoWidget.h"
+#include "tests/support/ScriptedChild.h"
 
 namespace ZorvaneClient::Tests {
 
@@ -27,20 +16,41 @@ API::CameraPtr localCamera(const QString &name = "Door"_s);
 /// its place in the roster.
 API::CameraPtr cloudCamera(const QVariantMap &changes = QVariantMap());
 
+/// A tile in a window of its own, with the child that it starts.
+struct ScriptedTile : ScriptedChild, GUI::Player::VideoWidget {
+    /// The lines of `script` are parted by bars.
+    explicit ScriptedTile(const QString &script = QString(),
+                          const API::CameraPtr &camera = localCamera());
+
+    void setScript(const QString &script)
+    {
+        ScriptedChild::setScript(script.split(QLatin1Char('|')));
+    }
+    /// Lines of standard input of all children so far, but for the pings.
+    QStringList orders() const;
+    QProcess &process() const { return *findChild<QProcess *>(); }
+    /// Starts live play and waits for the first frame.
+    bool playsLive();
+};
+
 /// What the tile writes into the log when it is clicked.
 QString dumpOf(GUI::Player::VideoWidget &tile);
 /// The word for the tile's state.
 QString stateOf(GUI::Player::VideoWidget &tile);
-/// "640x480", whatever was announced last.
-QString resolutionOf(GUI::Player::VideoWidget &tile);
+/// What the child said of its state last.
+QString vlcStateOf(GUI::Player::VideoWidget &tile);
 
 /// The tile's two seconds are over.
 void tick(GUI::Player::VideoWidget &tile);
+/// Ends the wait of a timer of `owner` or its children that takes so long; false if there is none.
+/// Those of a single shot belong to the event dispatcher.
+bool expireTimer(QObject &owner, std::chrono::milliseconds wait);
 
-/// True if the tile shows `text` and no picture.
+/// What is to be seen of a window now, without another paint of it.
+QImage onScreen(const QWidget &window);
+QColor pixelOf(const QWidget &window, int x, int y);
+/// Waits until the tile shows `text` and no picture.
 bool showsText(GUI::Player::VideoWidget &tile, const QString &text);
-/// Colour of one pixel as painted.
-QColor pixelOf(QWidget &widget, int x, int y);
 
 /// The wall clock under a test's control, while it lives.
 class FakeClock
@@ -48,11 +58,14 @@ class FakeClock
     Q_DISABLE_COPY(FakeClock)
 
 public:
-    explicit FakeClock(const QDateTime &start);
-    ~FakeClock();
+    explicit FakeClock(const QDateTime &start) : time(start)
+    {
+        App::Environment::setClock([this] { return time; });
+    }
+    ~FakeClock() { App::Environment::setClock({}); }
 
-    QDateTime now() const;
-    void advance(int seconds);
+    QDateTime now() const { return time; }
+    void advance(int seconds) { time = time.addSecs(seconds); }
 
 private:
     QDateTime time;

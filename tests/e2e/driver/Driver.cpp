@@ -10,27 +10,23 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QMessageBox>
+#include <QMouseEvent>
+#include <QPixmap>
 #include <QTimer>
 
 #include <unistd.h>
 
-namespace ZorvaneClient {
-namespace Tests {
+namespace ZorvaneClient::Tests {
 
 namespace {
-
-bool isOfClass(const QObject *object, const QString &name)
-{
-    return QString::fromLatin1(object->metaObject()->className())
-               .section(QStringLiteral("::"), -1) == name;
-}
 
 /// The visible one of that name inside a widget of that class; without a name, the latter.
 QWidget *find(const QString &className, const QString &name)
 {
     const QWidgetList widgets = QApplication::allWidgets();
     for (QWidget *widget : widgets) {
-        if (!isOfClass(widget, className) || !widget->isVisible())
+        const QString itsClass = QString::fromLatin1(widget->metaObject()->className());
+        if (itsClass.section("::", -1) != className || !widget->isVisible())
             continue;
         if (name.isEmpty())
             return widget;
@@ -38,13 +34,6 @@ QWidget *find(const QString &className, const QString &name)
             return part;
     }
     return nullptr;
-}
-
-/// Later: what is pressed may open a dialog, and the answer would wait for its end.
-template <typename Press>
-void pressLater(QWidget *widget, Press press)
-{
-    QTimer::singleShot(0, widget, press);
 }
 
 QJsonArray textsOf(const QWidget *parent)
@@ -59,42 +48,55 @@ QJsonArray textsOf(const QWidget *parent)
     return texts;
 }
 
-bool press(QWidget *widget, const QString &standardButton)
+/// A click into its middle; a question is answered with its default button.
+void click(QWidget *widget)
 {
-    auto *button = qobject_cast<QAbstractButton *>(widget);
-    if (const auto *box = qobject_cast<QMessageBox *>(widget))
-        button = box->button(standardButton == QLatin1String("ok") ? QMessageBox::Ok
-                                                                   : QMessageBox::Cancel);
-    if (!button)
-        return false;
-    pressLater(button, [button] { button->click(); });
-    return true;
+    if (auto *box = qobject_cast<QMessageBox *>(widget))
+        widget = box->button(QMessageBox::Ok);
+    const QPointF middle = widget->rect().center();
+    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        QMouseEvent event(type, middle, widget->mapToGlobal(middle.toPoint()), Qt::LeftButton,
+                          type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
+                          Qt::NoModifier);
+        QCoreApplication::sendEvent(widget, &event);
+    }
 }
 
-bool choose(QWidget *widget, int index)
+QJsonObject answer(const QString &what, QWidget *widget, const QString &value)
 {
-    auto *box = qobject_cast<QComboBox *>(widget);
-    if (box)
-        box->setCurrentIndex(index);
-    return box;
+    QJsonObject result{{"done", widget != nullptr}};
+    if (!widget)
+        return result;
+    // Later: what is pressed may open a dialog, and the answer would wait for its end.
+    if (what == "press")
+        QTimer::singleShot(0, widget, [widget] { click(widget); });
+    else if (what == "close")
+        QTimer::singleShot(0, widget, [widget] { widget->close(); });
+    else if (what == "choose")
+        qobject_cast<QComboBox *>(widget)->setCurrentIndex(value.toInt());
+    else if (what == "texts")
+        result.insert("texts", textsOf(widget));
+    else if (what == "grab")
+        result.insert("done", widget->grab().save(value));
+    return result;
 }
 
 } // namespace
 
-Driver::Driver(const QString &socketName)
+Driver::Driver(const QString &socketName, QObject *parent) : QObject(parent)
 {
     connect(&socket, &QLocalSocket::readyRead, this, &Driver::readRequests);
     socket.connectToServer(socketName);
-    say({{QStringLiteral("pid"), static_cast<int>(::getpid())},
-         {QStringLiteral("parent"), static_cast<int>(::getppid())},
-         {QStringLiteral("folder"), QDir::currentPath()},
-         {QStringLiteral("arguments"), QJsonArray::fromStringList(QCoreApplication::arguments())}});
-    QDesktopServices::setUrlHandler(QStringLiteral("http"), this, "linkOpened");
+    say({{"pid", static_cast<int>(::getpid())},
+         {"parent", static_cast<int>(::getppid())},
+         {"folder", QDir::currentPath()},
+         {"arguments", QJsonArray::fromStringList(QCoreApplication::arguments())}});
+    QDesktopServices::setUrlHandler("http", this, "linkOpened");
 }
 
 void Driver::linkOpened(const QUrl &url)
 {
-    say({{QStringLiteral("opened"), url.toString()}});
+    say({{"opened", url.toString()}});
 }
 
 void Driver::say(const QJsonObject &line)
@@ -105,27 +107,12 @@ void Driver::say(const QJsonObject &line)
 
 void Driver::readRequests()
 {
-    while (socket.canReadLine())
-        say(answer(QJsonDocument::fromJson(socket.readLine()).object()));
-}
-
-QJsonObject Driver::answer(const QJsonObject &request)
-{
-    const QString what = request.value(QLatin1String("do")).toString();
-    QWidget *widget = find(request.value(QLatin1String("in")).toString(),
-                           request.value(QLatin1String("name")).toString());
-    QJsonObject result;
-    bool done = widget != nullptr;
-    if (widget && what == QLatin1String("press"))
-        done = press(widget, request.value(QLatin1String("button")).toString());
-    else if (widget && what == QLatin1String("choose"))
-        done = choose(widget, request.value(QLatin1String("index")).toInt());
-    else if (widget && what == QLatin1String("texts"))
-        result.insert(QStringLiteral("texts"), textsOf(widget));
-    else if (widget && what == QLatin1String("close"))
-        pressLater(widget, [widget] { widget->close(); });
-    result.insert(QStringLiteral("done"), done);
-    return result;
+    while (socket.canReadLine()) {
+        const QJsonArray request = QJsonDocument::fromJson(socket.readLine()).array();
+        say(answer(request.at(0).toString(),
+                   find(request.at(1).toString(), request.at(2).toString()),
+                   request.at(3).toString()));
+    }
 }
 
 /// The toolkit loads it into the program when told so by the environment.
@@ -140,15 +127,12 @@ public:
     {
         auto *place = new QObject;
         QTimer::singleShot(0, place, [place] {
-            const QString name = qEnvironmentVariable("ZORVANE_DRIVER_SOCKET");
-            auto *driver = new Driver(name);
-            driver->setParent(place);
+            new Driver(qEnvironmentVariable("ZORVANE_DRIVER_SOCKET"), place);
         });
         return place;
     }
 };
 
-} // namespace Tests
-} // namespace ZorvaneClient
+} // namespace ZorvaneClient::Tests
 
 #include "Driver.moc"

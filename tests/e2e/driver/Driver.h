@@ -9,15 +9,15 @@
 namespace ZorvaneClient::Tests {
 
 /// Stands inside a running client and does what the test at the other end of the socket asks:
-/// presses its buttons, reads its texts, takes its links in place of a browser.
-/// Both sides send a JSON object a line.
+/// presses its buttons, reads its texts and pictures, takes its links in place of a browser.
+/// A request is a JSON array a line, an answer a JSON object a line.
 class Driver : public QObject
 {
     Q_OBJECT
     Q_DISABLE_COPY(Driver)
 
 public:
-    explicit Driver(const QString &socketName);
+    Driver(const QString &socketName, QObject *parent);
 
 public slots:
     void linkOpened(const QUrl &url);
@@ -25,7 +25,6 @@ public slots:
 private:
     void readRequests();
     void say(const QJsonObject &line);
-    QJsonObject answer(const QJsonObject &request);
 
     QLocalSocket socket;
 };

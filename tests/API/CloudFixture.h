@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/support/Test.h"
+
+#include "API/CloudAPIClient.h"
+#include "API/LocalServer.h"
+#include "App/Environment.h"
+#include "App/Settings.h"
+#include "tests/support/ScriptedService.h"
+
+namespace ZorvaneClient::Tests {
+
+const QString rosterFile = "local_roster.txt"_s;
+const QByteArray oneServer =
+    R"({"x":{"id":"s1","name":"One","cameras":{"7":{"id":7},"8":{"id":8},"9":{"id":9}}}})";
+/// 2026-11-14 09:00:00 UTC.
+constexpr int startStamp = 1794646800;
+
+/// What of a file is there to read.
+inline QByteArray contentOf(const QString &fileName)
+{
+    QFile file(fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+inline void writeFile(const QString &fileName, const QByteArray &content)
+{
+    QFile file(fileName);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+}
+
+/// True when only its owner gets at the file.
+inline bool isPrivate(const QString &fileName)
+{
+    return QFile::exists(fileName) && !(QFile::permissions(fileName) & QFile::Permissions(0x0077));
+}
+
+/// Ports below 4 refuse on loopback.
+inline API::LocalServerPtr lanServer(int port, const QString &alias = "LAN"_s)
+{
+    return API::LocalServerPtr::create(alias, "127.0.0.1"_s, port, "secret"_s);
+}
+
+/// Each test function begins without a session, servers and files, at a fixed time.
+class CloudFixture : public QObject
+{
+    Q_OBJECT
+
+protected:
+    static QString cacheFolder()
+    {
+        return QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+    }
+
+    static void setTime(int seconds)
+    {
+        const QDateTime time = QDateTime::fromSecsSinceEpoch(startStamp + seconds);
+        App::Environment::setClock([time] { return time; });
+    }
+
+    /// Asks past the throttle and waits for the outcome.
+    void updateRoster(const QByteArray &roster = oneServer)
+    {
+        service.succeed("GET", "/public/roster", roster);
+        static int minutes = 0;
+        setTime(++minutes * 60);
+        QSignalSpy updated(client.get(), &API::CloudAPIClient::rosterUpdated);
+        client->updateRoster();
+        QCOMPARE(updated.count(), 0);
+        QTRY_COMPARE(updated.count(), 1);
+    }
+
+    /// An exchange begun now has its outcome, so all before it were handled.
+    void settle()
+    {
+        QTRY_COMPARE(service.server().openConnections(), 0);
+        API::CloudAPIClient later;
+        QSignalSpy failed(&later, &API::CloudAPIClient::updatesError);
+        later.checkForUpdates();
+        QTRY_COMPARE(failed.count(), 1);
+    }
+
+    ScriptedService service;
+    std::unique_ptr<API::CloudAPIClient> client;
+
+protected slots:
+    void initTestCase() { QVERIFY(service.start()); }
+
+    void init()
+    {
+        setTime(0);
+        QDir().rmdir(rosterFile);
+        QFile::remove(rosterFile);
+        QVERIFY(QDir(cacheFolder()).removeRecursively() && QDir().mkpath(cacheFolder()));
+        App::settings().setValue("auth/email"_s, "Demo@Zorvane.EXAMPLE"_s);
+        service.reset();
+        client = std::make_unique<API::CloudAPIClient>();
+        client->logout();
+        QTRY_COMPARE(service.requests().size(), 1);
+        service.reset();
+    }
+
+    void cleanup() { client.reset(); }
+};
+
+} // namespace ZorvaneClient::Tests

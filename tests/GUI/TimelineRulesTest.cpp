@@ -1,0 +1,422 @@
+// SPDX-License-Identifier: MIT
+// What the strip computes, without a window: see TimelineTest for what the user sees of it.
+#include "tests/support/Test.h"
+
+#include "GUI/TimelineScale.h"
+#include "tests/GUI/ArchiveWorld.h"
+#include "tests/GUI/TimelineStrip.h"
+
+using namespace GUI::Internal;
+
+namespace {
+
+const QString wholeDay = "0:00 to 23:59:59"_s;
+const QByteArray berlin = "Europe/Berlin";
+
+/// Each case says "what goes in -> what comes out".
+QStringList resultsOf(const QStringList &cases, const std::function<QString(QString)> &rule)
+{
+    QStringList results;
+    for (const QString &each : cases) {
+        const QString input = each.section(" -> ", 0, 0);
+        results.append(input + " -> " + rule(input));
+    }
+    return results;
+}
+
+using Moments = QList<std::tuple<QDateTime, int, QDateTime>>;
+
+/// What is to be played, found by looking at each record, one after the other.
+Moments momentsByTheRule(const QList<API::CameraPtr> &cameras, const QDateTime &position)
+{
+    QDateTime next = position.addDays(1);
+    Moments moments;
+    for (const API::CameraPtr &camera : cameras) {
+        for (const API::ArchiveRecord &record : camera->records(position.date())) {
+            if (position < record.end)
+                next = qMin(next, qMax(position, record.start));
+        }
+    }
+    for (const API::CameraPtr &camera : cameras) {
+        for (const API::ArchiveRecord &record : camera->records(position.date())) {
+            if (next < record.end)
+                moments.append({qMax(record.start, next), camera->id(), record.end});
+        }
+    }
+    std::sort(moments.begin(), moments.end());
+    return moments;
+}
+
+} // namespace
+
+class TimelineRulesTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { QVERIFY(world.start()); }
+
+    void init()
+    {
+        useZone(berlin);
+        world.reset();
+    }
+
+    void pixelsAndTimes_data()
+    {
+        const QString tenMinutes = "10:00 to 10:10";
+        rows<int, QString, QString>(
+            {"width", "window", "cases"},
+            {{"day", stripWidth, wholeDay,
+              "x 14 -> -1 23:58:34; x 15 -> 0:00; x 16 -> 0:01:26; x 515 -> 11:59:59; "
+              "x 1015 -> 23:59:59; x 1016 -> +1 0:01:25; -1 23:58:33 -> x 14; -1 23:58:34 -> x 15; "
+              "0:01:26 -> x 15; 0:01:27 -> x 16; 12:00 -> x 515; 23:59:59 -> x 1015"},
+             // Truncated toward zero, and years off within what a number of pixels can say.
+             {"ten minutes", stripWidth, tenMinutes,
+              "x 13 -> 9:59:59; x 14 -> 10:00; x 16 -> 10:00; x 17 -> 10:00:01; 9:59:59 -> x 14; "
+              "10:00:01 -> x 16; -20000 10:00 -> x -999999985; +20000 10:00 -> x 1000000015"},
+             {"one pixel", 31, wholeDay, "x 15 -> 0:00; x 16 -> 23:59:59; 23:59:59 -> x 16"},
+             {"margins", 30, tenMinutes, "x 15 -> 10:00; x 16 -> 10:00; 10:10 -> x 15"},
+             {"less than them", 29, wholeDay, "x 16 -> -1 0:00:01; 23:59:59 -> x 14"},
+             {"nothing", 0, wholeDay, "x 0 -> 11:59:59; x -15 -> 23:59:59; 12:00 -> x 0"},
+             {"no time", stripWidth, "10:00 to 10:00", "x 515 -> 10:00; 10:00 -> x 15"}});
+    }
+
+    void pixelsAndTimes()
+    {
+        const auto [width, window, cases] = row<int, QString, QString>();
+        TimelineStrip strip(width);
+        strip.setWindow(window);
+        const auto rule = [&strip](const QString &input) {
+            return input.startsWith("x ") ? Tests::textOf(strip.state.timeAt(input.mid(2).toInt()))
+                                          : "x %1"_s.arg(strip.state.pixelAt(at(input)));
+        };
+        QCOMPARE(resultsOf(cases.split("; "), rule).join("; "), cases);
+    }
+
+    void windowStaysInTheDay()
+    {
+        const QStringList cases{
+            "-1 23:00 to 2:00 -> 0:00 to 2:00",      "1:00 to +1 0:00 -> 1:00 to 23:59:59",
+            "1:00 to 1:01 -> 1:00 to 1:01",          "1:00 to 1:00 -> 0:00 to 23:59:59",
+            "2:00 to 1:00 -> 0:00 to 23:59:59",      "-1 1:00 to -1 2:00 -> 0:00 to 23:59:59",
+            "+1 1:00 to +1 2:00 -> 0:00 to 23:59:59"};
+        const auto clamped = [](const QString &window) {
+            TimelineStrip strip;
+            strip.setWindow(window);
+            strip.state.clampWindow();
+            return Tests::textOf(strip.state.startValue, strip.state.endValue);
+        };
+        QCOMPARE(resultsOf(cases, clamped), cases);
+
+        // On another day whose clock skips 2:00 to 3:00.
+        const QDate spring(2026, 3, 29);
+        QCOMPARE(localTime(spring, QTime(2, 30)), QDateTime(spring, QTime(3, 30)));
+        const QStringList skipped{"2:15 to 2:45 -> +19 3:15 to +19 3:45",
+                                  "2:45 to 3:15 -> +19 0:00 to +19 23:59:59"};
+        const auto changed = [&spring](const QString &window) {
+            GUI::Timeline timeline(stripDay);
+            setWindow(timeline, window);
+            timeline.changeDate(spring);
+            return windowOf(timeline);
+        };
+        QCOMPARE(resultsOf(skipped, changed), skipped);
+    }
+
+    void clockChanges_data()
+    {
+        rows<QByteArray, QDate, int>(
+            {"zone", "date", "seconds"},
+            {{"23 hours", berlin, QDate(2026, 3, 29), 82799},
+             {"25 hours", berlin, QDate(2026, 10, 25), 89999},
+             {"no midnight", "America/Sao_Paulo", QDate(2017, 10, 15), 82799}});
+    }
+
+    void clockChanges()
+    {
+        const auto [zone, date, seconds] = row<QByteArray, QDate, int>();
+        useZone(zone);
+        TimelineStrip strip(stripWidth, date);
+        TimelinePrivate &state = strip.state;
+        QCOMPARE(state.startValue, date.startOfDay());
+        QCOMPARE(state.startValue.secsTo(state.endValue), seconds);
+        for (int x = 16; x <= 1015; ++x) {
+            QVERIFY(state.timeAt(x - 1) < state.timeAt(x));
+            QVERIFY(qAbs(state.pixelAt(state.timeAt(x)) - x) <= 1);
+        }
+        // Wherever the window is, it stays in the day: closer, to both ends, and wider again.
+        for (int x = 15; x <= 1015; x += 100) {
+            for (int step = 0; step < 200; ++step) {
+                state.lastX = 515;
+                if (step < 20)
+                    state.zoomStep(1, state.timeAt(x));
+                else if (step < 60)
+                    state.pan(step < 40 ? -50000 : 50000);
+                else if (step < 120)
+                    state.scrollBy(step < 80 ? 120 : -120);
+                else
+                    state.zoomStep(-1, state.timeAt(515));
+                QVERIFY(state.startValue < state.endValue);
+                QVERIFY(state.secondsBeforeWindow() >= 0 && state.secondsAfterWindow() >= 0);
+                QVERIFY(step != 39 || state.secondsAfterWindow() == 0);
+                QVERIFY(step != 59 || state.secondsBeforeWindow() == 0);
+            }
+            QVERIFY(state.isWholeDay());
+        }
+    }
+
+    void scale_data()
+    {
+        // The number of ticks and the heights of the first; how wide labels are, the first two
+        // and the last two; the class that selections snap by. As long as labels have the room.
+        rows<int, QString, QString>(
+            {"width", "window", "expected"},
+            {{"10 s", stripWidth, "12:00 to 12:24",
+              "145 63343363 | 31: 15 12:00, 56 12:01, .., 973 12:23, 1015 12:24 | 60"},
+             {"less room", stripWidth, "12:00 to 12:24:01",
+              "49 63434343 | 31: 15 12:00, 223 12:05, .., 639 12:15, 847 12:20 | 300"},
+             {"30 s, left margin empty", stripWidth, "10:17 to 12:17",
+              "241 43434363 | 31: 40 10:20, 81 10:25, .., 956 12:10, 998 12:15 | 300"},
+             {"1 min", stripWidth, "10:00 to 14:00",
+              "241 63333433 | 31: 15 10:00, 56 10:10, .., 973 13:50, 1015 14:00 | 600"},
+             {"2 min", stripWidth, "10:00 to 16:00",
+              "181 63333433 | 31: 15 10:00, 98 10:30, .., 931 15:30, 1015 16:00 | 900"},
+             {"5 min", stripWidth, "10:00 to 22:30",
+              "151 63343363 | 31: 15 10:00, 55 10:30, .., 975 22:00, 1015 22:30 | 1800"},
+             {"to the day's end", stripWidth, "14:00 to 23:59:59",
+              "121 63343363 | 31: 15 14:00, 65 14:30, .., 965 23:30, 1015 24:00 | 1800"},
+             {"almost", stripWidth, "14:00 to 23:59:58",
+              "120 63343363 | 31: 15 14:00, 65 14:30, .., 915 23:00, 965 23:30 | 1800"},
+             {"last minute", stripWidth, "23:50 to 23:59:59",
+              "61 63343363 | 31: 15 23:50, 115 23:51, .., 916 24:00, 1015 24:00 | 60"},
+             {"10 min", 990, wholeDay,
+              "145 63343363 | 14: 15 00, 55 01, .., 935 23, 975 24 | 3600"},
+             {"30 min", 989, wholeDay, "49 63436343 | 14: 15 00, 94 02, .., 894 22, 974 24 | 7200"},
+             {"30 min in 8 labels", 350, wholeDay,
+              "49 63436343 | 14: 15 00, 41 02, .., 308 22, 335 24 | 7200"},
+             {"1 h", 349, wholeDay, "25 64646464 | 14: 15 00, 68 04, .., 280 20, 334 24 | 28800"},
+             {"margins only", 30, "10:00 to 11:00", "3 634 | 14: 15 10 | 7200"}});
+    }
+
+    void scale()
+    {
+        const auto [width, window] = row<int, QString>();
+        const API::ArchiveRecord shown = spanOf(window);
+        const TimelineScale scale = timelineScale(shown.start, shown.end, width, {40, 14, 31});
+        QString heights;
+        for (const ScaleTick &tick : scale.ticks.mid(0, 8))
+            heights += QString::number(tick.height);
+        QStringList labels;
+        for (const ScaleTick &tick : scale.ticks) {
+            if (!tick.label.isNull())
+                labels.append("%1 %2"_s.arg(tick.x).arg(tick.label));
+        }
+        if (labels.size() > 4)
+            labels = labels.mid(0, 2) + QStringList{".."} + labels.mid(labels.size() - 2);
+        QTEST("%1 %2 | %3: %4 | %5"_s.arg(scale.ticks.size())
+                  .arg(heights)
+                  .arg(scale.labelWidth)
+                  .arg(labels.join(", "))
+                  .arg(scale.plan.labelStep),
+              "expected");
+    }
+
+    void drags_data()
+    {
+        // One second in a pixel, but 20 in a wide view; x 15 is the begin.
+        const QString near = "10:00 to 10:16:40";
+        const QString wide = "6:00 to 11:33:20";
+        const QString late = "23:43:19 to 23:59:59";
+        const QString middle = "10:05 to 10:10"; // x 315 to 615 of the near view
+        const QString hour = "8:00 to 9:00";
+        const QString lateOne = "23:50 to 23:55";
+        rows<QString, QString, QString, QString>(
+            {"window", "selection", "xs", "expected"},
+            {{"left of the start's reach", near, middle, "303 400", middle},
+             {"start's reach, left", near, middle, "304 330", "10:05:15 to 10:10"},
+             {"body, left", near, middle, "327 337", "10:05:10 to 10:10:10"},
+             {"body, right", near, middle, "603 613", "10:05:10 to 10:10:10"},
+             {"end's reach, left", near, middle, "604 630", "10:05 to 10:10:15"},
+             {"right of the end's reach", near, middle, "627 700", middle},
+             {"start, where both are near", wide, "8:00 to 8:01", "378 360", "7:55 to 8:01"},
+             {"left edge", near, near, "9 100", near},
+             {"right of it", near, near, "10 100", "10:01:25 to 10:16:40"},
+             {"left of the right edge", near, near, "1020 900", "10:00 to 10:14:45"},
+             {"right edge", near, near, "1021 900", near},
+
+             {"start to 60 s", near, middle, "315 555", "10:09 to 10:10"},
+             {"start to 59 s", near, middle, "315 556", "10:09:01 to 10:14:01"},
+             {"end to 60 s", near, middle, "615 375", "10:05 to 10:06"},
+             {"end to 59 s", near, middle, "615 374", "10:00:59 to 10:05:59"},
+             {"start to 7200 s", wide, hour, "375 195", "7:00 to 9:00"},
+             {"start to 7220 s", wide, hour, "375 194", "6:59:40 to 7:59:40"},
+             {"end to 7200 s", wide, hour, "555 735", "8:00 to 10:00"},
+             {"end to 7220 s", wide, hour, "555 736", "9:00:20 to 10:00:20"},
+             {"start, body, start", near, middle, "315 556 500", "10:08:05 to 10:14:01"},
+             {"and body again", near, middle, "315 556 500 855", "10:14 to 10:19:56"},
+             {"end, body, end", near, middle, "615 374 700", "10:00:59 to 10:11:25"},
+             {"once more body", near, middle, "615 374 700 16", "9:49:35 to 10:00:01"},
+
+             {"snaps over 6 pixels", near, "10:05 to 10:09:30", "585 609", middle},
+             {"not over 7", near, "10:05 to 10:09:30", "585 608", "10:05 to 10:09:53"},
+             {"start snaps", near, "10:05 to 10:09:30", "315 309", "10:05 to 10:09:30"},
+             {"start, not over 7", near, "10:05 to 10:09:30", "315 308", "10:04:53 to 10:09:30"},
+             {"not to below 60 s", near, "10:04:04 to 10:10", "615 320", "10:04:04 to 10:05:05"},
+             {"nor the start", near, "10:02 to 10:05:57", "135 312", "10:04:57 to 10:05:57"},
+             {"not to a time 24:00", late, lateOne, "716 1012", "23:50 to 23:59:56"},
+
+             {"body past the day's end", late, lateOne, "500 2000", "23:58:35 to 23:59:59"},
+             {"start past the day's end", late, lateOne, "416 2000", "23:58:59 to 23:59:59"},
+             {"and back a little", late, lateOne, "416 2000 1014", "23:58:58 to 23:59:58"},
+             {"body past the begin", "0:00 to 0:16:40", "0:05 to 0:06", "345 -100",
+              "0:00 to 0:01"}});
+    }
+
+    void drags()
+    {
+        const auto [window, selection, xs] = row<QString, QString, QString>();
+        TimelineStrip strip;
+        strip.setWindow(window);
+        strip.setSelection(selection);
+        // "press step step ...", in pixels.
+        QStringList steps = xs.split(' ');
+        strip.state.startSelectionDrag(steps.takeFirst().toInt());
+        for (const QString &x : qAsConst(steps))
+            strip.state.dragSelection(x.toInt());
+        QTEST(strip.selection(), "expected");
+    }
+
+    void rulesOfAFragment()
+    {
+        TimelineStrip strip;
+        const QStringList cursors{"14:02:30 -> 14:00 to 14:05", "14:03:20 -> 14:00 to 14:05",
+                                  "0:01 -> 0:00 to 0:05",       "23:59:30 -> 23:54:59 to 23:59:59",
+                                  "-1 12:00 -> 0:00 to 0:05",   "+1 12:00 -> 23:54:59 to 23:59:59"};
+        const auto fragmentAt = [&strip](const QString &cursor) {
+            strip.state.currentValue = at(cursor).addMSecs(500);
+            return strip.state.selectionAtCurrentTime() ? strip.selection() : QString();
+        };
+        QCOMPARE(resultsOf(cursors, fragmentAt), cursors);
+
+        // By the class of the scale; near the day's end to nothing.
+        const QStringList times{
+            "60 10:02:59 -> 10:00", "60 10:03 -> 10:05",      "3600 10:57:59 -> 10:55",
+            "3600 10:58 -> 11:00",  "3601 10:07:59 -> 10:00", "7200 10:08 -> 10:15",
+            "7200 10:53 -> 11:00",  "7201 10:14:59 -> 10:00", "28800 10:15 -> 10:30",
+            "28800 10:45 -> 11:00", "3600 23:57:59 -> 23:55", "3600 23:58 -> ",
+            "7200 23:53 -> ",       "28800 23:45 -> "};
+        const auto snapped = [&strip](const QString &input) {
+            strip.state.labelStep = input.section(' ', 0, 0).toInt();
+            return Tests::textOf(strip.state.snapped(at(input.section(' ', 1))));
+        };
+        QCOMPARE(resultsOf(times, snapped), times);
+    }
+
+    void firstFragment_data()
+    {
+        // The middle of the view gives 11:57 to 12:02. Cameras stand on both sides of a bar.
+        rows<QString, QString>(
+            {"cameras", "expected"},
+            {{"in the middle", "11:00 to 13:00", "11:57 to 12:02"},
+             {"begins within", "12:01:59 to 13:00", "11:57 to 12:02"},
+             {"begins at its end", "12:02 to 13:00", "12:02 to 12:07"},
+             {"later", "15:30:40 to 16:00, 17:00 to 18:00", "15:30 to 15:35"},
+             {"later, second camera", "20:00 to 21:00|18:00 to 18:10", "18:00 to 18:05"},
+             {"late", "23:58:10 to 23:59", "23:54:59 to 23:59:59"},
+             {"not just before", "11:56 to 11:56:30, 23:00 to 23:10", "23:00 to 23:05"},
+             {"earlier", "8:00 to 8:10, 9:15:30 to 9:20", "9:15 to 9:20"},
+             {"ends at its begin", "10:00:10 to 11:57", "10:00 to 10:05"},
+             {"not past one", "10:00:10 to 11:57, 11:00 to 11:30", "10:00 to 10:05"},
+             {"earlier, second camera", "8:00 to 8:10|9:00 to 9:10", "9:00 to 9:05"},
+             {"near enough", "11:52 to 11:53|11:56 to 11:56:30", "11:52 to 11:57"},
+             {"not near enough", "11:51:59 to 11:53|11:56 to 11:56:30", "11:56 to 12:01"},
+             {"none", "|", ""}});
+    }
+
+    void firstFragment()
+    {
+        const auto [cameras] = row<QString>();
+        TimelineStrip strip;
+        for (const QString &records : cameras.split('|')) {
+            strip.addCamera(
+                world.loadedCamera(strip.state.cameras.size() + 1, stripDay, recordsOf(records)));
+        }
+        QTEST(strip.state.defaultSelection() ? strip.selection() : QString(), "expected");
+    }
+
+    void reveal_data()
+    {
+        rows<QString, QString, QString>(
+            {"window", "fragment", "expected"},
+            {{"short", wholeDay, "14:00 to 14:01", "13:47:30 to 14:17:30"},
+             {"of 600 s", wholeDay, "14:00 to 14:10", "13:35 to 14:35"},
+             {"of 601 s", wholeDay, "14:00 to 14:10:01", "13:44:58 to 14:25:02"},
+             {"near midnight", wholeDay, "0:05 to 0:10", "0:00 to 0:22:30"},
+             {"far after", "1:00 to 1:10", "14:00 to 14:05", "13:47:30 to 14:17:30"},
+             {"far before", "20:00 to 20:10", "14:00 to 14:05", "13:47:30 to 14:17:30"},
+             {"at the edge", "14:00 to 14:20", "14:00 to 14:05", "13:47:30 to 14:17:30"},
+             {"at the other", "13:50 to 14:05", "14:00 to 14:05", "13:47:30 to 14:17:30"},
+             {"in closer view", "13:59:59 to 14:20", "14:00 to 14:05", "13:59:59 to 14:20"}});
+    }
+
+    void reveal()
+    {
+        const auto [window, fragment, expected] = row<QString, QString, QString>();
+        TimelineStrip strip;
+        strip.setWindow(window);
+        setWindow(strip.owner, window);
+        // On the way no end leaves what lies between the two windows.
+        const QDateTime earliest = qMin(strip.state.startValue, spanOf(expected).start);
+        const QDateTime latest = qMax(strip.state.endValue, spanOf(expected).end);
+        bool strays = false;
+        QTimer sampling;
+        connect(&sampling, &QTimer::timeout, &strip.owner, [&] {
+            strays |= strip.owner.startValue() < earliest || latest < strip.owner.endValue();
+        });
+        sampling.start(0);
+        strip.state.reveal(spanOf(fragment).start, spanOf(fragment).end);
+        QCOMPARE(windowOf(strip.owner), window);
+        QCOMPARE(strip.state.dirty, window != expected);
+        QTRY_COMPARE(windowOf(strip.owner), expected);
+        QVERIFY(!strays);
+    }
+
+    void playlistByTheRule_data()
+    {
+        rows<QDate>({"date"}, {{"24 hours", stripDay},
+                               {"23 hours", QDate(2026, 3, 29)},
+                               {"25 hours", QDate(2026, 10, 25)}});
+    }
+
+    void playlistByTheRule()
+    {
+        const auto [date] = row<QDate>();
+        QList<API::CameraPtr> cameras;
+        QList<QDateTime> positions{date.startOfDay(), date.endOfDay()};
+        TimelineStrip strip;
+        for (int id = 1; id <= 6; ++id) {
+            const auto records = randomRecords(date, id == 6 ? 0 : 40, quint32(id));
+            for (const API::ArchiveRecord &each : records)
+                positions << each.start << each.end << each.start.addSecs(1);
+            cameras.append(world.loadedCamera(id, date, records));
+            QVERIFY(world.load(cameras.last(), date.addDays(-1)));
+            strip.addCamera(cameras.last());
+        }
+        for (const QDateTime &position : qAsConst(positions)) {
+            Moments played;
+            for (const auto &item : strip.state.playlistForCameras(position)) {
+                QVERIFY(played.isEmpty() || std::get<0>(played.last()) <= item->start);
+                played.append({item->start, item->camera->id(), item->end});
+            }
+            std::sort(played.begin(), played.end());
+            const Moments expected = momentsByTheRule(cameras, position);
+            QVERIFY2(played == expected, qPrintable(Tests::textOf(position)));
+        }
+    }
+
+private:
+    ArchiveWorld world;
+};
+
+QTEST_MAIN(TimelineRulesTest)
+#include "TimelineRulesTest.moc"
