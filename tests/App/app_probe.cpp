@@ -15,19 +15,6 @@ using namespace ZorvaneClient;
 
 namespace {
 
-void logFromThreads()
-{
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < 8; ++thread) {
-        threads.emplace_back([thread] {
-            for (int line = 0; line < 500; ++line)
-                qWarning("thread %d line %d end", thread, line);
-        });
-    }
-    for (std::thread &thread : threads)
-        thread.join();
-}
-
 /// Prints what is stored, then stores something else.
 void readAndWriteSettings()
 {
@@ -56,7 +43,15 @@ int main(int argc, char *argv[])
     }
     App::openLog();
     if (what == "threads") {
-        logFromThreads();
+        std::vector<std::thread> threads;
+        for (int thread = 0; thread < 8; ++thread) {
+            threads.emplace_back([thread] {
+                for (int line = 0; line < 500; ++line)
+                    qWarning("thread %d line %d end", thread, line);
+            });
+        }
+        for (std::thread &thread : threads)
+            thread.join();
         return 0;
     }
     qDebug() << "a debug line";
@@ -65,11 +60,5 @@ int main(int argc, char *argv[])
     qDebug("%s", qPrintable(QString::fromUtf8("камера")));
     if (what == "fatal")
         qFatal("the end");
-    if (what == "wait") {
-        // The reader knows from here on that the lines didn't wait for the end.
-        std::puts("written");
-        std::fflush(stdout);
-        std::getchar();
-    }
     return 0;
 }

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "tests/support/Test.h"
+
+#include <cmath>
+
+namespace ZorvaneClient::Tests {
+
+inline double luminance(QRgb colour)
+{
+    const auto linear = [](int channel) {
+        const double share = channel / 255.0;
+        return share <= 0.03928 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(qRed(colour)) + 0.7152 * linear(qGreen(colour)) +
+           0.0722 * linear(qBlue(colour));
+}
+
+/// Of the colour that stands out most from the most frequent one, by the formula for web pages.
+inline double contrastIn(const QImage &picture)
+{
+    QHash<QRgb, int> counts;
+    QRgb ground = picture.pixel(0, 0);
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const QRgb colour = picture.pixel(x, y);
+            if (++counts[colour] > counts.value(ground))
+                ground = colour;
+        }
+    }
+    const QList<QRgb> colours = counts.keys();
+    double strongest = 1;
+    for (const QRgb colour : colours) {
+        const auto [dark, light] = std::minmax({luminance(ground), luminance(colour)});
+        strongest = qMax(strongest, (light + 0.05) / (dark + 0.05));
+    }
+    return strongest;
+}
+
+} // namespace ZorvaneClient::Tests
