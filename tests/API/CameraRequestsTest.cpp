@@ -1,13 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/Test.h"
+#include "tests/API/CloudFixture.h"
 
-#include "API/Camera.h"
 #include "API/CloudData.h"
-#include "API/Server.h"
-#include "App/Settings.h"
-#include "tests/support/ScriptedService.h"
-
-using namespace ZorvaneClient::API;
 
 namespace {
 
@@ -60,7 +54,7 @@ private slots:
         QVERIFY(service.start());
         QVERIFY(lan.start());
         Internal::cloudData.sessionId = "session"_s;
-        QVERIFY(QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::CacheLocation)));
+        emptyCacheFolder();
     }
 
     void init()

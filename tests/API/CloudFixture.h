@@ -3,11 +3,15 @@
 
 #include "tests/support/Test.h"
 
+#include "API/Camera.h"
 #include "API/CloudAPIClient.h"
+#include "API/Layout.h"
 #include "API/LocalServer.h"
 #include "App/Environment.h"
 #include "App/Settings.h"
 #include "tests/support/ScriptedService.h"
+
+using namespace ZorvaneClient::API;
 
 namespace ZorvaneClient::Tests {
 
@@ -36,10 +40,38 @@ inline bool isPrivate(const QString &fileName)
     return QFile::exists(fileName) && !(QFile::permissions(fileName) & QFile::Permissions(0x0077));
 }
 
-/// Ports below 4 refuse on loopback.
-inline API::LocalServerPtr lanServer(int port, const QString &alias = "LAN"_s)
+/// The object that a JSON text describes; its quotes can be single ones.
+inline QVariantMap parse(QByteArray json)
 {
-    return API::LocalServerPtr::create(alias, "127.0.0.1"_s, port, "secret"_s);
+    return QJsonDocument::fromJson(json.replace('\'', '"')).object().toVariantMap();
+}
+
+inline QDir cacheFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+}
+
+inline void emptyCacheFolder()
+{
+    QVERIFY(cacheFolder().removeRecursively() && QDir().mkpath(cacheFolder().path()));
+}
+
+/// Each client with open connections has a thread for them.
+inline int networkThreadCount()
+{
+    QByteArray names;
+    for (const QString &task : QDir("/proc/self/task"_s).entryList(QDir::Dirs)) {
+        QFile name("/proc/self/task/%1/comm"_s.arg(task));
+        if (name.open(QIODevice::ReadOnly))
+            names += name.readAll();
+    }
+    return names.count("QNetworkAccess");
+}
+
+/// Ports below 4 refuse on loopback.
+inline LocalServerPtr lanServer(int port, const QString &alias = "LAN"_s)
+{
+    return LocalServerPtr::create(alias, "127.0.0.1"_s, port, "secret"_s);
 }
 
 /// Each test function begins without a session, servers and files, at a fixed time.
@@ -48,11 +80,6 @@ class CloudFixture : public QObject
     Q_OBJECT
 
 protected:
-    static QString cacheFolder()
-    {
-        return QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
-    }
-
     static void setTime(int seconds)
     {
         const QDateTime time = QDateTime::fromSecsSinceEpoch(startStamp + seconds);
@@ -65,7 +92,7 @@ protected:
         service.succeed("GET", "/public/roster", roster);
         static int minutes = 0;
         setTime(++minutes * 60);
-        QSignalSpy updated(client.get(), &API::CloudAPIClient::rosterUpdated);
+        QSignalSpy updated(client.get(), &CloudAPIClient::rosterUpdated);
         client->updateRoster();
         QCOMPARE(updated.count(), 0);
         QTRY_COMPARE(updated.count(), 1);
@@ -75,14 +102,14 @@ protected:
     void settle()
     {
         QTRY_COMPARE(service.server().openConnections(), 0);
-        API::CloudAPIClient later;
-        QSignalSpy failed(&later, &API::CloudAPIClient::updatesError);
+        CloudAPIClient later;
+        QSignalSpy failed(&later, &CloudAPIClient::updatesError);
         later.checkForUpdates();
         QTRY_COMPARE(failed.count(), 1);
     }
 
     ScriptedService service;
-    std::unique_ptr<API::CloudAPIClient> client;
+    std::unique_ptr<CloudAPIClient> client;
 
 protected slots:
     void initTestCase() { QVERIFY(service.start()); }
@@ -91,10 +118,10 @@ protected slots:
     {
         setTime(0);
         QFile::remove(rosterFile);
-        QVERIFY(QDir(cacheFolder()).removeRecursively() && QDir().mkpath(cacheFolder()));
+        emptyCacheFolder();
         App::settings().setValue("auth/email"_s, "Demo@Zorvane.EXAMPLE"_s);
         service.reset();
-        client = std::make_unique<API::CloudAPIClient>();
+        client = std::make_unique<CloudAPIClient>();
         client->logout();
         QTRY_COMPARE(service.requests().size(), 1);
         service.reset();

@@ -5,10 +5,7 @@
 #include <cstring>
 #include <limits>
 
-#include "API/Camera.h"
-#include "API/Layout.h"
 #include "API/LayoutDocument.h"
-#include "API/Server.h"
 #include "tests/support/LogCapture.h"
 
 /// Behind the end of each block stands what a look beyond the end of a map takes for the number
@@ -30,8 +27,6 @@ void operator delete(void *block, std::size_t) noexcept
 {
     std::free(block);
 }
-
-using namespace ZorvaneClient::API;
 
 namespace {
 
@@ -68,11 +63,6 @@ QString names()
     for (const LayoutPtr &layout : CloudAPIClient::layoutList())
         list.append(layout->name());
     return list.join(' ');
-}
-
-QVariant parsed(const QByteArray &json)
-{
-    return QJsonDocument::fromJson(json).toVariant();
 }
 
 CameraPtr camera(int number)
@@ -138,12 +128,13 @@ private slots:
         QCOMPARE(layout->cellAt(1, 2).camera, camera(7));
         if (serviceWins) {
             // The cache has the new list under a stamp of its own.
-            QCOMPARE(parsed(contentOf(cache)), parsed(document(startStamp, fresh)));
+            QCOMPARE(parse(contentOf(cache)), parse(document(startStamp, fresh)));
             QVERIFY(isPrivate(cache));
         } else {
             const WireRequest last = service.requestsTo("//layouts").last();
             QCOMPARE(last.method(), QByteArray("POST"));
-            QCOMPARE(parsed(last.body), parsed(cached).toMap().value("layouts"_s));
+            QCOMPARE(parse("{'layouts':" + last.body + '}').value("layouts"_s),
+                     parse(cached).value("layouts"_s));
         }
     }
 
@@ -208,14 +199,14 @@ private slots:
         update(0, 2);
         QCOMPARE(client->layoutList().size(), 1);
         QCOMPARE(Internal::layoutsCacheFile("Ж"_s),
-                 cacheFolder() + "/layouts.d82d7ca255082e2ca8720d69da507ee1"_s);
+                 cacheFolder().filePath("layouts.d82d7ca255082e2ca8720d69da507ee1"_s));
     }
 
     void plausibleLayoutsPassUnchanged()
     {
         const QByteArray layouts = layoutJson("a", "A", cellJson(7, 31, 0, 1, 32), 32) +
                                    R"(,{"name":"B","cameras":[{"server":"s1"}]},{})";
-        const QVariantList given = parsed('[' + layouts + ']').toList();
+        const QVariantList given = parse(document(0, layouts)).value("layouts"_s).toList();
         const LogCapture log;
         const QList<QVariantMap> passed = Internal::boundedLayouts(given);
         QCOMPARE(QVariantList(passed.begin(), passed.end()), given);
@@ -238,7 +229,7 @@ private slots:
         QCOMPARE(layout->cellList().size(), 32 * 32);
         QCOMPARE(describe(*layout).count(" 32x0 7"_s), 32 * 32);
         // Nor does a grid that nobody has bounded do any harm.
-        Layout far(parsed(layoutJson("a", "A", hostileCells(), 1000000000)).toMap());
+        Layout far(parse(layoutJson("a", "A", hostileCells(), 1000000000)));
         QCOMPARE(far.freeCellCount(), std::numeric_limits<int>::max());
         far.resize(-50, 2);
         far.setCamera(camera(7), 0, 0, 1, 1);
@@ -271,16 +262,16 @@ private slots:
         const auto [steps, cells, signalCount] = row<QString, QString, int>();
         const QByteArray json =
             layoutJson("a", "A", cellJson(7, 0, 0, 2, 2) + ',' + cellJson(8, 2, 1, 1, 2));
-        Layout layout(parsed(json).toMap());
-        QCOMPARE(QVariant(layout.toVariantMap()), parsed(json));
-        QVERIFY(layout == Layout(parsed(json).toMap()));
+        Layout layout(parse(json));
+        QCOMPARE(layout.toVariantMap(), parse(json));
+        QVERIFY(layout == Layout(parse(json)));
         QSignalSpy updated(&layout, &Layout::updated);
         for (const QString &step : steps.split(", "_s)) {
             const QStringList words = step.split(' ');
             const auto n = [&words](int place) { return words.value(place).toInt(); };
             const QByteArray cell = cellJson(n(1), n(2), n(3), n(4), n(5));
             if (words.first() == "update"_s)
-                layout.update(parsed(layoutJson("b", "B", cell)).toMap());
+                layout.update(parse(layoutJson("b", "B", cell)));
             else if (words.first() == "set"_s)
                 layout.setCamera(camera(n(1)), n(2), n(3), n(4), n(5));
             else if (words.first() == "clear"_s)
@@ -312,7 +303,7 @@ private:
     }
 
     // Of "demo@zorvane.example".
-    const QString cache = cacheFolder() + "/layouts.924942403f0708c36c6637682cb19b21"_s;
+    const QString cache = cacheFolder().filePath("layouts.924942403f0708c36c6637682cb19b21"_s);
 };
 
 QTEST_MAIN(CloudLayoutsTest)

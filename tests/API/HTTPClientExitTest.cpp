@@ -1,27 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "API/HTTPClient.h"
 
-#include "tests/support/Test.h"
-
-#include "tests/support/MisbehavingServer.h"
+#include "tests/API/CloudFixture.h"
 #include "tests/support/TlsIdentity.h"
-
-using ZorvaneClient::API::HTTPClient;
-
-namespace {
-
-int networkThreadCount()
-{
-    QByteArray names;
-    for (const QString &task : QDir("/proc/self/task"_s).entryList(QDir::Dirs)) {
-        QFile name("/proc/self/task/%1/comm"_s.arg(task));
-        if (name.open(QIODevice::ReadOnly))
-            names += name.readAll();
-    }
-    return names.count("QNetworkAccess");
-}
-
-} // namespace
 
 /// What is left of requests when the application object goes.
 class HTTPClientExitTest : public QObject

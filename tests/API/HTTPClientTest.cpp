@@ -1,17 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "API/HTTPClient.h"
 
-#include "tests/support/Test.h"
+#include "tests/API/CloudFixture.h"
 
 #include "API/CloudExchange.h"
 #include "API/RestClient.h"
-#include "App/Settings.h"
-#include "tests/support/ScriptedService.h"
 #include "tests/support/TlsIdentity.h"
 
 Q_DECLARE_METATYPE(ZorvaneClient::Tests::WireReply)
 
-using namespace ZorvaneClient::API;
 using Ending = WireReply::Ending;
 
 namespace {
@@ -45,11 +42,6 @@ QByteArrayList parts(const WireRequest &request)
 {
     return {request.method() + ' ' + request.target(), request.header("Accept"),
             request.header("Content-Type"), request.body};
-}
-
-int threadCount()
-{
-    return int(QDir("/proc/self/task"_s).entryList(QDir::Dirs).size());
 }
 
 } // namespace
@@ -93,14 +85,12 @@ private slots:
              {"connection closed at once", WireReply::raw(""), "[-2,204]"},
              {"closed in the head", WireReply::raw(ok + "Content-Le"), "[-2,204]"},
              {"not HTTP", WireReply::raw("SSH-2.0-OpenSSH_9.2\r\n"), "[-2,204]"},
-             {"blank body", WireReply::json(" "), "[-2,400]"},
              {"garbage after the object", WireReply::json("{}}"), "[-2,400]"},
              {"nested too deep", WireReply::json(QByteArray(100000, '[')), "[-2,400]"},
              {"shorter than promised", WireReply::raw(cutOff), "[-2,400]"},
              {"reset in the body", WireReply::raw(cutOff, Ending::Reset), "[-2,400]|[-2,204]"},
              {"chunk size is garbage", WireReply::raw(chunked + "zz\r\n{}\r\n"), "[-2,204]"},
              {"endless body", WireReply::raw(endless, Ending::KeepOpen), "[-2,204]"},
-             {"redirect to nowhere", WireReply::redirect(""), "[-2,204]"},
              {"relative redirect", WireReply::redirect("/other"), "[-2,204]"},
              {"redirect to a dead port", WireReply::redirect(deadAddress), "[-2,204]"},
              {"redirect to a bad host", WireReply::redirect("http://[bad/"), "[-3,302]"},
@@ -115,6 +105,8 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(!told.isEmpty(), 60000);
         QTRY_COMPARE(server->openConnections(), 0);
         QVERIFY2(expected.split('|').contains(told), told);
+        // Some callers leave their client behind after a failure.
+        QTRY_VERIFY(!told.startsWith("[-") || networkThreadCount() == 0);
     }
 
     void requestOnTheWire_data()
@@ -215,12 +207,10 @@ private slots:
     {
         rows<QByteArray, int, QByteArray>(
             {"body", "status", "told"},
-            {{"success as text", R"({"success":"true","response":"x"})", 200, R"(["x"])"},
-             {"status is not looked at", R"({"success":true,"response":"x"})", 500, R"(["x"])"},
+            {{"success as text", R"({"success":"true","response":"x"})", 500, R"(["x"])"},
              {"failure", R"({"success":false,"response":{"code":10016}})", 403, "[10016,500]"},
              {"response is no object", R"({"success":false,"response":[1]})", 200, "[0,500]"},
              {"no success", R"({"response":{"a":"b"}})", 200, "[-2,400]"},
-             {"no JSON", "busy", 502, "[-2,400]"},
              {"empty body", "", 200, "[-2,204]"}});
     }
 
@@ -243,25 +233,6 @@ private slots:
         client->get("/"_s, QVariantMap(), true);
         QTRY_COMPARE(told, QByteArray("[-2,204]"));
         QCOMPARE(other.requests().size(), 0);
-    }
-
-    // Some callers leave their client behind after a failure.
-    void failuresHoldNoThreads()
-    {
-        server->setReply(WireReply::json(""));
-        QList<QSharedPointer<QObject>> leftBehind;
-        const int threads = threadCount();
-        for (int i = 0; i < 20; ++i) {
-            connectTo(localhost, *server);
-            const auto rest = QSharedPointer<RestClient>::create();
-            leftBehind << client << rest;
-            listen(*rest, &RestClient::responseReceived, told);
-            client->get("/"_s, QVariantMap(), true);
-            rest->request("public/roster"_s, QVariantMap());
-        }
-        QTRY_COMPARE_WITH_TIMEOUT(told.count("[-2,204]") + told.count("[10001,500]"), 40, 30000);
-        // A few more are there to look up names.
-        QTRY_VERIFY(threadCount() < threads + 10);
     }
 
     void clientsLeftBehindAreBounded()

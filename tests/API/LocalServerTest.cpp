@@ -1,11 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/Test.h"
-
-#include "API/Camera.h"
-#include "API/LocalServer.h"
-#include "tests/support/MisbehavingServer.h"
-
-using namespace ZorvaneClient::API;
+#include "tests/API/CloudFixture.h"
 
 namespace {
 
