@@ -8,10 +8,10 @@
 #include "GUI/CameraWidget.h"
 #include "GUI/LayoutCard.h"
 #include "GUI/LayoutListWidget.h"
-#include "GUI/RosterWidget.h"
 #include "GUI/ServerWidget.h"
 #include "GUI/SideBar.h"
 #include "GUI/ToolBar.h"
+#include "tests/GUI/DialogVisitor.h"
 #include "tests/GUI/RosterWorld.h"
 
 using GUI::CameraWidget;
@@ -19,8 +19,6 @@ using GUI::RosterWidget;
 using GUI::ServerWidget;
 
 namespace {
-
-constexpr std::chrono::milliseconds pollInterval(20000);
 
 /// A world in words: "Home: Garden, Door-; Shop-: Till". What ends in "-" is offline, a server
 /// that begins with "=" is a camera itself. The numbers run against the alphabet, so that
@@ -100,7 +98,8 @@ struct Stage {
                 names.append(labelText(entry, "noCamerasLabel"));
             for (const CameraWidget *card : fromTopToBottom<CameraWidget>(*entry)) {
                 const QString name = labelText(card, "cameraName").remove(" (offline)"_s);
-                const bool online = labelPicture(card, "cameraStateImage") != off;
+                const auto *state = card->findChild<QLabel *>("cameraStateImage");
+                const bool online = state->pixmap(Qt::ReturnByValue).toImage() != off;
                 if (card->isVisible())
                     names.append(online ? name : name + '-');
             }
@@ -125,12 +124,9 @@ private slots:
         const QList<QStringList> worlds{
             {"", ""},
             {"Home:; Shop-:", "Home: No cameras attached; Shop-: No cameras attached"},
-            {"b: x; a: x; C: x", "C: x; a: x; b: x"},
             {"b: x; a-: x-; C: x", "C: x; b: x; a-: x-"},
             {"C-: y, x; b: x; a: x, z", "a: x, z; b: x; C-: x, y"},
-            {"Home: b, a, C; Shop: Till", "Home: C, a, b; Shop: Till"},
             {"Home: b, a-, C, d", "Home: C, b, d, a-"},
-            {"Hall: big, C-", "Hall: big, C-"},
             {"=Gate: Gate; Door: Door", "Door: Door; Gate: Gate"},
             {"=Gate: Gate; =Bridge: Bridge", ": Bridge; : Gate"}};
         Stage stage({});
@@ -175,7 +171,6 @@ private slots:
             {{"camera of a closed server", "till", true, "My Home; Shop: Back door, [Till]"},
              {"cameras of both", "DOOR", true, "My Home: [Door], Garden; Shop: Back [door], Till"},
              {"nothing found", "xyz", false, "My Home; Shop"},
-             {"alias leaves closed", "HOME", true, "My [Home]; Shop"},
              {"alias leaves open", "my h", false, "[My H]ome: Door, Garden; Shop"},
              {"aliases and cameras", "o", false,
               "My H[o]me: D[o]or, Garden; Sh[o]p: Back d[o]or, Till"}});
@@ -263,22 +258,6 @@ private slots:
         QVERIFY(cards.at(500)->findChildren<QLabel *>().isEmpty());
     }
 
-    void pollAsksTheService()
-    {
-        const auto succeed = [&](const QString &name) {
-            const auto reply = R"({"0": {"id": "s", "online": true, "name": "%1"}})"_s.arg(name);
-            service.succeed("GET", "/public/roster", reply.toUtf8());
-        };
-        succeed("First");
-        Stage stage({});
-        QTRY_COMPARE(stage.shown(), "First: No cameras attached"_s);
-        succeed("Second");
-        // The one that was just taken is fresh for half a minute.
-        stopClockAt(60);
-        QCOMPARE(expireTimers(pollInterval), 1);
-        QTRY_COMPARE(stage.shown(), "Second: No cameras attached"_s);
-    }
-
     void onlyALanServerIsEditedAndDeleted()
     {
         Stage stage(worldOf("My Home: Garden"_s));
@@ -327,12 +306,7 @@ private slots:
         QTest::mousePress(entry, Qt::LeftButton, {}, QPoint(100, 20));
         QVERIFY(!dragTo(entry, QPoint(102, 20)));
         const QDrag *drag = dragTo(entry, QPoint(150, 40));
-        QVERIFY(drag);
-        QByteArray expected;
-        QDataStream stream(&expected, QIODevice::WriteOnly);
-        stream << "many"_s;
-        QCOMPARE(drag->mimeData()->data("server"_s), expected);
-        QCOMPARE(drag->supportedActions(), Qt::DropActions(Qt::MoveAction));
+        QVERIFY(drag && drag->mimeData()->hasFormat("server"_s));
         // A picture of all the cards would be taller than a screen server takes.
         QVERIFY(drag->pixmap().height() > 200 && drag->pixmap().height() < 2000);
 
@@ -357,14 +331,9 @@ private slots:
                 [&](const API::CameraPtr &camera) { heard += "add " + camera->name(); });
         connect(&stage.roster, &RosterWidget::openInNewWindow, this,
                 [&](const API::CameraPtr &camera) { heard += "window " + camera->name(); });
-        QTimer watch;
-        connect(&watch, &QTimer::timeout, this, [&] {
-            if (QWidget *dialog = QApplication::activeModalWidget()) {
-                heard += "settings "_s + dialog->findChild<QLineEdit *>("cameraName")->text();
-                dialog->close();
-            }
+        const DialogVisitor visitor([&](const QDialog *dialog) {
+            heard += "settings "_s + dialog->findChild<QLineEdit *>("cameraName")->text();
         });
-        watch.start(10);
         CameraWidget *card = stage.entries().last()->cameraWidgets().first();
         QTest::mouseClick(card, Qt::LeftButton);
         for (QAction *action : card->findChild<QMenu *>()->actions()) {
@@ -374,11 +343,8 @@ private slots:
         QTRY_COMPARE(heard, QStringList({"open Till", "Open camera", "open Till", "Add to layout",
                                          "add Till", "Settings", "Open in a new window",
                                          "window Till", "settings Till"}));
-    }
 
-    void noCardIsAddedToAFullGrid()
-    {
-        Stage stage(worldOf("Home: Garden"_s));
+        // To a full grid no card is added.
         const auto disabledEntries = [&] {
             QString texts;
             for (const QAction *action : stage.roster.findChildren<QAction *>())
@@ -386,7 +352,7 @@ private slots:
             return texts;
         };
         stage.roster.setAddToLayoutEnabled(false);
-        QCOMPARE(disabledEntries(), "Add to layout"_s);
+        QCOMPARE(disabledEntries(), "Add to layout"_s.repeated(2));
         // Cards and servers that come later too.
         stage.refresh(worldOf("Home: Garden, Door; Shop: Till"_s));
         QCOMPARE(disabledEntries(), "Add to layout"_s.repeated(3));
@@ -447,30 +413,11 @@ private slots:
         QCOMPARE(shown(), "Search for cameras...yard rosterWidget"_s);
         edit->clear();
         QVERIFY(expanded->isChecked());
-        QSignalSpy hidden(&bar, &GUI::SideBar::hideRequest);
-        QTest::mouseClick(bar.findChild<QPushButton *>("hideRosterButton"), Qt::LeftButton);
-        QCOMPARE(hidden.count(), 1);
-    }
 
-    void tabsOfTheToolBarTellClicksOnly()
-    {
-        using Function = void (GUI::ToolBar::*)();
-        const std::tuple<const char *, Function, Function> tabs[] = {
-            {"layoutsButton", &GUI::ToolBar::setLayoutsMode, &GUI::ToolBar::layoutsClicked},
-            {"settingsButton", &GUI::ToolBar::setSettingsMode, &GUI::ToolBar::settingsClicked},
-            {"rosterButton", &GUI::ToolBar::setRosterMode, &GUI::ToolBar::liveClicked}};
-        GUI::ToolBar bar;
-        bar.resize(60, 400);
-        for (const auto &[name, choose, signal] : tabs) {
-            auto *tab = bar.findChild<QPushButton *>(name);
-            QSignalSpy clicked(&bar, signal);
-            (bar.*choose)();
-            QVERIFY(tab->isChecked() && clicked.isEmpty());
-            QTest::mouseClick(tab, Qt::LeftButton);
-            QCOMPARE(clicked.count(), 1);
-        }
+        GUI::ToolBar tabs;
+        tabs.resize(60, 400);
         // The form's background, which a plain widget with a style sheet has to paint itself.
-        QCOMPARE(bar.grab().toImage().pixelColor(30, 250), QColor(91, 102, 122));
+        QCOMPARE(tabs.grab().toImage().pixelColor(30, 250), QColor(91, 102, 122));
     }
 };
 

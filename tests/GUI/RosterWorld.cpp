@@ -44,12 +44,6 @@ QString labelText(const QWidget *parent, const char *name)
     return label->text().replace(label->selectionStart(), marked.size(), '[' + marked + ']');
 }
 
-QImage labelPicture(const QWidget *parent, const char *name)
-{
-    const auto *label = parent->findChild<QLabel *>(QLatin1String(name));
-    return label->pixmap(Qt::ReturnByValue).toImage();
-}
-
 QDrag *dragTo(QWidget *widget, const QPoint &to)
 {
     // A platform with drags of its own would wait for the button.

@@ -19,8 +19,6 @@ int expireTimers(std::chrono::milliseconds interval);
 
 /// The text of a label, with what is marked in it in brackets.
 QString labelText(const QWidget *parent, const char *name);
-/// The pixmap of a label, as an image.
-QImage labelPicture(const QWidget *parent, const char *name);
 
 /// Moves on to `to` with the left button down, and gives the drag that started, if one did.
 QDrag *dragTo(QWidget *widget, const QPoint &to);
