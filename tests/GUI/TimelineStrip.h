@@ -2,7 +2,7 @@
 // A day's strip, and the notation in which its tests speak of times.
 #pragma once
 
-#include "tests/support/Test.h"
+#include "tests/GUI/ArchiveWorld.h"
 
 #include <ctime>
 
@@ -14,6 +14,11 @@ namespace ZorvaneClient::Tests {
 inline const QDate stripDay(2026, 3, 10);
 inline const QColor stripGround(41, 44, 49);
 constexpr int stripWidth = 1030; ///< with 1000 pixels of scale, from x 15 to 1015
+
+// Zones as rules, so that the tests need no time zone database.
+inline const QByteArray berlin = "CET-1CEST,M3.5.0,M10.5.0/3";
+/// The clock goes forward at midnight.
+inline const QByteArray brasilia = "BRT3BRST,M11.1.0/0,M2.3.0/0";
 
 inline void useZone(const QByteArray &zone)
 {
@@ -81,6 +86,41 @@ inline QList<API::ArchiveRecord> randomRecords(QDate date, int count, quint32 se
         records.append({start, start.addSecs(length)});
     }
     return records;
+}
+
+/// What the window shows, as the last paint event left it.
+inline QImage onScreen(GUI::Timeline &timeline)
+{
+    const QPixmap shown = timeline.screen()->grabWindow(timeline.winId());
+    return shown.toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+/// What it would show if it was painted now.
+inline QImage picture(QWidget &widget)
+{
+    return widget.grab().toImage().convertToFormat(QImage::Format_RGB32);
+}
+
+inline bool showStrip(GUI::Timeline &timeline)
+{
+    timeline.resize(stripWidth, timeline.height());
+    timeline.show();
+    return QTest::qWaitForWindowExposed(&timeline);
+}
+
+/// Puts a camera on the strip and waits for what it received; null if it didn't.
+inline API::CameraPtr putCamera(GUI::Timeline &timeline, const API::CameraPtr &camera)
+{
+    QSignalSpy received(camera.data(), &API::Camera::recordsChanged);
+    timeline.addCamera(camera);
+    return received.wait(30000) ? camera : API::CameraPtr();
+}
+
+inline API::CameraPtr putCamera(GUI::Timeline &timeline, ArchiveWorld &world, int id,
+                                const QList<API::ArchiveRecord> &records)
+{
+    world.setRecords(id, records);
+    return putCamera(timeline, world.localCamera(id));
 }
 
 /// A timeline of that width, and a state for it beside its own that a test can set.
