@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What the strip paints: records, scale, marks, and messages in place of records.
+#include "App/Environment.h"
 #include "GUI/TimelinePainter.h"
 #include "GUI/TimelineTooltip.h"
 #include "tests/GUI/TimelineStrip.h"
@@ -96,7 +97,10 @@ private slots:
     {
         useZone(berlin);
         world.reset();
+        App::Environment::setClock([] { return at("12:00"); });
     }
+
+    void cleanup() { App::Environment::setClock({}); }
 
     void sameAsEachRecordByItself_data()
     {
