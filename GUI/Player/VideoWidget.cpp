@@ -45,7 +45,6 @@ VideoWidget::VideoWidget(API::CameraPtr camera, QWidget *parent)
     QPalette colors = palette();
     colors.setColor(QPalette::Window, tileBackground);
     setPalette(colors);
-    setAutoFillBackground(true);
     setAttribute(Qt::WA_OpaquePaintEvent); // paintEvent() fills what the picture leaves free
 
     setUpPlayer();
