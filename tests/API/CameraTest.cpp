@@ -32,7 +32,7 @@ CameraPtr makeCamera(const QString &server)
 
 } // namespace
 
-/// What servers and cameras of the roster say of themselves without any network.
+/// What servers and cameras of the roster say of themselves.
 class CameraTest : public QObject
 {
     Q_OBJECT
@@ -42,6 +42,11 @@ private slots:
     {
         setZone(utc);
         emptyCacheFolder();
+        // A rotation is told to the service: to one that nobody is.
+        App::ServiceProfile nobody;
+        nobody.apiHost = "127.0.0.1"_s;
+        nobody.apiPort = 1;
+        App::ServiceProfile::setCurrent(nobody);
     }
 
     void laterRosterOfACamera()

@@ -107,6 +107,7 @@ private slots:
         if (wasOpen)
             QVERIFY(QFile::permissions(writeFile(name, "\n")) & others);
         QCOMPARE(runProbe(command), 0);
+        QVERIFY(QFile::exists(name));
         QVERIFY(!(QFile::permissions(name) & others));
     }
 

@@ -190,6 +190,7 @@ private slots:
 
         press("playButton");
         QCOMPARE(pageOf("playPauseStack"), "pausePage"_s);
+        QCOMPARE(stateOf(*tile(0)), "Playing"_s);
         tile(0)->stop();
         window->playArchive();
         expectStarts({"1 10:05:00 1x"});
@@ -205,7 +206,14 @@ private slots:
         QVERIFY(timeline()->hasCamera(late->globalId()));
         QVERIFY(dumpOf(*grid()->player(late)).contains("is archive playing? true"));
         window->playArchive();
-        expectStarts({"2 10:05:00 1x"});
+        // The list of spans made anew may start the first camera again at the cursor.
+        const auto joins = [this] {
+            const auto starts = child->starts();
+            return std::any_of(starts.begin(), starts.end(), [this](const QStringList &start) {
+                return wordsOf(start) == "2 10:05:00 1x"_s;
+            });
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(joins(), startDeadlineMs);
     }
 
     void speedRestartsAtTheCursorUntilLiveEndsTheArchive()
@@ -262,8 +270,14 @@ private slots:
         QCOMPARE(pageOf("messageWidget"), "selectFragmentPage"_s);
         child->setScript({"print export-start\\nexport-percent 7\\n", "wait last word",
                           "print export-" + end + "\\n", "exit 0"});
+        shown.first()->setExportEnabled(false);
+        const int startsBefore = child->starts().size();
+        press("exportButton");
+        QCOMPARE(pageOf("messageWidget"), "selectFragmentPage"_s);
+        shown.first()->setExportEnabled(true);
         press("exportButton");
         QTRY_COMPARE_WITH_TIMEOUT(textOf("exportPercent"), "7%"_s, startDeadlineMs);
+        QCOMPARE(child->starts().size(), startsBefore + 1);
         QCOMPARE(pageOf("exportControl"), "exportLabelPage"_s);
         QCOMPARE(pageOf("messageWidget"), "exportingPage"_s);
         const qint64 process = child->lastProcessId();

@@ -33,11 +33,6 @@ QString json(QDate day, int records)
 
 } // namespace
 
-API::ArchiveRecord record(QDate day, QTime start, QTime end)
-{
-    return {QDateTime(day, start), QDateTime(day, end)};
-}
-
 QList<API::ArchiveRecord> evenRecords(QDate day, int count, int period, int length)
 {
     QList<API::ArchiveRecord> records;

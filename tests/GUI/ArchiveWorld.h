@@ -10,8 +10,6 @@
 
 namespace ZorvaneClient::Tests {
 
-/// A record as the client is to know it.
-API::ArchiveRecord record(QDate day, QTime start, QTime end);
 /// `count` records of `length` seconds, one every `period` seconds from the begin of `day`.
 QList<API::ArchiveRecord> evenRecords(QDate day, int count, int period, int length);
 

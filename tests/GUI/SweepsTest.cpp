@@ -387,6 +387,7 @@ private slots:
     void everyPictureHasItsForms()
     {
         const QStringList names = pictures();
+        QVERIFY(!names.isEmpty());
         for (const QString &name : names) {
             if (name.endsWith("@2x"_s))
                 continue;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the strip paints: records, scale, marks, and messages in place of records.
-#include "App/Environment.h"
 #include "GUI/TimelinePainter.h"
+#include "App/Environment.h"
 #include "GUI/TimelineTooltip.h"
 #include "tests/GUI/TimelineStrip.h"
 

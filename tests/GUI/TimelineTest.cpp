@@ -51,7 +51,7 @@ private slots:
 
     void init()
     {
-        useZone("Europe/Berlin");
+        useZone(berlin);
         world.reset();
         now = at("12:00");
         App::Environment::setClock([this] { return now; });

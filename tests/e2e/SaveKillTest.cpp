@@ -82,12 +82,17 @@ private slots:
                 QJsonArray::fromVariantList(API::Internal::toVariantList(savedLayouts(variant)));
 
         int found[2] = {};
-        for (int kill = 0; kill < killCount(); ++kill) {
+        const auto mayGoOn = [&](int kill) {
+            return kill < killCount() ||
+                   (kill < 10 * killCount() && (found[0] == 0 || found[1] == 0));
+        };
+        for (int kill = 0; mayGoOn(kill); ++kill) {
             QProcess saver;
             saver.setProcessChannelMode(QProcess::ForwardedErrorChannel);
             saver.start(QCoreApplication::applicationFilePath(), {saverArgument});
             QTRY_VERIFY_WITH_TIMEOUT(saver.canReadLine(), 30000);
-            QThread::usleep(QRandomGenerator::global()->bounded(longestLifeMicroseconds));
+            QThread::usleep(QRandomGenerator::global()->bounded(longestLifeMicroseconds) *
+                            quint32(1 + kill / killCount()));
             QCOMPARE(saver.state(), QProcess::Running);
             saver.kill();
             QVERIFY(saver.waitForFinished());

@@ -157,6 +157,7 @@ private slots:
         QVERIFY(tile.playLive());
         QStringList expected{"volume 30", "pause", "volume 30"};
         QTRY_COMPARE(tile.orders(), expected);
+        QCOMPARE(tile.commands().mid(0, 2), expected.mid(0, 2));
         // Nothing waits any more.
         QVERIFY(tile.playLive());
         tile.pause();

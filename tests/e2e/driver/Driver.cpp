@@ -48,7 +48,7 @@ QJsonArray textsOf(const QWidget *parent)
     return texts;
 }
 
-/// A click into its middle; a question is answered with its default button.
+/// A click into its middle; a question is answered with OK.
 void click(QWidget *widget)
 {
     if (auto *box = qobject_cast<QMessageBox *>(widget))
