@@ -86,7 +86,12 @@ QJsonObject answer(const QString &what, QWidget *widget, const QString &value)
 Driver::Driver(const QString &socketName, QObject *parent) : QObject(parent)
 {
     connect(&socket, &QLocalSocket::readyRead, this, &Driver::readRequests);
+    // A client whose test is gone ends, also one that was started in another's place.
+    const auto endAll = [] { ::_exit(1); };
+    connect(&socket, &QLocalSocket::disconnected, this, endAll);
     socket.connectToServer(socketName);
+    if (!socket.waitForConnected())
+        endAll();
     say({{"pid", static_cast<int>(::getpid())},
          {"parent", static_cast<int>(::getppid())},
          {"folder", QDir::currentPath()},

@@ -18,6 +18,7 @@ class Driver : public QObject
 
 public:
     Driver(const QString &socketName, QObject *parent);
+    ~Driver() override { socket.disconnect(this); }
 
 public slots:
     void linkOpened(const QUrl &url);
