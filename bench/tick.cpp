@@ -61,7 +61,8 @@ int main(int argc, char **argv)
     GUI::MainWindow window;
     const auto layout = API::LayoutPtr::create();
     layout->resize(side, side);
-    const QList<API::ArchiveRecord> wholeDay{Tests::record(day, QTime(0, 0), QTime(23, 0))};
+    const QList<API::ArchiveRecord> wholeDay{
+        API::ArchiveRecord{QDateTime(day, QTime(0, 0)), QDateTime(day, QTime(23, 0))}};
     for (int cell = 0; cell < side * side; ++cell) {
         const API::CameraPtr camera = world.loadedCamera(cell + 1, day, wholeDay);
         if (!camera)
