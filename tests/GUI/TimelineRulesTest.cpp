@@ -223,6 +223,9 @@ private slots:
              {"start, body, start, body", near, middle, "315 556 500 855", "10:14 to 10:19:56"},
              {"end, body, end, body", near, middle, "615 374 700 16", "9:49:35 to 10:00:01"},
 
+             {"nothing is held in the left margin", near, near, "9 100", near},
+             {"nor in the right", near, near, "1021 900", near},
+
              {"snaps over 6 pixels", near, "10:05 to 10:09:30", "585 609", middle},
              {"not over 7", near, "10:05 to 10:09:30", "585 608", "10:05 to 10:09:53"},
              {"start snaps", near, "10:05 to 10:09:30", "315 309", "10:05 to 10:09:30"},
