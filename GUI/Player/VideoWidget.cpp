@@ -104,12 +104,12 @@ QDateTime VideoWidget::playbackTime() const
 
 bool VideoWidget::isPlaying() const
 {
-    return d->archivePlaying ? hasChild(d->state) : d->state == Playing;
+    return d->state.isPlaying(d->archivePlaying);
 }
 
 bool VideoWidget::isPaused() const
 {
-    return d->state == Paused;
+    return d->state == TileState::Paused;
 }
 
 bool VideoWidget::playLive()
@@ -205,7 +205,7 @@ void VideoWidget::setQuality(int quality)
     d->quality = quality;
     if (!d->archivePlaying)
         playLive();
-    else if (hasChild(d->state))
+    else if (isPlaying())
         playArchive(d->playbackTime, d->endTime, d->speed);
 }
 
@@ -248,7 +248,7 @@ void VideoWidget::reloadByTimer()
     qDebug() << "Camera" << d->camera->name()
              << "freezed and reload by timer. Reloads count:" << reloadsCount;
     playLive();
-    d->watchdog.reloadsCount = reloadsCount;
+    d->watchdog.reloaded(reloadsCount); // playLive() has begun to count anew
 }
 
 void VideoWidget::showSpinner()
@@ -283,7 +283,7 @@ void VideoWidget::clearImage()
 
 void VideoWidget::dumpState() const
 {
-    qDebug() << "Activated camera:" << d->camera->name() << "state:" << tileStateName(d->state)
+    qDebug() << "Activated camera:" << d->camera->name() << "state:" << d->state.name()
              << "last request time:" << d->watchdog.lastRequestTime
              << "freeze time:" << d->watchdog.freezeTime
              << "reloads count:" << d->watchdog.reloadsCount << "is archive playing?"

@@ -21,10 +21,6 @@ namespace {
 constexpr int startTimeoutMsecs = 30000;
 constexpr qint64 errorOutputLimitBytes = 65536;
 
-// What the child reports, as libVLC numbers its states.
-constexpr QLatin1String vlcPaused("4");
-constexpr QLatin1String vlcError("7");
-
 PlayerProxy proxyFor(const API::Camera &camera)
 {
     return camera.kind() == API::LocalCamera ? PlayerProxy() : PlayerProxy::fromSettings();
@@ -51,13 +47,13 @@ bool VideoWidget::play(QString url)
     }
     showSpinner();
     d->url = url;
-    if (d->state != Idle)
+    if (d->state != TileState::Idle)
         closePlayer();
     if (!d->frameFile.open()) {
         emit error();
         return false;
     }
-    d->state = Starting;
+    d->state.started();
     d->playerProcess->setProgram(App::Environment::playerProgram());
     d->playerProcess->setArguments(playerArguments(url, d->frameFile.name(), proxyFor(*d->camera)));
     d->playerProcess->start(QIODevice::ReadWrite);
@@ -68,31 +64,31 @@ bool VideoWidget::play(QString url)
 
 void VideoWidget::stop()
 {
-    if (d->state != Idle)
+    if (d->state != TileState::Idle)
         closePlayer();
     clearImage();
 }
 
 void VideoWidget::closePlayer()
 {
-    d->state = Stopping;
+    d->state.stopping();
     d->url.clear();
     // Closing waits until the child has taken what it was told, which one that hangs never does.
     d->playerProcess->kill();
     d->playerProcess->close();
-    d->state = Idle;
+    d->state.stopped();
 }
 
 void VideoWidget::pause()
 {
     sendCommand(QStringLiteral("pause"));
-    d->state = Paused;
+    d->state.paused();
 }
 
 void VideoWidget::unpause()
 {
     sendCommand(QStringLiteral("unpause"));
-    d->state = Playing;
+    d->state.unpaused();
 }
 
 void VideoWidget::setSoundVolume(int volume)
@@ -134,7 +130,7 @@ void VideoWidget::deliverPendingCommands()
 void VideoWidget::readPlayerState()
 {
     const QByteArray read = d->playerProcess->readAllStandardOutput();
-    if (d->state == Stopping)
+    if (d->state == TileState::Stopping)
         return; // the last words of a child that is being ended
     const PlayerOutput output = PlayerOutput::parse(read);
     for (const PlayerEvent &event : output.events)
@@ -166,15 +162,12 @@ void VideoWidget::applyPlayerEvent(const PlayerEvent &event)
 void VideoWidget::applyVlcState(const QString &vlcState)
 {
     d->vlcState = vlcState;
-    if (vlcState == vlcError) {
-        if (d->archivePlaying)
-            stop();
-        else
-            d->watchdog.freezeTime = App::Environment::now();
-        d->state = Error;
-    } else if (vlcState == vlcPaused) {
-        d->state = Paused;
-    }
+    const bool hasFailed = TileState::isFailure(vlcState);
+    if (hasFailed && d->archivePlaying)
+        stop();
+    else if (hasFailed)
+        d->watchdog.failed(App::Environment::now());
+    d->state.told(vlcState);
 }
 
 void VideoWidget::applyPosition(const QString &text)
@@ -191,9 +184,8 @@ void VideoWidget::applyPosition(const QString &text)
 
 void VideoWidget::presentFrame()
 {
-    if (d->state == Starting)
-        d->state = Playing;
-    else if (d->state == Paused)
+    d->state.frame();
+    if (d->state == TileState::Paused)
         pause(); // a frame that slipped out
     hideSpinner();
     const QSize size = d->streamSize();

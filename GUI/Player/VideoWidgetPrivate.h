@@ -27,7 +27,7 @@ class VideoWidgetPrivate
 public:
     QString url;
     QString exportPath; ///< target of the export that was asked for last
-    int state = Idle;
+    TileState state;
     QString errorText; ///< stands in the middle of the tile in place of a picture
     Watchdog watchdog;
     bool archivePlaying = false;

@@ -102,31 +102,66 @@ private slots:
             QVERIFY(!FrameFile::hasRoomFor(size));
     }
 
+    /// Where each event leads from each state.
+    void states()
+    {
+        using State = TileState;
+        const auto told = [](const char *vlcState) {
+            return [vlcState](State &state) { state.told(QLatin1String(vlcState)); };
+        };
+        const auto everywhere = [](const char *name) {
+            return QByteArrayList{name, name, name, name, name, name}.join(' ');
+        };
+        const QByteArray unmoved = "Idle Starting Playing Paused Stopping Error";
+        const std::vector<std::pair<std::function<void(State &)>, QByteArray>> table{
+            {&State::started, everywhere("Starting")},
+            {&State::frame, "Idle Playing Playing Paused Stopping Error"},
+            {&State::paused, everywhere("Paused")},
+            {&State::unpaused, everywhere("Playing")},
+            {told("4"), everywhere("Paused")},
+            {told("7"), everywhere("Error")},
+            {told("3"), unmoved},
+            {told("07"), unmoved},
+            {&State::stopping, everywhere("Stopping")},
+            {&State::stopped, everywhere("Idle")}};
+        for (const auto &[event, expected] : table) {
+            QByteArrayList reached;
+            for (const auto from : {State::Idle, State::Starting, State::Playing, State::Paused,
+                                    State::Stopping, State::Error}) {
+                State state(from);
+                event(state);
+                reached << state.name();
+            }
+            QCOMPARE(reached.join(' '), expected);
+        }
+    }
+
     void watchdog()
     {
+        using State = TileState;
         using Verdict = Watchdog::Verdict;
         // By the seconds since its start and since its start or last error.
-        const auto judge = [](int state, bool childRuns, int sinceStart, int sinceFreeze,
+        const auto judge = [](State::Value state, bool childRuns, int sinceStart, int sinceFreeze,
                               int reloads = 0, bool archive = false) {
             const QDateTime now(QDate(2015, 3, 3), QTime(14, 5, 9));
             Watchdog dog;
             dog.lastRequestTime = now.addSecs(-sinceStart);
             dog.freezeTime = now.addSecs(-sinceFreeze);
             dog.reloadsCount = reloads;
-            return dog.judge(state, archive, childRuns, now);
+            return dog.judge(State(state), archive, childRuns, now);
         };
-        for (const int state : {Idle, Starting, Paused})
+        for (const auto state : {State::Idle, State::Starting, State::Paused})
             QVERIFY(judge(state, false, 99, 99, 3) == Verdict::Wait);
-        QVERIFY(judge(Playing, true, 99, 99, 3) == Verdict::Wait);
-        QVERIFY(judge(Playing, false, 10, 10) == Verdict::Wait);
-        QVERIFY(judge(Playing, false, 11, 11) == Verdict::Reload);
-        QVERIFY(judge(Playing, false, 99, 99, 3, true) == Verdict::Wait);
-        QVERIFY(judge(Error, true, 99, 10) == Verdict::Wait);
-        QVERIFY(judge(Error, true, 3, 99) == Verdict::Wait);
-        QVERIFY(judge(Error, true, 4, 99) == Verdict::Reload);
-        QVERIFY(judge(Error, false, 99, 11, 2) == Verdict::Reload);
-        QVERIFY(judge(Error, true, 0, 0, 3) == Verdict::GiveUp);
-        QVERIFY(judge(Playing, false, 0, 0, 4) == Verdict::GiveUp);
+        QVERIFY(judge(State::Playing, true, 99, 99, 3) == Verdict::Wait);
+        QVERIFY(judge(State::Playing, false, 10, 10) == Verdict::Wait);
+        QVERIFY(judge(State::Playing, false, 11, 11) == Verdict::Reload);
+        QVERIFY(judge(State::Playing, false, 99, 99, 3, true) == Verdict::Wait);
+        QVERIFY(judge(State::Error, true, 99, 10) == Verdict::Wait);
+        QVERIFY(judge(State::Error, true, 3, 99) == Verdict::Wait);
+        QVERIFY(judge(State::Error, true, 4, 99) == Verdict::Reload);
+        QVERIFY(judge(State::Error, false, 99, 11, 2) == Verdict::Reload);
+        QVERIFY(judge(State::Error, true, 0, 0, 3) == Verdict::GiveUp);
+        QVERIFY(judge(State::Playing, false, 0, 0, 4) == Verdict::GiveUp);
     }
 };
 
