@@ -81,6 +81,34 @@ private slots:
         QCOMPARE(messagePixelSize({161, 121}), 14);
     }
 
+    /// Whatever alpha a frame has and however it is turned, it is opaque, on background alone.
+    void paintedTile()
+    {
+        const QColor background(25, 25, 29);
+        for (const uint alpha : {0x00u, 0x80u, 0xffu}) {
+            QImage frame(8, 8, QImage::Format_ARGB32_Premultiplied);
+            frame.fill(alpha << 24 | 0xff0000);
+            for (const int rotation : {0, 90, -180, 450, 45}) {
+                for (const bool mirror : {false, true}) {
+                    QImage tile(24, 16, QImage::Format_RGB32);
+                    tile.fill(Qt::magenta); // what was there before
+                    QPainter painter(&tile);
+                    paintPicture(painter, tile.rect(), QRect(4, 0, 16, 16), frame, rotation,
+                                 mirror);
+                    for (const QPoint free : {QPoint(0, 0), QPoint(23, 15)})
+                        QCOMPARE(tile.pixelColor(free), background);
+                    QCOMPARE(tile.pixelColor(12, 8), QColor(Qt::red));
+                    const bool isSlanted = rotation == 45;
+                    QCOMPARE(tile.pixelColor(4, 0), isSlanted ? background : QColor(Qt::red));
+                }
+            }
+        }
+        QImage tile(24, 16, QImage::Format_RGB32);
+        QPainter painter(&tile);
+        paintPicture(painter, tile.rect(), QRect(4, 0, 16, 16), QImage(), 0, false);
+        QCOMPARE(tile.pixelColor(12, 8), background);
+    }
+
     void border()
     {
         // Drop target, active, hovered, tiles, cells.
