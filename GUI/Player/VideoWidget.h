@@ -140,7 +140,7 @@ private:
     void boundErrorOutput();
     void applyPlayerEvent(const Internal::PlayerEvent &event);
     void applyVlcState(const QString &vlcState);
-    void applyPosition(const QString &text);
+    void applyPosition(int position);
     void presentFrame();
     void reloadByTimer();
     void showSpinner();

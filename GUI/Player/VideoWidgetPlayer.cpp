@@ -143,15 +143,15 @@ void VideoWidget::applyPlayerEvent(const PlayerEvent &event)
 {
     switch (event.kind) {
     case PlayerEvent::Kind::Size:
-        d->videoWidth = event.width;
-        d->videoHeight = event.height;
+        d->videoWidth = event.size.width();
+        d->videoHeight = event.size.height();
         updateAspectRatio();
         break;
     case PlayerEvent::Kind::State:
         applyVlcState(event.text);
         break;
     case PlayerEvent::Kind::Position:
-        applyPosition(event.text);
+        applyPosition(event.position);
         break;
     case PlayerEvent::Kind::Bad:
         qDebug() << "Bad VLC input" << event.text;
@@ -170,12 +170,10 @@ void VideoWidget::applyVlcState(const QString &vlcState)
     d->state.told(vlcState);
 }
 
-void VideoWidget::applyPosition(const QString &text)
+void VideoWidget::applyPosition(int position)
 {
-    bool isNumber = false;
-    const qint64 position = text.toInt(&isNumber);
-    const int msecs = static_cast<int>(position * d->speed);
-    if (!isNumber || msecs <= 0)
+    const int msecs = static_cast<int>(qint64(position) * d->speed);
+    if (msecs <= 0)
         return;
     const qlonglong delta = msecs - d->baseTime.msecsTo(d->playbackTime);
     setTime(d->baseTime.addMSecs(msecs));
@@ -201,12 +199,14 @@ void VideoWidget::presentFrame()
 
 void VideoWidget::boundErrorOutput()
 {
-    // Nobody reads what a child complains about, and it must not pile up.
-    d->playerProcess->setReadChannel(QProcess::StandardError);
-    const bool isTooMuch = d->playerProcess->bytesAvailable() > errorOutputLimitBytes;
-    d->playerProcess->setReadChannel(QProcess::StandardOutput);
-    if (isTooMuch)
-        d->playerProcess->readAllStandardError();
+    // Nobody reads what the children complain about, and it must not pile up.
+    for (QProcess *child : {d->playerProcess.data(), d->exportProcess.data()}) {
+        child->setReadChannel(QProcess::StandardError);
+        const bool isTooMuch = child->bytesAvailable() > errorOutputLimitBytes;
+        child->setReadChannel(QProcess::StandardOutput);
+        if (isTooMuch)
+            child->readAllStandardError();
+    }
 }
 
 void VideoWidget::readPlayerErrors()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Test.h"
 
+#include "GUI/Player/ExportOutput.h"
 #include "GUI/Player/FrameFile.h"
 #include "GUI/Player/PictureGeometry.h"
 #include "GUI/Player/PlayerOutput.h"
@@ -33,7 +34,10 @@ private slots:
              {"Latin-1 space", QByteArray("\xa0") + "frame\n", 1, {}},
              {"one number", "size 640\n", 0, {"bad: size 640"}},
              {"bare words", "size\nstate\ntime\n", 0, {"bad: size", "bad: state", "bad: time"}},
-             {"not numbers", "size x 480\nsize 640 4x0\n", 0, {"size 0 480", "size 640 0"}},
+             {"not numbers",
+              "size x 480\nsize 640 4x0\ntime 1.5\n",
+              0,
+              {"size 0 480", "size 640 0", "time 0"}},
              {"more numbers", "size 640 480 32\nstate 3 4\n", 0, {"size 640 480", "state 3"}},
              {"two blanks", "size  640 480\nstate  7\n", 0, {"size 0 640", "state "}},
              {"beyond an int", "size 2147483648 99999999999999999999\n", 0, {"size 0 0"}},
@@ -53,12 +57,38 @@ private slots:
         QCOMPARE(output.frames, frames);
         QStringList told;
         for (const PlayerEvent &event : output.events) {
-            const QStringList words{"size %1 %2"_s.arg(event.width).arg(event.height),
-                                    "state " + event.text, "time " + event.text,
+            const QStringList words{"size %1 %2"_s.arg(event.size.width()).arg(event.size.height()),
+                                    "state " + event.text, "time %1"_s.arg(event.position),
                                     "bad: " + event.text};
             told << words.at(static_cast<int>(event.kind));
         }
         QCOMPARE(told, events);
+    }
+
+    void exportOutput_data()
+    {
+        rows<QByteArray, QString>(
+            {"read", "events"},
+            {{"all", "export-start\nexport-percent 9\nexport-done\n", "start 9 done"},
+             {"done once", "export-done\nexport-percent 5\nexport-done\n", "5 done"},
+             {"errors", "export-error\nexport-start\nexport-error\n", "error start error"},
+             {"no number", "export-percent all\nexport-percent  7\n", "0 0"},
+             {"no percent", "\t export-percent \nexport-percent 3\n", "bad:export-percent 3"},
+             {"others", "\n export-start\r\nExport-start\nexport-started\nframe\n", "start"},
+             {"nothing after a NUL", QByteArray("export-percent 8\n\0export-done\n", 30), "8"},
+             {"no end of line", "export-percent 20", "20"}});
+    }
+
+    void exportOutput()
+    {
+        const auto [read, expected] = row<QByteArray, QString>();
+        QStringList told;
+        for (const ExportEvent &event : exportEvents(read)) {
+            const QStringList words{"start", QString::number(event.percent), "error", "done",
+                                    "bad:" + event.line};
+            told << words.at(static_cast<int>(event.kind));
+        }
+        QCOMPARE(told.join(' '), expected);
     }
 
     void fitAndMessageSize()
