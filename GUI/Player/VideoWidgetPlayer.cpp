@@ -185,16 +185,7 @@ void VideoWidget::presentFrame()
     d->state.frame();
     if (d->state == TileState::Paused)
         pause(); // a frame that slipped out
-    hideSpinner();
-    const QSize size = d->streamSize();
-    if (!FrameFile::hasRoomFor(size) && d->refusedSize != size) {
-        d->refusedSize = size;
-        qWarning() << "VideoWidget: No frame of" << d->videoWidth << "x" << d->videoHeight
-                   << "pixels can be shown";
-    }
-    d->image = d->frameFile.image(size);
-    d->hasPicture = true;
-    update();
+    showPicture();
 }
 
 void VideoWidget::boundErrorOutput()
