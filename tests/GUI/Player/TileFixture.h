@@ -29,7 +29,6 @@ struct ScriptedTile : ScriptedChild, GUI::Player::VideoWidget {
     /// Lines of standard input of all children so far, but for the pings.
     QStringList orders() const;
     QProcess &process() const { return *findChild<QProcess *>(); }
-    QProcess &exportProcess() const { return *findChildren<QProcess *>().at(1); }
     /// Starts live play and waits for the first frame.
     bool playsLive();
 };
