@@ -9,8 +9,8 @@ namespace Internal {
 namespace {
 
 // What the child reports, as libVLC numbers its states.
-constexpr QLatin1String vlcPaused("4");
-constexpr QLatin1String vlcError("7");
+const QLatin1String vlcPaused("4");
+const QLatin1String vlcError("7");
 
 } // namespace
 

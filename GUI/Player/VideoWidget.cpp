@@ -27,7 +27,7 @@ namespace {
 
 constexpr std::chrono::milliseconds tickInterval = 2s;
 
-constexpr QLatin1String snapshotStampFormat("dd_MM_yy_hh_mm_ss");
+const QLatin1String snapshotStampFormat("dd_MM_yy_hh_mm_ss");
 
 } // namespace
 

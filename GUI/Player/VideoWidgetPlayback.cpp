@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr std::chrono::milliseconds retryDelay = 30s;
-constexpr QLatin1String clockFormat("hh:mm:ss");
+const QLatin1String clockFormat("hh:mm:ss");
 
 } // namespace
 
