@@ -12,8 +12,8 @@ namespace Internal {
 namespace {
 
 constexpr qint64 msecsPerSecond = 1000;
-constexpr QLatin1String dateFormat("dd.MM.yy");
-constexpr QLatin1String timeFormat("hh.mm.ss");
+const QLatin1String dateFormat("dd.MM.yy");
+const QLatin1String timeFormat("hh.mm.ss");
 
 qint64 wholeSecondsInMsecs(const QDateTime &time)
 {

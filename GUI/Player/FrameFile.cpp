@@ -42,7 +42,7 @@ bool FrameFile::open()
     if (file.isOpen())
         return true;
     file.setFileName(QDir::tempPath() + QDir::separator() + frameFileName);
-    if (map())
+    if (create())
         return true;
     if (file.isOpen()) {
         file.close();
@@ -51,7 +51,7 @@ bool FrameFile::open()
     return false;
 }
 
-bool FrameFile::map()
+bool FrameFile::create()
 {
     // A file of that name is left over from a run that crashed, or planted: never write into it.
     file.remove();

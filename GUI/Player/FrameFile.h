@@ -37,7 +37,7 @@ public:
     static bool hasRoomFor(QSize size);
 
 private:
-    bool map();
+    bool create();
 
     QString frameFileName;
     QFile file;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QSize>
 #include <QString>
 #include <QVector>
 
@@ -10,18 +11,17 @@ namespace GUI {
 namespace Player {
 namespace Internal {
 
-/// One line of the child that says something other than "frame".
+/// One line of the player that says something other than "frame".
 struct PlayerEvent {
     enum class Kind { Size, State, Position, Bad };
 
     Kind kind = Kind::Bad;
-    int width = 0;  ///< Size: 0 if it was no number
-    int height = 0; ///< Size: 0 if it was no number
-    QString text;   ///< State and Position: the token; Bad: the line
+    QSize size;       ///< Size: 0 for what was no number
+    int position = 0; ///< Position: milliseconds; 0 if it was no number
+    QString text;     ///< State: its token; Bad: the line
 };
 
-/// What one read of the child's output says. Nothing is carried over to the next read, so a
-/// line torn across two reads counts as two lines.
+/// What one read of the player's output says.
 struct PlayerOutput {
     QVector<PlayerEvent> events; ///< in the order of their lines
     int frames = 0;

@@ -20,6 +20,9 @@ constexpr qreal borderWidth = 2.0;
 constexpr qreal borderRadius = 1.0;
 constexpr int borderInset = 1;
 
+constexpr int rightAngleDegrees = 90;
+constexpr int fullTurnDegrees = 360;
+
 constexpr QColor selectionColor(62, 183, 253, 255);
 constexpr QColor hoverColor(66, 71, 80, 255);
 constexpr QColor dimming(41, 44, 49, 150);
@@ -46,15 +49,7 @@ QRect innerRect(const QRect &tile)
     return tile.adjusted(borderInset, borderInset, -borderInset, -borderInset);
 }
 
-/// Fills what of the tile a picture in `target` leaves free. What the picture covers would only
-/// be filled in vain, and that takes as long as the picture itself.
-void paintAround(QPainter &painter, const QRect &tile, const QRect &target)
-{
-    for (const QRect &band : QRegion(tile) - target)
-        painter.fillRect(band, tileBackground);
-}
-
-/// The same pixels without their alpha, as a camera's picture has nothing to show through.
+/// The same pixels in place, without their alpha.
 QImage opaque(const QImage &image)
 {
     if (image.isNull())
@@ -63,11 +58,27 @@ QImage opaque(const QImage &image)
                   static_cast<int>(image.bytesPerLine()), QImage::Format_RGB32);
 }
 
-QImage oriented(const QImage &image, int rotation, bool mirror)
+/// `frame` as it is seen. An upright one stays where it is; others are copied. Only one that is
+/// turned by no multiple of a right angle gets an alpha, for its corners.
+QImage finalPicture(const QImage &frame, int rotation, bool mirror)
 {
+    QImage picture = opaque(frame);
+    if (rotation == 0 && !mirror)
+        return picture;
+    if (rotation % rightAngleDegrees != 0)
+        picture = picture.convertToFormat(QImage::Format_ARGB32_Premultiplied);
     QTransform transform;
-    transform.rotate(rotation, Qt::ZAxis);
-    return image.transformed(transform, Qt::FastTransformation).mirrored(mirror, false);
+    transform.rotate(rotation % fullTurnDegrees, Qt::ZAxis); // exact beyond a turn as well
+    return picture.transformed(transform, Qt::FastTransformation).mirrored(mirror, false);
+}
+
+/// Fills what of the tile `picture` in `target` leaves free. What it covers would only be filled
+/// in vain, and that takes as long as the picture itself.
+void paintAround(QPainter &painter, const QRect &tile, const QRect &target, const QImage &picture)
+{
+    const bool covers = !picture.isNull() && !picture.hasAlphaChannel();
+    for (const QRect &band : QRegion(tile) - (covers ? target : QRect()))
+        painter.fillRect(band, tileBackground);
 }
 
 } // namespace
@@ -84,13 +95,12 @@ void paintBackground(QPainter &painter, const QRect &tile)
     painter.fillRect(tile, tileBackground);
 }
 
-void paintPicture(QPainter &painter, const QRect &tile, const QRect &target, const QImage &image,
+void paintPicture(QPainter &painter, const QRect &tile, const QRect &target, const QImage &frame,
                   int rotation, bool mirror)
 {
+    const QImage picture = finalPicture(frame, rotation, mirror);
+    paintAround(painter, tile, target, picture);
     painter.setPen(Qt::NoPen);
-    const bool isUpright = rotation == 0 && !mirror;
-    paintAround(painter, tile, isUpright && !image.isNull() ? target : QRect());
-    const QImage picture = isUpright ? opaque(image) : oriented(image, rotation, mirror);
     painter.drawImage(QRectF(target), picture, QRectF(picture.rect()));
 }
 

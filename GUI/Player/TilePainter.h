@@ -32,17 +32,20 @@ struct BorderRule {
     TileBorder border() const;
 };
 
-// Each of the first three paints the whole tile.
+// One of these three begins each paint, and leaves no pixel of the tile as it was.
 
 void paintBackground(QPainter &painter, const QRect &tile);
 
-/// Draws `image` into `target`, turned clockwise by `rotation` degrees and, after that,
-/// flipped left to right if `mirror`.
-void paintPicture(QPainter &painter, const QRect &tile, const QRect &target, const QImage &image,
+/// Draws `frame` into `target`, turned clockwise by `rotation` degrees and, after that, flipped
+/// left to right if `mirror`, with background round it. The alpha of its pixels is ignored: a
+/// camera's picture has nothing to show through.
+void paintPicture(QPainter &painter, const QRect &tile, const QRect &target, const QImage &frame,
                   int rotation, bool mirror);
 
-/// Writes `text` in the middle of the tile.
+/// Writes `text` in the middle of the tile, on the background.
 void paintMessage(QPainter &painter, const QRect &tile, const QFont &font, const QString &text);
+
+// These go on top of that.
 
 /// Dims a tile that is being dragged.
 void paintDimming(QPainter &painter, const QRect &tile);

@@ -6,9 +6,37 @@ namespace GUI {
 namespace Player {
 namespace Internal {
 
-const char *tileStateName(int state)
+namespace {
+
+// What the child reports, as libVLC numbers its states.
+const QLatin1String vlcPaused("4");
+const QLatin1String vlcError("7");
+
+} // namespace
+
+void TileState::told(const QString &vlcState)
 {
-    switch (state) {
+    if (isFailure(vlcState))
+        value = Error;
+    else if (vlcState == vlcPaused)
+        value = Paused;
+}
+
+bool TileState::isFailure(const QString &vlcState)
+{
+    return vlcState == vlcError;
+}
+
+bool TileState::isPlaying(bool archivePlaying) const
+{
+    if (!archivePlaying)
+        return value == Playing;
+    return value != Idle && value != Stopping && value != Error;
+}
+
+const char *TileState::name() const
+{
+    switch (value) {
     case Idle:
         return "Idle";
     case Starting:
@@ -23,14 +51,8 @@ const char *tileStateName(int state)
         return "Stopping";
     case Error:
         return "Error";
-    default:
-        return "Unknown";
     }
-}
-
-bool hasChild(int state)
-{
-    return state != Idle && state != Stopping && state != Error;
+    return "Unknown";
 }
 
 } // namespace Internal

@@ -130,27 +130,38 @@ private slots:
     void on_cameraScreenshotButton_clicked();
 
 private:
-    void setUpBars();
+    void dumpState() const;
+
+    // VideoWidgetPlayback.cpp
+    void reloadByTimer();
+
+    // VideoWidgetPlayer.cpp
     void setUpPlayer();
-    void setUpExport();
+    void closePlayer();
     void deliverPendingCommands();
     void sendCommand(const QString &command);
     void sendVolume();
-    void closePlayer();
-    void boundErrorOutput();
     void applyPlayerEvent(const Internal::PlayerEvent &event);
     void applyVlcState(const QString &vlcState);
-    void applyPosition(const QString &text);
+    void applyPosition(int position);
     void presentFrame();
-    void reloadByTimer();
+    void boundErrorOutput();
+
+    // VideoWidgetExport.cpp
+    void setUpExport();
+
+    // VideoWidgetPicture.cpp
+    void setUpBars();
+    void showBars(bool visible);
+    void showPicture();
+    void clearImage();
     void showSpinner();
     void hideSpinner();
-    void clearImage();
-    void showBars(bool visible);
     void updateAspectRatio();
     Internal::BorderRule borderRule() const;
+
+    // VideoWidgetEvents.cpp
     void dragTile();
-    void dumpState() const;
 
     QScopedPointer<Ui::VideoWidget> ui;
     QSharedPointer<Internal::VideoWidgetPrivate> d;

@@ -1,23 +1,17 @@
 // SPDX-License-Identifier: MIT
-// The tile as its user meets it: paint, mouse, drag and drop.
+// Mouse, drag and drop on a tile.
 #include <QApplication>
 #include <QDrag>
 #include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QPointer>
 #include <QTransform>
 
-#include "API/Camera.h"
-#include "App/Application.h"
 #include "GUI/Player/DropDecoder.h"
-#include "GUI/Player/TilePainter.h"
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/Player/VideoWidgetPrivate.h"
-#include "ui_VideoWidget.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -31,86 +25,6 @@ constexpr qreal dragTiltDegrees = 4.0;
 constexpr QPoint dragHotSpot(80, 50);
 
 } // namespace
-
-void VideoWidget::orientationChanged()
-{
-    updateAspectRatio();
-    update();
-}
-
-void VideoWidget::updateAspectRatio()
-{
-    d->aspectRatio = aspectRatioOf(d->streamSize(), d->camera->rotation());
-}
-
-void VideoWidget::paintEvent(QPaintEvent *event)
-{
-    QWidget::paintEvent(event);
-    QPainter painter(this);
-    if (!d->hasPicture)
-        paintMessage(painter, rect(), font(), d->errorText);
-    else if (isVisible())
-        paintPicture(painter, rect(), fitPicture(size(), d->aspectRatio), d->image,
-                     d->camera->rotation(), d->camera->isMirrored());
-    else
-        paintBackground(painter, rect());
-    if (d->isDragging)
-        paintDimming(painter, rect());
-    paintBorder(painter, rect(), borderRule().border());
-}
-
-BorderRule VideoWidget::borderRule() const
-{
-    BorderRule rule;
-    rule.isDropTarget = d->isDropTarget;
-    rule.isActive = d->isActive;
-    rule.isHovered = d->isHovered;
-    const auto *application = qobject_cast<App::Application *>(qApp);
-    if (d->isActive && application) {
-        rule.playerCount = application->playerCount();
-        rule.cellCount = application->cellCount();
-    }
-    return rule;
-}
-
-void VideoWidget::resizeEvent(QResizeEvent *event)
-{
-    QWidget::resizeEvent(event);
-    ui->cameraName->setText(ui->cameraName->fontMetrics().elidedText(
-        d->camera->name(), Qt::ElideRight, nameWidth(width())));
-}
-
-void VideoWidget::enterEvent(EnterEvent *)
-{
-    d->isHovered = true;
-    showBars(true);
-    update();
-}
-
-void VideoWidget::leaveEvent(QEvent *)
-{
-    d->isHovered = false;
-    if (!ui->settingsButton->menu()->isVisible())
-        showBars(false);
-    update();
-}
-
-bool VideoWidget::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched != ui->settingsButton->menu())
-        return QWidget::eventFilter(watched, event);
-    if (event->type() != QEvent::Hide)
-        return false;
-    watched->event(event); // or else the button waits for its menu for ever
-    showBars(false);
-    return true;
-}
-
-void VideoWidget::showBars(bool visible)
-{
-    ui->topBar->setVisible(visible);
-    ui->bottomBar->setVisible(visible);
-}
 
 void VideoWidget::mousePressEvent(QMouseEvent *event)
 {

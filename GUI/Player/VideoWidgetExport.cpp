@@ -9,6 +9,7 @@
 #include "API/Camera.h"
 #include "App/Environment.h"
 #include "GUI/Player/ArchiveFragment.h"
+#include "GUI/Player/ExportOutput.h"
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/Player/VideoWidgetPrivate.h"
 
@@ -28,8 +29,6 @@ constexpr int cleanUpTimeoutMsecs = 1000;
 void VideoWidget::setUpExport()
 {
     d->exportProcess = QSharedPointer<QProcess>(new QProcess(this));
-    // Nobody reads what the child complains about, and it must not pile up.
-    d->exportProcess->setStandardErrorFile(QProcess::nullDevice());
     connect(d->exportProcess.data(), &QProcess::readyReadStandardOutput, this,
             &VideoWidget::readExportMessages);
 }
@@ -62,28 +61,26 @@ void VideoWidget::cancelExport()
 
 void VideoWidget::readExportMessages()
 {
-    const QByteArray read = d->exportProcess->readAllStandardOutput();
-    const QString text = QString::fromLatin1(read.constData()); // up to the first NUL
-    bool isDone = false;
-    const QStringList lines = text.trimmed().split(QLatin1Char('\n'));
-    for (const QString &line : lines) {
-        const QStringList tokens = line.trimmed().split(QLatin1Char(' '));
-        const QString &word = tokens.first();
-        if (word == QLatin1String("export-done"))
-            isDone = true;
-        else if (word == QLatin1String("export-error"))
-            emit exportError(d->exportPath);
-        else if (word == QLatin1String("export-start"))
+    const QVector<ExportEvent> events = exportEvents(d->exportProcess->readAllStandardOutput());
+    for (const ExportEvent &event : events) {
+        switch (event.kind) {
+        case ExportEvent::Kind::Started:
             emit exportStarted();
-        else if (word != QLatin1String("export-percent"))
-            continue;
-        else if (tokens.size() < 2)
-            qDebug() << "Bad VLC input" << line.trimmed();
-        else
-            emit exportPercentDone(tokens.at(1).toInt());
+            break;
+        case ExportEvent::Kind::Percent:
+            emit exportPercentDone(event.percent);
+            break;
+        case ExportEvent::Kind::Error:
+            emit exportError(d->exportPath);
+            break;
+        case ExportEvent::Kind::Done:
+            emit exportDone(d->exportPath);
+            break;
+        case ExportEvent::Kind::Bad:
+            qDebug() << "Bad VLC input" << event.line;
+            break;
+        }
     }
-    if (isDone)
-        emit exportDone(d->exportPath);
 }
 
 } // namespace Player

@@ -21,10 +21,6 @@ namespace {
 constexpr int startTimeoutMsecs = 30000;
 constexpr qint64 errorOutputLimitBytes = 65536;
 
-// What the child reports, as libVLC numbers its states.
-constexpr QLatin1String vlcPaused("4");
-constexpr QLatin1String vlcError("7");
-
 PlayerProxy proxyFor(const API::Camera &camera)
 {
     return camera.kind() == API::LocalCamera ? PlayerProxy() : PlayerProxy::fromSettings();
@@ -51,13 +47,13 @@ bool VideoWidget::play(QString url)
     }
     showSpinner();
     d->url = url;
-    if (d->state != Idle)
+    if (d->state != TileState::Idle)
         closePlayer();
     if (!d->frameFile.open()) {
         emit error();
         return false;
     }
-    d->state = Starting;
+    d->state.started();
     d->playerProcess->setProgram(App::Environment::playerProgram());
     d->playerProcess->setArguments(playerArguments(url, d->frameFile.name(), proxyFor(*d->camera)));
     d->playerProcess->start(QIODevice::ReadWrite);
@@ -68,31 +64,31 @@ bool VideoWidget::play(QString url)
 
 void VideoWidget::stop()
 {
-    if (d->state != Idle)
+    if (d->state != TileState::Idle)
         closePlayer();
     clearImage();
 }
 
 void VideoWidget::closePlayer()
 {
-    d->state = Stopping;
+    d->state.stopping();
     d->url.clear();
     // Closing waits until the child has taken what it was told, which one that hangs never does.
     d->playerProcess->kill();
     d->playerProcess->close();
-    d->state = Idle;
+    d->state.stopped();
 }
 
 void VideoWidget::pause()
 {
     sendCommand(QStringLiteral("pause"));
-    d->state = Paused;
+    d->state.paused();
 }
 
 void VideoWidget::unpause()
 {
     sendCommand(QStringLiteral("unpause"));
-    d->state = Playing;
+    d->state.unpaused();
 }
 
 void VideoWidget::setSoundVolume(int volume)
@@ -134,7 +130,7 @@ void VideoWidget::deliverPendingCommands()
 void VideoWidget::readPlayerState()
 {
     const QByteArray read = d->playerProcess->readAllStandardOutput();
-    if (d->state == Stopping)
+    if (d->state == TileState::Stopping)
         return; // the last words of a child that is being ended
     const PlayerOutput output = PlayerOutput::parse(read);
     for (const PlayerEvent &event : output.events)
@@ -147,15 +143,15 @@ void VideoWidget::applyPlayerEvent(const PlayerEvent &event)
 {
     switch (event.kind) {
     case PlayerEvent::Kind::Size:
-        d->videoWidth = event.width;
-        d->videoHeight = event.height;
+        d->videoWidth = event.size.width();
+        d->videoHeight = event.size.height();
         updateAspectRatio();
         break;
     case PlayerEvent::Kind::State:
         applyVlcState(event.text);
         break;
     case PlayerEvent::Kind::Position:
-        applyPosition(event.text);
+        applyPosition(event.position);
         break;
     case PlayerEvent::Kind::Bad:
         qDebug() << "Bad VLC input" << event.text;
@@ -166,23 +162,18 @@ void VideoWidget::applyPlayerEvent(const PlayerEvent &event)
 void VideoWidget::applyVlcState(const QString &vlcState)
 {
     d->vlcState = vlcState;
-    if (vlcState == vlcError) {
-        if (d->archivePlaying)
-            stop();
-        else
-            d->watchdog.freezeTime = App::Environment::now();
-        d->state = Error;
-    } else if (vlcState == vlcPaused) {
-        d->state = Paused;
-    }
+    const bool hasFailed = TileState::isFailure(vlcState);
+    if (hasFailed && d->archivePlaying)
+        stop();
+    else if (hasFailed)
+        d->watchdog.failed(App::Environment::now());
+    d->state.told(vlcState);
 }
 
-void VideoWidget::applyPosition(const QString &text)
+void VideoWidget::applyPosition(int position)
 {
-    bool isNumber = false;
-    const qint64 position = text.toInt(&isNumber);
-    const int msecs = static_cast<int>(position * d->speed);
-    if (!isNumber || msecs <= 0)
+    const int msecs = static_cast<int>(qint64(position) * d->speed);
+    if (msecs <= 0)
         return;
     const qlonglong delta = msecs - d->baseTime.msecsTo(d->playbackTime);
     setTime(d->baseTime.addMSecs(msecs));
@@ -191,30 +182,22 @@ void VideoWidget::applyPosition(const QString &text)
 
 void VideoWidget::presentFrame()
 {
-    if (d->state == Starting)
-        d->state = Playing;
-    else if (d->state == Paused)
+    d->state.frame();
+    if (d->state == TileState::Paused)
         pause(); // a frame that slipped out
-    hideSpinner();
-    const QSize size = d->streamSize();
-    if (!FrameFile::hasRoomFor(size) && d->refusedSize != size) {
-        d->refusedSize = size;
-        qWarning() << "VideoWidget: No frame of" << d->videoWidth << "x" << d->videoHeight
-                   << "pixels can be shown";
-    }
-    d->image = d->frameFile.image(size);
-    d->hasPicture = true;
-    update();
+    showPicture();
 }
 
 void VideoWidget::boundErrorOutput()
 {
-    // Nobody reads what a child complains about, and it must not pile up.
-    d->playerProcess->setReadChannel(QProcess::StandardError);
-    const bool isTooMuch = d->playerProcess->bytesAvailable() > errorOutputLimitBytes;
-    d->playerProcess->setReadChannel(QProcess::StandardOutput);
-    if (isTooMuch)
-        d->playerProcess->readAllStandardError();
+    // Nobody reads what the children complain about, and it must not pile up.
+    for (QProcess *child : {d->playerProcess.data(), d->exportProcess.data()}) {
+        child->setReadChannel(QProcess::StandardError);
+        const bool isTooMuch = child->bytesAvailable() > errorOutputLimitBytes;
+        child->setReadChannel(QProcess::StandardOutput);
+        if (isTooMuch)
+            child->readAllStandardError();
+    }
 }
 
 void VideoWidget::readPlayerErrors()

@@ -22,48 +22,57 @@ namespace Internal {
 
 constexpr int highestQuality = 2;
 
+/// The fields of a tile. All of its files read them; each group is written by the one that it
+/// names.
 class VideoWidgetPrivate
 {
 public:
-    QString url;
-    QString exportPath; ///< target of the export that was asked for last
-    int state = Idle;
-    QString errorText; ///< stands in the middle of the tile in place of a picture
-    Watchdog watchdog;
+    // VideoWidget.cpp
+    API::CameraPtr camera;
+    bool isActive = false;
+    int row = 0;
+    int column = 0;
+    int rowSpan = 1;
+    int columnSpan = 1;
+
+    // VideoWidgetPlayback.cpp
     bool archivePlaying = false;
-
-    QSharedPointer<QProcess> playerProcess;
-    QSharedPointer<QProcess> exportProcess;
-    QStringList pendingCommands; ///< given while no child ran
-    FrameFile frameFile;
-    QString vlcState = QStringLiteral("unknown");
-
-    bool hasPicture = false;
-    QImage image; ///< over the memory of `frameFile`
-    int videoWidth = 320;
-    int videoHeight = 240;
-    QSize refusedSize; ///< the size last logged as too large
-    double aspectRatio = defaultAspectRatio;
-
-    int volume = 0;
-    bool soundEnabled = true;
     int speed = 1; ///< of the archive; live play leaves it alone
     int quality = highestQuality;
     QDateTime playbackTime;
     QDateTime baseTime; ///< when the stream began: now for live, the requested start for archive
     QDateTime endTime;
-    API::CameraPtr camera;
 
-    bool isActive = false;
+    // VideoWidgetPlayer.cpp
+    TileState state;
+    Watchdog watchdog; ///< its reloads are counted by VideoWidgetPlayback.cpp
+    QString url;
+    QSharedPointer<QProcess> playerProcess;
+    QStringList pendingCommands; ///< given while no child ran
+    FrameFile frameFile;
+    QString vlcState = QStringLiteral("unknown");
+    int videoWidth = 320;
+    int videoHeight = 240;
+    int volume = 0;
+    bool soundEnabled = true;
+
+    // VideoWidgetExport.cpp
+    QSharedPointer<QProcess> exportProcess;
+    QString exportPath; ///< target of the export that was asked for last
+
+    // VideoWidgetPicture.cpp
+    bool hasPicture = false;
+    QImage image;      ///< over the memory of `frameFile`
+    QSize refusedSize; ///< the size last logged as too large
+    double aspectRatio = defaultAspectRatio;
+    QString errorText; ///< stands in the middle of the tile in place of a picture
+    bool isHovered = false;
+
+    // VideoWidgetEvents.cpp
     int pressX = 0;
     int pressY = 0;
-    int row = 0;
-    int column = 0;
-    int rowSpan = 1;
-    int columnSpan = 1;
     bool isDragging = false;
     bool isDropTarget = false;
-    bool isHovered = false;
 
     QSize streamSize() const { return QSize(videoWidth, videoHeight); }
     int effectiveVolume() const { return isActive && soundEnabled ? volume : 0; }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/Player/Watchdog.h"
 
-#include "GUI/Player/TileState.h"
-
 namespace ZorvaneClient {
 namespace GUI {
 namespace Player {
@@ -21,11 +19,11 @@ bool Watchdog::isFrozen(const QDateTime &now) const
            freezeTime.secsTo(now) > freezeTimeoutSecs;
 }
 
-Watchdog::Verdict Watchdog::judge(int state, bool archivePlaying, bool childRuns,
+Watchdog::Verdict Watchdog::judge(TileState state, bool archivePlaying, bool childRuns,
                                   const QDateTime &now) const
 {
-    const bool diedPlaying = !childRuns && state == Playing;
-    if (archivePlaying || (state != Error && !diedPlaying))
+    const bool diedPlaying = !childRuns && state == TileState::Playing;
+    if (archivePlaying || (state != TileState::Error && !diedPlaying))
         return Verdict::Wait;
     if (reloadsCount >= maxReloads)
         return Verdict::GiveUp;

@@ -3,6 +3,8 @@
 
 #include <QDateTime>
 
+#include "GUI/Player/TileState.h"
+
 namespace ZorvaneClient {
 namespace GUI {
 namespace Player {
@@ -23,9 +25,13 @@ struct Watchdog {
 
     /// A child was started, by whomever.
     void started(const QDateTime &now);
+    /// A child was started by the watchdog, as often in a row as that.
+    void reloaded(int count) { reloadsCount = count; }
+    /// The child reported an error.
+    void failed(const QDateTime &now) { freezeTime = now; }
     bool isFrozen(const QDateTime &now) const;
     /// What to do at a tick.
-    Verdict judge(int state, bool archivePlaying, bool childRuns, const QDateTime &now) const;
+    Verdict judge(TileState state, bool archivePlaying, bool childRuns, const QDateTime &now) const;
 };
 
 } // namespace Internal

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Test.h"
 
+#include "GUI/Player/ExportOutput.h"
 #include "GUI/Player/FrameFile.h"
 #include "GUI/Player/PictureGeometry.h"
 #include "GUI/Player/PlayerOutput.h"
@@ -16,24 +17,22 @@ class TileRulesTest : public QObject
     Q_OBJECT
 
 private slots:
-    /// One read of the child's output, as the tile understands it.
+    /// One read of a child's output, as the tile understands it from the player or an export.
     void outputOfOneRead_data()
     {
         rows<QByteArray, int, QStringList>(
             {"read", "frames", "events"},
             {{"nothing", "", 0, {}},
              {"blank lines", "\n \n\r\n\n", 0, {}},
-             {"in order",
-              "state 3\nsize 6 4\nframe\ntime 4\n",
-              1,
-              {"state 3", "size 6 4", "time 4"}},
+             {"order", "state 3\nsize 6 4\nframe\ntime 4", 1, {"state 3", "size 6 4", "time 4"}},
              {"no end of line", "frame\nstate 3", 1, {"state 3"}},
              {"carriage returns", "size 640 480\r\nframe\r\n", 1, {"size 640 480"}},
              {"blanks round a line", "  \tframe\t \n  state 4 ", 1, {"state 4"}},
              {"Latin-1 space", QByteArray("\xa0") + "frame\n", 1, {}},
              {"one number", "size 640\n", 0, {"bad: size 640"}},
              {"bare words", "size\nstate\ntime\n", 0, {"bad: size", "bad: state", "bad: time"}},
-             {"not numbers", "size x 480\nsize 640 4x0\n", 0, {"size 0 480", "size 640 0"}},
+             {"not numbers", "size x 4\nsize 640 4x0\n", 0, {"size 0 4", "size 640 0"}},
+             {"no whole number", "time 1.5\n", 0, {"time 0"}},
              {"more numbers", "size 640 480 32\nstate 3 4\n", 0, {"size 640 480", "state 3"}},
              {"two blanks", "size  640 480\nstate  7\n", 0, {"size 0 640", "state "}},
              {"beyond an int", "size 2147483648 99999999999999999999\n", 0, {"size 0 0"}},
@@ -43,7 +42,13 @@ private slots:
              {"torn lines", "me\nframe\nframe 17\nfra", 2, {}},
              {"cut at NUL", QByteArray("frame\nsta\0te 7\nframe\n", 20), 1, {}},
              {"NUL first", QByteArray("\0frame\n", 7), 0, {}},
-             {"garbage", "\xff\xfe\x80 \x01\x02\nframe\n\x7f", 1, {}}});
+             {"garbage", "\xff\xfe\x80 \x01\x02\nframe\n\x7f", 1, {}},
+             {"export", "export-start\nexport-percent 9\nexport-done\n", 0, {"start", "9", "done"}},
+             {"done once", "export-done\nexport-percent 5\nexport-done\n", 0, {"5", "done"}},
+             {"export errors", "export-error\nexport-error\n", 0, {"error", "error"}},
+             {"no numbers", "export-percent all\nexport-percent  7\n", 0, {"0", "0"}},
+             {"no percent", "\texport-percent \n", 0, {"bad: export-percent"}},
+             {"other words", "Export-start\nexport-started\n", 0, {}}});
     }
 
     void outputOfOneRead()
@@ -53,9 +58,14 @@ private slots:
         QCOMPARE(output.frames, frames);
         QStringList told;
         for (const PlayerEvent &event : output.events) {
-            const QStringList words{"size %1 %2"_s.arg(event.width).arg(event.height),
-                                    "state " + event.text, "time " + event.text,
+            const QStringList words{"size %1 %2"_s.arg(event.size.width()).arg(event.size.height()),
+                                    "state " + event.text, "time %1"_s.arg(event.position),
                                     "bad: " + event.text};
+            told << words.at(static_cast<int>(event.kind));
+        }
+        for (const ExportEvent &event : exportEvents(read)) {
+            const QStringList words{"start", QString::number(event.percent), "error", "done",
+                                    "bad: " + event.line};
             told << words.at(static_cast<int>(event.kind));
         }
         QCOMPARE(told, events);
@@ -81,6 +91,26 @@ private slots:
         QCOMPARE(messagePixelSize({161, 121}), 14);
     }
 
+    /// A frame without alpha is opaque however it is turned, on background alone.
+    void paintedTile()
+    {
+        QImage frame(8, 8, QImage::Format_ARGB32_Premultiplied);
+        frame.fill(0x00ff0000u);
+        for (const int rotation : {0, 90, -180, 450, 45}) {
+            for (const bool mirror : {false, true}) {
+                QImage tile(24, 16, QImage::Format_RGB32);
+                tile.fill(Qt::magenta); // what was there before
+                QPainter painter(&tile);
+                paintPicture(painter, tile.rect(), QRect(4, 0, 16, 16), frame, rotation, mirror);
+                QCOMPARE(tile.pixelColor(0, 0), tileBackground);
+                QCOMPARE(tile.pixelColor(4, 0), rotation == 45 ? tileBackground : Qt::red);
+                QCOMPARE(tile.pixelColor(12, 8), QColor(Qt::red));
+                paintPicture(painter, tile.rect(), QRect(4, 0, 16, 16), QImage(), 0, false);
+                QCOMPARE(tile.pixelColor(12, 8), tileBackground);
+            }
+        }
+    }
+
     void border()
     {
         // Drop target, active, hovered, tiles, cells.
@@ -102,31 +132,58 @@ private slots:
             QVERIFY(!FrameFile::hasRoomFor(size));
     }
 
+    /// Where each event leads from each state.
+    void states()
+    {
+        using State = TileState;
+        for (const auto from : {State::Idle, State::Starting, State::Playing, State::Paused,
+                                State::Stopping, State::Error}) {
+            const auto after = [from](const std::function<void(State &)> &event) {
+                State state(from);
+                event(state);
+                return state;
+            };
+            const auto told = [&after](const QString &vlcState) {
+                return after([&vlcState](State &state) { state.told(vlcState); });
+            };
+            QVERIFY(after(&State::started) == State::Starting);
+            QVERIFY(after(&State::frame) == (from == State::Starting ? State::Playing : from));
+            QVERIFY(after(&State::paused) == State::Paused);
+            QVERIFY(after(&State::unpaused) == State::Playing);
+            QVERIFY(told("4"_s) == State::Paused);
+            QVERIFY(told("7"_s) == State::Error);
+            QVERIFY(told("3"_s) == from && told("07"_s) == from);
+            QVERIFY(after(&State::stopping) == State::Stopping);
+            QVERIFY(after(&State::stopped) == State::Idle);
+        }
+    }
+
     void watchdog()
     {
+        using State = TileState;
         using Verdict = Watchdog::Verdict;
         // By the seconds since its start and since its start or last error.
-        const auto judge = [](int state, bool childRuns, int sinceStart, int sinceFreeze,
+        const auto judge = [](State::Value state, bool childRuns, int sinceStart, int sinceFreeze,
                               int reloads = 0, bool archive = false) {
             const QDateTime now(QDate(2015, 3, 3), QTime(14, 5, 9));
             Watchdog dog;
             dog.lastRequestTime = now.addSecs(-sinceStart);
             dog.freezeTime = now.addSecs(-sinceFreeze);
             dog.reloadsCount = reloads;
-            return dog.judge(state, archive, childRuns, now);
+            return dog.judge(State(state), archive, childRuns, now);
         };
-        for (const int state : {Idle, Starting, Paused})
+        for (const auto state : {State::Idle, State::Starting, State::Paused})
             QVERIFY(judge(state, false, 99, 99, 3) == Verdict::Wait);
-        QVERIFY(judge(Playing, true, 99, 99, 3) == Verdict::Wait);
-        QVERIFY(judge(Playing, false, 10, 10) == Verdict::Wait);
-        QVERIFY(judge(Playing, false, 11, 11) == Verdict::Reload);
-        QVERIFY(judge(Playing, false, 99, 99, 3, true) == Verdict::Wait);
-        QVERIFY(judge(Error, true, 99, 10) == Verdict::Wait);
-        QVERIFY(judge(Error, true, 3, 99) == Verdict::Wait);
-        QVERIFY(judge(Error, true, 4, 99) == Verdict::Reload);
-        QVERIFY(judge(Error, false, 99, 11, 2) == Verdict::Reload);
-        QVERIFY(judge(Error, true, 0, 0, 3) == Verdict::GiveUp);
-        QVERIFY(judge(Playing, false, 0, 0, 4) == Verdict::GiveUp);
+        QVERIFY(judge(State::Playing, true, 99, 99, 3) == Verdict::Wait);
+        QVERIFY(judge(State::Playing, false, 10, 10) == Verdict::Wait);
+        QVERIFY(judge(State::Playing, false, 11, 11) == Verdict::Reload);
+        QVERIFY(judge(State::Playing, false, 99, 99, 3, true) == Verdict::Wait);
+        QVERIFY(judge(State::Error, true, 99, 10) == Verdict::Wait);
+        QVERIFY(judge(State::Error, true, 3, 99) == Verdict::Wait);
+        QVERIFY(judge(State::Error, true, 4, 99) == Verdict::Reload);
+        QVERIFY(judge(State::Error, false, 99, 11, 2) == Verdict::Reload);
+        QVERIFY(judge(State::Error, true, 0, 0, 3) == Verdict::GiveUp);
+        QVERIFY(judge(State::Playing, false, 0, 0, 4) == Verdict::GiveUp);
     }
 };
 

@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: MIT
+// What is seen of a tile: picture, spinner or text, the border and the two bars.
+#include <QAction>
+#include <QDebug>
+#include <QMenu>
+#include <QPainter>
+
+#include "API/Camera.h"
+#include "App/Application.h"
+#include "GUI/Player/DoubleClickFilter.h"
+#include "GUI/Player/TilePainter.h"
+#include "GUI/Player/VideoWidget.h"
+#include "GUI/Player/VideoWidgetPrivate.h"
+#include "ui_VideoWidget.h"
+
+namespace ZorvaneClient {
+namespace GUI {
+namespace Player {
+
+using namespace Internal;
+
+void VideoWidget::showPicture()
+{
+    hideSpinner();
+    const QSize size = d->streamSize();
+    if (!FrameFile::hasRoomFor(size) && d->refusedSize != size) {
+        d->refusedSize = size;
+        qWarning() << "VideoWidget: No frame of" << d->videoWidth << "x" << d->videoHeight
+                   << "pixels can be shown";
+    }
+    d->image = d->frameFile.image(size);
+    d->hasPicture = true;
+    update();
+}
+
+void VideoWidget::clearImage()
+{
+    d->image.fill(tileBackground);
+    d->hasPicture = false;
+    update();
+}
+
+void VideoWidget::showSpinner()
+{
+    d->errorText.clear();
+    clearImage();
+    ui->spinnerWidget->start();
+    ui->spinnerWidget->show();
+}
+
+void VideoWidget::hideSpinner()
+{
+    ui->spinnerWidget->stop();
+    ui->spinnerWidget->hide();
+    d->errorText.clear();
+}
+
+void VideoWidget::showError(const QString &text)
+{
+    hideSpinner();
+    d->errorText = text;
+    clearImage();
+}
+
+void VideoWidget::orientationChanged()
+{
+    updateAspectRatio();
+    update();
+}
+
+void VideoWidget::updateAspectRatio()
+{
+    d->aspectRatio = aspectRatioOf(d->streamSize(), d->camera->rotation());
+}
+
+void VideoWidget::paintEvent(QPaintEvent *event)
+{
+    QWidget::paintEvent(event);
+    QPainter painter(this);
+    if (!d->hasPicture)
+        paintMessage(painter, rect(), font(), d->errorText);
+    else if (isVisible())
+        paintPicture(painter, rect(), fitPicture(size(), d->aspectRatio), d->image,
+                     d->camera->rotation(), d->camera->isMirrored());
+    else
+        paintBackground(painter, rect());
+    if (d->isDragging)
+        paintDimming(painter, rect());
+    paintBorder(painter, rect(), borderRule().border());
+}
+
+BorderRule VideoWidget::borderRule() const
+{
+    BorderRule rule;
+    rule.isDropTarget = d->isDropTarget;
+    rule.isActive = d->isActive;
+    rule.isHovered = d->isHovered;
+    const auto *application = qobject_cast<App::Application *>(qApp);
+    if (d->isActive && application) {
+        rule.playerCount = application->playerCount();
+        rule.cellCount = application->cellCount();
+    }
+    return rule;
+}
+
+void VideoWidget::setUpBars()
+{
+    for (QWidget *bar : {ui->topBar, ui->bottomBar})
+        bar->installEventFilter(new DoubleClickFilter(this));
+
+    auto *menu = new QMenu(ui->settingsButton);
+    menu->addAction(ui->actionSettings);
+    menu->addAction(ui->actionClose);
+    menu->installEventFilter(this);
+    ui->settingsButton->setMenu(menu);
+    showBars(false);
+}
+
+void VideoWidget::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    ui->cameraName->setText(ui->cameraName->fontMetrics().elidedText(
+        d->camera->name(), Qt::ElideRight, nameWidth(width())));
+}
+
+void VideoWidget::enterEvent(EnterEvent *)
+{
+    d->isHovered = true;
+    showBars(true);
+    update();
+}
+
+void VideoWidget::leaveEvent(QEvent *)
+{
+    d->isHovered = false;
+    if (!ui->settingsButton->menu()->isVisible())
+        showBars(false);
+    update();
+}
+
+bool VideoWidget::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != ui->settingsButton->menu())
+        return QWidget::eventFilter(watched, event);
+    if (event->type() != QEvent::Hide)
+        return false;
+    watched->event(event); // or else the button waits for its menu for ever
+    showBars(false);
+    return true;
+}
+
+void VideoWidget::showBars(bool visible)
+{
+    ui->topBar->setVisible(visible);
+    ui->bottomBar->setVisible(visible);
+}
+
+} // namespace Player
+} // namespace GUI
+} // namespace ZorvaneClient
