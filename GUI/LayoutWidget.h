@@ -115,8 +115,8 @@ private:
     void releasePlaceholder(Player::VideoPlaceholder *placeholder);
     void addNotification(const QString &text, bool error);
     void setDropTarget(bool isTarget);
-    void dropServer(const QByteArray &bytes);
-    void dropLayout(const QByteArray &bytes);
+    void dropServer(const API::server_id_t &id);
+    void dropLayout(const QString &name);
 
     QSharedPointer<Internal::LayoutWidgetPrivate> d;
 };

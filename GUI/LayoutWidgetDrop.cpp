@@ -2,16 +2,15 @@
 // The grid as a place to drop on, and its hints.
 #include "GUI/LayoutWidget.h"
 
-#include <QDataStream>
 #include <QDragEnterEvent>
 #include <QFileInfo>
-#include <QMimeData>
 #include <QStyle>
 
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
 #include "API/Server.h"
+#include "GUI/DragFormats.h"
 #include "GUI/GridRules.h"
 #include "GUI/LayoutWidgetPrivate.h"
 #include "GUI/Player/PlayerNotification.h"
@@ -24,8 +23,6 @@ using Player::VideoWidget;
 
 namespace {
 
-const QString serverFormat = QStringLiteral("server");
-const QString layoutFormat = QStringLiteral("layout");
 constexpr int hintLeftPixels = 10;
 constexpr int hintTopPixels = 10;
 constexpr int hintSpacingPixels = 5;
@@ -71,8 +68,8 @@ void LayoutWidget::setDropTarget(bool isTarget)
 
 void LayoutWidget::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (event->mimeData()->data(serverFormat).isEmpty() &&
-        event->mimeData()->data(layoutFormat).isEmpty()) {
+    const QMimeData &dragged = *event->mimeData();
+    if (!carries(dragged, DragFormat::Server) && !carries(dragged, DragFormat::Layout)) {
         event->ignore();
         return;
     }
@@ -94,16 +91,15 @@ void LayoutWidget::dropEvent(QDropEvent *event)
     if (event->proposedAction() != Qt::CopyAction && event->proposedAction() != Qt::MoveAction)
         return;
     event->acceptProposedAction();
-    const QByteArray server = event->mimeData()->data(serverFormat);
-    if (server.isEmpty())
-        dropLayout(event->mimeData()->data(layoutFormat));
-    else
-        dropServer(server);
+    const QMimeData &dragged = *event->mimeData();
+    if (const auto server = draggedServer(dragged))
+        dropServer(*server);
+    else if (const auto layout = draggedLayout(dragged))
+        dropLayout(*layout);
 }
 
-void LayoutWidget::dropLayout(const QByteArray &bytes)
+void LayoutWidget::dropLayout(const QString &name)
 {
-    const QString name = QString::fromUtf8(bytes);
     const API::LayoutsContainer layouts = API::CloudAPIClient().layoutList();
     for (const API::LayoutPtr &layout : layouts) {
         if (layout->name() == name) {
@@ -113,12 +109,9 @@ void LayoutWidget::dropLayout(const QByteArray &bytes)
     }
 }
 
-void LayoutWidget::dropServer(const QByteArray &bytes)
+void LayoutWidget::dropServer(const API::server_id_t &id)
 {
-    QDataStream stream(bytes);
-    API::server_id_t id;
-    stream >> id;
-    const API::ServerPtr server = API::CloudAPIClient().serverList().value(id);
+    const API::ServerPtr server = API::CloudAPIClient::serverList().value(id);
     // The server can leave the roster in the middle of its own drag.
     if (!server)
         return;
