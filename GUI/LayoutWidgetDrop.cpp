@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The grid as a place to drop on, and its hints.
+// The grid as a place to drop on.
 #include "GUI/LayoutWidget.h"
 
 #include <QDragEnterEvent>
-#include <QFileInfo>
 #include <QStyle>
 
 #include "API/Camera.h"
@@ -13,50 +12,9 @@
 #include "GUI/DragFormats.h"
 #include "GUI/GridRules.h"
 #include "GUI/LayoutWidgetPrivate.h"
-#include "GUI/Player/PlayerNotification.h"
-#include "GUI/Player/VideoWidget.h"
 
 namespace ZorvaneClient {
 namespace GUI {
-
-using Player::VideoWidget;
-
-namespace {
-
-constexpr int hintLeftPixels = 10;
-constexpr int hintTopPixels = 10;
-constexpr int hintSpacingPixels = 5;
-
-QString folderLink(const QString &folder, const QString &text)
-{
-    return QStringLiteral("<a style=\"color: white\" href=\"") + folder + QStringLiteral("\">") +
-           text + QStringLiteral("</a>");
-}
-
-} // namespace
-
-void LayoutWidget::exchangeCells(int row, int column)
-{
-    auto *target = qobject_cast<QWidget *>(sender());
-    VideoWidget *dragged = d->tileAt(row, column);
-    if (!target || !dragged || target == dragged)
-        return;
-    const API::LayoutPoint targetCell = d->cellOf(target);
-    if (targetCell.row < 0)
-        return;
-
-    d->grid->removeWidget(dragged);
-    d->grid->removeWidget(target);
-    d->grid->addWidget(target, row, column);
-    d->grid->addWidget(dragged, targetCell.row, targetCell.column);
-    dragged->setPosition(targetCell.row, targetCell.column);
-    if (auto *targetTile = qobject_cast<VideoWidget *>(target))
-        targetTile->setPosition(row, column);
-
-    ensureWorkingCopy();
-    d->workingLayout->swapCells(row, column, targetCell.row, targetCell.column);
-    emit layoutModified();
-}
 
 void LayoutWidget::setDropTarget(bool isTarget)
 {
@@ -119,7 +77,7 @@ void LayoutWidget::dropServer(const API::server_id_t &id)
     const QList<API::CameraPtr> cameras = server->sortedCameras();
     const int cameraCount = static_cast<int>(cameras.size());
     const int freeCells = d->workingLayout ? d->workingLayout->freeCellCount() : 0;
-    ensureWorkingCopy();
+    d->ensureWorkingCopy();
     if (cameraCount > freeCells) {
         const GridSize present{d->workingLayout->rows(), d->workingLayout->columns()};
         const GridSize size = gridSizeForServer(present, cameraCount, freeCells);
@@ -129,47 +87,6 @@ void LayoutWidget::dropServer(const API::server_id_t &id)
     }
     for (const API::CameraPtr &camera : cameras)
         addCamera(camera);
-}
-
-void LayoutWidget::addNotification(const QString &text, bool error)
-{
-    auto *hint = new PlayerNotification(text, error, this);
-    connect(hint, &PlayerNotification::closed, this, [this, hint] {
-        d->hints.removeOne(hint);
-        hint->deleteLater();
-        updateHintPositions();
-    });
-    d->hints.prepend(hint);
-    hint->move(hintLeftPixels, -hint->height());
-    hint->show();
-    updateHintPositions();
-}
-
-void LayoutWidget::updateHintPositions()
-{
-    int y = hintTopPixels;
-    for (PlayerNotification *hint : qAsConst(d->hints)) {
-        hint->animateTo(QPoint(hintLeftPixels, y));
-        y += hint->height() + hintSpacingPixels;
-    }
-}
-
-void LayoutWidget::showSnapshotHint(QString path)
-{
-    addNotification(tr("Snapshot saved.") + QLatin1Char(' ') + folderLink(path, tr("Open folder")),
-                    false);
-}
-
-void LayoutWidget::showExportDoneHint(QString path)
-{
-    addNotification(tr("Record saved.") + QLatin1Char(' ') +
-                        folderLink(QFileInfo(path).absolutePath(), tr("Open folder")),
-                    false);
-}
-
-void LayoutWidget::showExportErrorHint(QString)
-{
-    addNotification(tr("Error while exporting."), true);
 }
 
 } // namespace GUI
