@@ -91,10 +91,15 @@ void LayoutWidget::replaceTile(VideoWidget *tile, const API::CameraPtr &camera)
     qDebug() << "Trigger - Video Widget";
     const API::LayoutPoint position = tile->position();
     const API::CellSize span = tile->span();
-    // The placeholder is looked for afterwards only: who hears of the closed camera may have
-    // opened another layout.
     removePlayer(tile);
-    retire(d->placeholderAt(position.row, position.column));
+    // Who heard of the closed camera may have opened another layout, and the cell is not free
+    // there.
+    VideoPlaceholder *placeholder = d->placeholderAt(position.row, position.column);
+    if (!placeholder) {
+        addToFreeCell(camera);
+        return;
+    }
+    retire(placeholder);
     addCamera(camera, position, span);
 }
 

@@ -68,21 +68,18 @@ private slots:
 
     void eachFormatCarriesOneThing()
     {
-        const QString name = "Ночь & день"_s;
-        const API::camera_global_id_t cameraId{name, -7};
+        const API::camera_global_id_t id{"Ночь & день"_s, -7};
         const API::LayoutPoint cell{3, 2};
-        const QSharedPointer<QMimeData> camera(GUI::cameraDrag(cameraId));
-        const QSharedPointer<QMimeData> server(GUI::serverDrag(name));
-        const QSharedPointer<QMimeData> layout(GUI::layoutDrag(name));
-        const QSharedPointer<QMimeData> tile(GUI::tileDrag(cell));
-        QCOMPARE(camera->data("camera"_s), payloadOf(name, -7));
-        QCOMPARE(server->data("server"_s), payloadOf(name));
-        QCOMPARE(layout->data("layout"_s), name.toUtf8());
+        const QSharedPointer<QMimeData> camera(GUI::cameraDrag(id)), tile(GUI::tileDrag(cell)),
+            server(GUI::serverDrag(id.server)), layout(GUI::layoutDrag(id.server));
+        QCOMPARE(camera->data("camera"_s), payloadOf(id.server, -7));
+        QCOMPARE(server->data("server"_s), payloadOf(id.server));
+        QCOMPARE(layout->data("layout"_s), id.server.toUtf8());
         QCOMPARE(tile->data("layout-swap"_s), payloadOf(2, 3));
         for (const auto &data : {camera, server, layout, tile}) {
-            QCOMPARE(GUI::draggedCamera(*data) == cameraId, data == camera);
-            QCOMPARE(GUI::draggedServer(*data) == name, data == server);
-            QCOMPARE(GUI::draggedLayout(*data) == name, data == layout);
+            QCOMPARE(GUI::draggedCamera(*data) == id, data == camera);
+            QCOMPARE(GUI::draggedServer(*data) == id.server, data == server);
+            QCOMPARE(GUI::draggedLayout(*data) == id.server, data == layout);
             QCOMPARE(GUI::draggedTile(*data) == cell, data == tile);
         }
     }
