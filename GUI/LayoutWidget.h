@@ -65,9 +65,9 @@ public slots:
     void updateQuality();
     /// Gives every tile the same quality, 0 to 2.
     void updateQuality(int quality);
-    /// False if that is what the grid shows: its tiles only return to live play then. Else the
-    /// grid is made anew. Who hears of a camera that is closed on the way may open another layout
-    /// right there: the call that came first has the last word.
+    /// Makes the grid anew; false if it shows just that layout already, and then its tiles only
+    /// return to live play. Who hears of a camera that is closed on the way may open another
+    /// layout right there: the call that came first has the last word.
     bool openLayout(API::LayoutPtr layout);
     void resizeLayout(int rows, int columns);
     void playLive();

@@ -67,17 +67,20 @@ void LayoutWidget::addCamera(API::CameraPtr camera)
 {
     if (!camera)
         return;
-    if (auto *placeholder = qobject_cast<VideoPlaceholder *>(sender()))
+    if (auto *placeholder = qobject_cast<VideoPlaceholder *>(sender())) {
+        qDebug() << "Trigger - Placeholder";
         replacePlaceholder(placeholder, camera);
-    else if (auto *tile = qobject_cast<VideoWidget *>(sender()))
+    } else if (auto *tile = qobject_cast<VideoWidget *>(sender())) {
+        qDebug() << "Trigger - Video Widget";
         replaceTile(tile, camera);
-    else
+    } else {
+        qDebug() << "Trigger - Self (server dropped)";
         addToFreeCell(camera);
+    }
 }
 
 void LayoutWidget::replacePlaceholder(VideoPlaceholder *placeholder, const API::CameraPtr &camera)
 {
-    qDebug() << "Trigger - Placeholder";
     const API::LayoutPoint position = d->cellOf(placeholder);
     if (position.row < 0)
         return;
@@ -88,12 +91,10 @@ void LayoutWidget::replacePlaceholder(VideoPlaceholder *placeholder, const API::
 
 void LayoutWidget::replaceTile(VideoWidget *tile, const API::CameraPtr &camera)
 {
-    qDebug() << "Trigger - Video Widget";
     const API::LayoutPoint position = tile->position();
     const API::CellSize span = tile->span();
     removePlayer(tile);
-    // Who heard of the closed camera may have opened another layout, and the cell is not free
-    // there.
+    // Who heard of the closed camera may have opened another layout, in which the cell isn't free.
     VideoPlaceholder *placeholder = d->placeholderAt(position.row, position.column);
     if (!placeholder) {
         addToFreeCell(camera);
@@ -105,7 +106,6 @@ void LayoutWidget::replaceTile(VideoWidget *tile, const API::CameraPtr &camera)
 
 void LayoutWidget::addToFreeCell(const API::CameraPtr &camera)
 {
-    qDebug() << "Trigger - Self (server dropped)";
     if (d->workingLayout) {
         for (int row = 0; row < d->workingLayout->rows(); ++row) {
             for (int column = 0; column < d->workingLayout->columns(); ++column) {
