@@ -2,10 +2,8 @@
 #include "GUI/CameraWidget.h"
 
 #include <QAction>
-#include <QDataStream>
 #include <QDebug>
 #include <QMenu>
-#include <QMimeData>
 #include <QTimer>
 
 #include <chrono>
@@ -13,6 +11,7 @@
 #include "API/Camera.h"
 #include "App/Environment.h"
 #include "GUI/CameraSettingsDialog.h"
+#include "GUI/DragFormats.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -196,12 +195,7 @@ void CameraWidget::setAddToLayoutEnabled(bool enabled)
 
 QMimeData *CameraWidget::createMimeData()
 {
-    QByteArray bytes;
-    QDataStream stream(&bytes, QIODevice::WriteOnly);
-    stream << d->camera->serverId() << static_cast<int>(d->camera->id());
-    auto *mimeData = new QMimeData;
-    mimeData->setData(QStringLiteral("camera"), bytes);
-    return mimeData;
+    return cameraDrag(d->camera->globalId());
 }
 
 } // namespace GUI

@@ -24,7 +24,9 @@ inline bool operator==(const GridSize &a, const GridSize &b)
 int tileQuality(const GridSize &grid, int rowSpan, int columnSpan);
 
 /// The size that the grid takes when a server of `cameras` cameras is dropped on it while
-/// `freeCells` are free; the present size if they fit or if it can't grow.
+/// `freeCells` are free: the present size if they fit. Else a single cell becomes the smallest
+/// square that holds them, and a larger grid gets more rows, each at most maxGridSide by
+/// maxGridSide; so a stored grid of more rows than that shrinks.
 GridSize gridSizeForServer(const GridSize &grid, int cameras, int freeCells);
 
 } // namespace GUI

@@ -2,11 +2,11 @@
 #include "GUI/LayoutCard.h"
 
 #include <QMenu>
-#include <QMimeData>
 #include <QPainter>
 
 #include "API/Camera.h"
 #include "API/Layout.h"
+#include "GUI/DragFormats.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -91,9 +91,7 @@ void LayoutCard::setLayoutInfo(API::LayoutPtr layout)
 
 QMimeData *LayoutCard::createMimeData()
 {
-    auto *mime = new QMimeData;
-    mime->setData(QStringLiteral("layout"), shownLayout->name().toUtf8());
-    return mime;
+    return layoutDrag(shownLayout->name());
 }
 
 void LayoutCard::onOpenLayout()

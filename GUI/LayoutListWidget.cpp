@@ -9,6 +9,7 @@
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
 #include "GUI/LayoutCard.h"
+#include "GUI/WidgetOrder.h"
 #include "ui_LayoutListWidget.h"
 
 namespace ZorvaneClient {
@@ -103,11 +104,10 @@ void LayoutListWidget::arrangeCards(const API::LayoutsContainer &layouts)
     std::stable_sort(sorted.begin(), sorted.end(),
                      [](const auto &a, const auto &b) { return a.first < b.first; });
 
-    while (QLayoutItem *item = cardsLayout->takeAt(0))
-        delete item;
+    QList<QWidget *> order;
     for (const auto &entry : qAsConst(sorted))
-        cardsLayout->addWidget(cards.value(entry.second));
-    cardsLayout->addStretch(stretchFactor);
+        order.append(cards.value(entry.second));
+    setWidgetOrder(cardsLayout, order, stretchFactor);
 }
 
 void LayoutListWidget::addLayout(API::LayoutPtr newLayout)

@@ -65,7 +65,10 @@ public slots:
     void updateQuality();
     /// Gives every tile the same quality, 0 to 2.
     void updateQuality(int quality);
-    void openLayout(API::LayoutPtr layout);
+    /// Makes the grid anew; false if it shows just that layout already, and then its tiles only
+    /// return to live play. Who hears of a camera that is closed on the way may open another
+    /// layout right there: the call that came first has the last word.
+    bool openLayout(API::LayoutPtr layout);
     void resizeLayout(int rows, int columns);
     void playLive();
     void stop();
@@ -107,16 +110,16 @@ private slots:
 
 private:
     void makeGrid();
-    void ensureWorkingCopy();
     void addPlaceholder(int row, int column, int rowSpan, int columnSpan);
     Player::VideoWidget *createTile(const API::CameraPtr &camera);
+    // A camera comes to where it was dropped, or to the first free cell.
+
+    void replacePlaceholder(Player::VideoPlaceholder *placeholder, const API::CameraPtr &camera);
+    void replaceTile(Player::VideoWidget *tile, const API::CameraPtr &camera);
     void addToFreeCell(const API::CameraPtr &camera);
-    /// Takes a placeholder out of the grid and releases it once its signal is over.
-    void releasePlaceholder(Player::VideoPlaceholder *placeholder);
-    void addNotification(const QString &text, bool error);
     void setDropTarget(bool isTarget);
-    void dropServer(const QByteArray &bytes);
-    void dropLayout(const QByteArray &bytes);
+    void dropServer(const API::server_id_t &id);
+    void dropLayout(const QString &name);
 
     QSharedPointer<Internal::LayoutWidgetPrivate> d;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/LayoutWidgetPrivate.h"
 
+#include "API/Layout.h"
 #include "GUI/Player/VideoPlaceholder.h"
 #include "GUI/Player/VideoWidget.h"
 
@@ -21,6 +22,14 @@ API::LayoutPoint cellOfItem(const QGridLayout &grid, int index)
 }
 
 } // namespace
+
+void LayoutWidgetPrivate::ensureWorkingCopy()
+{
+    if (workingLayout != savedLayout)
+        return;
+    workingLayout =
+        workingLayout ? API::LayoutPtr::create(*workingLayout) : API::LayoutPtr::create();
+}
 
 API::LayoutPoint LayoutWidgetPrivate::cellOf(QWidget *widget) const
 {

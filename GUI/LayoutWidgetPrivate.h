@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QGridLayout>
-#include <QList>
 #include <QMultiMap>
 
 #include "API/Types.h"
@@ -10,7 +9,7 @@
 namespace ZorvaneClient {
 namespace GUI {
 
-class PlayerNotification;
+class HintStack;
 
 namespace Player {
 class VideoPlaceholder;
@@ -28,10 +27,12 @@ public:
     API::LayoutPtr savedLayout;
     /// A camera may stand in several cells.
     QMultiMap<API::CameraPtr, Player::VideoWidget *> players;
-    /// Newest first.
-    QList<PlayerNotification *> hints;
+    HintStack *hints = nullptr;
     bool isPaused = false;
     bool autoQuality = true;
+
+    /// Comes before each edit: the layout as opened stays as it is.
+    void ensureWorkingCopy();
 
     // Stored spans can overlap, so that several widgets lie over one cell: a widget is found by
     // the cell in which it begins.

@@ -77,10 +77,8 @@ bool MainWindow::openLayout(API::LayoutPtr layout)
     archiveControlPanel->clear();
     controlPanel->resetQuality();
     prepareToLive();
-    const API::LayoutPtr shown = layoutWidget->workingLayout();
-    layoutWidget->openLayout(layout);
     // A grid that has all that already tells of no camera.
-    if (layoutWidget->workingLayout() == shown)
+    if (!layoutWidget->openLayout(layout))
         addCamerasToCalendar();
     layoutWidget->updateQuality();
     infoPanel->setCurrentLayout(layout);

@@ -6,9 +6,9 @@
 #include <QMimeData>
 #include <QMouseEvent>
 
-#include "GUI/CardDrag.h"
 #include "GUI/IconButton.h"
 #include "GUI/IconPixmap.h"
+#include "GUI/TiltedDrag.h"
 #include "ui_Preview.h"
 
 namespace ZorvaneClient {

@@ -4,20 +4,19 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
-#include <QDataStream>
 #include <QEvent>
 #include <QLabel>
 #include <QMenu>
-#include <QMimeData>
 #include <QMouseEvent>
 #include <QVBoxLayout>
 
 #include "API/Camera.h"
 #include "API/Server.h"
 #include "GUI/CameraWidget.h"
-#include "GUI/CardDrag.h"
+#include "GUI/DragFormats.h"
 #include "GUI/IconButton.h"
 #include "GUI/IconPixmap.h"
+#include "GUI/TiltedDrag.h"
 #include "GUI/WidgetOrder.h"
 #include "ui_ServerWidget.h"
 
@@ -238,12 +237,7 @@ void ServerWidget::mouseMoveEvent(QMouseEvent *event)
     if (!draggable || !held || distance < QApplication::startDragDistance())
         return;
     pressPosition = notPressed;
-    QByteArray bytes;
-    QDataStream stream(&bytes, QIODevice::WriteOnly);
-    stream << shownServer->id();
-    auto *mimeData = new QMimeData;
-    mimeData->setData(QStringLiteral("server"), bytes);
-    dragCard(this, mimeData, Qt::MoveAction);
+    dragCard(this, serverDrag(shownServer->id()), Qt::MoveAction);
 }
 
 } // namespace GUI

@@ -5,7 +5,7 @@
 #include <QDropEvent>
 #include <QStyle>
 
-#include "GUI/Player/DropDecoder.h"
+#include "GUI/Player/CellDrop.h"
 #include "GUI/StyleBackground.h"
 #include "ui_VideoPlaceholder.h"
 
@@ -57,17 +57,11 @@ void VideoPlaceholder::dropEvent(QDropEvent *event)
     setDropTarget(false);
     if (event->source() == this && event->possibleActions().testFlag(Qt::MoveAction))
         return;
-    if (event->proposedAction() == Qt::CopyAction) {
-        event->acceptProposedAction();
-        const API::CameraPtr camera = droppedCamera(*event->mimeData());
-        if (camera)
-            emit openCamera(camera);
-    } else if (event->proposedAction() == Qt::MoveAction) {
-        event->acceptProposedAction();
-        API::LayoutPoint cell;
-        if (readDroppedCell(*event->mimeData(), cell))
-            emit swapRequested(cell.row, cell.column);
-    }
+    const CellDrop drop = takeDrop(event);
+    if (drop.camera)
+        emit openCamera(drop.camera);
+    else if (drop.tile)
+        emit swapRequested(drop.tile->row, drop.tile->column);
 }
 
 void VideoPlaceholder::setDropTarget(bool isDropTarget)

@@ -4,27 +4,20 @@
 #include <QDrag>
 #include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QMimeData>
 #include <QMouseEvent>
 #include <QPointer>
-#include <QTransform>
 
-#include "GUI/Player/DropDecoder.h"
+#include "GUI/DragFormats.h"
+#include "GUI/Player/CellDrop.h"
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/Player/VideoWidgetPrivate.h"
+#include "GUI/TiltedDrag.h"
 
 namespace ZorvaneClient {
 namespace GUI {
 namespace Player {
 
 using namespace Internal;
-
-namespace {
-
-constexpr qreal dragTiltDegrees = 4.0;
-constexpr QPoint dragHotSpot(80, 50);
-
-} // namespace
 
 void VideoWidget::mousePressEvent(QMouseEvent *event)
 {
@@ -53,11 +46,7 @@ void VideoWidget::mouseMoveEvent(QMouseEvent *event)
 
 void VideoWidget::dragTile()
 {
-    auto *drag = new QDrag(this);
-    drag->setMimeData(tileMimeData(position()));
-    drag->setPixmap(
-        grab().transformed(QTransform().rotate(dragTiltDegrees), Qt::SmoothTransformation));
-    drag->setHotSpot(dragHotSpot);
+    QDrag *drag = tiltedDrag(this, grab(), tileDrag(position()));
     const QPointer<VideoWidget> guard(this); // the grid may be cleared in the drag's own loop
     d->isDragging = true;
     update();
@@ -91,17 +80,13 @@ void VideoWidget::dropEvent(QDropEvent *event)
     update();
     if (event->source() == this) {
         event->acceptProposedAction();
-    } else if (event->proposedAction() == Qt::CopyAction) {
-        event->acceptProposedAction();
-        const API::CameraPtr camera = droppedCamera(*event->mimeData());
-        if (camera && camera != d->camera)
-            emit openCamera(camera);
-    } else if (event->proposedAction() == Qt::MoveAction) {
-        event->acceptProposedAction();
-        API::LayoutPoint cell;
-        if (readDroppedCell(*event->mimeData(), cell))
-            emit swapRequested(cell.row, cell.column);
+        return;
     }
+    const CellDrop drop = takeDrop(event);
+    if (drop.camera && drop.camera != d->camera)
+        emit openCamera(drop.camera);
+    else if (drop.tile)
+        emit swapRequested(drop.tile->row, drop.tile->column);
 }
 
 } // namespace Player

@@ -6,21 +6,6 @@
 
 namespace ZorvaneClient::Tests {
 
-namespace {
-
-template <typename... Values>
-std::unique_ptr<QMimeData> mimeData(const QString &format, const Values &...values)
-{
-    QByteArray payload;
-    QDataStream stream(&payload, QIODevice::WriteOnly);
-    (stream << ... << values);
-    auto data = std::make_unique<QMimeData>();
-    data->setData(format, payload);
-    return data;
-}
-
-} // namespace
-
 void WallPlan::exchange(API::LayoutPoint a, API::LayoutPoint b)
 {
     std::swap(cells[a.row][a.column], cells[b.row][b.column]);
@@ -111,32 +96,18 @@ bool everyTileMoves(GUI::MainWindow *window)
         pictureDeadlineMs);
 }
 
-std::unique_ptr<QMimeData> cameraDrag(const QString &server, int camera)
+bool dropOn(QWidget *target, QMimeData *data, Qt::DropAction action)
 {
-    return mimeData("camera"_s, server, camera);
-}
-
-std::unique_ptr<QMimeData> serverDrag(const QString &server)
-{
-    return mimeData("server"_s, server);
-}
-
-std::unique_ptr<QMimeData> tileDrag(API::LayoutPoint cell)
-{
-    return mimeData("layout-swap"_s, cell.row, cell.column);
-}
-
-bool dropOn(QWidget *target, const QMimeData &data, Qt::DropAction action)
-{
+    const std::unique_ptr<QMimeData> owner(data);
     if (!target)
         return false;
     const QPoint middle = target->rect().center();
-    QDragEnterEvent enter(middle, action, &data, Qt::LeftButton, Qt::NoModifier);
+    QDragEnterEvent enter(middle, action, data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(target, &enter);
     if (!enter.isAccepted())
         return false;
     // Goes to whoever accepted the drag.
-    QDropEvent drop(middle, action, &data, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent drop(middle, action, data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(target, &drop);
     return drop.isAccepted();
 }

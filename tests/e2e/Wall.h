@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "GUI/DragFormats.h"
 #include "tests/e2e/EndToEnd.h"
 
 namespace ZorvaneClient::GUI {
@@ -39,13 +40,9 @@ QString paintedWall(GUI::MainWindow *window, int rows, int columns);
 /// True once every tile of the window shows a later picture than now.
 bool everyTileMoves(GUI::MainWindow *window);
 
-// What the cards and tiles put into their drags.
-std::unique_ptr<QMimeData> cameraDrag(const QString &server, int camera);
-std::unique_ptr<QMimeData> serverDrag(const QString &server);
-std::unique_ptr<QMimeData> tileDrag(API::LayoutPoint cell);
-/// Enters and drops on `target` or, where that refuses, on what it stands in; false if nobody
-/// takes it.
-bool dropOn(QWidget *target, const QMimeData &data, Qt::DropAction action);
+/// Enters with `data`, which it takes over, and drops it on `target` or, where that refuses, on
+/// what it stands in; false if nobody takes it.
+bool dropOn(QWidget *target, QMimeData *data, Qt::DropAction action);
 
 /// Presses the button of that object name in the window.
 void press(GUI::MainWindow *window, const char *button);

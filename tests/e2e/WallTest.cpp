@@ -65,7 +65,7 @@ private slots:
         drop(world.at(1), {1, 1});
         QVERIFY(wallIsPainted());
         // Nine cameras on two free cells of two columns: four rows more.
-        QVERIFY(dropOn(cell({1, 0}), *serverDrag(large), Qt::MoveAction));
+        QVERIFY(dropOn(cell({1, 0}), GUI::serverDrag(large), Qt::MoveAction));
         plan.resize(6, 2);
         for (const DemoCamera &each : qAsConst(nine))
             plan.append(each.number);
@@ -185,14 +185,15 @@ private:
 
     void drop(const DemoCamera &camera, API::LayoutPoint place)
     {
-        QVERIFY(dropOn(cell(place), *cameraDrag(camera.server, camera.camera), Qt::CopyAction));
+        QVERIFY(
+            dropOn(cell(place), GUI::cameraDrag({camera.server, camera.camera}), Qt::CopyAction));
         plan.cells[place.row][place.column] = camera.number;
     }
 
     /// The drop alone: a tile may enter only from a drag in progress, which knows its source.
     void moveTile(API::LayoutPoint from, API::LayoutPoint to)
     {
-        const auto data = tileDrag(from);
+        const std::unique_ptr<QMimeData> data(GUI::tileDrag(from));
         QDropEvent drop(QPointF(5, 5), Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
         static_cast<QObject *>(cell(to))->event(&drop);
         plan.exchange(from, to);

@@ -82,7 +82,7 @@ private slots:
         QTRY_COMPARE(paintedWall(second, 2, 2), WallPlan(2, 2).text());
         for (int column = 0; column < 2; ++column)
             QVERIFY(dropOn(widgetInCell(gridOf(second), {column, 0}, 2, 2),
-                           *cameraDrag(world.at(column).server, world.at(column).camera),
+                           GUI::cameraDrag({world.at(column).server, world.at(column).camera}),
                            Qt::CopyAction));
         const QString wall = "%1 %2 | . ."_s.arg(left.number).arg(right.number);
         QTRY_COMPARE_WITH_TIMEOUT(paintedWall(second, 2, 2), wall, pictureDeadlineMs);

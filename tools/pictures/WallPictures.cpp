@@ -94,7 +94,7 @@ void takeEditing(Studio &studio)
     for (int column = 0; column < 2; ++column) {
         const DemoCamera &camera = studio.good.at(column);
         require(dropOn(widgetInCell(gridOf(mainWindow()), {column, column}, 2, 2),
-                       *cameraDrag(camera.server, camera.camera), Qt::CopyAction),
+                       GUI::cameraDrag({camera.server, camera.camera}), Qt::CopyAction),
                 "drop");
     }
     waitFor([] { return gridOf(mainWindow())->isPlaying(); }, "picture");

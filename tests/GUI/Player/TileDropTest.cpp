@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "API/Camera.h"
+#include "GUI/DragFormats.h"
 #include "GUI/Player/VideoPlaceholder.h"
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/Roster.h"
@@ -65,6 +66,24 @@ public:
 private slots:
     void initTestCase() { addServerToRoster("home"_s, {"Yard 1"_s, "Yard 2"_s}); }
 
+    void eachFormatCarriesOneThing()
+    {
+        const API::camera_global_id_t id{"Ночь & день"_s, -7};
+        const API::LayoutPoint cell{3, 2};
+        const QSharedPointer<QMimeData> camera(GUI::cameraDrag(id)), tile(GUI::tileDrag(cell)),
+            server(GUI::serverDrag(id.server)), layout(GUI::layoutDrag(id.server));
+        QCOMPARE(camera->data("camera"_s), payloadOf(id.server, -7));
+        QCOMPARE(server->data("server"_s), payloadOf(id.server));
+        QCOMPARE(layout->data("layout"_s), id.server.toUtf8());
+        QCOMPARE(tile->data("layout-swap"_s), payloadOf(2, 3));
+        for (const auto &data : {camera, server, layout, tile}) {
+            QCOMPARE(GUI::draggedCamera(*data) == id, data == camera);
+            QCOMPARE(GUI::draggedServer(*data) == id.server, data == server);
+            QCOMPARE(GUI::draggedLayout(*data) == id.server, data == layout);
+            QCOMPARE(GUI::draggedTile(*data) == cell, data == tile);
+        }
+    }
+
     void movesStartADrag_data()
     {
         rows<QPoint, int, bool>({"move", "button", "starts"},
@@ -96,7 +115,8 @@ private slots:
             const QDrag &drag = *tile.findChild<QDrag *>();
             QCOMPARE(drag.mimeData()->data("layout-swap"_s), payloadOf(2, 3));
             QCOMPARE(drag.hotSpot(), QPoint(80, 50));
-            QVERIFY(drag.pixmap().width() > tile.width()); // tilted
+            QVERIFY(drag.pixmap().width() > tile.width()); // tilted, and not dimmed
+            QCOMPARE(drag.pixmap().toImage().pixelColor(drag.pixmap().rect().center()), background);
             QCOMPARE(colorOf(tile, 160, 120), dimmed);
             QVERIFY(answers(sibling, *drag.mimeData(), Qt::MoveAction, true));
             QVERIFY(answers(stranger, *drag.mimeData(), Qt::MoveAction, false));
