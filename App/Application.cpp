@@ -19,6 +19,7 @@
 #include "App/Log.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
+#include "App/SettingsKeys.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 
@@ -91,7 +92,7 @@ QString Application::globalStyleSheet()
 
 QString Application::language() const
 {
-    const QVariant code = settings().value(QStringLiteral("common/language"));
+    const QVariant code = settings().value(SettingsKey::language);
     if (code.isValid())
         return code.toString();
     const bool isRussian = QLocale().language() == QLocale::Russian;
@@ -122,7 +123,7 @@ void Application::restart()
 void Application::translate(QString language)
 {
     loadLanguage(language);
-    settings().setValue(QStringLiteral("common/language"), language);
+    settings().setValue(SettingsKey::language, language);
 }
 
 void Application::startLogin()
@@ -181,8 +182,7 @@ void Application::connectMainWindow(GUI::MainWindow *mainWindow)
 void Application::placeMainWindow(GUI::MainWindow *mainWindow)
 {
     if (mainWindows.isEmpty()) {
-        const QByteArray geometry =
-            settings().value(QStringLiteral("mainWindow/geometry")).toByteArray();
+        const QByteArray geometry = settings().value(SettingsKey::geometry).toByteArray();
         if (!geometry.isEmpty())
             mainWindow->restoreGeometry(geometry);
     } else if (const auto *source = qobject_cast<GUI::MainWindow *>(sender())) {
@@ -218,8 +218,8 @@ void Application::mainWindowSignout()
         window->deleteLater();
     mainWindows.clear();
     API::CloudAPIClient().logout();
-    settings().setValue(QStringLiteral("auth/password"), QString(QLatin1String("")));
-    settings().setValue(QStringLiteral("auth/saveAuth"), QString(QLatin1String("")));
+    settings().setValue(SettingsKey::password, QString(QLatin1String("")));
+    settings().setValue(SettingsKey::saveAuth, QString(QLatin1String("")));
     startLogin();
 }
 
