@@ -3,6 +3,7 @@
 #include "tests/support/Test.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "App/ServiceProfile.h"
 #include "tests/support/TlsIdentity.h"
@@ -92,23 +93,28 @@ private slots:
 
     void filesAreForTheirOwnerOnly_data()
     {
-        rows<QString, QString, bool>({"name", "command", "wasOpen"},
-                                     {{"settings open to all before", iniName, "settings", true},
-                                      {"new settings", iniName, "settings", false},
-                                      {"new log", logName, "log", false}});
+        rows<QString, QString, int, int>({"name", "command", "before", "after"},
+                                         {{"settings open to all", iniName, "settings", 0666, 0600},
+                                          {"odd settings", iniName, "settings", 0754, 0700},
+                                          {"new settings", iniName, "settings", 0, 0600},
+                                          {"log kept for reading", logName, "log", 0444, 0400},
+                                          {"new log", logName, "log", 0, 0600}});
     }
 
+    /// By the bits of the file's mode; before 0: there is none.
     void filesAreForTheirOwnerOnly()
     {
-        const auto [name, command, wasOpen] = row<QString, QString, bool>();
-        ::umask(0); // or else the environment could keep others out
-        constexpr auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup |
-                                QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
-        if (wasOpen)
-            QVERIFY(QFile::permissions(writeFile(name, "\n")) & others);
-        QCOMPARE(runProbe(command), 0);
-        QVERIFY(QFile::exists(name));
-        QVERIFY(!(QFile::permissions(name) & others));
+        const auto [name, command, before, after] = row<QString, QString, int, int>();
+        const mode_t mask = ::umask(0); // or else the environment could keep others out
+        const auto restore = qScopeGuard([mask] { ::umask(mask); });
+        const QByteArray file = QFile::encodeName(name);
+        if (before != 0)
+            QCOMPARE(::chmod(QFile::encodeName(writeFile(name, "\n")), mode_t(before)), 0);
+        // Without a log there is no program; nothing is closed to root.
+        QCOMPARE(runProbe(command) == 0, (after & S_IWUSR) || ::geteuid() == 0);
+        struct stat found {};
+        QCOMPARE(::stat(file, &found), 0);
+        QCOMPARE(int(found.st_mode & 0777), after);
     }
 
     void settingsOutliveTheProcess()
