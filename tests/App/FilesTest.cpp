@@ -112,7 +112,7 @@ private slots:
             QCOMPARE(::chmod(QFile::encodeName(writeFile(name, "\n")), mode_t(before)), 0);
         // Without a log there is no program; nothing is closed to root.
         QCOMPARE(runProbe(command) == 0, (after & S_IWUSR) || ::geteuid() == 0);
-        struct stat found {};
+        struct stat found = {};
         QCOMPARE(::stat(file, &found), 0);
         QCOMPARE(int(found.st_mode & 0777), after);
     }
