@@ -144,31 +144,20 @@ private slots:
                      QRect(other == window ? 40 : 70, other == window ? 50 : 80, 960, 540));
     }
 
-    void furtherWindowTakesTheFreeScreen_data()
+    void furtherWindowTakesTheFreeScreen()
     {
         const QRect left(0, 0, 1920, 1080);
         const QRect right(1920, 0, 1280, 1024);
         const QRect above(0, -1080, 1920, 1080);
-        const QRect mostlyRight(1600, 100, 1100, 650);
-        const QRect mostlyAbove(100, -600, 1100, 650);
-        const QRect outside(5000, 0, 1100, 650);
-        rows<QList<QRect>, QList<QRect>, int>(
-            {"windows", "screens", "screen"},
-            {{"one screen", {}, {left}, App::noScreen},
-             {"first window", {}, {left, right}, 0},
-             {"most of it counts, not its corner", {mostlyRight}, {left, right}, 0},
-             {"other side", {left}, {left, right}, 1},
-             {"each has one", {mostlyRight, left}, {left, right}, App::noScreen},
-             {"on none", {outside, mostlyRight}, {left, right}, 0},
-             {"halves: the first", {left.translated(0, -540)}, {left, right, above}, 1},
-             {"three screens", {mostlyAbove, mostlyRight}, {left, right, above}, 0},
-             {"the third", {mostlyRight, left, left}, {left, right, above}, 2}});
-    }
-
-    void furtherWindowTakesTheFreeScreen()
-    {
-        const auto [windows, screens, screen] = row<QList<QRect>, QList<QRect>, int>();
-        QCOMPARE(App::freeScreen(windows, screens), screen);
+        const QRect mostlyRight(1600, 100, 1100, 650); // its corner is on the left
+        QCOMPARE(App::freeScreen({}, {left}), App::noScreen);
+        QCOMPARE(App::freeScreen({}, {left, right}), 0);
+        QCOMPARE(App::freeScreen({mostlyRight}, {left, right}), 0);
+        QCOMPARE(App::freeScreen({mostlyRight, left, left}, {left, right}), App::noScreen);
+        QCOMPARE(App::freeScreen({left.translated(9000, 0), mostlyRight}, {left, right}), 0);
+        QCOMPARE(App::freeScreen({mostlyRight, left}, {left, right, above}), 2);
+        // Of two equal halves the first counts.
+        QCOMPARE(App::freeScreen({left.translated(0, -540)}, {left, right, above}), 1);
     }
 
     void fontsAndVersionAreTheirs()

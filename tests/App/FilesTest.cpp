@@ -93,28 +93,25 @@ private slots:
 
     void filesAreForTheirOwnerOnly_data()
     {
-        rows<QString, QString, int, int>({"name", "command", "before", "after"},
-                                         {{"settings open to all", iniName, "settings", 0666, 0600},
-                                          {"odd settings", iniName, "settings", 0754, 0700},
-                                          {"new settings", iniName, "settings", 0, 0600},
-                                          {"log kept for reading", logName, "log", 0444, 0400},
-                                          {"new log", logName, "log", 0, 0600}});
+        rows<QString, QString, int, int>(
+            {"name", "command", "before", "after"},
+            {{"settings open to all", iniName, "settings", 0x7066, 0x7000},
+             {"new settings", iniName, "settings", 0, 0x6000},
+             {"log kept for reading", logName, "log", 0x4044, 0x4000},
+             {"new log", logName, "log", 0, 0x6000}});
     }
 
-    /// By the bits of the file's mode; before 0: there is none.
+    /// In the numbers of QFile::Permission; before 0: there is none.
     void filesAreForTheirOwnerOnly()
     {
         const auto [name, command, before, after] = row<QString, QString, int, int>();
-        const mode_t mask = ::umask(0); // or else the environment could keep others out
-        const auto restore = qScopeGuard([mask] { ::umask(mask); });
-        const QByteArray file = QFile::encodeName(name);
+        // Or else the environment could keep others out.
+        const auto restore = qScopeGuard([mask = ::umask(0)] { ::umask(mask); });
         if (before != 0)
-            QCOMPARE(::chmod(QFile::encodeName(writeFile(name, "\n")), mode_t(before)), 0);
+            QVERIFY(QFile::setPermissions(writeFile(name, "\n"), QFile::Permissions(before)));
         // Without a log there is no program; nothing is closed to root.
-        QCOMPARE(runProbe(command) == 0, (after & S_IWUSR) || ::geteuid() == 0);
-        struct stat found = {};
-        QCOMPARE(::stat(file, &found), 0);
-        QCOMPARE(int(found.st_mode & 0777), after);
+        QCOMPARE(runProbe(command) == 0, (after & QFile::WriteOwner) || ::geteuid() == 0);
+        QCOMPARE(int(QFile::permissions(name)) & 0x7077, after);
     }
 
     void settingsOutliveTheProcess()
