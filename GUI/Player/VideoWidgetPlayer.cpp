@@ -25,9 +25,9 @@ constexpr qint64 errorOutputLimitBytes = 65536;
 constexpr QLatin1String vlcPaused("4");
 constexpr QLatin1String vlcError("7");
 
-PlayerProxy proxyFor(const API::Camera &camera)
+App::ProxySettings proxyFor(const API::Camera &camera)
 {
-    return camera.kind() == API::LocalCamera ? PlayerProxy() : PlayerProxy::fromSettings();
+    return camera.kind() == API::LocalCamera ? App::ProxySettings() : App::ProxySettings::load();
 }
 
 } // namespace
