@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+#include "App/SettingsKeys.h"
+
 namespace ZorvaneClient {
 namespace API {
 namespace Internal {
@@ -34,7 +36,7 @@ QString CameraPrivate::previewFile() const
 
 QString CameraPrivate::rotationKey() const
 {
-    return QStringLiteral("cameras/%1/%2/rotation").arg(serverId, QString::number(id));
+    return App::SettingsKey::cameraRotation(serverId, id);
 }
 
 void CameraPrivate::keep(const QMetaObject::Connection &connection)

@@ -20,6 +20,7 @@
 #include "API/RestClient.h"
 #include "App/Environment.h"
 #include "App/Settings.h"
+#include "App/SettingsKeys.h"
 
 namespace ZorvaneClient {
 namespace API {
@@ -35,8 +36,7 @@ constexpr qint64 millisecondsPerSecond = 1000;
 
 QString cacheFile()
 {
-    return Internal::layoutsCacheFile(
-        App::settings().value(QStringLiteral("auth/email")).toString());
+    return Internal::layoutsCacheFile(App::settings().value(App::SettingsKey::email).toString());
 }
 
 void takeLayout(const QString &id, const QVariantMap &json)

@@ -11,7 +11,7 @@
 #include <QTimer>
 #include <QUrlQuery>
 
-#include "App/Settings.h"
+#include "App/ProxySettings.h"
 
 namespace ZorvaneClient {
 namespace API {
@@ -34,14 +34,10 @@ constexpr int unsetPort = -1;
 // memory with a reply that never ends.
 constexpr qint64 maximumReplyBytes = 64LL << 20;
 
-QNetworkProxy proxyFromSettings()
+QNetworkProxy networkProxy(const App::ProxySettings &proxy)
 {
-    const App::Settings &settings = App::settings();
-    return QNetworkProxy(QNetworkProxy::HttpProxy,
-                         settings.value(QStringLiteral("proxy/host")).toString(),
-                         static_cast<quint16>(settings.value(QStringLiteral("proxy/port")).toInt()),
-                         settings.value(QStringLiteral("proxy/username")).toString(),
-                         settings.value(QStringLiteral("proxy/password")).toString());
+    return QNetworkProxy(QNetworkProxy::HttpProxy, proxy.host, static_cast<quint16>(proxy.port),
+                         proxy.userName, proxy.password);
 }
 
 int leadingSlashes(const QString &path)
@@ -119,8 +115,8 @@ HTTPClient::HTTPClient(QString host, int port, bool ssl, bool useProxy)
     if (!useProxy) {
         // Said aloud, or else the desktop's own proxy would be taken.
         manager.setProxy(QNetworkProxy(QNetworkProxy::NoProxy));
-    } else if (App::settings().value(QStringLiteral("proxy/useProxy")).toBool()) {
-        manager.setProxy(proxyFromSettings());
+    } else if (const auto proxy = App::ProxySettings::load(); proxy.isOn) {
+        manager.setProxy(networkProxy(proxy));
     }
 }
 

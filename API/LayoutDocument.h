@@ -15,7 +15,7 @@ namespace Internal {
 /// Bounds on layouts that come from outside: far beyond what people make, small enough that
 /// no document can stop the program.
 struct LayoutBounds {
-    static constexpr qint64 documentBytes = 16 * 1024 * 1024;
+    static constexpr qint64 documentBytes = 16LL * 1024 * 1024;
     static constexpr int layouts = 1000;
     static constexpr int gridSide = 32; ///< rows, columns and spans
     static constexpr int nameLength = 1000;

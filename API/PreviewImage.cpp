@@ -8,7 +8,7 @@ namespace ZorvaneClient {
 namespace API {
 
 namespace {
-constexpr qint64 maximumPixels = 32 * 1024 * 1024;
+constexpr qint64 maximumPixels = 32LL * 1024 * 1024;
 }
 
 QPixmap decodePreview(const QByteArray &bytes, const char *format)

@@ -7,7 +7,6 @@
 #include <QIcon>
 #include <QLocale>
 #include <QScreen>
-#include <QSet>
 #include <QStandardPaths>
 #include <QUrl>
 
@@ -17,8 +16,10 @@
 #include "API/Server.h"
 #include "App/Language.h"
 #include "App/Log.h"
+#include "App/ScreenChoice.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
+#include "App/SettingsKeys.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 
@@ -28,16 +29,6 @@ namespace App {
 namespace {
 
 constexpr int cascadeOffsetPixels = 30;
-
-// Icons come in two sizes; without these a high-density screen gets the small one.
-int &withHighDensityPictures(int &argc)
-{
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-#endif
-    return argc;
-}
 
 void addFonts()
 {
@@ -54,17 +45,25 @@ void makeFolders()
     QDir().mkdir(QStandardPaths::writableLocation(QStandardPaths::ConfigLocation));
 }
 
-int screenNumber(const QWidget *window)
-{
-    return static_cast<int>(QGuiApplication::screens().indexOf(window->screen()));
-}
-
 } // namespace
 
-Application::Application(int &argc, char **argv) : QApplication(withHighDensityPictures(argc), argv)
+// Icons come in two sizes; without these a high-density screen gets the small one.
+Application::HighDensity::HighDensity()
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    setAttribute(Qt::AA_EnableHighDpiScaling);
+    setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
+}
+
+Application::Application(int &argc, char **argv) : Application(HighDensity(), argc, argv)
+{
+}
+
+Application::Application(HighDensity, int &argc, char **argv) : QApplication(argc, argv)
 {
     setApplicationName(QStringLiteral("Zorvane Client"));
-    setApplicationVersion(QStringLiteral("6.0.1.114"));
+    setApplicationVersion(QStringLiteral(ZORVANE_VERSION));
     loadLanguage(language());
     addFonts();
     makeFolders();
@@ -91,7 +90,7 @@ QString Application::globalStyleSheet()
 
 QString Application::language() const
 {
-    const QVariant code = settings().value(QStringLiteral("common/language"));
+    const QVariant code = settings().value(SettingsKey::language);
     if (code.isValid())
         return code.toString();
     const bool isRussian = QLocale().language() == QLocale::Russian;
@@ -122,7 +121,7 @@ void Application::restart()
 void Application::translate(QString language)
 {
     loadLanguage(language);
-    settings().setValue(QStringLiteral("common/language"), language);
+    settings().setValue(SettingsKey::language, language);
 }
 
 void Application::startLogin()
@@ -181,8 +180,7 @@ void Application::connectMainWindow(GUI::MainWindow *mainWindow)
 void Application::placeMainWindow(GUI::MainWindow *mainWindow)
 {
     if (mainWindows.isEmpty()) {
-        const QByteArray geometry =
-            settings().value(QStringLiteral("mainWindow/geometry")).toByteArray();
+        const QByteArray geometry = settings().value(SettingsKey::geometry).toByteArray();
         if (!geometry.isEmpty())
             mainWindow->restoreGeometry(geometry);
     } else if (const auto *source = qobject_cast<GUI::MainWindow *>(sender())) {
@@ -190,18 +188,16 @@ void Application::placeMainWindow(GUI::MainWindow *mainWindow)
             source->geometry().translated(cascadeOffsetPixels, cascadeOffsetPixels));
     }
 
-    const QList<QScreen *> screens = QGuiApplication::screens();
-    if (screens.size() < 2)
-        return;
-    QSet<int> taken;
+    QList<QRect> windows;
     for (const GUI::MainWindow *window : qAsConst(mainWindows))
-        taken.insert(screenNumber(window));
-    for (int number = 0; taken.size() < screens.size() && number < screens.size(); ++number) {
-        if (!taken.contains(number)) {
-            mainWindow->move(screens.at(number)->geometry().center());
-            return;
-        }
-    }
+        windows.append(window->frameGeometry());
+    const QList<QScreen *> desktop = QGuiApplication::screens();
+    QList<QRect> screens;
+    for (const QScreen *screen : desktop)
+        screens.append(screen->geometry());
+    const int screen = freeScreen(windows, screens);
+    if (screen != noScreen)
+        mainWindow->move(screens.at(screen).center());
 }
 
 void Application::closeMainWindow(GUI::MainWindow *mainWindow)
@@ -218,8 +214,8 @@ void Application::mainWindowSignout()
         window->deleteLater();
     mainWindows.clear();
     API::CloudAPIClient().logout();
-    settings().setValue(QStringLiteral("auth/password"), QString(QLatin1String("")));
-    settings().setValue(QStringLiteral("auth/saveAuth"), QString(QLatin1String("")));
+    settings().setValue(SettingsKey::password, QString(QLatin1String("")));
+    settings().setValue(SettingsKey::saveAuth, QString(QLatin1String("")));
     startLogin();
 }
 

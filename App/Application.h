@@ -58,6 +58,12 @@ public slots:
     void openDownloadsPage();
 
 private:
+    /// Settings that count only if they are made before the base class is.
+    struct HighDensity {
+        HighDensity();
+    };
+    Application(HighDensity, int &argc, char **argv);
+
     void connectMainWindow(GUI::MainWindow *mainWindow);
     void placeMainWindow(GUI::MainWindow *mainWindow);
 

@@ -9,8 +9,9 @@ namespace App {
 
 void restrictToOwner(const QString &fileName)
 {
+    constexpr auto owner = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner;
     if (QFileInfo(fileName).isFile())
-        QFile::setPermissions(fileName, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        QFile::setPermissions(fileName, QFile::permissions(fileName) & owner);
 }
 
 } // namespace App

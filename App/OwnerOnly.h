@@ -34,7 +34,8 @@ private:
 #endif
 };
 
-/// Takes everybody else's access to a file that exists. A device in its place is left alone.
+/// Takes everybody else's access to a file that exists; what its owner may do stays as it is.
+/// A device in its place is left alone.
 void restrictToOwner(const QString &fileName);
 
 } // namespace App

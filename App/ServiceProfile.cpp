@@ -3,6 +3,7 @@
 
 #include <QDebug>
 #include <QFile>
+#include <QHash>
 #include <QSettings>
 #include <QSslCertificate>
 #include <QSslConfiguration>
@@ -13,6 +14,17 @@ namespace App {
 namespace {
 
 constexpr int maxPort = 65535;
+
+const QHash<QString, QString ServiceProfile::*> textFields{
+    {QStringLiteral("service/apiHost"), &ServiceProfile::apiHost},
+    {QStringLiteral("service/streamingHost"), &ServiceProfile::streamingHost},
+    {QStringLiteral("service/flvHost"), &ServiceProfile::flvHost},
+    {QStringLiteral("service/redirectorHost"), &ServiceProfile::redirectorHost},
+    {QStringLiteral("service/caCertificate"), &ServiceProfile::caCertificate}};
+
+const QHash<QString, int ServiceProfile::*> portFields{
+    {QStringLiteral("service/apiPort"), &ServiceProfile::apiPort},
+    {QStringLiteral("service/streamingPort"), &ServiceProfile::streamingPort}};
 
 ServiceProfile &profileInForce()
 {
@@ -81,20 +93,10 @@ ServiceProfile ServiceProfile::fromFile(const QString &fileName)
     const QStringList keys = file.allKeys();
     for (const QString &key : keys) {
         const QString value = wholeText(file.value(key));
-        if (key == QLatin1String("service/apiHost"))
-            profile.apiHost = value;
-        else if (key == QLatin1String("service/apiPort"))
-            readPort(value, key, &profile.apiPort);
-        else if (key == QLatin1String("service/streamingHost"))
-            profile.streamingHost = value;
-        else if (key == QLatin1String("service/streamingPort"))
-            readPort(value, key, &profile.streamingPort);
-        else if (key == QLatin1String("service/flvHost"))
-            profile.flvHost = value;
-        else if (key == QLatin1String("service/redirectorHost"))
-            profile.redirectorHost = value;
-        else if (key == QLatin1String("service/caCertificate"))
-            profile.caCertificate = value;
+        if (const auto text = textFields.value(key))
+            profile.*text = value;
+        else if (const auto port = portFields.value(key))
+            readPort(value, key, &(profile.*port));
         else
             qWarning() << "service.ini: unknown key" << key;
     }

@@ -10,6 +10,7 @@
 
 #include "App/Environment.h"
 #include "App/Settings.h"
+#include "App/SettingsKeys.h"
 #include "ui_ControlPanel.h"
 
 namespace ZorvaneClient {
@@ -22,9 +23,6 @@ constexpr int highVolumeLimit = 49;
 constexpr int exportSpinnerLineWidth = 2;
 constexpr qreal enabledOpacity = 1.0;
 constexpr qreal disabledOpacity = 0.5;
-
-const QString volumeKey = QStringLiteral("sound/volume");
-const QString soundKey = QStringLiteral("sound/on");
 
 int speedOf(int sliderValue)
 {
@@ -50,8 +48,8 @@ ControlPanel::ControlPanel(QWidget *parent) : QStackedWidget(parent), ui(new Ui:
     ui->soundSlider->setAccessibleName(
         QCoreApplication::translate("CameraSettingsDialog", "Sound"));
 
-    const int storedVolume = App::settings().value(volumeKey, defaultVolume).toInt();
-    const bool soundOn = App::settings().value(soundKey, true).toBool();
+    const int storedVolume = App::settings().value(App::SettingsKey::volume, defaultVolume).toInt();
+    const bool soundOn = App::settings().value(App::SettingsKey::soundOn, true).toBool();
     setSoundVolume(storedVolume);
     enableSound(soundOn);
 
@@ -277,14 +275,14 @@ void ControlPanel::on_speedSlider_valueChanged(int value)
 
 void ControlPanel::on_soundSlider_valueChanged(int value)
 {
-    App::settings().setValue(volumeKey, value);
+    App::settings().setValue(App::SettingsKey::volume, value);
     emit soundVolumeChanged(value);
 }
 
 void ControlPanel::on_soundButton_clicked()
 {
     const bool enable = !isSoundEnabled();
-    App::settings().setValue(soundKey, enable);
+    App::settings().setValue(App::SettingsKey::soundOn, enable);
     emit soundEnabled(enable);
 }
 

@@ -1,23 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/LoginDialog.h"
 
-#include <QDebug>
 #include <QDesktopServices>
 #include <QGraphicsOpacityEffect>
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QParallelAnimationGroup>
-#include <QPropertyAnimation>
 #include <QScreen>
-#include <QSequentialAnimationGroup>
 #include <QShowEvent>
 #include <QUrl>
 
 #include "API/CloudAPIClient.h"
+#include "App/ProxySettings.h"
 #include "App/ServiceProfile.h"
-#include "App/Settings.h"
 #include "GUI/CloudToolTip.h"
 #include "GUI/IconPixmap.h"
+#include "GUI/PageSlide.h"
+#include "GUI/ProxyForm.h"
+#include "GUI/SignInForm.h"
 #include "GUI/TippedButton.h"
 #include "ui_Login.h"
 
@@ -29,7 +28,6 @@ namespace {
 constexpr int windowWidth = 440;
 constexpr int alertBarHeight = 38;
 constexpr int signInHeight = 413;
-constexpr int signInHeightWithAlert = signInHeight + alertBarHeight;
 constexpr int settingsHeight = 365;
 constexpr int settingsHeightWithProxy = 535;
 
@@ -38,30 +36,6 @@ constexpr int settingsPageIndex = 1;
 
 constexpr int gearPosition = 2;
 constexpr int tipPosition = 1;
-constexpr int arrowPosition = 2;
-constexpr int proxySettingsPosition = 3;
-
-constexpr int slideMs = 200;
-constexpr int resizeMs = 100;
-constexpr int fadeMs = 100;
-constexpr double dimOpacity = 0.5;
-constexpr double fullOpacity = 1;
-
-constexpr int proxyFieldCount = 4;
-
-// Through the widget's own sheet, since the sheets above it overrule QWidget::setFont().
-void setBold(QWidget *widget, bool bold)
-{
-    widget->setStyleSheet(bold ? QStringLiteral("font-weight: bold")
-                               : QStringLiteral("font-weight: normal"));
-}
-
-void setPlaceholderColor(QWidget *field)
-{
-    QPalette palette = field->palette();
-    palette.setColor(QPalette::PlaceholderText, QColor(108, 118, 136));
-    field->setPalette(palette);
-}
 
 void addTip(QWidget *row, const QString &text)
 {
@@ -79,7 +53,10 @@ void openPage(const QString &pathAndQuery)
 } // namespace
 
 LoginDialog::LoginDialog(QWidget *parent)
-    : QStackedWidget(parent), ui(new Ui::Login), client(new API::CloudAPIClient)
+    : QStackedWidget(parent)
+    , ui(new Ui::Login)
+    , proxyForm(new ProxyForm(*ui))
+    , client(new API::CloudAPIClient)
 {
     ui->setupUi(this);
     showPictures();
@@ -91,21 +68,17 @@ LoginDialog::LoginDialog(QWidget *parent)
 
     opacityEffect = new QGraphicsOpacityEffect(ui->signInButton);
     ui->signInButton->setGraphicsEffect(opacityEffect);
-    setPlaceholderColor(ui->emailLn);
-    setPlaceholderColor(ui->passwordLn);
+    signInForm.reset(new SignInForm(*ui, opacityEffect));
     createSettingsButton();
     connect(ui->settingsPBtn2, &QPushButton::clicked, this, &LoginDialog::settingClicked);
     connect(ui->emailLn, &QLineEdit::textChanged, this, &LoginDialog::setLoginButtonState);
     connect(ui->passwordLn, &QLineEdit::textChanged, this, &LoginDialog::setLoginButtonState);
-    setLoginButtonState();
 
     createTips();
     ui->settingsPage->resize(windowWidth, settingsHeight);
-    loadProxySettings();
-    if (ui->proxyChoice->isChecked())
-        showUsesProxyAlert();
-    else
-        closeAlertBar();
+    proxyForm->showFields(proxyShown);
+    proxyForm->setSettings(App::ProxySettings::load());
+    showProxyState();
     setCurrentIndex(signInPageIndex);
     ui->topBarWgt->setFocus();
 
@@ -152,69 +125,12 @@ void LoginDialog::createTips()
                             "via proxy in your network."));
 }
 
-void LoginDialog::loadProxySettings()
-{
-    hideProxyFields();
-    const App::Settings &settings = App::settings();
-    if (!settings.value(QStringLiteral("proxy/useProxy"), false).toBool()) {
-        ui->defaultChoice->setChecked(true);
-        return;
-    }
-    ui->proxyChoice->setChecked(true);
-    setProxyFields({settings.value(QStringLiteral("proxy/host")).toString(),
-                    settings.value(QStringLiteral("proxy/port")).toString(),
-                    settings.value(QStringLiteral("proxy/username")).toString(),
-                    settings.value(QStringLiteral("proxy/password")).toString()});
-}
-
-void LoginDialog::storeSettings() const
-{
-    App::Settings &settings = App::settings();
-    const bool remember = !ui->forgetBox->isChecked();
-    settings.setValue(QStringLiteral("auth/email"), ui->emailLn->text());
-    settings.setValue(QStringLiteral("auth/saveAuth"), remember);
-    if (remember) {
-        qDebug() << "Saving auth to" << settings.fileName();
-        settings.setValue(QStringLiteral("auth/password"), ui->passwordLn->text());
-    }
-
-    const bool useProxy = ui->proxyChoice->isChecked();
-    settings.setValue(QStringLiteral("proxy/useProxy"), useProxy);
-    if (useProxy) {
-        settings.setValue(QStringLiteral("proxy/host"), ui->proxyHost->text());
-        settings.setValue(QStringLiteral("proxy/port"), ui->proxyPort->text().toInt());
-        settings.setValue(QStringLiteral("proxy/username"), ui->proxyLogin->text());
-        settings.setValue(QStringLiteral("proxy/password"), ui->proxyPassword->text());
-    }
-}
-
 void LoginDialog::showEvent(QShowEvent *event)
 {
     // A window that only comes back from the task bar keeps what was typed.
-    if (!event->spontaneous())
-        fillInAccount();
+    if (!event->spontaneous() && signInForm->load())
+        on_signInButton_clicked();
     QStackedWidget::showEvent(event);
-}
-
-void LoginDialog::fillInAccount()
-{
-    const App::Settings &settings = App::settings();
-    qDebug() << "Loading settings from " << settings.fileName();
-    ui->emailLn->setText(settings.value(QStringLiteral("auth/email")).toString());
-    ui->passwordLn->setText(QString());
-    if (ui->emailLn->text().isEmpty()) {
-        ui->emailLn->setFocus();
-        return;
-    }
-    const bool remembered = settings.value(QStringLiteral("auth/saveAuth"), false).toBool();
-    const QString password = settings.value(QStringLiteral("auth/password")).toString();
-    if (!remembered || password.isEmpty()) {
-        ui->passwordLn->setFocus();
-        return;
-    }
-    ui->passwordLn->setText(password);
-    ui->forgetBox->setChecked(false);
-    on_signInButton_clicked();
 }
 
 bool LoginDialog::eventFilter(QObject *watched, QEvent *event)
@@ -227,16 +143,17 @@ bool LoginDialog::eventFilter(QObject *watched, QEvent *event)
 
     if (currentIndex() != signInPageIndex)
         switchPage(signInPageIndex);
-    else if (hasCredentials() && !waiting())
+    else if (signInForm->isComplete() && !signInForm->isWaiting())
         on_signInButton_clicked();
     return true;
 }
 
 void LoginDialog::on_signInButton_clicked()
 {
-    storeSettings();
+    signInForm->save();
+    proxyForm->settings().save();
     setFormLocked(true);
-    client->tryLogin(ui->emailLn->text(), ui->passwordLn->text());
+    client->tryLogin(signInForm->email(), signInForm->password());
 }
 
 void LoginDialog::onLoginSuccessful()
@@ -248,81 +165,62 @@ void LoginDialog::onLoginSuccessful()
 void LoginDialog::setFormLocked(bool locked)
 {
     if (locked) {
-        closeAlertBar();
+        hideAlert();
         // Otherwise the focus would go on to the next button that is not locked.
         ui->topBarWgt->setFocus();
     }
-    QWidget *const widgets[] = {ui->emailLn, ui->passwordLn, ui->signInButton, ui->forgetBox,
-                                settingsButton};
-    for (QWidget *widget : widgets)
-        widget->setEnabled(!locked);
-    ui->loginButtonSWgt->setCurrentWidget(locked ? ui->waitingPage : ui->buttonPage);
-    if (locked)
-        ui->spinnerWidget->start();
-    else
-        ui->spinnerWidget->stop();
-}
-
-bool LoginDialog::waiting() const
-{
-    return ui->loginButtonSWgt->currentWidget() == ui->waitingPage;
+    signInForm->setWaiting(locked);
+    settingsButton->setEnabled(!locked);
 }
 
 void LoginDialog::showWrongEmailPassAlert()
 {
     setFormLocked(false);
-    openAlertBar(ui->wrongEmailPassWgt);
+    showAlert(ui->wrongEmailPassWgt);
     ui->passwordLn->setFocus();
 }
 
 void LoginDialog::showNoInternetAlert()
 {
-    openAlertBar(ui->noInternetWgt);
+    showAlert(ui->noInternetWgt);
 }
 
 void LoginDialog::showUsesProxyAlert()
 {
-    openAlertBar(ui->usesProxyWgt);
+    showAlert(ui->usesProxyWgt);
 }
 
-void LoginDialog::openAlertBar(QWidget *alert)
+void LoginDialog::showProxyState()
 {
-    alertShown = true;
-    setFixedHeight(signInHeightWithAlert);
-    ui->alertsBar->setFixedHeight(alertBarHeight);
+    if (proxyForm->isOn())
+        showUsesProxyAlert();
+    else
+        hideAlert();
+}
+
+void LoginDialog::showAlert(QWidget *alert)
+{
+    alertShown = alert != ui->emptyWgt;
     ui->alertsBar->setCurrentWidget(alert);
+    ui->alertsBar->setFixedHeight(alertShown ? alertBarHeight : 0);
+    setFixedHeight(heightOf(signInPageIndex));
 }
 
-void LoginDialog::closeAlertBar()
+void LoginDialog::hideAlert()
 {
-    alertShown = false;
-    ui->alertsBar->setCurrentWidget(ui->emptyWgt);
-    ui->alertsBar->setFixedHeight(0);
-    setFixedHeight(signInHeight);
+    showAlert(ui->emptyWgt);
 }
 
-bool LoginDialog::hasCredentials() const
+int LoginDialog::heightOf(int page) const
 {
-    return !ui->emailLn->text().isEmpty() && !ui->passwordLn->text().isEmpty();
+    if (page == settingsPageIndex)
+        return proxyShown ? settingsHeightWithProxy : settingsHeight;
+    return alertShown ? signInHeight + alertBarHeight : signInHeight;
 }
 
 void LoginDialog::setLoginButtonState()
 {
-    const bool ready = hasCredentials();
-    if (ready == ui->signInButton->isEnabled())
-        return;
-    setBold(ui->signInButton, ready);
-    fadeSignInButton(ready ? dimOpacity : fullOpacity, ready ? fullOpacity : dimOpacity);
-    ui->signInButton->setEnabled(ready);
-}
-
-void LoginDialog::fadeSignInButton(double from, double to)
-{
-    auto *fade = new QPropertyAnimation(opacityEffect, "opacity", this);
-    fade->setDuration(fadeMs);
-    fade->setStartValue(from);
-    fade->setEndValue(to);
-    fade->start(QAbstractAnimation::DeleteWhenStopped);
+    signInForm->updateButton();
 }
 
 void LoginDialog::on_remindButton_clicked()
@@ -347,13 +245,7 @@ void LoginDialog::on_doneButton_clicked()
 
 void LoginDialog::on_cancelButton_clicked()
 {
-    if (savedProxyOn) {
-        ui->proxyChoice->setChecked(true);
-        setProxyFields(savedProxy);
-    } else {
-        ui->defaultChoice->setChecked(true);
-        setProxyFields({});
-    }
+    proxyForm->set(savedProxyOn, savedProxyOn ? savedProxy : QStringList());
     switchPage(signInPageIndex);
 }
 
@@ -362,44 +254,8 @@ void LoginDialog::on_proxyChoice_toggled(bool checked)
     if (checked == proxyShown)
         return;
     proxyShown = checked;
-    if (checked) {
-        setFixedHeight(settingsHeightWithProxy);
-        showProxyFields();
-    } else {
-        hideProxyFields();
-        setFixedHeight(settingsHeight);
-    }
-}
-
-void LoginDialog::showProxyFields()
-{
-    auto *page = qobject_cast<QBoxLayout *>(ui->settingsPage->layout());
-    page->insertWidget(arrowPosition, ui->arrowLbl);
-    page->insertWidget(proxySettingsPosition, ui->proxySettings);
-    ui->arrowLbl->show();
-    ui->proxySettings->show();
-}
-
-void LoginDialog::hideProxyFields()
-{
-    for (QWidget *widget : {static_cast<QWidget *>(ui->arrowLbl), ui->proxySettings}) {
-        ui->settingsPage->layout()->removeWidget(widget);
-        widget->hide();
-    }
-}
-
-QStringList LoginDialog::proxyFields() const
-{
-    return {ui->proxyHost->text(), ui->proxyPort->text(), ui->proxyLogin->text(),
-            ui->proxyPassword->text()};
-}
-
-void LoginDialog::setProxyFields(const QStringList &values)
-{
-    QLineEdit *const fields[proxyFieldCount] = {ui->proxyHost, ui->proxyPort, ui->proxyLogin,
-                                                ui->proxyPassword};
-    for (int i = 0; i < proxyFieldCount; ++i)
-        fields[i]->setText(values.value(i));
+    proxyForm->showFields(checked);
+    setFixedHeight(heightOf(settingsPageIndex));
 }
 
 void LoginDialog::switchPage(int target)
@@ -408,66 +264,15 @@ void LoginDialog::switchPage(int target)
         return;
     switching = true;
     CloudToolTip::hideTip();
-    if (target > currentIndex())
-        runSlide(target, -windowWidth, proxyShown ? settingsHeightWithProxy : settingsHeight);
-    else
-        runSlide(target, windowWidth, alertShown ? signInHeightWithAlert : signInHeight);
-}
-
-void LoginDialog::runSlide(int target, int shift, int targetHeight)
-{
-    QWidget *outgoing = currentWidget();
-    QWidget *incoming = widget(target);
-    const QPoint offset(shift, 0);
-    const QPoint incomingHome = incoming->pos();
-    fromPagePos = outgoing->pos();
-    incoming->resize(windowWidth, qMax(height(), targetHeight));
-    incoming->move(incomingHome - offset);
-    incoming->show();
-    incoming->raise();
-
-    auto *slide = new QParallelAnimationGroup;
-    slide->addAnimation(slideOf(outgoing, fromPagePos, fromPagePos + offset));
-    slide->addAnimation(slideOf(incoming, incoming->pos(), incomingHome));
-    QPropertyAnimation *resizing = resizeTo(targetHeight);
-
-    // The window grows before a page comes in, and shrinks after it has come.
-    auto *whole = new QSequentialAnimationGroup(this);
-    if (targetHeight > height()) {
-        whole->addAnimation(resizing);
-        whole->addAnimation(slide);
-    } else {
-        whole->addAnimation(slide);
-        whole->addAnimation(resizing);
-    }
-    connect(slide, &QAbstractAnimation::finished, this, &LoginDialog::screensSwitched);
-    connect(resizing, &QAbstractAnimation::finished, this, &LoginDialog::windowResizeDone);
-    connect(whole, &QAbstractAnimation::finished, this, &LoginDialog::animationFinished);
-
-    setFixedHeight(QWIDGETSIZE_MAX);
     fromPage = currentIndex();
     toPage = target;
-    whole->start(QAbstractAnimation::DeleteWhenStopped);
-}
-
-QPropertyAnimation *LoginDialog::slideOf(QWidget *page, QPoint from, QPoint to)
-{
-    auto *animation = new QPropertyAnimation(page, "pos");
-    animation->setDuration(slideMs);
-    animation->setStartValue(from);
-    animation->setEndValue(to);
-    animation->setEasingCurve(QEasingCurve::Linear);
-    return animation;
-}
-
-QPropertyAnimation *LoginDialog::resizeTo(int targetHeight)
-{
-    auto *animation = new QPropertyAnimation(this, "size");
-    animation->setDuration(resizeMs);
-    animation->setStartValue(size());
-    animation->setEndValue(QSize(windowWidth, targetHeight));
-    animation->setEasingCurve(QEasingCurve::Linear);
-    return animation;
+    fromPagePos = currentWidget()->pos();
+    auto *slide = new PageSlide(this, target, QSize(windowWidth, heightOf(target)));
+    connect(slide, &PageSlide::pagesMoved, this, &LoginDialog::screensSwitched);
+    connect(slide, &PageSlide::resized, this, &LoginDialog::windowResizeDone);
+    connect(slide, &QAbstractAnimation::finished, this, &LoginDialog::animationFinished);
+    setFixedHeight(QWIDGETSIZE_MAX); // no limit
+    slide->start(QAbstractAnimation::DeleteWhenStopped);
 }
 
 void LoginDialog::screensSwitched()
@@ -487,12 +292,10 @@ void LoginDialog::animationFinished()
 {
     switching = false;
     if (currentIndex() == settingsPageIndex) {
-        savedProxyOn = ui->proxyChoice->isChecked();
-        savedProxy = proxyFields();
-    } else if (ui->proxyChoice->isChecked()) {
-        showUsesProxyAlert();
+        savedProxyOn = proxyForm->isOn();
+        savedProxy = proxyForm->texts();
     } else {
-        closeAlertBar();
+        showProxyState();
     }
 }
 

@@ -7,7 +7,6 @@
 #include <QStringList>
 
 class QGraphicsOpacityEffect;
-class QPropertyAnimation;
 class TippedButton;
 
 namespace Ui {
@@ -21,6 +20,9 @@ class CloudAPIClient;
 }
 
 namespace GUI {
+
+class ProxyForm;
+class SignInForm;
 
 /// The sign-in window: the sign-in page, and the account settings page that slides in beside it.
 /// Signs in through a request handle of its own, and by itself when it is shown and the account
@@ -64,28 +66,19 @@ private:
     void showPictures();
     void createSettingsButton();
     void createTips();
-    void loadProxySettings();
-    void storeSettings() const;
-    void fillInAccount();
 
-    bool hasCredentials() const;
-    bool waiting() const;
     void setFormLocked(bool locked);
-    void fadeSignInButton(double from, double to);
-    void openAlertBar(QWidget *alert);
-    void closeAlertBar();
+    void showProxyState();
+    void showAlert(QWidget *alert);
+    void hideAlert();
 
-    void showProxyFields();
-    void hideProxyFields();
-    QStringList proxyFields() const;
-    void setProxyFields(const QStringList &values);
-
+    /// In pixels, by what the page shows now.
+    int heightOf(int page) const;
     void switchPage(int target);
-    void runSlide(int target, int shift, int targetHeight);
-    QPropertyAnimation *slideOf(QWidget *page, QPoint from, QPoint to);
-    QPropertyAnimation *resizeTo(int targetHeight);
 
     QScopedPointer<Ui::Login> ui;
+    QScopedPointer<ProxyForm> proxyForm;
+    QScopedPointer<SignInForm> signInForm;
     bool proxyShown = false;
     bool alertShown = false;
     bool switching = false;

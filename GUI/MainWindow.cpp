@@ -11,6 +11,7 @@
 #include "API/Server.h"
 #include "App/Environment.h"
 #include "App/Settings.h"
+#include "App/SettingsKeys.h"
 #include "GUI/ArchiveControlPanel.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/InfoPanel.h"
@@ -29,7 +30,6 @@ namespace GUI {
 namespace {
 
 constexpr QSize firstSize(1100, 650);
-const QString openTabKey = QStringLiteral("mainWindow/openTab");
 const QString camerasTab = QStringLiteral("Cameras");
 const QString layoutsTab = QStringLiteral("Layouts");
 
@@ -54,7 +54,7 @@ MainWindow::MainWindow(QWidget *parent)
     arrange();
     resize(firstSize);
 
-    const QString openTab = App::settings().value(openTabKey).toString();
+    const QString openTab = App::settings().value(App::SettingsKey::openTab).toString();
     closeCurrentView();
     if (openTab == layoutsTab)
         setLayoutsMode();
@@ -151,14 +151,14 @@ void MainWindow::setRosterMode()
 {
     sideBar->setRosterMode();
     toolBar->setRosterMode();
-    App::settings().setValue(openTabKey, camerasTab);
+    App::settings().setValue(App::SettingsKey::openTab, camerasTab);
 }
 
 void MainWindow::setLayoutsMode()
 {
     sideBar->setLayoutsMode();
     toolBar->setLayoutsMode();
-    App::settings().setValue(openTabKey, layoutsTab);
+    App::settings().setValue(App::SettingsKey::openTab, layoutsTab);
 }
 
 void MainWindow::setSettingsMode()
@@ -385,7 +385,7 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {
-    App::settings().setValue(QStringLiteral("mainWindow/geometry"), saveGeometry());
+    App::settings().setValue(App::SettingsKey::geometry, saveGeometry());
     QWidget::closeEvent(event);
     emit closeRequested(this);
 }

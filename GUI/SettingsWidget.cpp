@@ -12,6 +12,7 @@
 #include "API/LocalServer.h"
 #include "App/Application.h"
 #include "App/Settings.h"
+#include "App/SettingsKeys.h"
 #include "GUI/IconButton.h"
 #include "GUI/LocalServerDialog.h"
 #include "ui_SettingsWidget.h"
@@ -80,7 +81,7 @@ bool isConfirmed(const Question &question, QWidget *parent)
 SettingsWidget::SettingsWidget(QWidget *parent) : QWidget(parent), ui(new Ui::SettingsWidget)
 {
     ui->setupUi(this);
-    ui->emailLabel->setText(App::settings().value(QStringLiteral("auth/email")).toString());
+    ui->emailLabel->setText(App::settings().value(App::SettingsKey::email).toString());
     ui->versionLabel->setText(QCoreApplication::applicationVersion());
     const bool isRussian = application() && application()->language() == QLatin1String("ru");
     ui->languageBox->setCurrentIndex(isRussian ? russianIndex : englishIndex);

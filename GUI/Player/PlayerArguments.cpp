@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/Player/PlayerArguments.h"
 
-#include "App/Settings.h"
-
 namespace ZorvaneClient {
 namespace GUI {
 namespace Player {
@@ -10,7 +8,7 @@ namespace Internal {
 
 namespace {
 
-QString proxyAddress(const PlayerProxy &proxy)
+QString proxyAddress(const App::ProxySettings &proxy)
 {
     const QString port = QString::number(proxy.port);
     if (proxy.userName.isEmpty())
@@ -20,24 +18,11 @@ QString proxyAddress(const PlayerProxy &proxy)
 
 } // namespace
 
-PlayerProxy PlayerProxy::fromSettings()
-{
-    const App::Settings &settings = App::settings();
-    PlayerProxy proxy;
-    if (!settings.value(QStringLiteral("proxy/useProxy"), false).toBool())
-        return proxy;
-    proxy.host = settings.value(QStringLiteral("proxy/host")).toString();
-    proxy.port = settings.value(QStringLiteral("proxy/port")).toInt();
-    proxy.userName = settings.value(QStringLiteral("proxy/username")).toString();
-    proxy.password = settings.value(QStringLiteral("proxy/password")).toString();
-    return proxy;
-}
-
 QStringList playerArguments(const QString &url, const QString &frameFileName,
-                            const PlayerProxy &proxy)
+                            const App::ProxySettings &proxy)
 {
     QStringList arguments{url, frameFileName};
-    if (proxy.host.isEmpty())
+    if (!proxy.isOn || proxy.host.isEmpty())
         return arguments;
     arguments << proxyAddress(proxy);
     if (!proxy.password.isEmpty())

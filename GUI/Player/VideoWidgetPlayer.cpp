@@ -21,9 +21,9 @@ namespace {
 constexpr int startTimeoutMsecs = 30000;
 constexpr qint64 errorOutputLimitBytes = 65536;
 
-PlayerProxy proxyFor(const API::Camera &camera)
+App::ProxySettings proxyFor(const API::Camera &camera)
 {
-    return camera.kind() == API::LocalCamera ? PlayerProxy() : PlayerProxy::fromSettings();
+    return camera.kind() == API::LocalCamera ? App::ProxySettings() : App::ProxySettings::load();
 }
 
 } // namespace

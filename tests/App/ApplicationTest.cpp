@@ -6,6 +6,7 @@
 #include "API/Layout.h"
 #include "API/Server.h"
 #include "App/Application.h"
+#include "App/ScreenChoice.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
 #include "GUI/LoginDialog.h"
@@ -141,6 +142,22 @@ private slots:
         for (const MainWindow *other : visibleTopLevels<MainWindow>())
             QCOMPARE(other->geometry(),
                      QRect(other == window ? 40 : 70, other == window ? 50 : 80, 960, 540));
+    }
+
+    void furtherWindowTakesTheFreeScreen()
+    {
+        const QRect left(0, 0, 1920, 1080);
+        const QRect right(1920, 0, 1280, 1024);
+        const QRect above(0, -1080, 1920, 1080);
+        const QRect mostlyRight(1600, 100, 1100, 650); // its corner is on the left
+        QCOMPARE(App::freeScreen({}, {left}), App::noScreen);
+        QCOMPARE(App::freeScreen({}, {left, right}), 0);
+        QCOMPARE(App::freeScreen({mostlyRight}, {left, right}), 0);
+        QCOMPARE(App::freeScreen({mostlyRight, left, left}, {left, right}), App::noScreen);
+        QCOMPARE(App::freeScreen({left.translated(9000, 0), mostlyRight}, {left, right}), 0);
+        QCOMPARE(App::freeScreen({mostlyRight, left}, {left, right, above}), 2);
+        // Of two equal halves the first counts.
+        QCOMPARE(App::freeScreen({left.translated(0, -540)}, {left, right, above}), 1);
     }
 
     void fontsAndVersionAreTheirs()

@@ -3,6 +3,7 @@
 #include "tests/support/Test.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "App/ServiceProfile.h"
 #include "tests/support/TlsIdentity.h"
@@ -92,23 +93,25 @@ private slots:
 
     void filesAreForTheirOwnerOnly_data()
     {
-        rows<QString, QString, bool>({"name", "command", "wasOpen"},
-                                     {{"settings open to all before", iniName, "settings", true},
-                                      {"new settings", iniName, "settings", false},
-                                      {"new log", logName, "log", false}});
+        rows<QString, QString, int, int>(
+            {"name", "command", "before", "after"},
+            {{"settings open to all", iniName, "settings", 0x7066, 0x7000},
+             {"new settings", iniName, "settings", 0, 0x6000},
+             {"log kept for reading", logName, "log", 0x4044, 0x4000},
+             {"new log", logName, "log", 0, 0x6000}});
     }
 
+    /// In the numbers of QFile::Permission; before 0: there is none.
     void filesAreForTheirOwnerOnly()
     {
-        const auto [name, command, wasOpen] = row<QString, QString, bool>();
-        ::umask(0); // or else the environment could keep others out
-        constexpr auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ExeGroup |
-                                QFile::ReadOther | QFile::WriteOther | QFile::ExeOther;
-        if (wasOpen)
-            QVERIFY(QFile::permissions(writeFile(name, "\n")) & others);
-        QCOMPARE(runProbe(command), 0);
-        QVERIFY(QFile::exists(name));
-        QVERIFY(!(QFile::permissions(name) & others));
+        const auto [name, command, before, after] = row<QString, QString, int, int>();
+        // Or else the environment could keep others out.
+        const auto restore = qScopeGuard([mask = ::umask(0)] { ::umask(mask); });
+        if (before != 0)
+            QVERIFY(QFile::setPermissions(writeFile(name, "\n"), QFile::Permissions(before)));
+        // Without a log there is no program; nothing is closed to root.
+        QCOMPARE(runProbe(command) == 0, (after & QFile::WriteOwner) || ::geteuid() == 0);
+        QCOMPARE(int(QFile::permissions(name)) & 0x7077, after);
     }
 
     void settingsOutliveTheProcess()

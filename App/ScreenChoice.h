@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QList>
+#include <QRect>
+
+namespace ZorvaneClient {
+namespace App {
+
+constexpr int noScreen = -1;
+
+/// Number of the screen that holds the largest part of `window`, the first of several equal
+/// ones; noScreen when the window is on none. All rectangles in desktop coordinates.
+int screenOf(const QRect &window, const QList<QRect> &screens);
+
+/// The first screen that none of `windows` is on; noScreen when each has one. A desktop of a
+/// single screen has none to choose.
+int freeScreen(const QList<QRect> &windows, const QList<QRect> &screens);
+
+} // namespace App
+} // namespace ZorvaneClient
