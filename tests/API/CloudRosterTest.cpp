@@ -10,6 +10,12 @@ QStringList ids()
     return CloudAPIClient::serverList().keys();
 }
 
+/// What the file of LAN servers holds.
+QVariantList storedServers()
+{
+    return QJsonDocument::fromJson(contentOf(rosterFile)).toVariant().toList();
+}
+
 } // namespace
 
 /// Session and roster of the service, and the LAN servers of the user's file.
@@ -166,20 +172,21 @@ private slots:
         QByteArray many = "[{}";
         for (int port = 1; port <= 10000; ++port)
             many += ",{\"port\":" + QByteArray::number(port) + '}';
-        rows<QByteArray, int, QString, QString>(
-            {"content", "count", "firstId", "firstAlias"},
+        rows<QByteArray, int, QString, QString, int>(
+            {"content", "count", "firstId", "firstAlias", "saved"},
             {{"sorted by id", R"([{"ip":"127.0.0.3","port":2},{"ip":"127.0.0.2","name":"B"}])", 2,
-              "127.0.0.2:0", "B"},
-             {"first of the same id wins", one + two, 1, first, "Двор"},
-             {"wrong types", R"([7,null,[1],{"ip":{"a":1},"port":[1],"name":{}}])", 1, ":0", ""},
-             {"ten thousand servers", many + ']', 256, ":0", ""},
-             {"damaged", one, 0, "", ""},
-             {"two megabytes", QByteArray("[{}]").leftJustified(2 << 20), 0, "", ""}});
+              "127.0.0.2:0", "B", 2},
+             {"first of the same id wins", one + two, 1, first, "Двор", 1},
+             {"wrong types", R"([7,null,[1],{"ip":{"a":1},"port":[1],"name":{}}])", 1, ":0", "", 1},
+             {"ten thousand servers", many + ']', 256, ":0", "", 10001},
+             {"damaged", one, 0, "", "", 0},
+             {"two megabytes", QByteArray("[{}]").leftJustified(2 << 20), 1, ":0", "", 1}});
     }
 
     void localFile()
     {
-        const auto [content, count, firstId, firstAlias] = row<QByteArray, int, QString, QString>();
+        const auto [content, count, firstId, firstAlias, saved] =
+            row<QByteArray, int, QString, QString, int>();
         writeFile(rosterFile, content);
         client->loadLocalRoster();
         const auto servers = client->serverList();
@@ -188,6 +195,31 @@ private slots:
         QVERIFY(count == 0 || servers.first() == server);
         QVERIFY(!server || (server->alias() == firstAlias && server->isLocal()));
         QCOMPARE(contentOf(rosterFile), content);
+        client->saveLocalRoster();
+        QCOMPARE(storedServers().size(), saved);
+    }
+
+    /// Beyond the bound servers are not connected, and yet are the user's.
+    void serversBeyondTheBound()
+    {
+        QByteArray entries = "{}";
+        for (int port = 1; port < 300; ++port)
+            entries += ",{\"port\":" + QByteArray::number(port) + ",\"x\":1}";
+        writeFile(rosterFile, '[' + entries + ']');
+        client->loadLocalRoster();
+        const auto added = LocalServerPtr::create("Yard"_s, QString(), 299, QString());
+        const auto moved = client->serverList().value(":1"_s).dynamicCast<LocalServer>();
+        client->addLocalServer(added);
+        client->editLocalServer(moved, "Gate"_s, QString(), 298, QString());
+        QCOMPARE(storedServers().size(), 299); // each of the two is there once
+        client->deleteLocalServer(added);
+        client->deleteLocalServer(moved);
+        QCOMPARE(storedServers().size(), 297);
+        QCOMPARE(storedServers().last().toMap(), (QVariantMap{{"port"_s, 297}, {"x"_s, 1}}));
+        client->loadLocalRoster(); // one moves up
+        client->saveLocalRoster();
+        QCOMPARE(ids().size(), 256);
+        QCOMPARE(storedServers().size(), 297);
     }
 
     void fileOnDisk()
