@@ -102,8 +102,7 @@ void LocalServer::setHost(QString host)
         return;
     }
     serverHost = host;
-    infoClient->setAddress(serverHost, serverPort);
-    streamsClient->setAddress(serverHost, serverPort);
+    readdressClients();
 }
 
 void LocalServer::setPort(int port)
@@ -112,6 +111,11 @@ void LocalServer::setPort(int port)
         return;
     }
     serverPort = port;
+    readdressClients();
+}
+
+void LocalServer::readdressClients()
+{
     infoClient->setAddress(serverHost, serverPort);
     streamsClient->setAddress(serverHost, serverPort);
 }

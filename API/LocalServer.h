@@ -61,6 +61,7 @@ private slots:
     void streamsError();
 
 private:
+    void readdressClients();
     void updateCamera(camera_id_t number, const QVariantMap &entry);
 
     QString serverHost;
