@@ -24,10 +24,10 @@ QVariantMap cellToMap(const LayoutCell &cell)
 {
     return {{QStringLiteral("server"), cell.camera->serverId()},
             {QStringLiteral("camera"), cell.camera->id()},
-            {QStringLiteral("row"), cell.area.left()},
-            {QStringLiteral("column"), cell.area.top()},
-            {QStringLiteral("w"), cell.area.width()},
-            {QStringLiteral("h"), cell.area.height()}};
+            {QStringLiteral("row"), cell.row()},
+            {QStringLiteral("column"), cell.column()},
+            {QStringLiteral("w"), cell.rowSpan()},
+            {QStringLiteral("h"), cell.columnSpan()}};
 }
 
 CameraPtr findCamera(const QMap<server_id_t, ServerPtr> &servers, const QVariantMap &cell)
@@ -102,8 +102,7 @@ QList<LayoutCell> Layout::cellList() const
 
 LayoutCell Layout::cellAt(int row, int column) const
 {
-    return data.cells.value(keyOf(row, column),
-                            LayoutCell{CameraPtr(), LayoutCell::areaAt(row, column)});
+    return data.cells.value(keyOf(row, column), LayoutCell(CameraPtr(), row, column));
 }
 
 void Layout::setCamera(CameraPtr camera, int row, int column, int rowSpan, int columnSpan)
@@ -116,8 +115,7 @@ void Layout::setCamera(CameraPtr camera, int row, int column, int rowSpan, int c
         return;
     }
     clearCell(row, column);
-    data.cells.insert(key,
-                      LayoutCell{camera, LayoutCell::areaAt(row, column, rowSpan, columnSpan)});
+    data.cells.insert(key, LayoutCell(camera, row, column, rowSpan, columnSpan));
     emit updated();
 }
 
@@ -138,18 +136,18 @@ void Layout::swapCells(int row1, int column1, int row2, int column2)
     const LayoutCell a = cellAt(row1, column1);
     const LayoutCell b = cellAt(row2, column2);
     if (data.cells.contains(second)) {
-        data.cells.insert(first, LayoutCell{b.camera, LayoutCell::areaAt(row1, column1)});
+        data.cells.insert(first, LayoutCell(b.camera, row1, column1));
     } else {
         data.cells.remove(first);
     }
-    data.cells.insert(second, LayoutCell{a.camera, LayoutCell::areaAt(row2, column2)});
+    data.cells.insert(second, LayoutCell(a.camera, row2, column2));
 }
 
 void Layout::resize(int rows, int columns)
 {
     const bool shrinks = rows < data.rows || columns < data.columns;
     for (auto it = data.cells.begin(); shrinks && it != data.cells.end();) {
-        const bool inside = it->area.left() < rows && it->area.top() < columns;
+        const bool inside = it->row() < rows && it->column() < columns;
         it = inside ? std::next(it) : data.cells.erase(it);
     }
     data.rows = rows;
@@ -200,8 +198,7 @@ void Layout::update(QVariantMap map)
         const int column = cell.value(QStringLiteral("column")).toInt();
         const int rowSpan = cell.value(QStringLiteral("w")).toInt();
         const int columnSpan = cell.value(QStringLiteral("h")).toInt();
-        const QRect area = LayoutCell::areaAt(row, column, rowSpan, columnSpan);
-        data.cells.insert(keyOf(row, column), LayoutCell{camera, area});
+        data.cells.insert(keyOf(row, column), LayoutCell(camera, row, column, rowSpan, columnSpan));
     }
 }
 

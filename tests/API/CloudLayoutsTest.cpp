@@ -74,9 +74,9 @@ CameraPtr camera(int number)
 QString describe(const Layout &layout)
 {
     QStringList result;
-    for (const auto &[camera, area] : layout.cellList())
-        result << QString::asprintf("%d,%d %dx%d %d", area.left(), area.top(), area.width(),
-                                    area.height(), camera ? camera->id() : 0);
+    for (const LayoutCell &cell : layout.cellList())
+        result << QString::asprintf("%d,%d %dx%d %d", cell.row(), cell.column(), cell.rowSpan(),
+                                    cell.columnSpan(), cell.camera ? cell.camera->id() : 0);
     return result.join("; "_s);
 }
 
