@@ -27,16 +27,14 @@ Camera::Camera(Server *server, QVariantMap json) : Camera()
     d->exportEnabled = server->isLocal();
     d->kind = CloudCamera;
     update(server, json);
-    if (server->isLocal()) {
+    if (server->isLocal())
         d->rotation = App::settings().value(d->rotationKey(), 0).toInt();
-    }
 }
 
 Camera::~Camera()
 {
-    for (const QMetaObject::Connection &connection : d->connections) {
+    for (const QMetaObject::Connection &connection : d->connections)
         disconnect(connection);
-    }
 }
 
 void Camera::update(Server *server, QVariantMap json)
@@ -136,12 +134,10 @@ bool Camera::isExportEnabled() const
 QString Camera::stateText() const
 {
     QString text;
-    if (!isPaid()) {
+    if (!isPaid())
         text += tr("not paid for");
-    }
-    if (!isOnline()) {
+    if (!isOnline())
         text += (text.isEmpty() ? QString() : tr(" and ")) + tr("offline");
-    }
     return text;
 }
 

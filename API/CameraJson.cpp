@@ -9,13 +9,11 @@ namespace Internal {
 
 PaidState paidStateOf(const QVariantMap &services)
 {
-    if (services.isEmpty()) {
+    if (services.isEmpty())
         return {};
-    }
     const QVariantMap enabled = services.value(QStringLiteral("enabled")).toMap();
-    if (enabled.isEmpty()) {
+    if (enabled.isEmpty())
         return {false, QStringLiteral("camera")};
-    }
     const QVariant active = enabled.value(QStringLiteral("active"));
     const QString text = active.toString();
     // The key also carries names of services, which convert to true but don't mean paid.
@@ -28,13 +26,12 @@ int rightsOf(const QVariantList &words)
     int rights = 0;
     for (const QVariant &entry : words) {
         const QString word = entry.toString();
-        if (word == QLatin1String("live")) {
+        if (word == QLatin1String("live"))
             rights |= RightLive;
-        } else if (word == QLatin1String("archive")) {
+        else if (word == QLatin1String("archive"))
             rights |= RightArchive;
-        } else if (word == QLatin1String("ptz")) {
+        else if (word == QLatin1String("ptz"))
             rights |= RightPtz;
-        }
     }
     return rights;
 }

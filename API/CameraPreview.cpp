@@ -55,17 +55,15 @@ bool Camera::hasPreview() const
 
 QPixmap Camera::preview()
 {
-    if (d->preview.isNull()) {
+    if (d->preview.isNull())
         d->preview = d->oriented(sourcePreview());
-    }
     return d->preview;
 }
 
 QPixmap Camera::sourcePreview()
 {
-    if (d->rawPreview.isNull()) {
+    if (d->rawPreview.isNull())
         d->rawPreview.load(d->previewFile());
-    }
     return d->rawPreview;
 }
 

@@ -28,11 +28,10 @@ Client *releasedWith(const Camera *camera, Client *client)
 
 void Camera::updatePreview()
 {
-    if (d->kind == LocalCamera) {
+    if (d->kind == LocalCamera)
         updateLocalPreview();
-    } else {
+    else
         updateCloudPreview();
-    }
 }
 
 void Camera::updateCloudPreview()
@@ -109,9 +108,8 @@ void Camera::updateCalendar(QDate start, QDate end)
                     [this, client, start, end](const QVariant &reply) {
                         client->deleteLater();
                         const QMap<QDate, int> counts = recordCountsByDay(reply);
-                        for (auto it = counts.begin(); it != counts.end(); ++it) {
+                        for (auto it = counts.begin(); it != counts.end(); ++it)
                             d->calendar.insert(it.key(), it.value());
-                        }
                         emit calendarChanged(start, end);
                     }));
     d->keep(connect(client, &CloudAPIClient::archiveDatesError, client, [client] {

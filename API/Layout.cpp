@@ -33,9 +33,8 @@ QVariantMap cellToMap(const LayoutCell &cell)
 CameraPtr findCamera(const QMap<server_id_t, ServerPtr> &servers, const QVariantMap &cell)
 {
     const ServerPtr server = servers.value(cell.value(QStringLiteral("server")).toString());
-    if (!server) {
+    if (!server)
         return CameraPtr();
-    }
     return server->cameras().value(cell.value(QStringLiteral("camera")).toInt());
 }
 
@@ -60,9 +59,8 @@ Layout &Layout::operator=(const Layout &other)
 Layout::Layout(QVariantMap map) : Layout()
 {
     const QString key = QStringLiteral("id");
-    if (map.contains(key)) {
+    if (map.contains(key))
         data.id = map.value(key).toString();
-    }
     update(map);
 }
 
@@ -107,13 +105,11 @@ LayoutCell Layout::cellAt(int row, int column) const
 
 void Layout::setCamera(CameraPtr camera, int row, int column, int rowSpan, int columnSpan)
 {
-    if (row > data.rows || column > data.columns) {
+    if (row > data.rows || column > data.columns)
         return;
-    }
     const LayoutPoint key = keyOf(row, column);
-    if (data.cells.contains(key) && data.cells.value(key).camera == camera) {
+    if (data.cells.contains(key) && data.cells.value(key).camera == camera)
         return;
-    }
     clearCell(row, column);
     data.cells.insert(key, LayoutCell(camera, row, column, rowSpan, columnSpan));
     emit updated();
@@ -121,12 +117,10 @@ void Layout::setCamera(CameraPtr camera, int row, int column, int rowSpan, int c
 
 void Layout::clearCell(int row, int column)
 {
-    if (row > data.rows || column > data.columns) {
+    if (row > data.rows || column > data.columns)
         return;
-    }
-    if (data.cells.remove(keyOf(row, column)) > 0) {
+    if (data.cells.remove(keyOf(row, column)) > 0)
         emit updated();
-    }
 }
 
 void Layout::swapCells(int row1, int column1, int row2, int column2)
@@ -135,11 +129,10 @@ void Layout::swapCells(int row1, int column1, int row2, int column2)
     const LayoutPoint second = keyOf(row2, column2);
     const LayoutCell a = cellAt(row1, column1);
     const LayoutCell b = cellAt(row2, column2);
-    if (data.cells.contains(second)) {
+    if (data.cells.contains(second))
         data.cells.insert(first, LayoutCell(b.camera, row1, column1));
-    } else {
+    else
         data.cells.remove(first);
-    }
     data.cells.insert(second, LayoutCell(a.camera, row2, column2));
 }
 
@@ -158,9 +151,8 @@ void Layout::resize(int rows, int columns)
 int Layout::freeCellCount() const
 {
     qint64 count = qint64(data.rows) * data.columns;
-    for (const LayoutCell &cell : data.cells) {
+    for (const LayoutCell &cell : data.cells)
         count -= cell.camera ? 1 : 0;
-    }
     using Limits = std::numeric_limits<int>;
     return static_cast<int>(qBound<qint64>(Limits::min(), count, Limits::max()));
 }
@@ -169,9 +161,8 @@ QVariantMap Layout::toVariantMap() const
 {
     QVariantList cameras;
     for (const LayoutCell &cell : data.cells) {
-        if (cell.camera) {
+        if (cell.camera)
             cameras.append(cellToMap(cell));
-        }
     }
     return {{QStringLiteral("name"), data.name},
             {QStringLiteral("rows"), data.rows},
@@ -191,9 +182,8 @@ void Layout::update(QVariantMap map)
     for (const QVariant &value : cells) {
         const QVariantMap cell = value.toMap();
         const CameraPtr camera = findCamera(servers, cell);
-        if (!camera) {
+        if (!camera)
             continue;
-        }
         const int row = cell.value(QStringLiteral("row")).toInt();
         const int column = cell.value(QStringLiteral("column")).toInt();
         const int rowSpan = cell.value(QStringLiteral("w")).toInt();

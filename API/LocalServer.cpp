@@ -98,18 +98,16 @@ QString LocalServer::password() const
 
 void LocalServer::setHost(QString host)
 {
-    if (host == serverHost) {
+    if (host == serverHost)
         return;
-    }
     serverHost = host;
     readdressClients();
 }
 
 void LocalServer::setPort(int port)
 {
-    if (port == serverPort) {
+    if (port == serverPort)
         return;
-    }
     serverPort = port;
     readdressClients();
 }
@@ -191,9 +189,8 @@ void LocalServer::streamsUpdate(QVariant data)
     }
     const QList<camera_id_t> numbers = d->cameras.keys();
     for (const camera_id_t number : numbers) {
-        if (!seen.contains(number)) {
+        if (!seen.contains(number))
             removeCamera(number);
-        }
     }
     emit updated();
 }
