@@ -189,9 +189,11 @@ private slots:
             {"given", "taken"},
             {{"largest", largest, largest},
              {"name", layoutJson("a", longestName + 'x', ""), layoutJson("a", longestName, "")},
-             {"grid", "{'rows':33,'columns':-1}", "{'rows':32,'columns':0}"},
+             {"rows", "{'rows':33}", "{'rows':32}"},
+             {"columns", "{'columns':-1}", "{'columns':0}"},
              {"cells", "{'cameras':[{'row':-1},{},{'column':32}]}", "{'cameras':[{}]}"},
-             {"spans", "{'cameras':[{'w':33,'h':-1}]}", "{'cameras':[{'w':32,'h':0}]}"}});
+             {"span of rows", "{'cameras':[{'w':33}]}", "{'cameras':[{'w':32}]}"},
+             {"span of columns", "{'cameras':[{'h':-1}]}", "{'cameras':[{'h':0}]}"}});
     }
 
     void bounds()
