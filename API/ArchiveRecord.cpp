@@ -53,17 +53,14 @@ QList<ArchiveRecord> archiveRecordsOfDay(const QVariant &reply, QDate date)
                        << record.end.date() << "but current date is" << date;
             continue;
         }
-        if (record.start.date() < date) {
+        if (record.start.date() < date)
             record.start = beginOfDay(date);
-        }
-        if (record.end.date() > date) {
+        if (record.end.date() > date)
             record.end = lastMomentOfDay(date);
-        }
-        if (record.start < record.end) {
+        if (record.start < record.end)
             records.append(record);
-        } else {
+        else
             qDebug() << "Archive record skipped";
-        }
     }
     return records;
 }

@@ -2,19 +2,49 @@
 #include "API/CameraPrivate.h"
 
 #include <QStandardPaths>
+#include <QStringList>
 #include <QTransform>
 
 #include <algorithm>
 
+#include "API/CloudAPIClient.h"
+#include "App/ServiceProfile.h"
 #include "App/SettingsKeys.h"
 
 namespace ZorvaneClient {
 namespace API {
 namespace Internal {
 
+namespace {
+
+/// What a LAN server calls itself in a stream address.
+const QString localServerNumber = QStringLiteral("1");
+
+} // namespace
+
 bool CameraPrivate::hasRight(CameraRight right) const
 {
     return kind == LocalCamera || (rights & right);
+}
+
+Endpoint CameraPrivate::lanEndpoint() const
+{
+    const QStringList parts = serverId.split(QLatin1Char(':'));
+    return parts.size() == 2 ? Endpoint{parts.first(), parts.last().toInt(), sessionId}
+                             : Endpoint();
+}
+
+Endpoint CameraPrivate::endpoint() const
+{
+    return kind == LocalCamera ? lanEndpoint() : Endpoint();
+}
+
+StreamAddress CameraPrivate::streamAddress() const
+{
+    const QString number = QString::number(id);
+    if (kind == LocalCamera)
+        return {serverId, localServerNumber, number, sessionId};
+    return {App::ServiceProfile::current().flvHost, serverId, number, CloudAPIClient::sessionId()};
 }
 
 QPixmap CameraPrivate::oriented(const QPixmap &pixmap) const

@@ -10,6 +10,8 @@
 #include <QString>
 
 #include "API/ArchiveRecord.h"
+#include "API/Endpoint.h"
+#include "API/StreamAddress.h"
 #include "API/Types.h"
 
 namespace ZorvaneClient {
@@ -22,6 +24,12 @@ class CameraPrivate
 public:
     /// True for a LAN camera, or when the service gave the right.
     bool hasRight(CameraRight right) const;
+
+    /// The server of a LAN camera; empty when its id isn't "host:port".
+    Endpoint lanEndpoint() const;
+    /// Who is asked for what this camera has recorded.
+    Endpoint endpoint() const;
+    StreamAddress streamAddress() const;
 
     QPixmap oriented(const QPixmap &pixmap) const;
 

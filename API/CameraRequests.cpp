@@ -28,11 +28,10 @@ Client *releasedWith(const Camera *camera, Client *client)
 
 void Camera::updatePreview()
 {
-    if (d->kind == LocalCamera) {
+    if (d->kind == LocalCamera)
         updateLocalPreview();
-    } else {
+    else
         updateCloudPreview();
-    }
 }
 
 void Camera::updateCloudPreview()
@@ -53,7 +52,8 @@ void Camera::updateCloudPreview()
 
 void Camera::updateLocalPreview()
 {
-    auto *client = releasedWith(this, new StreamerClient(host(), port()));
+    const Internal::Endpoint asked = d->endpoint();
+    auto *client = releasedWith(this, new StreamerClient(asked.host, asked.port));
     d->keep(connect(client, &StreamerClient::responseReceived, client,
                     [this, client](const QVariant &response) {
                         client->deleteLater();
@@ -68,7 +68,7 @@ void Camera::updateLocalPreview()
     QVariantMap params;
     params.insert(QStringLiteral("server"), 1);
     params.insert(QStringLiteral("camera"), d->id);
-    params.insert(QStringLiteral("sessionId"), d->sessionId);
+    params.insert(QStringLiteral("sessionId"), asked.password);
     client->request(QStringLiteral("preview/live"), params, false);
 }
 
@@ -92,13 +92,9 @@ void Camera::updateTimeline(QDate date)
         emit recordsError();
     }));
 
-    const uint start = firstSecondOfDay(date);
-    const uint end = lastSecondOfDay(date);
-    if (d->kind == LocalCamera) {
-        client->getTimeline(globalId(), start, end, host(), port(), d->sessionId);
-    } else {
-        client->getTimeline(globalId(), start, end, QString(), 0, QString());
-    }
+    const Internal::Endpoint asked = d->endpoint();
+    client->getTimeline(globalId(), firstSecondOfDay(date), lastSecondOfDay(date), asked.host,
+                        asked.port, asked.password);
 }
 
 void Camera::updateCalendar(QDate start, QDate end)
@@ -112,9 +108,8 @@ void Camera::updateCalendar(QDate start, QDate end)
                     [this, client, start, end](const QVariant &reply) {
                         client->deleteLater();
                         const QMap<QDate, int> counts = recordCountsByDay(reply);
-                        for (auto it = counts.begin(); it != counts.end(); ++it) {
+                        for (auto it = counts.begin(); it != counts.end(); ++it)
                             d->calendar.insert(it.key(), it.value());
-                        }
                         emit calendarChanged(start, end);
                     }));
     d->keep(connect(client, &CloudAPIClient::archiveDatesError, client, [client] {
@@ -122,13 +117,9 @@ void Camera::updateCalendar(QDate start, QDate end)
         client->deleteLater();
     }));
 
-    const uint first = firstSecondOfDay(start);
-    const uint last = lastSecondOfDay(end);
-    if (d->kind == LocalCamera) {
-        client->getCalendar(globalId(), first, last, host(), port(), d->sessionId);
-    } else {
-        client->getCalendar(globalId(), first, last, QString(), 0, QString());
-    }
+    const Internal::Endpoint asked = d->endpoint();
+    client->getCalendar(globalId(), firstSecondOfDay(start), lastSecondOfDay(end), asked.host,
+                        asked.port, asked.password);
 }
 
 } // namespace API

@@ -104,6 +104,7 @@ void CloudAPIClient::logout()
         cloudData.lastRosterUpdate = epoch();
         cloudData.servers.clear();
         cloudData.localServers.clear();
+        cloudData.unconnectedServers.clear();
         cloudData.layouts.clear();
     }
     const QPointer<CloudAPIClient> self(this);

@@ -84,6 +84,7 @@ public slots:
     /// Writes the LAN servers to `local_roster.txt` in the working directory.
     void saveLocalRoster();
     /// Adds what the file has and memory has not; without a file there are no LAN servers.
+    /// Those beyond 256 are not connected; the next save keeps them.
     void loadLocalRoster();
 
     // These two don't save.

@@ -7,6 +7,7 @@
 
 #include "API/CloudData.h"
 #include "API/CloudExchange.h"
+#include "API/Endpoint.h"
 #include "API/PreviewImage.h"
 #include "API/RestClient.h"
 #include "API/StreamerClient.h"
@@ -15,6 +16,7 @@ namespace ZorvaneClient {
 namespace API {
 
 using Internal::cloudData;
+using Internal::Endpoint;
 using Internal::OnError;
 using Internal::watchExchange;
 
@@ -22,39 +24,41 @@ namespace {
 
 constexpr int previewQuality = 0;
 
-using Received = void (CloudAPIClient::*)(QVariant);
-using Failed = void (CloudAPIClient::*)();
+/// The signals that tell of an exchange.
+struct Outcome {
+    void (CloudAPIClient::*received)(QVariant);
+    void (CloudAPIClient::*failed)();
+};
 
-// A LAN server takes its password in the place of a session.
 QVariantMap archiveParams(const camera_global_id_t &camera, uint startTime, uint endTime,
-                          const QString &apiHost, const QString &password)
+                          const Endpoint &asked)
 {
     return {
         {QStringLiteral("server"), camera.server},
         {QStringLiteral("camera"), camera.camera},
-        {QStringLiteral("sessionId"), apiHost.isEmpty() ? cloudData.sessionId : password},
+        {QStringLiteral("sessionId"), asked.isService() ? cloudData.sessionId : asked.password},
         {QStringLiteral("startTime"), startTime},
         {QStringLiteral("endTime"), endTime},
     };
 }
 
-/// Asks the LAN server, or the service where there is none, and tells `caller` by these signals.
-void askArchive(CloudAPIClient *caller, const QString &method, const QVariantMap &params,
-                const QString &apiHost, int apiPort, Received received, Failed failed)
+void askArchive(CloudAPIClient *caller, const Endpoint &asked, const QString &command,
+                const QVariantMap &params, const Outcome &outcome)
 {
     const QPointer<CloudAPIClient> self(caller);
-    auto *client = apiHost.isEmpty() ? new StreamerClient : new StreamerClient(apiHost, apiPort);
+    auto *client =
+        asked.isService() ? new StreamerClient : new StreamerClient(asked.host, asked.port);
     watchExchange(
         client, OnError::Keep,
-        [self, received](const QVariant &response) {
+        [self, outcome](const QVariant &response) {
             if (self)
-                emit(self->*received)(response);
+                emit(self->*outcome.received)(response);
         },
-        [self, failed](int, int) {
+        [self, outcome](int, int) {
             if (self)
-                emit(self->*failed)();
+                emit(self->*outcome.failed)();
         });
-    client->request(method, params, true);
+    client->request(command, params, true);
 }
 
 } // namespace
@@ -85,17 +89,19 @@ void CloudAPIClient::requestPreview(server_id_t serverID, camera_id_t cameraID)
 void CloudAPIClient::getTimeline(camera_global_id_t cameraID, uint startTime, uint endTime,
                                  QString apiHost, int apiPort, QString password)
 {
-    askArchive(this, QStringLiteral("archive/list"),
-               archiveParams(cameraID, startTime, endTime, apiHost, password), apiHost, apiPort,
-               &CloudAPIClient::archivesReceived, &CloudAPIClient::archivesError);
+    const Endpoint asked{apiHost, apiPort, password};
+    askArchive(this, asked, QStringLiteral("archive/list"),
+               archiveParams(cameraID, startTime, endTime, asked),
+               {&CloudAPIClient::archivesReceived, &CloudAPIClient::archivesError});
 }
 
 void CloudAPIClient::getCalendar(camera_global_id_t cameraID, uint startTime, uint endTime,
                                  QString apiHost, int apiPort, QString password)
 {
-    askArchive(this, QStringLiteral("archive/days"),
-               archiveParams(cameraID, startTime, endTime, apiHost, password), apiHost, apiPort,
-               &CloudAPIClient::archiveDatesReceived, &CloudAPIClient::archiveDatesError);
+    const Endpoint asked{apiHost, apiPort, password};
+    askArchive(this, asked, QStringLiteral("archive/days"),
+               archiveParams(cameraID, startTime, endTime, asked),
+               {&CloudAPIClient::archiveDatesReceived, &CloudAPIClient::archiveDatesError});
 }
 
 void CloudAPIClient::setCameraRotation(camera_global_id_t cameraId, int angle)

@@ -1,19 +1,14 @@
 // SPDX-License-Identifier: MIT
-// The roster of CloudAPIClient: what the service lists, and the LAN servers of the user's file.
+// The roster of CloudAPIClient as the service lists it.
 #include "API/CloudAPIClient.h"
 
 #include <QDebug>
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
 #include <QMutexLocker>
 #include <QPointer>
 #include <QSet>
 
 #include "API/CloudData.h"
 #include "API/CloudExchange.h"
-#include "API/LocalServer.h"
-#include "API/PrivateFile.h"
 #include "API/RestClient.h"
 #include "API/Server.h"
 #include "App/Environment.h"
@@ -26,18 +21,6 @@ using Internal::OnError;
 using Internal::watchExchange;
 
 namespace {
-
-const QString localRosterFile = QStringLiteral("local_roster.txt");
-// Far beyond what people enter by hand, and each server has connections and a poll of its own.
-constexpr qint64 maximumLocalRosterBytes = 1LL << 20;
-constexpr int maximumLocalServers = 256;
-
-// The id that a LocalServer made of `json` will have; making one starts its polling.
-server_id_t localServerId(const QVariantMap &json)
-{
-    return json.value(QStringLiteral("ip")).toString() + QLatin1Char(':') +
-           QString::number(json.value(QStringLiteral("port")).toInt());
-}
 
 void takeServer(const server_id_t &id, const QVariantMap &json)
 {
@@ -86,14 +69,16 @@ void CloudAPIClient::requestRoster()
     cloudData.lastRosterUpdate = App::Environment::now();
     const QPointer<CloudAPIClient> self(this);
     auto *client = new RestClient;
-    // Releases the client even when this handle is gone by the time of the reply.
     watchExchange(
-        client, OnError::Keep, [](const QVariant &) {},
+        client, OnError::Keep,
+        [self](const QVariant &response) {
+            if (self)
+                self->onNewRosterReceived(response);
+        },
         [self](int, int) {
             if (self)
                 emit self->rosterUpdateError();
         });
-    connect(client, &RestClient::responseReceived, this, &CloudAPIClient::onNewRosterReceived);
     client->request(QStringLiteral("public/roster"),
                     {{QStringLiteral("sessionId"), cloudData.sessionId}},
                     QNetworkAccessManager::GetOperation);
@@ -102,7 +87,6 @@ void CloudAPIClient::requestRoster()
 void CloudAPIClient::onNewRosterReceived(QVariant roster)
 {
     qDebug() << "Roster updated";
-    QObject *client = sender();
     {
         const QMutexLocker locker(&cloudData.mutex);
         QSet<server_id_t> seen;
@@ -117,81 +101,7 @@ void CloudAPIClient::onNewRosterReceived(QVariant roster)
         }
         removeServersExcept(seen);
     }
-    if (client)
-        client->deleteLater();
     emit rosterUpdated();
-}
-
-void CloudAPIClient::loadLocalRoster()
-{
-    QFile file(localRosterFile);
-    if (!file.open(QIODevice::ReadOnly)) {
-        qDebug() << "Local roster file not present";
-        cloudData.localServers.clear();
-        return;
-    }
-    if (file.size() > maximumLocalRosterBytes) {
-        qWarning() << "Local roster is too large:" << file.size();
-        return;
-    }
-    const QVariantList entries = QJsonDocument::fromJson(file.readAll()).toVariant().toList();
-    for (const QVariant &entry : entries) {
-        const QVariantMap json = entry.toMap();
-        if (cloudData.localServers.contains(localServerId(json)))
-            continue; // objects in memory win
-        if (cloudData.localServers.size() >= maximumLocalServers) {
-            qWarning() << "Too many local servers, taken:" << maximumLocalServers;
-            return;
-        }
-        const auto server = LocalServerPtr::create(json);
-        cloudData.localServers.insert(server->id(), server);
-    }
-}
-
-void CloudAPIClient::saveLocalRoster()
-{
-    QVariantList entries;
-    for (const LocalServerPtr &server : qAsConst(cloudData.localServers))
-        entries.append(server->toJson());
-    const QByteArray document = QJsonDocument(QJsonArray::fromVariantList(entries)).toJson();
-    if (!Internal::writePrivateFile(localRosterFile, document))
-        qWarning() << "Cannot save local roster";
-}
-
-void CloudAPIClient::addLocalServer(LocalServerPtr server)
-{
-    if (!server)
-        return;
-    cloudData.localServers.insert(server->id(), server);
-    emit rosterUpdated();
-    saveLocalRoster();
-}
-
-void CloudAPIClient::deleteLocalServer(LocalServerPtr server)
-{
-    if (!server)
-        return;
-    cloudData.localServers.remove(server->id());
-    emit rosterUpdated();
-    saveLocalRoster();
-}
-
-void CloudAPIClient::editLocalServer(LocalServerPtr server, QString alias, QString host, int port,
-                                     QString password)
-{
-    if (!server)
-        return;
-    const server_id_t oldId = server->id();
-    server->setAlias(alias);
-    server->setHost(host);
-    server->setPort(port);
-    server->setPassword(password);
-    if (server->id() != oldId) {
-        cloudData.localServers.remove(oldId);
-        cloudData.localServers.insert(server->id(), server);
-    }
-    emit rosterUpdated();
-    saveLocalRoster();
 }
 
 } // namespace API

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "API/HTTPClient.h"
 
-#include <QCoreApplication>
 #include <QDebug>
 #include <QJsonDocument>
 #include <QNetworkProxy>
@@ -9,8 +8,8 @@
 #include <QNetworkRequest>
 #include <QSharedPointer>
 #include <QTimer>
-#include <QUrlQuery>
 
+#include "API/RequestUrl.h"
 #include "App/ProxySettings.h"
 
 namespace ZorvaneClient {
@@ -40,76 +39,19 @@ QNetworkProxy networkProxy(const App::ProxySettings &proxy)
                          proxy.userName, proxy.password);
 }
 
-int leadingSlashes(const QString &path)
-{
-    int count = 0;
-    while (count < path.size() && path.at(count) == QLatin1Char('/'))
-        ++count;
-    return count;
-}
-
-// The network layer normalises the path when it writes the request line, and that can cost
-// one of several leading slashes. What it will drop is added here.
-QUrl withLeadingSlashesKept(const QUrl &url)
-{
-    const QString path = url.path(QUrl::FullyEncoded);
-    const QString normalised = url.adjusted(QUrl::NormalizePathSegments).path(QUrl::FullyEncoded);
-    const int lost = leadingSlashes(path) - leadingSlashes(normalised);
-    if (lost <= 0)
-        return url;
-    QUrl kept = url;
-    // The text is encoded already: taken for decoded, its percent signs would be encoded again.
-    kept.setPath(QString(lost, QLatin1Char('/')) + path, QUrl::TolerantMode);
-    return kept;
-}
-
 QNetworkRequest makeRequest(const QUrl &url, bool json)
 {
-    QNetworkRequest request(withLeadingSlashesKept(url));
+    QNetworkRequest request(Internal::withLeadingSlashesKept(url));
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::ManualRedirectPolicy);
     request.setRawHeader("Accept", json ? "application/json" : "*/*");
     return request;
 }
 
-// A server must not point the program at a local file or at a document inside the address.
-// An address without a scheme goes on, and fails for want of a host.
-bool isFollowable(const QUrl &target)
-{
-    const QString scheme = target.scheme();
-    return target.isValid() && (scheme.isEmpty() || scheme == QLatin1String("http") ||
-                                scheme == QLatin1String("https"));
-}
-
 } // namespace
-
-QSet<HTTPClient *> &HTTPClient::living()
-{
-    // Never freed: clients may die with the statics.
-    static auto *clients = new QSet<HTTPClient *>;
-    return *clients;
-}
-
-// A manager works in a thread of its own. One that runs on while the process takes its statics
-// down can crash it.
-void HTTPClient::closeAllConnections()
-{
-    for (HTTPClient *client : qAsConst(living())) {
-        // The thread may wait for a reply's answer, or be about to, and nobody gives it any
-        // more. Only a reply that is gone keeps nobody waiting.
-        qDeleteAll(client->replies);
-        client->replies.clear();
-        client->manager.clearConnectionCache();
-    }
-}
 
 HTTPClient::HTTPClient(QString host, int port, bool ssl, bool useProxy)
 {
-    if (living().isEmpty()) {
-        qRemovePostRoutine(closeAllConnections);
-        qAddPostRoutine(closeAllConnections);
-    }
-    living().insert(this);
     url.setScheme(ssl ? QStringLiteral("https") : QStringLiteral("http"));
     setAddress(host, port);
     if (!useProxy) {
@@ -126,7 +68,6 @@ HTTPClient::HTTPClient(QString host, bool ssl, bool useProxy) : HTTPClient(host,
 
 HTTPClient::~HTTPClient()
 {
-    living().remove(this);
     for (QNetworkReply *reply : qAsConst(replies)) {
         reply->disconnect(this);
         reply->deleteLater();
@@ -147,41 +88,49 @@ void HTTPClient::releaseConnections()
     });
 }
 
+// The manager works in a thread of its own. One that runs on while the process takes its
+// statics down can crash it.
+void HTTPClient::closeConnections()
+{
+    // The thread may wait for a reply's answer, or be about to, and nobody gives it any more.
+    // Only a reply that is gone keeps nobody waiting.
+    qDeleteAll(replies);
+    replies.clear();
+    manager.clearConnectionCache();
+}
+
+bool HTTPClient::begin(const QString &verb, const QString &path, const QVariantMap &query,
+                       bool asJson)
+{
+    if (redirects > 0) {
+        url = QUrl(path);
+        return false;
+    }
+    method = verb;
+    json = asJson;
+    url.setPath(path, QUrl::DecodedMode);
+    url.setQuery(Internal::queryOf(query));
+    return true;
+}
+
 void HTTPClient::get(QString path, QVariantMap params, bool asJson)
 {
-    if (redirects == 0) {
-        method = QStringLiteral("GET");
-        json = asJson;
-        setRequestUrl(path, params);
-    } else {
-        url = QUrl(path);
-    }
+    begin(QStringLiteral("GET"), path, params, asJson);
     track(manager.get(makeRequest(url, json)));
 }
 
 void HTTPClient::del(QString path, QVariantMap params, bool asJson)
 {
-    if (redirects == 0) {
-        method = QStringLiteral("DELETE");
-        json = asJson;
-        setRequestUrl(path, params);
-    } else {
-        url = QUrl(path);
-    }
+    begin(QStringLiteral("DELETE"), path, params, asJson);
     track(manager.deleteResource(makeRequest(url, json)));
 }
 
 void HTTPClient::post(QString path, QVariantMap query, QByteArray body, QString bodyType,
                       bool asJson)
 {
-    if (redirects == 0) {
-        method = QStringLiteral("POST");
-        json = asJson;
+    if (begin(QStringLiteral("POST"), path, query, asJson)) {
         contentType = bodyType;
-        setRequestUrl(path, query);
         data = body;
-    } else {
-        url = QUrl(path);
     }
     QNetworkRequest request = makeRequest(url, json);
     request.setRawHeader("Content-Type", contentType.toLatin1());
@@ -191,15 +140,6 @@ void HTTPClient::post(QString path, QVariantMap query, QByteArray body, QString 
 void HTTPClient::post(QString path, QByteArray body, QString bodyType, bool asJson)
 {
     post(path, QVariantMap(), body, bodyType, asJson);
-}
-
-void HTTPClient::setRequestUrl(const QString &path, const QVariantMap &params)
-{
-    url.setPath(path, QUrl::DecodedMode);
-    QUrlQuery query;
-    for (auto param = params.cbegin(); param != params.cend(); ++param)
-        query.addQueryItem(param.key(), param.value().toString());
-    url.setQuery(query);
 }
 
 void HTTPClient::track(QNetworkReply *reply)
@@ -222,7 +162,7 @@ void HTTPClient::httpReply()
     auto *sent = qobject_cast<QNetworkReply *>(sender());
     if (!sent) {
         qDebug() << "HTTP responce received but reply is null";
-        emit error(noReplyError, noStatus);
+        fail(noReplyError, noStatus);
         return;
     }
     const QSharedPointer<QNetworkReply> reply(sent, &QObject::deleteLater);
@@ -237,10 +177,9 @@ void HTTPClient::httpReply()
 
 void HTTPClient::followRedirect(const QUrl &target)
 {
-    if (!isFollowable(target)) {
+    if (!Internal::isFollowable(target)) {
         qDebug() << "Bad redirect address";
-        releaseConnections();
-        emit error(badRedirectError, redirectStatus);
+        fail(badRedirectError, redirectStatus);
         return;
     }
     ++redirects;
@@ -256,8 +195,7 @@ void HTTPClient::deliver(const QByteArray &body)
 {
     if (body.isEmpty()) {
         qDebug() << "HTTP bad data: empty response";
-        releaseConnections();
-        emit error(badDataError, emptyStatus);
+        fail(badDataError, emptyStatus);
         return;
     }
     if (!json) {
@@ -269,18 +207,24 @@ void HTTPClient::deliver(const QByteArray &body)
     if (parseError.error != QJsonParseError::NoError) {
         qDebug() << "HTTP bad data: cannot parse response:" << QString::fromUtf8(body);
         qDebug() << "Reason: " << parseError.errorString();
-        releaseConnections();
-        emit error(badDataError, badRequestStatus);
+        fail(badDataError, badRequestStatus);
         return;
     }
     emit finished(response);
+}
+
+// Whoever asked may leave this object behind after a failure: it must not hold a connection.
+void HTTPClient::fail(int errorCode, int httpStatus)
+{
+    releaseConnections();
+    emit error(errorCode, httpStatus);
 }
 
 void HTTPClient::httpError()
 {
     if (!qobject_cast<QNetworkReply *>(sender())) {
         qDebug() << "HTTP error received but reply is null";
-        emit error(noReplyError, noStatus);
+        fail(noReplyError, noStatus);
         return;
     }
     qDebug() << "HTTP error"; // finished() of the same reply follows and tells the outcome

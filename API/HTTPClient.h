@@ -5,10 +5,11 @@
 #include <QList>
 #include <QNetworkAccessManager>
 #include <QObject>
-#include <QSet>
 #include <QString>
 #include <QUrl>
 #include <QVariant>
+
+#include "API/ExitTask.h"
 
 class QNetworkReply;
 
@@ -59,13 +60,14 @@ private slots:
     void httpError();
 
 private:
-    static QSet<HTTPClient *> &living();
-    static void closeAllConnections();
-
-    void setRequestUrl(const QString &path, const QVariantMap &params);
+    /// Notes what is asked, for a redirect to repeat. False after a redirect: `path` is the
+    /// whole URL then, and all else stays as it was asked.
+    bool begin(const QString &verb, const QString &path, const QVariantMap &query, bool asJson);
     void track(QNetworkReply *reply);
     void followRedirect(const QUrl &target);
     void deliver(const QByteArray &body);
+    void fail(int errorCode, int httpStatus);
+    void closeConnections();
 
     QNetworkAccessManager manager;
     QString method;
@@ -75,6 +77,7 @@ private:
     QString contentType;
     int redirects = 0;
     QList<QNetworkReply *> replies;
+    Internal::ExitTask closing{[this] { closeConnections(); }};
 };
 
 } // namespace API

@@ -24,18 +24,17 @@ QVariantMap cellToMap(const LayoutCell &cell)
 {
     return {{QStringLiteral("server"), cell.camera->serverId()},
             {QStringLiteral("camera"), cell.camera->id()},
-            {QStringLiteral("row"), cell.area.left()},
-            {QStringLiteral("column"), cell.area.top()},
-            {QStringLiteral("w"), cell.area.width()},
-            {QStringLiteral("h"), cell.area.height()}};
+            {QStringLiteral("row"), cell.row()},
+            {QStringLiteral("column"), cell.column()},
+            {QStringLiteral("w"), cell.rowSpan()},
+            {QStringLiteral("h"), cell.columnSpan()}};
 }
 
 CameraPtr findCamera(const QMap<server_id_t, ServerPtr> &servers, const QVariantMap &cell)
 {
     const ServerPtr server = servers.value(cell.value(QStringLiteral("server")).toString());
-    if (!server) {
+    if (!server)
         return CameraPtr();
-    }
     return server->cameras().value(cell.value(QStringLiteral("camera")).toInt());
 }
 
@@ -60,9 +59,8 @@ Layout &Layout::operator=(const Layout &other)
 Layout::Layout(QVariantMap map) : Layout()
 {
     const QString key = QStringLiteral("id");
-    if (map.contains(key)) {
+    if (map.contains(key))
         data.id = map.value(key).toString();
-    }
     update(map);
 }
 
@@ -102,33 +100,27 @@ QList<LayoutCell> Layout::cellList() const
 
 LayoutCell Layout::cellAt(int row, int column) const
 {
-    return data.cells.value(keyOf(row, column),
-                            LayoutCell{CameraPtr(), LayoutCell::areaAt(row, column)});
+    return data.cells.value(keyOf(row, column), LayoutCell(CameraPtr(), row, column));
 }
 
 void Layout::setCamera(CameraPtr camera, int row, int column, int rowSpan, int columnSpan)
 {
-    if (row > data.rows || column > data.columns) {
+    if (row > data.rows || column > data.columns)
         return;
-    }
     const LayoutPoint key = keyOf(row, column);
-    if (data.cells.contains(key) && data.cells.value(key).camera == camera) {
+    if (data.cells.contains(key) && data.cells.value(key).camera == camera)
         return;
-    }
     clearCell(row, column);
-    data.cells.insert(key,
-                      LayoutCell{camera, LayoutCell::areaAt(row, column, rowSpan, columnSpan)});
+    data.cells.insert(key, LayoutCell(camera, row, column, rowSpan, columnSpan));
     emit updated();
 }
 
 void Layout::clearCell(int row, int column)
 {
-    if (row > data.rows || column > data.columns) {
+    if (row > data.rows || column > data.columns)
         return;
-    }
-    if (data.cells.remove(keyOf(row, column)) > 0) {
+    if (data.cells.remove(keyOf(row, column)) > 0)
         emit updated();
-    }
 }
 
 void Layout::swapCells(int row1, int column1, int row2, int column2)
@@ -137,19 +129,18 @@ void Layout::swapCells(int row1, int column1, int row2, int column2)
     const LayoutPoint second = keyOf(row2, column2);
     const LayoutCell a = cellAt(row1, column1);
     const LayoutCell b = cellAt(row2, column2);
-    if (data.cells.contains(second)) {
-        data.cells.insert(first, LayoutCell{b.camera, LayoutCell::areaAt(row1, column1)});
-    } else {
+    if (data.cells.contains(second))
+        data.cells.insert(first, LayoutCell(b.camera, row1, column1));
+    else
         data.cells.remove(first);
-    }
-    data.cells.insert(second, LayoutCell{a.camera, LayoutCell::areaAt(row2, column2)});
+    data.cells.insert(second, LayoutCell(a.camera, row2, column2));
 }
 
 void Layout::resize(int rows, int columns)
 {
     const bool shrinks = rows < data.rows || columns < data.columns;
     for (auto it = data.cells.begin(); shrinks && it != data.cells.end();) {
-        const bool inside = it->area.left() < rows && it->area.top() < columns;
+        const bool inside = it->row() < rows && it->column() < columns;
         it = inside ? std::next(it) : data.cells.erase(it);
     }
     data.rows = rows;
@@ -160,9 +151,8 @@ void Layout::resize(int rows, int columns)
 int Layout::freeCellCount() const
 {
     qint64 count = qint64(data.rows) * data.columns;
-    for (const LayoutCell &cell : data.cells) {
+    for (const LayoutCell &cell : data.cells)
         count -= cell.camera ? 1 : 0;
-    }
     using Limits = std::numeric_limits<int>;
     return static_cast<int>(qBound<qint64>(Limits::min(), count, Limits::max()));
 }
@@ -171,9 +161,8 @@ QVariantMap Layout::toVariantMap() const
 {
     QVariantList cameras;
     for (const LayoutCell &cell : data.cells) {
-        if (cell.camera) {
+        if (cell.camera)
             cameras.append(cellToMap(cell));
-        }
     }
     return {{QStringLiteral("name"), data.name},
             {QStringLiteral("rows"), data.rows},
@@ -193,15 +182,13 @@ void Layout::update(QVariantMap map)
     for (const QVariant &value : cells) {
         const QVariantMap cell = value.toMap();
         const CameraPtr camera = findCamera(servers, cell);
-        if (!camera) {
+        if (!camera)
             continue;
-        }
         const int row = cell.value(QStringLiteral("row")).toInt();
         const int column = cell.value(QStringLiteral("column")).toInt();
         const int rowSpan = cell.value(QStringLiteral("w")).toInt();
         const int columnSpan = cell.value(QStringLiteral("h")).toInt();
-        const QRect area = LayoutCell::areaAt(row, column, rowSpan, columnSpan);
-        data.cells.insert(keyOf(row, column), LayoutCell{camera, area});
+        data.cells.insert(keyOf(row, column), LayoutCell(camera, row, column, rowSpan, columnSpan));
     }
 }
 

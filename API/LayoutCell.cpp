@@ -14,19 +14,9 @@ int bounded(int value)
 
 } // namespace
 
-QRect LayoutCell::areaAt(int row, int column, int rowSpan, int columnSpan)
+LayoutCell::LayoutCell(CameraPtr cellCamera, int row, int column, int rowSpan, int columnSpan)
+    : camera(cellCamera), area(bounded(row), bounded(column), bounded(rowSpan), bounded(columnSpan))
 {
-    return QRect(bounded(row), bounded(column), bounded(rowSpan), bounded(columnSpan));
-}
-
-bool operator==(const LayoutCell &a, const LayoutCell &b)
-{
-    return a.camera == b.camera && a.area == b.area;
-}
-
-bool operator!=(const LayoutCell &a, const LayoutCell &b)
-{
-    return !(a == b);
 }
 
 } // namespace API

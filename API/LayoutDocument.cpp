@@ -13,26 +13,25 @@ namespace Internal {
 
 namespace {
 
-// Both return true when they had to change something. A missing key stays missing.
+// Each of these returns true when it had to change something. A missing key stays missing.
 
 bool boundNumber(QVariantMap &map, const QString &key)
 {
-    const auto number = map.find(key);
-    if (number == map.end())
+    const int number = map.value(key).toInt();
+    const int bounded = qBound(0, number, LayoutBounds::gridSide);
+    if (bounded == number)
         return false;
-    const int bounded = qBound(0, number->toInt(), LayoutBounds::gridSide);
-    if (bounded == number->toInt())
-        return false;
-    *number = bounded;
+    map.insert(key, bounded);
     return true;
 }
 
-bool boundName(QVariantMap &map)
+bool boundName(QVariantMap &layout)
 {
-    const auto name = map.find(QStringLiteral("name"));
-    if (name == map.end() || name->toString().size() <= LayoutBounds::nameLength)
+    const QString key = QStringLiteral("name");
+    const QString name = layout.value(key).toString();
+    if (name.size() <= LayoutBounds::nameLength)
         return false;
-    *name = name->toString().left(LayoutBounds::nameLength);
+    layout.insert(key, name.left(LayoutBounds::nameLength));
     return true;
 }
 
@@ -46,12 +45,10 @@ bool isInsideGrid(const QVariantMap &cell)
 
 bool boundCells(QVariantMap &layout)
 {
-    const auto cameras = layout.find(QStringLiteral("cameras"));
-    if (cameras == layout.end())
-        return false;
+    const QString key = QStringLiteral("cameras");
     bool cut = false;
     QVariantList cells;
-    const QVariantList given = cameras->toList();
+    const QVariantList given = layout.value(key).toList();
     for (const QVariant &entry : given) {
         QVariantMap cell = entry.toMap();
         if (!isInsideGrid(cell)) {
@@ -62,7 +59,8 @@ bool boundCells(QVariantMap &layout)
         cut |= boundNumber(cell, QStringLiteral("h"));
         cells.append(cell);
     }
-    *cameras = cells;
+    if (cut)
+        layout.insert(key, cells);
     return cut;
 }
 

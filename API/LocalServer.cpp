@@ -23,6 +23,17 @@ constexpr int minimumHeight = 60;
 constexpr int maximumHeight = 2000;
 constexpr QSize fallbackSize{640, 480};
 
+// An entry of the local roster file.
+const QString hostKey = QStringLiteral("ip");
+const QString portKey = QStringLiteral("port");
+const QString nameKey = QStringLiteral("name");
+const QString passwordKey = QStringLiteral("password");
+
+server_id_t addressOf(const QString &host, int port)
+{
+    return host + QLatin1Char(':') + QString::number(port);
+}
+
 bool isWithin(int value, int minimum, int maximum)
 {
     return value >= minimum && value <= maximum;
@@ -49,10 +60,8 @@ LocalServer::LocalServer(QString alias, QString host, int port, QString password
 }
 
 LocalServer::LocalServer(QVariantMap json)
-    : LocalServer(json.value(QStringLiteral("name")).toString(),
-                  json.value(QStringLiteral("ip")).toString(),
-                  json.value(QStringLiteral("port")).toInt(),
-                  json.value(QStringLiteral("password")).toString())
+    : LocalServer(json.value(nameKey).toString(), json.value(hostKey).toString(),
+                  json.value(portKey).toInt(), json.value(passwordKey).toString())
 {
 }
 
@@ -69,7 +78,7 @@ bool LocalServer::isLocal() const
 
 server_id_t LocalServer::id() const
 {
-    return serverHost + QLatin1Char(':') + QString::number(serverPort);
+    return addressOf(serverHost, serverPort);
 }
 
 QString LocalServer::host() const
@@ -89,20 +98,22 @@ QString LocalServer::password() const
 
 void LocalServer::setHost(QString host)
 {
-    if (host == serverHost) {
+    if (host == serverHost)
         return;
-    }
     serverHost = host;
-    infoClient->setAddress(serverHost, serverPort);
-    streamsClient->setAddress(serverHost, serverPort);
+    readdressClients();
 }
 
 void LocalServer::setPort(int port)
 {
-    if (port == serverPort) {
+    if (port == serverPort)
         return;
-    }
     serverPort = port;
+    readdressClients();
+}
+
+void LocalServer::readdressClients()
+{
     infoClient->setAddress(serverHost, serverPort);
     streamsClient->setAddress(serverHost, serverPort);
 }
@@ -114,10 +125,15 @@ void LocalServer::setPassword(QString password)
 
 QVariantMap LocalServer::toJson() const
 {
-    return {{QStringLiteral("ip"), serverHost},
-            {QStringLiteral("port"), serverPort},
-            {QStringLiteral("name"), alias()},
-            {QStringLiteral("password"), serverPassword}};
+    return {{hostKey, serverHost},
+            {portKey, serverPort},
+            {nameKey, alias()},
+            {passwordKey, serverPassword}};
+}
+
+server_id_t LocalServer::idOf(const QVariantMap &json)
+{
+    return addressOf(json.value(hostKey).toString(), json.value(portKey).toInt());
 }
 
 void LocalServer::update()
@@ -173,9 +189,8 @@ void LocalServer::streamsUpdate(QVariant data)
     }
     const QList<camera_id_t> numbers = d->cameras.keys();
     for (const camera_id_t number : numbers) {
-        if (!seen.contains(number)) {
+        if (!seen.contains(number))
             removeCamera(number);
-        }
     }
     emit updated();
 }

@@ -40,6 +40,8 @@ public:
     void setPassword(QString password);
 
     QVariantMap toJson() const;
+    /// The id of a server made of `json`, without making one, which would begin to poll.
+    static server_id_t idOf(const QVariantMap &json);
 
     /// Picture size of an entry of `streams/info`; 640 by 480 if what it says is implausible.
     static QSize checkedVideoSize(const QVariantMap &entry);
@@ -59,6 +61,7 @@ private slots:
     void streamsError();
 
 private:
+    void readdressClients();
     void updateCamera(camera_id_t number, const QVariantMap &entry);
 
     QString serverHost;

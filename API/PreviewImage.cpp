@@ -17,9 +17,8 @@ QPixmap decodePreview(const QByteArray &bytes, const char *format)
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
     const QSize size = QImageReader(&buffer, format).size();
-    if (size.isValid() && qint64(size.width()) * size.height() > maximumPixels) {
+    if (size.isValid() && qint64(size.width()) * size.height() > maximumPixels)
         return QPixmap();
-    }
     QPixmap pixmap;
     pixmap.loadFromData(bytes, format);
     return pixmap;

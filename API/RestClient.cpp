@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "API/RestClient.h"
 
-#include <QUrlQuery>
-
+#include "API/RequestUrl.h"
 #include "App/ServiceProfile.h"
 
 namespace ZorvaneClient {
@@ -17,15 +16,6 @@ constexpr int serviceErrorStatus = 500;
 QString pathOf(const QString &command)
 {
     return QStringLiteral("/%1").arg(command);
-}
-
-// Values that were percent-encoded beforehand stay as they are.
-QByteArray formBody(const QVariantMap &params)
-{
-    QUrlQuery query;
-    for (auto param = params.cbegin(); param != params.cend(); ++param)
-        query.addQueryItem(param.key(), param.value().toString());
-    return query.query(QUrl::FullyEncoded).toUtf8();
 }
 
 } // namespace
@@ -49,8 +39,8 @@ void RestClient::request(QString command, QVariantMap params, QNetworkAccessMana
         http.del(path, params, true);
         break;
     default:
-        http.post(path, formBody(params), QStringLiteral("application/x-www-form-urlencoded"),
-                  true);
+        http.post(path, Internal::queryOf(params).query(QUrl::FullyEncoded).toUtf8(),
+                  QStringLiteral("application/x-www-form-urlencoded"), true);
     }
 }
 
@@ -89,7 +79,7 @@ void RestClient::httpReply(QVariant response)
         fail(content.toMap().value(QStringLiteral("code")).toInt(), serviceErrorStatus);
 }
 
-// Whoever asked may leave this object behind after a failure: it must not hold a connection.
+// The exchange below has succeeded here, so nothing has released its connection.
 void RestClient::fail(int errorCode, int httpStatus)
 {
     http.releaseConnections();

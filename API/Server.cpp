@@ -22,17 +22,15 @@ Server::Server(QVariantMap json) : Server()
     d->owner = json.value(QStringLiteral("owner")).toBool();
     d->liveEnabled = json.value(QStringLiteral("live")).toBool();
     d->archiveEnabled = json.value(QStringLiteral("archive")).toBool();
-    if (!json.value(QStringLiteral("online")).toBool()) {
+    if (!json.value(QStringLiteral("online")).toBool())
         d->flags |= ServerOffline;
-    }
     readFunctions(json.value(QStringLiteral("info")).toMap());
 
     const QVariantMap cameras = json.value(QStringLiteral("cameras")).toMap();
     for (const QVariant &value : cameras) {
         const QVariantMap map = value.toMap();
-        if (!map.isEmpty()) {
+        if (!map.isEmpty())
             addCamera(CameraPtr::create(this, map));
-        }
     }
 }
 
@@ -194,9 +192,8 @@ void Server::addCamera(CameraPtr camera)
 
 void Server::removeCamera(camera_id_t id)
 {
-    if (d->cameras.remove(id) > 0) {
+    if (d->cameras.remove(id) > 0)
         emit cameraRemoved(id);
-    }
 }
 
 void Server::clearCameras()
@@ -220,11 +217,10 @@ void Server::updateCameras(const QVariantMap &json)
     for (const QVariant &value : json) {
         const QVariantMap map = value.toMap();
         const CameraPtr known = d->cameras.value(map.value(QStringLiteral("id")).toInt());
-        if (known) {
+        if (known)
             known->update(this, map);
-        } else {
+        else
             addCamera(CameraPtr::create(this, map));
-        }
     }
     const QList<camera_id_t> numbers = d->cameras.keys();
     for (const camera_id_t number : numbers) {

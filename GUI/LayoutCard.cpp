@@ -25,8 +25,8 @@ void paintPreviews(QPainter *painter, const API::Layout &layout, const QSize &ce
 {
     const QList<API::LayoutCell> cells = layout.cellList();
     for (const API::LayoutCell &cell : cells) {
-        const int row = cell.area.left();
-        const int column = cell.area.top();
+        const int row = cell.row();
+        const int column = cell.column();
         const bool inside =
             row >= 0 && row < layout.rows() && column >= 0 && column < layout.columns();
         if (!inside || !cell.camera)

@@ -87,13 +87,13 @@ bool LayoutWidget::openLayout(API::LayoutPtr layout)
     for (int row = 0; row < rows; ++row) {
         for (int column = 0; column < columns; ++column) {
             const API::LayoutCell cell = layout->cellAt(row, column);
-            // The area's width counts rows, yet it is taken for columns here, and so on: a
-            // reopened tile comes back transposed, and stored layouts rely on that.
+            // Rows are taken for columns here, and columns for rows: a reopened tile comes back
+            // transposed, and stored layouts rely on that.
             if (cell.camera)
                 addCamera(cell.camera, API::LayoutPoint{column, row},
-                          API::CellSize{cell.area.width(), cell.area.height()});
+                          API::CellSize{cell.rowSpan(), cell.columnSpan()});
             else
-                addPlaceholder(row, column, cell.area.height(), cell.area.width());
+                addPlaceholder(row, column, cell.columnSpan(), cell.rowSpan());
         }
     }
     emit layoutModified();

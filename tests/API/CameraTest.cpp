@@ -149,7 +149,9 @@ private slots:
             {{"cloud", "s%3%5", "secret",
               "http://flv.example:8080/flv/live?server=s%3%5&camera=7&q=2&sessionId=a&b%2"},
              {"LAN", "10.0.0.5:80", "%6 %7&%1+/%20",
-              "http://10.0.0.5:80/flv/live?server=1&camera=7&q=2&sessionId=%6 %7&%1+/%20"}});
+              "http://10.0.0.5:80/flv/live?server=1&camera=7&q=2&sessionId=%6 %7&%1+/%20"},
+             {"LAN without a password", "10.0.0.5:80", "",
+              "http://10.0.0.5:80/flv/live?server=1&camera=7&q=2&sessionId="}});
     }
 
     /// Values that look like markers go in as they are.

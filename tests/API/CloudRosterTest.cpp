@@ -10,6 +10,16 @@ QStringList ids()
     return CloudAPIClient::serverList().keys();
 }
 
+/// Ids of the LAN servers in the file.
+QSet<QString> storedIds()
+{
+    QSet<QString> stored;
+    for (const QVariant &entry :
+         QJsonDocument::fromJson(contentOf(rosterFile)).toVariant().toList())
+        stored << LocalServer::idOf(entry.toMap());
+    return stored;
+}
+
 } // namespace
 
 /// Session and roster of the service, and the LAN servers of the user's file.
@@ -166,20 +176,21 @@ private slots:
         QByteArray many = "[{}";
         for (int port = 1; port <= 10000; ++port)
             many += ",{\"port\":" + QByteArray::number(port) + '}';
-        rows<QByteArray, int, QString, QString>(
-            {"content", "count", "firstId", "firstAlias"},
+        rows<QByteArray, int, QString, QString, int>(
+            {"content", "count", "firstId", "firstAlias", "saved"},
             {{"sorted by id", R"([{"ip":"127.0.0.3","port":2},{"ip":"127.0.0.2","name":"B"}])", 2,
-              "127.0.0.2:0", "B"},
-             {"first of the same id wins", one + two, 1, first, "Двор"},
-             {"wrong types", R"([7,null,[1],{"ip":{"a":1},"port":[1],"name":{}}])", 1, ":0", ""},
-             {"ten thousand servers", many + ']', 256, ":0", ""},
-             {"damaged", one, 0, "", ""},
-             {"two megabytes", QByteArray("[{}]").leftJustified(2 << 20), 0, "", ""}});
+              "127.0.0.2:0", "B", 2},
+             {"first of the same id wins", one + two, 1, first, "Двор", 1},
+             {"wrong types", R"([7,null,[1],{"ip":{"a":1},"port":[1],"name":{}}])", 1, ":0", "", 1},
+             {"ten thousand servers", many + ']', 256, ":0", "", 9999},
+             {"damaged", one, 0, "", "", 0},
+             {"two megabytes", QByteArray("[{}]").leftJustified(2 << 20), 1, ":0", "", 1}});
     }
 
     void localFile()
     {
-        const auto [content, count, firstId, firstAlias] = row<QByteArray, int, QString, QString>();
+        const auto [content, count, firstId, firstAlias, saved] =
+            row<QByteArray, int, QString, QString, int>();
         writeFile(rosterFile, content);
         client->loadLocalRoster();
         const auto servers = client->serverList();
@@ -188,6 +199,12 @@ private slots:
         QVERIFY(count == 0 || servers.first() == server);
         QVERIFY(!server || (server->alias() == firstAlias && server->isLocal()));
         QCOMPARE(contentOf(rosterFile), content);
+        // A save keeps also what isn't connected; what is added, moved and deleted goes.
+        const auto added = LocalServerPtr::create("Yard"_s, QString(), 10000, QString());
+        client->addLocalServer(added);
+        client->editLocalServer(added, "Gate"_s, QString(), 9999, QString());
+        client->deleteLocalServer(added);
+        QCOMPARE(storedIds().size(), saved);
     }
 
     void fileOnDisk()

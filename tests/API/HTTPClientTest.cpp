@@ -84,7 +84,7 @@ private slots:
              {"empty body", WireReply::json(""), "[-2,204]"},
              {"connection closed at once", WireReply::raw(""), "[-2,204]"},
              {"closed in the head", WireReply::raw(ok + "Content-Le"), "[-2,204]"},
-             {"not HTTP", WireReply::raw("SSH-2.0-OpenSSH_9.2\r\n"), "[-2,204]"},
+             {"not HTTP", WireReply::raw("220 ready\r\n"), "[-2,204]"},
              {"garbage after the object", WireReply::json("{}}"), "[-2,400]"},
              {"nested too deep", WireReply::json(QByteArray(100000, '[')), "[-2,400]"},
              {"shorter than promised", WireReply::raw(cutOff), "[-2,400]"},

@@ -11,8 +11,8 @@
 #include "GUI/LayoutListWidget.h"
 #include "GUI/RosterWidget.h"
 #include "tests/GUI/GridWorld.h"
-#include "tests/support/MisbehavingServer.h"
 #include "tests/support/ScriptedChild.h"
+#include "tests/support/ScriptedService.h"
 
 using namespace ZorvaneClient::GUI;
 
@@ -138,6 +138,9 @@ private slots:
 
     void aLayoutFromNewToDeleted()
     {
+        ScriptedService service;
+        const auto restore = qScopeGuard([] { useServiceAt(MisbehavingServer::deadPort()); });
+        QVERIFY(service.start());
         MainWindow window;
         window.show();
         click(window, "layoutsButton"_s);
@@ -170,6 +173,14 @@ private slots:
         menu.at(2)->trigger();
         QCOMPARE(savedName(), QString());
         QCOMPARE(shownNames(window), QStringList());
+        // The service has the list without it, too.
+        const auto sent = [&service] {
+            QByteArrayList bodies;
+            for (const WireRequest &request : service.requestsTo("//layouts"))
+                bodies << request.body;
+            return bodies;
+        };
+        QTRY_VERIFY(sent().contains("[\n]\n"));
     }
 
     void editsAreAskedAbout_data()
