@@ -5,11 +5,11 @@
 #include <QGraphicsOpacityEffect>
 #include <QMenu>
 #include <QRadioButton>
-#include <QStyle>
 #include <QWidgetAction>
 
 #include "App/Environment.h"
 #include "App/Settings.h"
+#include "GUI/StyleProperty.h"
 #include "ui_ControlPanel.h"
 
 namespace ZorvaneClient {
@@ -29,14 +29,6 @@ const QString soundKey = QStringLiteral("sound/on");
 int speedOf(int sliderValue)
 {
     return 1 << sliderValue;
-}
-
-void setStyleProperty(QWidget *widget, const char *name, const QString &value)
-{
-    widget->setProperty(name, value);
-    widget->style()->unpolish(widget);
-    widget->style()->polish(widget);
-    widget->update();
 }
 
 } // namespace

@@ -6,7 +6,6 @@
 #include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QMimeData>
-#include <QStyle>
 
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
@@ -16,6 +15,7 @@
 #include "GUI/LayoutWidgetPrivate.h"
 #include "GUI/Player/PlayerNotification.h"
 #include "GUI/Player/VideoWidget.h"
+#include "GUI/StyleProperty.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -63,10 +63,7 @@ void LayoutWidget::exchangeCells(int row, int column)
 
 void LayoutWidget::setDropTarget(bool isTarget)
 {
-    setProperty("drop", isTarget);
-    style()->unpolish(this);
-    style()->polish(this);
-    update();
+    setStyleProperty(this, "drop", isTarget);
 }
 
 void LayoutWidget::dragEnterEvent(QDragEnterEvent *event)
