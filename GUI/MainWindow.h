@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QPointer>
 #include <QWidget>
 
 #include "API/Types.h"
 #include "GUI/Playlist.h"
-
-class QMessageBox;
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -99,7 +96,6 @@ signals:
     void soundEnabled(bool enabled);
 
 protected:
-    bool event(QEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
@@ -123,9 +119,10 @@ private:
     void restartTile(Player::VideoWidget *tile, const QDateTime &position);
     void endExport();
     void endExportOf(const API::CameraPtr &camera);
-    bool keepsModifiedLayout();
+    /// Asks about unsaved edits and saves them if told so; false if the user wants to keep them
+    /// as they are.
+    bool settleEdits();
     void addCamerasToCalendar();
-    int askToSave();
     bool layoutListHolds(const API::LayoutPtr &layout) const;
     /// Cameras of the open layout, in the order of its cells.
     QList<API::CameraPtr> layoutCameras() const;
@@ -146,9 +143,6 @@ private:
     bool wasMaximized = false;
     bool archiveMode = false;
     bool newLayoutUntouched = false;
-    /// The question about unsaved edits, while it is being asked.
-    QPointer<QMessageBox> question;
-    bool isReleasePending = false;
 };
 
 } // namespace GUI

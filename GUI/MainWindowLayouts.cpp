@@ -2,19 +2,16 @@
 // Opening, editing and closing layouts.
 #include "GUI/MainWindow.h"
 
-#include <QApplication>
 #include <QDebug>
-#include <QMessageBox>
-#include <QTimer>
 
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
 #include "GUI/ArchiveControlPanel.h"
 #include "GUI/ControlPanel.h"
-#include "GUI/IconButton.h"
 #include "GUI/InfoPanel.h"
 #include "GUI/LayoutListWidget.h"
 #include "GUI/LayoutWidget.h"
+#include "GUI/Question.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/SideBar.h"
 
@@ -27,52 +24,27 @@ constexpr int newLayoutSide = 2;
 
 } // namespace
 
-/// Asks about unsaved edits and saves them if told so; true if they are to be kept as they are.
-bool MainWindow::keepsModifiedLayout()
+bool MainWindow::settleEdits()
 {
     if (infoPanel->mode() != InfoPanel::EditMode && infoPanel->mode() != InfoPanel::UnsavedMode)
-        return false;
-    const int answer = askToSave();
+        return true;
+    Question question;
+    question.text = tr("The layout has been modified.");
+    question.details = tr("Do you want to save your changes?");
+    question.buttons = QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel;
+    question.defaultButton = QMessageBox::Save;
+    question.modality = Qt::WindowModal;
+    const QMessageBox::StandardButton answer = ask(question, this);
     if (answer == QMessageBox::Save)
         saveLayout();
     // A question that goes without an answer, as at the end of the program, is no "Discard".
-    return answer != QMessageBox::Save && answer != QMessageBox::Discard;
-}
-
-int MainWindow::askToSave()
-{
-    QMessageBox box(this);
-    box.setText(tr("The layout has been modified."));
-    box.setInformativeText(tr("Do you want to save your changes?"));
-    box.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
-    box.setDefaultButton(QMessageBox::Save);
-    showTextButtons(box);
-    box.setStyleSheet(QStringLiteral("font-size: 14px;"));
-    box.setWindowModality(Qt::WindowModal);
-    question = &box;
-    const int answer = box.exec();
-    question.clear();
-    if (!isReleasePending)
-        return answer;
-    QTimer::singleShot(0, qApp, [window = QPointer<MainWindow>(this)] { delete window; });
-    return QMessageBox::Cancel;
-}
-
-/// Another window can release this one while it waits for an answer, with the question on its
-/// stack: it goes once the question is over.
-bool MainWindow::event(QEvent *event)
-{
-    if (event->type() != QEvent::DeferredDelete || !question)
-        return QWidget::event(event);
-    isReleasePending = true;
-    question->reject();
-    return true;
+    return answer == QMessageBox::Save || answer == QMessageBox::Discard;
 }
 
 bool MainWindow::openLayout(API::LayoutPtr layout)
 {
     qDebug() << "Open layout";
-    if (!layout || keepsModifiedLayout())
+    if (!layout || !settleEdits())
         return false;
     archiveControlPanel->clear();
     controlPanel->resetQuality();
