@@ -4,6 +4,7 @@
 #include <QWidget>
 
 #include "API/Types.h"
+#include "GUI/ExportFlow.h"
 #include "GUI/Playlist.h"
 
 namespace ZorvaneClient {
@@ -108,17 +109,15 @@ private slots:
     void forceCloseView();
 
 private:
-    void connectSide();
-    void connectPanels();
-    void connectGrid();
-    void connectArchive();
-    void connectExport();
     void arrange();
+    void connectSide();
+    void connectInfoPanel();
+    void connectControlPanel();
+    void connectStrip();
+    void connectGrid();
     void startDueSpans(const QDateTime &position);
     void keepInStep(const QDateTime &position);
     void restartTile(Player::VideoWidget *tile, const QDateTime &position);
-    void endExport();
-    void endExportOf(const API::CameraPtr &camera);
     /// Asks about unsaved edits and saves them if told so; false if the user wants to keep them
     /// as they are.
     bool settleEdits();
@@ -137,8 +136,7 @@ private:
     Timeline *timeline;
     LayoutWidget *layoutWidget;
     Playlist playlist;
-    /// Whose fragment is marked or exported.
-    API::CameraPtr exportCamera;
+    ExportFlow exportFlow;
     bool rosterWasVisible = true;
     bool wasMaximized = false;
     bool archiveMode = false;

@@ -244,69 +244,101 @@ private slots:
         QVERIFY2(!tile(0)->isPlaying(), "timers of the archive do nothing live");
     }
 
-    void anExportEnds_data()
+    void exports_data()
     {
+        // Steps are buttons and words of the player; ">2" makes a camera active, "+2" adds a tile
+        // of it and "-2" closes its oldest; "size" resizes the grid, "again" opens it as it is and
+        // "new" an empty one.
+        const QString over = "controlPage exportButtonPage "_s;
+        const QString empty = "emptyPage exportButtonPage "_s;
+        const QString marking = "exportPage exportButtonPage selectFragmentPage"_s;
+        const QString running = "exportPage exportLabelPage exportingPage"_s;
         const QString saved = "Record saved. <a style=\"color: white\" href=\"%1\">Open folder</a>";
-        rows<QString, int, QString>({"page", "cameras", "hint"},
-                                    {{"done", "controlPage", 2, saved},
-                                     {"error", "controlPage", 2, "Error while exporting."},
-                                     {"cancelled", "controlPage", 2, ""},
-                                     {"closed", "controlPage", 1, ""},
-                                     {"all closed", "emptyPage", 0, ""},
-                                     {"another layout", "emptyPage", 0, ""}});
+        rows<QString, QString, QString>(
+            {"steps", "shown", "hint"},
+            {{"done", "mark export done", over, saved},
+             {"error", "mark export error", over, "Error while exporting."},
+             {"cancelled", "mark export >2 cancel", over, ""},
+             {"closed", "mark export -1", over, ""},
+             {"all closed", "mark export -1 -2", empty, ""},
+             {"another layout", "mark export new", empty, ""},
+             {"only marked, another layout", "mark new", empty, ""},
+             {"only marked, its camera closed", "mark >2 -1", marking, ""},
+             {"only marked, grid edited", "mark +2", marking, ""},
+             {"only marked, grid resized", "mark size", marking, ""},
+             {"grid edited", "mark export +2 -2", running, ""},
+             {"older tile of the camera closed", "+1 mark export -1", running, ""},
+             {"newer tile of the camera closed", "+1 mark export -1 -1", over, ""},
+             {"another tile of the camera added", "mark export >2 +1", running, ""},
+             {"pressed twice", "mark export >2 export", running, ""},
+             {"the same layout", "mark export again", running, ""}});
     }
 
-    void anExportEnds()
+    /// What the panels show of an export, which Cancel ends in any case.
+    void exports()
     {
-        const auto [page, cameras, hint] = row<QString, int, QString>();
-        const QString end = QTest::currentDataTag();
+        const auto [steps, expected, hint] = row<QString, QString, QString>();
+        const QStringList all = steps.split(' ');
         playTwo(1);
-        shown.first()->setExportEnabled(true);
+        for (const API::CameraPtr &camera : qAsConst(shown))
+            camera->setExportEnabled(true);
         press("showRecordsButton");
         timeline()->grab(); // What it paints decides whether there is something to export.
-        press("exportModeButton");
-        const auto *messages = window->findChild<QStackedWidget *>("messageWidget"_s);
-        QVERIFY(!messages->isHidden());
-        QCOMPARE(pageOf("messageWidget"), "selectFragmentPage"_s);
-        child->setScript({"print export-start\\nexport-percent 7\\n", "wait last word",
-                          "print export-" + end + "\\n", "exit 0"});
-        shown.first()->setExportEnabled(false);
-        const int startsBefore = child->starts().size();
-        press("exportButton");
-        QCOMPARE(pageOf("messageWidget"), "selectFragmentPage"_s);
-        shown.first()->setExportEnabled(true);
-        press("exportButton");
-        QTRY_COMPARE_WITH_TIMEOUT(textOf("exportPercent"), "7%"_s, startDeadlineMs);
-        QCOMPARE(child->starts().size(), startsBefore + 1);
-        QCOMPARE(pageOf("exportControl"), "exportLabelPage"_s);
-        QCOMPARE(pageOf("messageWidget"), "exportingPage"_s);
-        const qint64 process = child->lastProcessId();
-        QVERIFY(ScriptedChild::isAlive(process));
-
-        if (end == "cancelled") {
-            // Another camera may be active by then.
-            window->activateCamera(shown.at(1));
+        const auto pages = [this] {
+            return panel()->currentWidget()->objectName() + ' ' + pageOf("exportControl") + ' ' +
+                   (find("messageWidget")->isHidden() ? QString() : pageOf("messageWidget"));
+        };
+        qint64 process = 0;
+        for (const QString &step : all) {
+            const API::CameraPtr camera = shown.value(step.mid(1).toInt() - 1);
+            if (step == "mark") {
+                press("exportModeButton");
+                timeline()->activeCamera()->setExportEnabled(false);
+                press("exportButton"); // may not
+                timeline()->activeCamera()->setExportEnabled(true);
+            } else if (step == "export") {
+                child->setScript({"print export-start\\nexport-percent 7\\n", "wait last word",
+                                  "print export-" + all.last() + "\\n", "exit 0"});
+                press("exportButton");
+                QTRY_COMPARE_WITH_TIMEOUT(textOf("exportPercent"), "7%"_s, startDeadlineMs);
+                process = process == 0 ? child->lastProcessId() : process;
+                QVERIFY(ScriptedChild::isAlive(process));
+                QCOMPARE(pages(), "exportPage exportLabelPage exportingPage"_s);
+            } else if (step == "cancel") {
+                press("cancelButton");
+            } else if (step == "size") {
+                grid()->resizeLayout(2, 2);
+            } else if (step == "again" || step == "new") {
+                const auto layout = *grid()->workingLayout();
+                QVERIFY(window->openLayout(step == "new" ? API::LayoutPtr::create()
+                                                         : API::LayoutPtr::create(layout)));
+            } else if (step.startsWith('>')) {
+                window->activateCamera(camera);
+            } else if (step.startsWith('+')) {
+                window->addToLayout(camera);
+            } else if (step.startsWith('-')) {
+                closeOldest(camera);
+            } else {
+                child->tell("last word");
+            }
+        }
+        const bool stays = expected.startsWith("exportPage");
+        QTRY_COMPARE(pages(), expected);
+        if (stays) {
+            QCOMPARE(ScriptedChild::isAlive(process), process != 0);
             press("cancelButton");
-        } else if (end == "another layout") {
-            QVERIFY(window->openLayout(API::LayoutPtr::create()));
-        } else if (end.endsWith("closed")) {
-            for (const API::CameraPtr &closed : shown.mid(0, 2 - cameras))
-                grid()->removeCamera(closed);
-        } else {
-            child->tell("last word");
+            QCOMPARE(pages(), "controlPage exportButtonPage "_s);
         }
         QTRY_VERIFY(!ScriptedChild::isAlive(process));
-        QTRY_COMPARE(panel()->currentWidget()->objectName(), page);
-        QCOMPARE(pageOf("exportControl"), "exportButtonPage"_s);
-        QVERIFY(messages->isHidden());
-        QCOMPARE(timeline()->cameraCount(), cameras);
-        if (end == "closed")
+        for (const API::CameraPtr &camera : stays ? QList<API::CameraPtr>() : shown)
+            QCOMPARE(timeline()->hasCamera(camera->globalId()), grid()->player(camera) != nullptr);
+        if (steps == "mark export -1")
             QCOMPARE(timeline()->activeCamera(), shown.last());
         const auto *shownHint = grid()->findChild<PlayerNotification *>();
         const QString folder = QFileInfo(child->starts().last().last()).path();
         QCOMPARE(shownHint ? shownHint->findChild<QLabel *>("messageLabel"_s)->text() : QString(),
                  QString(hint).replace("%1", folder));
-        QCOMPARE(shownHint && shownHint->property("error").toBool(), end == "error");
+        QCOMPARE(shownHint && shownHint->property("error").toBool(), all.last() == "error");
     }
 
 private:
@@ -339,6 +371,14 @@ private:
         expectStarts({"1 10:05:00 1x", "2 10:05:00 1x"});
     }
 
+    void closeOldest(const API::CameraPtr &camera) const
+    {
+        for (VideoWidget *tile : grid()->findChildren<VideoWidget *>()) {
+            if (tile->camera() == camera)
+                return emit tile->closed(tile);
+        }
+    }
+
     API::CameraPtr camera(int id, const QStringList &spans)
     {
         QList<API::ArchiveRecord> records;
@@ -354,9 +394,13 @@ private:
     void press(const QString &name) { panel()->findChild<QPushButton *>(name)->click(); }
     QString textOf(const QString &name) const { return panel()->findChild<QLabel *>(name)->text(); }
 
+    QStackedWidget *find(const QString &stack) const
+    {
+        return window->findChild<QStackedWidget *>(stack);
+    }
     QString pageOf(const QString &stack) const
     {
-        return window->findChild<QStackedWidget *>(stack)->currentWidget()->objectName();
+        return find(stack)->currentWidget()->objectName();
     }
 
     /// Waits for these starts of players, by camera; there must be no other since the last call.
