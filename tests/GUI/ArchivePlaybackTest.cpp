@@ -207,13 +207,7 @@ private slots:
         QVERIFY(dumpOf(*grid()->player(late)).contains("is archive playing? true"));
         window->playArchive();
         // The list of spans made anew may start the first camera again at the cursor.
-        const auto joins = [this] {
-            const auto starts = child->starts();
-            return std::any_of(starts.begin(), starts.end(), [this](const QStringList &start) {
-                return wordsOf(start) == "2 10:05:00 1x"_s;
-            });
-        };
-        QTRY_VERIFY_WITH_TIMEOUT(joins(), startDeadlineMs);
+        QTRY_VERIFY_WITH_TIMEOUT(newStarts().contains("2 10:05:00 1x"), startDeadlineMs);
     }
 
     void speedRestartsAtTheCursorUntilLiveEndsTheArchive()
@@ -247,8 +241,8 @@ private slots:
     void exports_data()
     {
         // Steps are buttons and words of the player; ">2" makes a camera active, "+2" adds a tile
-        // of it and "-2" closes its oldest; "size" resizes the grid, "again" opens it as it is and
-        // "new" an empty one.
+        // of it, "-2" closes the second oldest tile of the grid; "size" resizes it, "again" opens
+        // it as it is and "new" an empty one.
         const QString over = "controlPage exportButtonPage "_s;
         const QString empty = "emptyPage exportButtonPage "_s;
         const QString marking = "exportPage exportButtonPage selectFragmentPage"_s;
@@ -256,89 +250,83 @@ private slots:
         const QString saved = "Record saved. <a style=\"color: white\" href=\"%1\">Open folder</a>";
         rows<QString, QString, QString>(
             {"steps", "shown", "hint"},
-            {{"done", "mark export done", over, saved},
-             {"error", "mark export error", over, "Error while exporting."},
-             {"cancelled", "mark export >2 cancel", over, ""},
-             {"closed", "mark export -1", over, ""},
-             {"all closed", "mark export -1 -2", empty, ""},
-             {"another layout", "mark export new", empty, ""},
-             {"only marked, another layout", "mark new", empty, ""},
-             {"only marked, its camera closed", "mark >2 -1", marking, ""},
-             {"only marked, grid edited", "mark +2", marking, ""},
-             {"only marked, grid resized", "mark size", marking, ""},
-             {"grid edited", "mark export +2 -2", running, ""},
-             {"older tile of the camera closed", "+1 mark export -1", running, ""},
-             {"newer tile of the camera closed", "+1 mark export -1 -1", over, ""},
-             {"another tile of the camera added", "mark export >2 +1", running, ""},
-             {"pressed twice", "mark export >2 export", running, ""},
-             {"the same layout", "mark export again", running, ""}});
+            {{"done", "exportMode export done", over, saved},
+             {"error", "exportMode export error", over, "Error while exporting."},
+             {"closed", "exportMode export -1", over, ""},
+             {"all closed", "exportMode export -1 -1", empty, ""},
+             {"another layout", "exportMode export new", empty, ""},
+             {"only marked, another layout", "exportMode new", empty, ""},
+             {"only marked, its camera closed", "exportMode >2 -1 size", marking, ""},
+             {"beside an edited grid", "exportMode export >2 +1 -2", running, ""},
+             {"older tile of the camera closed", "+1 exportMode export -1", running, ""},
+             {"newer tile of the camera closed", "+1 exportMode export -1 -2", over, ""},
+             {"pressed twice", "exportMode export >2 export", running, ""},
+             {"the same layout", "exportMode export again", running, ""}});
     }
 
     /// What the panels show of an export, which Cancel ends in any case.
     void exports()
     {
         const auto [steps, expected, hint] = row<QString, QString, QString>();
-        const QStringList all = steps.split(' ');
+        const QString last = steps.section(' ', -1);
         playTwo(1);
-        for (const API::CameraPtr &camera : qAsConst(shown))
-            camera->setExportEnabled(true);
         press("showRecordsButton");
         timeline()->grab(); // What it paints decides whether there is something to export.
-        const auto pages = [this] {
-            return panel()->currentWidget()->objectName() + ' ' + pageOf("exportControl") + ' ' +
-                   (find("messageWidget")->isHidden() ? QString() : pageOf("messageWidget"));
-        };
+        child->setScript({"print export-start\\nexport-percent 7\\n", "wait last word",
+                          "print export-" + last + "\\n", "exit 0"});
         qint64 process = 0;
-        for (const QString &step : all) {
-            const API::CameraPtr camera = shown.value(step.mid(1).toInt() - 1);
-            if (step == "mark") {
-                press("exportModeButton");
-                timeline()->activeCamera()->setExportEnabled(false);
-                press("exportButton"); // may not
-                timeline()->activeCamera()->setExportEnabled(true);
-            } else if (step == "export") {
-                child->setScript({"print export-start\\nexport-percent 7\\n", "wait last word",
-                                  "print export-" + all.last() + "\\n", "exit 0"});
+        for (const QString &step : steps.split(' ')) {
+            const int number = step.mid(1).toInt() - 1;
+            if (step == "export" && process == 0) {
                 press("exportButton");
-                QTRY_COMPARE_WITH_TIMEOUT(textOf("exportPercent"), "7%"_s, startDeadlineMs);
-                process = process == 0 ? child->lastProcessId() : process;
-                QVERIFY(ScriptedChild::isAlive(process));
-                QCOMPARE(pages(), "exportPage exportLabelPage exportingPage"_s);
-            } else if (step == "cancel") {
-                press("cancelButton");
-            } else if (step == "size") {
-                grid()->resizeLayout(2, 2);
-            } else if (step == "again" || step == "new") {
-                const auto layout = *grid()->workingLayout();
-                QVERIFY(window->openLayout(step == "new" ? API::LayoutPtr::create()
-                                                         : API::LayoutPtr::create(layout)));
-            } else if (step.startsWith('>')) {
-                window->activateCamera(camera);
-            } else if (step.startsWith('+')) {
-                window->addToLayout(camera);
-            } else if (step.startsWith('-')) {
-                closeOldest(camera);
-            } else {
-                child->tell("last word");
+                QVERIFY2(!tile(0)->isExporting(), "it may not");
+                shown.at(0)->setExportEnabled(true);
+                shown.at(1)->setExportEnabled(true);
             }
+            if (step == last && (last == "done" || last == "error"))
+                child->tell("last word");
+            else if (step == "size")
+                grid()->resizeLayout(2, 2);
+            else if (step == "again")
+                window->openLayout(API::LayoutPtr::create(*grid()->workingLayout()));
+            else if (step == "new")
+                window->openLayout(API::LayoutPtr::create());
+            else if (step.startsWith('>'))
+                window->activateCamera(shown.at(number));
+            else if (step.startsWith('+'))
+                window->addToLayout(shown.at(number));
+            else if (auto *closed = grid()->findChildren<VideoWidget *>().value(number))
+                emit closed->closed(closed);
+            else
+                press(step + "Button");
+            if (step != "export")
+                continue;
+            QTRY_COMPARE_WITH_TIMEOUT(textOf("exportPercent"), "7%"_s, startDeadlineMs);
+            process = process == 0 ? child->lastProcessId() : process;
+            QVERIFY(ScriptedChild::isAlive(process));
         }
-        const bool stays = expected.startsWith("exportPage");
+        const auto pages = [this] {
+            const bool isSilent = window->findChild<QWidget *>("messageWidget"_s)->isHidden();
+            return panel()->currentWidget()->objectName() + ' ' + pageOf("exportControl") + ' ' +
+                   (isSilent ? QString() : pageOf("messageWidget"));
+        };
         QTRY_COMPARE(pages(), expected);
-        if (stays) {
+        if (expected.startsWith("exportPage")) {
             QCOMPARE(ScriptedChild::isAlive(process), process != 0);
             press("cancelButton");
             QCOMPARE(pages(), "controlPage exportButtonPage "_s);
+        } else {
+            for (const API::CameraPtr &camera : qAsConst(shown))
+                QCOMPARE(timeline()->hasCamera(camera->globalId()), bool(grid()->player(camera)));
         }
         QTRY_VERIFY(!ScriptedChild::isAlive(process));
-        for (const API::CameraPtr &camera : stays ? QList<API::CameraPtr>() : shown)
-            QCOMPARE(timeline()->hasCamera(camera->globalId()), grid()->player(camera) != nullptr);
-        if (steps == "mark export -1")
+        if (steps == "exportMode export -1")
             QCOMPARE(timeline()->activeCamera(), shown.last());
         const auto *shownHint = grid()->findChild<PlayerNotification *>();
         const QString folder = QFileInfo(child->starts().last().last()).path();
         QCOMPARE(shownHint ? shownHint->findChild<QLabel *>("messageLabel"_s)->text() : QString(),
                  QString(hint).replace("%1", folder));
-        QCOMPARE(shownHint && shownHint->property("error").toBool(), all.last() == "error");
+        QCOMPARE(shownHint && shownHint->property("error").toBool(), last == "error");
     }
 
 private:
@@ -371,14 +359,6 @@ private:
         expectStarts({"1 10:05:00 1x", "2 10:05:00 1x"});
     }
 
-    void closeOldest(const API::CameraPtr &camera) const
-    {
-        for (VideoWidget *tile : grid()->findChildren<VideoWidget *>()) {
-            if (tile->camera() == camera)
-                return emit tile->closed(tile);
-        }
-    }
-
     API::CameraPtr camera(int id, const QStringList &spans)
     {
         QList<API::ArchiveRecord> records;
@@ -403,17 +383,22 @@ private:
         return find(stack)->currentWidget()->objectName();
     }
 
-    /// Waits for these starts of players, by camera; there must be no other since the last call.
+    /// Starts of players, by camera, since the last expectStarts().
+    QStringList newStarts() const
+    {
+        QStringList started;
+        for (const QStringList &start : child->starts().mid(startsSeen))
+            started.append(wordsOf(start));
+        started.sort();
+        return started;
+    }
+
+    /// Waits for these starts of players; there must be no other since the last call.
     void expectStarts(const QStringList &expected)
     {
-        QTRY_VERIFY_WITH_TIMEOUT(child->starts().size() >= startsSeen + expected.size(),
-                                 startDeadlineMs);
-        QStringList started;
-        const QList<QStringList> all = child->starts();
-        for (; startsSeen < all.size(); ++startsSeen)
-            started.append(wordsOf(all.at(startsSeen)));
-        started.sort();
-        QCOMPARE(started, expected);
+        QTRY_VERIFY_WITH_TIMEOUT(newStarts().size() >= expected.size(), startDeadlineMs);
+        QCOMPARE(newStarts(), expected);
+        startsSeen += int(expected.size());
     }
 
     ArchiveWorld world;
