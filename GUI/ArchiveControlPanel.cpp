@@ -10,6 +10,7 @@
 #include "App/Environment.h"
 #include "GUI/CalendarPopup.h"
 #include "GUI/IconButton.h"
+#include "GUI/SharedTexts.h"
 #include "GUI/StyleBackground.h"
 #include "ui_ArchiveControlPanel.h"
 
@@ -75,7 +76,7 @@ void ArchiveControlPanel::setUpDateEdit()
     // The calendar now lies in a window of the edit field, which would shine through it.
     calendar->window()->setAttribute(Qt::WA_TranslucentBackground);
     ui->dateEdit->setFrame(false);
-    ui->dateEdit->setAccessibleName(QCoreApplication::translate("ControlPanel", "Records"));
+    ui->dateEdit->setAccessibleName(SharedTexts::records());
     ui->dateEdit->setDate(App::Environment::now().date());
 
     auto *text = ui->dateEdit->findChild<QLineEdit *>(QStringLiteral("qt_spinbox_lineedit"));

@@ -1,16 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/ControlPanel.h"
 
-#include <QCoreApplication>
 #include <QGraphicsOpacityEffect>
 #include <QMenu>
-#include <QRadioButton>
-#include <QStyle>
-#include <QWidgetAction>
 
 #include "App/Environment.h"
-#include "App/Settings.h"
-#include "App/SettingsKeys.h"
+#include "GUI/QualityItem.h"
+#include "GUI/StyleProperty.h"
 #include "ui_ControlPanel.h"
 
 namespace ZorvaneClient {
@@ -18,8 +14,6 @@ namespace GUI {
 
 namespace {
 
-constexpr int defaultVolume = 50;
-constexpr int highVolumeLimit = 49;
 constexpr int exportSpinnerLineWidth = 2;
 constexpr qreal enabledOpacity = 1.0;
 constexpr qreal disabledOpacity = 0.5;
@@ -29,33 +23,16 @@ int speedOf(int sliderValue)
     return 1 << sliderValue;
 }
 
-void setStyleProperty(QWidget *widget, const char *name, const QString &value)
-{
-    widget->setProperty(name, value);
-    widget->style()->unpolish(widget);
-    widget->style()->polish(widget);
-    widget->update();
-}
-
 } // namespace
 
 ControlPanel::ControlPanel(QWidget *parent) : QStackedWidget(parent), ui(new Ui::ControlPanel)
 {
     ui->setupUi(this);
     ui->speedSelector->installEventFilter(this);
-    ui->soundControl->installEventFilter(this);
     ui->speedSelector->hide();
-    ui->soundSlider->setAccessibleName(
-        QCoreApplication::translate("CameraSettingsDialog", "Sound"));
-
-    const int storedVolume = App::settings().value(App::SettingsKey::volume, defaultVolume).toInt();
-    const bool soundOn = App::settings().value(App::SettingsKey::soundOn, true).toBool();
-    setSoundVolume(storedVolume);
-    enableSound(soundOn);
-
+    setUpSound();
     setStyleProperty(ui->speedButton, "acc", QStringLiteral("no"));
     hideSpeedSlider();
-    ui->soundSlider->hide();
     setTime(App::Environment::now());
     enableExport(false);
     ui->exportSpinner->setLineWidth(exportSpinnerLineWidth);
@@ -75,27 +52,17 @@ void ControlPanel::createQualityMenu()
     connect(middle, &QAction::triggered, this, &ControlPanel::setMidQuality);
     connect(high, &QAction::triggered, this, &ControlPanel::setHighQuality);
     connect(automatic, &QAction::triggered, this, &ControlPanel::setAutoQuality);
-    qualityMenu = new QMenu(this);
-    qualityMenu->addActions({low, middle, high, automatic});
-    ui->qualityButton->setMenu(qualityMenu);
+    auto *menu = new QMenu(this);
+    menu->addActions({low, middle, high, automatic});
+    ui->qualityButton->setMenu(menu);
 }
 
 QWidgetAction *ControlPanel::createQualityMenuItem(QString text, bool checked)
 {
-    auto *button = new QRadioButton(text);
-    button->setFocusPolicy(Qt::NoFocus);
-    button->setStyleSheet(QStringLiteral(
-        "QRadioButton { padding: 10px; }"
-        "QRadioButton:hover { background-color: rgb(62, 183, 253); color: white; }"
-        "QRadioButton::indicator { width: 16px; height: 16px; image: none; }"
-        "QRadioButton::indicator:checked { image: url(:/mainwidget/icons/dropdownCheck.png); }"
-        "QRadioButton::indicator:checked:hover {"
-        " image: url(:/mainwidget/icons/dropdownCheck_hover.png); }"));
-    button->setChecked(checked);
-    auto *action = new QWidgetAction(this);
-    action->setDefaultWidget(button);
-    connect(button, &QRadioButton::clicked, action, &QAction::trigger);
-    return action;
+    auto *item = new QualityItem(text, checked, this);
+    if (checked)
+        startQuality = item;
+    return item;
 }
 
 void ControlPanel::connectButtons()
@@ -112,19 +79,9 @@ void ControlPanel::connectButtons()
     connect(ui->playButton, &Button::clicked, this, &ControlPanel::play);
 }
 
-int ControlPanel::volume() const
-{
-    return ui->soundSlider->value();
-}
-
 int ControlPanel::speed() const
 {
     return speedOf(ui->speedSlider->value());
-}
-
-bool ControlPanel::isSoundEnabled() const
-{
-    return ui->soundButton->property("volume").toString() != QLatin1String("mute");
 }
 
 void ControlPanel::setTime(QDateTime dateTime)
@@ -141,11 +98,7 @@ void ControlPanel::resetSpeed()
 
 void ControlPanel::resetQuality()
 {
-    const QList<QAction *> actions = qualityMenu->actions();
-    if (auto *last = qobject_cast<QWidgetAction *>(actions.last())) {
-        if (auto *button = qobject_cast<QRadioButton *>(last->defaultWidget()))
-            button->setChecked(true);
-    }
+    startQuality->choose();
 }
 
 void ControlPanel::showSpeedSlider()
@@ -154,22 +107,12 @@ void ControlPanel::showSpeedSlider()
     ui->speedSlider->show();
 }
 
-void ControlPanel::showSoundSlider()
-{
-    ui->soundSlider->show();
-}
-
 void ControlPanel::hideSpeedSlider()
 {
     // A speed above 1x stays readable.
     if (ui->speedSlider->value() == ui->speedSlider->minimum())
         ui->speedLabel->hide();
     ui->speedSlider->hide();
-}
-
-void ControlPanel::hideSoundSlider()
-{
-    ui->soundSlider->hide();
 }
 
 void ControlPanel::setExportMode()
@@ -229,20 +172,6 @@ void ControlPanel::enableExport(bool enabled)
     ui->exportModeButton->setGraphicsEffect(effect);
 }
 
-void ControlPanel::setSoundVolume(int volume)
-{
-    if (ui->soundSlider->value() != volume)
-        ui->soundSlider->setValue(volume);
-    updateVolumeButton();
-}
-
-void ControlPanel::enableSound(bool enable)
-{
-    if (ui->soundSlider->isEnabled() != enable)
-        ui->soundSlider->setEnabled(enable);
-    updateVolumeButton();
-}
-
 void ControlPanel::enterFullscreen()
 {
     ui->fullscreenButton->setChecked(true);
@@ -273,54 +202,29 @@ void ControlPanel::on_speedSlider_valueChanged(int value)
     emit speedChanged(speedOf(value));
 }
 
-void ControlPanel::on_soundSlider_valueChanged(int value)
-{
-    App::settings().setValue(App::SettingsKey::volume, value);
-    emit soundVolumeChanged(value);
-}
-
-void ControlPanel::on_soundButton_clicked()
-{
-    const bool enable = !isSoundEnabled();
-    App::settings().setValue(App::SettingsKey::soundOn, enable);
-    emit soundEnabled(enable);
-}
-
 void ControlPanel::on_speedButton_clicked()
 {
     if (ui->speedSlider->value() > ui->speedSlider->minimum())
         ui->speedSlider->setValue(ui->speedSlider->minimum());
 }
 
-void ControlPanel::updateVolumeButton()
-{
-    QString word = QStringLiteral("mid");
-    if (!ui->soundSlider->isEnabled())
-        word = QStringLiteral("mute");
-    else if (ui->soundSlider->value() == 0)
-        word = QStringLiteral("low");
-    else if (ui->soundSlider->value() > highVolumeLimit)
-        word = QStringLiteral("high");
-    setStyleProperty(ui->soundButton, "volume", word);
-}
-
 bool ControlPanel::eventFilter(QObject *object, QEvent *event)
 {
+    const bool isEntered = event->type() == QEvent::Enter || event->type() == QEvent::HoverEnter;
+    const bool isLeft = event->type() == QEvent::Leave || event->type() == QEvent::HoverLeave;
     const bool isSpeed = object == ui->speedSelector;
-    if (!isSpeed && object != ui->soundControl)
+    const bool isSound = object == ui->soundControl;
+    if ((!isEntered && !isLeft) || (!isSpeed && !isSound))
         return QStackedWidget::eventFilter(object, event);
-    switch (event->type()) {
-    case QEvent::Enter:
-    case QEvent::HoverEnter:
-        isSpeed ? showSpeedSlider() : showSoundSlider();
-        return true;
-    case QEvent::Leave:
-    case QEvent::HoverLeave:
-        isSpeed ? hideSpeedSlider() : hideSoundSlider();
-        return true;
-    default:
-        return QStackedWidget::eventFilter(object, event);
-    }
+    if (isSpeed && isEntered)
+        showSpeedSlider();
+    else if (isSpeed)
+        hideSpeedSlider();
+    else if (isEntered)
+        showSoundSlider();
+    else
+        hideSoundSlider();
+    return true;
 }
 
 } // namespace GUI

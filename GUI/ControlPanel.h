@@ -5,7 +5,6 @@
 #include <QScopedPointer>
 #include <QStackedWidget>
 
-class QMenu;
 class QWidgetAction;
 
 namespace Ui {
@@ -14,6 +13,8 @@ class ControlPanel;
 
 namespace ZorvaneClient {
 namespace GUI {
+
+class QualityItem;
 
 /// The bar at the foot of the window. Decides nothing about playback: it emits what the user
 /// pressed and shows what it is told.
@@ -88,11 +89,13 @@ private slots:
     QWidgetAction *createQualityMenuItem(QString text, bool checked);
 
 private:
+    void setUpSound();
     void createQualityMenu();
     void connectButtons();
 
     QScopedPointer<Ui::ControlPanel> ui;
-    QMenu *qualityMenu = nullptr;
+    /// Checked at the start, and again by resetQuality().
+    QualityItem *startQuality = nullptr;
 };
 
 } // namespace GUI

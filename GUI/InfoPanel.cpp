@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/InfoPanel.h"
 
-#include <QCoreApplication>
 #include <QMenu>
 
 #include "API/Layout.h"
 #include "GUI/GridSizeEditor.h"
 #include "GUI/IconButton.h"
+#include "GUI/SharedTexts.h"
 #include "GUI/StyleBackground.h"
 #include "ui_InfoPanel.h"
 
@@ -22,7 +22,7 @@ constexpr int popupGapPixels = 5;
 InfoPanel::InfoPanel(QWidget *parent) : QWidget(parent), ui(new Ui::InfoPanel)
 {
     ui->setupUi(this);
-    nameIconButton(ui->settingsButton, QCoreApplication::translate("VideoWidget", "Options"));
+    nameIconButton(ui->settingsButton, SharedTexts::options());
     setProperty("modified", false);
     connect(ui->saveLayoutButton, &QPushButton::clicked, this, &InfoPanel::layoutSaved);
     connect(ui->cancelLayoutButton, &QPushButton::clicked, this, &InfoPanel::layoutCancelled);

@@ -3,7 +3,6 @@
 #include "GUI/LayoutWidget.h"
 
 #include <QDragEnterEvent>
-#include <QStyle>
 
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
@@ -12,16 +11,14 @@
 #include "GUI/DragFormats.h"
 #include "GUI/GridRules.h"
 #include "GUI/LayoutWidgetPrivate.h"
+#include "GUI/StyleProperty.h"
 
 namespace ZorvaneClient {
 namespace GUI {
 
 void LayoutWidget::setDropTarget(bool isTarget)
 {
-    setProperty("drop", isTarget);
-    style()->unpolish(this);
-    style()->polish(this);
-    update();
+    setStyleProperty(this, "drop", isTarget);
 }
 
 void LayoutWidget::dragEnterEvent(QDragEnterEvent *event)

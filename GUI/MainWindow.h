@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QPointer>
 #include <QWidget>
 
 #include "API/Types.h"
+#include "GUI/ExportFlow.h"
 #include "GUI/Playlist.h"
-
-class QMessageBox;
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -99,7 +97,6 @@ signals:
     void soundEnabled(bool enabled);
 
 protected:
-    bool event(QEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
@@ -112,20 +109,19 @@ private slots:
     void forceCloseView();
 
 private:
-    void connectSide();
-    void connectPanels();
-    void connectGrid();
-    void connectArchive();
-    void connectExport();
     void arrange();
+    void connectSide();
+    void connectInfoPanel();
+    void connectControlPanel();
+    void connectStrip();
+    void connectGrid();
     void startDueSpans(const QDateTime &position);
     void keepInStep(const QDateTime &position);
     void restartTile(Player::VideoWidget *tile, const QDateTime &position);
-    void endExport();
-    void endExportOf(const API::CameraPtr &camera);
-    bool keepsModifiedLayout();
+    /// Asks about unsaved edits and saves them if told so; false if the user wants to keep them
+    /// as they are.
+    bool settleEdits();
     void addCamerasToCalendar();
-    int askToSave();
     bool layoutListHolds(const API::LayoutPtr &layout) const;
     /// Cameras of the open layout, in the order of its cells.
     QList<API::CameraPtr> layoutCameras() const;
@@ -140,15 +136,11 @@ private:
     Timeline *timeline;
     LayoutWidget *layoutWidget;
     Playlist playlist;
-    /// Whose fragment is marked or exported.
-    API::CameraPtr exportCamera;
+    ExportFlow exportFlow;
     bool rosterWasVisible = true;
     bool wasMaximized = false;
     bool archiveMode = false;
     bool newLayoutUntouched = false;
-    /// The question about unsaved edits, while it is being asked.
-    QPointer<QMessageBox> question;
-    bool isReleasePending = false;
 };
 
 } // namespace GUI

@@ -1,22 +1,22 @@
 // SPDX-License-Identifier: MIT
-// Opening, editing and closing layouts.
+// Cameras and layouts: opening, editing and closing them.
 #include "GUI/MainWindow.h"
 
-#include <QApplication>
 #include <QDebug>
-#include <QMessageBox>
-#include <QTimer>
 
-#include "API/CloudAPIClient.h"
+#include "API/Camera.h"
 #include "API/Layout.h"
+#include "API/Server.h"
 #include "GUI/ArchiveControlPanel.h"
 #include "GUI/ControlPanel.h"
-#include "GUI/IconButton.h"
 #include "GUI/InfoPanel.h"
 #include "GUI/LayoutListWidget.h"
 #include "GUI/LayoutWidget.h"
+#include "GUI/Player/VideoWidget.h"
+#include "GUI/Question.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/SideBar.h"
+#include "GUI/Timeline.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -27,52 +27,122 @@ constexpr int newLayoutSide = 2;
 
 } // namespace
 
-/// Asks about unsaved edits and saves them if told so; true if they are to be kept as they are.
-bool MainWindow::keepsModifiedLayout()
+QList<API::CameraPtr> MainWindow::layoutCameras() const
+{
+    QList<API::CameraPtr> cameras;
+    const API::LayoutPtr layout = layoutWidget->workingLayout();
+    if (!layout)
+        return cameras;
+    const QList<API::LayoutCell> cells = layout->cellList();
+    for (const API::LayoutCell &cell : cells) {
+        if (cell.camera)
+            cameras.append(cell.camera);
+    }
+    return cameras;
+}
+
+API::CameraPtr MainWindow::firstCamera() const
+{
+    return layoutCameras().value(0);
+}
+
+void MainWindow::onCameraAdded(API::CameraPtr camera)
+{
+    timeline->addCamera(camera);
+    archiveControlPanel->addCamera(camera);
+    layoutWidget->setSoundVolume(controlPanel->volume());
+    if (Player::VideoWidget *tile = layoutWidget->player(camera)) {
+        if (archiveMode)
+            tile->setArchiveMode(true);
+        else
+            tile->playLive();
+        // A new tile knows nothing of a sound that is switched off.
+        tile->enableSound(controlPanel->isSoundEnabled());
+    }
+    const API::LayoutPtr layout = layoutWidget->workingLayout();
+    if (layout->rows() == 1 && layout->columns() == 1) {
+        infoPanel->enterViewMode();
+        infoPanel->setTitle(camera->name());
+    }
+    if (layoutCameras().size() == 1)
+        activateCamera(camera);
+}
+
+void MainWindow::onServerAdded(API::ServerPtr)
+{
+    startLayoutEditor();
+}
+
+void MainWindow::openCamera(API::CameraPtr camera)
+{
+    qDebug() << "Open camera";
+    if (!camera)
+        return;
+    const auto layout = API::LayoutPtr::create();
+    layout->setCamera(camera, 0, 0, 1, 1);
+    layout->setName(camera->name());
+    if (openLayout(layout))
+        infoPanel->enterViewMode();
+}
+
+void MainWindow::addToLayout(API::CameraPtr camera)
+{
+    layoutWidget->addCamera(camera);
+}
+
+void MainWindow::closeCamera(API::CameraPtr camera)
+{
+    if (!camera)
+        return;
+    const API::CameraPtr next = firstCamera();
+    if (timeline->activeCamera() == camera && next)
+        activateCamera(next);
+    timeline->removeCamera(camera->globalId());
+    archiveControlPanel->clear(camera);
+    exportFlow.tilesClosed();
+    const API::LayoutPtr layout = layoutWidget->workingLayout();
+    if (layout && layout->rows() == 1 && layout->columns() == 1) {
+        infoPanel->enterEmptyMode();
+        closeCurrentView();
+    }
+}
+
+void MainWindow::activateCamera(API::CameraPtr camera)
+{
+    if (camera == timeline->activeCamera())
+        return;
+    if (!camera || !timeline->hasCamera(camera->globalId())) {
+        layoutWidget->setActiveCamera(API::CameraPtr());
+        timeline->setActiveCameraId({});
+    } else {
+        layoutWidget->setActiveCamera(camera);
+        timeline->setActiveCameraId(camera->globalId());
+        emit cameraActivated(camera);
+    }
+    layoutWidget->setSoundVolume(controlPanel->volume());
+}
+
+bool MainWindow::settleEdits()
 {
     if (infoPanel->mode() != InfoPanel::EditMode && infoPanel->mode() != InfoPanel::UnsavedMode)
-        return false;
-    const int answer = askToSave();
+        return true;
+    Question question;
+    question.text = tr("The layout has been modified.");
+    question.details = tr("Do you want to save your changes?");
+    question.buttons = QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel;
+    question.defaultButton = QMessageBox::Save;
+    question.modality = Qt::WindowModal;
+    const QMessageBox::StandardButton answer = ask(question, this);
     if (answer == QMessageBox::Save)
         saveLayout();
     // A question that goes without an answer, as at the end of the program, is no "Discard".
-    return answer != QMessageBox::Save && answer != QMessageBox::Discard;
-}
-
-int MainWindow::askToSave()
-{
-    QMessageBox box(this);
-    box.setText(tr("The layout has been modified."));
-    box.setInformativeText(tr("Do you want to save your changes?"));
-    box.setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
-    box.setDefaultButton(QMessageBox::Save);
-    showTextButtons(box);
-    box.setStyleSheet(QStringLiteral("font-size: 14px;"));
-    box.setWindowModality(Qt::WindowModal);
-    question = &box;
-    const int answer = box.exec();
-    question.clear();
-    if (!isReleasePending)
-        return answer;
-    QTimer::singleShot(0, qApp, [window = QPointer<MainWindow>(this)] { delete window; });
-    return QMessageBox::Cancel;
-}
-
-/// Another window can release this one while it waits for an answer, with the question on its
-/// stack: it goes once the question is over.
-bool MainWindow::event(QEvent *event)
-{
-    if (event->type() != QEvent::DeferredDelete || !question)
-        return QWidget::event(event);
-    isReleasePending = true;
-    question->reject();
-    return true;
+    return answer == QMessageBox::Save || answer == QMessageBox::Discard;
 }
 
 bool MainWindow::openLayout(API::LayoutPtr layout)
 {
     qDebug() << "Open layout";
-    if (!layout || keepsModifiedLayout())
+    if (!layout || !settleEdits())
         return false;
     archiveControlPanel->clear();
     controlPanel->resetQuality();
@@ -97,6 +167,12 @@ void MainWindow::addCamerasToCalendar()
         archiveControlPanel->addCamera(camera);
 }
 
+void MainWindow::startLayoutEditor()
+{
+    setRosterMode();
+    infoPanel->enterEditMode();
+}
+
 void MainWindow::openNewLayout()
 {
     const auto layout = API::LayoutPtr::create();
@@ -116,7 +192,7 @@ void MainWindow::layoutModified()
 {
     newLayoutUntouched = false;
     infoPanel->enterEditMode();
-    controlPanel->setEmptyMode(!firstCamera());
+    exportFlow.showControls();
     const API::LayoutPtr layout = layoutWidget->workingLayout();
     sideBar->rosterWidget()->setAddToLayoutEnabled(layout && layout->freeCellCount() != 0);
 }

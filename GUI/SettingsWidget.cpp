@@ -3,7 +3,6 @@
 
 #include <QCoreApplication>
 #include <QDebug>
-#include <QMessageBox>
 #include <QPointer>
 
 #include <algorithm>
@@ -15,6 +14,7 @@
 #include "App/SettingsKeys.h"
 #include "GUI/IconButton.h"
 #include "GUI/LocalServerDialog.h"
+#include "GUI/Question.h"
 #include "ui_SettingsWidget.h"
 
 namespace ZorvaneClient {
@@ -50,30 +50,6 @@ bool isNewer(const QString &version, const QString &current)
             return piece > currentPiece;
     }
     return false;
-}
-
-struct Question {
-    QString text;
-    QString details;
-    QMessageBox::StandardButton defaultButton;
-};
-
-/// False as well when `parent` goes while the question is open.
-bool isConfirmed(const Question &question, QWidget *parent)
-{
-    const QPointer<QMessageBox> box = new QMessageBox(parent);
-    box->setText(question.text);
-    box->setInformativeText(question.details);
-    box->setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
-    box->setDefaultButton(question.defaultButton);
-    showTextButtons(*box);
-    box->setStyleSheet(QStringLiteral("font-size: 14px;"));
-    box->setWindowModality(Qt::ApplicationModal);
-    const int answer = box->exec();
-    if (!box)
-        return false;
-    box->deleteLater();
-    return answer == QMessageBox::Ok;
 }
 
 } // namespace
@@ -148,8 +124,7 @@ void SettingsWidget::offerUpdate(const QString &version)
     question.text = tr("A new version of %1 is available!").arg(name);
     question.details =
         tr("%1 %2 version is available. Would you like to download it now?").arg(name, version);
-    question.defaultButton = QMessageBox::Ok;
-    if (isConfirmed(question, this) && application())
+    if (ask(question, this) == QMessageBox::Ok && application())
         application()->openDownloadsPage();
 }
 
@@ -177,7 +152,7 @@ void SettingsWidget::on_signoutButton_clicked()
     Question question;
     question.text = tr("Are you sure you want to log out?");
     question.defaultButton = QMessageBox::Cancel;
-    if (isConfirmed(question, this))
+    if (ask(question, this) == QMessageBox::Ok)
         emit signout();
 }
 

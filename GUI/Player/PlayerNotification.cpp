@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/Player/PlayerNotification.h"
 
-#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QPropertyAnimation>
 #include <QTimerEvent>
@@ -10,6 +9,7 @@
 #include <chrono>
 
 #include "GUI/IconButton.h"
+#include "GUI/SharedTexts.h"
 #include "ui_PlayerNotification.h"
 
 namespace ZorvaneClient {
@@ -49,7 +49,7 @@ PlayerNotification::PlayerNotification(QString text, bool error, QWidget *parent
 {
     ui->setupUi(this);
     ui->messageLabel->setText(text);
-    nameIconButton(ui->closeButton, QCoreApplication::translate("VideoWidget", "Close"));
+    nameIconButton(ui->closeButton, SharedTexts::close());
     setWindowFlags(windowFlags() | Qt::FramelessWindowHint);
     setAttribute(Qt::WA_ShowWithoutActivating);
     hideTimerId = startCoarseTimer(this, showTime);

@@ -3,10 +3,10 @@
 
 #include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QStyle>
 
 #include "GUI/Player/CellDrop.h"
 #include "GUI/StyleBackground.h"
+#include "GUI/StyleProperty.h"
 #include "ui_VideoPlaceholder.h"
 
 namespace ZorvaneClient {
@@ -66,10 +66,7 @@ void VideoPlaceholder::dropEvent(QDropEvent *event)
 
 void VideoPlaceholder::setDropTarget(bool isDropTarget)
 {
-    setProperty(dropProperty, isDropTarget);
-    style()->unpolish(this);
-    style()->polish(this); // ensurePolished() would do nothing for a widget that once was
-    update();
+    setStyleProperty(this, dropProperty, isDropTarget);
 }
 
 } // namespace Player

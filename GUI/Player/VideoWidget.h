@@ -48,6 +48,8 @@ public:
     bool isPlaying() const;
     /// By pause(), or because the child says so.
     bool isPaused() const;
+    /// From exportFragment() on, as long as its child runs.
+    bool isExporting() const;
     /// Shows `text` in place of the picture.
     void showError(const QString &text);
 

@@ -45,9 +45,14 @@ void VideoWidget::exportFragment(QDateTime start, QDateTime end)
                             QIODevice::ReadWrite);
 }
 
+bool VideoWidget::isExporting() const
+{
+    return d->exportProcess->state() != QProcess::NotRunning;
+}
+
 void VideoWidget::cancelExport()
 {
-    if (d->exportProcess->state() == QProcess::NotRunning)
+    if (!isExporting())
         return;
     // Its last words are nobody's business.
     const QSignalBlocker blocker(d->exportProcess.data());

@@ -207,13 +207,7 @@ private slots:
         QVERIFY(dumpOf(*grid()->player(late)).contains("is archive playing? true"));
         window->playArchive();
         // The list of spans made anew may start the first camera again at the cursor.
-        const auto joins = [this] {
-            const auto starts = child->starts();
-            return std::any_of(starts.begin(), starts.end(), [this](const QStringList &start) {
-                return wordsOf(start) == "2 10:05:00 1x"_s;
-            });
-        };
-        QTRY_VERIFY_WITH_TIMEOUT(joins(), startDeadlineMs);
+        QTRY_VERIFY_WITH_TIMEOUT(newStarts().contains("2 10:05:00 1x"), startDeadlineMs);
     }
 
     void speedRestartsAtTheCursorUntilLiveEndsTheArchive()
@@ -244,69 +238,92 @@ private slots:
         QVERIFY2(!tile(0)->isPlaying(), "timers of the archive do nothing live");
     }
 
-    void anExportEnds_data()
+    void exports_data()
     {
+        // Steps are buttons and words of the player; ">2" makes a camera active, "+2" adds a tile
+        // of it, "-2" closes the second oldest tile of the grid; "size" resizes it, "again" opens
+        // it as it is and "new" an empty one.
+        const QString over = "controlPage exportButtonPage "_s;
+        const QString empty = "emptyPage exportButtonPage "_s;
+        const QString marking = "exportPage exportButtonPage selectFragmentPage"_s;
+        const QString running = "exportPage exportLabelPage exportingPage"_s;
         const QString saved = "Record saved. <a style=\"color: white\" href=\"%1\">Open folder</a>";
-        rows<QString, int, QString>({"page", "cameras", "hint"},
-                                    {{"done", "controlPage", 2, saved},
-                                     {"error", "controlPage", 2, "Error while exporting."},
-                                     {"cancelled", "controlPage", 2, ""},
-                                     {"closed", "controlPage", 1, ""},
-                                     {"all closed", "emptyPage", 0, ""},
-                                     {"another layout", "emptyPage", 0, ""}});
+        rows<QString, QString, QString>(
+            {"steps", "shown", "hint"},
+            {{"done", "exportMode export done", over, saved},
+             {"error", "exportMode export error", over, "Error while exporting."},
+             {"closed", "exportMode export -1", over, ""},
+             {"all closed", "exportMode export -1 -1", empty, ""},
+             {"another layout", "exportMode export new", empty, ""},
+             {"only marked, another layout", "exportMode new", empty, ""},
+             {"only marked, its camera closed", "exportMode >2 -1 size", marking, ""},
+             {"beside an edited grid", "exportMode export >2 +1 -2", running, ""},
+             {"older tile of the camera closed", "+1 exportMode export -1", running, ""},
+             {"newer tile of the camera closed", "+1 exportMode export -1 -2", over, ""},
+             {"pressed twice", "exportMode export >2 export", running, ""},
+             {"the same layout", "exportMode export again", running, ""}});
     }
 
-    void anExportEnds()
+    /// What the panels show of an export, which Cancel ends in any case.
+    void exports()
     {
-        const auto [page, cameras, hint] = row<QString, int, QString>();
-        const QString end = QTest::currentDataTag();
+        const auto [steps, expected, hint] = row<QString, QString, QString>();
+        const QString last = steps.section(' ', -1);
         playTwo(1);
-        shown.first()->setExportEnabled(true);
         press("showRecordsButton");
         timeline()->grab(); // What it paints decides whether there is something to export.
-        press("exportModeButton");
-        const auto *messages = window->findChild<QStackedWidget *>("messageWidget"_s);
-        QVERIFY(!messages->isHidden());
-        QCOMPARE(pageOf("messageWidget"), "selectFragmentPage"_s);
         child->setScript({"print export-start\\nexport-percent 7\\n", "wait last word",
-                          "print export-" + end + "\\n", "exit 0"});
-        shown.first()->setExportEnabled(false);
-        const int startsBefore = child->starts().size();
-        press("exportButton");
-        QCOMPARE(pageOf("messageWidget"), "selectFragmentPage"_s);
-        shown.first()->setExportEnabled(true);
-        press("exportButton");
-        QTRY_COMPARE_WITH_TIMEOUT(textOf("exportPercent"), "7%"_s, startDeadlineMs);
-        QCOMPARE(child->starts().size(), startsBefore + 1);
-        QCOMPARE(pageOf("exportControl"), "exportLabelPage"_s);
-        QCOMPARE(pageOf("messageWidget"), "exportingPage"_s);
-        const qint64 process = child->lastProcessId();
-        QVERIFY(ScriptedChild::isAlive(process));
-
-        if (end == "cancelled") {
-            // Another camera may be active by then.
-            window->activateCamera(shown.at(1));
+                          "print export-" + last + "\\n", "exit 0"});
+        qint64 process = 0;
+        for (const QString &step : steps.split(' ')) {
+            const int number = step.mid(1).toInt() - 1;
+            if (step == "export" && process == 0) {
+                press("exportButton");
+                QVERIFY2(!tile(0)->isExporting(), "it may not");
+                shown.at(0)->setExportEnabled(true);
+                shown.at(1)->setExportEnabled(true);
+                press("exportButton");
+                QTRY_COMPARE_WITH_TIMEOUT(textOf("exportPercent"), "7%"_s, startDeadlineMs);
+                process = child->lastProcessId();
+                continue;
+            }
+            if (step == last && (last == "done" || last == "error"))
+                child->tell("last word");
+            else if (step == "size")
+                grid()->resizeLayout(2, 2);
+            else if (step == "again")
+                window->openLayout(API::LayoutPtr::create(*grid()->workingLayout()));
+            else if (step == "new")
+                window->openLayout(API::LayoutPtr::create());
+            else if (step.startsWith('>'))
+                window->activateCamera(shown.at(number));
+            else if (step.startsWith('+'))
+                window->addToLayout(shown.at(number));
+            else if (auto *closed = grid()->findChildren<VideoWidget *>().value(number))
+                emit closed->closed(closed);
+            else
+                press(step + "Button");
+        }
+        const auto pages = [this] {
+            return panel()->currentWidget()->objectName() + ' ' + pageOf("exportControl") + ' ' +
+                   pageOf("messageWidget");
+        };
+        QTRY_COMPARE(pages(), expected);
+        if (expected.startsWith("exportPage")) {
+            QCOMPARE(ScriptedChild::isAlive(process), process != 0);
             press("cancelButton");
-        } else if (end == "another layout") {
-            QVERIFY(window->openLayout(API::LayoutPtr::create()));
-        } else if (end.endsWith("closed")) {
-            for (const API::CameraPtr &closed : shown.mid(0, 2 - cameras))
-                grid()->removeCamera(closed);
+            QCOMPARE(pages(), "controlPage exportButtonPage "_s);
         } else {
-            child->tell("last word");
+            const QList<API::LayoutCell> cells = grid()->workingLayout()->cellList();
+            QCOMPARE(timeline()->cameraCount(), int(cells.size()));
+            QCOMPARE(timeline()->activeCamera(), cells.value(0).camera);
         }
         QTRY_VERIFY(!ScriptedChild::isAlive(process));
-        QTRY_COMPARE(panel()->currentWidget()->objectName(), page);
-        QCOMPARE(pageOf("exportControl"), "exportButtonPage"_s);
-        QVERIFY(messages->isHidden());
-        QCOMPARE(timeline()->cameraCount(), cameras);
-        if (end == "closed")
-            QCOMPARE(timeline()->activeCamera(), shown.last());
         const auto *shownHint = grid()->findChild<PlayerNotification *>();
         const QString folder = QFileInfo(child->starts().last().last()).path();
         QCOMPARE(shownHint ? shownHint->findChild<QLabel *>("messageLabel"_s)->text() : QString(),
                  QString(hint).replace("%1", folder));
-        QCOMPARE(shownHint && shownHint->property("error").toBool(), end == "error");
+        QCOMPARE(shownHint && shownHint->property("error").toBool(), last == "error");
     }
 
 private:
@@ -354,22 +371,29 @@ private:
     void press(const QString &name) { panel()->findChild<QPushButton *>(name)->click(); }
     QString textOf(const QString &name) const { return panel()->findChild<QLabel *>(name)->text(); }
 
-    QString pageOf(const QString &stack) const
+    /// The page that a stack of pages shows, unless it is hidden.
+    QString pageOf(const QString &name) const
     {
-        return window->findChild<QStackedWidget *>(stack)->currentWidget()->objectName();
+        const auto *stack = window->findChild<QStackedWidget *>(name);
+        return stack->isHidden() ? QString() : stack->currentWidget()->objectName();
     }
 
-    /// Waits for these starts of players, by camera; there must be no other since the last call.
+    /// Starts of players, by camera, since the last expectStarts().
+    QStringList newStarts() const
+    {
+        QStringList started;
+        for (const QStringList &start : child->starts().mid(startsSeen))
+            started.append(wordsOf(start));
+        started.sort();
+        return started;
+    }
+
+    /// Waits for these starts of players; there must be no other since the last call.
     void expectStarts(const QStringList &expected)
     {
-        QTRY_VERIFY_WITH_TIMEOUT(child->starts().size() >= startsSeen + expected.size(),
-                                 startDeadlineMs);
-        QStringList started;
-        const QList<QStringList> all = child->starts();
-        for (; startsSeen < all.size(); ++startsSeen)
-            started.append(wordsOf(all.at(startsSeen)));
-        started.sort();
-        QCOMPARE(started, expected);
+        QTRY_VERIFY_WITH_TIMEOUT(newStarts().size() >= expected.size(), startDeadlineMs);
+        QCOMPARE(newStarts(), expected);
+        startsSeen += int(expected.size());
     }
 
     ArchiveWorld world;

@@ -251,8 +251,6 @@ private slots:
              {"10 cells", "x . . . . | . . . . .", "", 0},
              {"10 cells, but 2 of them", "x:1x2 . . . . | . . . . .", "", 1},
              {"9 cells, but 2 of them", "x:2x1 . . | . . . | . . .", "", 2},
-             {"low", "x", "setLowQuality", 0},
-             {"middle", "x", "setMidQuality", 1},
              {"high", "x . . . . | . . . . .", "setHighQuality", 2},
              {"automatic again", "x", "setLowQuality setAutoQuality", 2},
              {"resized", "x", "2x5", 0},

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The archive of all tiles at once, and the export of a fragment of it.
+// Live and archive play of all tiles at once, and the export of a fragment.
 #include "GUI/MainWindow.h"
 
-#include <QDebug>
-
 #include "API/Camera.h"
+#include "App/Environment.h"
 #include "GUI/ArchiveControlPanel.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/LayoutWidget.h"
@@ -26,36 +25,6 @@ constexpr qint64 releaseAheadMs = 1500;
 
 } // namespace
 
-void MainWindow::connectArchive()
-{
-    connect(controlPanel, &ControlPanel::showRecordsButtonClicked, this,
-            &MainWindow::showArchivePanels);
-    connect(controlPanel, &ControlPanel::hideRecordsButtonClicked, this,
-            &MainWindow::hideArchivePanels);
-    connect(controlPanel, &ControlPanel::liveButtonClicked, this, &MainWindow::playLive);
-    connect(controlPanel, &ControlPanel::speedChanged, this, &MainWindow::setSpeed);
-    connect(archiveControlPanel, &ArchiveControlPanel::dateChanged, this, &MainWindow::updateDate);
-    connect(archiveControlPanel, &ArchiveControlPanel::zoomedIn, timeline, &Timeline::zoomIn);
-    connect(archiveControlPanel, &ArchiveControlPanel::zoomedOut, timeline, &Timeline::zoomOut);
-    connect(timeline, &Timeline::zoomed, archiveControlPanel, &ArchiveControlPanel::zoom);
-    connect(archiveControlPanel, &ArchiveControlPanel::zoomed, timeline, &Timeline::zoom);
-    connect(timeline, &Timeline::playTime, this, &MainWindow::onPlayArchive);
-    connect(timeline, &Timeline::recordsUpdated, this, &MainWindow::updatePlaylist);
-}
-
-void MainWindow::connectExport()
-{
-    connect(controlPanel, &ControlPanel::exportModeButtonClicked, this, &MainWindow::setExportMode);
-    connect(controlPanel, &ControlPanel::cancelExportButtonClicked, this,
-            &MainWindow::cancelExport);
-    connect(controlPanel, &ControlPanel::exportButtonClicked, this, &MainWindow::exportArchive);
-    connect(layoutWidget, &LayoutWidget::exportDone, this, &MainWindow::onExportDone);
-    connect(layoutWidget, &LayoutWidget::exportError, this, &MainWindow::onExportError);
-    connect(layoutWidget, &LayoutWidget::exportPercentDone, this, &MainWindow::onExportPercentDone);
-    connect(layoutWidget, &LayoutWidget::exportStarted, this, &MainWindow::onExportStarted);
-    connect(timeline, &Timeline::exportEnabled, controlPanel, &ControlPanel::enableExport);
-}
-
 void MainWindow::hideArchivePanels()
 {
     archiveControlPanel->hide();
@@ -68,6 +37,46 @@ void MainWindow::showArchivePanels()
     archiveControlPanel->show();
     timeline->show();
     controlPanel->showRecordsControls();
+}
+
+void MainWindow::prepareToLive()
+{
+    const QDateTime now = App::Environment::now();
+    timeline->setSliderVisible(false);
+    timeline->setCurrentValue(now);
+    hideArchivePanels();
+    exportFlow.unmark();
+    controlPanel->setTime(now);
+    controlPanel->showLiveLabel();
+    unpause();
+    archiveMode = false;
+    // Last: the slider's move tells of a new speed, which must find live play.
+    controlPanel->resetSpeed();
+}
+
+void MainWindow::playLive()
+{
+    prepareToLive();
+    layoutWidget->playLive();
+}
+
+void MainWindow::pause()
+{
+    if (layoutWidget->isPaused())
+        return;
+    layoutWidget->pause();
+    controlPanel->showPlayButton();
+}
+
+void MainWindow::unpause()
+{
+    if (!layoutWidget->isPaused())
+        return;
+    layoutWidget->unpause();
+    // Live can't resume where it was.
+    if (!archiveMode)
+        layoutWidget->playLive();
+    controlPanel->showPauseButton();
 }
 
 void MainWindow::updateDate(QDate date)
@@ -182,63 +191,27 @@ void MainWindow::setSpeed(int)
 
 void MainWindow::setExportMode()
 {
-    if (!timeline->enterSelectionMode(false, false))
-        return;
-    if (!exportCamera)
-        exportCamera = timeline->activeCamera();
-    archiveControlPanel->showSelectFragmentMessage();
-    controlPanel->setExportMode();
+    exportFlow.mark();
 }
 
 void MainWindow::setControlMode()
 {
-    timeline->leaveSelectionMode();
-    controlPanel->setNormalMode();
+    exportFlow.unmark();
 }
 
 void MainWindow::exportArchive()
 {
-    const API::CameraPtr camera = timeline->activeCamera();
-    if (!camera || !camera->isExportEnabled()) {
-        qDebug() << "archive export disabled";
-        return;
-    }
-    exportCamera = camera;
-    timeline->setSelectionEditable(false);
-    layoutWidget->exportArchive(camera, timeline->selectionStart(), timeline->selectionEnd());
+    exportFlow.start();
 }
 
 void MainWindow::cancelExport()
 {
-    if (const API::CameraPtr camera = timeline->activeCamera())
-        layoutWidget->cancelExport(camera);
-    // Another one may have been activated since.
-    if (exportCamera)
-        layoutWidget->cancelExport(exportCamera);
-    endExport();
-}
-
-void MainWindow::endExport()
-{
-    exportCamera.clear();
-    archiveControlPanel->hideMessage();
-    timeline->leaveSelectionMode();
-    controlPanel->setNormalMode();
-}
-
-/// The tile is gone, and nothing else will tell of its export.
-void MainWindow::endExportOf(const API::CameraPtr &camera)
-{
-    if (camera != exportCamera)
-        return;
-    endExport();
-    controlPanel->setEmptyMode(!firstCamera());
+    exportFlow.cancel();
 }
 
 void MainWindow::onExportStarted()
 {
-    controlPanel->exportStarted();
-    archiveControlPanel->showExportingMessage();
+    exportFlow.showStarted();
 }
 
 void MainWindow::onExportPercentDone(int percent)
@@ -248,12 +221,12 @@ void MainWindow::onExportPercentDone(int percent)
 
 void MainWindow::onExportDone(QString)
 {
-    endExport();
+    exportFlow.end();
 }
 
 void MainWindow::onExportError(QString)
 {
-    endExport();
+    exportFlow.end();
 }
 
 } // namespace GUI
