@@ -15,13 +15,17 @@
 #include "companion/ExportArguments.h"
 #include "companion/FormatProbe.h"
 #include "companion/LineOutput.h"
+#include "companion/Pacing.h"
 #include "companion/PacketQueue.h"
 #include "companion/ParameterSets.h"
+#include "companion/PicturePatience.h"
 #include "companion/PositionTrack.h"
 #include "companion/TargetFile.h"
+#include "companion/TimeLines.h"
 
 using namespace ZorvaneClient::Companion;
 using std::chrono::milliseconds;
+using std::chrono::seconds;
 
 namespace {
 
@@ -137,6 +141,7 @@ private slots:
         QCOMPARE(controls.volume(), volume);
     }
 
+    /// By stamp, "+" for what is shown so much later, "d" for so much dropped before it.
     void positions_data()
     {
         rows<QString, int, QString>(
@@ -146,7 +151,10 @@ private slots:
              {"gap of ten seconds", "0 10000 10040", 40, "0 10000 10040"},
              {"farther", "0 10001 10041", 40, "0 40 80"},
              {"farther, and as much time passed", "0 60000 60040", 58'000, "0 60000 60040"},
-             {"farther than the time that passed", "0 60001 60041", 58'000, "0 40 80"}});
+             {"farther than the time that passed", "0 60001 60041", 58'000, "0 40 80"},
+             {"farther, and as much was dropped", "0 60000d57960 60040", 40, "0 60000 60040"},
+             {"shown later than decoded", "500+80 540+120", 40, "0 80"},
+             {"first ones dropped", "500+80d300 540+80", 40, "300 340"}});
     }
 
     void positions()
@@ -155,11 +163,151 @@ private slots:
         PositionTrack track;
         QStringList found;
         for (const QString &stamp : stamps.split(' ')) {
-            const int time = stamp.toInt();
-            track.advance(time, time, milliseconds(found.isEmpty() ? 0 : passed));
-            found << QString::number(time + track.offset());
+            const QString times = stamp.section('d', 0, 0);
+            const int time = times.section('+', 0, 0).toInt();
+            const int shownAt = time + times.section('+', 1).toInt();
+            track.advance(time, shownAt, milliseconds(passed) * (found.size() + 1),
+                          milliseconds(stamp.section('d', 1).toInt()));
+            found << QString::number(shownAt + track.offset());
         }
         QCOMPARE(found.join(' '), positions);
+    }
+
+    /// One picture a word: position@now, and "+" for what waits behind it, "!" for a decoder that
+    /// had nothing to do. "~now+backlog" asks again during the wait. Without that the picture is
+    /// shown in its time; where it goes to makes the next one late.
+    void pacing_data()
+    {
+        rows<bool, QString, QString>(
+            {"live", "pictures", "answers"},
+            {{"in its time", false, "0@100 40@110+9 80@150+9", "show wait140 wait180"},
+             {"stream is late", false, "0@0+9 40@99 80@100+9", "show show wait139"},
+             {"stream was late", false, "0@0+9 40@99!+9 80@100+9", "show show wait139"},
+             {"decoder is late", false, "0@0+9 40@80+9 80@121+9", "show show skip"},
+             {"late, nothing behind it", false, "0@0+9 40@41+9 80@121", "show show show"},
+             {"late for long", false, "0@0+9 10@249+9 10@250+9", "show skip,late show,late"},
+             {"not yet very late", false, "0@0+9 10@210+9 10@211+9", "show skip skip,late"},
+             {"to a key frame", false, "0@0+9 10@1010+9 20@1021+9",
+              "show show,late skip,late,j1001"},
+             {"too late", false, "0@0+9 10@2010+9 20@2021+9 30@2022+9",
+              "show show,late,j2000 show,j2001 wait2031"},
+             {"jump ahead", false, "0@0+9 5000@0+9 10001@5000+9", "show wait5000 show"},
+             {"close together", false, "0@0+9 9@5+9 10@6+9", "show skip wait10"},
+             {"live backlog", true, "0@0+400 40@0+360 80@40+361", "show wait40 skip,late"},
+             {"live, far behind", true, "0@0+1000 9@0+1001", "show,late skip,late,j1000000"},
+             {"live, after a jump", true, "0@0+401 241@0+160 300@9+99", "show,late show wait19"},
+             {"live backlog comes in a wait", true, "0@0+9 90@9+9 ~20+330 ~21+332",
+              "show wait90 wait90 show"},
+             {"backlog comes in a wait", false, "0@0+9 90@9+9 ~20+5000 ~90+9",
+              "show wait90 wait90 show"}});
+    }
+
+    void pacing()
+    {
+        const auto [live, pictures, answers] = row<bool, QString, QString>();
+        Pacing pacing(live);
+        milliseconds position(0);
+        QStringList found;
+        const QStringList words = pictures.split(' ');
+        for (int i = 0; i < words.size(); ++i) {
+            const auto word =
+                QRegularExpression("(?:(\\d+)@|~)(\\d+)(!?)\\+?(\\d*)"_s).match(words[i]);
+            milliseconds now(word.captured(2).toInt());
+            const Pacing::Backlog backlog = {milliseconds(word.captured(4).toInt()),
+                                             word.captured(4).isEmpty(),
+                                             !word.captured(3).isEmpty()};
+            const bool again = word.captured(1).isEmpty();
+            position = again ? position : milliseconds(word.captured(1).toInt());
+            const auto answer = again ? pacing.waited(position, now, backlog)
+                                      : pacing.arrived(position, now, backlog);
+            const auto until = std::chrono::duration_cast<milliseconds>(answer.until);
+            const bool waits = answer.action == Pacing::Action::Wait;
+            const bool skips = answer.action == Pacing::Action::Skip;
+            found << (waits ? "wait%1"_s.arg(until.count()) : skips ? "skip"_s : "show"_s);
+            found.last() += answer.isVeryLate ? ",late" : "";
+            found.last() += answer.jump ? ",j%1"_s.arg(answer.jump->count()) : "";
+            if (!skips && !words.value(i + 1).startsWith('~'))
+                pacing.shown(position, waits ? until : now);
+        }
+        QCOMPARE(found.join(' '), answers);
+    }
+
+    /// Pictures in their time; then none any more.
+    void idlePosition_data()
+    {
+        rows<QString, int, int>({"shown", "now", "position"},
+                                {{"by the clock", "0 40", 289, 289},
+                                 {"not far beyond the last one", "0 40", 291, 290},
+                                 {"as far as the last step", "0 400", 9000, 800},
+                                 {"longest", "0 4000", 9000, 5500}});
+    }
+
+    void idlePosition()
+    {
+        const auto [shown, now, position] = row<QString, int, int>();
+        Pacing pacing(false);
+        for (const QString &time : shown.split(' ')) {
+            pacing.arrived(milliseconds(time.toInt()), milliseconds(time.toInt()), {});
+            pacing.shown(milliseconds(time.toInt()), milliseconds(time.toInt()));
+        }
+        QCOMPARE(int(pacing.idlePosition(milliseconds(now)) / milliseconds(1)), position);
+    }
+
+    /// position@now, with "f" beside a frame; what isn't told is "-".
+    void timeLines_data()
+    {
+        rows<QString, QString>({"times", "told"},
+                               {{"first at once", "0@0 1@199 1@200", "0 - 1"},
+                                {"beside frames", "5@5f 40@124f 40@125f", "5 - 40"},
+                                {"never back", "90@0 90@300f 89@400f 91@500", "90 - - 91"}});
+    }
+
+    void timeLines()
+    {
+        const auto [times, told] = row<QString, QString>();
+        TimeLines lines;
+        QStringList found;
+        milliseconds last(0);
+        for (QString time : times.split(' ')) {
+            const auto beside =
+                time.endsWith('f') ? TimeLines::Beside::Frame : TimeLines::Beside::Nothing;
+            const milliseconds now(time.remove('f').section('@', 1).toInt());
+            const auto line =
+                lines.next(milliseconds(time.section('@', 0, 0).toInt()), now, beside);
+            found << (line ? QString::number(line->count()) : "-"_s);
+            last = line ? now : last;
+            QVERIFY(lines.due(now) == qMax(last + milliseconds(200), now + milliseconds(10)));
+        }
+        QCOMPARE(found.join(' '), told);
+    }
+
+    /// "p" packet, "i" picture, "s" picture that is shown, "x" one that can't be; each at so many
+    /// seconds. Then the second in which the stream is given up.
+    void patience_data()
+    {
+        rows<QString, int>({"events", "over"},
+                           {{"nothing shown", "p1 i8", 10},
+                            {"no more packets", "p1 s2", 33},
+                            {"no picture from packets", "p1 s2 p4 p12", 14},
+                            {"pictures that can't be shown", "p1 s2 p4 x5 p6 x7", 12}});
+    }
+
+    void patience()
+    {
+        const auto [events, over] = row<QString, int>();
+        PicturePatience patience;
+        std::optional<seconds> shown;
+        for (const QString &event : events.split(' ')) {
+            const seconds now(event.mid(1).toInt());
+            QVERIFY(!patience.isOver(now, shown.has_value()));
+            event.startsWith('p') ? patience.gotPacket(now) : patience.gotPicture(now);
+            if (event.startsWith('s'))
+                shown = now;
+            if (event.startsWith('x'))
+                patience.lostPicture(shown.value_or(seconds(0)));
+        }
+        QVERIFY(!patience.isOver(seconds(over - 1), shown.has_value()));
+        QVERIFY(patience.isOver(seconds(over), shown.has_value()));
     }
 
     /// "k40" brings a key packet of that time, "40" another one, each of ten bytes. A packet that
