@@ -34,6 +34,7 @@ extern "C" {
 #include "demo/RequestLog.h"
 #include "demo/StreamingService.h"
 #include "demo/World.h"
+#include "demo/WorldJson.h"
 
 #ifndef ZORVANE_VERSION
 #error "the build defines the client's version"
@@ -110,7 +111,7 @@ public:
                 << "\nredirectorHost=127.0.0.1:" << flvPort
                 << "\ncaCertificate=" << certificates.authorityFile << "\n";
         std::ofstream roster(folder + "/local_roster.txt");
-        roster << world.localRoster().dump(4) << "\n";
+        roster << localRosterJson(world.servers()).dump(4) << "\n";
         profile.close();
         roster.close();
         return profile.good() && roster.good();
@@ -126,7 +127,7 @@ public:
                 {"ca", certificates.authorityFile},
                 {"email", options.email},
                 {"password", options.password},
-                {"lanPassword", World::lanPassword}};
+                {"lanPassword", WorldMaker::lanPassword}};
     }
 
 private:
