@@ -8,8 +8,8 @@
 #include <map>
 
 #include "demo/Http.h"
-#include "demo/Scene.h"
 #include "demo/StripCode.h"
+#include "demo/scenes/Scene.h"
 
 namespace ZorvaneDemo {
 
