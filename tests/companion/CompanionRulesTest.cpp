@@ -59,6 +59,22 @@ QueuedPacket queued(int milliseconds, bool key)
     return {packetOf("ten bytes.", milliseconds, 0, key), std::make_shared<StreamFormat>(), {}};
 }
 
+milliseconds millisecondsOf(const QString &number)
+{
+    return milliseconds(number.toInt());
+}
+
+/// What each of the words brings to be told, where it does.
+template <typename Tell>
+QString tellAll(const QString &words, Tell tell)
+{
+    QStringList found;
+    for (const QString &word : words.split(' '))
+        found << tell(word);
+    found.removeAll(QString());
+    return found.join(' ');
+}
+
 std::vector<std::string> words(const QString &arguments)
 {
     std::vector<std::string> found;
@@ -161,21 +177,21 @@ private slots:
     {
         const auto [stamps, passed, positions] = row<QString, int, QString>();
         PositionTrack track;
-        QStringList found;
-        for (const QString &stamp : stamps.split(' ')) {
+        milliseconds elapsed(0);
+        const milliseconds step(passed);
+        const auto tell = [&](const QString &stamp) {
             const QString times = stamp.section('d', 0, 0);
             const int time = times.section('+', 0, 0).toInt();
             const int shownAt = time + times.section('+', 1).toInt();
-            track.advance(time, shownAt, milliseconds(passed) * (found.size() + 1),
-                          milliseconds(stamp.section('d', 1).toInt()));
-            found << QString::number(shownAt + track.offset());
-        }
-        QCOMPARE(found.join(' '), positions);
+            track.advance(time, shownAt, elapsed += step, millisecondsOf(stamp.section('d', 1)));
+            return QString::number(shownAt + track.offset());
+        };
+        QCOMPARE(tellAll(stamps, tell), positions);
     }
 
-    /// One picture a word: position@now, and "+" for what waits behind it, "!" for a decoder that
-    /// had nothing to do. "~now+backlog" asks again during the wait. Without that the picture is
-    /// shown in its time; where it goes to makes the next one late.
+    /// One picture a word: position@now, "+" for what waits behind it, "!" for a decoder that had
+    /// nothing to do since the one before. "~now+backlog" asks again during the wait, "?now" for
+    /// the time without a new picture. Pictures are shown in their time unless skipped.
     void pacing_data()
     {
         rows<bool, QString, QString>(
@@ -198,6 +214,8 @@ private slots:
              {"live, after a jump", true, "0@0+401 241@0+160 300@9+99", "show,late show wait19"},
              {"live backlog comes in a wait", true, "0@0+9 90@9+9 ~20+330 ~21+332",
               "show wait90 wait90 show"},
+             {"without pictures", false, "0@0 40@40 ?289 ?291 440@440 ?900 4440@4440 ?9000",
+              "show show 289 290 show 840 show 5940"},
              {"backlog comes in a wait", false, "0@0+9 90@9+9 ~20+5000 ~90+9",
               "show wait90 wait90 show"}});
     }
@@ -206,108 +224,74 @@ private slots:
     {
         const auto [live, pictures, answers] = row<bool, QString, QString>();
         Pacing pacing(live);
-        milliseconds position(0);
-        QStringList found;
-        const QStringList words = pictures.split(' ');
-        for (int i = 0; i < words.size(); ++i) {
-            const auto word =
-                QRegularExpression("(?:(\\d+)@|~)(\\d+)(!?)\\+?(\\d*)"_s).match(words[i]);
-            milliseconds now(word.captured(2).toInt());
-            const Pacing::Backlog backlog = {milliseconds(word.captured(4).toInt()),
-                                             word.captured(4).isEmpty(),
-                                             !word.captured(3).isEmpty()};
-            const bool again = word.captured(1).isEmpty();
-            position = again ? position : milliseconds(word.captured(1).toInt());
+        Pacing::Time position(0);
+        std::optional<Pacing::Time> shown;
+        const auto tell = [&](const QString &word) {
+            const QString times = word.section(QRegularExpression("[@~?]"_s), 1);
+            const milliseconds now =
+                millisecondsOf(times.section(QRegularExpression("[!+]"_s), 0, 0));
+            const QString behind = times.section('+', 1);
+            const bool again = word.startsWith('~');
+            if (shown && !again)
+                pacing.shown(position, *std::exchange(shown, {}));
+            if (word.startsWith('?'))
+                return QString::number(pacing.idlePosition(now) / milliseconds(1));
+            position = again ? position : millisecondsOf(word.section('@', 0, 0));
+            const Pacing::Backlog backlog = {millisecondsOf(behind), behind.isEmpty(),
+                                             times.contains('!')};
             const auto answer = again ? pacing.waited(position, now, backlog)
                                       : pacing.arrived(position, now, backlog);
-            const auto until = std::chrono::duration_cast<milliseconds>(answer.until);
             const bool waits = answer.action == Pacing::Action::Wait;
-            const bool skips = answer.action == Pacing::Action::Skip;
-            found << (waits ? "wait%1"_s.arg(until.count()) : skips ? "skip"_s : "show"_s);
-            found.last() += answer.isVeryLate ? ",late" : "";
-            found.last() += answer.jump ? ",j%1"_s.arg(answer.jump->count()) : "";
-            if (!skips && !words.value(i + 1).startsWith('~'))
-                pacing.shown(position, waits ? until : now);
-        }
-        QCOMPARE(found.join(' '), answers);
-    }
-
-    /// Pictures in their time; then none any more.
-    void idlePosition_data()
-    {
-        rows<QString, int, int>({"shown", "now", "position"},
-                                {{"by the clock", "0 40", 289, 289},
-                                 {"not far beyond the last one", "0 40", 291, 290},
-                                 {"as far as the last step", "0 400", 9000, 800},
-                                 {"longest", "0 4000", 9000, 5500}});
-    }
-
-    void idlePosition()
-    {
-        const auto [shown, now, position] = row<QString, int, int>();
-        Pacing pacing(false);
-        for (const QString &time : shown.split(' ')) {
-            pacing.arrived(milliseconds(time.toInt()), milliseconds(time.toInt()), {});
-            pacing.shown(milliseconds(time.toInt()), milliseconds(time.toInt()));
-        }
-        QCOMPARE(int(pacing.idlePosition(milliseconds(now)) / milliseconds(1)), position);
+            QString text = waits ? "wait%1"_s.arg(answer.until / milliseconds(1)) : "show"_s;
+            if (answer.action != Pacing::Action::Skip)
+                shown = waits ? answer.until : now;
+            else
+                text = "skip"_s;
+            text += answer.isVeryLate ? ",late" : "";
+            return answer.jump ? text + ",j%1"_s.arg(answer.jump->count()) : text;
+        };
+        QCOMPARE(tellAll(pictures, tell), answers);
     }
 
     /// position@now, with "f" beside a frame; what isn't told is "-".
-    void timeLines_data()
-    {
-        rows<QString, QString>({"times", "told"},
-                               {{"first at once", "0@0 1@199 1@200", "0 - 1"},
-                                {"beside frames", "5@5f 40@124f 40@125f", "5 - 40"},
-                                {"never back", "90@0 90@300f 89@400f 91@500", "90 - - 91"}});
-    }
-
     void timeLines()
     {
-        const auto [times, told] = row<QString, QString>();
         TimeLines lines;
-        QStringList found;
         milliseconds last(0);
-        for (QString time : times.split(' ')) {
-            const auto beside =
-                time.endsWith('f') ? TimeLines::Beside::Frame : TimeLines::Beside::Nothing;
-            const milliseconds now(time.remove('f').section('@', 1).toInt());
+        const auto tell = [&](const QString &word) {
+            const QString time = word.section('f', 0, 0);
+            const milliseconds now = millisecondsOf(time.section('@', 1));
             const auto line =
-                lines.next(milliseconds(time.section('@', 0, 0).toInt()), now, beside);
-            found << (line ? QString::number(line->count()) : "-"_s);
+                lines.next(millisecondsOf(time.section('@', 0, 0)), now,
+                           time == word ? TimeLines::Beside::Nothing : TimeLines::Beside::Frame);
             last = line ? now : last;
-            QVERIFY(lines.due(now) == qMax(last + milliseconds(200), now + milliseconds(10)));
-        }
-        QCOMPARE(found.join(' '), told);
+            const bool due =
+                lines.due(now) == qMax(last + milliseconds(200), now + milliseconds(10));
+            return !due ? "due?"_s : line ? QString::number(line->count()) : "-"_s;
+        };
+        QCOMPARE(tellAll("0@0 1@199 1@200 2@319f 2@320f 2@999 1@999f 3@1000"_s, tell),
+                 "0 - 1 - 2 - - 3"_s);
     }
 
-    /// "p" packet, "i" picture, "s" picture that is shown, "x" one that can't be; each at so many
-    /// seconds. Then the second in which the stream is given up.
-    void patience_data()
-    {
-        rows<QString, int>({"events", "over"},
-                           {{"nothing shown", "p1 i8", 10},
-                            {"no more packets", "p1 s2", 33},
-                            {"no picture from packets", "p1 s2 p4 p12", 14},
-                            {"pictures that can't be shown", "p1 s2 p4 x5 p6 x7", 12}});
-    }
-
+    /// Nine seconds for a picture, half a minute for a packet.
     void patience()
     {
-        const auto [events, over] = row<QString, int>();
         PicturePatience patience;
-        std::optional<seconds> shown;
-        for (const QString &event : events.split(' ')) {
-            const seconds now(event.mid(1).toInt());
-            QVERIFY(!patience.isOver(now, shown.has_value()));
-            event.startsWith('p') ? patience.gotPacket(now) : patience.gotPicture(now);
-            if (event.startsWith('s'))
-                shown = now;
-            if (event.startsWith('x'))
-                patience.lostPicture(shown.value_or(seconds(0)));
-        }
-        QVERIFY(!patience.isOver(seconds(over - 1), shown.has_value()));
-        QVERIFY(patience.isOver(seconds(over), shown.has_value()));
+        const auto endsAfter = [&patience](int limit, bool shown = true) {
+            return !patience.isOver(seconds(limit), shown) &&
+                   patience.isOver(seconds(limit) + milliseconds(1), shown);
+        };
+        patience.gotPacket(seconds(1));
+        QVERIFY(endsAfter(9, false));
+        patience.gotPicture(seconds(2));
+        QVERIFY(endsAfter(32));
+        patience.gotPacket(seconds(4));
+        patience.gotPacket(seconds(12));
+        QVERIFY(endsAfter(13));
+        patience.gotPicture(seconds(12));
+        patience.lostPicture(seconds(2));
+        patience.gotPacket(seconds(12));
+        QVERIFY(endsAfter(11));
     }
 
     /// "k40" brings a key packet of that time, "40" another one, each of ten bytes. A packet that
@@ -340,30 +324,28 @@ private slots:
     {
         const auto [steps, told] = row<QString, QString>();
         PacketQueue queue({100, milliseconds(1000), PacketQueue::Overflow::DropToKey});
-        QStringList found;
-        for (const QString &step : steps.split(' ')) {
+        const auto tell = [&queue](const QString &step) {
+            QueuedPacket item;
             if (step == "pop"_s) {
-                QueuedPacket item;
                 const auto taken = queue.pop(item, milliseconds(0));
                 const auto dropped = QString::number(item.droppedBefore.count());
                 if (taken == PacketQueue::Taken::Packet)
-                    found << QString::number(item.packet->dts) + '+' + dropped;
-                else
-                    found << (taken == PacketQueue::Taken::End ? "end" : "nothing");
-            } else if (step == "span"_s) {
-                found << QString::number(queue.span().count());
-            } else if (step == "clear"_s) {
-                queue.clear();
-            } else if (step == "finish"_s) {
-                queue.finish(PacketQueue::End::Finished);
-            } else if (step.startsWith("reach"_s)) {
-                const milliseconds reach(step.mid(5).toInt());
-                found << (queue.dropToKey(reach) ? "dropped" : "kept");
-            } else {
-                queue.push(queued(step.mid(step.startsWith('k')).toInt(), step.startsWith('k')));
+                    return QString::number(item.packet->dts) + '+' + dropped;
+                return taken == PacketQueue::Taken::End ? "end"_s : "nothing"_s;
             }
-        }
-        QCOMPARE(found.join(' ').replace("+0"_s, ""_s), told);
+            if (step == "span"_s)
+                return QString::number(queue.span().count());
+            if (step.startsWith("reach"_s))
+                return queue.dropToKey(millisecondsOf(step.mid(5))) ? "dropped"_s : "kept"_s;
+            if (step == "clear"_s)
+                queue.clear();
+            else if (step == "finish"_s)
+                queue.finish(PacketQueue::End::Finished);
+            else
+                queue.push(queued(step.mid(step.startsWith('k')).toInt(), step.startsWith('k')));
+            return ""_s;
+        };
+        QCOMPARE(tellAll(steps, tell).replace("+0"_s, ""_s), told);
     }
 
     void fullQueueHoldsTheReaderBack()
