@@ -157,6 +157,7 @@ private slots:
         };
         const FlvClip moved = FlvClip{toned.header, {}}.then(toned, 1'900'000'000);
         const FlvClip gaps = clip.then(clip, gap).then(clip, 2000).then(clip, 10 * gap);
+        const FlvClip other = Clips::quarters(QSize(160, 96), clipMilliseconds, h264);
         const FlvClip anew = {clip.header, clip.tags + clip.tags};
         rows<FlvClip, QString, int, int, QStringList>(
             {"stream", "container", "clips", "silence", "codecs"},
@@ -172,6 +173,8 @@ private slots:
              {"stamps from anywhere", moved, "mp4", 1, 0, {"h264", "mp3"}},
              {"stamps jump over a gap", clip.then(clip, gap), "mp4", 2, gap, {"h264"}},
              {"stamps begin anew", anew, "mp4", 2, gap, {"h264"}},
+             {"other parameter sets", clip.then(other), "mp4", 2, 0, {"h264"}},
+             {"other parameter sets, avi", clip.then(other), "avi", 2, 0, {"h264"}},
              {"three gaps", gaps, "mp4", 4, 11 * gap + 2000, {"h264"}},
              {"jump without any reason", clip.then(clip, 100'000'000), "mp4", 2, 0, {"h264"}}});
     }
