@@ -44,14 +44,18 @@ struct VideoFile {
             codecs << stream["codec_name"].toString();
         size = QSize(root["streams"][0]["width"].toInt(), root["streams"][0]["height"].toInt());
         pictures = root["streams"][0]["nb_read_frames"].toString().toInt();
-        faults = outputOf("ffmpeg", {"-i", path, "-f", "null", "-"});
+        const QString backwards = "%1%+#5,0%+#5"_s.arg(seconds * 0.9);
+        faults = outputOf("ffmpeg", {"-i", path, "-f", "null", "-"}) +
+                 outputOf("ffprobe", {"-read_intervals", backwards, "-count_frames",
+                                      "-show_entries", "format=", "-of", "csv=p=0", path})
+                     .trimmed();
     }
 
     QStringList codecs; ///< video first
     QSize size;
     double seconds;
     int pictures;      ///< that can be decoded
-    QByteArray faults; ///< what a decoder complains about
+    QByteArray faults; ///< what a decoder complains about, who goes back to the beginning too
 };
 
 /// The real player at an export into a folder of its own, and the server of its stream. Its
