@@ -13,8 +13,8 @@ namespace {
 using std::chrono::microseconds;
 using std::chrono::milliseconds;
 
-constexpr size_t maxVideoBytes = 16 * 1024 * 1024;
-constexpr size_t maxAudioBytes = 1024 * 1024;
+constexpr size_t maxVideoBytes = size_t(16) * 1024 * 1024;
+constexpr size_t maxAudioBytes = size_t(1024) * 1024;
 /// How far a stream that isn't live is read ahead.
 constexpr auto readAhead = milliseconds(2000);
 constexpr auto maxLiveBacklog = milliseconds(20'000);
