@@ -48,7 +48,7 @@ bool ContainerWriter::begin(const AVCodecParameters &videoParameters,
         if (!sound)
             return false;
     }
-    if (!annexB && videoParameters.codec_id == AV_CODEC_ID_H264)
+    if (videoParameters.codec_id == AV_CODEC_ID_H264)
         parameterSets.set(videoParameters.extradata,
                           static_cast<size_t>(videoParameters.extradata_size));
     return avformat_write_header(output.get(), nullptr) >= 0;
@@ -95,10 +95,13 @@ bool ContainerWriter::setUpFilter(const AVCodecParameters &parameters)
     return avcodec_parameters_copy(context->par_in, &parameters) >= 0 && av_bsf_init(context) >= 0;
 }
 
+/// The converter would give all key frames the sets of the first record.
 bool ContainerWriter::filter(AVPacket &packet)
 {
+    if (!parameterSets.apply(packet))
+        return false;
     if (!annexB)
-        return parameterSets.apply(packet);
+        return true;
     return av_bsf_send_packet(annexB.get(), &packet) >= 0 &&
            av_bsf_receive_packet(annexB.get(), &packet) >= 0;
 }

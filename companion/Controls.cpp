@@ -50,6 +50,11 @@ Controls::Time Controls::now() const
     return nowLocked();
 }
 
+Controls::Time Controls::elapsed() const
+{
+    return std::chrono::duration_cast<Time>(Clock::now() - started);
+}
+
 void Controls::waitWhilePaused() const
 {
     std::unique_lock<std::mutex> lock(mutex);

@@ -8,8 +8,9 @@
 namespace ZorvaneClient {
 namespace Companion {
 
-/// What the client commands, shared by all threads, and the clock that stands still while
-/// the client has paused the stream. All limits and pacing go by that clock.
+/// What the client commands, shared by all threads, and the player's clock. It stands still
+/// while the client has paused the stream: all limits and pacing go by that. The wall doesn't
+/// stand still, so what has to keep up with it asks for the same clock with its pauses.
 class Controls
 {
 public:
@@ -23,6 +24,8 @@ public:
     bool isPaused() const;
     int volume() const;
     Time now() const;
+    /// The same, pauses counted.
+    Time elapsed() const;
 
     void waitWhilePaused() const;
     /// Returns at once when `time` is over; waits for the end of a pause before it counts on.
@@ -39,7 +42,8 @@ private:
     mutable std::condition_variable changed;
     bool paused = false;
     int currentVolume = 0;
-    Clock::time_point origin = Clock::now();
+    const Clock::time_point started = Clock::now();
+    Clock::time_point origin = started; ///< later by all pauses that are over
     Clock::time_point pausedAt;
 };
 

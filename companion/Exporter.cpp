@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <utility>
-#include <vector>
 
 #include "companion/ExportOutput.h"
 #include "companion/FormatProbe.h"
@@ -18,21 +17,12 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// So much of the stream is looked at before the file begins: what its head says can't be
-/// changed any more.
-constexpr auto lookAhead = milliseconds(2000);
-constexpr size_t maxWaitingBytes = size_t(16) * 1024 * 1024;
-
 /// A stream may be so much shorter than what is told to be recorded; else it has broken off.
 constexpr auto smallShortfall = milliseconds(1000);
 constexpr int shortfallDivisor = 20;
 
 /// A server that sends so much more than the whole fragment doesn't know its end.
 constexpr auto longestOverrun = milliseconds(10'000);
-
-/// Slots for pictures are never farther apart, so that a camera may become faster.
-constexpr int64_t longestSlotMilliseconds = 40;
-constexpr int64_t shortestSlotMilliseconds = 10;
 
 constexpr int wholePercent = 100;
 constexpr int percentWhileCopying = 99;
@@ -140,15 +130,12 @@ bool Exporter::chooseStream(const AVStream &stream, const AVPacket &packet)
     }
 }
 
-bool Exporter::takeSample(Sample sample)
+bool Exporter::takeSample(ExportSample sample)
 {
     if (begun)
         return writeSample(std::move(sample));
-    waitingBytes += static_cast<size_t>(sample.packet->size);
-    waiting.push_back(std::move(sample));
-    if (timeline.end() < lookAhead && waitingBytes < maxWaitingBytes)
-        return true;
-    return beginFile();
+    beginning.add(std::move(sample));
+    return !beginning.isEnough(timeline.end()) || beginFile();
 }
 
 bool Exporter::beginFile()
@@ -159,60 +146,34 @@ bool Exporter::beginFile()
     const CodecParametersHandle videoFormat = copyOf(*video->codecpar);
     if (!videoFormat || !writer.takes(codec))
         return fail(arguments.container + " takes no " + nameOf(codec));
-    if (!completeFormat(*videoFormat, waitingPackets(ExportTimeline::Video)))
+    if (!completeFormat(*videoFormat, beginning.packets(ExportTimeline::Video)))
         return fail("no picture can be decoded");
 
     CodecParametersHandle soundFormat = sound ? copyOf(*sound->codecpar) : nullptr;
     if (soundFormat && !hasUsableSound(*soundFormat))
         soundFormat.reset();
-    begun = writer.begin(*videoFormat, soundFormat.get(), pictureSlot());
+    begun = writer.begin(*videoFormat, soundFormat.get(), beginning.pictureSlot());
     if (!begun && soundFormat)
-        begun = writer.begin(*videoFormat, nullptr, pictureSlot());
+        begun = writer.begin(*videoFormat, nullptr, beginning.pictureSlot());
     if (!begun)
         return fail("the file can't be begun");
     if (sound && !writer.hasSound())
         noteMissingSound(sound->codecpar->codec_id);
 
-    for (Sample &sample : waiting) {
+    for (ExportSample &sample : beginning.take()) {
         if (!writeSample(std::move(sample)))
             return false;
     }
-    waiting.clear();
     return true;
 }
 
 bool Exporter::hasUsableSound(AVCodecParameters &format) const
 {
     return writer.takes(format.codec_id) &&
-           completeFormat(format, waitingPackets(ExportTimeline::Sound));
+           completeFormat(format, beginning.packets(ExportTimeline::Sound));
 }
 
-std::vector<const AVPacket *> Exporter::waitingPackets(ExportTimeline::Kind kind) const
-{
-    std::vector<const AVPacket *> packets;
-    for (const Sample &sample : waiting) {
-        if (sample.kind == kind)
-            packets.push_back(sample.packet.get());
-    }
-    return packets;
-}
-
-/// The time of one picture, or a part of it, in seconds.
-AVRational Exporter::pictureSlot() const
-{
-    const std::vector<const AVPacket *> pictures = waitingPackets(ExportTimeline::Video);
-    const auto steps = static_cast<int64_t>(pictures.size()) - 1;
-    const int64_t span = pictures.back()->dts - pictures.front()->dts;
-    if (steps < 1 || span < steps * shortestSlotMilliseconds)
-        return {shortestSlotMilliseconds, 1000};
-    const int64_t longest = steps * longestSlotMilliseconds;
-    const int64_t slots = (span + longest - 1) / longest * steps;
-    AVRational slot = {};
-    av_reduce(&slot.num, &slot.den, span, slots * 1000, INT16_MAX);
-    return slot;
-}
-
-bool Exporter::writeSample(Sample sample)
+bool Exporter::writeSample(ExportSample sample)
 {
     if (sample.kind == ExportTimeline::Sound)
         return writer.writeSound(std::move(sample.packet)) || fail("the sound can't be written");

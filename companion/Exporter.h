@@ -3,11 +3,11 @@
 
 #include <chrono>
 #include <cstdint>
-#include <deque>
 #include <string>
 
 #include "companion/ContainerWriter.h"
 #include "companion/ExportArguments.h"
+#include "companion/ExportLookAhead.h"
 #include "companion/ExportTimeline.h"
 
 namespace ZorvaneClient {
@@ -35,11 +35,6 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    struct Sample {
-        ExportTimeline::Kind kind;
-        PacketHandle packet; ///< its times are those of the file
-    };
-
     static int interruptWhenStalled(void *exporter);
     bool isStalled();
 
@@ -48,12 +43,10 @@ private:
     bool isBeyondFragment() const;
     bool takePacket(PacketHandle packet);
     bool chooseStream(const AVStream &stream, const AVPacket &packet);
-    bool takeSample(Sample sample);
+    bool takeSample(ExportSample sample);
     bool beginFile();
     bool hasUsableSound(AVCodecParameters &sound) const;
-    std::vector<const AVPacket *> waitingPackets(ExportTimeline::Kind kind) const;
-    AVRational pictureSlot() const;
-    bool writeSample(Sample sample);
+    bool writeSample(ExportSample sample);
     bool finish();
     bool fail(const std::string &what);
 
@@ -66,8 +59,7 @@ private:
     const AVStream *video = nullptr;
     const AVStream *sound = nullptr;
 
-    std::deque<Sample> waiting; ///< until enough is known to begin the file
-    size_t waitingBytes = 0;
+    ExportLookAhead beginning;
     bool begun = false;
     bool torn = false; ///< the stream ended in the middle of a packet
     std::string errorText;

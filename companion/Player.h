@@ -1,26 +1,26 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <chrono>
-#include <optional>
-
 #include "companion/Arguments.h"
 #include "companion/AudioPlayer.h"
 #include "companion/Controls.h"
 #include "companion/FrameFile.h"
 #include "companion/LineOutput.h"
-#include "companion/PacingClock.h"
+#include "companion/Pacing.h"
 #include "companion/PacketQueue.h"
 #include "companion/PictureConverter.h"
 #include "companion/PictureDecoder.h"
+#include "companion/PicturePatience.h"
 #include "companion/PositionTrack.h"
 #include "companion/StreamReader.h"
+#include "companion/TimeLines.h"
 
 namespace ZorvaneClient {
 namespace Companion {
 
-/// Plays one stream into the frame file and tells the client about it. A live stream is kept
-/// close to its newest picture, any other one is played in its own time.
+/// Plays one stream into the frame file and tells the client about it. `Pacing` decides about
+/// each picture, `TimeLines` about what time the client is told, `PicturePatience` when to give
+/// up; here it is done.
 ///
 /// Three threads: the caller's decodes and shows pictures and is the only one that writes
 /// lines; one reads the network; one plays the sound. The last two may hang in a system call,
@@ -43,17 +43,14 @@ private:
     void enter(Phase newPhase);
 
     void takePacket(const QueuedPacket &item);
-    void stampPosition(const QueuedPacket &item);
     void showDecoded();
     void present(const AVFrame &picture);
-    void keepClock(Time position);
-    void catchUpLive(Time position);
-    bool isSkipped(Time position) const;
-    void waitUntilDue(Time position);
+    Pacing::Backlog backlog() const;
+    void jumpAsTold(const Pacing::Answer &answer);
     void show(const AVFrame &picture, Time position);
 
     void whileIdle();
-    void tellTime(Time position, std::chrono::milliseconds interval);
+    void tellTime(Time position, TimeLines::Beside beside);
     std::chrono::milliseconds idlePatience() const;
     bool isGivenUp() const;
     bool flush();
@@ -69,23 +66,16 @@ private:
     StreamReader reader;
     PictureDecoder decoder;
     PictureConverter converter;
-    PacingClock clock;
+    Pacing pacing;
+    TimeLines timeLines;
+    PicturePatience patience;
     PositionTrack track;
     AudioPlayer audio;
 
-    const std::chrono::steady_clock::time_point started = std::chrono::steady_clock::now();
     Phase phase = Phase::Opening;
     bool clientGone = false;
-    bool ranDry = false;
+    bool ranDry = false; ///< since the last picture
     PictureSize size;
-    Time lastDecoded{0};
-    std::optional<Time> packetSince;
-    std::optional<std::chrono::steady_clock::time_point> lastPacket;
-    Time lastShownPosition{0};
-    Time timeAhead{0};
-    Time lastShown{0};
-    std::optional<std::chrono::milliseconds> toldPosition;
-    Time lastTold{0};
 };
 
 } // namespace Companion

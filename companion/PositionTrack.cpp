@@ -18,19 +18,19 @@ constexpr auto ordinaryStep = Duration(40);
 
 } // namespace
 
-void PositionTrack::advance(int64_t stamp, int64_t shownAt, Duration passed)
+void PositionTrack::advance(int64_t stamp, int64_t shownAt, std::chrono::microseconds elapsed,
+                            Duration dropped)
 {
-    if (!started) {
-        started = true;
-        currentOffset = passed.count() - shownAt;
-        lastStamp = stamp;
-        return;
+    if (!last) {
+        currentOffset = dropped.count() - shownAt;
+    } else {
+        const Duration passed = std::chrono::floor<Duration>(elapsed - last->elapsed) + dropped;
+        const int64_t longest = std::max(maxStep, passed + passedTolerance).count();
+        const int64_t step = stamp - last->stamp;
+        if (step < 0 || step > longest)
+            currentOffset += ordinaryStep.count() - step;
     }
-    const int64_t longest = std::max(maxStep, passed + passedTolerance).count();
-    const int64_t step = stamp - lastStamp;
-    if (step < 0 || step > longest)
-        currentOffset += ordinaryStep.count() - step;
-    lastStamp = stamp;
+    last = {stamp, elapsed};
 }
 
 } // namespace Companion

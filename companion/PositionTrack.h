@@ -4,6 +4,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <optional>
 
 namespace ZorvaneClient {
 namespace Companion {
@@ -15,17 +16,22 @@ class PositionTrack
 public:
     using Duration = std::chrono::milliseconds;
 
-    /// Goes on to the packet with that decoding time. `passed` is the real time since the last
-    /// packet and the length of what was dropped between: a stream may jump that far ahead. The
-    /// first packet, shown at `shownAt`, gets the position `passed`.
-    void advance(int64_t stamp, int64_t shownAt, Duration passed);
+    /// Goes on to the packet with that decoding time, which comes at `elapsed`, pauses counted.
+    /// A stream may jump as far as the time since the packet before and what was `dropped`
+    /// between. The first packet, shown at `shownAt`, gets the position `dropped`.
+    void advance(int64_t stamp, int64_t shownAt, std::chrono::microseconds elapsed,
+                 Duration dropped);
 
     /// What is to be added to a time stamp for its position. Any thread may ask.
     int64_t offset() const { return currentOffset; }
 
 private:
-    bool started = false;
-    int64_t lastStamp = 0;
+    struct Packet {
+        int64_t stamp;
+        std::chrono::microseconds elapsed;
+    };
+
+    std::optional<Packet> last;
     std::atomic<int64_t> currentOffset{0};
 };
 

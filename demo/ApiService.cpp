@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 
+#include "demo/WorldJson.h"
+
 namespace ZorvaneDemo {
 
 namespace {
@@ -77,7 +79,8 @@ HttpReply ApiService::handle(const HttpRequest &request)
         return success({{"version", version}});
     }
     if (get && path == rosterPath)
-        return isSignedIn(request) ? success(world.roster()) : failure(403, unknownSession);
+        return isSignedIn(request) ? success(rosterJson(world.servers()))
+                                   : failure(403, unknownSession);
     if (get && path == layoutsPath)
         return isSignedIn(request) ? success(accounts.layouts()) : failure(403, unknownSession);
     if (post && path == layoutsPath)

@@ -6,8 +6,8 @@
 #include <memory>
 #include <vector>
 
-#include "demo/Scene.h"
 #include "demo/VideoEncoder.h"
+#include "demo/scenes/Scene.h"
 
 namespace ZorvaneDemo {
 

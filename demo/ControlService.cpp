@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "demo/WorldJson.h"
+
 namespace ZorvaneDemo {
 
 namespace {
@@ -71,7 +73,7 @@ HttpReply ControlService::handle(const HttpRequest &request)
 HttpReply ControlService::show(const HttpRequest &request)
 {
     if (request.path == "/world")
-        return json(200, world.describe());
+        return json(200, worldJson(world.servers()));
     if (request.path == "/requests")
         return json(200, log.describe(request.parameters()["path"]));
     if (request.path == "/faults")

@@ -8,41 +8,11 @@
 #include <map>
 #include <mutex>
 #include <optional>
-#include <string>
 
+#include "demo/Fault.h"
 #include "demo/Http.h"
 
 namespace ZorvaneDemo {
-
-/// Something that goes wrong on purpose with the replies it matches.
-struct Fault {
-    enum class Kind {
-        Close,
-        Stall,
-        Truncate,
-        Garble,
-        Slow,
-        Delay,
-        Empty,
-        Redirect,
-        NonJson,
-        Status
-    };
-
-    Kind kind = Kind::Close;
-    std::string listener;     ///< empty: any
-    std::string route;        ///< empty: any; with a '*' at its end: a beginning
-    std::string server;       ///< empty: any
-    std::int64_t camera = -1; ///< -1: any
-    std::int64_t times = -1;  ///< -1: until cleared
-    std::int64_t value = 0;
-    std::int64_t after = 0;
-    std::string location;
-
-    /// Nothing when `json` names no known kind.
-    static std::optional<Fault> fromJson(const nlohmann::json &json);
-    bool matches(const HttpRequest &request) const;
-};
 
 /// The faults in force. Safe to use from any thread.
 class Faults
@@ -63,6 +33,9 @@ public:
     HttpReply apply(const HttpRequest &request, HttpReply reply);
 
 private:
+    HttpReply::Stream spoiled(const HttpRequest &request, const std::optional<Fault> &fault,
+                              HttpReply *reply) const;
+
     mutable std::mutex mutex;
     std::map<int, Fault> faults;
     int nextNumber = 1;

@@ -2,12 +2,11 @@
 #include "demo/FlvService.h"
 
 #include <algorithm>
-#include <limits>
 #include <memory>
 #include <optional>
 
 #include "demo/Archive.h"
-#include "demo/Flv.h"
+#include "demo/FlvFeed.h"
 #include "demo/LocalTime.h"
 
 namespace ZorvaneDemo {
@@ -21,22 +20,6 @@ constexpr std::int64_t secondMs = 1000;
 constexpr std::int64_t largestLagMs = 3000;
 /// An archive stream comes so much before its time: recorders read ahead.
 constexpr std::int64_t leadMs = 500;
-constexpr int keyFramesOnlyFrom = 4;
-constexpr int mostKeyFramesPerSecond = 25;
-constexpr int largestSpeed = 32;
-constexpr std::int64_t largestUploadRate = 1'000'000;
-constexpr std::int64_t endless = std::numeric_limits<std::int64_t>::max();
-
-/// Number, since the epoch, of the packet of `clip` that begins at or after `momentMs`.
-std::int64_t packetFrom(const Clip &clip, std::int64_t momentMs)
-{
-    return (momentMs * clip.packetCount() + minuteMs - 1) / minuteMs;
-}
-
-std::int64_t packetTimeMs(const Clip &clip, std::int64_t number)
-{
-    return number * minuteMs / clip.packetCount();
-}
 
 /// The first key frame of what `record` holds from `momentMs` on. A picture needs the key frame
 /// of its second, unless that was before the record began.
@@ -93,42 +76,8 @@ private:
     std::int64_t beganMs = nowMs();
 };
 
-} // namespace
-
-/// What is wanted of an archive.
-struct FlvService::Span {
-    std::int64_t startMs = 0;
-    std::int64_t endMs = endless;
-    int speed = 1;
-    bool isExport = false;
-    std::int64_t bytesPerMs = 0;
-
-    /// A span without an end is played, its times are seconds; one with an end is exported.
-    static std::optional<Span> from(const HttpRequest &request);
-};
-
-std::optional<FlvService::Span> FlvService::Span::from(const HttpRequest &request)
-{
-    auto parameters = request.parameters();
-    Span span;
-    span.startMs = numberOr(parameters["startTime"], -1);
-    if (span.startMs < 0 || span.startMs > largestTime)
-        return std::nullopt;
-    span.isExport = parameters.count("endTime") > 0;
-    if (!span.isExport) {
-        span.startMs *= secondMs;
-        span.speed = static_cast<int>(
-            std::clamp<std::int64_t>(numberOr(parameters["speed"], 1), 1, largestSpeed));
-        return span;
-    }
-    span.endMs = std::min(numberOr(parameters["endTime"], -1), nowMs());
-    span.bytesPerMs =
-        std::clamp<std::int64_t>(numberOr(parameters["uploadRate"], 0), 0, largestUploadRate);
-    return span.endMs < 0 ? std::nullopt : std::optional<Span>(span);
-}
-
 /// Tells when it is time to look whether a camera may still be seen.
-class FlvService::Watch
+class Watch
 {
 public:
     explicit Watch(const World &cameras) : world(cameras) {}
@@ -148,95 +97,6 @@ private:
     std::uint64_t generation = world.generation();
     std::int64_t checkedMs = nowMs();
 };
-
-/// Turns moments into FLV for one receiver.
-class FlvService::Feed
-{
-public:
-    Feed(const ClipStore &clips, const Camera &camera, int quality, BodySink &receiver)
-        : video(clips.video(camera.scene, quality))
-        , sound(clips.sound())
-        , number(camera.number)
-        , sink(receiver)
-    {
-    }
-
-    bool isReady() const { return video && sound; }
-
-    /// Begins with the key frame of the second that holds `momentMs`, at time stamp 0.
-    bool begin(std::int64_t momentMs)
-    {
-        Bytes out;
-        appendFlvHeader(*video, &out);
-        zeroMs = momentMs / secondMs * secondMs;
-        seek(zeroMs);
-        return sink.write(out.data(), out.size());
-    }
-
-    /// Goes on with the key frame of the second that holds `momentMs`, as much later by the
-    /// time stamps.
-    void seek(std::int64_t momentMs)
-    {
-        const std::int64_t second = momentMs / secondMs * secondMs;
-        nextPicture = packetFrom(*video, second);
-        nextSound = packetFrom(*sound, second);
-    }
-
-    /// Goes on there as if nothing lay between.
-    void join(std::int64_t momentMs)
-    {
-        zeroMs -= nextMs();
-        seek(momentMs);
-        zeroMs += nextMs();
-    }
-
-    std::int64_t nextMs() const { return packetTimeMs(*video, nextPicture); }
-
-    /// Sends the next picture and the sound up to it; time stamps run `speed` times as fast.
-    bool send(int speed)
-    {
-        Bytes out;
-        const std::int64_t momentMs = nextMs();
-        while (speed == 1 && packetTimeMs(*sound, nextSound) <= momentMs) {
-            const int at = static_cast<int>(nextSound % sound->packetCount());
-            appendFlvSound(stamp(packetTimeMs(*sound, nextSound), 1), sound->packetData(at),
-                           sound->packetSize(at), &out);
-            ++nextSound;
-        }
-        const int at = static_cast<int>(nextPicture % video->packetCount());
-        picture.clear();
-        video->appendPicture(at, number, &picture);
-        appendFlvVideo(stamp(momentMs, speed), video->isKeyFrame(at), picture, &out);
-        if (speed >= keyFramesOnlyFrom)
-            nextPicture += keyFrameStep(speed) * video->packetCount() / (minuteMs / secondMs);
-        else
-            ++nextPicture;
-        return sink.write(out.data(), out.size());
-    }
-
-private:
-    /// In seconds; so large that no more key frames come than a player can show.
-    static std::int64_t keyFrameStep(int speed)
-    {
-        return (speed + mostKeyFramesPerSecond - 1) / mostKeyFramesPerSecond;
-    }
-
-    std::uint32_t stamp(std::int64_t momentMs, int speed) const
-    {
-        return static_cast<std::uint32_t>((momentMs - zeroMs) / speed);
-    }
-
-    const std::shared_ptr<const Clip> video;
-    const std::shared_ptr<const Clip> sound;
-    const int number;
-    BodySink &sink;
-    Bytes picture;
-    std::int64_t zeroMs = 0; ///< moment of time stamp 0
-    std::int64_t nextPicture = 0;
-    std::int64_t nextSound = 0;
-};
-
-namespace {
 
 /// Counts a stream for as long as it is sent.
 class Counted
@@ -269,7 +129,7 @@ HttpReply FlvService::live(const HttpRequest &request)
 
 bool FlvService::sendLive(const HttpRequest &request, const Camera &camera, BodySink &sink) const
 {
-    Feed feed(clips, camera, requestedQuality(request), sink);
+    FlvFeed feed(clips, camera, requestedQuality(request), sink);
     if (!feed.isReady() || !feed.begin(nowMs()))
         return false;
     Watch watch(world);
@@ -290,15 +150,15 @@ HttpReply FlvService::archive(const HttpRequest &request)
     const Access::Result result = access.check(request, Access::Need::Archive);
     if (result.status != 200)
         return HttpReply::refusal(result.status);
-    const auto span = Span::from(request);
+    const auto span = ArchiveSpan::from(request);
     if (!span)
         return HttpReply::refusal(400);
     // The cloud gives no archive away.
-    if (span->isExport && request.listener != "lan")
+    if (span->isExport() && request.listener != "lan")
         return HttpReply::refusal(403);
     const Archive archive(result.camera, nowMs());
     const auto record =
-        span->isExport ? archive.recordFrom(span->startMs) : archive.recordAt(span->startMs);
+        span->isExport() ? archive.recordFrom(span->startMs) : archive.recordAt(span->startMs);
     if (!record || record->startMs >= span->endMs)
         return HttpReply::refusal(404);
     HttpReply reply;
@@ -311,11 +171,11 @@ HttpReply FlvService::archive(const HttpRequest &request)
     return reply;
 }
 
-bool FlvService::sendArchive(const HttpRequest &request, const Camera &camera, const Span &span,
-                             Record record, BodySink &sink) const
+bool FlvService::sendArchive(const HttpRequest &request, const Camera &camera,
+                             const ArchiveSpan &span, Record record, BodySink &sink) const
 {
     RateLimit limited(sink, span.bytesPerMs);
-    Feed feed(clips, camera, requestedQuality(request), limited);
+    FlvFeed feed(clips, camera, requestedQuality(request), limited);
     if (!feed.isReady() || !feed.begin(keyFrameFrom(record, span.startMs)))
         return false;
     Pace pace(feed.nextMs(), span.speed);
@@ -324,7 +184,7 @@ bool FlvService::sendArchive(const HttpRequest &request, const Camera &camera, c
         const std::int64_t moment = feed.nextMs();
         if (moment >= span.endMs)
             return true;
-        if (!span.isExport)
+        if (!span.isExport())
             pace.await(moment);
         if (moment >= record.endMs || watch.isDue()) {
             if (!findRecord(request, span, &record, &feed))
@@ -335,20 +195,20 @@ bool FlvService::sendArchive(const HttpRequest &request, const Camera &camera, c
     }
 }
 
-bool FlvService::findRecord(const HttpRequest &request, const Span &span, Record *record,
-                            Feed *feed) const
+bool FlvService::findRecord(const HttpRequest &request, const ArchiveSpan &span, Record *record,
+                            FlvFeed *feed) const
 {
     const Access::Result result = access.check(request, Access::Need::Archive);
     if (result.status != 200)
         return false;
     const Archive archive(result.camera, nowMs());
     const std::int64_t moment = feed->nextMs();
-    const auto found = span.isExport ? archive.recordFrom(moment) : archive.recordAt(moment);
+    const auto found = span.isExport() ? archive.recordFrom(moment) : archive.recordAt(moment);
     if (!found)
         return false;
     // Else it is the one at hand, which may have grown.
     if (found->startMs != record->startMs) {
-        if (!span.isExport || found->startMs >= span.endMs)
+        if (!span.isExport() || found->startMs >= span.endMs)
             return false;
         feed->join(keyFrameFrom(*found, moment));
     }

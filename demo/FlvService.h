@@ -5,12 +5,15 @@
 #include <cstdint>
 
 #include "demo/Access.h"
+#include "demo/ArchiveSpan.h"
 #include "demo/ClipStore.h"
 #include "demo/Http.h"
 #include "demo/RecordPlan.h"
 #include "demo/World.h"
 
 namespace ZorvaneDemo {
+
+class FlvFeed;
 
 /// `/flv/live` and `/flv/archive`: packets of the cameras' clips, copied, in real time.
 class FlvService
@@ -33,16 +36,13 @@ public:
     int openStreams() const { return streams; }
 
 private:
-    struct Span;
-    class Feed;
-    class Watch;
-
     // True when the stream came to its end, false when the receiver is gone.
     bool sendLive(const HttpRequest &request, const Camera &camera, BodySink &sink) const;
-    bool sendArchive(const HttpRequest &request, const Camera &camera, const Span &span,
+    bool sendArchive(const HttpRequest &request, const Camera &camera, const ArchiveSpan &span,
                      Record record, BodySink &sink) const;
     // Finds what to go on with at the feed's moment; false when there is nothing more.
-    bool findRecord(const HttpRequest &request, const Span &span, Record *record, Feed *feed) const;
+    bool findRecord(const HttpRequest &request, const ArchiveSpan &span, Record *record,
+                    FlvFeed *feed) const;
 
     const World &world;
     const Access &access;

@@ -40,6 +40,8 @@ public:
 };
 
 struct HttpReply {
+    using Stream = std::function<bool(BodySink &)>;
+
     int status = 200;
     std::string contentType = "text/plain";
     std::string body;
@@ -47,7 +49,7 @@ struct HttpReply {
     /// When set, writes the body in place of `body`: in chunks, unless the headers tell its
     /// length. True when it came to its end, false when it broke off; the connection closes
     /// either way.
-    std::function<bool(BodySink &)> stream;
+    Stream stream;
     /// The connection closes without any reply.
     bool hangUp = false;
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-#include "demo/Scene.h"
+#include "demo/scenes/Scene.h"
 
 namespace ZorvaneDemo {
 

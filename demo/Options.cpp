@@ -8,8 +8,8 @@
 #include <map>
 
 #include "demo/Http.h"
-#include "demo/Scene.h"
 #include "demo/StripCode.h"
+#include "demo/scenes/Scene.h"
 
 namespace ZorvaneDemo {
 
@@ -20,7 +20,8 @@ constexpr int mostServers = 500;
 constexpr int mostCameras = 10'000;
 constexpr int mostLanServers = 16;
 
-static_assert(mostCameras + mostLanServers * World::camerasPerLanServer < StripCode::maximumCamera,
+static_assert(mostCameras + mostLanServers * WorldMaker::camerasPerLanServer <
+                  StripCode::maximumCamera,
               "every camera needs a number of its own in the strip");
 
 std::string defaultDataFolder()

@@ -1,15 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include <nlohmann/json.hpp>
-
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <memory>
 #include <string>
-#include <vector>
 
 #include <poll.h>
 #include <sys/signalfd.h>
@@ -20,165 +15,17 @@ extern "C" {
 #include <libavutil/log.h>
 }
 
-#include "demo/Access.h"
-#include "demo/Accounts.h"
-#include "demo/ApiService.h"
 #include "demo/Certificate.h"
 #include "demo/ClipStore.h"
-#include "demo/ControlService.h"
-#include "demo/Faults.h"
-#include "demo/FlvService.h"
-#include "demo/HttpServer.h"
-#include "demo/LanService.h"
+#include "demo/Demo.h"
 #include "demo/Options.h"
-#include "demo/RequestLog.h"
-#include "demo/StreamingService.h"
 #include "demo/World.h"
-
-#ifndef ZORVANE_VERSION
-#error "the build defines the client's version"
-#endif
 
 using namespace ZorvaneDemo;
 
 namespace {
 
 constexpr int usageError = 2;
-
-/// Everything that serves, and the ports it serves on.
-class Demo
-{
-public:
-    Demo(const Options &given, const Certificates &tlsFiles)
-        : options(given)
-        , certificates(tlsFiles)
-        , world(given.world)
-        , accounts(given.email, given.password, given.dataFolder + "/accounts.json")
-        , clips(given.clipFolder, given.testClips)
-    {
-    }
-
-    std::string prepareClips() { return clips.prepare(world.scenes()); }
-
-    /// Binds all ports. Empty on success, else what failed.
-    std::string bind()
-    {
-        const HttpServer::Tls tls{certificates.serverFile, certificates.serverKeyFile};
-        const auto watched = [this](auto serve) {
-            return [this, serve](const HttpRequest &request) {
-                log.add(request);
-                return faults.apply(request, serve(request));
-            };
-        };
-        const auto lan = [this](const HttpRequest &request) { return lanService.handle(request); };
-        const auto control = [this](const HttpRequest &request) {
-            return controlService.handle(request);
-        };
-        bool good =
-            listen("api", options.apiPort, &apiPort, &tls,
-                   watched([this](const HttpRequest &request) { return api.handle(request); })) &&
-            listen("streaming", options.streamingPort, &streamingPort, &tls,
-                   watched(
-                       [this](const HttpRequest &request) { return streaming.handle(request); })) &&
-            listen("flv", options.flvPort, &flvPort, nullptr,
-                   watched([this](const HttpRequest &request) { return serveFlv(request); })) &&
-            listen("control", options.controlPort, &controlPort, nullptr, control);
-        for (int i = 0; good && i < options.world.lanServers; ++i) {
-            const auto at = static_cast<std::size_t>(i);
-            lanPorts.push_back(0);
-            good = listen("lan", at < options.lanPorts.size() ? options.lanPorts[at] : 0,
-                          &lanPorts.back(), nullptr, watched(lan));
-        }
-        world.setLanPorts(lanPorts);
-        return good ? std::string() : failure;
-    }
-
-    void start()
-    {
-        for (const auto &server : servers)
-            server->start();
-    }
-
-    bool writeConfiguration(const std::string &folder) const
-    {
-        std::error_code code;
-        std::filesystem::create_directories(folder, code);
-        std::ofstream profile(folder + "/service.ini");
-        profile << "[service]\n"
-                << "apiHost=127.0.0.1\napiPort=" << apiPort << "\nstreamingHost=127.0.0.1\n"
-                << "streamingPort=" << streamingPort << "\nflvHost=127.0.0.1:" << flvPort
-                << "\nredirectorHost=127.0.0.1:" << flvPort
-                << "\ncaCertificate=" << certificates.authorityFile << "\n";
-        std::ofstream roster(folder + "/local_roster.txt");
-        roster << world.localRoster().dump(4) << "\n";
-        profile.close();
-        roster.close();
-        return profile.good() && roster.good();
-    }
-
-    nlohmann::json describe() const
-    {
-        return {{"api", apiPort},
-                {"streaming", streamingPort},
-                {"flv", flvPort},
-                {"lan", lanPorts},
-                {"control", controlPort},
-                {"ca", certificates.authorityFile},
-                {"email", options.email},
-                {"password", options.password},
-                {"lanPassword", World::lanPassword}};
-    }
-
-private:
-    bool listen(const char *name, int wanted, int *bound, const HttpServer::Tls *tls,
-                HttpServer::Handler handler)
-    {
-        servers.push_back(std::make_unique<HttpServer>(name, std::move(handler), tls));
-        *bound = servers.back()->bind(wanted);
-        if (*bound == 0)
-            failure = "cannot listen on port " + std::to_string(wanted) + " for " + name;
-        return *bound != 0;
-    }
-
-    HttpReply serveFlv(const HttpRequest &request)
-    {
-        if (request.method == "GET" && request.path == "/flv/live")
-            return flv.live(request);
-        if (request.method == "GET" && request.path == "/flv/archive")
-            return flv.archive(request);
-        HttpReply reply;
-        if (request.path != "/") {
-            reply.status = 404;
-            return reply;
-        }
-        // Where the client's links for downloads, sign-up and passwords lead.
-        reply.contentType = "text/html";
-        reply.body = "<html><body><h1>Zorvane demo service</h1>"
-                     "<p>There is nothing to download or to sign up for here.</p></body></html>";
-        return reply;
-    }
-
-    const Options options;
-    const Certificates certificates;
-    World world;
-    Accounts accounts;
-    ClipStore clips;
-    Faults faults;
-    RequestLog log;
-    Access access{world, accounts};
-    ApiService api{world, accounts, ZORVANE_VERSION};
-    StreamingService streaming{access, clips};
-    FlvService flv{world, access, clips};
-    LanService lanService{world, streaming, flv};
-    ControlService controlService{world, accounts, faults, log, api, flv};
-    std::vector<std::unique_ptr<HttpServer>> servers;
-    std::string failure;
-    int apiPort = 0;
-    int streamingPort = 0;
-    int flvPort = 0;
-    int controlPort = 0;
-    std::vector<int> lanPorts;
-};
 
 int fail(const std::string &what)
 {

@@ -44,14 +44,18 @@ struct VideoFile {
             codecs << stream["codec_name"].toString();
         size = QSize(root["streams"][0]["width"].toInt(), root["streams"][0]["height"].toInt());
         pictures = root["streams"][0]["nb_read_frames"].toString().toInt();
-        faults = outputOf("ffmpeg", {"-i", path, "-f", "null", "-"});
+        const QString backwards = "%1%+#5,0%+#5"_s.arg(seconds * 0.9);
+        faults = outputOf("ffmpeg", {"-i", path, "-f", "null", "-"}) +
+                 outputOf("ffprobe", {"-read_intervals", backwards, "-count_frames",
+                                      "-show_entries", "format=", "-of", "csv=p=0", path})
+                     .trimmed();
     }
 
     QStringList codecs; ///< video first
     QSize size;
     double seconds;
     int pictures;      ///< that can be decoded
-    QByteArray faults; ///< what a decoder complains about
+    QByteArray faults; ///< what a decoder complains about, who goes back to the beginning too
 };
 
 /// The real player at an export into a folder of its own, and the server of its stream. Its
@@ -157,6 +161,7 @@ private slots:
         };
         const FlvClip moved = FlvClip{toned.header, {}}.then(toned, 1'900'000'000);
         const FlvClip gaps = clip.then(clip, gap).then(clip, 2000).then(clip, 10 * gap);
+        const FlvClip other = Clips::quarters(QSize(160, 96), clipMilliseconds, h264);
         const FlvClip anew = {clip.header, clip.tags + clip.tags};
         rows<FlvClip, QString, int, int, QStringList>(
             {"stream", "container", "clips", "silence", "codecs"},
@@ -172,6 +177,8 @@ private slots:
              {"stamps from anywhere", moved, "mp4", 1, 0, {"h264", "mp3"}},
              {"stamps jump over a gap", clip.then(clip, gap), "mp4", 2, gap, {"h264"}},
              {"stamps begin anew", anew, "mp4", 2, gap, {"h264"}},
+             {"other parameter sets", clip.then(other), "mp4", 2, 0, {"h264"}},
+             {"other parameter sets, avi", clip.then(other), "avi", 2, 0, {"h264"}},
              {"three gaps", gaps, "mp4", 4, 11 * gap + 2000, {"h264"}},
              {"jump without any reason", clip.then(clip, 100'000'000), "mp4", 2, 0, {"h264"}}});
     }

@@ -4,6 +4,7 @@
 #include "companion/AvHandles.h"
 #include "companion/PictureConverter.h"
 #include "tests/companion/StreamPlayer.h"
+#include "tests/support/MisbehavingServer.h"
 
 extern "C" {
 #include <libavutil/pixdesc.h>
@@ -227,7 +228,7 @@ private slots:
             QTRY_COMPARE_WITH_TIMEOUT(player.server.heads().size(), 1, deadline);
             QVERIFY(player.shows(frames));
             player.closeInput();
-            QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), 3000);
+            QTRY_VERIFY_WITH_TIMEOUT(!player.isRunning(), 9000); // a ping lacks after ten
             QCOMPARE(player.exitCode(), 0);
         }
     }
@@ -308,6 +309,18 @@ private slots:
                  head.constData());
         QCOMPARE(head.contains("Proxy-Authorization: Basic " + (user + ":" + given).toBase64()),
                  !given.isEmpty());
+    }
+
+    /// Whom nobody vouches for is not even asked for the stream.
+    void unknownServer()
+    {
+        const TlsIdentity identity("stranger"_s);
+        MisbehavingServer stranger;
+        QVERIFY(identity.isValid() && stranger.start(&identity));
+        StreamPlayer player;
+        QVERIFY(player.start(stranger.origin() + "/flv/live") && player.ends());
+        QCOMPARE(player.states(), (QList<int>{1, 7}));
+        QVERIFY(stranger.requests().isEmpty());
     }
 
     /// A camera of the local network gets no proxy argument, so it goes direct; and the client

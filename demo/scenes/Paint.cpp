@@ -1,16 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "demo/Paint.h"
+#include "demo/scenes/Paint.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "demo/Scene.h"
+#include "demo/scenes/Scene.h"
 
 namespace ZorvaneDemo {
 
 namespace {
-
-constexpr double pi = 3.14159265358979323846;
 
 void setColour(cairo_t *cr, Rgb colour, double alpha)
 {

@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include <array>
+#include <algorithm>
 #include <cmath>
 
-#include "demo/Figures.h"
-#include "demo/Scenes.h"
+#include "demo/scenes/Cars.h"
+#include "demo/scenes/Motion.h"
+#include "demo/scenes/People.h"
+#include "demo/scenes/Scenes.h"
 
 namespace ZorvaneDemo {
 
 namespace {
-
-constexpr double width = Scene::width;
-constexpr double pi = 3.14159265358979323846;
 
 class LoadingDock : public Scene
 {

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "demo/Scene.h"
+#include "demo/scenes/Scene.h"
 
 namespace ZorvaneDemo {
 

@@ -8,6 +8,8 @@
 
 namespace ZorvaneDemo {
 
+constexpr double pi = 3.14159265358979323846;
+
 struct Rgb {
     double red;
     double green;
@@ -30,6 +32,9 @@ constexpr Rgb rgb(unsigned hex)
 {
     return {((hex >> 16) & 0xff) / 255.0, ((hex >> 8) & 0xff) / 255.0, (hex & 0xff) / 255.0};
 }
+
+/// Of what stands on the ground.
+constexpr Rgb shadow = rgb(0x101418);
 
 /// From `a` (part 0) to `b` (part 1).
 Rgb mixed(Rgb a, Rgb b, double part);

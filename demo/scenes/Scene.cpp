@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "demo/Scene.h"
+#include "demo/scenes/Scene.h"
 
 #include <array>
 #include <cstddef>
 
-#include "demo/Scenes.h"
+#include "demo/scenes/Scenes.h"
 
 namespace ZorvaneDemo {
 

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "demo/Server.h"
+
+namespace ZorvaneDemo {
+
+struct WorldOptions {
+    unsigned seed = 1;
+    int servers = 5;
+    int cameras = 14;
+    int lanServers = 1;
+    bool plain = false; ///< everything online, paid for and with all rights
+    int scenes = 12;    ///< cameras share this many scenes
+};
+
+/// Invents servers and cameras. The same options, asked in the same order, give the same ones.
+class WorldMaker
+{
+public:
+    static constexpr const char *lanPassword = "camera+1";
+    static constexpr int camerasPerLanServer = 3;
+
+    explicit WorldMaker(const WorldOptions &worldOptions) : options(worldOptions) {}
+
+    /// All that the options ask for; first of all, and once.
+    std::vector<Server> makeAll();
+    /// One more in the cloud, with everything online and allowed.
+    Server makeServer(int cameras);
+    /// One more camera for `server`; its id.
+    int addCameraTo(Server *server);
+
+private:
+    Server makeLanServer(int index);
+
+    WorldOptions options;
+    int nextNumber = 1; ///< of a camera
+    int nextServer = 0; ///< index
+};
+
+} // namespace ZorvaneDemo

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+#include "tools/pictures/ArchiveStage.h"
+
+#include <algorithm>
+
+#include "API/Camera.h"
+#include "GUI/LayoutWidget.h"
+#include "GUI/MainWindow.h"
+#include "GUI/Player/VideoWidget.h"
+#include "tests/e2e/EndToEnd.h"
+#include "tests/e2e/Wall.h"
+#include "tools/pictures/Studio.h"
+
+namespace ZorvaneClient::Pictures {
+
+QDate yesterday()
+{
+    return QDate::currentDate().addDays(-1);
+}
+
+QDateTime at(const char *time)
+{
+    return QDateTime(yesterday(), QTime::fromString(QLatin1String(time), QStringLiteral("hh:mm")));
+}
+
+GUI::Timeline *timeline()
+{
+    return mainWindow()->findChild<GUI::Timeline *>();
+}
+
+GUI::ArchiveControlPanel *dateStrip()
+{
+    return mainWindow()->findChild<GUI::ArchiveControlPanel *>();
+}
+
+void showRecordsOf(const API::CameraPtr &camera)
+{
+    if (!timeline()->isVisible())
+        press(mainWindow(), "showRecordsButton");
+    dateStrip()->setDate(yesterday());
+    waitFor([&] { return camera->hasRecords(yesterday()); }, "records");
+}
+
+void playFrom(const QDateTime &moment)
+{
+    mainWindow()->onPlayArchive(moment);
+    waitFor(
+        [] {
+            const QList<GUI::Player::VideoWidget *> tiles = gridOf(mainWindow())->players();
+            return std::all_of(tiles.begin(), tiles.end(),
+                               [](auto *each) { return stripOf(each).has_value(); });
+        },
+        "archive pictures");
+}
+
+} // namespace ZorvaneClient::Pictures

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDate>
+
+#include "API/Types.h"
+#include "GUI/ArchiveControlPanel.h"
+#include "GUI/Timeline.h"
+
+namespace ZorvaneClient::Pictures {
+
+// What the pictures of the archive and those of an export set up alike.
+
+/// The day with records, and a moment of it, "hh:mm".
+QDate yesterday();
+QDateTime at(const char *time);
+
+GUI::Timeline *timeline();
+GUI::ArchiveControlPanel *dateStrip();
+
+/// Returns when the strip has them.
+void showRecordsOf(const API::CameraPtr &camera);
+/// Returns when all tiles show the archive.
+void playFrom(const QDateTime &moment);
+
+} // namespace ZorvaneClient::Pictures
