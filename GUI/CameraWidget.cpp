@@ -40,15 +40,8 @@ constexpr std::chrono::milliseconds releaseDelay{30000};
 
 } // namespace
 
-CameraWidget::CameraWidget(API::CameraPtr camera, QWidget *parent)
-    : CameraWidget(camera, NoForm(), parent)
-{
-    prepare();
-}
-
-CameraWidget::CameraWidget(API::CameraPtr camera, NoForm noForm, QWidget *parent)
-    : Preview(KindCamera, noForm, parent)
-    , d(QSharedPointer<Internal::CameraWidgetPrivate>::create())
+CameraWidget::CameraWidget(API::CameraPtr camera, QWidget *parent, Making making)
+    : Preview(KindCamera, parent), d(QSharedPointer<Internal::CameraWidgetPrivate>::create())
 {
     d->camera = camera;
     d->lastPreviewRequest = App::Environment::now().addSecs(-firstRequestLeadSeconds);
@@ -60,19 +53,14 @@ CameraWidget::CameraWidget(API::CameraPtr camera, NoForm noForm, QWidget *parent
     setState(camera->isOnline() ? StateOn : StateOff);
     if (camera->hasPreview())
         previewUpdated(camera->preview());
-}
-
-CameraWidget *CameraWidget::createUnprepared(API::CameraPtr camera, QWidget *parent)
-{
-    return new CameraWidget(camera, NoForm(), parent);
+    if (making == Making::AtOnce)
+        prepare();
 }
 
 void CameraWidget::prepare()
 {
-    if (hasForm())
-        return;
-    makeForm();
-    createMenu();
+    if (!hasForm())
+        createMenu();
 }
 
 void CameraWidget::createMenu()

@@ -21,10 +21,11 @@ class CameraWidget : public Preview
     Q_DISABLE_COPY(CameraWidget)
 
 public:
-    explicit CameraWidget(API::CameraPtr camera, QWidget *parent = nullptr);
-    /// One of many cards: its widgets and its menu are made at prepare(), or when it is
-    /// first painted.
-    static CameraWidget *createUnprepared(API::CameraPtr camera, QWidget *parent);
+    /// One of many cards makes its widgets and its menu at prepare(), or when first painted.
+    enum class Making { AtOnce, WhenSeen };
+
+    explicit CameraWidget(API::CameraPtr camera, QWidget *parent = nullptr,
+                          Making making = Making::AtOnce);
     void prepare();
 
     API::CameraPtr camera() const;
@@ -60,7 +61,6 @@ private slots:
     void actualPreviewDelete();
 
 private:
-    CameraWidget(API::CameraPtr camera, NoForm, QWidget *parent);
     void createMenu();
 
     QSharedPointer<Internal::CameraWidgetPrivate> d;

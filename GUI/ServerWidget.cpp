@@ -122,7 +122,7 @@ void ServerWidget::updateCards(const QMap<API::camera_id_t, API::CameraPtr> &cam
 
 CameraWidget *ServerWidget::createCard(const API::CameraPtr &camera)
 {
-    auto *card = CameraWidget::createUnprepared(camera, ui->container);
+    auto *card = new CameraWidget(camera, ui->container, CameraWidget::Making::WhenSeen);
     connect(card, &CameraWidget::openCamera, this, &ServerWidget::openCamera);
     connect(card, &CameraWidget::addToLayout, this, &ServerWidget::addToLayout);
     connect(card, &CameraWidget::openInNewWindow, this, &ServerWidget::openInNewWindow);

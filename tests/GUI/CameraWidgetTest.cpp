@@ -186,8 +186,9 @@ private slots:
     void pressedCardComesBack()
     {
         const auto [draggable, pressed, clicks] = row<bool, bool, int>();
-        Preview *card = draggable ? CameraWidget::createUnprepared(makeCamera(), nullptr)
-                                  : new Preview(Preview::KindCamera);
+        Preview *card =
+            draggable ? new CameraWidget(makeCamera(), nullptr, CameraWidget::Making::WhenSeen)
+                      : new Preview(Preview::KindCamera);
         const Stage stage(card);
         QSignalSpy clicked(card, &Preview::clicked);
         const QPoint at(10, 10);
@@ -211,25 +212,56 @@ private slots:
         QCOMPARE(clicked.count(), clicks);
     }
 
+    void aPartThatIsFoundIsMarkedInAShortenedName_data()
+    {
+        rows<QString, bool, bool>({"part", "atTheLeft", "atTheEllipsis"},
+                                  {{"at the beginning", "GATE", true, false},
+                                   {"cut away", "Shop", false, true},
+                                   {"cut in two", "gate " + QString(90, 'W'), true, true}});
+    }
+
+    void aPartThatIsFoundIsMarkedInAShortenedName()
+    {
+        const auto [part, atTheLeft, atTheEllipsis] = row<QString, bool, bool>();
+        auto *card = new CameraWidget(makeCamera(true, "Gate " + QString(99, 'W') + " shop"_s));
+        const Stage stage(card);
+        card->highlight(part);
+        auto *label = card->findChild<QLabel *>("cameraName");
+        const QRect mark = placeOf(markColor, label);
+        QVERIFY(mark.height() >= label->fontMetrics().height() && mark.width() > 4);
+        QCOMPARE(mark.left() < 2, atTheLeft);
+        QCOMPARE(mark.right() > label->width() - 20, atTheEllipsis);
+        QCOMPARE(mark.width() < label->width() / 3, atTheLeft != atTheEllipsis);
+        // The text can be read in it, and only in it.
+        QVERIFY(mark.contains(placeOf(QColor(25, 25, 29), label)));
+        // It is the label's selection too.
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        card->highlight(part);
+        QCOMPARE(label->selectedText().toLower(), part.toLower());
+    }
+
     void unpreparedCardShowsWhatItWasTold_data()
     {
         rows<bool, bool, bool, QString, QString>(
             {"online", "paid", "picture", "caption", "seen"},
-            {{"offline", false, true, false, "Gate (offline)", "NoCam"},
-             {"not paid", false, false, false, "Gate (not paid for and offline)", "NoCam"},
-             {"online", true, false, false, "Gate", "Cam"},
-             {"with a picture", true, true, true, "Gate", grey}});
+            {{"offline", false, true, false, "G[at]e (offline)", "NoCam"},
+             {"not paid", false, false, false, "G[at]e (not paid for and offline)", "NoCam"},
+             {"online", true, false, false, "G[at]e", "Cam"},
+             {"without a name", true, true, false, "", "Cam"},
+             {"with a picture", true, true, true, "G[at]e", grey}});
     }
 
     void unpreparedCardShowsWhatItWasTold()
     {
         const auto [online, paid, picture, caption, seen] =
             row<bool, bool, bool, QString, QString>();
-        const API::CameraPtr camera = makeCamera(online, "Gate"_s, paid);
-        CameraWidget *card = CameraWidget::createUnprepared(camera, nullptr);
+        const API::CameraPtr camera =
+            makeCamera(online, caption.isEmpty() ? QString() : "Gate"_s, paid);
+        auto *card = new CameraWidget(camera, nullptr, CameraWidget::Making::WhenSeen);
         card->hide();
         const Stage stage(card);
         card->updateCamera(camera);
+        card->highlight("at"_s);
         if (picture)
             camera->setPreview(greyPicture());
         QCOMPARE(card->hasPreview(), picture);
@@ -246,6 +278,7 @@ private slots:
         // It looks like a card that was made whole.
         CameraWidget whole(camera, nullptr);
         whole.updateCamera(camera);
+        whole.highlight("at"_s);
         const auto painted = [](QWidget *widget) {
             return widget->grab().toImage().convertToFormat(QImage::Format_RGB32);
         };

@@ -35,13 +35,31 @@ int expireTimers(std::chrono::milliseconds interval)
     return expired;
 }
 
+QRect placeOf(const QColor &color, QWidget *widget)
+{
+    const QImage painted = widget->grab().toImage();
+    QRect place;
+    for (int x = 0; x < painted.width(); ++x) {
+        for (int y = 0; y < painted.height(); ++y)
+            place |= painted.pixelColor(x, y) == color ? QRect(x, y, 1, 1) : QRect();
+    }
+    return place;
+}
+
 QString labelText(const QWidget *parent, const char *name)
 {
-    const auto *label = parent->findChild<QLabel *>(QLatin1String(name));
-    const QString marked = label->selectedText();
-    if (marked.isEmpty())
-        return label->text();
-    return label->text().replace(label->selectionStart(), marked.size(), '[' + marked + ']');
+    auto *label = parent->findChild<QLabel *>(QLatin1String(name));
+    QString text = label->text();
+    const QRect mark = placeOf(markColor, label);
+    if (mark.isNull())
+        return text;
+    const auto letterAt = [&](int x) {
+        int letter = 0;
+        while (label->fontMetrics().horizontalAdvance(text.left(letter)) < x - 1)
+            ++letter;
+        return letter;
+    };
+    return text.insert(letterAt(mark.right() + 1), ']').insert(letterAt(mark.left()), '[');
 }
 
 QDrag *dragTo(QWidget *widget, const QPoint &to)

@@ -17,7 +17,13 @@ constexpr std::chrono::milliseconds releaseDelay(30000);
 /// Lets the running timers of that interval expire at once; returns how many there were.
 int expireTimers(std::chrono::milliseconds interval);
 
-/// The text of a label, with what is marked in it in brackets.
+/// In which a search marks what it has found.
+const QColor markColor(62, 183, 253);
+
+/// The part of the widget that holds all pixels of that colour.
+QRect placeOf(const QColor &color, QWidget *widget);
+
+/// The text of a label, with what is painted as marked in it in brackets.
 QString labelText(const QWidget *parent, const char *name);
 
 /// Moves on to `to` with the left button down, and gives the drag that started, if one did.
