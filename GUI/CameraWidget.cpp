@@ -41,7 +41,8 @@ constexpr std::chrono::milliseconds releaseDelay{30000};
 } // namespace
 
 CameraWidget::CameraWidget(API::CameraPtr camera, QWidget *parent, Making making)
-    : Preview(KindCamera, parent), d(QSharedPointer<Internal::CameraWidgetPrivate>::create())
+    : Preview(KindCamera, parent, Making::Later)
+    , d(QSharedPointer<Internal::CameraWidgetPrivate>::create())
 {
     d->camera = camera;
     d->lastPreviewRequest = App::Environment::now().addSecs(-firstRequestLeadSeconds);
@@ -74,12 +75,6 @@ void CameraWidget::createMenu()
             Qt::QueuedConnection);
     menu->addAction(tr("Open in a new window"), this, &CameraWidget::onOpenInNewWindow);
     setMenu(menu);
-}
-
-void CameraWidget::paintEvent(QPaintEvent *event)
-{
-    prepare();
-    Preview::paintEvent(event);
 }
 
 API::CameraPtr CameraWidget::camera() const

@@ -21,11 +21,9 @@ class CameraWidget : public Preview
     Q_DISABLE_COPY(CameraWidget)
 
 public:
-    /// One of many cards makes its widgets and its menu at prepare(), or when first painted.
-    enum class Making { AtOnce, WhenSeen };
-
     explicit CameraWidget(API::CameraPtr camera, QWidget *parent = nullptr,
                           Making making = Making::AtOnce);
+    /// Makes the widgets and the menu of one that makes them later, before it is first painted.
     void prepare();
 
     API::CameraPtr camera() const;
@@ -49,7 +47,6 @@ public slots:
 
 protected:
     QMimeData *createMimeData() override;
-    void paintEvent(QPaintEvent *event) override;
 
 private slots:
     void updateState();

@@ -23,12 +23,14 @@ const QString noCameraIcon = QStringLiteral(":/roster/icons/rosterCardPreviewNoC
 
 } // namespace
 
-Preview::Preview(int cardKind, QWidget *parent) : QFrame(parent), kind(cardKind)
+Preview::Preview(int cardKind, QWidget *parent, Making making) : QFrame(parent), kind(cardKind)
 {
     setObjectName(QStringLiteral("Preview"));
     setFixedSize(cardSize);
     look.icon = cameraIcon;
     connect(this, &QWidget::customContextMenuRequested, this, &Preview::showContextMenu);
+    if (making == Making::AtOnce)
+        makeForm();
 }
 
 Preview::~Preview() = default;
@@ -184,7 +186,6 @@ void Preview::liftPressedLook()
 
 void Preview::paintEvent(QPaintEvent *event)
 {
-    makeForm();
     showLook(); // the picture's place can have another size by now
     QFrame::paintEvent(event);
 }

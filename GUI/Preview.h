@@ -19,9 +19,6 @@ class CardForm;
 
 /// A card of fixed size: a picture, a state icon, a caption and a menu button. It can be
 /// clicked, shows a spinner while its first picture is coming, and can be dragged.
-///
-/// Of thousands of cards few are ever seen: the widgets inside are made when the card gets its
-/// menu or is painted, and show what it was told until then.
 class Preview : public QFrame
 {
     Q_OBJECT
@@ -31,8 +28,11 @@ public:
     enum State { StateOff = 1, StateOn = 2 };
     /// How a picture meets the card: a camera's keeps its shape, a layout's fills the card.
     enum Kind : int { KindCamera = 1, KindLayout = 2 };
+    /// When the widgets inside are made. Of thousands of cards few are ever seen; such a card
+    /// keeps what it is told until it gets its menu.
+    enum class Making { AtOnce, Later };
 
-    explicit Preview(int kind, QWidget *parent = nullptr);
+    explicit Preview(int kind, QWidget *parent = nullptr, Making making = Making::AtOnce);
     ~Preview() override;
 
 public slots:

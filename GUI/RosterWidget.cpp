@@ -111,33 +111,6 @@ void endSearch(ServerWidget *server)
     server->restoreExpandState();
 }
 
-/// Asks the card for a preview or releases it. `visible` is the part of the window that can
-/// show cards, in the window's coordinates: what lies outside needs no closer look.
-void updateCardPreview(CameraWidget *card, const QRect &cardArea, const QRect &visible)
-{
-    const bool inView = cardArea.intersects(visible) && card->isInView();
-    // Before it is painted, so that it never shows empty.
-    if (inView)
-        card->prepare();
-    if (inView && !card->hasPreview()) {
-        card->updatePreview();
-    } else if (!inView && card->hasPreview()) {
-        card->deletePreview();
-    }
-}
-
-void updateServerPreviews(const ServerWidget *server, const QRect &visible)
-{
-    const QList<CameraWidget *> cards = server->cameraWidgets();
-    if (cards.isEmpty())
-        return;
-    // The cards share one parent inside the server widget.
-    const QWidget *container = cards.first()->parentWidget();
-    const QPoint origin = container->mapTo(server->parentWidget(), QPoint(0, 0));
-    for (CameraWidget *card : cards)
-        updateCardPreview(card, card->geometry().translated(origin), visible);
-}
-
 } // namespace
 
 RosterWidget::RosterWidget(QWidget *parent) : QScrollArea(parent)
@@ -258,11 +231,22 @@ bool RosterWidget::eventFilter(QObject *object, QEvent *event)
     return QScrollArea::eventFilter(object, event);
 }
 
+/// Only a card within the visible part of the list can be in view.
 void RosterWidget::updatePreviews()
 {
     const QRect visible = widget()->visibleRegion().boundingRect();
-    for (const ServerWidget *server : qAsConst(servers))
-        updateServerPreviews(server, visible);
+    for (const ServerWidget *server : qAsConst(servers)) {
+        const auto within = server->cardsWithin(visible.translated(-server->pos()));
+        for (CameraWidget *card : within) {
+            if (card->isInView() && !card->hasPreview())
+                card->updatePreview();
+        }
+        const auto all = server->cameraWidgets();
+        for (CameraWidget *card : all) {
+            if (card->hasPreview() && !card->isInView())
+                card->deletePreview();
+        }
+    }
 }
 
 void RosterWidget::search(QString name)

@@ -10,6 +10,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QVBoxLayout>
 
 #include "API/Camera.h"
@@ -81,6 +82,19 @@ QList<CameraWidget *> ServerWidget::cameraWidgets() const
     return cards.values();
 }
 
+QList<CameraWidget *> ServerWidget::cardsWithin(const QRect &area) const
+{
+    QList<CameraWidget *> found;
+    if (ui->container->isHidden())
+        return found;
+    const QRect areaOfCards = area.translated(-ui->container->pos());
+    for (CameraWidget *card : cards) {
+        if (card->geometry().intersects(areaOfCards))
+            found.append(card);
+    }
+    return found;
+}
+
 void ServerWidget::updateServer(API::ServerPtr server)
 {
     updateServerName(server->alias());
@@ -122,7 +136,7 @@ void ServerWidget::updateCards(const QMap<API::camera_id_t, API::CameraPtr> &cam
 
 CameraWidget *ServerWidget::createCard(const API::CameraPtr &camera)
 {
-    auto *card = new CameraWidget(camera, ui->container, CameraWidget::Making::WhenSeen);
+    auto *card = new CameraWidget(camera, ui->container, CameraWidget::Making::Later);
     connect(card, &CameraWidget::openCamera, this, &ServerWidget::openCamera);
     connect(card, &CameraWidget::addToLayout, this, &ServerWidget::addToLayout);
     connect(card, &CameraWidget::openInNewWindow, this, &ServerWidget::openInNewWindow);
@@ -223,6 +237,14 @@ bool ServerWidget::eventFilter(QObject *object, QEvent *event)
     if (event->type() == QEvent::MouseButtonRelease)
         ui->expandButton->toggle();
     return false;
+}
+
+void ServerWidget::paintEvent(QPaintEvent *event)
+{
+    // In a large roster most cards are never seen.
+    for (CameraWidget *card : cardsWithin(event->rect()))
+        card->prepare();
+    QWidget::paintEvent(event);
 }
 
 void ServerWidget::mousePressEvent(QMouseEvent *event)

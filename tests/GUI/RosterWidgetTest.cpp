@@ -252,7 +252,14 @@ private slots:
         bar->setValue(bar->maximum());
         QTRY_VERIFY(!cards.last()->findChildren<QLabel *>().isEmpty());
         QCOMPARE(labelText(cards.last(), "cameraName"), "01000"_s);
-        QVERIFY(cards.at(500)->findChildren<QLabel *>().isEmpty());
+        // A picture for a drag shows cards that were never in view.
+        CameraWidget *unseen = cards.at(500);
+        QVERIFY(unseen->findChildren<QLabel *>().isEmpty());
+        ServerWidget *entry = stage.entries().first();
+        const QRect place(unseen->mapTo(entry, QPoint()), unseen->size());
+        const QPixmap first = entry->grab(place);
+        QVERIFY(!unseen->findChildren<QLabel *>().isEmpty());
+        QCOMPARE(first, entry->grab(place));
     }
 
     void onlyALanServerIsEditedAndDeleted()
