@@ -19,6 +19,7 @@
 #include "GUI/CardDrag.h"
 #include "GUI/IconButton.h"
 #include "GUI/IconPixmap.h"
+#include "GUI/WidgetMap.h"
 #include "GUI/WidgetOrder.h"
 #include "ui_ServerWidget.h"
 
@@ -99,39 +100,10 @@ void ServerWidget::updateServer(API::ServerPtr server)
 {
     updateServerName(server->alias());
     shownServer->setFlags(server->flags());
-    const QMap<API::camera_id_t, API::CameraPtr> cameras = server->cameras();
-    removeStaleCards(cameras);
-    updateCards(cameras);
+    updateWidgets(&cards, server->cameras(), &CameraWidget::camera, &CameraWidget::updateCamera,
+                  [this](const API::CameraPtr &camera) { return createCard(camera); });
     arrangeCards(server->sortedCameras());
     updateState();
-}
-
-/// A LAN server that was out of reach comes back with new camera objects under the old
-/// numbers: they get new cards.
-void ServerWidget::removeStaleCards(const QMap<API::camera_id_t, API::CameraPtr> &cameras)
-{
-    for (auto entry = cards.begin(); entry != cards.end();) {
-        CameraWidget *card = entry.value();
-        if (cameras.value(entry.key()) == card->camera()) {
-            ++entry;
-            continue;
-        }
-        cardsLayout->removeWidget(card);
-        entry = cards.erase(entry);
-        card->hide();
-        card->deleteLater();
-    }
-}
-
-void ServerWidget::updateCards(const QMap<API::camera_id_t, API::CameraPtr> &cameras)
-{
-    for (auto entry = cameras.cbegin(); entry != cameras.cend(); ++entry) {
-        if (CameraWidget *card = cards.value(entry.key(), nullptr)) {
-            card->updateCamera(entry.value());
-        } else {
-            cards.insert(entry.key(), createCard(entry.value()));
-        }
-    }
 }
 
 CameraWidget *ServerWidget::createCard(const API::CameraPtr &camera)

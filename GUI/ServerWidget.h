@@ -75,8 +75,6 @@ private slots:
 
 private:
     void createMenu();
-    void removeStaleCards(const QMap<API::camera_id_t, API::CameraPtr> &cameras);
-    void updateCards(const QMap<API::camera_id_t, API::CameraPtr> &cameras);
     void arrangeCards(const QList<API::CameraPtr> &sorted);
     CameraWidget *createCard(const API::CameraPtr &camera);
 
