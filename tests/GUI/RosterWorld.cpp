@@ -16,14 +16,9 @@ void stopClockAt(double seconds)
 int expireTimers(std::chrono::milliseconds interval)
 {
     QAbstractEventDispatcher *dispatcher = QAbstractEventDispatcher::instance();
-    // The dispatcher's children are the single shots.
-    QObjectList owners = dispatcher->children();
-    for (const QWidget *window : QApplication::topLevelWidgets()) {
-        for (QTimer *timer : window->findChildren<QTimer *>())
-            owners.append(timer);
-    }
     int expired = 0;
-    for (QObject *owner : qAsConst(owners)) {
+    // The dispatcher's children are the single shots.
+    for (QObject *owner : QObjectList(dispatcher->children())) {
         for (const auto &timer : dispatcher->registeredTimers(owner)) {
             if (timer.interval != interval.count())
                 continue;
@@ -37,29 +32,23 @@ int expireTimers(std::chrono::milliseconds interval)
 
 QRect placeOf(const QColor &color, QWidget *widget)
 {
-    const QImage painted = widget->grab().toImage();
-    QRect place;
-    for (int x = 0; x < painted.width(); ++x) {
-        for (int y = 0; y < painted.height(); ++y)
-            place |= painted.pixelColor(x, y) == color ? QRect(x, y, 1, 1) : QRect();
-    }
-    return place;
+    return QRegion(widget->grab().createMaskFromColor(color, Qt::MaskOutColor)).boundingRect();
 }
 
 QString labelText(const QWidget *parent, const char *name)
 {
     auto *label = parent->findChild<QLabel *>(QLatin1String(name));
     QString text = label->text();
-    const QRect mark = placeOf(markColor, label);
-    if (mark.isNull())
-        return text;
     const auto letterAt = [&](int x) {
         int letter = 0;
         while (label->fontMetrics().horizontalAdvance(text.left(letter)) < x - 1)
             ++letter;
         return letter;
     };
-    return text.insert(letterAt(mark.right() + 1), ']').insert(letterAt(mark.left()), '[');
+    const QRect mark = placeOf(QColor(62, 183, 253), label);
+    if (!mark.isEmpty())
+        text.insert(letterAt(mark.right() + 1), ']').insert(letterAt(mark.left()), '[');
+    return text;
 }
 
 QDrag *dragTo(QWidget *widget, const QPoint &to)

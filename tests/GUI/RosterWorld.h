@@ -14,11 +14,8 @@ void stopClockAt(double seconds);
 /// After which the preview of a card out of view is released.
 constexpr std::chrono::milliseconds releaseDelay(30000);
 
-/// Lets the running timers of that interval expire at once; returns how many there were.
+/// Lets the running single shots of that interval expire at once; returns how many there were.
 int expireTimers(std::chrono::milliseconds interval);
-
-/// In which a search marks what it has found.
-const QColor markColor(62, 183, 253);
 
 /// The part of the widget that holds all pixels of that colour.
 QRect placeOf(const QColor &color, QWidget *widget);
