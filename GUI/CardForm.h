@@ -26,7 +26,8 @@ public:
     CardForm(QFrame *card, int kind);
     ~CardForm();
 
-    /// Shows all of `look`, whatever was shown before; what is the same costs next to nothing.
+    /// Shows all of `look`, whatever was shown before. What is shown already costs next to
+    /// nothing, unless the picture's place has another size by now.
     void show(const CardLook &look);
     void setMenu(QMenu *menu);
 
