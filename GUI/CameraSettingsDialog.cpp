@@ -57,7 +57,8 @@ void CameraSettingsDialog::showPreview()
     }
     QTransform transform;
     transform.scale(mirror ? -1.0 : 1.0, 1.0);
-    transform.rotate(rotation, Qt::ZAxis);
+    // Past a full turn a right angle is no longer exact, and the picture a line of pixels larger.
+    transform.rotate(rotation % fullTurnDegrees, Qt::ZAxis);
     const qreal ratio = devicePixelRatioF();
     QPixmap shown =
         source.transformed(transform, Qt::FastTransformation)

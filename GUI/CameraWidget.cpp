@@ -39,14 +39,8 @@ constexpr std::chrono::milliseconds releaseDelay{30000};
 
 } // namespace
 
-CameraWidget::CameraWidget(API::CameraPtr camera, QWidget *parent)
-    : CameraWidget(camera, NoForm(), parent)
-{
-    prepare();
-}
-
-CameraWidget::CameraWidget(API::CameraPtr camera, NoForm noForm, QWidget *parent)
-    : Preview(KindCamera, noForm, parent)
+CameraWidget::CameraWidget(API::CameraPtr camera, QWidget *parent, Making making)
+    : Preview(KindCamera, parent, Making::Later)
     , d(QSharedPointer<Internal::CameraWidgetPrivate>::create())
 {
     d->camera = camera;
@@ -59,19 +53,14 @@ CameraWidget::CameraWidget(API::CameraPtr camera, NoForm noForm, QWidget *parent
     setState(camera->isOnline() ? StateOn : StateOff);
     if (camera->hasPreview())
         previewUpdated(camera->preview());
-}
-
-CameraWidget *CameraWidget::createUnprepared(API::CameraPtr camera, QWidget *parent)
-{
-    return new CameraWidget(camera, NoForm(), parent);
+    if (making == Making::AtOnce)
+        prepare();
 }
 
 void CameraWidget::prepare()
 {
-    if (hasForm())
-        return;
-    makeForm();
-    createMenu();
+    if (!hasForm())
+        createMenu();
 }
 
 void CameraWidget::createMenu()
@@ -85,12 +74,6 @@ void CameraWidget::createMenu()
             Qt::QueuedConnection);
     menu->addAction(tr("Open in a new window"), this, &CameraWidget::onOpenInNewWindow);
     setMenu(menu);
-}
-
-void CameraWidget::paintEvent(QPaintEvent *event)
-{
-    prepare();
-    Preview::paintEvent(event);
 }
 
 API::CameraPtr CameraWidget::camera() const

@@ -21,10 +21,9 @@ class CameraWidget : public Preview
     Q_DISABLE_COPY(CameraWidget)
 
 public:
-    explicit CameraWidget(API::CameraPtr camera, QWidget *parent = nullptr);
-    /// One of many cards: its widgets and its menu are made at prepare(), or when it is
-    /// first painted.
-    static CameraWidget *createUnprepared(API::CameraPtr camera, QWidget *parent);
+    explicit CameraWidget(API::CameraPtr camera, QWidget *parent = nullptr,
+                          Making making = Making::AtOnce);
+    /// Makes the widgets and the menu of one that makes them later, before it is first painted.
     void prepare();
 
     API::CameraPtr camera() const;
@@ -48,7 +47,6 @@ public slots:
 
 protected:
     QMimeData *createMimeData() override;
-    void paintEvent(QPaintEvent *event) override;
 
 private slots:
     void updateState();
@@ -60,7 +58,6 @@ private slots:
     void actualPreviewDelete();
 
 private:
-    CameraWidget(API::CameraPtr camera, NoForm, QWidget *parent);
     void createMenu();
 
     QSharedPointer<Internal::CameraWidgetPrivate> d;

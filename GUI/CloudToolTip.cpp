@@ -13,6 +13,8 @@ const QMargins contentMargins(10, 7, 10, 17);
 constexpr int pointerShiftPixels = 10;
 constexpr int pointerHalfWidthPixels = 10;
 constexpr int pointerHeightPixels = 10;
+// Round the bubble; the pointer stands in the one at the bottom.
+constexpr QMargins bubbleMargins(3, 3, 1, pointerHeightPixels);
 constexpr int cornerRadiusPixels = 5;
 
 } // namespace
@@ -87,5 +89,6 @@ void CloudToolTip::paintEvent(QPaintEvent *)
     const QPoint pointer[] = {QPoint(w - 1 - (c - pointerHalfWidthPixels), pointerTop),
                               QPoint(c, h - 1), QPoint(c - pointerHalfWidthPixels + 1, pointerTop)};
     painter.drawPolygon(pointer, 3);
-    painter.drawRoundedRect(3, 3, w - 4, h - 13, cornerRadiusPixels, cornerRadiusPixels);
+    painter.drawRoundedRect(rect().marginsRemoved(bubbleMargins), cornerRadiusPixels,
+                            cornerRadiusPixels);
 }

@@ -4,10 +4,46 @@
 #include <QHelpEvent>
 #include <QPainter>
 #include <QStyle>
+#include <QTextLayout>
 #include <QToolTip>
+#include <QtMath>
+
+#include <algorithm>
 
 namespace ZorvaneClient {
 namespace GUI {
+
+namespace {
+
+const QColor markColor(62, 183, 253);
+const QColor markedTextColor(25, 25, 29);
+
+int positionOf(const QString &part, const QString &text)
+{
+    return part.isEmpty() ? -1 : static_cast<int>(text.indexOf(part, 0, Qt::CaseInsensitive));
+}
+
+/// Where `part` stands in `line`, which is `text` or its beginning with an ellipsis behind it.
+/// The ellipsis stands for what was cut away, and is marked for it.
+QVector<QTextLayout::FormatRange> marksIn(const QString &line, const QString &text,
+                                          const QString &part)
+{
+    const int position = positionOf(part, text);
+    if (position < 0)
+        return {};
+    const auto cut = std::mismatch(line.begin(), line.end(), text.begin(), text.end()).first;
+    const int kept = static_cast<int>(cut - line.begin());
+    const int start = std::min(position, kept);
+    const int end = position + static_cast<int>(part.size());
+    QTextLayout::FormatRange mark;
+    mark.start = start;
+    mark.length = (end <= kept ? end : static_cast<int>(line.size())) - start;
+    mark.format.setBackground(markColor);
+    mark.format.setForeground(markedTextColor);
+    return {mark};
+}
+
+} // namespace
 
 ElidedLabel::ElidedLabel(QWidget *parent) : QLabel(parent)
 {
@@ -16,12 +52,17 @@ ElidedLabel::ElidedLabel(QWidget *parent) : QLabel(parent)
 
 void ElidedLabel::highlight(const QString &part)
 {
-    const int position = static_cast<int>(text().indexOf(part, 0, Qt::CaseInsensitive));
+    // Selected for those who ask the label; it paints a selection only if the user can make one.
+    const int position = positionOf(part, text());
     if (position >= 0) {
         setSelection(position, static_cast<int>(part.length()));
     } else {
         setSelection(0, 0);
     }
+    if (marked == part)
+        return;
+    marked = part;
+    update();
 }
 
 bool ElidedLabel::fits() const
@@ -42,19 +83,26 @@ bool ElidedLabel::event(QEvent *event)
     return QLabel::event(event);
 }
 
-void ElidedLabel::paintEvent(QPaintEvent *event)
+void ElidedLabel::paintEvent(QPaintEvent *)
 {
-    if (fits()) {
-        QLabel::paintEvent(event);
-        return;
-    }
     QPainter painter(this);
     drawFrame(&painter);
     const QRect area = contentsRect();
-    const QString line = fontMetrics().elidedText(text().simplified(), Qt::ElideRight, area.width(),
-                                                  Qt::TextSingleLine);
-    const auto flags = static_cast<int>(alignment() | Qt::TextSingleLine);
-    style()->drawItemText(&painter, area, flags, palette(), isEnabled(), line, foregroundRole());
+    const QString whole = fits() ? text() : text().simplified();
+    const QString shown = fontMetrics().elidedText(whole, Qt::ElideRight, area.width());
+    QTextLayout layout(shown, font(), this);
+    QTextOption option(QStyle::visualAlignment(layoutDirection(), alignment()));
+    option.setWrapMode(QTextOption::NoWrap);
+    option.setTextDirection(shown.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    QTextLine line = layout.createLine();
+    line.setLineWidth(area.width());
+    layout.endLayout();
+    const QSize size(area.width(), qCeil(line.height()));
+    const QRect place = QStyle::alignedRect(layoutDirection(), alignment(), size, area);
+    painter.setPen(palette().color(foregroundRole()));
+    layout.draw(&painter, place.topLeft(), marksIn(shown, whole, marked));
 }
 
 } // namespace GUI

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QLabel>
+#include <QString>
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -15,7 +16,8 @@ class ElidedLabel : public QLabel
 public:
     explicit ElidedLabel(QWidget *parent = nullptr);
 
-    /// Selects where `part` first stands in the text, whatever the case; nothing without it.
+    /// Selects and marks where `part` first stands in the text, whatever the case; nothing
+    /// without it. A text that changes later is marked where `part` stands then.
     void highlight(const QString &part);
 
 protected:
@@ -24,6 +26,8 @@ protected:
 
 private:
     bool fits() const;
+
+    QString marked;
 };
 
 } // namespace GUI

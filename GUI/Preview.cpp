@@ -6,10 +6,8 @@
 #include <QMimeData>
 #include <QMouseEvent>
 
-#include "GUI/IconButton.h"
-#include "GUI/IconPixmap.h"
+#include "GUI/CardForm.h"
 #include "GUI/TiltedDrag.h"
-#include "ui_Preview.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -19,88 +17,41 @@ namespace {
 constexpr QSize cardSize(233, 157);
 constexpr QPoint pressedOffset(2, 2);
 constexpr QPoint notPressed(-1, -1);
-constexpr QSize neverShown(-1, -1);
-const QColor spinnerColor(62, 183, 253);
 
 const QString cameraIcon = QStringLiteral(":/roster/icons/rosterCardPreviewCam.png");
 const QString noCameraIcon = QStringLiteral(":/roster/icons/rosterCardPreviewNoCam.png");
-const QString stateOnIcon = QStringLiteral(":/roster/icons/rosterCardOn.png");
-const QString stateOffIcon = QStringLiteral(":/roster/icons/rosterCardOff.png");
-
-QString stateIcon(int state)
-{
-    switch (state) {
-    case Preview::StateOff:
-        return stateOffIcon;
-    case Preview::StateOn:
-        return stateOnIcon;
-    default:
-        return QString();
-    }
-}
-
-QPixmap scaledImage(const QPixmap &image, int kind, const QSize &size)
-{
-    switch (kind) {
-    case Preview::KindCamera:
-        return image.width() > image.height()
-                   ? image.scaledToWidth(size.width(), Qt::SmoothTransformation)
-                   : image.scaledToHeight(size.height(), Qt::SmoothTransformation);
-    case Preview::KindLayout:
-        return image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    default:
-        return image;
-    }
-}
 
 } // namespace
 
-Preview::Preview(int cardKind, QWidget *parent) : Preview(cardKind, NoForm(), parent)
-{
-    makeForm();
-}
-
-Preview::Preview(int cardKind, NoForm, QWidget *parent)
-    : QFrame(parent), icon(cameraIcon), kind(cardKind)
+Preview::Preview(int cardKind, QWidget *parent, Making making) : QFrame(parent), kind(cardKind)
 {
     setObjectName(QStringLiteral("Preview"));
     setFixedSize(cardSize);
+    look.icon = cameraIcon;
     connect(this, &QWidget::customContextMenuRequested, this, &Preview::showContextMenu);
+    if (making == Making::AtOnce)
+        makeForm();
 }
 
 Preview::~Preview() = default;
 
 bool Preview::hasForm() const
 {
-    return !ui.isNull();
+    return !form.isNull();
 }
 
 void Preview::makeForm()
 {
     if (hasForm())
         return;
-    ui.reset(new Ui::Preview);
-    ui->setupUi(this);
-    ui->spinnerWidget->setColor(spinnerColor);
-    nameIconButton(ui->previewMenu, QCoreApplication::translate("VideoWidget", "Options"));
-    if (caption.isNull())
-        caption = ui->cameraName->text();
-    showCaption();
-    showState();
-    showPicture();
-    showAnimation();
-    if (isVisible())
-        showForm();
+    form.reset(new CardForm(this, kind));
+    showLook();
 }
 
-/// Widgets made inside a visible card are hidden, and would come up one round of the event
-/// loop later.
-void Preview::showForm()
+void Preview::showLook()
 {
-    const QWidgetList parts{ui->imageStack, ui->cameraStateImage, ui->cameraName, ui->previewMenu};
-    for (QWidget *part : parts)
-        part->show();
-    layout()->activate();
+    if (hasForm())
+        form->show(look);
 }
 
 void Preview::setMenu(QMenu *newMenu)
@@ -108,7 +59,7 @@ void Preview::setMenu(QMenu *newMenu)
     makeForm();
     if (actionsMenu)
         actionsMenu->deleteLater();
-    ui->previewMenu->setMenu(newMenu);
+    form->setMenu(newMenu);
     actionsMenu = newMenu;
 }
 
@@ -117,88 +68,50 @@ void Preview::showContextMenu(QPoint pos)
     actionsMenu->exec(mapToGlobal(pos));
 }
 
-void Preview::setImage(QPixmap newImage)
+void Preview::setImage(QPixmap image)
 {
-    if (newImage.isNull()) {
+    if (image.isNull()) {
         clearImage();
         return;
     }
-    stopAnimation();
-    image = newImage;
-    icon.clear();
-    showPicture();
+    look.image = image;
+    look.isWaiting = false;
+    showLook();
 }
 
 void Preview::clearImage()
 {
-    dropImage();
-    showIcon(cameraIcon);
+    showNoImage(cameraIcon);
 }
 
-void Preview::dropImage()
+void Preview::showNoImage(const QString &icon)
 {
-    stopAnimation();
-    image = QPixmap();
-    shownSize = neverShown;
-}
-
-void Preview::showIcon(const QString &path)
-{
-    if (icon == path)
-        return;
-    icon = path;
-    showPicture();
-}
-
-void Preview::showPicture()
-{
-    if (!hasForm())
-        return;
-    if (image.isNull()) {
-        ui->previewImage->setPixmap(iconPixmap(icon));
-        return;
-    }
-    const qreal ratio = ui->previewImage->devicePixelRatioF();
-    shownSize = ui->previewImage->size();
-    QPixmap scaled = scaledImage(image, kind, shownSize * ratio);
-    scaled.setDevicePixelRatio(ratio);
-    ui->previewImage->setPixmap(scaled);
+    look.image = QPixmap();
+    look.icon = icon;
+    look.isWaiting = false;
+    showLook();
 }
 
 void Preview::setState(State state)
 {
+    look.state = state;
     if (state == StateOff) {
-        dropImage();
-        showIcon(noCameraIcon);
+        showNoImage(noCameraIcon);
+    } else {
+        showLook();
     }
-    if (cardState == state)
-        return;
-    cardState = state;
-    showState();
-}
-
-void Preview::showState()
-{
-    if (hasForm())
-        ui->cameraStateImage->setPixmap(iconPixmap(stateIcon(cardState)));
 }
 
 void Preview::setText(QString text)
 {
-    caption = text;
-    showCaption();
-}
-
-void Preview::showCaption()
-{
-    if (hasForm())
-        ui->cameraName->setText(caption);
+    look.caption = text;
+    showLook();
 }
 
 void Preview::highlight(QString text)
 {
-    if (hasForm())
-        ui->cameraName->highlight(text);
+    look.marked = text;
+    showLook();
 }
 
 void Preview::highlightOff()
@@ -208,28 +121,16 @@ void Preview::highlightOff()
 
 void Preview::startAnimation()
 {
-    if (!image.isNull())
+    if (!look.image.isNull())
         return;
-    animated = true;
-    showAnimation();
+    look.isWaiting = true;
+    showLook();
 }
 
 void Preview::stopAnimation()
 {
-    animated = false;
-    showAnimation();
-}
-
-void Preview::showAnimation()
-{
-    if (!hasForm())
-        return;
-    ui->imageStack->setCurrentWidget(animated ? ui->spinnerPage : ui->previewPage);
-    if (animated) {
-        ui->spinnerWidget->start();
-    } else {
-        ui->spinnerWidget->stop();
-    }
+    look.isWaiting = false;
+    showLook();
 }
 
 QMimeData *Preview::createMimeData()
@@ -285,8 +186,7 @@ void Preview::liftPressedLook()
 
 void Preview::paintEvent(QPaintEvent *event)
 {
-    if (hasForm() && !image.isNull() && ui->previewImage->size() != shownSize)
-        showPicture();
+    showLook(); // the picture's place can have another size by now
     QFrame::paintEvent(event);
 }
 

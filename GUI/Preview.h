@@ -5,18 +5,17 @@
 #include <QPixmap>
 #include <QPoint>
 #include <QScopedPointer>
-#include <QSize>
 #include <QString>
+
+#include "GUI/CardLook.h"
 
 class QMenu;
 class QMimeData;
 
-namespace Ui {
-class Preview;
-}
-
 namespace ZorvaneClient {
 namespace GUI {
+
+class CardForm;
 
 /// A card of fixed size: a picture, a state icon, a caption and a menu button. It can be
 /// clicked, shows a spinner while its first picture is coming, and can be dragged.
@@ -29,8 +28,11 @@ public:
     enum State { StateOff = 1, StateOn = 2 };
     /// How a picture meets the card: a camera's keeps its shape, a layout's fills the card.
     enum Kind : int { KindCamera = 1, KindLayout = 2 };
+    /// When the widgets inside are made. Of thousands of cards few are ever seen; such a card
+    /// keeps what it is told until it gets its menu.
+    enum class Making { AtOnce, Later };
 
-    explicit Preview(int kind, QWidget *parent = nullptr);
+    explicit Preview(int kind, QWidget *parent = nullptr, Making making = Making::AtOnce);
     ~Preview() override;
 
 public slots:
@@ -53,13 +55,8 @@ signals:
     void clicked();
 
 protected:
-    struct NoForm {
-    };
-    /// A card that keeps what it is told and makes its widgets only at makeForm(). With
-    /// thousands of cards few are ever seen.
-    Preview(int kind, NoForm, QWidget *parent);
+    /// The widgets inside are made.
     bool hasForm() const;
-    void makeForm();
 
     /// What a drag of the card carries, for the caller to own. Null: it can't be dragged.
     virtual QMimeData *createMimeData();
@@ -73,26 +70,16 @@ private slots:
     void showContextMenu(QPoint pos);
 
 private:
-    void showIcon(const QString &path);
-    void dropImage();
-    void showForm();
-    void showCaption();
-    void showState();
-    void showPicture();
-    void showAnimation();
+    void makeForm();
+    void showLook();
+    void showNoImage(const QString &icon);
     void liftPressedLook();
 
-    QScopedPointer<Ui::Preview> ui;
+    QScopedPointer<CardForm> form;
+    CardLook look;
     QMenu *actionsMenu = nullptr;
     QPoint pressPosition{-1, -1};
     QPoint pressedPlace;
-    QPixmap image;
-    QSize shownSize{-1, -1};
-    /// Stands in the place of a null image.
-    QString icon;
-    QString caption;
-    int cardState = 0;
-    bool animated = false;
     int kind;
 };
 

@@ -8,12 +8,16 @@
 
 #include <algorithm>
 #include <chrono>
+#include <map>
+#include <utility>
 
 #include "API/Camera.h"
 #include "API/LocalServer.h"
 #include "API/Server.h"
 #include "GUI/CameraWidget.h"
+#include "GUI/RosterSearch.h"
 #include "GUI/ServerWidget.h"
+#include "GUI/WidgetMap.h"
 #include "GUI/WidgetOrder.h"
 
 namespace ZorvaneClient {
@@ -35,30 +39,18 @@ QString styleSheetOf(const QString &resource)
     return QString::fromUtf8(file.readAll());
 }
 
-bool contains(const QString &text, const QString &part)
-{
-    return text.contains(part, Qt::CaseInsensitive);
-}
-
 /// By name, the servers that are offline behind all others.
 QList<QWidget *> sortedServers(const QMap<API::server_id_t, ServerWidget *> &servers)
 {
-    struct Entry {
-        bool offline;
-        QString alias;
-        ServerWidget *widget;
-    };
-    QList<Entry> entries;
+    std::multimap<std::pair<bool, QString>, QWidget *> sorted;
     for (ServerWidget *widget : servers) {
         const API::ServerPtr server = widget->server();
-        entries.append({server->flags() == API::ServerOffline, server->alias(), widget});
+        const bool isOffline = server->flags() == API::ServerOffline;
+        sorted.emplace(std::make_pair(isOffline, server->alias()), widget);
     }
-    std::stable_sort(entries.begin(), entries.end(), [](const Entry &a, const Entry &b) {
-        return a.offline != b.offline ? b.offline : a.alias < b.alias;
-    });
     QList<QWidget *> order;
-    for (const Entry &entry : qAsConst(entries))
-        order.append(entry.widget);
+    for (const auto &entry : sorted)
+        order.append(entry.second);
     return order;
 }
 
@@ -66,76 +58,6 @@ bool allAreCameras(const QMap<API::server_id_t, ServerWidget *> &servers)
 {
     return std::all_of(servers.cbegin(), servers.cend(),
                        [](ServerWidget *widget) { return widget->server()->isCamera(); });
-}
-
-void searchCards(ServerWidget *server, const QString &name)
-{
-    bool found = false;
-    const QList<CameraWidget *> cards = server->cameraWidgets();
-    for (CameraWidget *card : cards) {
-        if (contains(card->camera()->name(), name)) {
-            card->highlight(name);
-            found = true;
-        } else {
-            card->highlightOff();
-        }
-    }
-    if (found) {
-        server->highlight(name);
-        server->expand();
-    } else {
-        server->highlightOff();
-        server->collapse();
-    }
-}
-
-void searchServer(ServerWidget *server, const QString &name)
-{
-    server->saveExpandState();
-    if (!contains(server->server()->alias(), name)) {
-        searchCards(server, name);
-        return;
-    }
-    server->highlight(name);
-    const QList<CameraWidget *> cards = server->cameraWidgets();
-    for (CameraWidget *card : cards)
-        card->highlight(name);
-}
-
-void endSearch(ServerWidget *server)
-{
-    const QList<CameraWidget *> cards = server->cameraWidgets();
-    for (CameraWidget *card : cards)
-        card->highlightOff();
-    server->highlightOff();
-    server->restoreExpandState();
-}
-
-/// Asks the card for a preview or releases it. `visible` is the part of the window that can
-/// show cards, in the window's coordinates: what lies outside needs no closer look.
-void updateCardPreview(CameraWidget *card, const QRect &cardArea, const QRect &visible)
-{
-    const bool inView = cardArea.intersects(visible) && card->isInView();
-    // Before it is painted, so that it never shows empty.
-    if (inView)
-        card->prepare();
-    if (inView && !card->hasPreview()) {
-        card->updatePreview();
-    } else if (!inView && card->hasPreview()) {
-        card->deletePreview();
-    }
-}
-
-void updateServerPreviews(const ServerWidget *server, const QRect &visible)
-{
-    const QList<CameraWidget *> cards = server->cameraWidgets();
-    if (cards.isEmpty())
-        return;
-    // The cards share one parent inside the server widget.
-    const QWidget *container = cards.first()->parentWidget();
-    const QPoint origin = container->mapTo(server->parentWidget(), QPoint(0, 0));
-    for (CameraWidget *card : cards)
-        updateCardPreview(card, card->geometry().translated(origin), visible);
 }
 
 } // namespace
@@ -169,15 +91,9 @@ void RosterWidget::startPolling()
 
 void RosterWidget::updateRoster()
 {
-    const QMap<API::server_id_t, API::ServerPtr> list = API::CloudAPIClient::serverList();
-    removeStaleServers(list);
-    for (auto entry = list.cbegin(); entry != list.cend(); ++entry) {
-        if (ServerWidget *widget = servers.value(entry.key(), nullptr)) {
-            widget->updateServer(entry.value());
-        } else {
-            servers.insert(entry.key(), createServer(entry.value()));
-        }
-    }
+    updateWidgets(&servers, API::CloudAPIClient::serverList(), &ServerWidget::server,
+                  &ServerWidget::updateServer,
+                  [this](const API::ServerPtr &server) { return createServer(server); });
     rebuildOrder();
     prepareFirstCards();
 }
@@ -194,23 +110,6 @@ void RosterWidget::prepareFirstCards()
         for (CameraWidget *card : cards.mid(0, left))
             card->prepare();
         left -= static_cast<int>(cards.size());
-    }
-}
-
-/// A server that went and came back unseen is a new object under the old identifier: it gets
-/// a new widget.
-void RosterWidget::removeStaleServers(const QMap<API::server_id_t, API::ServerPtr> &list)
-{
-    for (auto entry = servers.begin(); entry != servers.end();) {
-        ServerWidget *widget = entry.value();
-        if (list.value(entry.key()) == widget->server()) {
-            ++entry;
-            continue;
-        }
-        serversLayout->removeWidget(widget);
-        entry = servers.erase(entry);
-        widget->hide();
-        widget->deleteLater();
     }
 }
 
@@ -258,11 +157,22 @@ bool RosterWidget::eventFilter(QObject *object, QEvent *event)
     return QScrollArea::eventFilter(object, event);
 }
 
+/// Only a card within the visible part of the list can be in view.
 void RosterWidget::updatePreviews()
 {
     const QRect visible = widget()->visibleRegion().boundingRect();
-    for (const ServerWidget *server : qAsConst(servers))
-        updateServerPreviews(server, visible);
+    for (const ServerWidget *server : qAsConst(servers)) {
+        const auto within = server->cardsWithin(visible.translated(-server->pos()));
+        for (CameraWidget *card : within) {
+            if (card->isInView() && !card->hasPreview())
+                card->updatePreview();
+        }
+        const auto all = server->cameraWidgets();
+        for (CameraWidget *card : all) {
+            if (card->hasPreview() && !card->isInView())
+                card->deletePreview();
+        }
+    }
 }
 
 void RosterWidget::search(QString name)

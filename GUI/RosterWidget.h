@@ -49,7 +49,6 @@ private slots:
 
 private:
     void startPolling();
-    void removeStaleServers(const QMap<API::server_id_t, API::ServerPtr> &list);
     ServerWidget *createServer(const API::ServerPtr &server);
     void rebuildOrder();
     void prepareFirstCards();

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QVBoxLayout>
 
 #include "API/Camera.h"
@@ -16,7 +17,9 @@
 #include "GUI/DragFormats.h"
 #include "GUI/IconButton.h"
 #include "GUI/IconPixmap.h"
+#include "GUI/SharedTexts.h"
 #include "GUI/TiltedDrag.h"
+#include "GUI/WidgetMap.h"
 #include "GUI/WidgetOrder.h"
 #include "ui_ServerWidget.h"
 
@@ -67,7 +70,7 @@ void ServerWidget::createMenu()
     connect(editAction, &QAction::triggered, this, &ServerWidget::edit, Qt::QueuedConnection);
     menu->addAction(tr("Delete"), this, QOverload<>::of(&ServerWidget::deleteServer));
     ui->settingsButton->setMenu(menu);
-    nameIconButton(ui->settingsButton, QCoreApplication::translate("VideoWidget", "Options"));
+    nameIconButton(ui->settingsButton, SharedTexts::options());
 }
 
 API::ServerPtr ServerWidget::server() const
@@ -80,48 +83,32 @@ QList<CameraWidget *> ServerWidget::cameraWidgets() const
     return cards.values();
 }
 
+QList<CameraWidget *> ServerWidget::cardsWithin(const QRect &area) const
+{
+    QList<CameraWidget *> found;
+    if (ui->container->isHidden())
+        return found;
+    const QRect areaOfCards = area.translated(-ui->container->pos());
+    for (CameraWidget *card : cards) {
+        if (card->geometry().intersects(areaOfCards))
+            found.append(card);
+    }
+    return found;
+}
+
 void ServerWidget::updateServer(API::ServerPtr server)
 {
     updateServerName(server->alias());
     shownServer->setFlags(server->flags());
-    const QMap<API::camera_id_t, API::CameraPtr> cameras = server->cameras();
-    removeStaleCards(cameras);
-    updateCards(cameras);
+    updateWidgets(&cards, server->cameras(), &CameraWidget::camera, &CameraWidget::updateCamera,
+                  [this](const API::CameraPtr &camera) { return createCard(camera); });
     arrangeCards(server->sortedCameras());
     updateState();
 }
 
-/// A LAN server that was out of reach comes back with new camera objects under the old
-/// numbers: they get new cards.
-void ServerWidget::removeStaleCards(const QMap<API::camera_id_t, API::CameraPtr> &cameras)
-{
-    for (auto entry = cards.begin(); entry != cards.end();) {
-        CameraWidget *card = entry.value();
-        if (cameras.value(entry.key()) == card->camera()) {
-            ++entry;
-            continue;
-        }
-        cardsLayout->removeWidget(card);
-        entry = cards.erase(entry);
-        card->hide();
-        card->deleteLater();
-    }
-}
-
-void ServerWidget::updateCards(const QMap<API::camera_id_t, API::CameraPtr> &cameras)
-{
-    for (auto entry = cameras.cbegin(); entry != cameras.cend(); ++entry) {
-        if (CameraWidget *card = cards.value(entry.key(), nullptr)) {
-            card->updateCamera(entry.value());
-        } else {
-            cards.insert(entry.key(), createCard(entry.value()));
-        }
-    }
-}
-
 CameraWidget *ServerWidget::createCard(const API::CameraPtr &camera)
 {
-    auto *card = CameraWidget::createUnprepared(camera, ui->container);
+    auto *card = new CameraWidget(camera, ui->container, CameraWidget::Making::Later);
     connect(card, &CameraWidget::openCamera, this, &ServerWidget::openCamera);
     connect(card, &CameraWidget::addToLayout, this, &ServerWidget::addToLayout);
     connect(card, &CameraWidget::openInNewWindow, this, &ServerWidget::openInNewWindow);
@@ -222,6 +209,14 @@ bool ServerWidget::eventFilter(QObject *object, QEvent *event)
     if (event->type() == QEvent::MouseButtonRelease)
         ui->expandButton->toggle();
     return false;
+}
+
+void ServerWidget::paintEvent(QPaintEvent *event)
+{
+    // In a large roster most cards are never seen.
+    for (CameraWidget *card : cardsWithin(event->rect()))
+        card->prepare();
+    QWidget::paintEvent(event);
 }
 
 void ServerWidget::mousePressEvent(QMouseEvent *event)

@@ -36,6 +36,8 @@ public:
     API::ServerPtr server() const;
     /// By camera number.
     QList<CameraWidget *> cameraWidgets() const;
+    /// Those that `area`, in this widget's coordinates, touches; none of a closed entry.
+    QList<CameraWidget *> cardsWithin(const QRect &area) const;
 
 signals:
     void openCamera(API::CameraPtr camera);
@@ -61,6 +63,7 @@ public slots:
     void setAddToLayoutEnabled(bool enabled);
 
 protected:
+    void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     bool eventFilter(QObject *object, QEvent *event) override;
@@ -72,8 +75,6 @@ private slots:
 
 private:
     void createMenu();
-    void removeStaleCards(const QMap<API::camera_id_t, API::CameraPtr> &cameras);
-    void updateCards(const QMap<API::camera_id_t, API::CameraPtr> &cameras);
     void arrangeCards(const QList<API::CameraPtr> &sorted);
     CameraWidget *createCard(const API::CameraPtr &camera);
 

@@ -186,8 +186,8 @@ private slots:
     void pressedCardComesBack()
     {
         const auto [draggable, pressed, clicks] = row<bool, bool, int>();
-        Preview *card = draggable ? CameraWidget::createUnprepared(makeCamera(), nullptr)
-                                  : new Preview(Preview::KindCamera);
+        Preview *card =
+            draggable ? new CameraWidget(makeCamera()) : new Preview(Preview::KindCamera);
         const Stage stage(card);
         QSignalSpy clicked(card, &Preview::clicked);
         const QPoint at(10, 10);
@@ -198,7 +198,6 @@ private slots:
             QCOMPARE(started->hotSpot(), QPoint(80, 50));
             // Its picture is the card, tilted.
             QVERIFY(started->pixmap().width() > card->width());
-            QVERIFY(!card->findChildren<QLabel *>().isEmpty());
         };
         take({{"press"_s, [&] { QTest::mousePress(card, Qt::LeftButton, {}, at); }},
               {"release"_s, [&] { QTest::mouseRelease(card, Qt::LeftButton); }},
@@ -211,45 +210,67 @@ private slots:
         QCOMPARE(clicked.count(), clicks);
     }
 
+    /// What is cut away is marked in the ellipsis, which has the room of a letter.
+    void aPartThatIsFoundIsMarkedInAShortenedName_data()
+    {
+        rows<QString, QString>({"part", "shown"},
+                               {{"at the beginning", "GATE", "^\\[Gate\\] W+ shop$"},
+                                {"cut away", "Shop", "^Gate W+\\[W\\]W+ shop$"},
+                                {"cut in two", QString(90, 'W'), "^Gate \\[W+\\]W+ shop$"}});
+    }
+
+    void aPartThatIsFoundIsMarkedInAShortenedName()
+    {
+        const auto [part, shown] = row<QString, QString>();
+        CameraWidget card(makeCamera(true, "Gate " + QString(99, 'W') + " shop"_s));
+        card.highlight(part);
+        QVERIFY(QRegularExpression(shown).match(labelText(&card, "cameraName")).hasMatch());
+        // It can be read: no other text has this colour.
+        auto *label = card.findChild<QLabel *>("cameraName");
+        QVERIFY(!placeOf(QColor(25, 25, 29), label).isEmpty());
+        // It is the label's selection too.
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        card.highlight(part);
+        QCOMPARE(label->selectedText().toLower(), part.toLower());
+    }
+
     void unpreparedCardShowsWhatItWasTold_data()
     {
         rows<bool, bool, bool, QString, QString>(
             {"online", "paid", "picture", "caption", "seen"},
-            {{"offline", false, true, false, "Gate (offline)", "NoCam"},
-             {"not paid", false, false, false, "Gate (not paid for and offline)", "NoCam"},
-             {"online", true, false, false, "Gate", "Cam"},
-             {"with a picture", true, true, true, "Gate", grey}});
+            {{"offline", false, true, false, "G[at]e (offline)", "NoCam"},
+             {"not paid", false, false, false, "G[at]e (not paid for and offline)", "NoCam"},
+             {"online", true, false, false, "G[at]e", "Cam"},
+             {"without a name", true, true, false, "", "Cam"},
+             {"with a picture", true, true, true, "G[at]e", grey}});
     }
 
     void unpreparedCardShowsWhatItWasTold()
     {
         const auto [online, paid, picture, caption, seen] =
             row<bool, bool, bool, QString, QString>();
-        const API::CameraPtr camera = makeCamera(online, "Gate"_s, paid);
-        CameraWidget *card = CameraWidget::createUnprepared(camera, nullptr);
-        card->hide();
-        const Stage stage(card);
+        const API::CameraPtr camera =
+            makeCamera(online, caption.isEmpty() ? QString() : "Gate"_s, paid);
+        auto *card = new CameraWidget(camera, nullptr, CameraWidget::Making::Later);
         card->updateCamera(camera);
+        card->highlight("at"_s);
         if (picture)
             camera->setPreview(greyPicture());
         QCOMPARE(card->hasPreview(), picture);
-        QVERIFY(card->findChildren<QLabel *>().isEmpty());
-        const QSize size = card->size();
-
-        card->show();
-        QTRY_VERIFY(!card->findChildren<QLabel *>().isEmpty());
-        QCOMPARE(card->size(), size);
-        QCOMPARE(labelText(card, "cameraName"), caption);
-        QVERIFY(card->findChild<QLabel *>("cameraName")->isVisible());
-        QTRY_COMPARE(look(card), seen);
-
-        // It looks like a card that was made whole.
-        CameraWidget whole(camera, nullptr);
-        whole.updateCamera(camera);
+        const Stage stage(card);
+        card->prepare();
         const auto painted = [](QWidget *widget) {
             return widget->grab().toImage().convertToFormat(QImage::Format_RGB32);
         };
-        QTRY_COMPARE(painted(card), painted(&whole));
+        const QImage first = painted(card);
+        QCOMPARE(labelText(card, "cameraName"), caption);
+        QCOMPARE(look(card), seen);
+
+        // It looks like a card that was made whole, from the first.
+        CameraWidget whole(camera, nullptr);
+        whole.updateCamera(camera);
+        whole.highlight("at"_s);
+        QCOMPARE(first, painted(&whole));
 
         // A new name comes with a refresh, and a long one leaves the rest in its place.
         const auto *button = card->findChild<QPushButton *>("previewMenu");

@@ -217,8 +217,7 @@ private slots:
         press("prevDayButton");
         QCOMPARE(strip()->startValue().date(), QDate(2026, 8, 30));
         // They tell where they lead.
-        QCOMPARE(find("prevDayButton")->accessibleName(),
-                 QLocale().toString(QDate(2026, 8, 29), "MMM dd"_s));
+        QCOMPARE(find("prevDayButton")->accessibleName(), "Aug 29"_s);
         press("nextDayButton");
         press("nextDayButton");
         QCOMPARE(strip()->startValue().date(), QDate(2026, 9, 1)); // tomorrow

@@ -16,14 +16,9 @@ void stopClockAt(double seconds)
 int expireTimers(std::chrono::milliseconds interval)
 {
     QAbstractEventDispatcher *dispatcher = QAbstractEventDispatcher::instance();
-    // The dispatcher's children are the single shots.
-    QObjectList owners = dispatcher->children();
-    for (const QWidget *window : QApplication::topLevelWidgets()) {
-        for (QTimer *timer : window->findChildren<QTimer *>())
-            owners.append(timer);
-    }
     int expired = 0;
-    for (QObject *owner : qAsConst(owners)) {
+    // The dispatcher's children are the single shots.
+    for (QObject *owner : QObjectList(dispatcher->children())) {
         for (const auto &timer : dispatcher->registeredTimers(owner)) {
             if (timer.interval != interval.count())
                 continue;
@@ -35,13 +30,25 @@ int expireTimers(std::chrono::milliseconds interval)
     return expired;
 }
 
+QRect placeOf(const QColor &color, QWidget *widget)
+{
+    return QRegion(widget->grab().createMaskFromColor(color, Qt::MaskOutColor)).boundingRect();
+}
+
 QString labelText(const QWidget *parent, const char *name)
 {
-    const auto *label = parent->findChild<QLabel *>(QLatin1String(name));
-    const QString marked = label->selectedText();
-    if (marked.isEmpty())
-        return label->text();
-    return label->text().replace(label->selectionStart(), marked.size(), '[' + marked + ']');
+    auto *label = parent->findChild<QLabel *>(QLatin1String(name));
+    QString text = label->text();
+    const auto letterAt = [&](int x) {
+        int letter = 0;
+        while (label->fontMetrics().horizontalAdvance(text.left(letter)) < x - 1)
+            ++letter;
+        return letter;
+    };
+    const QRect mark = placeOf(QColor(62, 183, 253), label);
+    if (!mark.isEmpty())
+        text.insert(letterAt(mark.right() + 1), ']').insert(letterAt(mark.left()), '[');
+    return text;
 }
 
 QDrag *dragTo(QWidget *widget, const QPoint &to)

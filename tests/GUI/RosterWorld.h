@@ -14,10 +14,13 @@ void stopClockAt(double seconds);
 /// After which the preview of a card out of view is released.
 constexpr std::chrono::milliseconds releaseDelay(30000);
 
-/// Lets the running timers of that interval expire at once; returns how many there were.
+/// Lets the running single shots of that interval expire at once; returns how many there were.
 int expireTimers(std::chrono::milliseconds interval);
 
-/// The text of a label, with what is marked in it in brackets.
+/// The part of the widget that holds all pixels of that colour.
+QRect placeOf(const QColor &color, QWidget *widget);
+
+/// The text of a label, with what is painted as marked in it in brackets.
 QString labelText(const QWidget *parent, const char *name);
 
 /// Moves on to `to` with the left button down, and gives the drag that started, if one did.
