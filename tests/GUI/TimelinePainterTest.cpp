@@ -2,6 +2,7 @@
 // What the strip paints: records, scale, marks, and messages in place of records.
 #include "GUI/TimelinePainter.h"
 #include "App/Environment.h"
+#include "GUI/TimelineBars.h"
 #include "GUI/TimelineTooltip.h"
 #include "tests/GUI/TimelineStrip.h"
 
@@ -30,6 +31,7 @@ QImage drawnOneByOne(const TimelinePrivate &state)
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
+    const DayWindow window = state.window();
     const bool single = state.cameras.size() == 1;
     const auto draw = [&](const API::CameraPtr &camera, bool inFocus) {
         const int top = single || inFocus ? 26 : 38;
@@ -40,8 +42,8 @@ QImage drawnOneByOne(const TimelinePrivate &state)
         painter.setBrush(gradient);
         const QList<API::ArchiveRecord> records = camera->records(state.date);
         for (const API::ArchiveRecord &record : records) {
-            const int left = state.pixelAt(qMax(record.start, state.startValue));
-            const int right = state.pixelAt(qMin(record.end, state.endValue));
+            const int left = window.pixelAt(qMax(record.start, window.start));
+            const int right = window.pixelAt(qMin(record.end, window.end));
             if (left <= right)
                 painter.drawRects(QVector<QRect>{{left, top, qMax(1, right - left), bottom - top}});
         }
@@ -129,7 +131,7 @@ private slots:
         const auto isSameIn = [&](const QDateTime &from, const QDateTime &to) {
             state.startValue = from;
             state.endValue = to;
-            TimelinePainter(state).renderRecords();
+            renderRecords(state);
             return state.recordsImage == drawnOneByOne(state);
         };
         QVERIFY(isSameIn(begin, end));

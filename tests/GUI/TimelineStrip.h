@@ -123,6 +123,12 @@ inline API::CameraPtr putCamera(GUI::Timeline &timeline, ArchiveWorld &world, in
     return putCamera(timeline, world.localCamera(id));
 }
 
+/// "10:00 to 11:00" of the day, on a strip of that width.
+inline GUI::Internal::DayWindow dayWindow(const QString &span, int width = stripWidth)
+{
+    return {stripDay, spanOf(span).start, spanOf(span).end, width};
+}
+
 /// A timeline of that width, and a state for it beside its own that a test can set.
 struct TimelineStrip {
     GUI::Timeline owner;
