@@ -128,6 +128,8 @@ void Timeline::glideTo(const Internal::DayWindow &window)
         std::swap(first, second);
     first->start(QAbstractAnimation::DeleteWhenStopped);
     second->start(QAbstractAnimation::DeleteWhenStopped);
+    // The steps on the way are cheap: the bars stand still until the window has arrived.
+    connect(second, &QPropertyAnimation::finished, this, &Timeline::redrawRecords);
     redrawRecords();
 }
 

@@ -114,12 +114,7 @@ private slots:
     void movesTheWindow()
     {
         const auto [window, action, expected, level] = row<QString, QString, QString, int>();
-        putCamerasOn(*timeline);
-        QSignalSpy updated(timeline.data(), &Timeline::recordsUpdated);
-        QTRY_COMPARE_WITH_TIMEOUT(updated.size(), 2, 30000);
-        setWindow(*timeline, window);
-        timeline->setActiveCameraId(timeline->activeCamera()->globalId());
-        QTRY_COMPARE(onScreen(*timeline), picture(*timeline));
+        QVERIFY(showsCamerasIn(window));
 
         QSignalSpy zoomed(timeline.data(), &Timeline::zoomed);
         const QStringList words = action.split(' ');
@@ -145,6 +140,29 @@ private slots:
         QCOMPARE(zoomed.isEmpty() ? -1 : zoomed.first().first().toInt(), level);
         // The records went along.
         const QImage goal = drawnAnew(expected, isPan ? "move " + words.last() : QString());
+        QTRY_COMPARE(onScreen(*timeline), goal);
+    }
+
+    void aFragmentComesIntoView_data()
+    {
+        rows<QString, QString, QString>(
+            {"window", "cursor", "expected"},
+            {{"on", "8:00 to 8:30", "14:02:30", "13:47:30 to 14:17:30"},
+             {"back", "20:00 to 20:30", "14:02:30", "13:47:30 to 14:17:30"},
+             {"to the day's begin", "20:00 to 20:30", "0:07:30", "0:00 to 0:22:30"}});
+    }
+
+    void aFragmentComesIntoView()
+    {
+        const auto [window, cursor, expected] = row<QString, QString, QString>();
+        QVERIFY(showsCamerasIn(window));
+        timeline->setCurrentValue(at(cursor));
+        QVERIFY(timeline->enterSelectionMode(true, false));
+        QCOMPARE(windowOf(*timeline), window);
+        timeline->leaveSelectionMode();
+        QTRY_COMPARE(windowOf(*timeline), expected);
+        // The records went along.
+        const QImage goal = drawnAnew(expected, {});
         QTRY_COMPARE(onScreen(*timeline), goal);
     }
 
@@ -372,6 +390,18 @@ private:
         setWindow(*timeline, "11:53:20 to 12:10");
         return timeline->enterSelectionMode(true, false) &&
                selectionOf(*timeline) == "12:00 to 12:05";
+    }
+
+    /// With their records received and painted.
+    bool showsCamerasIn(const QString &window)
+    {
+        QSignalSpy updated(timeline.data(), &Timeline::recordsUpdated);
+        putCamerasOn(*timeline);
+        const bool received = QTest::qWaitFor([&] { return updated.size() == 2; }, 30000);
+        setWindow(*timeline, window);
+        timeline->setActiveCameraId(timeline->activeCamera()->globalId());
+        const auto isPainted = [this] { return onScreen(*timeline) == picture(*timeline); };
+        return received && QTest::qWaitFor(isPainted);
     }
 
     /// Two cameras, so that in any window some record begins or ends.
