@@ -89,9 +89,9 @@ inline QList<API::ArchiveRecord> randomRecords(QDate date, int count, quint32 se
 }
 
 /// What the window shows, as the last paint event left it.
-inline QImage onScreen(GUI::Timeline &timeline)
+inline QImage onScreen(QWidget &window)
 {
-    const QPixmap shown = timeline.screen()->grabWindow(timeline.winId());
+    const QPixmap shown = window.screen()->grabWindow(window.winId());
     return shown.toImage().convertToFormat(QImage::Format_RGB32);
 }
 

@@ -221,18 +221,20 @@ private slots:
         // It hangs over the strip, which must not lose the mouse to it.
         QVERIFY(tip->windowFlags().testFlag(Qt::WindowTransparentForInput));
         const QImage without = picture(*timeline);
+        // Inside the round corners, which the window system mixes with what lies below.
+        const QRect text = tip->rect().adjusted(4, 3, -4, -7);
         const auto shows = [&](int x, const QTime &time) {
             GUI::TimelineTooltip label;
             label.setTime(time);
             const QRect line(x - 1, 50, 2, 6);
             return picture(*timeline).copy(line) != without.copy(line) && tip->isVisible() &&
-                   picture(*tip) == picture(label) &&
+                   onScreen(*tip).copy(text) == picture(label).copy(text) &&
                    tip->pos() == timeline->mapToGlobal(QPoint(x - label.width() / 2 - 1, -8));
         };
         for (const auto &[x, time] :
              {qMakePair(515, "11:59:59"_s), {1015, "23:59:59"_s}, {15, "0:00"_s}}) {
             use(*timeline, "move %1"_s.arg(x));
-            QVERIFY2(shows(x, at(time).time()), qPrintable(time));
+            QTRY_VERIFY2(shows(x, at(time).time()), qPrintable(time));
         }
         // Over the margins the line goes, and the label stays where it was.
         const QPoint place = tip->pos();
