@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What the strip paints: records, scale, marks, and messages in place of records.
 #include "GUI/TimelinePainter.h"
-#include "App/Environment.h"
 #include "GUI/TimelineBars.h"
 #include "GUI/TimelineTooltip.h"
 #include "tests/GUI/TimelineStrip.h"
@@ -93,16 +92,7 @@ class TimelinePainterTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QVERIFY(world.start()); }
-
-    void init()
-    {
-        useZone(berlin);
-        world.reset();
-        App::Environment::setClock([] { return at("12:00"); });
-    }
-
-    void cleanup() { App::Environment::setClock({}); }
+    void init() { QVERIFY(world.begin()); }
 
     void sameAsEachRecordByItself_data()
     {
@@ -129,8 +119,7 @@ private slots:
         const QDateTime begin = date.startOfDay();
         const QDateTime end(date, QTime(23, 59, 59));
         const auto isSameIn = [&](const QDateTime &from, const QDateTime &to) {
-            state.startValue = from;
-            state.endValue = to;
+            state.setWindow({state.date, from, to, strip.owner.width()});
             renderRecords(state);
             return state.recordsImage == drawnOneByOne(state);
         };
@@ -160,7 +149,7 @@ private slots:
     void paintedScale()
     {
         TimelineStrip strip;
-        strip.setWindow("12:00 to 12:05");
+        strip.state.setWindow(dayWindow("12:00 to 12:05"));
         const QImage image = paintingOf(strip);
         const auto inkIn = [&image](int y, int left, int right) {
             int count = 0;
@@ -211,7 +200,7 @@ private slots:
         const auto [what, time, box, pixel, colour] =
             row<QString, QString, QRect, QPoint, QColor>();
         TimelineStrip strip;
-        strip.setWindow("6:00 to 12:00");
+        strip.state.setWindow(dayWindow("6:00 to 12:00"));
         const QImage without = paintingOf(strip);
         strip.state.sliderVisible = what == "cursor";
         strip.state.currentValue = at(time);
@@ -327,7 +316,7 @@ private slots:
     }
 
 private:
-    ArchiveWorld world;
+    StripWorld world;
 };
 
 QTEST_MAIN(TimelinePainterTest)

@@ -49,13 +49,7 @@ class TimelineRulesTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QVERIFY(world.start()); }
-
-    void init()
-    {
-        useZone(berlin);
-        world.reset();
-    }
+    void init() { QVERIFY(world.begin()); }
 
     void pixelsAndTimes_data()
     {
@@ -356,7 +350,7 @@ private slots:
     }
 
 private:
-    ArchiveWorld world;
+    StripWorld world;
 };
 
 QTEST_MAIN(TimelineRulesTest)

@@ -7,6 +7,7 @@
 #include <ctime>
 
 #include "API/Camera.h"
+#include "App/Environment.h"
 #include "GUI/TimelinePrivate.h"
 
 namespace ZorvaneClient::Tests {
@@ -123,6 +124,28 @@ inline API::CameraPtr putCamera(GUI::Timeline &timeline, ArchiveWorld &world, in
     return putCamera(timeline, world.localCamera(id));
 }
 
+/// What each test of the strip begins with: no records yet, at noon in Berlin.
+class StripWorld : public ArchiveWorld
+{
+public:
+    ~StripWorld() { App::Environment::setClock({}); }
+
+    bool begin()
+    {
+        useZone(berlin);
+        reset();
+        now = at("12:00");
+        App::Environment::setClock([this] { return now; });
+        isStarted = isStarted || start();
+        return isStarted;
+    }
+
+    QDateTime now;
+
+private:
+    bool isStarted = false;
+};
+
 /// "10:00 to 11:00" of the day, on a strip of that width.
 inline GUI::Internal::DayWindow dayWindow(const QString &span, int width = stripWidth)
 {
@@ -140,12 +163,6 @@ struct TimelineStrip {
         owner.resize(width, owner.height());
         state.recordsImage = QImage(owner.size(), QImage::Format_ARGB32);
         state.recordsImage.fill(0);
-    }
-
-    void setWindow(const QString &span)
-    {
-        state.startValue = spanOf(span).start;
-        state.endValue = spanOf(span).end;
     }
 
     void setSelection(const QString &span)

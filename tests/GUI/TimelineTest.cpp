@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "App/Environment.h"
 #include "GUI/TimelineTooltip.h"
 #include "tests/GUI/TimelineStrip.h"
 
@@ -47,14 +46,9 @@ class TimelineTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QVERIFY(world.start()); }
-
     void init()
     {
-        useZone(berlin);
-        world.reset();
-        now = at("12:00");
-        App::Environment::setClock([this] { return now; });
+        QVERIFY(world.begin());
         timeline.reset(new Timeline(stripDay));
         QVERIFY(showStrip(*timeline));
     }
@@ -63,7 +57,6 @@ private slots:
     {
         timeline.reset();
         QVERIFY(!tooltip());
-        App::Environment::setClock({});
     }
 
     void movesTheWindow_data()
@@ -207,7 +200,7 @@ private slots:
         QSignalSpy played(timeline.data(), &Timeline::playTime);
         const int lastWord = mouse.lastIndexOf("release");
         use(*timeline, mouse.left(lastWord));
-        now = now.addMSecs(heldMs);
+        world.now = world.now.addMSecs(heldMs);
         use(*timeline, mouse.mid(lastWord));
         QCOMPARE(played.size(), plays);
         QCOMPARE(textOf(timeline->currentValue()), expected);
@@ -427,8 +420,7 @@ private:
         return picture(strip);
     }
 
-    ArchiveWorld world;
-    QDateTime now;
+    StripWorld world;
     QScopedPointer<Timeline> timeline;
 };
 
