@@ -9,18 +9,24 @@ namespace ZorvaneClient {
 namespace GUI {
 namespace Internal {
 
+namespace {
+
+/// The column of a moment that doesn't lie left of column `from`; the number of columns if it
+/// lies right of all.
+size_t columnOf(qint64 moment, const std::vector<qint64> &columnEnds, size_t from)
+{
+    while (from < columnEnds.size() && moment >= columnEnds[from])
+        ++from;
+    return from;
+}
+
+} // namespace
+
 CoveredColumns::CoveredColumns(const TimeAxis &timeAxis) : axis(timeAxis)
 {
     for (int x = axis.firstPixel(); x <= axis.lastPixel(); ++x)
         columnEnds.push_back(axis.firstMomentAt(x + 1));
     covered.resize(columnEnds.size());
-}
-
-size_t CoveredColumns::columnOf(qint64 moment, size_t from) const
-{
-    while (from < columnEnds.size() && moment >= columnEnds[from])
-        ++from;
-    return from;
 }
 
 size_t CoveredColumns::firstVisible(const std::vector<qint64> &reaches) const
@@ -39,16 +45,17 @@ void CoveredColumns::add(const RecordTimes &times)
     size_t column = 0; // of the start
     size_t end = 0;    // of the reach
     for (size_t record = firstVisible(reaches); record < starts.size();) {
-        column = columnOf(starts[record], column);
+        column = columnOf(starts[record], columnEnds, column);
         if (column == columnEnds.size())
             return;
         // All records that begin in one column are one bar.
         while (record < starts.size() && starts[record] < columnEnds[column])
             ++record;
-        const size_t from = qMax(column, end);
+        size_t from = qMax(column, end);
         // What goes on past the strip ends at the pixel of its end.
-        end = qMin(columnOf(reaches[record - 1], end), columnEnds.size() - 1);
-        std::fill(covered.begin() + from, covered.begin() + qMax(column + 1, end), true);
+        end = qMin(columnOf(reaches[record - 1], columnEnds, end), columnEnds.size() - 1);
+        for (const size_t to = qMax(column + 1, end); from < to; ++from)
+            covered[from] = true;
     }
 }
 

@@ -28,9 +28,6 @@ public:
 private:
     /// Of the records with these reaches, the first that isn't over left of the axis.
     size_t firstVisible(const std::vector<qint64> &reaches) const;
-    /// The column of a moment that doesn't lie left of column `from`; the number of columns if
-    /// it lies right of all.
-    size_t columnOf(qint64 moment, size_t from) const;
 
     const TimeAxis axis;
     std::vector<qint64> columnEnds; ///< first moment right of each column of the axis
