@@ -141,7 +141,6 @@ private slots:
         rows<QString, QString, QString>(
             {"window", "cursor", "expected"},
             {{"on", "8:00 to 8:30", "14:02:30", "13:47:30 to 14:17:30"},
-             {"back", "20:00 to 20:30", "14:02:30", "13:47:30 to 14:17:30"},
              {"to the day's begin", "20:00 to 20:30", "0:07:30", "0:00 to 0:22:30"}});
     }
 
