@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/TimeAxis.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
-
-#include "GUI/TimelinePrivate.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -15,6 +14,14 @@ namespace {
 constexpr qint64 millisecondsPerSecond = 1000;
 
 } // namespace
+
+int truncated(double value)
+{
+    constexpr double limit = 1e9;
+    if (std::isnan(value))
+        return 0;
+    return static_cast<int>(std::clamp(value, -limit, limit));
+}
 
 TimeAxis::TimeAxis(const QDateTime &start, const QDateTime &end, int width)
     : startMoment(start.toMSecsSinceEpoch())
@@ -35,10 +42,8 @@ int TimeAxis::lastPixel() const
 
 int TimeAxis::pixelAfter(qint64 seconds) const
 {
-    if (totalSeconds == 0)
-        return timelineMargin;
     const double fraction = static_cast<double>(seconds) / static_cast<double>(totalSeconds);
-    return static_cast<int>(scaleWidth * fraction) + timelineMargin;
+    return truncated(scaleWidth * fraction) + timelineMargin;
 }
 
 int TimeAxis::pixelAt(qint64 moment) const

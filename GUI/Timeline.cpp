@@ -6,8 +6,8 @@
 
 #include <chrono>
 
-#include "API/Camera.h"
 #include "GUI/StyleBackground.h"
+#include "GUI/TimelineBars.h"
 #include "GUI/TimelinePainter.h"
 #include "GUI/TimelinePrivate.h"
 
@@ -18,8 +18,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr int heightPixels = 56;
 constexpr std::chrono::milliseconds refreshInterval = 120000ms;
-constexpr int scrollNotch = 120;
 constexpr qreal lastStep = 0.001;
 
 QVariant timeBetween(const QDateTime &from, const QDateTime &to, qreal progress)
@@ -44,7 +44,7 @@ void registerTypes()
 Timeline::Timeline(QDate date, QWidget *parent)
     : QWidget(parent), d(QSharedPointer<Internal::TimelinePrivate>::create(this, date))
 {
-    setFixedHeight(Internal::timelineHeight);
+    setFixedHeight(heightPixels);
     setStyleSheet(QStringLiteral("background-color: rgb(41, 44, 49);"));
     setAttribute(Qt::WA_AlwaysShowToolTips);
     setMouseTracking(true);
@@ -76,30 +76,6 @@ void Timeline::setCurrentValue(QDateTime value)
     update();
 }
 
-QDateTime Timeline::startValue() const
-{
-    return d->startValue;
-}
-
-void Timeline::setStartValue(QDateTime value)
-{
-    d->startValue = value;
-    d->clampWindow();
-    update();
-}
-
-QDateTime Timeline::endValue() const
-{
-    return d->endValue;
-}
-
-void Timeline::setEndValue(QDateTime value)
-{
-    d->endValue = value;
-    d->clampWindow();
-    update();
-}
-
 bool Timeline::sliderVisible() const
 {
     return d->sliderVisible;
@@ -111,108 +87,9 @@ void Timeline::setSliderVisible(bool visible)
     update();
 }
 
-void Timeline::setActiveCameraId(API::camera_global_id_t id)
-{
-    d->activeCameraId = API::camera_global_id_t();
-    if (!d->cameras.contains(id))
-        return;
-    d->activeCameraId = id;
-    d->dirty = true;
-    update();
-}
-
-bool Timeline::hasCamera(API::camera_global_id_t id) const
-{
-    return d->cameras.contains(id);
-}
-
-void Timeline::removeCamera(API::camera_global_id_t id)
-{
-    if (const API::CameraPtr camera = d->cameras.take(id))
-        disconnect(camera.data(), nullptr, this, nullptr);
-    if (id == d->activeCameraId)
-        d->activeCameraId = API::camera_global_id_t();
-    updateRecords();
-}
-
-int Timeline::cameraCount() const
-{
-    return d->cameras.size();
-}
-
-API::CameraPtr Timeline::activeCamera() const
-{
-    return d->activeCamera();
-}
-
-bool Timeline::canExport() const
-{
-    return d->canExport();
-}
-
-void Timeline::clear()
-{
-    for (const API::CameraPtr &camera : qAsConst(d->cameras))
-        disconnect(camera.data(), nullptr, this, nullptr);
-    d->activeCameraId = API::camera_global_id_t();
-    d->cameras.clear();
-    updateRecords();
-}
-
 void Timeline::addMSecs(qlonglong msecs)
 {
     d->currentValue = d->currentValue.addMSecs(msecs);
-    update();
-}
-
-void Timeline::zoomIn()
-{
-    zoomAtCentre(1);
-}
-
-void Timeline::zoomOut()
-{
-    zoomAtCentre(-1);
-}
-
-void Timeline::zoom(int level)
-{
-    const int direction = level > d->zoomLevel ? 1 : -1;
-    const auto isReached = [this, level, direction] {
-        return direction > 0 ? level <= d->zoomLevel : level >= d->zoomLevel;
-    };
-    bool moves = true;
-    // A window that stays as it was would do so for ever.
-    while (!isReached() && moves) {
-        const QDateTime start = d->startValue;
-        const QDateTime end = d->endValue;
-        zoomAtCentre(direction);
-        moves = d->startValue != start || d->endValue != end;
-    }
-}
-
-void Timeline::zoomAtCentre(int direction)
-{
-    if (d->zoomStep(direction, d->timeAt(width() / 2)))
-        emit zoomed(d->zoomLevel);
-    d->dirty = true;
-    update();
-}
-
-void Timeline::scrollLeft()
-{
-    scroll(scrollNotch);
-}
-
-void Timeline::scrollRight()
-{
-    scroll(-scrollNotch);
-}
-
-void Timeline::scroll(int delta)
-{
-    d->scrollBy(delta);
-    d->dirty = true;
     update();
 }
 
@@ -229,73 +106,10 @@ void Timeline::hideText()
     update();
 }
 
-void Timeline::addCamera(API::CameraPtr camera)
-{
-    if (!camera || d->cameras.contains(camera->globalId()))
-        return;
-    d->cameras.insert(camera->globalId(), camera);
-    showText(tr("Loading records..."));
-    connect(camera.data(), &API::Camera::recordsChanged, this, &Timeline::setupArchives);
-    connect(camera.data(), &API::Camera::recordsError, this, &Timeline::archivesError);
-    camera->updateTimeline(d->date);
-}
-
-void Timeline::changeDate(QDate newDate)
-{
-    if (newDate == d->date || !newDate.isValid())
-        return;
-    d->date = newDate;
-    d->startValue = Internal::localTime(newDate, d->startValue.time());
-    d->endValue = Internal::localTime(newDate, d->endValue.time());
-    // The clock of the new day can skip the times of the old.
-    d->clampWindow();
-    updateCameras();
-    d->dirty = true;
-    update();
-}
-
-void Timeline::updateCameras()
-{
-    const auto cameras = d->cameras;
-    for (const API::CameraPtr &camera : cameras)
-        camera->updateTimeline(d->date);
-}
-
-void Timeline::setupArchives(QDate date)
-{
-    hideText();
-    const auto *camera = qobject_cast<API::Camera *>(sender());
-    if (!camera)
-        return;
-    if (!camera->isArchiveShared()) {
-        showText(tr("Archive is not shared"));
-    } else if (camera->hasRecords(date)) {
-        updateRecords();
-    } else {
-        showText(tr("No records"));
-    }
-}
-
-void Timeline::archivesError()
-{
-    showText(tr("Cannot load records"));
-}
-
-Playlist Timeline::playlistForCameras(QDateTime position)
-{
-    return d->playlistForCameras(position);
-}
-
-void Timeline::updateRecords()
+void Timeline::redrawRecords()
 {
     d->dirty = true;
-    emit recordsUpdated();
     update();
-}
-
-void Timeline::timerEvent(QTimerEvent *)
-{
-    updateCameras();
 }
 
 void Timeline::paintEvent(QPaintEvent *)
@@ -304,21 +118,19 @@ void Timeline::paintEvent(QPaintEvent *)
     drawStyleBackground(painter, *this);
     painter.setRenderHint(QPainter::Antialiasing);
 
-    Internal::TimelinePainter content(*d);
     if (d->dirty) {
-        content.renderRecords();
+        Internal::renderRecords(*d);
         d->dirty = false;
         emit exportEnabled(canExport());
     }
-    content.paint(painter);
+    Internal::TimelinePainter(*d).paint(painter);
 }
 
 void Timeline::resizeEvent(QResizeEvent *)
 {
     d->recordsImage = QImage(size(), QImage::Format_ARGB32);
     d->recordsImage.fill(Qt::transparent);
-    d->dirty = true;
-    update();
+    redrawRecords();
 }
 
 } // namespace GUI

@@ -14,8 +14,9 @@ namespace ZorvaneClient {
 namespace GUI {
 
 namespace Internal {
+struct DayWindow;
 struct TimelinePrivate;
-}
+} // namespace Internal
 
 /// One day of archive as a strip: the records of all cameras, the scale, the play cursor and
 /// the fragment to export. Shows the window from `startValue` to `endValue`; times are local.
@@ -113,10 +114,14 @@ protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
-    void zoomAtCentre(int direction);
+    /// False if the window stayed as it was.
+    bool zoomAtCentre(int direction);
     void scroll(int delta);
     void zoomByWheel(int steps, int x);
     void showHover(int x);
+    void glideTo(const Internal::DayWindow &window);
+    /// At the next paint.
+    void redrawRecords();
     void updateRecords();
     void updateCameras();
 

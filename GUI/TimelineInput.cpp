@@ -23,7 +23,6 @@ using namespace std::chrono_literals;
 
 constexpr int panPixels = 4;
 constexpr std::chrono::milliseconds longestClick = 332ms;
-constexpr int handleCursorPixels = 11;
 constexpr int tooltipTop = -8;
 
 // A notch of the wheel is 15 degrees of 8 parts each.
@@ -47,25 +46,18 @@ bool isWithoutTurn(const QWheelEvent &event)
 
 void Internal::TimelinePrivate::updateCursor(int x, bool leftHeld)
 {
-    overSelection = false;
-    if (selectionMode) {
-        const int startX = pixelAt(selectionStart);
-        const int endX = pixelAt(selectionEnd);
-        const bool overHandle =
-            std::abs(x - startX) <= handleCursorPixels || std::abs(x - endX) <= handleCursorPixels;
-        overSelection = overHandle || (startX < x && x < endX);
-        if (overSelection) {
-            const Qt::CursorShape hand = leftHeld ? Qt::ClosedHandCursor : Qt::OpenHandCursor;
-            widget->setCursor(overHandle ? Qt::SplitHCursor : hand);
-            return;
-        }
-    }
-    const QDateTime time = timeAt(x);
-    if (time < startValue || endValue < time) {
+    const DayWindow shown = window();
+    const FragmentPart part = selectionMode ? selection().partAt(x, shown) : FragmentPart::None;
+    overSelection = part != FragmentPart::None;
+    const QDateTime time = shown.timeAt(x);
+    if (part == FragmentPart::Body)
+        widget->setCursor(leftHeld ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
+    else if (overSelection)
+        widget->setCursor(Qt::SplitHCursor);
+    else if (time < startValue || endValue < time)
         widget->setCursor(Qt::ArrowCursor);
-    } else {
+    else
         widget->setCursor(leftHeld ? Qt::ClosedHandCursor : Qt::PointingHandCursor);
-    }
 }
 
 void Timeline::mousePressEvent(QMouseEvent *event)
@@ -98,9 +90,9 @@ void Timeline::mouseReleaseEvent(QMouseEvent *event)
     if (!wasPressed || isPan || heldMs > longestClick.count())
         return;
     const int x = pixel(localPosition(*event).x());
-    if (x < Internal::timelineMargin || x > width() - Internal::timelineMargin)
+    if (!d->window().isOnScale(x))
         return;
-    d->currentValue = d->timeAt(x);
+    d->currentValue = d->window().timeAt(x);
     update();
     qDebug() << "current time:" << d->currentValue;
     emit playTime(d->currentValue);
@@ -114,9 +106,9 @@ void Timeline::mouseMoveEvent(QMouseEvent *event)
     if (d->selectionMode && d->isDraggingSelection()) {
         d->dragSelection(x);
     } else if (d->pressed && d->pan(x)) {
-        d->dirty = true;
+        redrawRecords();
     }
-    if (x >= Internal::timelineMargin && x <= width() - Internal::timelineMargin)
+    if (d->window().isOnScale(x))
         showHover(x);
     update();
     event->accept();
@@ -125,7 +117,7 @@ void Timeline::mouseMoveEvent(QMouseEvent *event)
 void Timeline::showHover(int x)
 {
     d->hoverVisible = true;
-    d->hoverTime = d->timeAt(x);
+    d->hoverTime = d->window().timeAt(x);
     d->tooltip->setTime(d->hoverTime.time());
     d->tooltip->move(mapToGlobal(QPoint(x - d->tooltip->width() / 2 - 1, tooltipTop)));
     d->tooltip->show();
@@ -140,7 +132,7 @@ void Timeline::wheelEvent(QWheelEvent *event)
     const int x = pixel(event->position().x());
     if (event->modifiers() == Qt::ControlModifier) {
         d->scrollBy(delta);
-        d->dirty = true;
+        redrawRecords();
         d->updateCursor(x, false);
     } else {
         zoomByWheel(delta / wheelPartsPerDegree / wheelDegreesPerStep, x);
@@ -150,19 +142,9 @@ void Timeline::wheelEvent(QWheelEvent *event)
 
 void Timeline::zoomByWheel(int steps, int x)
 {
-    QDateTime center = d->timeAt(x);
-    if (center.date() < d->date) {
-        center = d->dayStart();
-    } else if (center.date() > d->date) {
-        center = Internal::localTime(d->date, QTime(23, 59));
-    }
-    if (x <= Internal::timelineMargin)
-        center = Internal::localTime(center.date(), QTime(0, 0));
-    if (x >= width() - 2 * Internal::timelineMargin)
-        center = Internal::localTime(center.date(), QTime(23, 59, 59));
-    if (!d->zoomStep(steps, center))
+    if (!d->zoomStep(steps, d->window().zoomCenterAt(x)))
         return;
-    d->dirty = true;
+    redrawRecords();
     d->updateCursor(x, false);
     emit zoomed(d->zoomLevel);
 }

@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/TimelinePainter.h"
 
-#include <QLinearGradient>
 #include <QPainter>
 
-#include "API/Camera.h"
-#include "GUI/TimelineBars.h"
 #include "GUI/TimelinePrivate.h"
 #include "GUI/TimelineScale.h"
 
@@ -16,22 +13,9 @@ namespace Internal {
 namespace {
 
 const QColor scaleColour(105, 106, 109);
-const QColor focusTop(128, 132, 141);
-const QColor focusBottom(105, 109, 116);
-const QColor otherTop(85, 88, 95);
-const QColor otherBottom(74, 77, 84);
 const QColor bandColour(62, 183, 253, 127);
 const QColor accentColour(62, 183, 253);
 const QColor cursorColour(223, 72, 72);
-
-/// From `top` to above `bottom`.
-struct Band {
-    int top;
-    int bottom;
-};
-constexpr Band singleCameraBand{26, 42};
-constexpr Band activeCameraBand{26, 36};
-constexpr Band otherCamerasBand{38, 42};
 
 constexpr qreal tickWidth = 0.9;
 constexpr int labelBaseline = 18;
@@ -44,27 +28,6 @@ constexpr int messageShift = 5; ///< keeps the text below the ticks
 constexpr int selectionPenWidth = 40;
 constexpr int selectionLineY = 18;
 constexpr int handleOverhang = 2;
-
-QLinearGradient gradientOf(const Band &band, bool inFocus)
-{
-    QLinearGradient gradient(0, band.top, 0, band.bottom);
-    gradient.setColorAt(0.0, inFocus ? focusTop : otherTop);
-    gradient.setColorAt(1.0, inFocus ? focusBottom : otherBottom);
-    return gradient;
-}
-
-Band bandOf(int cameraCount, bool inFocus)
-{
-    if (cameraCount == 1)
-        return singleCameraBand;
-    return inFocus ? activeCameraBand : otherCamerasBand;
-}
-
-void drawBars(QPainter &painter, const CoveredColumns &columns, const Band &band, bool inFocus)
-{
-    painter.setBrush(gradientOf(band, inFocus));
-    painter.drawRects(columns.bars(band.top, band.bottom));
-}
 
 int sampleWidth(const QFontMetrics &metrics, Timeline::TimeFormat format)
 {
@@ -84,31 +47,9 @@ QSize logicalSize(const QImage &image)
 
 } // namespace
 
-TimelinePainter::TimelinePainter(TimelinePrivate &timelineState) : timeline(timelineState)
+TimelinePainter::TimelinePainter(TimelinePrivate &timelineState)
+    : timeline(timelineState), window(timelineState.window())
 {
-}
-
-void TimelinePainter::renderRecords()
-{
-    timeline.recordsImage.fill(0);
-    QPainter painter(&timeline.recordsImage);
-    painter.setPen(Qt::NoPen);
-
-    // Bars of one layer share colours and band and are opaque, so that one drawing of their
-    // union looks as if each was drawn.
-    const TimeAxis axis(timeline.startValue, timeline.endValue, timeline.width());
-    const int count = timeline.cameras.size();
-    CoveredColumns all(axis);
-    timeline.forgetOldRecords();
-    for (const API::CameraPtr &camera : qAsConst(timeline.cameras))
-        all.add(timeline.recordTimes.timesOf(camera, timeline.date));
-    drawBars(painter, all, bandOf(count, false), false);
-
-    if (const API::CameraPtr camera = timeline.activeCamera()) {
-        CoveredColumns active(axis);
-        active.add(timeline.recordTimes.timesOf(camera, timeline.date));
-        drawBars(painter, active, bandOf(count, true), true);
-    }
 }
 
 void TimelinePainter::paint(QPainter &painter)
@@ -132,8 +73,7 @@ void TimelinePainter::drawScale(QPainter &painter)
     const ScaleTextWidths texts{sampleWidth(metrics, timeline.timeFormat),
                                 metrics.horizontalAdvance(QStringLiteral("00")),
                                 metrics.horizontalAdvance(QStringLiteral("00:00"))};
-    const TimelineScale scale =
-        timelineScale(timeline.startValue, timeline.endValue, timeline.width(), texts);
+    const TimelineScale scale = timelineScale(window.start, window.end, window.width, texts);
     timeline.labelStep = scale.plan.labelStep;
     timeline.majorEvery = scale.plan.majorEvery;
     timeline.mediumEvery = scale.plan.mediumEvery;
@@ -158,15 +98,15 @@ void TimelinePainter::drawScale(QPainter &painter)
         if (!tick.label.isNull())
             painter.drawText(tick.x - scale.labelWidth / 2, labelBaseline, tick.label);
     }
-    painter.drawLine(0, 0, timeline.width(), 0);
+    painter.drawLine(0, 0, window.width, 0);
     painter.restore();
 }
 
 void TimelinePainter::drawCursor(QPainter &painter) const
 {
-    if (timeline.endValue < timeline.currentValue)
+    if (window.end < timeline.currentValue)
         return;
-    const int x = timeline.pixelAt(timeline.currentValue);
+    const int x = window.pixelAt(timeline.currentValue);
     const QPoint head[] = {{x, cursorHeadBottom},
                            {x + cursorHeadHalfWidth, lineTop},
                            {x - cursorHeadHalfWidth, lineTop}};
@@ -179,15 +119,15 @@ void TimelinePainter::drawCursor(QPainter &painter) const
 void TimelinePainter::drawMessage(QPainter &painter) const
 {
     const QRect area(QPoint(0, messageShift),
-                     QPoint(timeline.width() - 1, timeline.widget->height() - 1 + messageShift));
+                     QPoint(window.width - 1, timeline.widget->height() - 1 + messageShift));
     painter.setPen(scaleColour);
     painter.drawText(area, Qt::AlignHCenter | Qt::AlignVCenter, timeline.text);
 }
 
 void TimelinePainter::drawSelection(QPainter &painter) const
 {
-    const int left = timeline.pixelAt(qMax(timeline.selectionStart, timeline.startValue));
-    int right = timeline.pixelAt(qMin(timeline.selectionEnd, timeline.endValue));
+    const int left = window.pixelAt(qMax(timeline.selectionStart, window.start));
+    int right = window.pixelAt(qMin(timeline.selectionEnd, window.end));
     if (right < left)
         return;
     if (right == left)
@@ -197,13 +137,13 @@ void TimelinePainter::drawSelection(QPainter &painter) const
 
     painter.setPen(QPen(accentColour, 1));
     const int height = timeline.widget->height();
-    if (timeline.selectionStart >= timeline.startValue) {
+    if (timeline.selectionStart >= window.start) {
         const QSize size = logicalSize(timeline.selectionStartImage);
         painter.drawImage(left - size.width(), height - size.height() + handleOverhang,
                           timeline.selectionStartImage);
         painter.drawLine(left, 0, left, height);
     }
-    if (timeline.selectionEnd <= timeline.endValue) {
+    if (timeline.selectionEnd <= window.end) {
         const QSize size = logicalSize(timeline.selectionEndImage);
         painter.drawImage(right, height - size.height() + handleOverhang,
                           timeline.selectionEndImage);
@@ -213,7 +153,7 @@ void TimelinePainter::drawSelection(QPainter &painter) const
 
 void TimelinePainter::drawHoverLine(QPainter &painter) const
 {
-    const int x = timeline.pixelAt(timeline.hoverTime);
+    const int x = window.pixelAt(timeline.hoverTime);
     painter.setPen(accentColour);
     painter.setBrush(accentColour);
     painter.drawLine(x, lineTop, x, timeline.widget->height());

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "GUI/DayWindow.h"
+
 class QPainter;
 
 namespace ZorvaneClient {
@@ -9,15 +11,12 @@ namespace Internal {
 
 struct TimelinePrivate;
 
-/// Draws the strip. The bars of the records go through a cached image, so that what follows
-/// the mouse stays cheap whatever the number of records.
+/// Draws the strip: the cached bars, the scale, and what lies over them.
 class TimelinePainter
 {
 public:
     explicit TimelinePainter(TimelinePrivate &timeline);
 
-    /// Draws the bars of all cameras into `recordsImage`, on which it was `dirty`.
-    void renderRecords();
     /// Everything above the widget's background, in the widget's coordinates; fills the
     /// tick plan on the way.
     void paint(QPainter &painter);
@@ -30,6 +29,7 @@ private:
     void drawHoverLine(QPainter &painter) const;
 
     TimelinePrivate &timeline;
+    const DayWindow window;
 };
 
 } // namespace Internal

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/TimelinePrivate.h"
 
-#include <QTime>
-
 #include <algorithm>
-#include <cmath>
 
 #include "API/Camera.h"
 #include "App/Environment.h"
@@ -15,67 +12,14 @@ namespace ZorvaneClient {
 namespace GUI {
 namespace Internal {
 
-namespace {
-
-constexpr int tightestLevel = 100;
-constexpr double secondsPerLevel = 858.0;
-constexpr double levelsPerStep = 5.0;
-constexpr int tightestLevelSeconds = 600;
-/// A window below this isn't narrowed any more.
-constexpr int narrowestStepSeconds = 4790;
-
-/// The wheel's notch.
-constexpr int forwardDelta = 120;
-/// A scroll step of a window as long as the day.
-constexpr double dayScrollSeconds = 3600.0;
-
-QTime firstSecond()
-{
-    return QTime(0, 0);
-}
-
-QTime lastSecond()
-{
-    return QTime(23, 59, 59);
-}
-
-/// Toward zero; what no strip can show stays within an int, with room to add to it.
-int truncated(double value)
-{
-    constexpr double limit = 1e9;
-    if (std::isnan(value))
-        return 0;
-    return static_cast<int>(std::clamp(value, -limit, limit));
-}
-
-int stepShare(qint64 side, qint64 total)
-{
-    const double share = static_cast<double>(side) / static_cast<double>(total);
-    return truncated(share * secondsPerLevel * levelsPerStep);
-}
-
-int levelOf(qint64 windowSeconds)
-{
-    const double levels = static_cast<double>(windowSeconds - tightestLevelSeconds);
-    return qMax(0, tightestLevel - truncated(std::round(levels / secondsPerLevel)));
-}
-
-} // namespace
-
-QDateTime localTime(QDate date, QTime time)
-{
-    const QDateTime result(date, time);
-    return result.isValid() ? result : QDateTime(date.addDays(-1), time).addDays(1);
-}
-
 TimelinePrivate::TimelinePrivate(Timeline *owner, QDate day)
     : currentValue(App::Environment::now())
     , date(day)
-    , startValue(dayStart())
-    , endValue(dayEnd())
-    , selectionStart(dayStart())
-    , selectionEnd(dayStart())
-    , selectionAnchor(dayStart())
+    , startValue(firstSecond(day))
+    , endValue(lastSecond(day))
+    , selectionStart(startValue)
+    , selectionEnd(startValue)
+    , selectionAnchor(startValue)
     , widget(owner)
     , recordsImage(owner->size(), QImage::Format_ARGB32)
     , selectionStartImage(iconPixmap(QStringLiteral(":icons/selection-start.png")).toImage())
@@ -93,120 +37,46 @@ TimelinePrivate::~TimelinePrivate()
     delete tooltip;
 }
 
-int TimelinePrivate::width() const
+DayWindow TimelinePrivate::window() const
 {
-    return widget->width();
+    return {date, startValue, endValue, widget->width()};
 }
 
-QDateTime TimelinePrivate::dayStart() const
+bool TimelinePrivate::setWindow(const DayWindow &window)
 {
-    return localTime(date, firstSecond());
-}
-
-QDateTime TimelinePrivate::dayEnd() const
-{
-    return localTime(date, lastSecond());
-}
-
-QDateTime TimelinePrivate::timeAt(int x) const
-{
-    const int scaleWidth = width() - 2 * timelineMargin;
-    if (scaleWidth == 0)
-        return startValue;
-    const double fraction =
-        static_cast<double>(x - timelineMargin) / static_cast<double>(scaleWidth);
-    const int windowSeconds = static_cast<int>(startValue.secsTo(endValue));
-    return startValue.addSecs(truncated(windowSeconds * fraction));
-}
-
-int TimelinePrivate::pixelAt(const QDateTime &time) const
-{
-    const double windowSeconds = static_cast<double>(startValue.secsTo(endValue));
-    const double share = static_cast<double>(startValue.secsTo(time)) / windowSeconds;
-    return truncated((width() - 2 * timelineMargin) * share) + timelineMargin;
-}
-
-qint64 TimelinePrivate::secondsBetween(int fromX, int toX) const
-{
-    return timeAt(fromX).secsTo(timeAt(toX));
-}
-
-bool TimelinePrivate::isWholeDay() const
-{
-    return startValue == dayStart() && endValue == dayEnd();
-}
-
-qint64 TimelinePrivate::secondsBeforeWindow() const
-{
-    return dayStart().secsTo(startValue);
-}
-
-qint64 TimelinePrivate::secondsAfterWindow() const
-{
-    return endValue.secsTo(dayEnd());
-}
-
-void TimelinePrivate::moveWindow(qint64 seconds)
-{
-    startValue = startValue.addSecs(seconds);
-    endValue = endValue.addSecs(seconds);
+    const bool moves = window.start != startValue || window.end != endValue;
+    startValue = window.start;
+    endValue = window.end;
+    return moves;
 }
 
 void TimelinePrivate::clampWindow()
 {
-    if (startValue.date() < date)
-        startValue = dayStart();
-    if (endValue.date() > date)
-        endValue = dayEnd();
-    if (!(startValue < endValue)) {
-        startValue = dayStart();
-        endValue = dayEnd();
-    }
+    DayWindow clamped = window();
+    clamped.clamp();
+    setWindow(clamped);
 }
 
 bool TimelinePrivate::zoomStep(int direction, const QDateTime &center)
 {
-    const qint64 total = startValue.secsTo(endValue);
-    if (direction < 0 && isWholeDay()) {
-        zoomLevel = 0;
-        return false;
-    }
-    if (direction > 0 && total < narrowestStepSeconds) {
-        zoomLevel = tightestLevel;
-        return false;
-    }
-    const int sign = direction > 0 ? 1 : -1;
-    const int left = sign * stepShare(startValue.secsTo(center), total);
-    const int right = sign * stepShare(center.secsTo(endValue), total);
-    startValue = startValue.addSecs(left);
-    endValue = endValue.addSecs(-right);
-    clampWindow();
-    zoomLevel = levelOf(startValue.secsTo(endValue));
-    return true;
+    DayWindow zoomed = window();
+    zoomLevel = zoomed.zoom(direction, center);
+    return setWindow(zoomed);
 }
 
 void TimelinePrivate::scrollBy(int delta)
 {
-    const double dayMilliseconds = firstSecond().msecsTo(lastSecond());
-    const double windowShare = static_cast<double>(startValue.msecsTo(endValue)) / dayMilliseconds;
-    const qint64 shift = truncated(windowShare * dayScrollSeconds);
-    if (delta < forwardDelta) {
-        moveWindow(-qMin(secondsBeforeWindow(), shift));
-    } else {
-        moveWindow(qMin(secondsAfterWindow(), shift));
-    }
+    DayWindow scrolled = window();
+    scrolled.scroll(delta);
+    setWindow(scrolled);
 }
 
 bool TimelinePrivate::pan(int x)
 {
-    const qint64 delta = secondsBetween(x, lastX);
-    const qint64 move =
-        delta < 1 ? -qMin(secondsBeforeWindow(), -delta) : qMin(secondsAfterWindow(), delta);
+    DayWindow panned = window();
+    panned.pan(lastX, x);
     lastX = x;
-    if (move == 0)
-        return false;
-    moveWindow(move);
-    return true;
+    return setWindow(panned);
 }
 
 API::CameraPtr TimelinePrivate::activeCamera() const

@@ -9,9 +9,11 @@
 
 #include "API/ArchiveRecord.h"
 #include "API/Types.h"
+#include "GUI/DayWindow.h"
+#include "GUI/FragmentDrag.h"
 #include "GUI/Playlist.h"
+#include "GUI/RecordTimesCache.h"
 #include "GUI/Timeline.h"
-#include "GUI/TimelineBars.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -20,14 +22,9 @@ class TimelineTooltip;
 
 namespace Internal {
 
-constexpr int timelineHeight = 56;
-constexpr int timelineMargin = 15;
-
-/// `time` of `date`; when the clock skips it on that day, the moment that it shows instead.
-QDateTime localTime(QDate date, QTime time);
-
 /// What the strip shows: a window of one day, the cameras, the cursor and the fragment to
-/// export. Pixels are local to the widget, times are local times. Nothing here paints.
+/// export. The rules for window and fragment are those of DayWindow, Fragment and FragmentDrag,
+/// which are made of the fields and put back into them. Nothing here paints.
 struct TimelinePrivate {
     QMap<API::camera_global_id_t, API::CameraPtr> cameras;
     QDateTime currentValue;
@@ -77,25 +74,12 @@ struct TimelinePrivate {
     ~TimelinePrivate();
     Q_DISABLE_COPY(TimelinePrivate)
 
-    /// The widget's width.
-    int width() const;
-    QDateTime dayStart() const; ///< 00:00:00 of `date`
-    QDateTime dayEnd() const;   ///< 23:59:59 of `date`
-
-    QDateTime timeAt(int x) const;
-    int pixelAt(const QDateTime &time) const;
-    qint64 secondsBetween(int fromX, int toX) const;
-    bool isWholeDay() const;
-    /// Room in the day for moving the window.
-    qint64 secondsBeforeWindow() const;
-    qint64 secondsAfterWindow() const;
-    void moveWindow(qint64 seconds);
-
+    DayWindow window() const;
+    /// True if the window moved, as of the two below.
+    bool setWindow(const DayWindow &window);
     void clampWindow();
-    /// False at the limit of that direction, when there was no step to make.
     bool zoomStep(int direction, const QDateTime &center);
     void scrollBy(int delta);
-    /// True if the window moved.
     bool pan(int x);
     /// Tells by the cursor's shape what a press at `x` would do.
     void updateCursor(int x, bool leftHeld);
@@ -111,21 +95,19 @@ struct TimelinePrivate {
     /// Keeps in `recordTimes` only what is shown and what plays.
     void forgetOldRecords();
 
-    // The fragment to export.
+    Fragment selection() const;
     void startSelectionDrag(int x);
     void dragSelection(int x);
-    void dragStart(const QDateTime &time, int x);
-    void dragEnd(const QDateTime &time, int x);
-    void dragBody(const QDateTime &time);
     void stopSelectionDrag();
     bool isDraggingSelection() const;
-    void normalizeSelection();
-    QDateTime snapped(const QDateTime &time) const;
-    void fitSelection(int seconds);
+    /// Chooses where there are records, near the middle of the window; false if there are none.
     bool defaultSelection();
     bool selectionAtCurrentTime();
-    /// Brings the window to the fragment in steps, unless that is in good view already.
-    void reveal(const QDateTime &from, const QDateTime &to);
+
+private:
+    FragmentDrag drag() const;
+    void setDrag(const FragmentDrag &drag);
+    void selectFrom(const QDateTime &start);
 };
 
 } // namespace Internal

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/TimelineScale.h"
 
+#include "GUI/DayWindow.h"
 #include "GUI/TimeAxis.h"
-#include "GUI/TimelinePrivate.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -101,7 +101,7 @@ TimelineScale timelineScale(const QDateTime &start, const QDateTime &end, int wi
         scale.ticks.append(
             {x, tickHeight(scale.plan, index), labelled ? labels.at(moment) : QString()});
     }
-    if (end == localTime(firstHour.date(), QTime(23, 59, 59)))
+    if (end == lastSecond(firstHour.date()))
         scale.ticks.append({axis.pixelAt(end.toMSecsSinceEpoch()), majorHeight, labels.endText});
     return scale;
 }

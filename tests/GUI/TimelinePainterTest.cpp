@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the strip paints: records, scale, marks, and messages in place of records.
 #include "GUI/TimelinePainter.h"
-#include "App/Environment.h"
+#include "GUI/TimelineBars.h"
 #include "GUI/TimelineTooltip.h"
 #include "tests/GUI/TimelineStrip.h"
 
@@ -30,6 +30,7 @@ QImage drawnOneByOne(const TimelinePrivate &state)
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
+    const DayWindow window = state.window();
     const bool single = state.cameras.size() == 1;
     const auto draw = [&](const API::CameraPtr &camera, bool inFocus) {
         const int top = single || inFocus ? 26 : 38;
@@ -40,8 +41,8 @@ QImage drawnOneByOne(const TimelinePrivate &state)
         painter.setBrush(gradient);
         const QList<API::ArchiveRecord> records = camera->records(state.date);
         for (const API::ArchiveRecord &record : records) {
-            const int left = state.pixelAt(qMax(record.start, state.startValue));
-            const int right = state.pixelAt(qMin(record.end, state.endValue));
+            const int left = window.pixelAt(qMax(record.start, window.start));
+            const int right = window.pixelAt(qMin(record.end, window.end));
             if (left <= right)
                 painter.drawRects(QVector<QRect>{{left, top, qMax(1, right - left), bottom - top}});
         }
@@ -91,16 +92,7 @@ class TimelinePainterTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QVERIFY(world.start()); }
-
-    void init()
-    {
-        useZone(berlin);
-        world.reset();
-        App::Environment::setClock([] { return at("12:00"); });
-    }
-
-    void cleanup() { App::Environment::setClock({}); }
+    void init() { QVERIFY(world.begin()); }
 
     void sameAsEachRecordByItself_data()
     {
@@ -127,9 +119,8 @@ private slots:
         const QDateTime begin = date.startOfDay();
         const QDateTime end(date, QTime(23, 59, 59));
         const auto isSameIn = [&](const QDateTime &from, const QDateTime &to) {
-            state.startValue = from;
-            state.endValue = to;
-            TimelinePainter(state).renderRecords();
+            state.setWindow({state.date, from, to, strip.owner.width()});
+            renderRecords(state);
             return state.recordsImage == drawnOneByOne(state);
         };
         QVERIFY(isSameIn(begin, end));
@@ -158,7 +149,7 @@ private slots:
     void paintedScale()
     {
         TimelineStrip strip;
-        strip.setWindow("12:00 to 12:05");
+        strip.state.setWindow(dayWindow("12:00 to 12:05"));
         const QImage image = paintingOf(strip);
         const auto inkIn = [&image](int y, int left, int right) {
             int count = 0;
@@ -209,7 +200,7 @@ private slots:
         const auto [what, time, box, pixel, colour] =
             row<QString, QString, QRect, QPoint, QColor>();
         TimelineStrip strip;
-        strip.setWindow("6:00 to 12:00");
+        strip.state.setWindow(dayWindow("6:00 to 12:00"));
         const QImage without = paintingOf(strip);
         strip.state.sliderVisible = what == "cursor";
         strip.state.currentValue = at(time);
@@ -325,7 +316,7 @@ private slots:
     }
 
 private:
-    ArchiveWorld world;
+    StripWorld world;
 };
 
 QTEST_MAIN(TimelinePainterTest)

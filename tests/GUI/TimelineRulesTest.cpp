@@ -49,13 +49,7 @@ class TimelineRulesTest : public QObject
     Q_OBJECT
 
 private slots:
-    void initTestCase() { QVERIFY(world.start()); }
-
-    void init()
-    {
-        useZone(berlin);
-        world.reset();
-    }
+    void init() { QVERIFY(world.begin()); }
 
     void pixelsAndTimes_data()
     {
@@ -78,11 +72,10 @@ private slots:
     void pixelsAndTimes()
     {
         const auto [width, window, cases] = row<int, QString, QString>();
-        TimelineStrip strip(width);
-        strip.setWindow(window);
-        const auto rule = [&strip](const QString &input) {
-            return input.startsWith("x ") ? Tests::textOf(strip.state.timeAt(input.mid(2).toInt()))
-                                          : "x %1"_s.arg(strip.state.pixelAt(at(input)));
+        const DayWindow shown = dayWindow(window, width);
+        const auto rule = [&shown](const QString &input) {
+            return input.startsWith("x ") ? Tests::textOf(shown.timeAt(input.mid(2).toInt()))
+                                          : "x %1"_s.arg(shown.pixelAt(at(input)));
         };
         QCOMPARE(resultsOf(cases.split("; "), rule).join("; "), cases);
     }
@@ -94,11 +87,10 @@ private slots:
             "1:00 to 1:01 -> 1:00 to 1:01",          "1:00 to 1:00 -> 0:00 to 23:59:59",
             "2:00 to 1:00 -> 0:00 to 23:59:59",      "-1 1:00 to -1 2:00 -> 0:00 to 23:59:59",
             "+1 1:00 to +1 2:00 -> 0:00 to 23:59:59"};
-        const auto clamped = [](const QString &window) {
-            TimelineStrip strip;
-            strip.setWindow(window);
-            strip.state.clampWindow();
-            return Tests::textOf(strip.state.startValue, strip.state.endValue);
+        const auto clamped = [](const QString &span) {
+            DayWindow window = dayWindow(span);
+            window.clamp();
+            return Tests::textOf(window.start, window.end);
         };
         QCOMPARE(resultsOf(cases, clamped), cases);
 
@@ -127,30 +119,28 @@ private slots:
     {
         const auto [zone, date, seconds] = row<QByteArray, QDate, int>();
         useZone(zone);
-        TimelineStrip strip(stripWidth, date);
-        TimelinePrivate &state = strip.state;
-        QCOMPARE(state.startValue, date.startOfDay());
-        QCOMPARE(state.startValue.secsTo(state.endValue), seconds);
+        DayWindow window{date, firstSecond(date), lastSecond(date), stripWidth};
+        QCOMPARE(window.start, date.startOfDay());
+        QCOMPARE(window.seconds(), seconds);
         for (int x = 16; x <= 1015; ++x) {
-            QVERIFY(state.timeAt(x - 1) < state.timeAt(x));
-            QVERIFY(qAbs(state.pixelAt(state.timeAt(x)) - x) <= 1);
+            QVERIFY(window.timeAt(x - 1) < window.timeAt(x));
+            QVERIFY(qAbs(window.pixelAt(window.timeAt(x)) - x) <= 1);
         }
         // Wherever the window is, it stays in the day: closer, to both ends, and wider again.
         for (int x = 15; x <= 1015; x += 100) {
             for (int step = 0; step < 200; ++step) {
-                state.lastX = 515;
                 if (step < 20)
-                    state.zoomStep(1, state.timeAt(x));
+                    window.zoom(1, window.timeAt(x));
                 else if (step < 60)
-                    state.pan(step < 40 ? -50000 : 50000);
+                    window.pan(515, step < 40 ? -50000 : 50000);
                 else if (step < 120)
-                    state.scrollBy(step < 80 ? 120 : -120);
+                    window.scroll(step < 80 ? 120 : -120);
                 else
-                    state.zoomStep(-1, state.timeAt(515));
-                QVERIFY(state.startValue < state.endValue);
-                QVERIFY(state.secondsBeforeWindow() >= 0 && state.secondsAfterWindow() >= 0);
+                    window.zoom(-1, window.timeAt(515));
+                QVERIFY(window.start < window.end);
+                QVERIFY(window.dayStart() <= window.start && window.end <= window.dayEnd());
             }
-            QVERIFY(state.isWholeDay());
+            QVERIFY(window.isWholeDay());
         }
     }
 
@@ -241,15 +231,15 @@ private slots:
     void drags()
     {
         const auto [window, selection, xs] = row<QString, QString, QString>();
-        TimelineStrip strip;
-        strip.setWindow(window);
-        strip.setSelection(selection);
+        const DayWindow shown = dayWindow(window);
+        FragmentDrag drag;
+        drag.fragment = {spanOf(selection).start, spanOf(selection).end};
         // "press step step ...", in pixels.
         QStringList steps = xs.split(' ');
-        strip.state.startSelectionDrag(steps.takeFirst().toInt());
+        drag.take(steps.takeFirst().toInt(), shown);
         for (const QString &x : qAsConst(steps))
-            strip.state.dragSelection(x.toInt());
-        QTEST(strip.selection(), "expected");
+            drag.moveTo(x.toInt(), shown, 60);
+        QTEST(Tests::textOf(drag.fragment.start, drag.fragment.end), "expected");
     }
 
     void rulesOfAFragment()
@@ -271,11 +261,11 @@ private slots:
             "7200 10:53 -> 11:00",  "7201 10:14:59 -> 10:00", "28800 10:15 -> 10:30",
             "28800 10:45 -> 11:00", "3600 23:57:59 -> 23:55", "3600 23:58 -> ",
             "7200 23:53 -> ",       "28800 23:45 -> "};
-        const auto snapped = [&strip](const QString &input) {
-            strip.state.labelStep = input.section(' ', 0, 0).toInt();
-            return Tests::textOf(strip.state.snapped(at(input.section(' ', 1))));
+        const auto snap = [](const QString &input) {
+            const int labelStep = input.section(' ', 0, 0).toInt();
+            return Tests::textOf(snapped(at(input.section(' ', 1)), labelStep));
         };
-        QCOMPARE(resultsOf(times, snapped), times);
+        QCOMPARE(resultsOf(times, snap), times);
     }
 
     void firstFragment_data()
@@ -308,30 +298,26 @@ private slots:
         QTEST(strip.state.defaultSelection() ? strip.selection() : QString(), "expected");
     }
 
-    void reveal_data()
+    void goodView_data()
     {
         rows<QString, QString, QString>(
             {"window", "fragment", "expected"},
             {{"short", wholeDay, "14:00 to 14:01", "13:47:30 to 14:17:30"},
              {"of 600 s", wholeDay, "14:00 to 14:10", "13:35 to 14:35"},
              {"of 601 s", wholeDay, "14:00 to 14:10:01", "13:44:58 to 14:25:02"},
-             {"near midnight", wholeDay, "0:05 to 0:10", "0:00 to 0:22:30"},
+             {"near midnight", wholeDay, "0:05 to 0:10", "-1 23:52:30 to 0:22:30"},
              {"far before", "20:00 to 20:10", "14:00 to 14:05", "13:47:30 to 14:17:30"},
              {"at the edge", "14:00 to 14:20", "14:00 to 14:05", "13:47:30 to 14:17:30"},
              {"at the other", "13:50 to 14:05", "14:00 to 14:05", "13:47:30 to 14:17:30"},
              {"in closer view", "13:59:59 to 14:20", "14:00 to 14:05", "13:59:59 to 14:20"}});
     }
 
-    void reveal()
+    void goodView()
     {
-        const auto [window, fragment, expected] = row<QString, QString, QString>();
-        TimelineStrip strip;
-        strip.setWindow(window);
-        setWindow(strip.owner, window);
-        strip.state.reveal(spanOf(fragment).start, spanOf(fragment).end);
-        QCOMPARE(windowOf(strip.owner), window);
-        QCOMPARE(strip.state.dirty, window != expected);
-        QTRY_COMPARE(windowOf(strip.owner), expected);
+        const auto [window, fragment] = row<QString, QString>();
+        const Fragment shown{spanOf(fragment).start, spanOf(fragment).end};
+        const DayWindow view = shown.viewFrom(dayWindow(window));
+        QTEST(Tests::textOf(view.start, view.end), "expected");
     }
 
     void playlistByTheRule()
@@ -364,7 +350,7 @@ private slots:
     }
 
 private:
-    ArchiveWorld world;
+    StripWorld world;
 };
 
 QTEST_MAIN(TimelineRulesTest)

@@ -7,6 +7,7 @@
 #include <ctime>
 
 #include "API/Camera.h"
+#include "App/Environment.h"
 #include "GUI/TimelinePrivate.h"
 
 namespace ZorvaneClient::Tests {
@@ -89,9 +90,9 @@ inline QList<API::ArchiveRecord> randomRecords(QDate date, int count, quint32 se
 }
 
 /// What the window shows, as the last paint event left it.
-inline QImage onScreen(GUI::Timeline &timeline)
+inline QImage onScreen(QWidget &window)
 {
-    const QPixmap shown = timeline.screen()->grabWindow(timeline.winId());
+    const QPixmap shown = window.screen()->grabWindow(window.winId());
     return shown.toImage().convertToFormat(QImage::Format_RGB32);
 }
 
@@ -123,6 +124,34 @@ inline API::CameraPtr putCamera(GUI::Timeline &timeline, ArchiveWorld &world, in
     return putCamera(timeline, world.localCamera(id));
 }
 
+/// What each test of the strip begins with: no records yet, at noon in Berlin.
+class StripWorld : public ArchiveWorld
+{
+public:
+    ~StripWorld() { App::Environment::setClock({}); }
+
+    bool begin()
+    {
+        useZone(berlin);
+        reset();
+        now = at("12:00");
+        App::Environment::setClock([this] { return now; });
+        isStarted = isStarted || start();
+        return isStarted;
+    }
+
+    QDateTime now;
+
+private:
+    bool isStarted = false;
+};
+
+/// "10:00 to 11:00" of the day, on a strip of that width.
+inline GUI::Internal::DayWindow dayWindow(const QString &span, int width = stripWidth)
+{
+    return {stripDay, spanOf(span).start, spanOf(span).end, width};
+}
+
 /// A timeline of that width, and a state for it beside its own that a test can set.
 struct TimelineStrip {
     GUI::Timeline owner;
@@ -134,12 +163,6 @@ struct TimelineStrip {
         owner.resize(width, owner.height());
         state.recordsImage = QImage(owner.size(), QImage::Format_ARGB32);
         state.recordsImage.fill(0);
-    }
-
-    void setWindow(const QString &span)
-    {
-        state.startValue = spanOf(span).start;
-        state.endValue = spanOf(span).end;
     }
 
     void setSelection(const QString &span)

@@ -4,7 +4,7 @@
 #include "App/Application.h"
 #include "App/Environment.h"
 #include "GUI/RosterWidget.h"
-#include "GUI/TimelinePrivate.h"
+#include "GUI/TimeAxis.h"
 
 namespace ZorvaneClient::Tests {
 
