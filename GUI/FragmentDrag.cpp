@@ -26,7 +26,8 @@ void FragmentDrag::take(int x, const DayWindow &window)
         return;
     held = fragment.partAt(x, window);
     carries = held == FragmentPart::Body;
-    anchor = carries ? window.timeAt(x) : handle();
+    if (held != FragmentPart::None)
+        anchor = carries ? window.timeAt(x) : handle();
 }
 
 void FragmentDrag::moveTo(int x, const DayWindow &window, int labelStepSeconds)
