@@ -16,9 +16,9 @@
 #include "API/CloudExchange.h"
 #include "API/Layout.h"
 #include "API/LayoutDocument.h"
-#include "API/PrivateFile.h"
 #include "API/RestClient.h"
 #include "App/Environment.h"
+#include "App/OwnerOnly.h"
 #include "App/Settings.h"
 #include "App/SettingsKeys.h"
 
@@ -179,7 +179,7 @@ void CloudAPIClient::saveLayoutsToFile()
         {QStringLiteral("layouts"), QJsonArray::fromVariantList(layouts)},
     };
     const QString fileName = cacheFile();
-    if (!Internal::writePrivateFile(fileName, QJsonDocument(document).toJson()))
+    if (!App::writeForOwner(fileName, QJsonDocument(document).toJson()))
         qWarning() << "Could not save layouts cache to" << fileName;
 }
 
