@@ -32,8 +32,6 @@ using Internal::watchExchange;
 
 namespace {
 
-constexpr qint64 millisecondsPerSecond = 1000;
-
 QString cacheFile()
 {
     return Internal::layoutsCacheFile(App::settings().value(App::SettingsKey::email).toString());
@@ -171,8 +169,7 @@ void CloudAPIClient::saveLayoutsToAPI()
 
 void CloudAPIClient::saveLayoutsToFile()
 {
-    cloudData.layoutsLastUpdate =
-        static_cast<int>(App::Environment::now().toMSecsSinceEpoch() / millisecondsPerSecond);
+    cloudData.layoutsLastUpdate = static_cast<int>(App::Environment::now().toSecsSinceEpoch());
     const QVariantList layouts = Internal::toVariantList(cloudData.layouts);
     const QJsonObject document{
         {QStringLiteral("last_update"), cloudData.layoutsLastUpdate},
