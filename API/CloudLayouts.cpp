@@ -126,7 +126,7 @@ bool CloudAPIClient::parseLayouts(QVariant layoutsResponse)
     const QList<QVariantMap> layouts =
         Internal::boundedLayouts(map.value(QStringLiteral("layouts")).toList());
     for (const QVariantMap &layout : layouts) {
-        const QString id = layout.value(QStringLiteral("id")).toString();
+        const QString id = layout.value(Internal::LayoutKey::id).toString();
         seen.insert(id);
         takeLayout(id, layout);
     }
