@@ -23,9 +23,7 @@ Camera::Camera(Server *server, QVariantMap json) : Camera()
     d->rotation = json.value(QStringLiteral("rotation")).toInt();
     d->mirror = json.value(QStringLiteral("mirror")).toBool();
     d->speedPlay = server->isSpeedPlayEnabled();
-    d->arcSearch = server->isArcSearchEnabled();
     d->exportEnabled = server->isLocal();
-    d->kind = CloudCamera;
     update(server, json);
     if (server->isLocal())
         d->rotation = App::settings().value(d->rotationKey(), 0).toInt();

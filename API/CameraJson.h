@@ -12,7 +12,7 @@ namespace Internal {
 
 struct PaidState {
     bool paid = false;
-    QString activeService;
+    QString activeService; ///< the word behind `active`, a service's name or a truth value
 };
 
 /// From the camera's `services`.

@@ -15,13 +15,6 @@ namespace ZorvaneClient {
 namespace API {
 namespace Internal {
 
-namespace {
-
-/// What a LAN server calls itself in a stream address.
-const QString localServerNumber = QStringLiteral("1");
-
-} // namespace
-
 bool CameraPrivate::hasRight(CameraRight right) const
 {
     return kind == LocalCamera || (rights & right);

@@ -44,18 +44,18 @@ public:
     server_id_t serverId;
     camera_id_t id = 0;
     QString name;
-    QString fullName;
+    QString fullName; ///< server and camera; nothing asks for it
     int kind = CloudCamera;
     QString sessionId; ///< LAN cameras only: the password of the server
     QPixmap preview;
-    QPixmap rawPreview; ///< as received; shares its pixels with `preview` if nothing is turned
-    bool speedPlay = false;
+    QPixmap rawPreview;     ///< as received; shares its pixels with `preview` if nothing is turned
+    bool speedPlay = false; ///< what the server can do; nothing asks for it, nor for `arcSearch`
     bool exportEnabled = false;
     bool arcSearch = false;
     QSize videoSize;
     QString vcodec;
     int flags = 0;
-    QString activeService;
+    QString activeService; ///< as PaidState has it; nothing asks for it
     int rotation = 0;
     bool mirror = false;
     int rights = 0;

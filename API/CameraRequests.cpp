@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// What a camera asks for over the network. Each request has a client of its own without a parent.
 #include <QDebug>
 
 #include "API/Camera.h"
@@ -6,10 +7,6 @@
 #include "API/CloudAPIClient.h"
 #include "API/PreviewImage.h"
 #include "API/StreamerClient.h"
-
-// What a camera asks for over the network. Each request has a client of its own without a
-// parent. Its handlers release it; they end with the signal that tells of the outcome, as a
-// receiver may let go of the camera.
 
 namespace ZorvaneClient {
 namespace API {
@@ -22,6 +19,24 @@ Client *releasedWith(const Camera *camera, Client *client)
 {
     QObject::connect(camera, &QObject::destroyed, client, &QObject::deleteLater);
     return client;
+}
+
+/// Whatever comes of a request releases its client. `handle` is called last, and ends with the
+/// signal that tells of the outcome, as a receiver may let go of the camera.
+template <typename Client, typename Signal, typename Handler>
+QMetaObject::Connection onOutcome(Client *client, Signal signal, Handler handle)
+{
+    return QObject::connect(client, signal, client,
+                            [client, handle](const auto &...values) -> void {
+                                client->deleteLater();
+                                handle(values...);
+                            });
+}
+
+void losePreview(Camera *camera)
+{
+    qDebug() << "Error downloading preview";
+    camera->setPreview(QPixmap());
 }
 
 } // namespace
@@ -37,16 +52,9 @@ void Camera::updatePreview()
 void Camera::updateCloudPreview()
 {
     auto *client = releasedWith(this, new CloudAPIClient);
-    d->keep(connect(client, &CloudAPIClient::previewReceived, client,
-                    [this, client](const QPixmap &pixmap) {
-                        client->deleteLater();
-                        setPreview(pixmap);
-                    }));
-    d->keep(connect(client, &CloudAPIClient::previewError, client, [this, client] {
-        qDebug() << "Error downloading preview";
-        client->deleteLater();
-        setPreview(QPixmap());
-    }));
+    d->keep(onOutcome(client, &CloudAPIClient::previewReceived,
+                      [this](const QPixmap &pixmap) { setPreview(pixmap); }));
+    d->keep(onOutcome(client, &CloudAPIClient::previewError, [this] { losePreview(this); }));
     client->requestPreview(d->serverId, d->id);
 }
 
@@ -54,19 +62,13 @@ void Camera::updateLocalPreview()
 {
     const Internal::Endpoint asked = d->endpoint();
     auto *client = releasedWith(this, new StreamerClient(asked.host, asked.port));
-    d->keep(connect(client, &StreamerClient::responseReceived, client,
-                    [this, client](const QVariant &response) {
-                        client->deleteLater();
-                        setPreview(decodePreview(response.toByteArray()));
-                    }));
-    d->keep(connect(client, &StreamerClient::error, client, [this, client] {
-        qDebug() << "Error downloading preview";
-        client->deleteLater();
-        setPreview(QPixmap());
+    d->keep(onOutcome(client, &StreamerClient::responseReceived, [this](const QVariant &response) {
+        setPreview(decodePreview(response.toByteArray()));
     }));
+    d->keep(onOutcome(client, &StreamerClient::error, [this](int, int) { losePreview(this); }));
 
     QVariantMap params;
-    params.insert(QStringLiteral("server"), 1);
+    params.insert(QStringLiteral("server"), Internal::localServerNumber);
     params.insert(QStringLiteral("camera"), d->id);
     params.insert(QStringLiteral("sessionId"), asked.password);
     client->request(QStringLiteral("preview/live"), params, false);
@@ -80,15 +82,13 @@ void Camera::updateTimeline(QDate date)
         return;
     }
     auto *client = releasedWith(this, new CloudAPIClient);
-    d->keep(connect(client, &CloudAPIClient::archivesReceived, client,
-                    [this, client, date](const QVariant &reply) {
-                        client->deleteLater();
-                        d->records[date] = archiveRecordsOfDay(reply, date);
-                        emit recordsChanged(date);
-                    }));
-    d->keep(connect(client, &CloudAPIClient::archivesError, client, [this, client] {
+    d->keep(
+        onOutcome(client, &CloudAPIClient::archivesReceived, [this, date](const QVariant &reply) {
+            d->records[date] = archiveRecordsOfDay(reply, date);
+            emit recordsChanged(date);
+        }));
+    d->keep(onOutcome(client, &CloudAPIClient::archivesError, [this] {
         qDebug() << "Error downloading archive list";
-        client->deleteLater();
         emit recordsError();
     }));
 
@@ -104,18 +104,15 @@ void Camera::updateCalendar(QDate start, QDate end)
         return;
     }
     auto *client = releasedWith(this, new CloudAPIClient);
-    d->keep(connect(client, &CloudAPIClient::archiveDatesReceived, client,
-                    [this, client, start, end](const QVariant &reply) {
-                        client->deleteLater();
-                        const QMap<QDate, int> counts = recordCountsByDay(reply);
-                        for (auto it = counts.begin(); it != counts.end(); ++it)
-                            d->calendar.insert(it.key(), it.value());
-                        emit calendarChanged(start, end);
-                    }));
-    d->keep(connect(client, &CloudAPIClient::archiveDatesError, client, [client] {
-        qDebug() << "Error downloading calendar";
-        client->deleteLater();
-    }));
+    d->keep(onOutcome(client, &CloudAPIClient::archiveDatesReceived,
+                      [this, start, end](const QVariant &reply) {
+                          const QMap<QDate, int> counts = recordCountsByDay(reply);
+                          for (auto it = counts.begin(); it != counts.end(); ++it)
+                              d->calendar.insert(it.key(), it.value());
+                          emit calendarChanged(start, end);
+                      }));
+    d->keep(onOutcome(client, &CloudAPIClient::archiveDatesError,
+                      [] { qDebug() << "Error downloading calendar"; }));
 
     const Internal::Endpoint asked = d->endpoint();
     client->getCalendar(globalId(), firstSecondOfDay(start), lastSecondOfDay(end), asked.host,

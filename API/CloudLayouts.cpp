@@ -16,9 +16,9 @@
 #include "API/CloudExchange.h"
 #include "API/Layout.h"
 #include "API/LayoutDocument.h"
-#include "API/PrivateFile.h"
 #include "API/RestClient.h"
 #include "App/Environment.h"
+#include "App/OwnerOnly.h"
 #include "App/Settings.h"
 #include "App/SettingsKeys.h"
 
@@ -31,8 +31,6 @@ using Internal::OnError;
 using Internal::watchExchange;
 
 namespace {
-
-constexpr qint64 millisecondsPerSecond = 1000;
 
 QString cacheFile()
 {
@@ -128,7 +126,7 @@ bool CloudAPIClient::parseLayouts(QVariant layoutsResponse)
     const QList<QVariantMap> layouts =
         Internal::boundedLayouts(map.value(QStringLiteral("layouts")).toList());
     for (const QVariantMap &layout : layouts) {
-        const QString id = layout.value(QStringLiteral("id")).toString();
+        const QString id = layout.value(Internal::LayoutKey::id).toString();
         seen.insert(id);
         takeLayout(id, layout);
     }
@@ -171,15 +169,14 @@ void CloudAPIClient::saveLayoutsToAPI()
 
 void CloudAPIClient::saveLayoutsToFile()
 {
-    cloudData.layoutsLastUpdate =
-        static_cast<int>(App::Environment::now().toMSecsSinceEpoch() / millisecondsPerSecond);
+    cloudData.layoutsLastUpdate = static_cast<int>(App::Environment::now().toSecsSinceEpoch());
     const QVariantList layouts = Internal::toVariantList(cloudData.layouts);
     const QJsonObject document{
         {QStringLiteral("last_update"), cloudData.layoutsLastUpdate},
         {QStringLiteral("layouts"), QJsonArray::fromVariantList(layouts)},
     };
     const QString fileName = cacheFile();
-    if (!Internal::writePrivateFile(fileName, QJsonDocument(document).toJson()))
+    if (!App::writeForOwner(fileName, QJsonDocument(document).toJson()))
         qWarning() << "Could not save layouts cache to" << fileName;
 }
 

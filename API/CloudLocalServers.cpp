@@ -10,7 +10,7 @@
 
 #include "API/CloudData.h"
 #include "API/LocalServer.h"
-#include "API/PrivateFile.h"
+#include "App/OwnerOnly.h"
 
 namespace ZorvaneClient {
 namespace API {
@@ -65,7 +65,7 @@ void CloudAPIClient::saveLocalRoster()
     for (const QVariantMap &json : qAsConst(cloudData.unconnectedServers))
         entries.append(json);
     const QByteArray document = QJsonDocument(QJsonArray::fromVariantList(entries)).toJson();
-    if (!Internal::writePrivateFile(localRosterFile, document))
+    if (!App::writeForOwner(localRosterFile, document))
         qWarning() << "Cannot save local roster";
 }
 

@@ -7,6 +7,9 @@ namespace ZorvaneClient {
 namespace API {
 namespace Internal {
 
+/// What each LAN server calls itself in a request or a stream address.
+inline const QString localServerNumber = QStringLiteral("1");
+
 /// Who is asked about a camera: the service while `host` is empty, else a LAN server.
 struct Endpoint {
     QString host;

@@ -9,8 +9,8 @@ namespace ZorvaneClient {
 namespace API {
 namespace Internal {
 
-/// Runs its task when the application object goes, unless it goes before. The application's
-/// thread only.
+/// Runs its task when the application object goes; one that is destroyed before that never runs
+/// it. The application's thread only.
 class ExitTask
 {
     Q_DISABLE_COPY(ExitTask)

@@ -8,10 +8,13 @@
 
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
+#include "API/LayoutDocument.h"
 #include "API/Server.h"
 
 namespace ZorvaneClient {
 namespace API {
+
+namespace LayoutKey = Internal::LayoutKey;
 
 namespace {
 
@@ -22,20 +25,20 @@ LayoutPoint keyOf(int row, int column)
 
 QVariantMap cellToMap(const LayoutCell &cell)
 {
-    return {{QStringLiteral("server"), cell.camera->serverId()},
-            {QStringLiteral("camera"), cell.camera->id()},
-            {QStringLiteral("row"), cell.row()},
-            {QStringLiteral("column"), cell.column()},
-            {QStringLiteral("w"), cell.rowSpan()},
-            {QStringLiteral("h"), cell.columnSpan()}};
+    return {{LayoutKey::server, cell.camera->serverId()},
+            {LayoutKey::camera, cell.camera->id()},
+            {LayoutKey::row, cell.row()},
+            {LayoutKey::column, cell.column()},
+            {LayoutKey::rowSpan, cell.rowSpan()},
+            {LayoutKey::columnSpan, cell.columnSpan()}};
 }
 
 CameraPtr findCamera(const QMap<server_id_t, ServerPtr> &servers, const QVariantMap &cell)
 {
-    const ServerPtr server = servers.value(cell.value(QStringLiteral("server")).toString());
+    const ServerPtr server = servers.value(cell.value(LayoutKey::server).toString());
     if (!server)
         return CameraPtr();
-    return server->cameras().value(cell.value(QStringLiteral("camera")).toInt());
+    return server->cameras().value(cell.value(LayoutKey::camera).toInt());
 }
 
 } // namespace
@@ -58,9 +61,8 @@ Layout &Layout::operator=(const Layout &other)
 
 Layout::Layout(QVariantMap map) : Layout()
 {
-    const QString key = QStringLiteral("id");
-    if (map.contains(key))
-        data.id = map.value(key).toString();
+    if (map.contains(LayoutKey::id))
+        data.id = map.value(LayoutKey::id).toString();
     update(map);
 }
 
@@ -164,30 +166,30 @@ QVariantMap Layout::toVariantMap() const
         if (cell.camera)
             cameras.append(cellToMap(cell));
     }
-    return {{QStringLiteral("name"), data.name},
-            {QStringLiteral("rows"), data.rows},
-            {QStringLiteral("columns"), data.columns},
-            {QStringLiteral("id"), data.id},
-            {QStringLiteral("cameras"), cameras}};
+    return {{LayoutKey::name, data.name},
+            {LayoutKey::rows, data.rows},
+            {LayoutKey::columns, data.columns},
+            {LayoutKey::id, data.id},
+            {LayoutKey::cells, cameras}};
 }
 
 void Layout::update(QVariantMap map)
 {
-    data.name = map.value(QStringLiteral("name")).toString();
-    data.rows = map.value(QStringLiteral("rows")).toInt();
-    data.columns = map.value(QStringLiteral("columns")).toInt();
+    data.name = map.value(LayoutKey::name).toString();
+    data.rows = map.value(LayoutKey::rows).toInt();
+    data.columns = map.value(LayoutKey::columns).toInt();
 
     const QMap<server_id_t, ServerPtr> servers = CloudAPIClient::serverList();
-    const QVariantList cells = map.value(QStringLiteral("cameras")).toList();
+    const QVariantList cells = map.value(LayoutKey::cells).toList();
     for (const QVariant &value : cells) {
         const QVariantMap cell = value.toMap();
         const CameraPtr camera = findCamera(servers, cell);
         if (!camera)
             continue;
-        const int row = cell.value(QStringLiteral("row")).toInt();
-        const int column = cell.value(QStringLiteral("column")).toInt();
-        const int rowSpan = cell.value(QStringLiteral("w")).toInt();
-        const int columnSpan = cell.value(QStringLiteral("h")).toInt();
+        const int row = cell.value(LayoutKey::row).toInt();
+        const int column = cell.value(LayoutKey::column).toInt();
+        const int rowSpan = cell.value(LayoutKey::rowSpan).toInt();
+        const int columnSpan = cell.value(LayoutKey::columnSpan).toInt();
         data.cells.insert(keyOf(row, column), LayoutCell(camera, row, column, rowSpan, columnSpan));
     }
 }

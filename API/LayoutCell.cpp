@@ -6,10 +6,12 @@ namespace API {
 
 namespace {
 
+// An edge is the sum of a place and a span and must fit an int.
+constexpr int farthestNumber = 1 << 29;
+
 int bounded(int value)
 {
-    constexpr int limit = 1 << 29;
-    return qBound(-limit, value, limit);
+    return qBound(-farthestNumber, value, farthestNumber);
 }
 
 } // namespace

@@ -27,47 +27,45 @@ bool boundNumber(QVariantMap &map, const QString &key)
 
 bool boundName(QVariantMap &layout)
 {
-    const QString key = QStringLiteral("name");
-    const QString name = layout.value(key).toString();
+    const QString name = layout.value(LayoutKey::name).toString();
     if (name.size() <= LayoutBounds::nameLength)
         return false;
-    layout.insert(key, name.left(LayoutBounds::nameLength));
+    layout.insert(LayoutKey::name, name.left(LayoutBounds::nameLength));
     return true;
 }
 
 bool isInsideGrid(const QVariantMap &cell)
 {
-    const int row = cell.value(QStringLiteral("row")).toInt();
-    const int column = cell.value(QStringLiteral("column")).toInt();
+    const int row = cell.value(LayoutKey::row).toInt();
+    const int column = cell.value(LayoutKey::column).toInt();
     return row >= 0 && row < LayoutBounds::gridSide && column >= 0 &&
            column < LayoutBounds::gridSide;
 }
 
 bool boundCells(QVariantMap &layout)
 {
-    const QString key = QStringLiteral("cameras");
     bool cut = false;
     QVariantList cells;
-    const QVariantList given = layout.value(key).toList();
+    const QVariantList given = layout.value(LayoutKey::cells).toList();
     for (const QVariant &entry : given) {
         QVariantMap cell = entry.toMap();
         if (!isInsideGrid(cell)) {
             cut = true;
             continue;
         }
-        cut |= boundNumber(cell, QStringLiteral("w"));
-        cut |= boundNumber(cell, QStringLiteral("h"));
+        cut |= boundNumber(cell, LayoutKey::rowSpan);
+        cut |= boundNumber(cell, LayoutKey::columnSpan);
         cells.append(cell);
     }
     if (cut)
-        layout.insert(key, cells);
+        layout.insert(LayoutKey::cells, cells);
     return cut;
 }
 
 bool boundLayout(QVariantMap &layout)
 {
-    bool cut = boundNumber(layout, QStringLiteral("rows"));
-    cut |= boundNumber(layout, QStringLiteral("columns"));
+    bool cut = boundNumber(layout, LayoutKey::rows);
+    cut |= boundNumber(layout, LayoutKey::columns);
     cut |= boundName(layout);
     cut |= boundCells(layout);
     return cut;

@@ -12,6 +12,24 @@ namespace ZorvaneClient {
 namespace API {
 namespace Internal {
 
+/// Keys of a layout as the service and the cache file keep it, and of its cells.
+namespace LayoutKey {
+
+inline const QString name = QStringLiteral("name");
+inline const QString rows = QStringLiteral("rows");
+inline const QString columns = QStringLiteral("columns");
+inline const QString id = QStringLiteral("id");
+inline const QString cells = QStringLiteral("cameras");
+
+inline const QString server = QStringLiteral("server");
+inline const QString camera = QStringLiteral("camera");
+inline const QString row = QStringLiteral("row");
+inline const QString column = QStringLiteral("column");
+inline const QString rowSpan = QStringLiteral("w");
+inline const QString columnSpan = QStringLiteral("h");
+
+} // namespace LayoutKey
+
 /// Bounds on layouts that come from outside: far beyond what people make, small enough that
 /// no document can stop the program.
 struct LayoutBounds {

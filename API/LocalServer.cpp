@@ -7,6 +7,7 @@
 #include <chrono>
 
 #include "API/Camera.h"
+#include "API/Endpoint.h"
 #include "API/ServerPrivate.h"
 #include "API/StreamerClient.h"
 
@@ -67,6 +68,7 @@ LocalServer::LocalServer(QVariantMap json)
 
 LocalServer::~LocalServer()
 {
+    // The last handle can be let go while one of them tells what came.
     infoClient->deleteLater();
     streamsClient->deleteLater();
 }
@@ -140,7 +142,7 @@ void LocalServer::update()
 {
     QVariantMap params;
     params.insert(QStringLiteral("sessionId"), QUrl::toPercentEncoding(serverPassword));
-    params.insert(QStringLiteral("server"), QStringLiteral("1"));
+    params.insert(QStringLiteral("server"), Internal::localServerNumber);
     if (!infoPending) {
         infoPending = true;
         infoClient->request(QStringLiteral("vs_info/"), params, true);
@@ -155,8 +157,7 @@ void LocalServer::infoUpdate(QVariant data)
 {
     infoPending = false;
     d->flags &= ~ServerOffline;
-    const QVariant functions = data.toMap().value(QStringLiteral("functions"));
-    d->arcSearch = d->hasFunction(functions, QStringLiteral("arc_search"));
+    d->arcSearch = Internal::hasFunction(data.toMap(), QStringLiteral("arc_search"));
     emit updated();
 }
 

@@ -38,9 +38,8 @@ Server::~Server() = default;
 
 void Server::readFunctions(const QVariantMap &info)
 {
-    const QVariant functions = info.value(QStringLiteral("functions"));
-    d->speedPlay = d->hasFunction(functions, QStringLiteral("speed_play"));
-    d->arcSearch = d->hasFunction(functions, QStringLiteral("arc_search"));
+    d->speedPlay = Internal::hasFunction(info, QStringLiteral("speed_play"));
+    d->arcSearch = Internal::hasFunction(info, QStringLiteral("arc_search"));
     d->isCamera =
         info.value(QStringLiteral("build_type")).toString().endsWith(QLatin1String("camera"));
 }

@@ -13,18 +13,18 @@ namespace ZorvaneClient {
 namespace API {
 namespace Internal {
 
+/// True when `word` is among the functions that a server says it has.
+inline bool hasFunction(const QVariantMap &info, const QString &word)
+{
+    const QVariantList list = info.value(QStringLiteral("functions")).toList();
+    return std::any_of(list.begin(), list.end(),
+                       [&word](const QVariant &entry) { return entry.toString() == word; });
+}
+
 /// State of a Server.
 class ServerPrivate
 {
 public:
-    /// Looks for a word in the list of functions that a server says it has.
-    static bool hasFunction(const QVariant &functions, const QString &word)
-    {
-        const QVariantList list = functions.toList();
-        return std::any_of(list.begin(), list.end(),
-                           [&word](const QVariant &entry) { return entry.toString() == word; });
-    }
-
     ServerFlags flags = 0;
     server_id_t id;
     QString alias;

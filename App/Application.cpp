@@ -214,8 +214,9 @@ void Application::mainWindowSignout()
         window->deleteLater();
     mainWindows.clear();
     API::CloudAPIClient().logout();
-    settings().setValue(SettingsKey::password, QString(QLatin1String("")));
-    settings().setValue(SettingsKey::saveAuth, QString(QLatin1String("")));
+    // Both as the empty text, which reads as false where a bool is asked for.
+    for (const char *key : {SettingsKey::password, SettingsKey::saveAuth})
+        settings().setValue(QLatin1String(key), QString(QLatin1String("")));
     startLogin();
 }
 

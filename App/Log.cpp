@@ -34,6 +34,7 @@ void handleMessage(QtMsgType type, const QMessageLogContext &context, const QStr
 {
     if (previousHandler)
         previousHandler(type, context, text);
+    // Not the program's clock, which is the GUI thread's; messages come from any.
     const QString line =
         QDateTime::currentDateTime().toString(QStringLiteral("dd.MM.yyyy hh:mm::ss.zzz ")) + text;
     QMutexLocker locker(&logMutex);

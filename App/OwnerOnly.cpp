@@ -3,6 +3,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 
 namespace ZorvaneClient {
 namespace App {
@@ -12,6 +13,17 @@ void restrictToOwner(const QString &fileName)
     constexpr auto owner = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner;
     if (QFileInfo(fileName).isFile())
         QFile::setPermissions(fileName, QFile::permissions(fileName) & owner);
+}
+
+bool writeForOwner(const QString &fileName, const QByteArray &content)
+{
+    const OwnerOnlyFiles guard; // where the new file has a name before it is whole
+    QSaveFile file(fileName);
+    file.setDirectWriteFallback(true);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    return file.write(content) == content.size() && file.commit();
 }
 
 } // namespace App

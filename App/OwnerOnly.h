@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QtGlobal>
 
@@ -37,6 +38,11 @@ private:
 /// Takes everybody else's access to a file that exists; what its owner may do stays as it is.
 /// A device in its place is left alone.
 void restrictToOwner(const QString &fileName);
+
+/// Replaces the content of `fileName` as a whole, for its owner only: a crash leaves the old
+/// content or the new. Where the folder takes no new file the content is written in place.
+/// False when it could not be written.
+bool writeForOwner(const QString &fileName, const QByteArray &content);
 
 } // namespace App
 } // namespace ZorvaneClient

@@ -12,8 +12,9 @@ struct ServiceProfile {
     QString apiHost = QStringLiteral("api.zorvane.example");
     int apiPort = 0; ///< 0: the default port of https
     QString streamingHost = QStringLiteral("streaming.zorvane.example");
-    int streamingPort = 0;                                         ///< 0: the default port of https
-    QString flvHost = QStringLiteral("streaming.zorvane.example"); ///< may carry `:port`
+    int streamingPort = 0; ///< 0: the default port of https
+    /// May carry `:port`.
+    QString flvHost = QStringLiteral("streaming.zorvane.example");
     QString redirectorHost = QStringLiteral("go.zorvane.example");
     QString caCertificate; ///< PEM file with further authorities; empty: none
 

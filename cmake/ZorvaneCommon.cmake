@@ -19,7 +19,7 @@ target_link_libraries(zorvane_qt_config INTERFACE zorvane_common_config)
 target_compile_definitions(zorvane_qt_config INTERFACE
     QT_NO_CAST_TO_ASCII QT_DEPRECATED_WARNINGS QT_NO_FOREACH)
 
-# zorvane_add_qt_library(name sources...): a static library with moc, uic and rcc.
+# zorvane_add_qt_library(name sources...): a static library with moc and uic.
 function(zorvane_add_qt_library name)
     add_library(${name} STATIC ${ARGN})
     set_target_properties(${name} PROPERTIES AUTOMOC ON AUTOUIC ON

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
+// A camera's picture: how it is turned, and the last one that came, in memory and in the cache.
 #include "API/Camera.h"
 #include "API/CameraPrivate.h"
 #include "API/CloudAPIClient.h"
 #include "App/OwnerOnly.h"
 #include "App/Settings.h"
-
-// A camera's picture: how it is turned, and the last one that came, in memory and in the cache.
 
 namespace ZorvaneClient {
 namespace API {
