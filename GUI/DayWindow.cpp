@@ -3,8 +3,6 @@
 
 #include <cmath>
 
-#include "GUI/TimeAxis.h"
-
 namespace ZorvaneClient {
 namespace GUI {
 namespace Internal {
@@ -80,6 +78,11 @@ bool DayWindow::surrounds(const QDateTime &time) const
     return start < time && time < end;
 }
 
+TimeAxis DayWindow::axis() const
+{
+    return TimeAxis(start, end, width);
+}
+
 bool DayWindow::isOnScale(int x) const
 {
     return x >= timelineMargin && x <= width - timelineMargin;
@@ -97,7 +100,7 @@ QDateTime DayWindow::timeAt(int x) const
 
 int DayWindow::pixelAt(const QDateTime &time) const
 {
-    return TimeAxis(start, end, width).pixelAfter(start.secsTo(time));
+    return axis().pixelAfter(start.secsTo(time));
 }
 
 void DayWindow::clamp()

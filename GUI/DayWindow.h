@@ -5,6 +5,8 @@
 #include <QDateTime>
 #include <QTime>
 
+#include "GUI/TimeAxis.h"
+
 namespace ZorvaneClient {
 namespace GUI {
 namespace Internal {
@@ -29,6 +31,7 @@ struct DayWindow {
     /// Strictly between the two ends.
     bool surrounds(const QDateTime &time) const;
 
+    TimeAxis axis() const;
     /// Between the margins.
     bool isOnScale(int x) const;
     QDateTime timeAt(int x) const;
