@@ -17,8 +17,6 @@ constexpr double levelsPerStep = 5.0;
 /// A window below this isn't narrowed any more.
 constexpr int narrowestStepSeconds = 4790;
 
-/// The wheel's notch.
-constexpr int forwardDelta = 120;
 /// A scroll step of a window as long as the day.
 constexpr double dayScrollSeconds = 3600.0;
 constexpr double dayMilliseconds = 86'399'000.0;
@@ -149,7 +147,7 @@ void DayWindow::scroll(int delta)
 {
     const double windowShare = static_cast<double>(start.msecsTo(end)) / dayMilliseconds;
     const int shift = truncated(windowShare * dayScrollSeconds);
-    if (delta < forwardDelta)
+    if (delta < wheelNotch)
         moveBack(shift);
     else
         moveOn(shift);

@@ -25,10 +25,6 @@ constexpr int panPixels = 4;
 constexpr std::chrono::milliseconds longestClick = 332ms;
 constexpr int tooltipTop = -8;
 
-// A notch of the wheel is 15 degrees of 8 parts each.
-constexpr int wheelPartsPerDegree = 8;
-constexpr int wheelDegreesPerStep = 15;
-
 /// Halves away from zero.
 int pixel(double position)
 {
@@ -135,7 +131,7 @@ void Timeline::wheelEvent(QWheelEvent *event)
         redrawRecords();
         d->updateCursor(x, false);
     } else {
-        zoomByWheel(delta / wheelPartsPerDegree / wheelDegreesPerStep, x);
+        zoomByWheel(delta / Internal::wheelNotch, x);
     }
     update();
 }

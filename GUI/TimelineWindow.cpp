@@ -16,7 +16,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int scrollNotch = 120;
 constexpr std::chrono::milliseconds glideDuration = 500ms;
 
 QPropertyAnimation *animate(Timeline *timeline, const char *property, const QDateTime &from,
@@ -89,12 +88,12 @@ bool Timeline::zoomAtCentre(int direction)
 
 void Timeline::scrollLeft()
 {
-    scroll(scrollNotch);
+    scroll(Internal::wheelNotch);
 }
 
 void Timeline::scrollRight()
 {
-    scroll(-scrollNotch);
+    scroll(-Internal::wheelNotch);
 }
 
 void Timeline::scroll(int delta)
