@@ -38,6 +38,8 @@ QString textOf(QTime time)
 TimelineTooltip::TimelineTooltip()
     : QWidget(nullptr, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
 {
+    // It lies over the strip's upper edge, where it would take the mouse away and be hidden for it.
+    setWindowFlag(Qt::WindowTransparentForInput);
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAutoFillBackground(false);
