@@ -115,7 +115,7 @@ protected:
 
 private:
     /// False if the window stayed as it was.
-    bool zoomAtCentre(int direction);
+    bool zoomAtCenter(int direction);
     void scroll(int delta);
     void zoomByWheel(int steps, int x);
     void showHover(int x);
