@@ -3,8 +3,6 @@
 
 #include <cmath>
 
-#include "GUI/TimeAxis.h"
-
 namespace ZorvaneClient {
 namespace GUI {
 namespace Internal {
@@ -19,8 +17,6 @@ constexpr double levelsPerStep = 5.0;
 /// A window below this isn't narrowed any more.
 constexpr int narrowestStepSeconds = 4790;
 
-/// The wheel's notch.
-constexpr int forwardDelta = 120;
 /// A scroll step of a window as long as the day.
 constexpr double dayScrollSeconds = 3600.0;
 constexpr double dayMilliseconds = 86'399'000.0;
@@ -80,6 +76,11 @@ bool DayWindow::surrounds(const QDateTime &time) const
     return start < time && time < end;
 }
 
+TimeAxis DayWindow::axis() const
+{
+    return TimeAxis(start, end, width);
+}
+
 bool DayWindow::isOnScale(int x) const
 {
     return x >= timelineMargin && x <= width - timelineMargin;
@@ -97,7 +98,7 @@ QDateTime DayWindow::timeAt(int x) const
 
 int DayWindow::pixelAt(const QDateTime &time) const
 {
-    return TimeAxis(start, end, width).pixelAfter(start.secsTo(time));
+    return axis().pixelAfter(start.secsTo(time));
 }
 
 void DayWindow::clamp()
@@ -146,7 +147,7 @@ void DayWindow::scroll(int delta)
 {
     const double windowShare = static_cast<double>(start.msecsTo(end)) / dayMilliseconds;
     const int shift = truncated(windowShare * dayScrollSeconds);
-    if (delta < forwardDelta)
+    if (delta < wheelNotch)
         moveBack(shift);
     else
         moveOn(shift);

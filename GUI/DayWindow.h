@@ -5,6 +5,8 @@
 #include <QDateTime>
 #include <QTime>
 
+#include "GUI/TimeAxis.h"
+
 namespace ZorvaneClient {
 namespace GUI {
 namespace Internal {
@@ -13,6 +15,9 @@ namespace Internal {
 QDateTime localTime(QDate date, QTime time);
 QDateTime firstSecond(QDate date); ///< 00:00:00
 QDateTime lastSecond(QDate date);  ///< 23:59:59
+
+/// What one notch turns a mouse's wheel, in the unit of wheel events: 15 degrees of 8 parts each.
+constexpr int wheelNotch = 120;
 
 /// What a strip of `width` pixels shows of one day: from `start` at its left margin to `end` at
 /// its right one. Pixels count from the strip's left edge, times are local times.
@@ -29,6 +34,7 @@ struct DayWindow {
     /// Strictly between the two ends.
     bool surrounds(const QDateTime &time) const;
 
+    TimeAxis axis() const;
     /// Between the margins.
     bool isOnScale(int x) const;
     QDateTime timeAt(int x) const;
@@ -40,7 +46,8 @@ struct DayWindow {
     /// there. At its limit the window stays as it is. Returns the zoom level: 0 for the whole
     /// day, 100 for the tightest window.
     int zoom(int direction, const QDateTime &center);
-    /// What the wheel at `x` zooms about: in the margins the ends of the day.
+    /// What the wheel at `x` zooms about: at the margins the ends of the day, on the right from
+    /// two of them on.
     QDateTime zoomCenterAt(int x) const;
     /// A step on for a delta of a notch or more, else a step back, as far as the day goes.
     void scroll(int delta);

@@ -21,16 +21,20 @@ constexpr int mediumSeconds = 600;
 constexpr double wideViewFactor = 3.0;
 constexpr double closeViewFactor = 2.0;
 
+/// The greatest classes of labels with which handles snap closer than to half hours.
+constexpr int closeLabelStep = 3600;
+constexpr int mediumLabelStep = 7200;
+
 struct SnapGrid {
     int minutes;
     int half;
 };
 
-SnapGrid snapGrid(int labelStepSeconds)
+SnapGrid snapGrid(int labelStep)
 {
-    if (labelStepSeconds <= 3600)
+    if (labelStep <= closeLabelStep)
         return {5, 2};
-    if (labelStepSeconds <= 7200)
+    if (labelStep <= mediumLabelStep)
         return {15, 7};
     return {30, 15};
 }
@@ -98,9 +102,9 @@ DayWindow Fragment::viewFrom(const DayWindow &present) const
     return isCloser && present.surrounds(start) && present.surrounds(end) ? present : view;
 }
 
-QDateTime snapped(const QDateTime &time, int labelStepSeconds)
+QDateTime snapped(const QDateTime &time, int labelStep)
 {
-    const SnapGrid grid = snapGrid(labelStepSeconds);
+    const SnapGrid grid = snapGrid(labelStep);
     const QTime clock = time.time();
     int minute = (clock.minute() + grid.half) / grid.minutes * grid.minutes;
     int hour = clock.hour();

@@ -36,8 +36,8 @@ struct Fragment {
     DayWindow viewFrom(const DayWindow &present) const;
 };
 
-/// The round time near `time`, by the distance of the scale's labels; invalid near midnight.
-QDateTime snapped(const QDateTime &time, int labelStepSeconds);
+/// The round time near `time`, by the scale's class of labels; invalid near midnight.
+QDateTime snapped(const QDateTime &time, int labelStep);
 
 } // namespace Internal
 } // namespace GUI

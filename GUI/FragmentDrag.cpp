@@ -30,24 +30,24 @@ void FragmentDrag::take(int x, const DayWindow &window)
         anchor = carries ? window.timeAt(x) : handle();
 }
 
-void FragmentDrag::moveTo(int x, const DayWindow &window, int labelStepSeconds)
+void FragmentDrag::moveTo(int x, const DayWindow &window, int labelStep)
 {
     if (held == FragmentPart::None)
         return;
     const QDateTime time = qBound(window.dayStart(), window.timeAt(x), window.dayEnd());
     if (time == window.dayStart() || time == window.dayEnd())
         x = window.pixelAt(time);
-    if (held == FragmentPart::Body || !pull(time, x, window, labelStepSeconds))
+    if (held == FragmentPart::Body || !pull(time, x, window, labelStep))
         carry(time, window);
 }
 
 /// False when a fragment may not be like that.
-bool FragmentDrag::pull(const QDateTime &time, int x, const DayWindow &window, int labelStepSeconds)
+bool FragmentDrag::pull(const QDateTime &time, int x, const DayWindow &window, int labelStep)
 {
     const Fragment pulled = fragment.with(held, time);
     if (!pulled.isAllowed())
         return false;
-    const QDateTime near = snapped(time, labelStepSeconds);
+    const QDateTime near = snapped(time, labelStep);
     const Fragment snappedOne = fragment.with(held, near);
     const bool isNear = std::abs(window.pixelAt(near) - x) <= snapReachPixels;
     fragment = isNear && snappedOne.isAllowed() ? snappedOne : pulled;

@@ -17,11 +17,11 @@ struct FragmentDrag {
 
     /// Takes hold of what lies at `x`.
     void take(int x, const DayWindow &window);
-    /// The mouse is at `x`, with labels so far from each other.
-    void moveTo(int x, const DayWindow &window, int labelStepSeconds);
+    /// The mouse is at `x`. Handles snap by `labelStep`, the scale's class of labels.
+    void moveTo(int x, const DayWindow &window, int labelStep);
 
 private:
-    bool pull(const QDateTime &time, int x, const DayWindow &window, int labelStepSeconds);
+    bool pull(const QDateTime &time, int x, const DayWindow &window, int labelStep);
     void carry(const QDateTime &time, const DayWindow &window);
     QDateTime handle() const;
 };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/HintStack.h"
 
-#include "GUI/Player/PlayerNotification.h"
+#include "GUI/PlayerNotification.h"
 #include "GUI/Retire.h"
 
 namespace ZorvaneClient {

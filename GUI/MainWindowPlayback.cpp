@@ -23,6 +23,12 @@ constexpr qint64 holdAheadMs = 3000;
 /// ... until it is less than this ahead.
 constexpr qint64 releaseAheadMs = 1500;
 
+bool hasToWait(const VideoWidget &tile, const QDateTime &position)
+{
+    const qint64 aheadMs = position.msecsTo(tile.playbackTime());
+    return tile.isPaused() ? aheadMs >= releaseAheadMs : aheadMs > holdAheadMs;
+}
+
 } // namespace
 
 void MainWindow::hideArchivePanels()
@@ -135,8 +141,6 @@ void MainWindow::startDueSpans(const QDateTime &position)
 
 void MainWindow::keepInStep(const QDateTime &position)
 {
-    const QDateTime holdAfter = position.addMSecs(holdAheadMs);
-    const QDateTime releaseBefore = position.addMSecs(releaseAheadMs);
     const QList<VideoWidget *> tiles = layoutWidget->players();
     int playing = 0;
     int held = 0;
@@ -146,16 +150,13 @@ void MainWindow::keepInStep(const QDateTime &position)
             continue;
         }
         ++playing;
-        if (!tile->isPaused()) {
-            if (holdAfter < tile->playbackTime()) {
-                tile->pause();
-                ++held;
-            }
-        } else if (tile->playbackTime() < releaseBefore) {
-            tile->unpause();
-        } else {
+        const bool waits = hasToWait(*tile, position);
+        if (waits)
             ++held;
-        }
+        if (waits && !tile->isPaused())
+            tile->pause();
+        else if (!waits && tile->isPaused())
+            tile->unpause();
     }
     if (playing == 0 || playing != held)
         return;

@@ -31,7 +31,7 @@ public:
     size_t countBefore(qint64 moment) const;
 
 private:
-    QList<API::ArchiveRecord> records; ///< keeps the list's identity taken
+    QList<API::ArchiveRecord> records; ///< held, so that isOf() can't take a later list for it
     std::vector<qint64> startMoments;
     std::vector<qint64> reachMoments;
     std::vector<const API::ArchiveRecord *> ascending; ///< those of `records`

@@ -19,7 +19,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int heightPixels = 56;
-constexpr std::chrono::milliseconds refreshInterval = 120000ms;
+constexpr std::chrono::milliseconds refreshInterval = 2min;
 constexpr qreal lastStep = 0.001;
 
 QVariant timeBetween(const QDateTime &from, const QDateTime &to, qreal progress)
@@ -116,8 +116,6 @@ void Timeline::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     drawStyleBackground(painter, *this);
-    painter.setRenderHint(QPainter::Antialiasing);
-
     if (d->dirty) {
         Internal::renderRecords(*d);
         d->dirty = false;

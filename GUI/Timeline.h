@@ -115,10 +115,12 @@ protected:
 
 private:
     /// False if the window stayed as it was.
-    bool zoomAtCentre(int direction);
+    bool zoomAtCenter(int direction);
     void scroll(int delta);
     void zoomByWheel(int steps, int x);
     void showHover(int x);
+    /// Tells by the cursor's shape what a press at `x` would do.
+    void updateCursor(int x, bool leftHeld);
     void glideTo(const Internal::DayWindow &window);
     /// At the next paint.
     void redrawRecords();

@@ -58,7 +58,7 @@ void renderRecords(TimelinePrivate &timeline)
 
     // Bars of one layer share colours and band and are opaque, so that one drawing of their
     // union looks as if each was drawn.
-    const TimeAxis axis(timeline.startValue, timeline.endValue, timeline.widget->width());
+    const TimeAxis axis = timeline.window().axis();
     const int count = timeline.cameras.size();
     CoveredColumns all(axis);
     timeline.forgetOldRecords();

@@ -7,6 +7,7 @@
 #include <QWheelEvent>
 
 #include <chrono>
+#include <cmath>
 #include <cstdlib>
 
 #include "App/Environment.h"
@@ -17,6 +18,8 @@
 namespace ZorvaneClient {
 namespace GUI {
 
+using Internal::FragmentPart;
+
 namespace {
 
 using namespace std::chrono_literals;
@@ -25,14 +28,9 @@ constexpr int panPixels = 4;
 constexpr std::chrono::milliseconds longestClick = 332ms;
 constexpr int tooltipTop = -8;
 
-// A notch of the wheel is 15 degrees of 8 parts each.
-constexpr int wheelPartsPerDegree = 8;
-constexpr int wheelDegreesPerStep = 15;
-
-/// Halves away from zero.
 int pixel(double position)
 {
-    return static_cast<int>(position < 0 ? position - 0.5 : position + 0.5);
+    return static_cast<int>(std::lround(position));
 }
 
 /// A sideways swipe, or a touchpad that tells of fingers put on or taken off.
@@ -43,22 +41,6 @@ bool isWithoutTurn(const QWheelEvent &event)
 }
 
 } // namespace
-
-void Internal::TimelinePrivate::updateCursor(int x, bool leftHeld)
-{
-    const DayWindow shown = window();
-    const FragmentPart part = selectionMode ? selection().partAt(x, shown) : FragmentPart::None;
-    overSelection = part != FragmentPart::None;
-    const QDateTime time = shown.timeAt(x);
-    if (part == FragmentPart::Body)
-        widget->setCursor(leftHeld ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
-    else if (overSelection)
-        widget->setCursor(Qt::SplitHCursor);
-    else if (time < startValue || endValue < time)
-        widget->setCursor(Qt::ArrowCursor);
-    else
-        widget->setCursor(leftHeld ? Qt::ClosedHandCursor : Qt::PointingHandCursor);
-}
 
 void Timeline::mousePressEvent(QMouseEvent *event)
 {
@@ -102,7 +84,7 @@ void Timeline::mouseMoveEvent(QMouseEvent *event)
 {
     const int x = pixel(localPosition(*event).x());
     d->hoverVisible = false;
-    d->updateCursor(x, event->buttons().testFlag(Qt::LeftButton));
+    updateCursor(x, event->buttons().testFlag(Qt::LeftButton));
     if (d->selectionMode && d->isDraggingSelection()) {
         d->dragSelection(x);
     } else if (d->pressed && d->pan(x)) {
@@ -123,6 +105,23 @@ void Timeline::showHover(int x)
     d->tooltip->show();
 }
 
+void Timeline::updateCursor(int x, bool leftHeld)
+{
+    const Internal::DayWindow shown = d->window();
+    const FragmentPart part =
+        d->selectionMode ? d->selection().partAt(x, shown) : FragmentPart::None;
+    d->overSelection = part != FragmentPart::None;
+    const QDateTime time = shown.timeAt(x);
+    if (part == FragmentPart::Body)
+        setCursor(leftHeld ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
+    else if (d->overSelection)
+        setCursor(Qt::SplitHCursor);
+    else if (time < shown.start || shown.end < time)
+        setCursor(Qt::ArrowCursor);
+    else
+        setCursor(leftHeld ? Qt::ClosedHandCursor : Qt::PointingHandCursor);
+}
+
 void Timeline::wheelEvent(QWheelEvent *event)
 {
     event->accept();
@@ -133,9 +132,9 @@ void Timeline::wheelEvent(QWheelEvent *event)
     if (event->modifiers() == Qt::ControlModifier) {
         d->scrollBy(delta);
         redrawRecords();
-        d->updateCursor(x, false);
+        updateCursor(x, false);
     } else {
-        zoomByWheel(delta / wheelPartsPerDegree / wheelDegreesPerStep, x);
+        zoomByWheel(delta / Internal::wheelNotch, x);
     }
     update();
 }
@@ -145,7 +144,7 @@ void Timeline::zoomByWheel(int steps, int x)
     if (!d->zoomStep(steps, d->window().zoomCenterAt(x)))
         return;
     redrawRecords();
-    d->updateCursor(x, false);
+    updateCursor(x, false);
     emit zoomed(d->zoomLevel);
 }
 
@@ -158,6 +157,7 @@ void Timeline::leaveEvent(QEvent *)
 
 void Timeline::contextMenuEvent(QContextMenuEvent *)
 {
+    // None, nor that of a widget behind the strip.
 }
 
 } // namespace GUI

@@ -73,7 +73,7 @@ void TimelinePainter::drawScale(QPainter &painter)
     const ScaleTextWidths texts{sampleWidth(metrics, timeline.timeFormat),
                                 metrics.horizontalAdvance(QStringLiteral("00")),
                                 metrics.horizontalAdvance(QStringLiteral("00:00"))};
-    const TimelineScale scale = timelineScale(window.start, window.end, window.width, texts);
+    const TimelineScale scale = timelineScale(window, texts);
     timeline.labelStep = scale.plan.labelStep;
     timeline.majorEvery = scale.plan.majorEvery;
     timeline.mediumEvery = scale.plan.mediumEvery;

@@ -28,8 +28,6 @@ TimelinePrivate::TimelinePrivate(Timeline *owner, QDate day)
     , tooltip(new TimelineTooltip)
 {
     recordsImage.fill(Qt::transparent);
-    // It lies over the strip's upper edge, where it would take the mouse away and be hidden for it.
-    tooltip->setWindowFlag(Qt::WindowTransparentForInput);
 }
 
 TimelinePrivate::~TimelinePrivate()

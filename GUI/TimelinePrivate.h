@@ -56,7 +56,7 @@ struct TimelinePrivate {
     bool dirty = false;  ///< `recordsImage` is out of date
     bool draggingStart = false;
     bool draggingEnd = false;
-    bool draggingBody = false;
+    bool draggingBody = false; ///< with one of the two others: that handle carries the fragment
     bool overSelection = false;
     bool selectionEditable = true;
     int pressX = 0;
@@ -75,14 +75,12 @@ struct TimelinePrivate {
     Q_DISABLE_COPY(TimelinePrivate)
 
     DayWindow window() const;
-    /// True if the window moved, as of the two below.
-    bool setWindow(const DayWindow &window);
     void clampWindow();
-    bool zoomStep(int direction, const QDateTime &center);
     void scrollBy(int delta);
+    // True if the window moved.
+    bool setWindow(const DayWindow &window);
+    bool zoomStep(int direction, const QDateTime &center);
     bool pan(int x);
-    /// Tells by the cursor's shape what a press at `x` would do.
-    void updateCursor(int x, bool leftHeld);
 
     API::CameraPtr activeCamera() const;
     bool canExport() const;

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/TimelineScale.h"
 
-#include "GUI/DayWindow.h"
-#include "GUI/TimeAxis.h"
-
 namespace ZorvaneClient {
 namespace GUI {
 namespace Internal {
@@ -76,22 +73,22 @@ int tickHeight(const TickPlan &plan, qint64 index)
     return plan.minorEvery != 0 && index % plan.minorEvery != 0 ? 0 : minorHeight;
 }
 
-TimelineScale timelineScale(const QDateTime &start, const QDateTime &end, int width,
-                            const ScaleTextWidths &texts)
+TimelineScale timelineScale(const DayWindow &window, const ScaleTextWidths &texts)
 {
-    const TimeAxis axis(start, end, width);
-    const int room = (width - 2 * timelineMargin) / qMax(1, texts.sample);
-    const double hours = static_cast<double>(start.secsTo(end)) / secondsPerHour;
+    const TimeAxis axis = window.axis();
+    const int room = (window.width - 2 * timelineMargin) / qMax(1, texts.sample);
+    const double hours = static_cast<double>(window.seconds()) / secondsPerHour;
 
     TimelineScale scale;
     scale.plan = tickPlan(room, hours);
     scale.labelWidth = scale.plan.labelStep >= secondsPerHour ? texts.hour : texts.minute;
 
-    const QDateTime firstHour = localTime(start.date(), QTime(start.time().hour(), 0));
-    const Labels labels = labelsFor(scale.plan, firstHour.date(), end);
+    const QDateTime firstHour =
+        localTime(window.start.date(), QTime(window.start.time().hour(), 0));
+    const Labels labels = labelsFor(scale.plan, firstHour.date(), window.end);
     const qint64 first = firstHour.toMSecsSinceEpoch();
     const qint64 step = secondsPerHour / scale.plan.ticksPerHour;
-    const qint64 count = firstHour.secsTo(end) / step;
+    const qint64 count = firstHour.secsTo(window.end) / step;
     for (qint64 index = 0; index <= count; ++index) {
         const qint64 moment = first + index * step * millisecondsPerSecond;
         const int x = axis.pixelAt(moment);
@@ -101,8 +98,8 @@ TimelineScale timelineScale(const QDateTime &start, const QDateTime &end, int wi
         scale.ticks.append(
             {x, tickHeight(scale.plan, index), labelled ? labels.at(moment) : QString()});
     }
-    if (end == lastSecond(firstHour.date()))
-        scale.ticks.append({axis.pixelAt(end.toMSecsSinceEpoch()), majorHeight, labels.endText});
+    if (window.end == lastSecond(firstHour.date()))
+        scale.ticks.append({window.pixelAt(window.end), majorHeight, labels.endText});
     return scale;
 }
 

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QDateTime>
 #include <QList>
 #include <QString>
+
+#include "GUI/DayWindow.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -45,9 +46,7 @@ struct TimelineScale {
     QList<ScaleTick> ticks;
 };
 
-/// The scale of the window from `start` to `end` on a strip of `width` pixels.
-TimelineScale timelineScale(const QDateTime &start, const QDateTime &end, int width,
-                            const ScaleTextWidths &texts);
+TimelineScale timelineScale(const DayWindow &window, const ScaleTextWidths &texts);
 
 } // namespace Internal
 } // namespace GUI

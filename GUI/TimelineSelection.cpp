@@ -80,7 +80,6 @@ void TimelinePrivate::dragSelection(int x)
     FragmentDrag moved = drag();
     moved.moveTo(x, window(), labelStep);
     setDrag(moved);
-    widget->update();
 }
 
 void TimelinePrivate::stopSelectionDrag()

@@ -13,6 +13,7 @@ namespace {
 constexpr int fontPixelSize = 12;
 constexpr int extraWidth = 10;
 constexpr int extraHeight = 4;
+constexpr int margin = 1;
 constexpr int pointerHeight = 4;
 constexpr int pointerHalfWidth = 3;
 constexpr qreal cornerRadius = 8;
@@ -38,6 +39,8 @@ QString textOf(QTime time)
 TimelineTooltip::TimelineTooltip()
     : QWidget(nullptr, Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint)
 {
+    // It lies over the strip's upper edge, where it would take the mouse away and be hidden for it.
+    setWindowFlag(Qt::WindowTransparentForInput);
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAutoFillBackground(false);
@@ -65,12 +68,14 @@ void TimelineTooltip::paintEvent(QPaintEvent *)
                               {w / 2 - pointerHalfWidth, h - pointerHeight},
                               {w / 2 + pointerHalfWidth, h - pointerHeight}};
     painter.drawPolygon(pointer, static_cast<int>(std::size(pointer)));
-    painter.drawRoundedRect(QRectF(1, 1, w - 2, h - 5), cornerRadius, cornerRadius);
+    const int bubbleHeight = h - pointerHeight - margin;
+    painter.drawRoundedRect(QRectF(margin, margin, w - 2 * margin, bubbleHeight), cornerRadius,
+                            cornerRadius);
 
     painter.setFont(labelFont());
     painter.setPen(Qt::white);
-    painter.drawText(QRect(QPoint(1, 0), QPoint(w - 2, h - 6)), Qt::AlignHCenter | Qt::AlignVCenter,
-                     textOf(time));
+    painter.drawText(QRect(margin, 0, w - 2 * margin, bubbleHeight),
+                     Qt::AlignHCenter | Qt::AlignVCenter, textOf(time));
 }
 
 } // namespace GUI

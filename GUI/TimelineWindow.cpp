@@ -16,7 +16,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int scrollNotch = 120;
 constexpr std::chrono::milliseconds glideDuration = 500ms;
 
 QPropertyAnimation *animate(Timeline *timeline, const char *property, const QDateTime &from,
@@ -57,12 +56,12 @@ void Timeline::setEndValue(QDateTime value)
 
 void Timeline::zoomIn()
 {
-    zoomAtCentre(1);
+    zoomAtCenter(1);
 }
 
 void Timeline::zoomOut()
 {
-    zoomAtCentre(-1);
+    zoomAtCenter(-1);
 }
 
 void Timeline::zoom(int level)
@@ -71,14 +70,14 @@ void Timeline::zoom(int level)
     bool moves = true;
     if (level > d->zoomLevel) {
         while (moves && level > d->zoomLevel)
-            moves = zoomAtCentre(1);
+            moves = zoomAtCenter(1);
     } else {
         while (moves && level < d->zoomLevel)
-            moves = zoomAtCentre(-1);
+            moves = zoomAtCenter(-1);
     }
 }
 
-bool Timeline::zoomAtCentre(int direction)
+bool Timeline::zoomAtCenter(int direction)
 {
     const bool moves = d->zoomStep(direction, d->window().timeAt(width() / 2));
     if (moves)
@@ -89,12 +88,12 @@ bool Timeline::zoomAtCentre(int direction)
 
 void Timeline::scrollLeft()
 {
-    scroll(scrollNotch);
+    scroll(Internal::wheelNotch);
 }
 
 void Timeline::scrollRight()
 {
-    scroll(-scrollNotch);
+    scroll(-Internal::wheelNotch);
 }
 
 void Timeline::scroll(int delta)

@@ -5,10 +5,8 @@
 
 #include "API/Types.h"
 
-QT_BEGIN_NAMESPACE
 class QDropEvent;
 class QWidget;
-QT_END_NAMESPACE
 
 namespace ZorvaneClient {
 namespace GUI {

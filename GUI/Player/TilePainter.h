@@ -7,9 +7,7 @@
 #include <QRect>
 #include <QString>
 
-QT_BEGIN_NAMESPACE
 class QPainter;
-QT_END_NAMESPACE
 
 namespace ZorvaneClient {
 namespace GUI {

@@ -8,7 +8,7 @@ namespace Internal {
 
 namespace {
 
-// What the child reports, as libVLC numbers its states.
+// Of the numbers by which the child names its state.
 const QLatin1String vlcPaused("4");
 const QLatin1String vlcError("7");
 

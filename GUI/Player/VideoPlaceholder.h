@@ -6,11 +6,9 @@
 
 #include "API/Types.h"
 
-QT_BEGIN_NAMESPACE
 namespace Ui {
 class VideoPlaceholder;
 }
-QT_END_NAMESPACE
 
 namespace ZorvaneClient {
 namespace GUI {

@@ -10,11 +10,9 @@
 #include "API/Types.h"
 #include "App/QtShims.h"
 
-QT_BEGIN_NAMESPACE
 namespace Ui {
 class VideoWidget;
 }
-QT_END_NAMESPACE
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -122,6 +120,8 @@ protected:
 
 private slots:
     void readPlayerState();
+    /// Logs what the player complains about. Connected to nothing, for whoever looks for its
+    /// faults.
     void readPlayerErrors();
     void readExportMessages();
     void orientationChanged();

@@ -8,7 +8,7 @@
 
 #include "API/Camera.h"
 #include "App/Environment.h"
-#include "GUI/Player/ArchiveFragment.h"
+#include "GUI/Player/ExportArguments.h"
 #include "GUI/Player/ExportOutput.h"
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/Player/VideoWidgetPrivate.h"

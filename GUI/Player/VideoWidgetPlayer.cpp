@@ -32,7 +32,7 @@ void VideoWidget::setUpPlayer()
 {
     d->playerProcess = QSharedPointer<QProcess>(new QProcess(this));
     connect(d->playerProcess.data(), &QProcess::started, this,
-            [this] { deliverPendingCommands(); });
+            &VideoWidget::deliverPendingCommands);
     connect(d->playerProcess.data(), &QProcess::readyReadStandardOutput, this,
             &VideoWidget::readPlayerState);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/GridSizeEditor.h"
-#include "GUI/Player/PlayerNotification.h"
+#include "GUI/PlayerNotification.h"
 #include "tests/GUI/GridWorld.h"
 
 using namespace ZorvaneClient::GUI;

@@ -168,8 +168,7 @@ private slots:
     void scale()
     {
         const auto [width, window] = row<int, QString>();
-        const API::ArchiveRecord shown = spanOf(window);
-        const TimelineScale scale = timelineScale(shown.start, shown.end, width, {40, 14, 31});
+        const TimelineScale scale = timelineScale(dayWindow(window, width), {40, 14, 31});
         QString heights;
         QStringList labels;
         for (const ScaleTick &tick : scale.ticks) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "API/Camera.h"
-#include "GUI/Player/PlayerNotification.h"
+#include "GUI/PlayerNotification.h"
 #include "tests/GUI/Player/TileFixture.h"
 
 using GUI::PlayerNotification;

@@ -18,13 +18,12 @@ namespace GUI {
 namespace Player {
 namespace Internal {
 
-/// How much of the span is recorded, in milliseconds. `records` are in ascending order.
+/// How much of the span is recorded, in milliseconds. The first of `records` that begins after
+/// the span is the last to be looked at.
 qint64 recordedMsecs(const QList<API::ArchiveRecord> &records, const QDateTime &start,
                      const QDateTime &end);
 
-/// Container for video that is to be copied as `vcodec`: "mp4" or "avi".
-QString exportContainer(const QString &vcodec);
-/// Host, camera, date and span, with the container as suffix.
+/// Host, camera, date and span, with the container of the camera's video as suffix.
 QString exportFileName(const API::Camera &camera, const QDateTime &start, const QDateTime &end);
 
 /// Arguments of a child that writes `msecs` of recorded video into the file at `path`.

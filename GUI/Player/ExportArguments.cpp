@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "GUI/Player/ArchiveFragment.h"
+#include "GUI/Player/ExportArguments.h"
 
 #include "API/Camera.h"
 #include "App/QtShims.h"
@@ -20,6 +20,12 @@ qint64 wholeSecondsInMsecs(const QDateTime &time)
     return toEpochSeconds(time) * msecsPerSecond;
 }
 
+/// The one that takes the camera's video as it is.
+QString containerOf(const API::Camera &camera)
+{
+    return camera.vcodec() == QLatin1String("h264") ? QStringLiteral("mp4") : QStringLiteral("avi");
+}
+
 } // namespace
 
 qint64 recordedMsecs(const QList<API::ArchiveRecord> &records, const QDateTime &start,
@@ -35,17 +41,11 @@ qint64 recordedMsecs(const QList<API::ArchiveRecord> &records, const QDateTime &
     return sum;
 }
 
-QString exportContainer(const QString &vcodec)
-{
-    return vcodec == QLatin1String("h264") ? QStringLiteral("mp4") : QStringLiteral("avi");
-}
-
 QString exportFileName(const API::Camera &camera, const QDateTime &start, const QDateTime &end)
 {
     return camera.host() + QLatin1String(" - ") + camera.name() + QLatin1Char(' ') +
            start.toString(dateFormat) + QLatin1Char(' ') + start.toString(timeFormat) +
-           QLatin1Char('-') + end.toString(timeFormat) + QLatin1Char('.') +
-           exportContainer(camera.vcodec());
+           QLatin1Char('-') + end.toString(timeFormat) + QLatin1Char('.') + containerOf(camera);
 }
 
 QStringList exportArguments(const API::Camera &camera, const QDateTime &start, const QDateTime &end,
@@ -53,7 +53,7 @@ QStringList exportArguments(const API::Camera &camera, const QDateTime &start, c
 {
     return {QStringLiteral("export"),
             camera.exportUrl(wholeSecondsInMsecs(start), wholeSecondsInMsecs(end)),
-            exportContainer(camera.vcodec()), QString::number(msecs), path};
+            containerOf(camera), QString::number(msecs), path};
 }
 
 } // namespace Internal

@@ -6,11 +6,9 @@
 #include <QScopedPointer>
 #include <QString>
 
-QT_BEGIN_NAMESPACE
 namespace Ui {
 class PlayerNotification;
 }
-QT_END_NAMESPACE
 
 namespace ZorvaneClient {
 namespace GUI {

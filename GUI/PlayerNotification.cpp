@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "GUI/Player/PlayerNotification.h"
+#include "GUI/PlayerNotification.h"
 
 #include <QDesktopServices>
 #include <QPropertyAnimation>
