@@ -13,7 +13,6 @@ namespace GUI {
 
 namespace {
 
-constexpr int layoutCardKind = 2;
 constexpr QSize pictureSize(640, 480);
 constexpr qreal gridLineWidth = 3.0;
 // A picture 640 by 480 shows no more lines than this; a stored grid can claim any size.
@@ -70,7 +69,7 @@ QPixmap pictureOf(const API::Layout &layout)
 
 } // namespace
 
-LayoutCard::LayoutCard(API::LayoutPtr layout, QWidget *parent) : Preview(layoutCardKind, parent)
+LayoutCard::LayoutCard(API::LayoutPtr layout, QWidget *parent) : Preview(KindLayout, parent)
 {
     setObjectName(QStringLiteral("LayoutCard"));
     auto *actions = new QMenu(this);

@@ -139,10 +139,10 @@ void LayoutWidget::saveLayout(QString layoutName)
     d->workingLayout = d->savedLayout;
 }
 
-void LayoutWidget::showSnapshotHint(QString path)
+void LayoutWidget::showSnapshotHint(QString folder)
 {
     d->hints->addNotification(
-        tr("Snapshot saved.") + QLatin1Char(' ') + folderLink(path, tr("Open folder")), false);
+        tr("Snapshot saved.") + QLatin1Char(' ') + folderLink(folder, tr("Open folder")), false);
 }
 
 void LayoutWidget::showExportDoneHint(QString path)

@@ -102,7 +102,7 @@ protected:
 private slots:
     void onMsecsAdded(qlonglong delta);
     void exchangeCells(int row, int column);
-    void showSnapshotHint(QString path);
+    void showSnapshotHint(QString folder);
     void showExportDoneHint(QString path);
     void showExportErrorHint(QString path);
     void updateHintPositions();
