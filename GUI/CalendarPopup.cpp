@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/CalendarPopup.h"
 
-#include <QFile>
 #include <QHeaderView>
 #include <QLabel>
 #include <QPainter>
@@ -12,6 +11,7 @@
 #include "API/Camera.h"
 #include "App/Environment.h"
 #include "GUI/StyleBackground.h"
+#include "GUI/StyleSheet.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -29,12 +29,6 @@ const QColor accentColour(62, 183, 253, 240);
 const QColor lineColour(52, 55, 60, 240);
 const QColor greyColour(118, 120, 122);
 const QColor panelColour(41, 44, 49);
-
-QString styleSheetOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
 
 QTextCharFormat weekdayFormat()
 {
