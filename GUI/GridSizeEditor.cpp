@@ -38,8 +38,7 @@ GridSizeEditor::GridSizeEditor(QWidget *parent) : QWidget(parent, Qt::Popup)
 
 void GridSizeEditor::setCurrentSize(int rows, int columns)
 {
-    currentRows = rows;
-    currentColumns = columns;
+    current = {rows, columns};
     update();
 }
 
@@ -64,9 +63,9 @@ void GridSizeEditor::paintEvent(QPaintEvent *event)
     painter.drawRoundedRect(rect(), popupRadius, popupRadius);
     for (int row = 0; row < maxGridSide; ++row) {
         for (int column = 0; column < maxGridSide; ++column) {
-            if (row < hoverRows && column < hoverColumns)
+            if (row < hovered.rows && column < hovered.columns)
                 painter.setBrush(hoverColor);
-            else if (row < currentRows && column < currentColumns)
+            else if (row < current.rows && column < current.columns)
                 painter.setBrush(currentColor);
             else
                 painter.setBrush(emptyColor);
@@ -79,18 +78,17 @@ void GridSizeEditor::paintEvent(QPaintEvent *event)
 
 void GridSizeEditor::mouseMoveEvent(QMouseEvent *event)
 {
-    const GridSize hovered = sizeAt(event->pos(), size());
-    if (hovered.rows == hoverRows && hovered.columns == hoverColumns)
+    const GridSize under = sizeAt(event->pos(), size());
+    if (under == hovered)
         return;
-    hoverRows = hovered.rows;
-    hoverColumns = hovered.columns;
+    hovered = under;
     update();
 }
 
 void GridSizeEditor::mousePressEvent(QMouseEvent *)
 {
-    if (hoverRows > 0 && hoverColumns > 0)
-        emit sizeSelected(hoverRows, hoverColumns);
+    if (hovered.rows > 0 && hovered.columns > 0)
+        emit sizeSelected(hovered.rows, hovered.columns);
     else
         close();
 }
