@@ -10,6 +10,7 @@
 
 #include "API/Camera.h"
 #include "App/Environment.h"
+#include "GUI/Colours.h"
 #include "GUI/StyleBackground.h"
 #include "GUI/StyleSheet.h"
 
@@ -25,16 +26,15 @@ constexpr int cellHeight = 34;
 constexpr int dayPointSize = 10;
 constexpr int markRadius = 14;
 
-const QColor accentColour(62, 183, 253, 240);
+constexpr int selectionAlpha = 240;
 const QColor lineColour(52, 55, 60, 240);
 const QColor greyColour(118, 120, 122);
-const QColor panelColour(41, 44, 49);
 
 QTextCharFormat weekdayFormat()
 {
     QTextCharFormat format;
     format.setForeground(greyColour);
-    format.setBackground(panelColour);
+    format.setBackground(Colours::panel());
     format.setFontCapitalization(QFont::Capitalize);
     return format;
 }
@@ -150,8 +150,8 @@ void CalendarPopup::paintCell(QPainter *painter, const QRect &rect, CalendarDate
     painter->save();
     painter->setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
     if (date == selectedDate()) {
-        painter->setPen(accentColour);
-        painter->setBrush(accentColour);
+        painter->setPen(Colours::accent(selectionAlpha));
+        painter->setBrush(Colours::accent(selectionAlpha));
         painter->drawEllipse(markOf(rect));
     }
     painter->setPen(lineColour);

@@ -4,6 +4,8 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include "GUI/Colours.h"
+
 namespace ZorvaneClient {
 namespace GUI {
 
@@ -19,10 +21,8 @@ constexpr qreal cellHeight = 10;
 constexpr qreal popupRadius = 4.0;
 constexpr qreal cellRadius = 2.0;
 
-const QColor backgroundColor(41, 44, 49, 255);
 const QColor emptyColor(52, 55, 60, 255);
 const QColor currentColor(129, 134, 144, 255);
-const QColor hoverColor(62, 183, 253, 255);
 
 } // namespace
 
@@ -59,12 +59,12 @@ void GridSizeEditor::paintEvent(QPaintEvent *event)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(backgroundColor);
+    painter.setBrush(Colours::panel());
     painter.drawRoundedRect(rect(), popupRadius, popupRadius);
     for (int row = 0; row < maxGridSide; ++row) {
         for (int column = 0; column < maxGridSide; ++column) {
             if (row < hovered.rows && column < hovered.columns)
-                painter.setBrush(hoverColor);
+                painter.setBrush(Colours::accent());
             else if (row < current.rows && column < current.columns)
                 painter.setBrush(currentColor);
             else

@@ -5,6 +5,8 @@
 #include <QFontMetrics>
 #include <QPainter>
 
+#include "GUI/Colours.h"
+
 namespace ZorvaneClient {
 namespace GUI {
 
@@ -16,7 +18,7 @@ constexpr int extraHeight = 4;
 constexpr int pointerHeight = 4;
 constexpr int pointerHalfWidth = 3;
 constexpr qreal cornerRadius = 8;
-const QColor accentColour(62, 183, 253);
+const QColor accentColour = Colours::accent();
 
 const QFont &labelFont()
 {

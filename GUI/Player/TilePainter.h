@@ -7,6 +7,8 @@
 #include <QRect>
 #include <QString>
 
+#include "GUI/Colours.h"
+
 QT_BEGIN_NAMESPACE
 class QPainter;
 QT_END_NAMESPACE
@@ -16,7 +18,7 @@ namespace GUI {
 namespace Player {
 namespace Internal {
 
-constexpr QColor tileBackground(25, 25, 29, 255);
+constexpr QColor tileBackground = Colours::tile();
 
 enum class TileBorder { None, Hover, Selection };
 
