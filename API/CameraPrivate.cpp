@@ -3,11 +3,11 @@
 
 #include <QStandardPaths>
 #include <QStringList>
-#include <QTransform>
 
 #include <algorithm>
 
 #include "API/CloudAPIClient.h"
+#include "API/PreviewImage.h"
 #include "App/ServiceProfile.h"
 #include "App/SettingsKeys.h"
 
@@ -42,10 +42,7 @@ StreamAddress CameraPrivate::streamAddress() const
 
 QPixmap CameraPrivate::oriented(const QPixmap &pixmap) const
 {
-    QTransform transform;
-    transform.scale(mirror ? -1.0 : 1.0, 1.0);
-    transform.rotate(rotation, Qt::ZAxis);
-    return pixmap.transformed(transform, Qt::FastTransformation);
+    return orientedPreview(pixmap, rotation, mirror);
 }
 
 QString CameraPrivate::previewFile() const

@@ -3,13 +3,17 @@
 
 #include <QBuffer>
 #include <QImageReader>
+#include <QTransform>
 
 namespace ZorvaneClient {
 namespace API {
 
 namespace {
+
 constexpr qint64 maximumPixels = 32LL * 1024 * 1024;
-}
+constexpr int fullTurnDegrees = 360;
+
+} // namespace
 
 QPixmap decodePreview(const QByteArray &bytes, const char *format)
 {
@@ -22,6 +26,15 @@ QPixmap decodePreview(const QByteArray &bytes, const char *format)
     QPixmap pixmap;
     pixmap.loadFromData(bytes, format);
     return pixmap;
+}
+
+QPixmap orientedPreview(const QPixmap &preview, int rotation, bool mirror)
+{
+    QTransform transform;
+    transform.scale(mirror ? -1.0 : 1.0, 1.0);
+    // Past a full turn a right angle is no longer exact, and the picture a line of pixels larger.
+    transform.rotate(rotation % fullTurnDegrees, Qt::ZAxis);
+    return preview.transformed(transform, Qt::FastTransformation);
 }
 
 } // namespace API

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "API/StreamAddress.h"
 
+#include "API/StreamQuality.h"
+
 namespace ZorvaneClient {
 namespace API {
 namespace Internal {
 
 namespace {
 
-constexpr int exportQuality = 2;
 const QString playedCodecs = QStringLiteral("&vcodec=h264&vcodec=flv&vcodec=mpeg4&acodec=mp3");
 const QString exportedCodecs = QStringLiteral("&vcodec=flv&vcodec=h264&vcodec=mpeg4&acodec=mp3");
 
@@ -34,7 +35,7 @@ QString StreamAddress::archive(int quality, int speed, qint64 start) const
 
 QString StreamAddress::exported(qint64 start, qint64 end) const
 {
-    return beginning(QStringLiteral("archive"), exportQuality) +
+    return beginning(QStringLiteral("archive"), HighQuality) +
            QStringLiteral("&startTime=%1&endTime=%2&uploadRate=500").arg(start).arg(end) +
            exportedCodecs;
 }

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/CalendarPopup.h"
 
-#include <QFile>
 #include <QHeaderView>
 #include <QLabel>
 #include <QPainter>
@@ -11,7 +10,9 @@
 
 #include "API/Camera.h"
 #include "App/Environment.h"
+#include "GUI/Colours.h"
 #include "GUI/StyleBackground.h"
+#include "GUI/StyleSheet.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -25,22 +26,15 @@ constexpr int cellHeight = 34;
 constexpr int dayPointSize = 10;
 constexpr int markRadius = 14;
 
-const QColor accentColour(62, 183, 253, 240);
+constexpr int selectionAlpha = 240;
 const QColor lineColour(52, 55, 60, 240);
 const QColor greyColour(118, 120, 122);
-const QColor panelColour(41, 44, 49);
-
-QString styleSheetOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
 
 QTextCharFormat weekdayFormat()
 {
     QTextCharFormat format;
     format.setForeground(greyColour);
-    format.setBackground(panelColour);
+    format.setBackground(Colours::panel());
     format.setFontCapitalization(QFont::Capitalize);
     return format;
 }
@@ -156,8 +150,8 @@ void CalendarPopup::paintCell(QPainter *painter, const QRect &rect, CalendarDate
     painter->save();
     painter->setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
     if (date == selectedDate()) {
-        painter->setPen(accentColour);
-        painter->setBrush(accentColour);
+        painter->setPen(Colours::accent(selectionAlpha));
+        painter->setBrush(Colours::accent(selectionAlpha));
         painter->drawEllipse(markOf(rect));
     }
     painter->setPen(lineColour);

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/CameraSettingsDialog.h"
 
-#include <QTransform>
-
 #include "API/Camera.h"
+#include "API/PreviewImage.h"
 #include "GUI/IconButton.h"
 #include "ui_CameraSettingsDialog.h"
 
@@ -55,13 +54,9 @@ void CameraSettingsDialog::showPreview()
         ui->preview->clear();
         return;
     }
-    QTransform transform;
-    transform.scale(mirror ? -1.0 : 1.0, 1.0);
-    // Past a full turn a right angle is no longer exact, and the picture a line of pixels larger.
-    transform.rotate(rotation % fullTurnDegrees, Qt::ZAxis);
     const qreal ratio = devicePixelRatioF();
     QPixmap shown =
-        source.transformed(transform, Qt::FastTransformation)
+        API::orientedPreview(source, rotation, mirror)
             .scaled(ui->preview->size() * ratio, Qt::KeepAspectRatio, Qt::FastTransformation);
     shown.setDevicePixelRatio(ratio);
     ui->preview->setPixmap(shown);

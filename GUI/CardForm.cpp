@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/CardForm.h"
 
+#include "GUI/Colours.h"
 #include "GUI/IconButton.h"
 #include "GUI/IconPixmap.h"
 #include "GUI/Preview.h"
@@ -12,7 +13,6 @@ namespace GUI {
 
 namespace {
 
-const QColor spinnerColor(62, 183, 253);
 const QString stateOnIcon = QStringLiteral(":/roster/icons/rosterCardOn.png");
 const QString stateOffIcon = QStringLiteral(":/roster/icons/rosterCardOff.png");
 
@@ -48,7 +48,7 @@ CardForm::CardForm(QFrame *card, int cardKind) : ui(new Ui::Preview), kind(cardK
 {
     const bool isSeen = card->isVisible();
     ui->setupUi(card);
-    ui->spinnerWidget->setColor(spinnerColor);
+    ui->spinnerWidget->setColor(Colours::accent());
     nameIconButton(ui->previewMenu, SharedTexts::options());
     if (!isSeen)
         return;

@@ -6,7 +6,7 @@
 
 #include "App/Environment.h"
 #include "GUI/QualityItem.h"
-#include "GUI/StyleProperty.h"
+#include "GUI/StyleSheet.h"
 #include "ui_ControlPanel.h"
 
 namespace ZorvaneClient {

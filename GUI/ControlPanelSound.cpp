@@ -5,7 +5,7 @@
 #include "App/Settings.h"
 #include "App/SettingsKeys.h"
 #include "GUI/SharedTexts.h"
-#include "GUI/StyleProperty.h"
+#include "GUI/StyleSheet.h"
 #include "ui_ControlPanel.h"
 
 namespace ZorvaneClient {

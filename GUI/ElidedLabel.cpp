@@ -10,12 +10,13 @@
 
 #include <algorithm>
 
+#include "GUI/Colours.h"
+
 namespace ZorvaneClient {
 namespace GUI {
 
 namespace {
 
-const QColor markColor(62, 183, 253);
 const QColor markedTextColor(25, 25, 29);
 
 int positionOf(const QString &part, const QString &text)
@@ -38,7 +39,7 @@ QVector<QTextLayout::FormatRange> marksIn(const QString &line, const QString &te
     QTextLayout::FormatRange mark;
     mark.start = start;
     mark.length = (end <= kept ? end : static_cast<int>(line.size())) - start;
-    mark.format.setBackground(markColor);
+    mark.format.setBackground(Colours::accent());
     mark.format.setForeground(markedTextColor);
     return {mark};
 }

@@ -36,7 +36,7 @@ void ExportFlow::start()
     tile = panels.grid->player(camera);
     panels.grid->exportArchive(camera, panels.strip->selectionStart(),
                                panels.strip->selectionEnd());
-    // Nothing may be recorded of this camera where the fragment is.
+    // Where nothing of this camera is recorded its tile exports nothing.
     if (tile && tile->isExporting())
         state = State::Exporting;
 }

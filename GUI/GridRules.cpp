@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "API/StreamQuality.h"
+
 namespace ZorvaneClient {
 namespace GUI {
 
@@ -28,8 +30,8 @@ int tileQuality(const GridSize &grid, int rowSpan, int columnSpan)
     const int tileCells = std::max(rowSpan * columnSpan, 1);
     const qint64 share = static_cast<qint64>(grid.rows) * grid.columns / tileCells;
     if (share <= highQualityLimit)
-        return 2;
-    return share <= middleQualityLimit ? 1 : 0;
+        return API::HighQuality;
+    return share <= middleQualityLimit ? API::MiddleQuality : API::LowQuality;
 }
 
 GridSize gridSizeForServer(const GridSize &grid, int cameras, int freeCells)

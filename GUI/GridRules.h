@@ -20,7 +20,7 @@ inline bool operator==(const GridSize &a, const GridSize &b)
     return a.rows == b.rows && a.columns == b.columns;
 }
 
-/// Stream quality, 0 to 2, of a tile: the larger its share of the grid, the better.
+/// The API::StreamQuality of a tile: the larger its share of the grid, the better.
 int tileQuality(const GridSize &grid, int rowSpan, int columnSpan);
 
 /// The size that the grid takes when a server of `cameras` cameras is dropped on it while

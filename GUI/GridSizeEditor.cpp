@@ -4,6 +4,8 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include "GUI/Colours.h"
+
 namespace ZorvaneClient {
 namespace GUI {
 
@@ -19,10 +21,8 @@ constexpr qreal cellHeight = 10;
 constexpr qreal popupRadius = 4.0;
 constexpr qreal cellRadius = 2.0;
 
-const QColor backgroundColor(41, 44, 49, 255);
 const QColor emptyColor(52, 55, 60, 255);
 const QColor currentColor(129, 134, 144, 255);
-const QColor hoverColor(62, 183, 253, 255);
 
 } // namespace
 
@@ -38,8 +38,7 @@ GridSizeEditor::GridSizeEditor(QWidget *parent) : QWidget(parent, Qt::Popup)
 
 void GridSizeEditor::setCurrentSize(int rows, int columns)
 {
-    currentRows = rows;
-    currentColumns = columns;
+    current = {rows, columns};
     update();
 }
 
@@ -60,13 +59,13 @@ void GridSizeEditor::paintEvent(QPaintEvent *event)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(backgroundColor);
+    painter.setBrush(Colours::panel());
     painter.drawRoundedRect(rect(), popupRadius, popupRadius);
     for (int row = 0; row < maxGridSide; ++row) {
         for (int column = 0; column < maxGridSide; ++column) {
-            if (row < hoverRows && column < hoverColumns)
-                painter.setBrush(hoverColor);
-            else if (row < currentRows && column < currentColumns)
+            if (row < hovered.rows && column < hovered.columns)
+                painter.setBrush(Colours::accent());
+            else if (row < current.rows && column < current.columns)
                 painter.setBrush(currentColor);
             else
                 painter.setBrush(emptyColor);
@@ -79,18 +78,17 @@ void GridSizeEditor::paintEvent(QPaintEvent *event)
 
 void GridSizeEditor::mouseMoveEvent(QMouseEvent *event)
 {
-    const GridSize hovered = sizeAt(event->pos(), size());
-    if (hovered.rows == hoverRows && hovered.columns == hoverColumns)
+    const GridSize under = sizeAt(event->pos(), size());
+    if (under == hovered)
         return;
-    hoverRows = hovered.rows;
-    hoverColumns = hovered.columns;
+    hovered = under;
     update();
 }
 
 void GridSizeEditor::mousePressEvent(QMouseEvent *)
 {
-    if (hoverRows > 0 && hoverColumns > 0)
-        emit sizeSelected(hoverRows, hoverColumns);
+    if (hovered.rows > 0 && hovered.columns > 0)
+        emit sizeSelected(hovered.rows, hovered.columns);
     else
         close();
 }

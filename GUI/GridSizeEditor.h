@@ -18,8 +18,8 @@ class GridSizeEditor : public QWidget
 public:
     explicit GridSizeEditor(QWidget *parent = nullptr);
 
-    /// The size under `position` in a popup of `size`; 0 by 0 outside the matrix, and no rows
-    /// above it.
+    /// The size under `position` in a popup of `size`; 0 by 0 outside the matrix, but above it
+    /// only the rows are 0 or less.
     static GridSize sizeAt(const QPoint &position, const QSize &size);
 
 public slots:
@@ -34,10 +34,8 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
 
 private:
-    int currentRows = 0;
-    int currentColumns = 0;
-    int hoverRows = 0;
-    int hoverColumns = 0;
+    GridSize current{0, 0};
+    GridSize hovered{0, 0};
 };
 
 } // namespace GUI

@@ -6,6 +6,7 @@
 
 #include "API/Camera.h"
 #include "API/Layout.h"
+#include "GUI/Colours.h"
 #include "GUI/DragFormats.h"
 
 namespace ZorvaneClient {
@@ -13,13 +14,10 @@ namespace GUI {
 
 namespace {
 
-constexpr int layoutCardKind = 2;
 constexpr QSize pictureSize(640, 480);
 constexpr qreal gridLineWidth = 3.0;
 // A picture 640 by 480 shows no more lines than this; a stored grid can claim any size.
 constexpr int maxPaintedSide = 160;
-const QColor cellColor(25, 25, 29, 255);
-const QColor lineColor(41, 44, 49, 255);
 
 void paintPreviews(QPainter *painter, const API::Layout &layout, const QSize &cellSize)
 {
@@ -44,7 +42,7 @@ void paintPreviews(QPainter *painter, const API::Layout &layout, const QSize &ce
 
 void paintLines(QPainter *painter, const API::Layout &layout, const QSize &cellSize)
 {
-    painter->setPen(QPen(lineColor, gridLineWidth));
+    painter->setPen(QPen(Colours::panel(), gridLineWidth));
     for (int row = 1; row < layout.rows(); ++row)
         painter->drawLine(0, row * cellSize.height(), pictureSize.width(), row * cellSize.height());
     for (int column = 1; column < layout.columns(); ++column)
@@ -55,7 +53,7 @@ void paintLines(QPainter *painter, const API::Layout &layout, const QSize &cellS
 QPixmap pictureOf(const API::Layout &layout)
 {
     QPixmap picture(pictureSize);
-    picture.fill(cellColor);
+    picture.fill(Colours::tile());
     const bool paintable = layout.rows() > 0 && layout.columns() > 0 &&
                            layout.rows() <= maxPaintedSide && layout.columns() <= maxPaintedSide;
     if (!paintable)
@@ -70,7 +68,7 @@ QPixmap pictureOf(const API::Layout &layout)
 
 } // namespace
 
-LayoutCard::LayoutCard(API::LayoutPtr layout, QWidget *parent) : Preview(layoutCardKind, parent)
+LayoutCard::LayoutCard(API::LayoutPtr layout, QWidget *parent) : Preview(KindLayout, parent)
 {
     setObjectName(QStringLiteral("LayoutCard"));
     auto *actions = new QMenu(this);

@@ -24,11 +24,10 @@ constexpr int stretchFactor = 10;
 } // namespace
 
 LayoutListWidget::LayoutListWidget(QWidget *parent)
-    : QWidget(parent), ui(new Ui::LayoutListWidget), client(new API::CloudAPIClient)
+    : QWidget(parent), ui(new Ui::LayoutListWidget), client(new API::CloudAPIClient(this))
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("layoutListWidget"));
-    client->setParent(this);
     cardsLayout = new QVBoxLayout(ui->scrollContent);
     cardsLayout->setSizeConstraint(QLayout::SetMinimumSize);
     cardsLayout->setContentsMargins(0, 0, 0, 0);

@@ -6,6 +6,7 @@
 
 #include "API/Camera.h"
 #include "API/Layout.h"
+#include "GUI/Colours.h"
 #include "GUI/HintStack.h"
 #include "GUI/LayoutWidgetPrivate.h"
 #include "GUI/Retire.h"
@@ -18,7 +19,6 @@ namespace {
 
 constexpr int gridMarginPixels = 2;
 constexpr int gridSpacingPixels = 2;
-const QColor gridBackground(41, 44, 49, 255);
 
 QString folderLink(const QString &folder, const QString &text)
 {
@@ -34,11 +34,12 @@ LayoutWidget::LayoutWidget(QWidget *parent) : QWidget(parent), d(new Internal::L
     setProperty("drop", false);
     // Once a sheet gives the widget a border, or none, its palette no longer fills it.
     setStyleSheet(
-        QStringLiteral("#LayoutWidget { background-color: rgb(41, 44, 49); }"
+        QStringLiteral("#LayoutWidget { background-color: %1; }"
                        "#LayoutWidget[drop=\"true\"] { border: 2px solid rgb(25, 134, 243); }"
-                       "#LayoutWidget[drop=\"false\"] { border: none; }"));
+                       "#LayoutWidget[drop=\"false\"] { border: none; }")
+            .arg(Colours::panel().name()));
     QPalette colours = palette();
-    colours.setColor(QPalette::Window, gridBackground);
+    colours.setColor(QPalette::Window, Colours::panel());
     setPalette(colours);
     setAutoFillBackground(true);
     setAcceptDrops(true);
@@ -139,10 +140,10 @@ void LayoutWidget::saveLayout(QString layoutName)
     d->workingLayout = d->savedLayout;
 }
 
-void LayoutWidget::showSnapshotHint(QString path)
+void LayoutWidget::showSnapshotHint(QString folder)
 {
     d->hints->addNotification(
-        tr("Snapshot saved.") + QLatin1Char(' ') + folderLink(path, tr("Open folder")), false);
+        tr("Snapshot saved.") + QLatin1Char(' ') + folderLink(folder, tr("Open folder")), false);
 }
 
 void LayoutWidget::showExportDoneHint(QString path)

@@ -63,7 +63,7 @@ public slots:
     void enableSound(bool enable);
     /// Lets the quality follow the size of the grid.
     void updateQuality();
-    /// Gives every tile the same quality, 0 to 2.
+    /// Gives every tile the same API::StreamQuality.
     void updateQuality(int quality);
     /// Makes the grid anew; false if it shows just that layout already, and then its tiles only
     /// return to live play. Who hears of a camera that is closed on the way may open another
@@ -102,7 +102,7 @@ protected:
 private slots:
     void onMsecsAdded(qlonglong delta);
     void exchangeCells(int row, int column);
-    void showSnapshotHint(QString path);
+    void showSnapshotHint(QString folder);
     void showExportDoneHint(QString path);
     void showExportErrorHint(QString path);
     void updateHintPositions();

@@ -11,7 +11,7 @@
 #include "GUI/DragFormats.h"
 #include "GUI/GridRules.h"
 #include "GUI/LayoutWidgetPrivate.h"
-#include "GUI/StyleProperty.h"
+#include "GUI/StyleSheet.h"
 
 namespace ZorvaneClient {
 namespace GUI {

@@ -15,18 +15,24 @@ namespace {
 
 const QString localHostAddress = QStringLiteral("127.0.0.1");
 
+/// Shows `dialog` until the user is done. An accepted one can be read until the event loop runs.
+bool isAccepted(const QPointer<LocalServerDialog> &dialog)
+{
+    const int result = dialog->exec();
+    // Its parent can go meanwhile, and takes it along.
+    if (!dialog)
+        return false;
+    dialog->deleteLater();
+    return result == QDialog::Accepted;
+}
+
 } // namespace
 
 API::LocalServerPtr LocalServerDialog::addServer(QWidget *parent)
 {
-    // Its parent can go while the dialog is open, and takes it along.
     const QPointer<LocalServerDialog> dialog = new LocalServerDialog(parent);
     dialog->setWindowTitle(tr("Add a local videoserver"));
-    const int result = dialog->exec();
-    if (!dialog)
-        return API::LocalServerPtr();
-    dialog->deleteLater();
-    if (result != QDialog::Accepted)
+    if (!isAccepted(dialog))
         return API::LocalServerPtr();
     return API::LocalServerPtr::create(dialog->name(), dialog->host(), dialog->port(),
                                        dialog->password());
@@ -39,11 +45,7 @@ void LocalServerDialog::editServer(API::LocalServerPtr server, QWidget *parent)
     const QPointer<LocalServerDialog> dialog = new LocalServerDialog(parent);
     dialog->setWindowTitle(tr("Edit a local videoserver"));
     dialog->fill(*server);
-    const int result = dialog->exec();
-    if (!dialog)
-        return;
-    dialog->deleteLater();
-    if (result != QDialog::Accepted)
+    if (!isAccepted(dialog))
         return;
     API::CloudAPIClient().editLocalServer(server, dialog->name(), dialog->host(), dialog->port(),
                                           dialog->password());

@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "API/Layout.h"
+#include "API/StreamQuality.h"
 #include "App/Environment.h"
 #include "App/Settings.h"
 #include "App/SettingsKeys.h"
@@ -132,17 +133,17 @@ void MainWindow::enableSound(bool enable)
 
 void MainWindow::setLowQuality()
 {
-    layoutWidget->updateQuality(0);
+    layoutWidget->updateQuality(API::LowQuality);
 }
 
 void MainWindow::setMidQuality()
 {
-    layoutWidget->updateQuality(1);
+    layoutWidget->updateQuality(API::MiddleQuality);
 }
 
 void MainWindow::setHighQuality()
 {
-    layoutWidget->updateQuality(2);
+    layoutWidget->updateQuality(API::HighQuality);
 }
 
 void MainWindow::setAutoQuality()

@@ -106,6 +106,7 @@ private slots:
     void saveLayout();
     void cancelLayout();
     void closeCurrentView();
+    /// Asks nothing about unsaved edits.
     void forceCloseView();
 
 private:

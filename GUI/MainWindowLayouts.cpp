@@ -59,8 +59,7 @@ void MainWindow::onCameraAdded(API::CameraPtr camera)
         // A new tile knows nothing of a sound that is switched off.
         tile->enableSound(controlPanel->isSoundEnabled());
     }
-    const API::LayoutPtr layout = layoutWidget->workingLayout();
-    if (layout->rows() == 1 && layout->columns() == 1) {
+    if (cellCount() == 1) {
         infoPanel->enterViewMode();
         infoPanel->setTitle(camera->name());
     }
@@ -100,11 +99,8 @@ void MainWindow::closeCamera(API::CameraPtr camera)
     timeline->removeCamera(camera->globalId());
     archiveControlPanel->clear(camera);
     exportFlow.tilesClosed();
-    const API::LayoutPtr layout = layoutWidget->workingLayout();
-    if (layout && layout->rows() == 1 && layout->columns() == 1) {
-        infoPanel->enterEmptyMode();
-        closeCurrentView();
-    }
+    if (cellCount() == 1)
+        forceCloseView();
 }
 
 void MainWindow::activateCamera(API::CameraPtr camera)
@@ -178,8 +174,7 @@ void MainWindow::openNewLayout()
     const auto layout = API::LayoutPtr::create();
     layout->resize(newLayoutSide, newLayoutSide);
     openLayout(layout);
-    setRosterMode();
-    infoPanel->enterEditMode();
+    startLayoutEditor();
     newLayoutUntouched = true;
 }
 
@@ -218,8 +213,7 @@ void MainWindow::cancelLayout()
     const API::LayoutPtr saved = layoutWidget->savedLayout();
     const API::LayoutPtr working = layoutWidget->workingLayout();
     if (newLayoutUntouched) {
-        infoPanel->enterEmptyMode();
-        closeCurrentView();
+        forceCloseView();
     } else if (saved && working && *saved == *working) {
         infoPanel->enterViewMode();
     } else if (layoutListHolds(saved)) {

@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/Preview.h"
 
-#include <QApplication>
 #include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
 
 #include "GUI/CardForm.h"
-#include "GUI/TiltedDrag.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -16,7 +14,6 @@ namespace {
 
 constexpr QSize cardSize(233, 157);
 constexpr QPoint pressedOffset(2, 2);
-constexpr QPoint notPressed(-1, -1);
 
 const QString cameraIcon = QStringLiteral(":/roster/icons/rosterCardPreviewCam.png");
 const QString noCameraIcon = QStringLiteral(":/roster/icons/rosterCardPreviewNoCam.png");
@@ -165,9 +162,7 @@ void Preview::mouseReleaseEvent(QMouseEvent *event)
 
 void Preview::mouseMoveEvent(QMouseEvent *event)
 {
-    const bool held = event->buttons().testFlag(Qt::LeftButton) && pressPosition != notPressed;
-    const int distance = (event->pos() - pressPosition).manhattanLength();
-    if (!held || distance < QApplication::startDragDistance())
+    if (!startsDrag(*event, pressPosition))
         return;
     QMimeData *mimeData = createMimeData();
     if (!mimeData)

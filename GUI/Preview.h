@@ -8,6 +8,7 @@
 #include <QString>
 
 #include "GUI/CardLook.h"
+#include "GUI/TiltedDrag.h"
 
 class QMenu;
 class QMimeData;
@@ -78,7 +79,7 @@ private:
     QScopedPointer<CardForm> form;
     CardLook look;
     QMenu *actionsMenu = nullptr;
-    QPoint pressPosition{-1, -1};
+    QPoint pressPosition = notPressed;
     QPoint pressedPlace;
     int kind;
 };

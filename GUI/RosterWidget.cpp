@@ -2,7 +2,6 @@
 #include "GUI/RosterWidget.h"
 
 #include <QEvent>
-#include <QFile>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -17,6 +16,7 @@
 #include "GUI/CameraWidget.h"
 #include "GUI/RosterSearch.h"
 #include "GUI/ServerWidget.h"
+#include "GUI/StyleSheet.h"
 #include "GUI/WidgetMap.h"
 #include "GUI/WidgetOrder.h"
 
@@ -28,16 +28,6 @@ namespace {
 constexpr std::chrono::milliseconds pollInterval{20000};
 constexpr int stretchFactor = 10;
 constexpr int preparedCards = 100;
-
-QString styleSheetOf(const QString &resource)
-{
-    QFile file(resource);
-    if (!file.open(QIODevice::ReadOnly)) {
-        qWarning("Cannot read style sheet %s", qUtf8Printable(resource));
-        return QString();
-    }
-    return QString::fromUtf8(file.readAll());
-}
 
 /// By name, the servers that are offline behind all others.
 QList<QWidget *> sortedServers(const QMap<API::server_id_t, ServerWidget *> &servers)

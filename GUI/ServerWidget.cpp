@@ -2,7 +2,6 @@
 #include "GUI/ServerWidget.h"
 
 #include <QAction>
-#include <QApplication>
 #include <QCheckBox>
 #include <QEvent>
 #include <QLabel>
@@ -18,7 +17,6 @@
 #include "GUI/IconButton.h"
 #include "GUI/IconPixmap.h"
 #include "GUI/SharedTexts.h"
-#include "GUI/TiltedDrag.h"
 #include "GUI/WidgetMap.h"
 #include "GUI/WidgetOrder.h"
 #include "ui_ServerWidget.h"
@@ -30,7 +28,6 @@ namespace {
 
 constexpr int cardSpacingPixels = 8;
 constexpr int cardsMarginPixels = 5;
-constexpr QPoint notPressed(-1, -1);
 const QString offlineIcon = QStringLiteral(":/roster/icons/rosterOfflineserver.png");
 
 } // namespace
@@ -227,9 +224,7 @@ void ServerWidget::mousePressEvent(QMouseEvent *event)
 
 void ServerWidget::mouseMoveEvent(QMouseEvent *event)
 {
-    const bool held = event->buttons().testFlag(Qt::LeftButton) && pressPosition != notPressed;
-    const int distance = (event->pos() - pressPosition).manhattanLength();
-    if (!draggable || !held || distance < QApplication::startDragDistance())
+    if (!draggable || !startsDrag(*event, pressPosition))
         return;
     pressPosition = notPressed;
     dragCard(this, serverDrag(shownServer->id()), Qt::MoveAction);

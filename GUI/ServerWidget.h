@@ -9,6 +9,7 @@
 #include <QWidget>
 
 #include "API/Types.h"
+#include "GUI/TiltedDrag.h"
 
 class QLabel;
 class QVBoxLayout;
@@ -85,7 +86,7 @@ private:
     QLabel *noCamerasLabel = nullptr;
     bool savedExpanded = false;
     bool expandSaved = false;
-    QPoint pressPosition{-1, -1};
+    QPoint pressPosition = notPressed;
     bool draggable = true;
     bool addToLayoutEnabled = true;
 };

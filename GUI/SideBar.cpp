@@ -50,6 +50,8 @@ SettingsWidget *SideBar::settingsWidget() const
     return ui->settingsWidget;
 }
 
+// The catalogue has these two texts under QObject.
+
 void SideBar::setRosterMode()
 {
     ui->stack->setCurrentWidget(ui->rosterPage);

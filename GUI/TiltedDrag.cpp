@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/TiltedDrag.h"
 
+#include <QApplication>
 #include <QDrag>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QPixmap>
-#include <QPoint>
 #include <QTransform>
 #include <QWidget>
 
@@ -21,6 +22,13 @@ constexpr QPoint hotSpot(80, 50);
 constexpr int maxCardPictureHeight = 1200;
 
 } // namespace
+
+bool startsDrag(const QMouseEvent &move, QPoint pressPosition)
+{
+    const bool held = move.buttons().testFlag(Qt::LeftButton) && pressPosition != notPressed;
+    const int distance = (move.pos() - pressPosition).manhattanLength();
+    return held && distance >= QApplication::startDragDistance();
+}
 
 QDrag *tiltedDrag(QObject *source, const QPixmap &picture, QMimeData *data)
 {

@@ -3,6 +3,7 @@
 
 #include <QPainter>
 
+#include "GUI/Colours.h"
 #include "GUI/TimelinePrivate.h"
 #include "GUI/TimelineScale.h"
 
@@ -13,8 +14,8 @@ namespace Internal {
 namespace {
 
 const QColor scaleColour(105, 106, 109);
-const QColor bandColour(62, 183, 253, 127);
-const QColor accentColour(62, 183, 253);
+const QColor bandColour = Colours::accent(127);
+const QColor accentColour = Colours::accent();
 const QColor cursorColour(223, 72, 72);
 
 constexpr qreal tickWidth = 0.9;

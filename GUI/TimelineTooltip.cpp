@@ -5,6 +5,8 @@
 #include <QFontMetrics>
 #include <QPainter>
 
+#include "GUI/Colours.h"
+
 namespace ZorvaneClient {
 namespace GUI {
 
@@ -17,7 +19,7 @@ constexpr int margin = 1;
 constexpr int pointerHeight = 4;
 constexpr int pointerHalfWidth = 3;
 constexpr qreal cornerRadius = 8;
-const QColor accentColour(62, 183, 253);
+const QColor accentColour = Colours::accent();
 
 const QFont &labelFont()
 {

@@ -23,9 +23,8 @@ constexpr int borderInset = 1;
 constexpr int rightAngleDegrees = 90;
 constexpr int fullTurnDegrees = 360;
 
-constexpr QColor selectionColor(62, 183, 253, 255);
 constexpr QColor hoverColor(66, 71, 80, 255);
-constexpr QColor dimming(41, 44, 49, 150);
+constexpr QColor dimming = Colours::panel(150);
 
 QPen borderPen(const QColor &color)
 {
@@ -34,7 +33,7 @@ QPen borderPen(const QColor &color)
 
 const QPen &selectionPen()
 {
-    static const QPen pen = borderPen(selectionColor);
+    static const QPen pen = borderPen(Colours::accent());
     return pen;
 }
 

@@ -7,6 +7,8 @@
 #include <QRect>
 #include <QString>
 
+#include "GUI/Colours.h"
+
 class QPainter;
 
 namespace ZorvaneClient {
@@ -14,7 +16,7 @@ namespace GUI {
 namespace Player {
 namespace Internal {
 
-constexpr QColor tileBackground(25, 25, 29, 255);
+constexpr QColor tileBackground = Colours::tile();
 
 enum class TileBorder { None, Hover, Selection };
 

@@ -6,7 +6,7 @@
 
 #include "GUI/Player/CellDrop.h"
 #include "GUI/StyleBackground.h"
-#include "GUI/StyleProperty.h"
+#include "GUI/StyleSheet.h"
 #include "ui_VideoPlaceholder.h"
 
 namespace ZorvaneClient {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Mouse, drag and drop on a tile.
-#include <QApplication>
 #include <QDrag>
 #include <QDragEnterEvent>
 #include <QDropEvent>
@@ -37,10 +36,7 @@ void VideoWidget::mouseReleaseEvent(QMouseEvent *event)
 
 void VideoWidget::mouseMoveEvent(QMouseEvent *event)
 {
-    if (!(event->buttons() & Qt::LeftButton))
-        return;
-    const QPoint moved = event->pos() - QPoint(d->pressX, d->pressY);
-    if (moved.manhattanLength() >= QApplication::startDragDistance())
+    if (startsDrag(*event, QPoint(d->pressX, d->pressY)))
         dragTile();
 }
 

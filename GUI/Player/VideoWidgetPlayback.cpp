@@ -91,7 +91,7 @@ void VideoWidget::setArchiveMode(bool archivePlaying)
 
 void VideoWidget::setQuality(int quality)
 {
-    if (quality < 0 || quality > highestQuality || quality == d->quality)
+    if (quality < API::LowQuality || quality > API::HighQuality || quality == d->quality)
         return;
     d->quality = quality;
     if (!d->archivePlaying)

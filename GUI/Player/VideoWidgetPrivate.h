@@ -9,6 +9,7 @@
 #include <QString>
 #include <QStringList>
 
+#include "API/StreamQuality.h"
 #include "API/Types.h"
 #include "GUI/Player/FrameFile.h"
 #include "GUI/Player/PictureGeometry.h"
@@ -19,8 +20,6 @@ namespace ZorvaneClient {
 namespace GUI {
 namespace Player {
 namespace Internal {
-
-constexpr int highestQuality = 2;
 
 /// The fields of a tile. All of its files read them; each group is written by the one that it
 /// names.
@@ -38,7 +37,7 @@ public:
     // VideoWidgetPlayback.cpp
     bool archivePlaying = false;
     int speed = 1; ///< of the archive; live play leaves it alone
-    int quality = highestQuality;
+    int quality = API::HighQuality;
     QDateTime playbackTime;
     QDateTime baseTime; ///< when the stream began: now for live, the requested start for archive
     QDateTime endTime;

@@ -196,7 +196,7 @@ private slots:
         const QImage upright = image.transformed(QTransform().rotate(-90)); // blue on top
         const CameraPtr camera = makeCamera("10.0.0.5:80"_s);
         camera->setPreview(QPixmap::fromImage(image));
-        camera->setRotation(-90);
+        camera->setRotation(-450); // as -90, to the pixel
         QCOMPARE(camera->preview().toImage(), upright);
         // A picture that comes later is turned in the same way, and mirrored afterwards.
         camera->setPreview(QPixmap::fromImage(image));

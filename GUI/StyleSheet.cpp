@@ -1,12 +1,23 @@
 // SPDX-License-Identifier: MIT
-#include "GUI/StyleProperty.h"
+#include "GUI/StyleSheet.h"
 
+#include <QFile>
 #include <QStyle>
 #include <QVariant>
 #include <QWidget>
 
 namespace ZorvaneClient {
 namespace GUI {
+
+QString styleSheetOf(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        qWarning("Cannot read style sheet %s", qUtf8Printable(path));
+        return QString();
+    }
+    return QString::fromUtf8(file.readAll());
+}
 
 void setStyleProperty(QWidget *widget, const char *name, const QVariant &value)
 {

@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QString>
+
 class QVariant;
 class QWidget;
 
 namespace ZorvaneClient {
 namespace GUI {
+
+/// The sheet in a file of the resources. One that can't be read is empty, with a warning.
+QString styleSheetOf(const QString &path);
 
 /// Sets a property that a style sheet has rules for, and applies the sheet anew: by itself a
 /// sheet looks at properties once only.
