@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -55,8 +57,11 @@ struct HttpReply {
 
     /// A reply without a body.
     static HttpReply refusal(int status);
+    /// Bytes that are no UTF-8 are replaced.
+    static HttpReply json(int status, const nlohmann::json &content);
 };
 
+bool beginsWith(const std::string &text, const std::string &beginning);
 /// Percent-decoding; what is no valid escape stays as it is.
 std::string percentDecoded(const std::string &text);
 /// Items of "a=b&c=d". In a form a plus sign means a space.
