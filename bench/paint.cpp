@@ -54,7 +54,7 @@ double cpuMicroseconds()
 
 API::CameraPtr camera(int number)
 {
-    const auto camera = API::CameraPtr::create();
+    auto camera = API::CameraPtr::create();
     camera->setKind(API::LocalCamera);
     camera->setId(QStringLiteral("127.0.0.1:1"), number);
     camera->setName(QStringLiteral("Camera %1").arg(number));

@@ -127,7 +127,7 @@ struct WallRun {
 
 API::LayoutPtr wallOf(int side)
 {
-    const auto layout = API::LayoutPtr::create();
+    auto layout = API::LayoutPtr::create();
     layout->resize(side, side);
     int cell = 0;
     const auto servers = API::CloudAPIClient::serverList();
@@ -194,8 +194,7 @@ QByteArray record(const API::CameraPtr &camera, int quality, const QTemporaryDir
     QNetworkAccessManager manager;
     QNetworkReply *reply = manager.get(QNetworkRequest(QUrl(camera->liveUrl(quality))));
     QTest::qWait(recordMs);
-    const QByteArray path =
-        QFile::encodeName(folder.filePath(QStringLiteral("q%1.flv").arg(quality)));
+    QByteArray path = QFile::encodeName(folder.filePath(QStringLiteral("q%1.flv").arg(quality)));
     QFile file(QFile::decodeName(path));
     if (file.open(QIODevice::WriteOnly))
         file.write(reply->readAll());

@@ -42,8 +42,9 @@ std::string Demo::bind()
     for (int i = 0; good && i < options.world.lanServers; ++i) {
         const auto at = static_cast<std::size_t>(i);
         lanPorts.push_back(0);
-        good = listen("lan", at < options.lanPorts.size() ? options.lanPorts[at] : 0,
-                      &lanPorts.back(), nullptr, watched(lan));
+        good = listen(HttpRequest::lanListener,
+                      at < options.lanPorts.size() ? options.lanPorts[at] : 0, &lanPorts.back(),
+                      nullptr, watched(lan));
     }
     world.setLanPorts(lanPorts);
     return good ? std::string() : failure;

@@ -162,7 +162,7 @@ HttpReply FlvService::archive(const HttpRequest &request)
     if (!span)
         return HttpReply::refusal(400);
     // The cloud gives no archive away.
-    if (span->isExport() && request.listener != "lan")
+    if (span->isExport() && !request.isForLanServer())
         return HttpReply::refusal(403);
     const Archive archive(result.camera, nowMs());
     const auto record =

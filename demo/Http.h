@@ -15,7 +15,9 @@ namespace ZorvaneDemo {
 
 /// A request as it stood on the wire.
 struct HttpRequest {
-    std::string listener; ///< "api", "streaming", "flv", "lan" or "control"
+    static constexpr const char *lanListener = "lan"; ///< of every LAN server
+
+    std::string listener; ///< "api", "streaming", "flv", `lanListener` or "control"
     std::string method;
     std::string path;                                         ///< undecoded, without the query
     std::string query;                                        ///< undecoded
@@ -28,6 +30,7 @@ struct HttpRequest {
     /// values as they are.
     std::map<std::string, std::string> parameters() const;
     std::string header(const std::string &name) const;
+    bool isForLanServer() const { return listener == lanListener; }
 };
 
 /// Takes bytes of a reply's body.

@@ -21,7 +21,8 @@ namespace {
 // A minute at this rate is a whole number of MP3 frames of 1152 samples: the loop has no seam.
 constexpr int sampleRate = 48'000;
 constexpr int samplesPerFrame = 1152;
-constexpr int framesPerMinute = secondsPerMinute * sampleRate / samplesPerFrame;
+constexpr int samplesPerMinute = secondsPerMinute * sampleRate;
+constexpr int framesPerMinute = samplesPerMinute / samplesPerFrame;
 constexpr int bitRate = 48'000;
 constexpr int chimePeriod = 10 * sampleRate;
 constexpr double pi = 3.14159265358979323846;
@@ -35,8 +36,7 @@ public:
         state = state * 1664525u + 1013904223u;
         const double noise = static_cast<double>(state >> 8) / (1 << 23) - 1.0;
         low += 0.012 * (noise - low);
-        const double minute =
-            static_cast<double>(sample % (secondsPerMinute * sampleRate)) / sampleRate;
+        const double minute = static_cast<double>(sample % samplesPerMinute) / sampleRate;
         double value = low * 0.35 * (1.0 + 0.4 * std::sin(2 * pi * minute / 20));
         const double chime = static_cast<double>(sample % chimePeriod) / sampleRate;
         if (chime < 1.5)

@@ -138,7 +138,7 @@ void VideoEncoder::paintFixedLines()
     for (int plane = 0; plane < 3; ++plane) {
         const int lines = plane == 0 ? codedHeight : codedHeight / 2;
         for (int y = 0; y < lines; ++y)
-            std::memset(frame->data[plane] + y * frame->linesize[plane], placeholder[plane],
+            std::memset(codedLine(plane, y), placeholder[plane],
                         static_cast<std::size_t>(lineBytes(plane)));
     }
 }
@@ -151,7 +151,12 @@ int VideoEncoder::lineBytes(int plane) const
 std::uint8_t *VideoEncoder::line(int plane, int y)
 {
     const int top = plane == 0 ? cropTop : cropTop / 2;
-    return frame->data[plane] + (y + top) * frame->linesize[plane];
+    return codedLine(plane, y + top);
+}
+
+std::uint8_t *VideoEncoder::codedLine(int plane, int y)
+{
+    return frame->data[plane] + std::ptrdiff_t(y) * frame->linesize[plane];
 }
 
 int VideoEncoder::sceneHeight() const

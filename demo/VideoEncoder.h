@@ -31,6 +31,7 @@ public:
 private:
     bool open(int framesPerSecond);
     int lineBytes(int plane) const;
+    std::uint8_t *codedLine(int plane, int y);
     void paintFixedLines();
     bool receive();
     bool take(const AVPacket *packet);
