@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "bench/Measure.h"
 #include "companion/AvHandles.h"
 
 extern "C" {
@@ -17,7 +18,6 @@ using namespace Companion;
 
 namespace {
 
-constexpr int measuredPictures = 200;
 constexpr long pictureNanoseconds = 40'000'000;
 constexpr long secondNanoseconds = 1'000'000'000;
 
@@ -65,22 +65,15 @@ double decodeFile(const QByteArray &path, Pace pace)
             avcodec_send_packet(codec.get(), packet.get());
             while (avcodec_receive_frame(codec.get(), frame.get()) >= 0) {
                 if (++pictures == 0)
-                    started = millisecondsOf(CLOCK_PROCESS_CPUTIME_ID);
+                    started = cpuMilliseconds();
             }
         }
         av_packet_unref(packet.get());
     }
-    return pictures > 0 ? (millisecondsOf(CLOCK_PROCESS_CPUTIME_ID) - started) / pictures : 0;
+    return pictures > 0 ? (cpuMilliseconds() - started) / pictures : 0;
 }
 
 } // namespace
-
-double millisecondsOf(clockid_t clock)
-{
-    timespec time = {};
-    clock_gettime(clock, &time);
-    return time.tv_sec * 1e3 + time.tv_nsec / 1e6;
-}
 
 double decodeMilliseconds(const QByteArray &path, Pace pace)
 {

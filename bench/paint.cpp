@@ -11,7 +11,6 @@
 #include <QGridLayout>
 #include <QImage>
 #include <QPainter>
-#include <QTemporaryDir>
 #include <QTextStream>
 #include <QTimer>
 #include <QVector>
@@ -22,12 +21,12 @@
 #include <thread>
 #include <vector>
 
-#include <time.h>
-
 #include "API/Camera.h"
 #include "GUI/Player/PictureGeometry.h"
 #include "GUI/Player/VideoWidget.h"
-#include "tests/support/LogCapture.h"
+#include "bench/Measure.h"
+#include "bench/PaintCounter.h"
+#include "bench/QuietRun.h"
 #include "tests/support/ScriptedChild.h"
 
 using namespace ZorvaneClient;
@@ -50,27 +49,12 @@ constexpr double wantedRatio = 1.3;
 
 double cpuMicroseconds()
 {
-    timespec time;
-    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return time.tv_sec * 1e6 + time.tv_nsec / 1e3;
+    return 1e3 * Bench::cpuMilliseconds();
 }
-
-class PaintCounter : public QObject
-{
-public:
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        paints += event->type() == QEvent::Paint;
-        return false;
-    }
-};
 
 API::CameraPtr camera(int number)
 {
-    const auto camera = API::CameraPtr::create();
+    auto camera = API::CameraPtr::create();
     camera->setKind(API::LocalCamera);
     camera->setId(QStringLiteral("127.0.0.1:1"), number);
     camera->setName(QStringLiteral("Camera %1").arg(number));
@@ -148,7 +132,7 @@ private:
         }
     }
 
-    PaintCounter counter;
+    Bench::PaintCounter counter;
     QWidget window;
     QVector<VideoWidget *> tiles;
 };
@@ -220,16 +204,13 @@ Costs measure(int side)
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const Bench::QuietRun surroundings;
     QApplication application(argc, argv);
     if (application.arguments().size() > 1) {
         QTextStream(stderr) << "usage: bench_paint\n";
         return 2;
     }
-    const QTemporaryDir folder; // away from the frame files of other processes
-    qputenv("TMPDIR", QFile::encodeName(folder.path()));
-    const Tests::LogCapture log; // keeps the tiles' debug lines off the table
+    qputenv("TMPDIR", QFile::encodeName(QDir::currentPath())); // only its own frame files
     const Tests::ScriptedChild child({QStringLiteral("solid 640 360 ff0000ff"),
                                       QStringLiteral("print size 640 360\\n"),
                                       QStringLiteral("pace %1 frame\\n").arg(framesPerSecond)});

@@ -10,27 +10,24 @@
 #include <time.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <optional>
 #include <vector>
 
 #include "bench/DecodeLoop.h"
+#include "bench/Measure.h"
 #include "tests/support/FlvClip.h"
 #include "tests/support/PlayerProcess.h"
 #include "tests/support/StreamServer.h"
 
 using namespace ZorvaneClient::Tests;
-using ZorvaneClient::Bench::decodeMilliseconds;
-using ZorvaneClient::Bench::millisecondsOf;
-using ZorvaneClient::Bench::Pace;
+using namespace ZorvaneClient::Bench;
 
 namespace {
 
 constexpr int runs = 5;
 constexpr int startRuns = 9;
 constexpr int clipMilliseconds = 9000;
-constexpr int measuredPictures = 200;
 constexpr int runLimitMilliseconds = 30'000;
 
 constexpr double maxCpuRatio = 1.15;
@@ -43,24 +40,6 @@ struct PlayerRun {
     double firstFrameMilliseconds = 0;
 };
 
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
-}
-
-double peakMebibytes(qint64 pid)
-{
-    QFile status(QStringLiteral("/proc/%1/status").arg(pid));
-    if (!status.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith("VmHWM:"))
-            return line.mid(6).simplified().split(' ').first().toDouble() / 1024;
-    }
-    return 0;
-}
-
 /// Plays until `pictures` have come; nothing if they don't.
 std::optional<PlayerRun> play(const StreamServer &server, int pictures)
 {
@@ -72,14 +51,14 @@ std::optional<PlayerRun> play(const StreamServer &server, int pictures)
     bool complete = false;
     QObject::connect(&player, &PlayerProcess::frameShown, &loop, [&] {
         if (player.frames() == 1)
-            started = millisecondsOf(cpuClock);
+            started = cpuMilliseconds(cpuClock);
         if (player.frames() < pictures || complete)
             return;
         complete = true;
         run.firstFrameMilliseconds = static_cast<double>(player.firstFrameTime());
         if (pictures > 1)
-            run.cpuMilliseconds = (millisecondsOf(cpuClock) - started) / (pictures - 1);
-        run.mebibytes = peakMebibytes(player.pid());
+            run.cpuMilliseconds = (cpuMilliseconds(cpuClock) - started) / (pictures - 1);
+        run.mebibytes = mebibytesOf(QString::number(player.pid()), "status", "VmHWM");
         loop.quit();
     });
     QTimer::singleShot(runLimitMilliseconds, &loop, &QEventLoop::quit);

@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
 // What the roster view costs at 100, 1,000 and 5,000 cameras: the first fill of a shown
-// window until it is painted, a refresh without change, a refresh after which one camera
-// of each server stands elsewhere, one paint of the scrolled list, and memory. Exit status 1 when a
-// limit is passed. Nothing leaves the machine: the service is a port of loopback that nobody
-// serves.
+// window until it is painted, a refresh without change, a refresh after which one camera of each
+// server stands elsewhere, one paint of the scrolled list, and memory. Exit status 1 when a limit
+// is passed. Nothing leaves the machine: the service is a port of loopback that nobody serves.
 #include <QApplication>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QRegularExpression>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -21,9 +17,12 @@
 #include "App/ServiceProfile.h"
 #include "GUI/CameraWidget.h"
 #include "GUI/RosterWidget.h"
+#include "bench/Measure.h"
 #include "bench/QuietRun.h"
 
 using namespace ZorvaneClient;
+using Bench::bestMilliseconds;
+using Bench::millisecondsOf;
 
 namespace {
 
@@ -50,34 +49,9 @@ struct Row {
     double memoryMiB = 0;
 };
 
-double millisecondsOf(const std::function<void()> &work)
-{
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
-}
-
-/// The best of some runs, since others share the machine. `prepare` comes before each run
-/// and is not measured.
-double bestMilliseconds(
-    const std::function<void()> &work, const std::function<void()> &prepare = [] {})
-{
-    std::vector<double> times;
-    for (int i = 0; i < repetitions; ++i) {
-        prepare();
-        times.push_back(millisecondsOf(work));
-    }
-    return *std::min_element(times.begin(), times.end());
-}
-
 double residentMiB()
 {
-    QFile file(QStringLiteral("/proc/self/status"));
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    const QRegularExpression line(QStringLiteral("VmRSS:\\s+(\\d+) kB"));
-    return line.match(QString::fromLatin1(file.readAll())).captured(1).toDouble() / 1024;
+    return Bench::mebibytesOf(QStringLiteral("self"), "status", "VmRSS");
 }
 
 QVariantMap cameraJson(int id, bool online, const QString &name)
@@ -152,14 +126,14 @@ Row measure(int cameras, int perServer)
         roster.updateRoster();
         settle();
     };
-    row.refreshMs = bestMilliseconds(refresh);
-    row.paintMs = bestMilliseconds([&] {
+    row.refreshMs = bestMilliseconds(repetitions, refresh);
+    row.paintMs = bestMilliseconds(repetitions, [&] {
         QScrollBar *bar = roster.verticalScrollBar();
         bar->setValue((bar->value() + bar->pageStep()) % (bar->maximum() + 1));
         settle();
     });
     bool moved = false;
-    row.moveMs = bestMilliseconds(refresh, [&] {
+    row.moveMs = bestMilliseconds(repetitions, refresh, [&] {
         moved = !moved;
         takeRoster(rosterJson(cameras, perServer, moved ? QStringLiteral("Zebra") : first));
     });

@@ -10,6 +10,9 @@
 #include <vector>
 
 #include "bench/FirstPaint.h"
+#include "bench/Measure.h"
+
+using ZorvaneClient::Bench::median;
 
 namespace {
 
@@ -38,13 +41,6 @@ std::optional<double> startOnce(const Program &program)
     if (!parsed)
         return std::nullopt;
     return static_cast<double>(painted - before) / 1e6;
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    const size_t middle = values.size() / 2;
-    return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
 }
 
 void printRow(const Program &program)

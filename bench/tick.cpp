@@ -6,7 +6,6 @@
 #include <QTest>
 
 #include <cstdio>
-#include <ctime>
 
 #include "API/Camera.h"
 #include "API/Layout.h"
@@ -15,11 +14,13 @@
 #include "GUI/LayoutWidget.h"
 #include "GUI/MainWindow.h"
 #include "GUI/Timeline.h"
+#include "bench/Measure.h"
 #include "bench/QuietRun.h"
 #include "tests/GUI/ArchiveWorld.h"
 #include "tests/support/ScriptedChild.h"
 
 using namespace ZorvaneClient;
+using Bench::cpuMilliseconds;
 
 namespace {
 
@@ -31,13 +32,6 @@ constexpr int replyLimitMs = 60'000;
 constexpr double tickLimitMs = 1;
 
 const QDate day(2026, 3, 10);
-
-double cpuMs()
-{
-    timespec time = {};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return time.tv_sec * 1e3 + time.tv_nsec / 1e6;
-}
 
 QDateTime jumpTo(int number)
 {
@@ -74,21 +68,21 @@ int main(int argc, char **argv)
     if (!QTest::qWaitFor([&] { return updated.size() >= side * side; }, replyLimitMs))
         return 1;
 
-    const double beforeJumps = cpuMs();
+    const double beforeJumps = cpuMilliseconds();
     for (int number = 0; number < jumps; ++number) {
         window.onPlayArchive(jumpTo(number));
         QCoreApplication::processEvents();
     }
-    const double jumpMs = (cpuMs() - beforeJumps) / jumps;
+    const double jumpMs = (cpuMilliseconds() - beforeJumps) / jumps;
 
-    const double beforeTicks = cpuMs();
+    const double beforeTicks = cpuMilliseconds();
     for (int tick = 0; tick < ticks; ++tick)
         window.playArchive();
-    const double tickMs = (cpuMs() - beforeTicks) / ticks;
+    const double tickMs = (cpuMilliseconds() - beforeTicks) / ticks;
 
-    const double beforeIdle = cpuMs();
+    const double beforeIdle = cpuMilliseconds();
     QTest::qWait(idleMs);
-    const double idleShare = (cpuMs() - beforeIdle) / idleMs;
+    const double idleShare = (cpuMilliseconds() - beforeIdle) / idleMs;
 
     const bool good = tickMs <= tickLimitMs;
     std::printf("%d tiles, %d jumps in a row; CPU of the client\n", side * side, jumps);

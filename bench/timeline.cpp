@@ -4,23 +4,23 @@
 // the playlist of a click. Exit status 1 when a limit is passed. The cameras get their records
 // from a LAN server on loopback.
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QMouseEvent>
 #include <QSignalSpy>
 #include <QTest>
 
-#include <algorithm>
 #include <cstdio>
-#include <functional>
 #include <vector>
 
 #include "API/Camera.h"
 #include "App/Application.h"
 #include "GUI/Timeline.h"
+#include "bench/Measure.h"
 #include "bench/QuietRun.h"
 #include "tests/GUI/ArchiveWorld.h"
 
 using namespace ZorvaneClient;
+using Bench::bestMilliseconds;
+using Bench::millisecondsOf;
 
 namespace {
 
@@ -45,23 +45,6 @@ struct Measured {
     double zoomMs = 0;
     double playlistMs = 0;
 };
-
-double millisecondsOf(const std::function<void()> &work)
-{
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
-}
-
-/// The best of some runs, since others share the machine.
-double bestMilliseconds(const std::function<void()> &work)
-{
-    std::vector<double> times;
-    for (int i = 0; i < repetitions; ++i)
-        times.push_back(millisecondsOf(work));
-    return *std::min_element(times.begin(), times.end());
-}
 
 void hover(GUI::Timeline &timeline, int x)
 {
@@ -108,20 +91,20 @@ Measured measure(Tests::ArchiveWorld &world, const QList<API::CameraPtr> &camera
         world.load(camera, day); // new lists of the same records
     timeline.setUpdatesEnabled(true);
     row.firstMs = millisecondsOf([&] { timeline.repaint(); });
-    row.renderMs = bestMilliseconds([&] {
+    row.renderMs = bestMilliseconds(repetitions, [&] {
         timeline.setActiveCameraId(active);
         timeline.repaint();
     });
     int x = 0;
-    row.hoverMs = bestMilliseconds([&] { hover(timeline, 100 + 10 * ++x); });
+    row.hoverMs = bestMilliseconds(repetitions, [&] { hover(timeline, 100 + 10 * ++x); });
     bool inside = false;
-    row.zoomMs = bestMilliseconds([&] {
+    row.zoomMs = bestMilliseconds(repetitions, [&] {
         inside = !inside;
         timeline.zoom(inside ? zoomedInLevel : 0);
         timeline.repaint();
     });
-    row.playlistMs =
-        bestMilliseconds([&] { timeline.playlistForCameras(QDateTime(day, QTime(12, 0))); });
+    row.playlistMs = bestMilliseconds(
+        repetitions, [&] { timeline.playlistForCameras(QDateTime(day, QTime(12, 0))); });
     return row;
 }
 

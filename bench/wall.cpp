@@ -32,6 +32,8 @@
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
 #include "bench/DecodeLoop.h"
+#include "bench/Measure.h"
+#include "bench/PaintCounter.h"
 #include "demo/client/DemoService.h"
 #include "tests/e2e/EndToEnd.h"
 
@@ -45,6 +47,8 @@ constexpr int framesPerSecond = 25;
 constexpr int warmUpMs = 3000;
 constexpr int measuredMs = 10000;
 constexpr int openLimitMs = 60000;
+constexpr int signInLimitMs = 20000;
+constexpr int serverCount = 4;
 constexpr int stallProbeMs = 5;
 constexpr int recordMs = 9000;
 constexpr QSize windowSize(1900, 1100);
@@ -53,20 +57,6 @@ constexpr double maxCpuRatioAtNine = 1.3;
 constexpr double minShownShareAtSixteen = 0.95;
 constexpr int maxStallMs = 50;
 constexpr int maxOpenMsAtThirtySix = 3000;
-
-/// Counts the pictures that the tiles of a window paint.
-class PaintCounter : public QObject
-{
-public:
-    qint64 paints = 0;
-
-    bool eventFilter(QObject *object, QEvent *event) override
-    {
-        if (event->type() == QEvent::Paint)
-            ++paints;
-        return QObject::eventFilter(object, event);
-    }
-};
 
 /// The longest time between two turns of the event loop.
 class StallProbe : public QObject
@@ -109,19 +99,11 @@ double cpuMsOf(qint64 pid)
 
 double pssMebibytesOf(const QString &pid)
 {
-    QFile file(QStringLiteral("/proc/%1/smaps_rollup").arg(pid));
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> lines = file.readAll().split('\n');
-    for (const QByteArray &line : lines) {
-        if (line.startsWith("Pss:"))
-            return line.simplified().split(' ').value(1).toDouble() / 1024.0;
-    }
-    return 0;
+    return Bench::mebibytesOf(pid, "smaps_rollup", "Pss");
 }
 
 struct Usage {
-    double cpuMs = millisecondsOf();
+    double cpuMs = Bench::cpuMilliseconds();
     double pssMebibytes = pssMebibytesOf(QStringLiteral("self"));
 
     explicit Usage(const QList<qint64> &children)
@@ -131,9 +113,6 @@ struct Usage {
             pssMebibytes += pssMebibytesOf(QString::number(child));
         }
     }
-
-private:
-    static double millisecondsOf() { return Bench::millisecondsOf(CLOCK_PROCESS_CPUTIME_ID); }
 };
 
 struct WallRun {
@@ -148,7 +127,7 @@ struct WallRun {
 
 API::LayoutPtr wallOf(int side)
 {
-    const auto layout = API::LayoutPtr::create();
+    auto layout = API::LayoutPtr::create();
     layout->resize(side, side);
     int cell = 0;
     const auto servers = API::CloudAPIClient::serverList();
@@ -190,7 +169,7 @@ WallRun measure(int side, int quality)
     run.openMs = opened.elapsed();
 
     QTest::qWait(warmUpMs);
-    PaintCounter counter;
+    Bench::PaintCounter counter;
     for (VideoWidget *tile : tiles)
         tile->installEventFilter(&counter);
     StallProbe stalls;
@@ -198,10 +177,9 @@ WallRun measure(int side, int quality)
     QElapsedTimer measured;
     measured.start();
     const Usage before(children);
-    const qint64 paintsBefore = counter.paints;
     QTest::qWait(measuredMs);
     const Usage after(children);
-    const double shown = static_cast<double>(counter.paints - paintsBefore);
+    const double shown = counter.paints;
     const double sent = measured.elapsed() / 1000.0 * framesPerSecond * run.tiles;
     run.cpuMsAPicture = (after.cpuMs - before.cpuMs) / std::max(shown, 1.0);
     run.pssMebibytesATile = after.pssMebibytes / run.tiles;
@@ -216,8 +194,7 @@ QByteArray record(const API::CameraPtr &camera, int quality, const QTemporaryDir
     QNetworkAccessManager manager;
     QNetworkReply *reply = manager.get(QNetworkRequest(QUrl(camera->liveUrl(quality))));
     QTest::qWait(recordMs);
-    const QByteArray path =
-        QFile::encodeName(folder.filePath(QStringLiteral("q%1.flv").arg(quality)));
+    QByteArray path = QFile::encodeName(folder.filePath(QStringLiteral("q%1.flv").arg(quality)));
     QFile file(QFile::decodeName(path));
     if (file.open(QIODevice::WriteOnly))
         file.write(reply->readAll());
@@ -253,7 +230,7 @@ int main(int argc, char **argv)
     DemoService service;
     DemoService::Options options;
     options.plain = true;
-    options.servers = 4;
+    options.servers = serverCount;
     options.cameras = 36;
     options.fullRate = true;
     options.lanServers = 0;
@@ -262,7 +239,8 @@ int main(int argc, char **argv)
         return 1;
     }
     useService(service);
-    if (!enter(service) || !QTest::qWaitFor([] { return serverWidgets().size() == 4; }, 20000)) {
+    const auto hasServers = [] { return serverWidgets().size() == serverCount; };
+    if (!enter(service) || !QTest::qWaitFor(hasServers, signInLimitMs)) {
         std::fprintf(stderr, "cannot sign in to the demo service\n");
         return 1;
     }

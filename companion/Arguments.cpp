@@ -35,6 +35,19 @@ void appendEscaped(std::string &text, unsigned char byte)
     text += digits[byte & 15];
 }
 
+/// Every byte but letters, digits and "-._~" as %XX.
+std::string percentEncoded(const std::string &text)
+{
+    std::string encoded;
+    for (const unsigned char byte : text) {
+        if (byte < 128 && (std::isalnum(byte) || std::strchr("-._~", byte)) && byte != 0)
+            encoded += static_cast<char>(byte);
+        else
+            appendEscaped(encoded, byte);
+    }
+    return encoded;
+}
+
 bool isBareName(const std::string &name)
 {
     return !name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos;
@@ -104,18 +117,6 @@ bool hasScheme(const std::string &url)
     return colon != std::string::npos && colon > 0 &&
            std::all_of(url.begin(), url.begin() + static_cast<std::ptrdiff_t>(colon),
                        [](unsigned char c) { return std::isalnum(c) || std::strchr("+-.", c); });
-}
-
-std::string percentEncoded(const std::string &text)
-{
-    std::string encoded;
-    for (const unsigned char byte : text) {
-        if (byte < 128 && (std::isalnum(byte) || std::strchr("-._~", byte)) && byte != 0)
-            encoded += static_cast<char>(byte);
-        else
-            appendEscaped(encoded, byte);
-    }
-    return encoded;
 }
 
 std::string requestSafe(const std::string &url)

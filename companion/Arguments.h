@@ -25,9 +25,6 @@ std::optional<Arguments> parseArguments(const std::vector<std::string> &argument
 /// "scheme://" at the front.
 bool hasScheme(const std::string &url);
 
-/// Every byte but letters, digits and "-._~" as %XX.
-std::string percentEncoded(const std::string &text);
-
 /// Blanks, control bytes, quotes and bytes over 126 as %XX; the rest as it stands.
 std::string requestSafe(const std::string &url);
 

@@ -24,7 +24,6 @@ constexpr auto leadTime = milliseconds(250);
 constexpr auto tolerance = milliseconds(120);
 /// Farther ahead is a broken time stamp.
 constexpr auto maxAhead = milliseconds(5000);
-constexpr int fullVolume = 100;
 /// The resampler takes 3 dB from what it puts on both channels.
 constexpr double monoVolume = M_SQRT2;
 
@@ -114,29 +113,36 @@ bool AudioPlayer::placeInTime(const AVFrame &sound)
     return true;
 }
 
-bool AudioPlayer::resample(const AVFrame &sound)
+/// Keeps the one at hand for as long as the sound stays of one kind.
+bool AudioPlayer::setUpResampler(const AVFrame &sound)
 {
     const auto sampleFormat = static_cast<AVSampleFormat>(sound.format);
     const int soundChannels = sound.ch_layout.nb_channels;
-    if (!resampler || sampleFormat != resamplerFormat || sound.sample_rate != resamplerRate ||
-        soundChannels != resamplerChannels) {
-        AVChannelLayout stereo = AV_CHANNEL_LAYOUT_STEREO;
-        AVChannelLayout given = sound.ch_layout; // the library only reads it
-        SwrContext *context = nullptr;
-        const int result =
-            swr_alloc_set_opts2(&context, &stereo, AV_SAMPLE_FMT_S16, sound.sample_rate, &given,
-                                sampleFormat, sound.sample_rate, 0, nullptr);
-        resampler.reset(context);
-        if (result >= 0 && soundChannels == 1)
-            av_opt_set_double(context, "rematrix_volume", monoVolume, 0);
-        if (result < 0 || swr_init(context) < 0) {
-            resampler.reset();
-            return false;
-        }
-        resamplerFormat = sampleFormat;
-        resamplerRate = sound.sample_rate;
-        resamplerChannels = soundChannels;
+    if (resampler && sampleFormat == resamplerFormat && sound.sample_rate == resamplerRate &&
+        soundChannels == resamplerChannels)
+        return true;
+    AVChannelLayout stereo = AV_CHANNEL_LAYOUT_STEREO;
+    AVChannelLayout given = sound.ch_layout; // the library only reads it
+    SwrContext *context = nullptr;
+    const int result = swr_alloc_set_opts2(&context, &stereo, AV_SAMPLE_FMT_S16, sound.sample_rate,
+                                           &given, sampleFormat, sound.sample_rate, 0, nullptr);
+    resampler.reset(context);
+    if (result >= 0 && soundChannels == 1)
+        av_opt_set_double(context, "rematrix_volume", monoVolume, 0);
+    if (result < 0 || swr_init(context) < 0) {
+        resampler.reset();
+        return false;
     }
+    resamplerFormat = sampleFormat;
+    resamplerRate = sound.sample_rate;
+    resamplerChannels = soundChannels;
+    return true;
+}
+
+bool AudioPlayer::resample(const AVFrame &sound)
+{
+    if (!setUpResampler(sound))
+        return false;
     samples.resize(static_cast<size_t>(sound.nb_samples) * AudioOutput::channels);
     auto *bytes = reinterpret_cast<uint8_t *>(samples.data());
     const int converted =
@@ -151,10 +157,10 @@ bool AudioPlayer::resample(const AVFrame &sound)
 void AudioPlayer::applyVolume()
 {
     const int volume = controls.volume();
-    if (volume == fullVolume)
+    if (volume == Controls::maxVolume)
         return;
     for (int16_t &sample : samples)
-        sample = static_cast<int16_t>(sample * volume / fullVolume);
+        sample = static_cast<int16_t>(sample * volume / Controls::maxVolume);
 }
 
 } // namespace Companion

@@ -31,6 +31,7 @@ private:
     bool openDecoder(const std::shared_ptr<const StreamFormat> &newFormat);
     void play(const AVFrame &sound);
     bool placeInTime(const AVFrame &sound);
+    bool setUpResampler(const AVFrame &sound);
     bool resample(const AVFrame &sound);
     void applyVolume();
 

@@ -15,8 +15,6 @@ namespace Companion {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr size_t maxLineBytes = 1024;
 const std::string volumeCommand = "volume ";
 
@@ -38,10 +36,10 @@ CommandInput::CommandInput(int descriptor, Controls &sharedControls)
 
 void CommandInput::run()
 {
-    lastPing = Clock::now();
+    lastPing = controls.elapsed();
     for (;;) {
         const auto left =
-            std::chrono::ceil<std::chrono::milliseconds>(lastPing + pingLimit - Clock::now());
+            std::chrono::ceil<std::chrono::milliseconds>(lastPing + pingLimit - controls.elapsed());
         if (left.count() <= 0)
             return;
         pollfd entry = {fd, POLLIN, 0};
@@ -84,7 +82,7 @@ void CommandInput::takeLines()
 void CommandInput::obey(const std::string &line)
 {
     if (line == "ping") {
-        lastPing = Clock::now();
+        lastPing = controls.elapsed();
     } else if (line == "pause") {
         controls.setPaused(true);
     } else if (line == "unpause") {

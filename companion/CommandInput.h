@@ -30,7 +30,7 @@ private:
     Controls &controls;
     std::string buffer;
     bool discarding = false;
-    std::chrono::steady_clock::time_point lastPing;
+    std::chrono::microseconds lastPing{0}; ///< by the controls' clock, pauses counted
 };
 
 } // namespace Companion

@@ -6,12 +6,6 @@
 namespace ZorvaneClient {
 namespace Companion {
 
-namespace {
-
-constexpr long maxVolume = 100;
-
-} // namespace
-
 void Controls::setPaused(bool pause)
 {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -28,7 +22,7 @@ void Controls::setPaused(bool pause)
 void Controls::setVolume(long volume)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    currentVolume = static_cast<int>(std::clamp(volume, 0L, maxVolume));
+    currentVolume = static_cast<int>(std::clamp<long>(volume, 0, maxVolume));
     changed.notify_all();
 }
 

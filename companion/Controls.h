@@ -17,8 +17,10 @@ public:
     /// Playing time since the start of the program, without the pauses.
     using Time = std::chrono::microseconds;
 
+    static constexpr int maxVolume = 100;
+
     void setPaused(bool paused);
-    /// 0 to 100; what lies outside is clamped.
+    /// 0 to `maxVolume`; what lies outside is clamped.
     void setVolume(long volume);
 
     bool isPaused() const;

@@ -8,27 +8,29 @@ namespace Companion {
 
 namespace {
 
+using Duration = ExportTimeline::Duration;
+
 /// Between packets that are farther apart there may be a gap, unless pictures are rare anyway.
-constexpr int64_t shortestGap = 1000;
-constexpr int64_t gapInSteps = 4;
+constexpr auto shortestGap = Duration(1000);
+constexpr int gapInSteps = 4;
 constexpr size_t rememberedSteps = 9;
-constexpr int64_t ordinaryStep = 40;
+constexpr auto ordinaryStep = Duration(40);
 /// Stamps of one camera go back a little when its clock is set.
-constexpr int64_t clockCorrection = 200;
+constexpr auto clockCorrection = Duration(200);
 /// By this much the file may get longer than what is recorded.
-constexpr int64_t lengthTolerance = 1000;
+constexpr auto lengthTolerance = Duration(1000);
+constexpr auto moment = Duration(1);
 
 } // namespace
 
 ExportTimeline::ExportTimeline(Duration recordedLength, std::optional<Duration> knownSilence)
-    : recorded(recordedLength.count())
+    : recorded(recordedLength), silence(knownSilence)
 {
-    if (knownSilence)
-        silence = knownSilence->count();
 }
 
-int64_t ExportTimeline::place(Kind kind, int64_t stamp)
+int64_t ExportTimeline::place(Kind kind, int64_t stampMilliseconds)
 {
+    const Duration stamp(stampMilliseconds);
     if (runs.empty())
         runs.push_back({-stamp, stamp});
     Track &track = tracks[kind];
@@ -42,20 +44,20 @@ int64_t ExportTimeline::place(Kind kind, int64_t stamp)
     Run &run = runs[track.run];
     run.newest = std::max(run.newest, stamp);
     track.lastStamp = stamp;
-    const int64_t time = stamp + run.offset;
+    const Duration time = stamp + run.offset;
     if (kind == Sound)
-        return std::max<int64_t>(time, 0);
+        return std::max(time, Duration(0)).count();
     rememberStep(stamp);
-    lastVideo = std::max(time, lastVideo + 1);
-    return lastVideo;
+    lastVideo = std::max(time, lastVideo + moment);
+    return lastVideo.count();
 }
 
-ExportTimeline::Duration ExportTimeline::end() const
+Duration ExportTimeline::end() const
 {
-    return Duration(lastVideo < 0 ? 0 : lastVideo + usualStep());
+    return lastVideo < Duration(0) ? Duration(0) : lastVideo + step();
 }
 
-bool ExportTimeline::breaks(const Track &track, int64_t stamp) const
+bool ExportTimeline::breaks(const Track &track, Duration stamp) const
 {
     const Run &run = runs[track.run];
     if (track.lastStamp && stamp < *track.lastStamp - clockCorrection)
@@ -65,43 +67,43 @@ bool ExportTimeline::breaks(const Track &track, int64_t stamp) const
     return stamp - run.newest > longestPause();
 }
 
-void ExportTimeline::beginRun(const Track &track, int64_t stamp)
+void ExportTimeline::beginRun(const Track &track, Duration stamp)
 {
-    const int64_t kept = keptOf(stamp - runs[track.run].newest);
-    const int64_t start = std::max(lastVideo + kept, end().count());
+    const Duration kept = keptOf(stamp - runs[track.run].newest);
+    const Duration start = std::max(lastVideo + kept, end());
     runs.push_back({start - stamp, stamp});
 }
 
 /// How much of a jump stays as a pause.
-int64_t ExportTimeline::keptOf(int64_t jump)
+Duration ExportTimeline::keptOf(Duration jump)
 {
-    if (jump <= 0 || !silence)
-        return 0;
-    const int64_t taken = std::min(jump, *silence);
-    const int64_t kept = jump - taken;
+    if (jump <= Duration(0) || !silence)
+        return Duration(0);
+    const Duration taken = std::min(jump, *silence);
+    const Duration kept = jump - taken;
     // No pause is that long: the stamps jump for a reason of their own.
     if (lastVideo + kept > recorded + lengthTolerance)
-        return 0;
+        return Duration(0);
     *silence -= taken;
     return kept;
 }
 
-int64_t ExportTimeline::usualStep() const
+Duration ExportTimeline::step() const
 {
     if (videoSteps.empty())
         return ordinaryStep;
-    std::vector<int64_t> steps(videoSteps.begin(), videoSteps.end());
+    std::vector<Duration> steps(videoSteps.begin(), videoSteps.end());
     const auto middle = steps.begin() + static_cast<std::ptrdiff_t>(steps.size() / 2);
     std::nth_element(steps.begin(), middle, steps.end());
     return *middle;
 }
 
-int64_t ExportTimeline::longestPause() const
+Duration ExportTimeline::longestPause() const
 {
-    return std::max(shortestGap, gapInSteps * usualStep());
+    return std::max(shortestGap, gapInSteps * step());
 }
 
-void ExportTimeline::rememberStep(int64_t stamp)
+void ExportTimeline::rememberStep(Duration stamp)
 {
     if (lastVideoStamp && stamp > *lastVideoStamp)
         videoSteps.push_back(stamp - *lastVideoStamp);

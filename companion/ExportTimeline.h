@@ -24,40 +24,39 @@ public:
     /// if that is known, since pictures may be rare within a record too.
     ExportTimeline(Duration recorded, std::optional<Duration> silence);
 
-    /// Time in the file, in milliseconds, of the next packet of that kind, by its decoding time.
+    /// Time in the file of the next packet of that kind, by its decoding time; both milliseconds.
     /// The first one of all comes at 0, and none of the video before the one ahead of it.
     int64_t place(Kind kind, int64_t stamp);
 
     /// For how long a picture is shown as a rule.
-    Duration step() const { return Duration(usualStep()); }
+    Duration step() const;
     /// Where the video ends that has been placed so far.
     Duration end() const;
 
 private:
     /// A run of stamps that belong together.
     struct Run {
-        int64_t offset;
-        int64_t newest;
+        Duration offset;
+        Duration newest;
     };
     struct Track {
         size_t run = 0;
-        std::optional<int64_t> lastStamp; ///< within that run
+        std::optional<Duration> lastStamp; ///< within that run
     };
 
-    bool breaks(const Track &track, int64_t stamp) const;
-    void beginRun(const Track &track, int64_t stamp);
-    int64_t keptOf(int64_t jump);
-    int64_t usualStep() const;
-    int64_t longestPause() const;
-    void rememberStep(int64_t stamp);
+    bool breaks(const Track &track, Duration stamp) const;
+    void beginRun(const Track &track, Duration stamp);
+    Duration keptOf(Duration jump);
+    Duration longestPause() const;
+    void rememberStep(Duration stamp);
 
-    const int64_t recorded;
-    std::optional<int64_t> silence; ///< what is left of it
+    const Duration recorded;
+    std::optional<Duration> silence; ///< what is left of it
     std::vector<Run> runs;
     std::array<Track, 2> tracks;
-    int64_t lastVideo = -1; ///< time in the file
-    std::optional<int64_t> lastVideoStamp;
-    std::deque<int64_t> videoSteps; ///< the last few, as the stamps have them
+    Duration lastVideo{-1}; ///< time in the file
+    std::optional<Duration> lastVideoStamp;
+    std::deque<Duration> videoSteps; ///< the last few, as the stamps have them
 };
 
 } // namespace Companion

@@ -98,8 +98,13 @@ bool Exporter::takePacket(PacketHandle packet)
     }
     const AVStream &stream = firstStreamLike(*input, *input->streams[packet->stream_index]);
     av_packet_rescale_ts(packet.get(), stream.time_base, millisecondBase);
-    if (packet->size <= 0 || !completeTimes(*packet) || !chooseStream(stream, *packet))
-        return errorText.empty();
+    if (packet->size <= 0 || !completeTimes(*packet))
+        return true;
+    chooseStream(stream, *packet);
+    if (video && video != &stream && stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO)
+        return fail("the video changes to " + nameOf(stream.codecpar->codec_id));
+    if (&stream != video && &stream != sound)
+        return true;
 
     const auto kind = &stream == video ? ExportTimeline::Video : ExportTimeline::Sound;
     if (kind == ExportTimeline::Video)
@@ -111,23 +116,14 @@ bool Exporter::takePacket(PacketHandle packet)
     return takeSample({kind, std::move(packet)});
 }
 
-/// The file begins with a key frame. False if the packet isn't for the file.
-bool Exporter::chooseStream(const AVStream &stream, const AVPacket &packet)
+/// The file begins with a key frame, and its sound with the first one after that.
+void Exporter::chooseStream(const AVStream &stream, const AVPacket &packet)
 {
-    switch (stream.codecpar->codec_type) {
-    case AVMEDIA_TYPE_VIDEO:
-        if (!video && packet.flags & AV_PKT_FLAG_KEY)
-            video = &stream;
-        if (video && video != &stream)
-            return fail("the video changes to " + nameOf(stream.codecpar->codec_id));
-        return video;
-    case AVMEDIA_TYPE_AUDIO:
-        if (video && !sound)
-            sound = &stream;
-        return sound == &stream;
-    default:
-        return false;
-    }
+    const AVMediaType type = stream.codecpar->codec_type;
+    if (!video && type == AVMEDIA_TYPE_VIDEO && packet.flags & AV_PKT_FLAG_KEY)
+        video = &stream;
+    if (video && !sound && type == AVMEDIA_TYPE_AUDIO)
+        sound = &stream;
 }
 
 bool Exporter::takeSample(ExportSample sample)

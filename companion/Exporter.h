@@ -42,7 +42,7 @@ private:
     bool copyToEnd();
     bool isBeyondFragment() const;
     bool takePacket(PacketHandle packet);
-    bool chooseStream(const AVStream &stream, const AVPacket &packet);
+    void chooseStream(const AVStream &stream, const AVPacket &packet);
     bool takeSample(ExportSample sample);
     bool beginFile();
     bool hasUsableSound(AVCodecParameters &sound) const;

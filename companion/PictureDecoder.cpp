@@ -10,11 +10,12 @@ PictureDecoder::PictureDecoder() : frame(av_frame_alloc())
 {
 }
 
-bool PictureDecoder::send(const QueuedPacket &item)
+void PictureDecoder::send(const QueuedPacket &item)
 {
-    if (item.format != format && !open(item.format))
-        return false;
-    return codec && avcodec_send_packet(codec.get(), item.packet.get()) >= 0;
+    if (item.format != format)
+        open(item.format);
+    if (codec)
+        avcodec_send_packet(codec.get(), item.packet.get());
 }
 
 void PictureDecoder::sendEnd()
@@ -36,12 +37,11 @@ void PictureDecoder::setHurry(bool hurry)
         codec->skip_frame = hurry ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
 }
 
-bool PictureDecoder::open(const std::shared_ptr<const StreamFormat> &newFormat)
+void PictureDecoder::open(const std::shared_ptr<const StreamFormat> &newFormat)
 {
     format = newFormat;
     codec = openDecoder(*format->parameters);
     unusable = !codec;
-    return !unusable;
 }
 
 } // namespace Companion

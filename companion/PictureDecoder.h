@@ -12,8 +12,8 @@ class PictureDecoder
 public:
     PictureDecoder();
 
-    /// False if the packet can't be decoded; later ones may.
-    bool send(const QueuedPacket &item);
+    /// A packet that can't be decoded is passed over.
+    void send(const QueuedPacket &item);
     /// No packet follows: the pictures held back come out.
     void sendEnd();
     /// The next picture, valid until the next call; null if a packet is needed first.
@@ -24,7 +24,7 @@ public:
     bool isUnusable() const { return unusable; }
 
 private:
-    bool open(const std::shared_ptr<const StreamFormat> &newFormat);
+    void open(const std::shared_ptr<const StreamFormat> &newFormat);
 
     std::shared_ptr<const StreamFormat> format;
     CodecHandle codec;

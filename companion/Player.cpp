@@ -203,11 +203,9 @@ bool Player::isGivenUp() const
     return decoder.isUnusable() || patience.isOver(controls.now(), pacing.hasShown());
 }
 
-bool Player::flush()
+void Player::flush()
 {
-    if (!output.flush())
-        clientGone = true;
-    return !clientGone;
+    clientGone = !output.flush() || clientGone;
 }
 
 int Player::finish(bool ended)
@@ -218,6 +216,7 @@ int Player::finish(bool ended)
         output.state(StreamState::Ended);
         output.flushPatiently();
     }
+    // The client takes a stream for over by this state only.
     output.state(StreamState::Error);
     output.flushPatiently();
     return ended ? 0 : 1;

@@ -53,7 +53,7 @@ private:
     void tellTime(Time position, TimeLines::Beside beside);
     std::chrono::milliseconds idlePatience() const;
     bool isGivenUp() const;
-    bool flush();
+    void flush();
     int finish(bool ended);
 
     const Arguments &arguments;

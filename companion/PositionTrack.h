@@ -9,8 +9,8 @@
 namespace ZorvaneClient {
 namespace Companion {
 
-/// Turns the stream's own time stamps into the position since the stream began. The position
-/// never goes back, and doesn't follow time stamps that jump without reason.
+/// Turns the stream's own time stamps, in milliseconds, into the position since the stream began.
+/// The position never goes back, and doesn't follow time stamps that jump without reason.
 class PositionTrack
 {
 public:

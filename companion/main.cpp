@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "companion/Arguments.h"
+#include "companion/AvHandles.h"
 #include "companion/CommandInput.h"
 #include "companion/Controls.h"
 #include "companion/ExportArguments.h"

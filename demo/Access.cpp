@@ -36,7 +36,7 @@ std::string portOf(const std::string &address)
 Access::Result Access::check(const HttpRequest &request, Need need) const
 {
     // A LAN recorder has its streams on its own port, beside everything else.
-    return request.listener == "lan" ? checkLan(request, need) : checkCloud(request, need);
+    return request.isForLanServer() ? checkLan(request, need) : checkCloud(request, need);
 }
 
 Access::Result Access::checkCloud(const HttpRequest &request, Need need) const

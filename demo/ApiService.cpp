@@ -19,29 +19,15 @@ const std::string layoutsPath = "//layouts";
 const std::string serversPath = "//public/servers/";
 constexpr const char *formType = "application/x-www-form-urlencoded";
 
-bool beginsWith(const std::string &text, const std::string &beginning)
-{
-    return text.compare(0, beginning.size(), beginning) == 0;
-}
-
-HttpReply enveloped(int status, const nlohmann::json &content)
-{
-    HttpReply reply;
-    reply.status = status;
-    reply.contentType = "application/json";
-    reply.body = content.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-    return reply;
-}
-
 HttpReply success(const nlohmann::json &response)
 {
-    return enveloped(200, {{"success", true}, {"response", response}});
+    return HttpReply::json(200, {{"success", true}, {"response", response}});
 }
 
 HttpReply failure(int status, ApiService::Error code)
 {
-    return enveloped(status,
-                     {{"success", false}, {"response", {{"code", static_cast<int>(code)}}}});
+    return HttpReply::json(status,
+                           {{"success", false}, {"response", {{"code", static_cast<int>(code)}}}});
 }
 
 bool isForm(const HttpRequest &request)

@@ -7,7 +7,6 @@ namespace ZorvaneDemo {
 
 namespace {
 
-constexpr std::int64_t secondMs = 1000;
 constexpr int keptDays = 30;
 
 } // namespace

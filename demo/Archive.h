@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "demo/RecordPlan.h"
-#include "demo/World.h"
+#include "demo/Server.h"
 
 namespace ZorvaneDemo {
 

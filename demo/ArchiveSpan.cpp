@@ -9,7 +9,6 @@ namespace ZorvaneDemo {
 
 namespace {
 
-constexpr std::int64_t secondMs = 1000;
 constexpr int largestSpeed = 32;
 constexpr std::int64_t largestUploadRate = 1'000'000;
 

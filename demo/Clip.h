@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "demo/BitStream.h"
+#include "demo/LocalTime.h"
 #include "demo/StripSlice.h"
 
 namespace ZorvaneDemo {
 
 constexpr int qualityCount = 3;
-constexpr int minuteMs = 60'000;
 
 struct PictureSize {
     int width;
@@ -54,10 +54,7 @@ public:
     int height() const { return static_cast<int>(header->height); }
     int packetCount() const { return static_cast<int>(header->packetCount); }
     /// Begin of packet `index` within the minute.
-    int packetMs(int index) const
-    {
-        return static_cast<int>(minuteMs * std::int64_t(index) / packetCount());
-    }
+    int packetMs(int index) const { return static_cast<int>(minuteMs * index / packetCount()); }
     bool isKeyFrame(int index) const { return packets[index].keyFrame != 0; }
     Bytes sps() const;
     Bytes pps() const;

@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 #include "demo/ClipMaker.h"
+#include "demo/SoundMaker.h"
 
 namespace ZorvaneDemo {
 
@@ -23,7 +24,6 @@ namespace {
 
 constexpr int framesPerSecond = 25;
 constexpr int testFramesPerSecond = 10;
-constexpr int secondsPerClip = 60;
 constexpr int barWidth = 40;
 
 /// Holds the folder's lock file while it lives.
@@ -139,7 +139,7 @@ std::string ClipStore::makeMissing(const std::set<int> &scenes)
 {
     if (scenes.empty())
         return {};
-    ProgressBar bar(static_cast<int>(scenes.size()) * secondsPerClip);
+    ProgressBar bar(static_cast<int>(scenes.size()) * secondsPerMinute);
     const std::vector<int> work(scenes.begin(), scenes.end());
     std::vector<std::string> failures(work.size());
     std::atomic<std::size_t> next{0};

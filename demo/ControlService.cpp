@@ -12,23 +12,15 @@ namespace ZorvaneDemo {
 
 namespace {
 
-HttpReply json(int status, const nlohmann::json &content)
-{
-    HttpReply reply;
-    reply.status = status;
-    reply.contentType = "application/json";
-    reply.body = content.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-    return reply;
-}
-
 HttpReply done(bool good)
 {
-    return good ? json(200, {{"ok", true}}) : json(404, {{"error", "no such object"}});
+    return good ? HttpReply::json(200, {{"ok", true}})
+                : HttpReply::json(404, {{"error", "no such object"}});
 }
 
 HttpReply unknown()
 {
-    return json(404, {{"error", "no such command"}});
+    return HttpReply::json(404, {{"error", "no such command"}});
 }
 
 /// Reads [[start, end], ...]; throws when these are no records.
@@ -46,11 +38,6 @@ std::vector<Record> recordsFrom(const nlohmann::json &list)
     return records;
 }
 
-bool begins(const std::string &text, const std::string &beginning)
-{
-    return text.compare(0, beginning.size(), beginning) == 0;
-}
-
 } // namespace
 
 HttpReply ControlService::handle(const HttpRequest &request)
@@ -62,34 +49,34 @@ HttpReply ControlService::handle(const HttpRequest &request)
     const auto body =
         nlohmann::json::parse(request.body.empty() ? "{}" : request.body, nullptr, false);
     if (!body.is_object())
-        return json(400, {{"error", "the body is no JSON object"}});
+        return HttpReply::json(400, {{"error", "the body is no JSON object"}});
     try {
         return change(request.path, body);
     } catch (const std::exception &failure) {
-        return json(400, {{"error", failure.what()}});
+        return HttpReply::json(400, {{"error", failure.what()}});
     }
 }
 
 HttpReply ControlService::show(const HttpRequest &request)
 {
     if (request.path == "/world")
-        return json(200, worldJson(world.servers()));
+        return HttpReply::json(200, worldJson(world.servers()));
     if (request.path == "/requests")
-        return json(200, log.describe(request.parameters()["path"]));
+        return HttpReply::json(200, log.describe(request.parameters()["path"]));
     if (request.path == "/faults")
-        return json(200, {{"faults", faults.describe()}});
+        return HttpReply::json(200, {{"faults", faults.describe()}});
     if (request.path == "/streams")
-        return json(200, {{"open", flv.openStreams()}});
+        return HttpReply::json(200, {{"open", flv.openStreams()}});
     return unknown();
 }
 
 HttpReply ControlService::change(const std::string &path, const nlohmann::json &body)
 {
-    if (begins(path, "/cameras/"))
+    if (beginsWith(path, "/cameras/"))
         return changeCameras(path, body);
-    if (begins(path, "/servers/"))
+    if (beginsWith(path, "/servers/"))
         return changeServers(path, body);
-    if (begins(path, "/faults/"))
+    if (beginsWith(path, "/faults/"))
         return changeFaults(path, body);
     if (path == "/sign-in/set") {
         accounts.setRefused(body.at("refuse"));
@@ -125,7 +112,7 @@ HttpReply ControlService::changeCameras(const std::string &path, const nlohmann:
         return done(world.removeCamera(server, body.at("camera")));
     if (path == "/cameras/add") {
         const int id = world.addCamera(server, body.value("name", ""));
-        return id > 0 ? json(200, {{"camera", id}}) : done(false);
+        return id > 0 ? HttpReply::json(200, {{"camera", id}}) : done(false);
     }
     return unknown();
 }
@@ -133,7 +120,7 @@ HttpReply ControlService::changeCameras(const std::string &path, const nlohmann:
 HttpReply ControlService::changeServers(const std::string &path, const nlohmann::json &body)
 {
     if (path == "/servers/add")
-        return json(
+        return HttpReply::json(
             200, {{"server", world.addServer(body.value("name", ""), body.value("cameras", 0))}});
     const std::string server = body.at("server");
     if (path == "/servers/set")
@@ -148,8 +135,8 @@ HttpReply ControlService::changeFaults(const std::string &path, const nlohmann::
     if (path == "/faults/add") {
         const auto fault = Fault::fromJson(body);
         if (!fault)
-            return json(400, {{"error", "no such kind of fault"}});
-        return json(200, {{"fault", faults.add(*fault)}});
+            return HttpReply::json(400, {{"error", "no such kind of fault"}});
+        return HttpReply::json(200, {{"fault", faults.add(*fault)}});
     }
     if (path == "/faults/remove")
         return done(faults.remove(body.at("fault")));

@@ -42,8 +42,9 @@ std::string Demo::bind()
     for (int i = 0; good && i < options.world.lanServers; ++i) {
         const auto at = static_cast<std::size_t>(i);
         lanPorts.push_back(0);
-        good = listen("lan", at < options.lanPorts.size() ? options.lanPorts[at] : 0,
-                      &lanPorts.back(), nullptr, watched(lan));
+        good = listen(HttpRequest::lanListener,
+                      at < options.lanPorts.size() ? options.lanPorts[at] : 0, &lanPorts.back(),
+                      nullptr, watched(lan));
     }
     world.setLanPorts(lanPorts);
     return good ? std::string() : failure;
@@ -105,16 +106,9 @@ HttpServer::Handler Demo::watched(HttpServer::Handler serve)
 
 HttpReply Demo::serveFlv(const HttpRequest &request)
 {
-    if (request.method == "GET" && request.path == "/flv/live")
-        return flv.live(request);
-    if (request.method == "GET" && request.path == "/flv/archive")
-        return flv.archive(request);
+    if (request.path != "/")
+        return flv.handle(request);
     HttpReply reply;
-    if (request.path != "/") {
-        reply.status = 404;
-        return reply;
-    }
-    // Where the client's links for downloads, sign-up and passwords lead.
     reply.contentType = "text/html";
     reply.body = "<html><body><h1>Zorvane demo service</h1>"
                  "<p>There is nothing to download or to sign up for here.</p></body></html>";

@@ -10,7 +10,7 @@
 #include "demo/Access.h"
 #include "demo/Accounts.h"
 #include "demo/ApiService.h"
-#include "demo/Certificate.h"
+#include "demo/Certificates.h"
 #include "demo/ClipStore.h"
 #include "demo/ControlService.h"
 #include "demo/Faults.h"
@@ -47,6 +47,8 @@ private:
                 HttpServer::Handler handler);
     /// `serve`, with its requests logged and the faults in force.
     HttpServer::Handler watched(HttpServer::Handler serve);
+    /// The streams, and the page where the client's links for downloads, sign-up and passwords
+    /// lead.
     HttpReply serveFlv(const HttpRequest &request);
 
     const Options options;

@@ -90,7 +90,7 @@ bool FaultySink::spoil(Rest *rest)
         return garble(rest);
     case Fault::Kind::Slow:
         return slow(rest);
-    default:
+    default: // Close: nothing more is written
         return false;
     }
 }

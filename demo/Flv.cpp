@@ -18,7 +18,6 @@ constexpr std::uint8_t soundFlags = 0x2e;
 constexpr std::uint8_t sequenceHeader = 0;
 constexpr std::uint8_t pictureUnits = 1;
 constexpr std::size_t tagHeaderBytes = 11;
-constexpr int secondsPerMinute = 60;
 
 void putNumber(std::uint64_t value, int bytes, Bytes *out)
 {

@@ -8,7 +8,6 @@ namespace ZorvaneDemo {
 
 namespace {
 
-constexpr std::int64_t secondMs = 1000;
 constexpr int keyFramesOnlyFrom = 4;
 constexpr int mostKeyFramesPerSecond = 25;
 
@@ -78,7 +77,7 @@ bool FlvFeed::send(int speed)
     video->appendPicture(at, number, &picture);
     appendFlvVideo(stamp(momentMs, speed), video->isKeyFrame(at), picture, &out);
     if (speed >= keyFramesOnlyFrom)
-        nextPicture += keyFrameStep(speed) * video->packetCount() / (minuteMs / secondMs);
+        nextPicture += keyFrameStep(speed) * video->packetCount() / secondsPerMinute;
     else
         ++nextPicture;
     return sink.write(out.data(), out.size());

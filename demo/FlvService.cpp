@@ -14,7 +14,6 @@ namespace ZorvaneDemo {
 namespace {
 
 constexpr const char *contentType = "video/x-flv";
-constexpr std::int64_t secondMs = 1000;
 /// A receiver of a live stream that fell back further is sent on to the present; an archive
 /// stream goes on from where it was.
 constexpr std::int64_t largestLagMs = 3000;
@@ -113,6 +112,15 @@ private:
 
 } // namespace
 
+HttpReply FlvService::handle(const HttpRequest &request)
+{
+    if (request.method == "GET" && request.path == "/flv/live")
+        return live(request);
+    if (request.method == "GET" && request.path == "/flv/archive")
+        return archive(request);
+    return HttpReply::refusal(404);
+}
+
 HttpReply FlvService::live(const HttpRequest &request)
 {
     const Access::Result result = access.check(request, Access::Need::Live);
@@ -154,7 +162,7 @@ HttpReply FlvService::archive(const HttpRequest &request)
     if (!span)
         return HttpReply::refusal(400);
     // The cloud gives no archive away.
-    if (span->isExport() && request.listener != "lan")
+    if (span->isExport() && !request.isForLanServer())
         return HttpReply::refusal(403);
     const Archive archive(result.camera, nowMs());
     const auto record =

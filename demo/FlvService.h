@@ -24,6 +24,11 @@ public:
     {
     }
 
+    HttpReply handle(const HttpRequest &request);
+
+    int openStreams() const { return streams; }
+
+private:
     /// Begins with the key frame of the present second and follows the wall clock. Ends when
     /// the camera may not be seen any more.
     HttpReply live(const HttpRequest &request);
@@ -33,14 +38,11 @@ public:
     /// between them, without the gaps, by `uploadRate` kilobytes a second.
     HttpReply archive(const HttpRequest &request);
 
-    int openStreams() const { return streams; }
-
-private:
-    // True when the stream came to its end, false when the receiver is gone.
+    /// True when the stream came to its end, false when the receiver is gone.
     bool sendLive(const HttpRequest &request, const Camera &camera, BodySink &sink) const;
     bool sendArchive(const HttpRequest &request, const Camera &camera, const ArchiveSpan &span,
                      Record record, BodySink &sink) const;
-    // Finds what to go on with at the feed's moment; false when there is nothing more.
+    /// Finds what to go on with at the feed's moment; false when there is nothing more.
     bool findRecord(const HttpRequest &request, const ArchiveSpan &span, Record *record,
                     FlvFeed *feed) const;
 

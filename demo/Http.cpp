@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "demo/Http.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <charconv>
 
@@ -20,6 +22,11 @@ int hexValue(char digit)
 }
 
 } // namespace
+
+bool beginsWith(const std::string &text, const std::string &beginning)
+{
+    return text.compare(0, beginning.size(), beginning) == 0;
+}
 
 std::string percentDecoded(const std::string &text)
 {
@@ -71,6 +78,15 @@ HttpReply HttpReply::refusal(int status)
 {
     HttpReply reply;
     reply.status = status;
+    return reply;
+}
+
+HttpReply HttpReply::json(int status, const nlohmann::json &content)
+{
+    HttpReply reply;
+    reply.status = status;
+    reply.contentType = "application/json";
+    reply.body = content.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
     return reply;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -13,7 +15,9 @@ namespace ZorvaneDemo {
 
 /// A request as it stood on the wire.
 struct HttpRequest {
-    std::string listener; ///< "api", "streaming", "flv", "lan" or "control"
+    static constexpr const char *lanListener = "lan"; ///< of every LAN server
+
+    std::string listener; ///< "api", "streaming", "flv", `lanListener` or "control"
     std::string method;
     std::string path;                                         ///< undecoded, without the query
     std::string query;                                        ///< undecoded
@@ -26,6 +30,7 @@ struct HttpRequest {
     /// values as they are.
     std::map<std::string, std::string> parameters() const;
     std::string header(const std::string &name) const;
+    bool isForLanServer() const { return listener == lanListener; }
 };
 
 /// Takes bytes of a reply's body.
@@ -55,8 +60,11 @@ struct HttpReply {
 
     /// A reply without a body.
     static HttpReply refusal(int status);
+    /// Bytes that are no UTF-8 are replaced.
+    static HttpReply json(int status, const nlohmann::json &content);
 };
 
+bool beginsWith(const std::string &text, const std::string &beginning);
 /// Percent-decoding; what is no valid escape stays as it is.
 std::string percentDecoded(const std::string &text);
 /// Items of "a=b&c=d". In a form a plus sign means a space.

@@ -92,7 +92,8 @@ bool hasPorts(int socket, int localPort, int remotePort)
            ntohs(remote.sin_port) == remotePort;
 }
 
-/// Closes both directions of the connection that `request` came by, at once.
+/// Closes both directions of the connection that `request` came by, at once. The library keeps
+/// its sockets to itself, so the connection is looked for by its ports.
 void hangUp(const HttpRequest &request)
 {
     rlimit limit{};

@@ -50,11 +50,7 @@ HttpReply LanService::handle(const HttpRequest &request) const
         return streaming.archiveList(request);
     if (request.path == "/archive/days")
         return streaming.archiveDays(request);
-    if (request.path == "/flv/live")
-        return flv.live(request);
-    if (request.path == "/flv/archive")
-        return flv.archive(request);
-    return HttpReply::refusal(404);
+    return flv.handle(request);
 }
 
 HttpReply LanService::information(const HttpRequest &request, const Server &server) const
@@ -64,12 +60,8 @@ HttpReply LanService::information(const HttpRequest &request, const Server &serv
         return HttpReply::refusal(404);
     if (!Access::isPassword(server, parameters["sessionId"]))
         return HttpReply::refusal(403);
-    HttpReply reply;
-    reply.contentType = "application/json";
-    reply.body =
-        (request.path == "/vs_info/" ? serverInformation(server) : streamInformation(server))
-            .dump();
-    return reply;
+    return HttpReply::json(200, request.path == "/vs_info/" ? serverInformation(server)
+                                                            : streamInformation(server));
 }
 
 } // namespace ZorvaneDemo

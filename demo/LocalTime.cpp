@@ -9,7 +9,6 @@ namespace ZorvaneDemo {
 
 namespace {
 
-constexpr std::int64_t secondMs = 1000;
 constexpr int noonHour = 12;
 constexpr std::time_t hourSeconds = 3600;
 constexpr std::time_t daySeconds = 24 * hourSeconds;

@@ -5,6 +5,10 @@
 
 namespace ZorvaneDemo {
 
+constexpr std::int64_t secondMs = 1000;
+constexpr std::int64_t minuteMs = 60 * secondMs;
+constexpr int secondsPerMinute = minuteMs / secondMs;
+
 /// Milliseconds since the epoch.
 std::int64_t nowMs();
 /// Sleeps until the wall clock shows `momentMs`.

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "demo/World.h"
+#include "demo/WorldMaker.h"
 
 namespace ZorvaneDemo {
 

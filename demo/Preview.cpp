@@ -3,11 +3,8 @@
 
 #include <algorithm>
 #include <iterator>
-#include <memory>
 
-extern "C" {
-#include <libavcodec/avcodec.h>
-}
+#include "demo/AvHandles.h"
 
 namespace ZorvaneDemo {
 
@@ -15,15 +12,6 @@ namespace {
 
 constexpr int jpegQuality = 3; ///< of 2 (best) to 31
 constexpr std::uint8_t startCode[4] = {0, 0, 0, 1};
-
-struct Deleter {
-    void operator()(AVCodecContext *codec) const { avcodec_free_context(&codec); }
-    void operator()(AVFrame *frame) const { av_frame_free(&frame); }
-    void operator()(AVPacket *packet) const { av_packet_free(&packet); }
-};
-using Codec = std::unique_ptr<AVCodecContext, Deleter>;
-using Frame = std::unique_ptr<AVFrame, Deleter>;
-using Packet = std::unique_ptr<AVPacket, Deleter>;
 
 void appendUnit(const std::uint8_t *data, std::size_t size, Bytes *out)
 {
@@ -51,13 +39,13 @@ Bytes standalone(const Clip &clip, int index, int number)
     return out;
 }
 
-Frame decoded(const Bytes &stream)
+FrameHandle decoded(const Bytes &stream)
 {
-    Codec codec(avcodec_alloc_context3(avcodec_find_decoder(AV_CODEC_ID_H264)));
+    const CodecHandle codec(avcodec_alloc_context3(avcodec_find_decoder(AV_CODEC_ID_H264)));
     codec->thread_count = 1;
     codec->flags |= AV_CODEC_FLAG_LOW_DELAY;
-    Packet packet(av_packet_alloc());
-    Frame frame(av_frame_alloc());
+    const PacketHandle packet(av_packet_alloc());
+    FrameHandle frame(av_frame_alloc());
     if (avcodec_open2(codec.get(), nullptr, nullptr) < 0 ||
         av_new_packet(packet.get(), static_cast<int>(stream.size())) < 0)
         return nullptr;
@@ -94,12 +82,12 @@ bool toFullRange(AVFrame *frame)
 
 std::string previewJpeg(const Clip &clip, int number, std::int64_t momentMs)
 {
-    const std::int64_t second = momentMs / 1000 % 60;
-    const int index = static_cast<int>(second * clip.packetCount() / 60);
-    const Frame frame = decoded(standalone(clip, index, number));
+    const std::int64_t second = momentMs / secondMs % secondsPerMinute;
+    const int index = static_cast<int>(second * clip.packetCount() / secondsPerMinute);
+    const FrameHandle frame = decoded(standalone(clip, index, number));
     if (!frame || !toFullRange(frame.get()))
         return {};
-    Codec codec(avcodec_alloc_context3(avcodec_find_encoder(AV_CODEC_ID_MJPEG)));
+    const CodecHandle codec(avcodec_alloc_context3(avcodec_find_encoder(AV_CODEC_ID_MJPEG)));
     codec->width = frame->width;
     codec->height = frame->height;
     codec->pix_fmt = AV_PIX_FMT_YUVJ420P;
@@ -108,7 +96,7 @@ std::string previewJpeg(const Clip &clip, int number, std::int64_t momentMs)
     codec->thread_count = 1;
     codec->flags |= AV_CODEC_FLAG_QSCALE;
     codec->global_quality = FF_QP2LAMBDA * jpegQuality;
-    Packet packet(av_packet_alloc());
+    const PacketHandle packet(av_packet_alloc());
     if (avcodec_open2(codec.get(), nullptr, nullptr) < 0)
         return {};
     frame->quality = codec->global_quality;

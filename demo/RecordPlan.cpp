@@ -8,8 +8,9 @@ namespace ZorvaneDemo {
 
 namespace {
 
-constexpr std::int64_t second = 1000;
-constexpr std::int64_t minute = 60 * second;
+// Times in milliseconds.
+constexpr std::int64_t second = secondMs;
+constexpr std::int64_t minute = minuteMs;
 constexpr std::int64_t hour = 60 * minute;
 constexpr std::int64_t shortestRecord = 2 * second;
 constexpr int emptyDayPeriod = 7;

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "demo/RequestLog.h"
 
-#include <chrono>
 #include <cstddef>
+
+#include "demo/LocalTime.h"
 
 namespace ZorvaneDemo {
 
@@ -15,11 +16,9 @@ constexpr std::size_t keptBodyBytes = 256 * 1024;
 
 void RequestLog::add(const HttpRequest &request)
 {
-    using namespace std::chrono;
     const std::lock_guard<std::mutex> lock(mutex);
     ++counts[request.path];
-    const auto now = duration_cast<milliseconds>(system_clock::now().time_since_epoch());
-    entries.push_back({now.count(), request});
+    entries.push_back({nowMs(), request});
     if (entries.back().request.body.size() > keptBodyBytes)
         entries.back().request.body.resize(keptBodyBytes);
     if (entries.size() > keptRequests)

@@ -1,17 +1,18 @@
 // SPDX-License-Identifier: MIT
-#include "demo/ClipMaker.h"
+#include "demo/SoundMaker.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstring>
-#include <memory>
 
 extern "C" {
-#include <libavcodec/avcodec.h>
 #include <libavutil/channel_layout.h>
 #include <libavutil/opt.h>
 }
+
+#include "demo/AvHandles.h"
+#include "demo/Clip.h"
 
 namespace ZorvaneDemo {
 
@@ -20,16 +21,11 @@ namespace {
 // A minute at this rate is a whole number of MP3 frames of 1152 samples: the loop has no seam.
 constexpr int sampleRate = 48'000;
 constexpr int samplesPerFrame = 1152;
-constexpr int framesPerMinute = 60 * sampleRate / samplesPerFrame;
+constexpr int samplesPerMinute = secondsPerMinute * sampleRate;
+constexpr int framesPerMinute = samplesPerMinute / samplesPerFrame;
 constexpr int bitRate = 48'000;
 constexpr int chimePeriod = 10 * sampleRate;
 constexpr double pi = 3.14159265358979323846;
-
-struct CodecDeleter {
-    void operator()(AVCodecContext *codec) const { avcodec_free_context(&codec); }
-    void operator()(AVFrame *frame) const { av_frame_free(&frame); }
-    void operator()(AVPacket *packet) const { av_packet_free(&packet); }
-};
 
 /// Room tone: filtered noise that swells and falls, and a soft chime.
 class RoomTone
@@ -40,7 +36,7 @@ public:
         state = state * 1664525u + 1013904223u;
         const double noise = static_cast<double>(state >> 8) / (1 << 23) - 1.0;
         low += 0.012 * (noise - low);
-        const double minute = static_cast<double>(sample % (60 * sampleRate)) / sampleRate;
+        const double minute = static_cast<double>(sample % samplesPerMinute) / sampleRate;
         double value = low * 0.35 * (1.0 + 0.4 * std::sin(2 * pi * minute / 20));
         const double chime = static_cast<double>(sample % chimePeriod) / sampleRate;
         if (chime < 1.5)
@@ -63,7 +59,7 @@ std::string makeSoundClip(const std::string &fileName)
     const AVCodec *encoder = avcodec_find_encoder_by_name("libmp3lame");
     if (!encoder)
         return "FFmpeg has no libmp3lame encoder";
-    std::unique_ptr<AVCodecContext, CodecDeleter> codec(avcodec_alloc_context3(encoder));
+    const CodecHandle codec(avcodec_alloc_context3(encoder));
     codec->sample_rate = sampleRate;
     codec->sample_fmt = AV_SAMPLE_FMT_FLTP;
     codec->bit_rate = bitRate;
@@ -73,12 +69,12 @@ std::string makeSoundClip(const std::string &fileName)
     if (avcodec_open2(codec.get(), encoder, nullptr) < 0 || codec->frame_size != samplesPerFrame)
         return "cannot open the MP3 encoder";
 
-    std::unique_ptr<AVFrame, CodecDeleter> frame(av_frame_alloc());
+    const FrameHandle frame(av_frame_alloc());
     frame->format = codec->sample_fmt;
     frame->nb_samples = samplesPerFrame;
     frame->sample_rate = sampleRate;
     av_channel_layout_copy(&frame->ch_layout, &codec->ch_layout);
-    std::unique_ptr<AVPacket, CodecDeleter> packet(av_packet_alloc());
+    const PacketHandle packet(av_packet_alloc());
     if (av_frame_get_buffer(frame.get(), 0) < 0)
         return "no memory for sound";
 

@@ -11,16 +11,6 @@ namespace ZorvaneDemo {
 
 namespace {
 
-constexpr std::int64_t secondMs = 1000;
-
-HttpReply json(const nlohmann::json &content)
-{
-    HttpReply reply;
-    reply.contentType = "application/json";
-    reply.body = content.dump();
-    return reply;
-}
-
 struct Span {
     std::int64_t startMs;
     std::int64_t endMs;
@@ -76,7 +66,7 @@ HttpReply StreamingService::archiveList(const HttpRequest &request) const
     for (const Record &record : archive.records(span.startMs, span.endMs))
         list.push_back(
             {{"startTime", record.startMs}, {"duration", record.endMs - record.startMs}});
-    return json(list);
+    return HttpReply::json(200, list);
 }
 
 HttpReply StreamingService::archiveDays(const HttpRequest &request) const
@@ -89,7 +79,7 @@ HttpReply StreamingService::archiveDays(const HttpRequest &request) const
     const Archive archive(result.camera, nowMs());
     for (const auto &[day, count] : archive.days(span.startMs, span.endMs))
         list.push_back({{"date", day}, {"recordsCount", count}});
-    return json(list);
+    return HttpReply::json(200, list);
 }
 
 } // namespace ZorvaneDemo

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -13,7 +14,17 @@ namespace ZorvaneDemo {
 /// Numbers stand with the highest bit first. The time counts steps of 20 ms in the minute.
 struct StripCode {
     static constexpr int cellCount = 40;
-    static constexpr int maximumCamera = (1 << 14) - 1;
+    static constexpr int cameraBits = 14;
+    static constexpr int timeBits = 12;
+    static constexpr int valueBits = cameraBits + timeBits;
+    static constexpr int checkBits = 8;
+    static constexpr int valueCell = 4; ///< where the value begins
+    static constexpr int checkCell = valueCell + valueBits;
+    /// The cells that are the same in every strip.
+    static constexpr std::array<int, 3> lightCells{0, 2, 39};
+    static constexpr std::array<int, 3> darkCells{1, 3, 38};
+
+    static constexpr int maximumCamera = (1 << cameraBits) - 1;
     static constexpr int timeStepMs = 20;
     /// The row is as high as the picture's height divided by this.
     static constexpr double heightDivisor = 22.5;
@@ -25,48 +36,60 @@ struct StripCode {
     int camera = 0;
     int milliseconds = 0;
 
+    Cells cells() const
+    {
+        const auto steps = static_cast<unsigned>(milliseconds / timeStepMs);
+        const unsigned value =
+            (static_cast<unsigned>(camera) << timeBits) | (steps & ((1u << timeBits) - 1));
+        Cells result{};
+        for (const int cell : lightCells)
+            result[cell] = true;
+        put(value, valueBits, valueCell, &result);
+        put(check(value), checkBits, checkCell, &result);
+        return result;
+    }
+
+    static std::optional<StripCode> fromCells(const Cells &cells)
+    {
+        const auto isLight = [&cells](int cell) { return cells[cell]; };
+        if (!std::all_of(lightCells.begin(), lightCells.end(), isLight) ||
+            std::any_of(darkCells.begin(), darkCells.end(), isLight))
+            return std::nullopt;
+        const unsigned value = number(cells, valueCell, valueBits);
+        if (number(cells, checkCell, checkBits) != check(value))
+            return std::nullopt;
+        StripCode code;
+        code.camera = static_cast<int>(value >> timeBits);
+        code.milliseconds = static_cast<int>(value & ((1u << timeBits) - 1)) * timeStepMs;
+        return code;
+    }
+
+private:
+    static void put(unsigned number, int bits, int firstCell, Cells *cells)
+    {
+        for (int bit = 0; bit < bits; ++bit)
+            (*cells)[firstCell + bit] = (number >> (bits - 1 - bit)) & 1u;
+    }
+
+    static unsigned number(const Cells &cells, int firstCell, int bits)
+    {
+        unsigned result = 0;
+        for (int bit = 0; bit < bits; ++bit)
+            result = (result << 1) | (cells[firstCell + bit] ? 1u : 0u);
+        return result;
+    }
+
+    /// A cyclic check of the value's bits.
     static std::uint8_t check(unsigned value)
     {
         unsigned crc = 0x5a;
-        for (int bit = 25; bit >= 0; --bit) {
+        for (int bit = valueBits - 1; bit >= 0; --bit) {
             const bool top = ((crc >> 7) ^ (value >> bit)) & 1u;
             crc = (crc << 1) & 0xffu;
             if (top)
                 crc ^= 0x07u;
         }
         return static_cast<std::uint8_t>(crc);
-    }
-
-    Cells cells() const
-    {
-        const unsigned value = (static_cast<unsigned>(camera) << 12) |
-                               (static_cast<unsigned>(milliseconds / timeStepMs) & 0xfffu);
-        Cells result{};
-        result[0] = result[2] = result[39] = true;
-        for (int bit = 0; bit < 26; ++bit)
-            result[4 + bit] = (value >> (25 - bit)) & 1u;
-        const unsigned sum = check(value);
-        for (int bit = 0; bit < 8; ++bit)
-            result[30 + bit] = (sum >> (7 - bit)) & 1u;
-        return result;
-    }
-
-    static std::optional<StripCode> fromCells(const Cells &cells)
-    {
-        if (!cells[0] || cells[1] || !cells[2] || cells[3] || cells[38] || !cells[39])
-            return std::nullopt;
-        unsigned value = 0;
-        for (int bit = 0; bit < 26; ++bit)
-            value = (value << 1) | (cells[4 + bit] ? 1u : 0u);
-        unsigned sum = 0;
-        for (int bit = 0; bit < 8; ++bit)
-            sum = (sum << 1) | (cells[30 + bit] ? 1u : 0u);
-        if (sum != check(value))
-            return std::nullopt;
-        StripCode code;
-        code.camera = static_cast<int>(value >> 12);
-        code.milliseconds = static_cast<int>(value & 0xfffu) * timeStepMs;
-        return code;
     }
 };
 

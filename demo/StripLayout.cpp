@@ -9,6 +9,13 @@ namespace {
 
 constexpr unsigned baselineProfile = 66;
 constexpr unsigned mainProfile = 77;
+constexpr int middleQp = 26;
+
+void skipNumbers(BitReader &in, int count)
+{
+    for (int i = 0; i < count; ++i)
+        in.ue();
+}
 
 } // namespace
 
@@ -21,10 +28,10 @@ bool StripLayout::readSequenceSet(const Bytes &sps)
 {
     const Bytes payload = withoutEmulation(sps.data(), sps.size());
     BitReader in(payload.data(), payload.size());
-    in.bits(8);
+    in.bits(8); // unit header
     const unsigned profile = in.bits(8);
-    in.bits(16);
-    in.ue();
+    in.bits(16);        // constraints, level
+    skipNumbers(in, 1); // id
     if (profile != baselineProfile && profile != mainProfile)
         return false;
     frameNumBits = static_cast<std::uint8_t>(in.ue() + 4);
@@ -40,20 +47,17 @@ bool StripLayout::readPictureSet(const Bytes &pps)
 {
     const Bytes payload = withoutEmulation(pps.data(), pps.size());
     BitReader in(payload.data(), payload.size());
-    in.bits(8);
-    in.ue();
-    in.ue();
+    in.bits(8);         // unit header
+    skipNumbers(in, 2); // ids of both sets
     const bool cabac = in.bits(1);
     const bool fieldOrder = in.bits(1);
     const unsigned sliceGroups = in.ue();
-    in.ue();
-    in.ue();
-    in.bits(3);
-    initialQp = static_cast<std::int8_t>(26 + in.se());
-    in.se();
-    in.se();
+    skipNumbers(in, 2); // reference pictures
+    in.bits(3);         // weights
+    initialQp = static_cast<std::int8_t>(middleQp + in.se());
+    skipNumbers(in, 2); // other quantisers
     const bool deblockingControl = in.bits(1);
-    in.bits(1);
+    in.bits(1); // constrained prediction
     const bool redundant = in.bits(1);
     return !cabac && !fieldOrder && sliceGroups == 0 && deblockingControl && !redundant;
 }
@@ -66,9 +70,7 @@ StripPicture StripPicture::fromSlice(const StripLayout &layout, const std::uint8
     BitReader in(payload.data(), payload.size());
     StripPicture picture;
     picture.nalHeader = static_cast<std::uint8_t>(in.bits(8));
-    in.ue();
-    in.ue();
-    in.ue();
+    skipNumbers(in, 3); // first macroblock, kind of slice, id of the picture's set
     picture.frameNum = static_cast<std::uint16_t>(in.bits(layout.frameNumBits));
     if (picture.isIdr())
         picture.idrPicId = static_cast<std::uint16_t>(in.ue());

@@ -8,6 +8,9 @@
 
 namespace ZorvaneDemo {
 
+/// Side of the square that H.264 codes as one, in luma samples.
+constexpr int macroblock = 16;
+
 /// What a slice of the strip shares with every other picture of its clip.
 struct StripLayout {
     std::uint16_t widthMbs = 0;

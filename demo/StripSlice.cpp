@@ -13,7 +13,7 @@ namespace ZorvaneDemo {
 namespace {
 
 constexpr int sliceQp = 36;
-/// One step of a luma DC level at sliceQp changes a sample by 160/64.
+/// One step of a luma DC level at sliceQp changes a sample by levelScale / 2^residualShift.
 constexpr int levelScale = 160;
 constexpr int residualShift = 6;
 /// Chroma DC levels that tint the strip a slate blue.
@@ -30,7 +30,7 @@ int rounded(double value)
 
 Cavlc::LumaDc levelsFor(const Quarters &target, int prediction)
 {
-    const double step = levelScale / 64.0;
+    const double step = levelScale / static_cast<double>(1 << residualShift);
     const auto level = [&](int a, int b, int c, int d) {
         return (a * (target[0] - prediction) + b * (target[1] - prediction) +
                 c * (target[2] - prediction) + d * (target[3] - prediction)) /
@@ -63,11 +63,12 @@ int predictionFrom(const Quarters *left, const Quarters *top)
 
 Quarters wanted(const StripLayout &layout, const StripCode::Cells &cells, int column, int row)
 {
+    constexpr int side = macroblock / 2;
     Quarters result{};
-    const int width = layout.widthMbs * 16;
+    const int width = layout.widthMbs * macroblock;
     for (int quarter = 0; quarter < 4; ++quarter) {
-        const int x = column * 16 + quarter % 2 * 8 + 4;
-        const int y = row * 16 + quarter / 2 * 8 + 4;
+        const int x = column * macroblock + quarter % 2 * side + side / 2;
+        const int y = row * macroblock + quarter / 2 * side + side / 2;
         const int cell = x * StripCode::cellCount / width;
         const bool light = y >= layout.cellTop && cells[static_cast<std::size_t>(cell)];
         result[static_cast<std::size_t>(quarter)] =

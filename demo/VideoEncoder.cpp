@@ -6,7 +6,6 @@
 #include <cstring>
 
 extern "C" {
-#include <libavcodec/avcodec.h>
 #include <libavutil/opt.h>
 }
 
@@ -14,7 +13,6 @@ namespace ZorvaneDemo {
 
 namespace {
 
-constexpr int macroblock = 16;
 constexpr unsigned sliceNal = 1;
 constexpr unsigned idrNal = 5;
 constexpr unsigned spsNal = 7;
@@ -68,13 +66,6 @@ VideoEncoder::VideoEncoder(PictureSize pictureSize, int framesPerSecond) : size(
         paintFixedLines();
 }
 
-VideoEncoder::~VideoEncoder()
-{
-    av_packet_free(&output);
-    av_frame_free(&frame);
-    avcodec_free_context(&codec);
-}
-
 bool VideoEncoder::fail(const std::string &what)
 {
     if (failure.empty())
@@ -87,9 +78,9 @@ bool VideoEncoder::open(int framesPerSecond)
     const AVCodec *encoder = avcodec_find_encoder_by_name("libx264");
     if (!encoder)
         return fail("FFmpeg has no libx264 encoder");
-    codec = avcodec_alloc_context3(encoder);
-    output = av_packet_alloc();
-    frame = av_frame_alloc();
+    codec.reset(avcodec_alloc_context3(encoder));
+    output.reset(av_packet_alloc());
+    frame.reset(av_frame_alloc());
 
     StripLayout &strip = writer.header.strip;
     strip.widthMbs = static_cast<std::uint16_t>(size.width / macroblock);
@@ -121,7 +112,7 @@ bool VideoEncoder::open(int framesPerSecond)
     av_opt_set(codec->priv_data, "preset", "superfast", 0);
     av_opt_set(codec->priv_data, "crf", size.width > 1000 ? "26" : "25", 0);
     av_opt_set(codec->priv_data, "x264-params", parameters.c_str(), 0);
-    if (avcodec_open2(codec, encoder, nullptr) < 0)
+    if (avcodec_open2(codec.get(), encoder, nullptr) < 0)
         return fail("cannot open the H.264 encoder");
 
     for (const Unit &unit :
@@ -137,7 +128,7 @@ bool VideoEncoder::open(int framesPerSecond)
     frame->format = codec->pix_fmt;
     frame->width = codec->width;
     frame->height = codec->height;
-    if (av_frame_get_buffer(frame, 0) < 0)
+    if (av_frame_get_buffer(frame.get(), 0) < 0)
         return fail("no memory for a picture");
     return true;
 }
@@ -147,7 +138,7 @@ void VideoEncoder::paintFixedLines()
     for (int plane = 0; plane < 3; ++plane) {
         const int lines = plane == 0 ? codedHeight : codedHeight / 2;
         for (int y = 0; y < lines; ++y)
-            std::memset(frame->data[plane] + y * frame->linesize[plane], placeholder[plane],
+            std::memset(codedLine(plane, y), placeholder[plane],
                         static_cast<std::size_t>(lineBytes(plane)));
     }
 }
@@ -160,7 +151,12 @@ int VideoEncoder::lineBytes(int plane) const
 std::uint8_t *VideoEncoder::line(int plane, int y)
 {
     const int top = plane == 0 ? cropTop : cropTop / 2;
-    return frame->data[plane] + (y + top) * frame->linesize[plane];
+    return codedLine(plane, y + top);
+}
+
+std::uint8_t *VideoEncoder::codedLine(int plane, int y)
+{
+    return frame->data[plane] + std::ptrdiff_t(y) * frame->linesize[plane];
 }
 
 int VideoEncoder::sceneHeight() const
@@ -173,22 +169,22 @@ bool VideoEncoder::encode()
     if (!failure.empty())
         return false;
     frame->pts = frameNumber++;
-    if (avcodec_send_frame(codec, frame) < 0)
+    if (avcodec_send_frame(codec.get(), frame.get()) < 0)
         return fail("the H.264 encoder refused a picture");
     // The encoder has its own copy of a picture once it was sent without look-ahead.
-    return av_frame_make_writable(frame) >= 0 && receive();
+    return av_frame_make_writable(frame.get()) >= 0 && receive();
 }
 
 bool VideoEncoder::receive()
 {
     for (;;) {
-        const int result = avcodec_receive_packet(codec, output);
+        const int result = avcodec_receive_packet(codec.get(), output.get());
         if (result == AVERROR(EAGAIN) || result == AVERROR_EOF)
             return true;
         if (result < 0)
             return fail("the H.264 encoder failed");
-        const bool taken = take(output);
-        av_packet_unref(output);
+        const bool taken = take(output.get());
+        av_packet_unref(output.get());
         if (!taken)
             return false;
     }
@@ -217,7 +213,7 @@ bool VideoEncoder::finish(const std::string &fileName)
 {
     if (!failure.empty())
         return false;
-    avcodec_send_frame(codec, nullptr);
+    avcodec_send_frame(codec.get(), nullptr);
     if (!receive())
         return false;
     if (static_cast<std::int64_t>(writer.packetCount()) != frameNumber)

@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <memory>
 #include <string>
 
+#include "demo/AvHandles.h"
 #include "demo/Clip.h"
-
-struct AVCodecContext;
-struct AVFrame;
-struct AVPacket;
 
 namespace ZorvaneDemo {
 
@@ -18,9 +14,6 @@ class VideoEncoder
 {
 public:
     VideoEncoder(PictureSize size, int framesPerSecond);
-    ~VideoEncoder();
-    VideoEncoder(const VideoEncoder &) = delete;
-    VideoEncoder &operator=(const VideoEncoder &) = delete;
 
     /// Empty while all is well, else what failed.
     const std::string &error() const { return failure; }
@@ -28,7 +21,6 @@ public:
     /// The visible lines of a plane (0 to 2) of the picture to encode next; what is not
     /// written keeps the picture before. The last lines belong to the strip.
     std::uint8_t *line(int plane, int y);
-    int lineBytes(int plane) const;
     /// Visible luma lines above the strip.
     int sceneHeight() const;
 
@@ -38,6 +30,8 @@ public:
 
 private:
     bool open(int framesPerSecond);
+    int lineBytes(int plane) const;
+    std::uint8_t *codedLine(int plane, int y);
     void paintFixedLines();
     bool receive();
     bool take(const AVPacket *packet);
@@ -47,9 +41,9 @@ private:
     int codedHeight = 0;
     int cropTop = 0;
     std::int64_t frameNumber = 0;
-    AVCodecContext *codec = nullptr;
-    AVFrame *frame = nullptr;
-    AVPacket *output = nullptr;
+    CodecHandle codec;
+    FrameHandle frame;
+    PacketHandle output;
     ClipWriter writer;
     std::string failure;
 };

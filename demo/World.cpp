@@ -9,6 +9,17 @@
 
 namespace ZorvaneDemo {
 
+namespace {
+
+template <typename Servers>
+auto findIn(Servers &servers, const std::string &id)
+{
+    return std::find_if(servers.begin(), servers.end(),
+                        [&](const Server &server) { return server.id == id; });
+}
+
+} // namespace
+
 World::World(const WorldOptions &options) : maker(options), list(maker.makeAll()), original(list)
 {
 }
@@ -24,25 +35,18 @@ void World::setLanPorts(const std::vector<int> &ports)
     original = list;
 }
 
-const Server *World::find(const std::string &id) const
-{
-    const auto found = std::find_if(list.begin(), list.end(),
-                                    [&](const Server &server) { return server.id == id; });
-    return found == list.end() ? nullptr : &*found;
-}
-
 std::optional<Server> World::server(const std::string &id) const
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    const Server *found = find(id);
-    return found ? std::optional<Server>(*found) : std::nullopt;
+    const auto found = findIn(list, id);
+    return found == list.end() ? std::nullopt : std::optional<Server>(*found);
 }
 
 std::optional<Camera> World::camera(const std::string &serverOf, int id, Server *owner) const
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    const Server *found = find(serverOf);
-    if (!found)
+    const auto found = findIn(list, serverOf);
+    if (found == list.end())
         return std::nullopt;
     const auto camera = found->cameras.find(id);
     if (camera == found->cameras.end())
@@ -76,8 +80,7 @@ template <typename Change>
 bool World::changeServer(const std::string &id, Change change)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    const auto found = std::find_if(list.begin(), list.end(),
-                                    [&](const Server &server) { return server.id == id; });
+    const auto found = findIn(list, id);
     if (found == list.end() || !change(*found))
         return false;
     ++changes;
@@ -145,8 +148,7 @@ std::string World::addServer(const std::string &name, int cameras)
 bool World::removeServer(const std::string &id)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    const auto found = std::find_if(list.begin(), list.end(),
-                                    [&](const Server &server) { return server.id == id; });
+    const auto found = findIn(list, id);
     if (found == list.end())
         return false;
     list.erase(found);

@@ -53,7 +53,6 @@ public:
     void reset();
 
 private:
-    const Server *find(const std::string &id) const;
     template <typename Change>
     bool changeServer(const std::string &id, Change change);
     template <typename Change>

@@ -58,7 +58,7 @@ void giveTraits(Server *server, int index, int camerasBefore)
         giveTrait(&camera, camerasBefore++);
 }
 
-/// How many cameras the server at `index` has when `cameras` are shared out.
+/// How many of the cameras each server gets.
 std::vector<int> shares(const WorldOptions &options)
 {
     std::vector<int> result(static_cast<std::size_t>(options.servers), 0);

@@ -15,7 +15,7 @@ extern "C" {
 #include <libavutil/log.h>
 }
 
-#include "demo/Certificate.h"
+#include "demo/Certificates.h"
 #include "demo/ClipStore.h"
 #include "demo/Demo.h"
 #include "demo/Options.h"

@@ -5,13 +5,13 @@
 #include <array>
 #include <cmath>
 
+#include "demo/LocalTime.h"
 #include "demo/StripCode.h"
 
 namespace ZorvaneDemo {
 
 namespace {
 
-constexpr int minuteMs = 60'000;
 constexpr int leastContrast = 20;
 // Lines within the strip that are tried, as parts of its height: a tile's border may cover
 // the outermost ones.
@@ -40,8 +40,14 @@ std::optional<StripCode> readLine(const QImage &picture, const QRectF &area, int
         values[static_cast<std::size_t>(i)] = brightness(picture, cell, y);
     }
     // The fixed cells tell what light and dark are here.
-    const int light = (values[0] + values[2] + values[39]) / 3;
-    const int dark = (values[1] + values[3] + values[38]) / 3;
+    const auto mean = [&values](const std::array<int, 3> &places) {
+        int sum = 0;
+        for (const int place : places)
+            sum += values[static_cast<std::size_t>(place)];
+        return sum / static_cast<int>(places.size());
+    };
+    const int light = mean(StripCode::lightCells);
+    const int dark = mean(StripCode::darkCells);
     if (light - dark < leastContrast)
         return std::nullopt;
     StripCode::Cells cells{};
@@ -95,9 +101,8 @@ QRect StripReader::pictureArea(const QSize &tile, const QSize &source)
 int StripReader::ageMs(const Strip &strip, qint64 nowMs)
 {
     constexpr int futureMs = 1000;
-    const int second = static_cast<int>(nowMs % minuteMs);
-    const int age = (second - strip.milliseconds + minuteMs) % minuteMs;
-    return age > minuteMs - futureMs ? age - minuteMs : age;
+    const qint64 age = (nowMs - strip.milliseconds + minuteMs) % minuteMs;
+    return static_cast<int>(age > minuteMs - futureMs ? age - minuteMs : age);
 }
 
 } // namespace ZorvaneDemo

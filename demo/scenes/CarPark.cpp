@@ -11,8 +11,6 @@ namespace ZorvaneDemo {
 
 namespace {
 
-constexpr Rgb metal = rgb(0x4a5159);
-
 class CarPark : public Scene
 {
 public:
@@ -43,7 +41,7 @@ public:
         paintRow(cr, 296, 112, 16, 60, 0.74, 41);
         paintRow(cr, 472, 148, 12, 40, 0.66, 42);
         paintRow(cr, 692, 196, 9, 10, 0.56, 43);
-        paintLampPost(cr, {632, 392}, 260, metal, 1);
+        paintLampPost(cr, {632, 392}, 260);
         vignette(cr, 0.35);
     }
 

@@ -61,23 +61,25 @@ public:
     {
         std::vector<Sprite> result;
         const auto walk = [&](double start, double side, bool coming, int person) {
+            // A person beside the height of the opening; the scales at both ends of the walk.
+            constexpr double share = 0.62;
+            constexpr double least = 0.22;
+            constexpr double most = 0.97;
+            constexpr double duration = 15;
             const Point away = tunnel.floor(side, 0.78);
-            const Point near{tunnel.floor(side, 0.03)};
-            const double small = (tunnel.above + tunnel.below) * 0.22 * 0.62;
-            const double large = (tunnel.above + tunnel.below) * 0.97 * 0.62;
-            const double part = progress(seconds, start, 15);
+            const Point near = tunnel.floor(side, 0.03);
+            const double small = (tunnel.above + tunnel.below) * least * share;
+            const double large = (tunnel.above + tunnel.below) * most * share;
+            const double part = progress(seconds, start, duration);
             if (part < 0)
                 return;
             // Evenly in the room is not evenly in the picture.
             const double nearness = coming ? part : 1 - part;
-            const double scale = 1 / (1 / 0.22 + (1 / 0.97 - 1 / 0.22) * nearness);
-            const double t = (scale - 0.22) / (0.97 - 0.22);
+            const double scale = 1 / (1 / least + (1 / most - 1 / least) * nearness);
+            const double t = (scale - least) / (most - least);
             const Point feet{away.x + (near.x - away.x) * t, away.y + (near.y - away.y) * t};
-            const double h = small + (large - small) * t;
-            const double stride = part * 15 * 1.9 * pi;
-            result.push_back(
-                {feet.x - 0.42 * h, feet.y - 1.05 * h, 0.84 * h, 1.15 * h,
-                 [=](cairo_t *cr) { paintPerson(cr, feet, h, stride, 0, look(person), 0.97); }});
+            const double tall = small + (large - small) * t;
+            addWalker(&result, {feet, tall, 0, part * duration}, look(person), 0.97);
         };
         walk(44, 0.25, true, 5);
         walk(1, -0.35, true, 0);

@@ -66,9 +66,6 @@ public:
         const double open = opening(seconds);
         result.push_back({372, 130, 536, 345, [open](cairo_t *cr) { paintDoors(cr, open); }});
         for (const Visit &visit : visits()) {
-            const double part = progress(seconds, visit.start, duration);
-            if (part < 0)
-                continue;
             addWalk(&result, seconds,
                     {visit.start, duration, visit.from, visit.to, heightAt(visit.from.y),
                      heightAt(visit.to.y), look(visit.person)});

@@ -52,7 +52,6 @@ public:
     std::vector<Sprite> sprites(double seconds) const override
     {
         std::vector<Sprite> result;
-        const PersonLook worker{rgb(0xe8772e), rgb(0x2f3a4a), rgb(0xe9c63c), false};
         addWalk(&result, seconds, {3, 18, {480, 462}, {1080, 468}, 152, 152, worker});
         addWalk(&result, seconds, {33, 18, {1080, 468}, {480, 462}, 152, 152, worker});
         addTruck(&result, seconds);
@@ -86,7 +85,7 @@ private:
 
     static void paintPallets(cairo_t *cr, Point at)
     {
-        fillEllipse(cr, {at.x, at.y + 2}, 84, 9, rgb(0x101418), 0.3);
+        fillEllipse(cr, {at.x, at.y + 2}, 84, 9, shadow, 0.3);
         for (int row = 0; row < 3; ++row) {
             for (int box = 0; box < 3 - row / 2; ++box)
                 fillRounded(cr, {at.x - 72 + box * 48.0 + row * 8, at.y - 52 - row * 40.0, 46, 38},
@@ -108,7 +107,7 @@ private:
         const double x = -420 + back * 470;
         sprites->push_back(
             {x - 30, 190, 480, 400, [=](cairo_t *cr) {
-                 fillEllipse(cr, {x + 200, 566}, 230, 18, rgb(0x101418), 0.35);
+                 fillEllipse(cr, {x + 200, 566}, 230, 18, shadow, 0.35);
                  fillRounded(cr, {x + 120, 210, 300, 290}, 8, rgb(0xeceae3));
                  fillBox(cr, {x + 120, 330, 300, 50}, rgb(0x2f6b8e));
                  fillPolygon(cr, {{x + 190, 330}, {x + 240, 330}, {x + 210, 380}, {x + 160, 380}},

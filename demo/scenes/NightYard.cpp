@@ -67,8 +67,8 @@ private:
     {
         constexpr double tall = 260;
         const Rgb warm = rgb(0xffd590);
-        paintLampPost(cr, foot, tall, rgb(0x55606b), 1);
-        const Point head{foot.x + 0.16 * tall, foot.y - 1.0 * tall};
+        paintLampPost(cr, foot, tall, rgb(0x55606b));
+        const Point head{foot.x + 0.16 * tall, foot.y - tall};
         lightCone(cr, head, foot.y + 60, 150, warm, 0.42);
         glow(cr, head, 80, warm, 0.85);
         cairo_save(cr);

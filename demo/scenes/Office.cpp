@@ -82,16 +82,16 @@ private:
         cairo_save(cr);
         cairo_translate(cr, at.x, at.y);
         cairo_scale(cr, scale, scale);
-        fillEllipse(cr, {0, 34}, 160, 12, rgb(0x101418), 0.3);
+        fillEllipse(cr, {0, 34}, 160, 12, shadow, 0.3);
         // The person behind the desk, turned towards the screen.
         const double nod = 2 * std::sin(2 * pi * seconds / 6 + at.x);
         fillRounded(cr, {-98, -112, 76, 110}, 16, rgb(0x2f353b));
         fillRounded(cr, {-92, -96, 64, 100}, 24, wears.coat);
-        fillEllipse(cr, {-58, -122 + nod}, 24, 29, rgb(0xd9a98a));
+        fillEllipse(cr, {-58, -122 + nod}, 24, 29, skin);
         fillEllipse(cr, {-62, -134 + nod}, 26, 21, wears.hair);
         const double typing = 3 * std::sin(2 * pi * seconds * 2 + at.x);
         strokeLine(cr, {-46, -64}, {-8, -22 + typing}, 16, shaded(wears.coat, 0.88));
-        fillEllipse(cr, {-4, -20 + typing}, 8, 7, rgb(0xd9a98a));
+        fillEllipse(cr, {-4, -20 + typing}, 8, 7, skin);
         fillRounded(cr, {-155, -16, 310, 14}, 4, rgb(0xcaa777));
         fillBox(cr, {-148, -2, 296, 8}, rgb(0x9c7c50));
         for (const double x : {-140.0, 130.0})

@@ -11,7 +11,6 @@ namespace ZorvaneDemo {
 namespace {
 
 constexpr double stepsPerSecond = 1.9;
-constexpr Rgb skin = rgb(0xd9a98a);
 
 void paintLeg(cairo_t *cr, Point hip, double length, double swing, double width, Rgb colour)
 {
@@ -23,23 +22,7 @@ void paintLeg(cairo_t *cr, Point hip, double length, double swing, double width,
     strokeLine(cr, foot, {foot.x + width * 0.35, foot.y}, width * 0.8, rgb(0x2a2522));
 }
 
-} // namespace
-
-PersonLook look(int number)
-{
-    constexpr std::array<PersonLook, 8> looks{{
-        {rgb(0x3d5a80), rgb(0x2b2d42), rgb(0x3a2a20), true},
-        {rgb(0xb5453c), rgb(0x39424e), rgb(0x1f1a17), false},
-        {rgb(0xd9a441), rgb(0x4a4e58), rgb(0x6b4a2f), true},
-        {rgb(0x4f7f5b), rgb(0x2f3640), rgb(0x2a211c), false},
-        {rgb(0x7d6b91), rgb(0x3b3b46), rgb(0x8a6b45), false},
-        {rgb(0xd8d4cc), rgb(0x3e5068), rgb(0x251d19), true},
-        {rgb(0x2f3b46), rgb(0x22262b), rgb(0x555049), false},
-        {rgb(0xe07a3f), rgb(0x33384a), rgb(0x30241d), false},
-    }};
-    return looks[static_cast<std::size_t>(number) % looks.size()];
-}
-
+/// `stride` is the angle of the legs' swing.
 void paintPerson(cairo_t *cr, Point feet, double height, double stride, int direction,
                  const PersonLook &wears, double brightness)
 {
@@ -76,6 +59,23 @@ void paintPerson(cairo_t *cr, Point feet, double height, double stride, int dire
     fillEllipse(cr, {head.x - direction * 0.018 * h, head.y - 0.03 * h}, 0.07 * h, 0.06 * h, hair);
 }
 
+} // namespace
+
+PersonLook look(int number)
+{
+    constexpr std::array<PersonLook, 8> looks{{
+        {rgb(0x3d5a80), rgb(0x2b2d42), rgb(0x3a2a20), true},
+        {rgb(0xb5453c), rgb(0x39424e), rgb(0x1f1a17), false},
+        {rgb(0xd9a441), rgb(0x4a4e58), rgb(0x6b4a2f), true},
+        {rgb(0x4f7f5b), rgb(0x2f3640), rgb(0x2a211c), false},
+        {rgb(0x7d6b91), rgb(0x3b3b46), rgb(0x8a6b45), false},
+        {rgb(0xd8d4cc), rgb(0x3e5068), rgb(0x251d19), true},
+        {rgb(0x2f3b46), rgb(0x22262b), rgb(0x555049), false},
+        {rgb(0xe07a3f), rgb(0x33384a), rgb(0x30241d), false},
+    }};
+    return looks[static_cast<std::size_t>(number) % looks.size()];
+}
+
 void addWalk(std::vector<Sprite> *sprites, double seconds, const Walk &walk)
 {
     const double part = progress(seconds, walk.startSecond, walk.duration);
@@ -86,11 +86,19 @@ void addWalk(std::vector<Sprite> *sprites, double seconds, const Walk &walk)
     const double height = walk.heightFrom + (walk.heightTo - walk.heightFrom) * part;
     const double across = walk.to.x - walk.from.x;
     const int direction = std::abs(across) < 30 ? 0 : across > 0 ? 1 : -1;
-    const double stride = part * walk.duration * stepsPerSecond * pi;
+    addWalker(sprites, {feet, height, direction, part * walk.duration}, walk.look, walk.brightness);
+}
+
+void addWalker(std::vector<Sprite> *sprites, const Walker &walker, const PersonLook &wears,
+               double brightness)
+{
+    const Point feet = walker.feet;
+    const double height = walker.height;
+    const double stride = walker.walkedSeconds * stepsPerSecond * pi;
     sprites->push_back({feet.x - 0.42 * height, feet.y - 1.05 * height, 0.84 * height,
                         1.15 * height, [=](cairo_t *cr) {
-                            paintPerson(cr, feet, height, stride, direction, walk.look,
-                                        walk.brightness);
+                            paintPerson(cr, feet, height, stride, walker.direction, wears,
+                                        brightness);
                         }});
 }
 

@@ -15,6 +15,10 @@ struct PersonLook {
     bool bag = false;
 };
 
+constexpr Rgb skin = rgb(0xd9a98a);
+/// Someone who loads and stores.
+constexpr PersonLook worker{rgb(0xe8772e), rgb(0x2f3a4a), rgb(0xe9c63c), false};
+
 /// A few people who come back in every scene.
 PersonLook look(int number);
 
@@ -36,7 +40,15 @@ void addWalk(std::vector<Sprite> *sprites, double seconds, const Walk &walk);
 void addStanding(std::vector<Sprite> *sprites, double seconds, Point feet, double height,
                  const PersonLook &look, double brightness = 1);
 
-void paintPerson(cairo_t *cr, Point feet, double height, double stride, int direction,
-                 const PersonLook &look, double brightness);
+/// Someone in the middle of a walk.
+struct Walker {
+    Point feet;
+    double height;
+    int direction;        ///< 1 to the right, -1 to the left, 0 towards the viewer or away
+    double walkedSeconds; ///< how far the legs are
+};
+
+void addWalker(std::vector<Sprite> *sprites, const Walker &walker, const PersonLook &look,
+               double brightness);
 
 } // namespace ZorvaneDemo

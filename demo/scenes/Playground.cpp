@@ -64,7 +64,7 @@ public:
 private:
     static void paintSlide(cairo_t *cr)
     {
-        fillEllipse(cr, {440, 566}, 150, 14, rgb(0x101418), 0.25);
+        fillEllipse(cr, {440, 566}, 150, 14, shadow, 0.25);
         strokeLine(cr, {330, 400}, {322, 560}, 10, rgb(0x3d6f9a));
         strokeLine(cr, {366, 400}, {366, 560}, 10, rgb(0x3d6f9a));
         for (int rung = 0; rung < 6; ++rung)
@@ -96,7 +96,7 @@ private:
                  const PersonLook wears = look(person);
                  const double rope = 190;
                  const Point seat{x + rope * std::sin(angle), 332 + rope * std::cos(angle)};
-                 fillEllipse(cr, {seat.x, 562}, 34, 6, rgb(0x101418), 0.22);
+                 fillEllipse(cr, {seat.x, 562}, 34, 6, shadow, 0.22);
                  strokeLine(cr, {x - 12, 332}, {seat.x - 12, seat.y}, 2.5, rgb(0x50565c));
                  strokeLine(cr, {x + 12, 332}, {seat.x + 12, seat.y}, 2.5, rgb(0x50565c));
                  fillRounded(cr, {seat.x - 24, seat.y - 3, 48, 8}, 3, rgb(0x6b4b35));
@@ -107,7 +107,7 @@ private:
                  fillRounded(cr, {seat.x - 15, seat.y - 52, 30, 48}, 12, wears.coat);
                  strokeLine(cr, {seat.x, seat.y - 42}, {seat.x + 12, seat.y - 66}, 8,
                             shaded(wears.coat, 0.85));
-                 fillEllipse(cr, {seat.x + 2, seat.y - 68}, 14, 16, rgb(0xd9a98a));
+                 fillEllipse(cr, {seat.x + 2, seat.y - 68}, 14, 16, skin);
                  fillEllipse(cr, {seat.x, seat.y - 76}, 15, 11, wears.hair);
              }});
     }
@@ -126,7 +126,7 @@ private:
                  fillRounded(cr, {at.x - 15, at.y - 42, 30, 46}, 12, wears.coat);
                  strokeLine(cr, {at.x, at.y - 32}, {at.x - 22, at.y - 56}, 8, wears.coat);
                  strokeLine(cr, {at.x + 4, at.y - 32}, {at.x + 24, at.y - 58}, 8, wears.coat);
-                 fillEllipse(cr, {at.x, at.y - 56}, 14, 16, rgb(0xd9a98a));
+                 fillEllipse(cr, {at.x, at.y - 56}, 14, 16, skin);
                  fillEllipse(cr, {at.x - 2, at.y - 64}, 15, 11, wears.hair);
              }});
     }
@@ -139,7 +139,7 @@ private:
         const Point at{1100 - part * 800,
                        640 - 90 * std::abs(std::sin(part * pi * 6)) * (1 - part)};
         sprites->push_back({at.x - 40, at.y - 30, 80, 150, [=](cairo_t *cr) {
-                                fillEllipse(cr, {at.x, 656}, 16, 4, rgb(0x101418), 0.3);
+                                fillEllipse(cr, {at.x, 656}, 16, 4, shadow, 0.3);
                                 fillEllipse(cr, at, 17, 17, rgb(0xd8473c));
                                 fillEllipse(cr, {at.x - 5, at.y - 6}, 6, 5, rgb(0xffffff), 0.55);
                             }});

@@ -51,7 +51,7 @@ public:
         fillRounded(cr, {-10, 494, width + 20, 9}, 4, rgb(0x2f3338));
         strokeLine(cr, {0, 534}, {width, 534}, 3, rgb(0x2f3338));
         for (const double x : {180.0, 700.0, 1190.0}) {
-            paintLampPost(cr, {x, 600}, 270, rgb(0x2f3338), 1);
+            paintLampPost(cr, {x, 600}, 270, rgb(0x2f3338));
             glow(cr, {x + 43, 335}, 90, rgb(0xffe2a8), 0.8);
         }
         vignette(cr, 0.4);
@@ -137,7 +137,7 @@ private:
                  cairo_scale(cr, direction, 1);
                  const Rgb frame = rgb(0x2f6b73);
                  for (const double wheel : {-52.0, 52.0}) {
-                     fillEllipse(cr, {wheel, 0}, 38, 5, rgb(0x101418), 0.35);
+                     fillEllipse(cr, {wheel, 0}, 38, 5, shadow, 0.35);
                      cairo_set_source_rgb(cr, 0.1, 0.1, 0.12);
                      cairo_set_line_width(cr, 5);
                      cairo_arc(cr, wheel, -34, 32, 0, 2 * pi);
@@ -155,7 +155,7 @@ private:
                  strokeLine(cr, {12, -66}, pedal, 11, shaded(wears.trousers, 0.8));
                  strokeLine(cr, {-24, -94}, {12, -142}, 26, shaded(wears.coat, 0.8));
                  strokeLine(cr, {12, -140}, {38, -100}, 9, shaded(wears.coat, 0.7));
-                 fillEllipse(cr, {22, -162}, 13, 15, shaded(rgb(0xd9a98a), 0.85));
+                 fillEllipse(cr, {22, -162}, 13, 15, shaded(skin, 0.85));
                  fillEllipse(cr, {20, -170}, 15, 11, rgb(0xc8423a));
                  cairo_restore(cr);
              }});

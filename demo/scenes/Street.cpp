@@ -11,8 +11,6 @@ namespace ZorvaneDemo {
 
 namespace {
 
-constexpr Rgb metal = rgb(0x4a5159);
-
 class Street : public Scene
 {
 public:
@@ -51,7 +49,7 @@ public:
         for (const double x : {70.0, 395.0, 905.0, 1180.0})
             paintTree(cr, {x, 462}, 190, rgb(0x5f8f4e), static_cast<std::uint32_t>(x));
         for (const double x : {230.0, 830.0})
-            paintLampPost(cr, {x, 470}, 260, metal, 1);
+            paintLampPost(cr, {x, 470}, 260);
         vignette(cr, 0.35);
     }
 

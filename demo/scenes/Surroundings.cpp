@@ -61,12 +61,12 @@ void paintCloud(cairo_t *cr, Point centre, double size, double alpha)
     cairo_paint_with_alpha(cr, alpha);
 }
 
-void paintLampPost(cairo_t *cr, Point foot, double height, Rgb metal, int arm)
+void paintLampPost(cairo_t *cr, Point foot, double height, Rgb metal)
 {
     const double top = foot.y - height;
     fillEllipse(cr, foot, 0.03 * height, 0.008 * height, shadow, 0.35);
     strokeLine(cr, foot, {foot.x, top}, 0.018 * height, metal);
-    const Point head{foot.x + arm * 0.16 * height, top - 0.02 * height};
+    const Point head{foot.x + 0.16 * height, top - 0.02 * height};
     strokeLine(cr, {foot.x, top}, head, 0.013 * height, metal);
     fillRounded(cr, {head.x - 0.05 * height, head.y - 0.01 * height, 0.10 * height, 0.03 * height},
                 0.01 * height, shaded(metal, 0.8));

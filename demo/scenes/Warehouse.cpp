@@ -51,7 +51,6 @@ public:
     std::vector<Sprite> sprites(double seconds) const override
     {
         std::vector<Sprite> result;
-        const PersonLook worker{rgb(0xe8772e), rgb(0x2f3a4a), rgb(0xe9c63c), false};
         const PersonLook clerk{rgb(0xd8de3e), rgb(0x33384a), rgb(0xf2f2f2), false};
         addWalk(&result, seconds, {6, 22, {560, 395}, {330, 640}, 92, 265, worker, 0.95});
         addForklift(&result, seconds, 14, 13, {700, 402}, {900, 640}, 0.28, 0.82);
@@ -123,7 +122,7 @@ private:
         cairo_save(cr);
         cairo_translate(cr, at.x, at.y);
         cairo_scale(cr, scale, scale);
-        fillEllipse(cr, {0, 0}, 120, 20, rgb(0x101418), 0.4);
+        fillEllipse(cr, {0, 0}, 120, 20, shadow, 0.4);
         fillRounded(cr, {-92, -52, 34, 54}, 10, rgb(0x1b1d20));
         fillRounded(cr, {58, -52, 34, 54}, 10, rgb(0x1b1d20));
         fillRounded(cr, {-85, -140, 170, 120}, 18, rgb(0xe2a92c));
@@ -131,7 +130,7 @@ private:
         fillBox(cr, {-78, -275, 10, 150}, rgb(0x33383d));
         fillBox(cr, {68, -275, 10, 150}, rgb(0x33383d));
         fillRounded(cr, {-88, -288, 176, 18}, 6, rgb(0x33383d));
-        fillEllipse(cr, {0, -205}, 27, 30, rgb(0xd9a98a));
+        fillEllipse(cr, {0, -205}, 27, 30, skin);
         fillEllipse(cr, {0, -220}, 31, 24, rgb(0xf2f2ea));
         fillRounded(cr, {-40, -180, 80, 60}, 20, rgb(0xe8772e));
         fillBox(cr, {-60, -165, 12, 150}, rgb(0x4a5056));

@@ -15,6 +15,8 @@
 
 namespace ZorvaneClient::Pictures {
 
+using namespace Tests;
+
 namespace {
 
 constexpr int daysBefore = 24;
@@ -86,7 +88,7 @@ void takeMessage(Studio &studio, const char *name, const char *caption, const De
 
 void takeStripMessages(Studio &studio)
 {
-    DemoFault fault;
+    ZorvaneDemo::DemoFault fault;
     fault.route = QStringLiteral("//archive/list");
     fault.kind = QStringLiteral("stall");
     require(studio.service.addFault(fault) > 0, "fault");

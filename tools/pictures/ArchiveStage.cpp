@@ -1,17 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "tools/pictures/ArchiveStage.h"
 
-#include <algorithm>
-
 #include "API/Camera.h"
-#include "GUI/LayoutWidget.h"
 #include "GUI/MainWindow.h"
-#include "GUI/Player/VideoWidget.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
 #include "tools/pictures/Studio.h"
 
 namespace ZorvaneClient::Pictures {
+
+using namespace Tests;
 
 QDate yesterday()
 {
@@ -44,13 +42,7 @@ void showRecordsOf(const API::CameraPtr &camera)
 void playFrom(const QDateTime &moment)
 {
     mainWindow()->onPlayArchive(moment);
-    waitFor(
-        [] {
-            const QList<GUI::Player::VideoWidget *> tiles = gridOf(mainWindow())->players();
-            return std::all_of(tiles.begin(), tiles.end(),
-                               [](auto *each) { return stripOf(each).has_value(); });
-        },
-        "archive pictures");
+    waitForPictures("archive pictures");
 }
 
 } // namespace ZorvaneClient::Pictures

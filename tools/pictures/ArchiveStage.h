@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QDate>
+#include <QDateTime>
 
 #include "API/Types.h"
 #include "GUI/ArchiveControlPanel.h"

@@ -22,10 +22,11 @@
 
 namespace ZorvaneClient::Pictures {
 
+using namespace Tests;
+
 namespace {
 
 constexpr int slowBytesPerSecond = 60000;
-constexpr int exportDeadlineMs = 120000;
 constexpr rlim_t fullDiskBytes = 50000;
 constexpr QSize hintCorner(460, 200);
 
@@ -75,7 +76,7 @@ void takeExport(Studio &studio)
     beginExport(camera);
     studio.take("export-selection", "A fragment is chosen");
 
-    DemoFault slow;
+    ZorvaneDemo::DemoFault slow;
     slow.kind = QStringLiteral("slow");
     slow.route = QStringLiteral("/flv/archive");
     slow.value = slowBytesPerSecond;
@@ -87,7 +88,7 @@ void takeExport(Studio &studio)
     waitFor([&] { return isExporting() && !percents.isEmpty(); }, "export");
     studio.take("export-running", "The fragment is being exported");
     studio.service.clearFaults();
-    require(QTest::qWaitFor([&] { return done.size() == 1; }, exportDeadlineMs), "exported file");
+    waitFor([&] { return done.size() == 1; }, "exported file");
     studio.take("hint-exported", "The hint after an export", hintPlace());
 
     beginExport(camera);
@@ -96,7 +97,7 @@ void takeExport(Studio &studio)
     waitFor([] { return exportChild() > 0; }, "export");
     const rlimit limit = {fullDiskBytes, fullDiskBytes};
     require(::prlimit(exportChild(), RLIMIT_FSIZE, &limit, nullptr) == 0, "full disk");
-    require(QTest::qWaitFor([&] { return failed.size() == 1; }, exportDeadlineMs), "failed export");
+    waitFor([&] { return failed.size() == 1; }, "failed export");
     studio.service.clearFaults();
     studio.take("hint-export-failed", "The hint after an export that failed", hintPlace());
 

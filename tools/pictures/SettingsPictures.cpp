@@ -21,11 +21,13 @@
 
 namespace ZorvaneClient::Pictures {
 
+using namespace Tests;
+
 namespace {
 
 const QString versionPath = QStringLiteral("/public/version/client_windows");
 
-/// The menu's entry that opens the settings, by its place from the top.
+/// The menus' entries that open a dialog, by their places from the top.
 constexpr int cardSettingsEntry = 2;
 constexpr int serverEditEntry = 0;
 
@@ -66,7 +68,7 @@ void showPage(const char *expected)
 
 void spoil(Studio &studio, const char *kind)
 {
-    DemoFault fault;
+    ZorvaneDemo::DemoFault fault;
     fault.kind = QLatin1String(kind);
     fault.route = versionPath;
     require(studio.service.addFault(fault) > 0, "fault");
@@ -107,16 +109,8 @@ void takeDialogs(Studio &studio)
             part<QLineEdit>(dialog, "ipAddress")->setText(QStringLiteral("192.168.10.24"));
             part<QCheckBox>(dialog, "showPassword")->click();
         }));
-    const QList<GUI::ServerWidget *> servers = serverWidgets();
-    for (GUI::ServerWidget *server : servers) {
-        if (!cardsOf(server).contains(card(studio.lan.server, studio.lan.camera)))
-            continue;
-        part<QPushButton>(server, "settingsButton")
-            ->menu()
-            ->actions()
-            .at(serverEditEntry)
-            ->trigger();
-    }
+    auto *button = part<QPushButton>(serverOf(studio.lan), "settingsButton");
+    button->menu()->actions().at(serverEditEntry)->trigger();
     waitFor([&] { return visitor.visits() == 1; }, "dialog for a server");
 }
 

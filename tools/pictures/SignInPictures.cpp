@@ -14,6 +14,8 @@
 
 namespace ZorvaneClient::Pictures {
 
+using namespace Tests;
+
 namespace {
 
 const QString sessionsPath = QStringLiteral("/public/sessions");
@@ -61,7 +63,7 @@ void takeSignIn(Studio &studio)
     take(studio, "sign-in-filled", "The sign-in dialog, filled in");
     takeTip(studio, "sign-in-gear", "The tip of the gear", part<QWidget>("settingsButton"));
 
-    DemoFault stall;
+    ZorvaneDemo::DemoFault stall;
     stall.kind = QStringLiteral("stall");
     stall.route = sessionsPath;
     require(studio.service.addFault(stall) > 0, "fault");

@@ -17,12 +17,15 @@
 #include "GUI/LayoutWidget.h"
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
+#include "GUI/ServerWidget.h"
 #include "GUI/SideBar.h"
 #include "GUI/ToolBar.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
 
 namespace ZorvaneClient::Pictures {
+
+using namespace Tests;
 
 namespace {
 
@@ -57,7 +60,7 @@ void settle()
 
 Studio::Studio(const QString &albumFolder) : album(albumFolder)
 {
-    DemoService::Options options;
+    ZorvaneDemo::DemoService::Options options;
     options.servers = 5;
     options.cameras = 30;
     options.scenes = 12;
@@ -114,13 +117,7 @@ API::LayoutPtr Studio::layout(const QString &name, int rows, int columns, int fi
 void Studio::open(const API::LayoutPtr &layout)
 {
     require(mainWindow()->openLayout(layout), "layout");
-    waitFor(
-        [] {
-            const QList<GUI::Player::VideoWidget *> tiles = gridOf(mainWindow())->players();
-            return std::all_of(tiles.begin(), tiles.end(),
-                               [](auto *tile) { return stripOf(tile).has_value(); });
-        },
-        "pictures in every tile");
+    waitForPictures("pictures in every tile");
     hoverNothing();
     settle();
 }
@@ -147,6 +144,27 @@ void Studio::takeMenu(const char *name, const char *caption, QPushButton *button
     settle();
 }
 
+void waitForPictures(const char *what)
+{
+    waitFor(
+        [] {
+            const QList<GUI::Player::VideoWidget *> tiles = gridOf(mainWindow())->players();
+            return std::all_of(tiles.begin(), tiles.end(),
+                               [](auto *tile) { return stripOf(tile).has_value(); });
+        },
+        what);
+}
+
+GUI::ServerWidget *serverOf(const DemoCamera &camera)
+{
+    const QList<GUI::ServerWidget *> servers = serverWidgets();
+    const auto found = std::find_if(servers.begin(), servers.end(), [&](GUI::ServerWidget *server) {
+        return cardsOf(server).contains(card(camera.server, camera.camera));
+    });
+    require(found != servers.end(), "server of a camera");
+    return *found;
+}
+
 void placeMainWindow()
 {
     const QRect screen = mainWindow()->screen()->geometry();
@@ -158,6 +176,12 @@ void placeMainWindow()
 QRect placeOf(const QWidget *part)
 {
     return QRect(part->mapTo(mainWindow(), QPoint()), part->size());
+}
+
+QRect gridPlace()
+{
+    return placeOf(mainWindow()->findChild<GUI::InfoPanel *>())
+        .united(placeOf(gridOf(mainWindow())));
 }
 
 QRect sidePlace()

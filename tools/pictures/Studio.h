@@ -11,17 +11,18 @@
 #include "demo/client/DemoService.h"
 #include "tools/pictures/Album.h"
 
-class QMenu;
 class QPushButton;
 class QWidget;
 
-namespace ZorvaneClient::Tests {
-} // namespace ZorvaneClient::Tests
+namespace ZorvaneClient {
 
-namespace ZorvaneClient::Pictures {
+namespace GUI {
+class ServerWidget;
+}
 
-using namespace Tests;
-using namespace ZorvaneDemo;
+namespace Pictures {
+
+using ZorvaneDemo::DemoCamera;
 
 /// Ends the program when it does not hold, and says what was missing.
 void require(bool holds, const char *what);
@@ -36,7 +37,7 @@ class Studio
 public:
     explicit Studio(const QString &albumFolder);
 
-    DemoService service;
+    ZorvaneDemo::DemoService service;
     Album album;
     /// Cloud cameras that lack nothing.
     QVector<DemoCamera> good;
@@ -60,10 +61,16 @@ public:
                   const QRect &part = QRect());
 };
 
+/// Waits until every tile shows a picture.
+void waitForPictures(const char *what);
+/// The roster's part with the server of that camera.
+GUI::ServerWidget *serverOf(const DemoCamera &camera);
 /// Puts it to the foot of the screen, where popups open upwards as in a maximised window.
 void placeMainWindow();
 /// Where it stands in the main window.
 QRect placeOf(const QWidget *part);
+/// The grid and the panel above it.
+QRect gridPlace();
 /// Side panel and tool bar.
 QRect sidePlace();
 /// The child of the main window of that name.
@@ -86,4 +93,5 @@ void takeExport(Studio &studio);
 void takeSettings(Studio &studio);
 void takeDialogs(Studio &studio);
 
-} // namespace ZorvaneClient::Pictures
+} // namespace Pictures
+} // namespace ZorvaneClient

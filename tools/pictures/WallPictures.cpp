@@ -1,26 +1,16 @@
 // SPDX-License-Identifier: MIT
-#include <QLabel>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QSlider>
 #include <QtTest>
 
-#include <algorithm>
-
 #include "API/Camera.h"
-#include "API/CloudAPIClient.h"
 #include "API/Layout.h"
-#include "GUI/CameraWidget.h"
 #include "GUI/GridSizeEditor.h"
 #include "GUI/InfoPanel.h"
-#include "GUI/LayoutCard.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoPlaceholder.h"
 #include "GUI/Player/VideoWidget.h"
-#include "GUI/RosterWidget.h"
-#include "GUI/ServerWidget.h"
 #include "tests/GUI/DialogVisitor.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
@@ -28,29 +18,9 @@
 
 namespace ZorvaneClient::Pictures {
 
+using namespace Tests;
+
 namespace {
-
-QRect gridPlace()
-{
-    return placeOf(mainWindow()->findChild<GUI::InfoPanel *>())
-        .united(placeOf(gridOf(mainWindow())));
-}
-
-QLineEdit *searchField()
-{
-    return qobject_cast<QLineEdit *>(partNamed("searchEdit"));
-}
-
-GUI::ServerWidget *serverOf(const DemoCamera &camera)
-{
-    const QList<GUI::ServerWidget *> servers = serverWidgets();
-    for (GUI::ServerWidget *server : servers) {
-        if (cardsOf(server).contains(card(camera.server, camera.camera)))
-            return server;
-    }
-    require(false, "server of a camera");
-    return nullptr;
-}
 
 /// A grid of cameras that have nothing to show, each for a reason of its own.
 void takeMessages(Studio &studio)
@@ -70,7 +40,7 @@ void takeMessages(Studio &studio)
         layout->setCamera(studio.camera(camera), cell / 2, cell % 2, 1, 1);
         ++cell;
     }
-    DemoFault stall;
+    ZorvaneDemo::DemoFault stall;
     stall.kind = QStringLiteral("stall");
     stall.route = QStringLiteral("/flv/live");
     require(studio.service.addFault(stall) > 0, "fault");
@@ -122,43 +92,6 @@ void takeEditing(Studio &studio)
 
 } // namespace
 
-void takeRoster(Studio &studio)
-{
-    studio.camera(studio.lan);
-    auto *roster = mainWindow()->findChild<GUI::RosterWidget *>();
-    const auto hasPreviews = [] {
-        const QList<GUI::CameraWidget *> cards = mainWindow()->findChildren<GUI::CameraWidget *>();
-        return std::all_of(cards.begin(), cards.end(), [](GUI::CameraWidget *each) {
-            return !each->isInView() || !each->camera()->isOnline() ||
-                   !each->camera()->sourcePreview().isNull();
-        });
-    };
-    waitFor(hasPreviews, "previews");
-    hoverNothing();
-    studio.take("roster", "The roster", sidePlace());
-    roster->ensureWidgetVisible(serverWidgets().last());
-    waitFor(hasPreviews, "previews");
-    studio.take("roster-offline", "The end of the roster: servers that are offline", sidePlace());
-
-    roster->ensureVisible(0, 0);
-    searchField()->setText(QStringLiteral("ga"));
-    studio.take("roster-search", "A search in the roster", sidePlace());
-    searchField()->clear();
-    settle();
-
-    reveal(card(studio.good.first().server, studio.good.first().camera));
-    auto *menuButton = card(studio.good.first().server, studio.good.first().camera)
-                           ->findChild<QPushButton *>(QStringLiteral("previewMenu"));
-    studio.takeMenu("card-menu", "The menu of a camera's card", menuButton, sidePlace());
-    GUI::ServerWidget *server = serverOf(studio.lan);
-    roster->ensureWidgetVisible(server);
-    settle();
-    studio.takeMenu("server-menu", "The menu of a LAN server",
-                    server->findChild<QPushButton *>(QStringLiteral("settingsButton")),
-                    sidePlace());
-    roster->ensureVisible(0, 0);
-}
-
 void takeWalls(Studio &studio)
 {
     studio.open(studio.layout(studio.good.first().name, 1, 1));
@@ -181,35 +114,6 @@ void takeWalls(Studio &studio)
     press(mainWindow(), "showPBtn");
     takeMessages(studio);
     takeEditing(studio);
-}
-
-void takeLayouts(Studio &studio)
-{
-    API::CloudAPIClient client;
-    client.addLayout(studio.layout(QStringLiteral("Ворота и двор"), 2, 2, 3));
-    client.addLayout(studio.layout(QStringLiteral("Night shift"), 3, 3, 1));
-    const API::LayoutPtr wide = studio.layout(QStringLiteral("Entrances"), 1, 2, 6);
-    client.addLayout(wide);
-    // A card shows the previews that are there.
-    for (int i = 1; i < 10; ++i)
-        require(getsPreview(card(studio.good.at(i).server, studio.good.at(i).camera)), "preview");
-    mainWindow()->findChild<GUI::RosterWidget *>()->ensureVisible(0, 0);
-    pressTab("layoutsButton");
-    waitFor([] { return layoutCard(mainWindow(), QStringLiteral("Entrances")) != nullptr; },
-            "layout card");
-    studio.take("layouts", "The saved layouts", sidePlace());
-    auto *shown = layoutCard(mainWindow(), QStringLiteral("Entrances"));
-    studio.takeMenu("layout-menu", "The menu of a layout's card",
-                    shown->findChild<QPushButton *>(QStringLiteral("previewMenu")), sidePlace());
-    searchField()->setText(QStringLiteral("en"));
-    studio.take("layouts-search", "A search in the layouts", sidePlace());
-    searchField()->clear();
-    studio.open(wide);
-    auto *panel = mainWindow()->findChild<GUI::InfoPanel *>();
-    studio.takeMenu("view-menu", "The menu of the open view",
-                    panel->findChild<QPushButton *>(QStringLiteral("settingsButton")),
-                    gridPlace().adjusted(0, 0, 0, -gridPlace().height() / 2));
-    pressTab("rosterButton");
 }
 
 void takeControls(Studio &studio)

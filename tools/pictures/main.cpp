@@ -16,6 +16,7 @@
 
 using namespace ZorvaneClient;
 using namespace ZorvaneClient::Pictures;
+using namespace ZorvaneClient::Tests;
 
 namespace {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "demo/Certificate.h"
+#include "demo/Certificates.h"
 
 #include <openssl/bn.h>
 #include <openssl/evp.h>
