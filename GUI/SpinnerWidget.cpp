@@ -63,7 +63,7 @@ void SpinnerWidget::stop()
 
 void SpinnerWidget::paintEvent(QPaintEvent *)
 {
-    const QPointF centre(width() / 2, height() / 2);
+    const QPointF centre(QPoint(width() / 2, height() / 2));
     const int radius = qMin(width() / 2, height() / 2) - lineWidth;
 
     QConicalGradient fade(centre, angle);

@@ -35,7 +35,7 @@ const QDate day(2026, 3, 10);
 
 QDateTime jumpTo(int number)
 {
-    return QDateTime(day, QTime(1, 0)).addSecs(number * 60);
+    return QDateTime(day, QTime(1, 0)).addSecs(qint64(number) * 60);
 }
 
 } // namespace

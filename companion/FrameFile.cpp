@@ -23,7 +23,7 @@ namespace {
 
 /// No access is allowed for so many bytes before and after the mapping: what runs over it ends
 /// the process and harms nothing else.
-constexpr size_t guardBytes = 1024 * 1024;
+constexpr size_t guardBytes = size_t(1024) * 1024;
 
 void *mapBetweenGuards(int fd)
 {

@@ -18,7 +18,7 @@ namespace ZorvaneDemo {
 
 namespace {
 
-constexpr long day = 24 * 3600;
+constexpr long day = 24L * 3600;
 constexpr long authorityDays = 3650;
 // Longer-lived server certificates are refused by some TLS clients.
 constexpr long serverDays = 390;

@@ -20,10 +20,10 @@ namespace {
 
 constexpr const char *loopback = "127.0.0.1";
 /// A paused player reads nothing for as long as it likes.
-constexpr time_t writeTimeoutSeconds = 24 * 3600;
+constexpr time_t writeTimeoutSeconds = time_t(24) * 3600;
 constexpr time_t readTimeoutSeconds = 60;
 constexpr int waitingConnections = 512;
-constexpr std::size_t largestBody = 16 * 1024 * 1024;
+constexpr std::size_t largestBody = std::size_t(16) * 1024 * 1024;
 
 /// A thread for every connection: a stream holds its own for as long as it is watched.
 /// Threads that have nothing to do are used again.

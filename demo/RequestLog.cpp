@@ -10,7 +10,7 @@ namespace ZorvaneDemo {
 namespace {
 
 constexpr std::size_t keptRequests = 5000;
-constexpr std::size_t keptBodyBytes = 256 * 1024;
+constexpr std::size_t keptBodyBytes = std::size_t(256) * 1024;
 
 } // namespace
 

@@ -69,7 +69,7 @@ private:
     {
         for (int bay = 0; bay <= bays; ++bay) {
             const double x = bayX(bay, bays, margin);
-            const double lean = (x - width / 2) * 0.10;
+            const double lean = (x - width / 2.0) * 0.10;
             fillPolygon(
                 cr, {{x - lean - 2, top}, {x - lean + 2, top}, {x + 3, bottom}, {x - 3, bottom}},
                 rgb(0xe9e6d8), 0.7);
