@@ -63,7 +63,8 @@ public:
 
     /// Clockwise, in degrees; can be negative.
     int rotation() const;
-    /// Kept by the service for a cloud camera, by the settings for a LAN camera.
+    /// The service keeps a cloud camera's. A LAN camera's is written to the settings too, and
+    /// begins at 0 with each object.
     void setRotation(int angle);
     bool isMirrored() const;
     /// Lasts for the life of the object.

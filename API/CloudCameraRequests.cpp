@@ -10,6 +10,7 @@
 #include "API/Endpoint.h"
 #include "API/PreviewImage.h"
 #include "API/RestClient.h"
+#include "API/StreamQuality.h"
 #include "API/StreamerClient.h"
 
 namespace ZorvaneClient {
@@ -22,7 +23,7 @@ using Internal::watchExchange;
 
 namespace {
 
-constexpr int previewQuality = 0;
+constexpr int previewQuality = LowQuality;
 
 /// The signals that tell of an exchange.
 struct Outcome {

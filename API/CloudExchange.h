@@ -8,7 +8,8 @@ namespace ZorvaneClient {
 namespace API {
 namespace Internal {
 
-/// What becomes of the client object when its request fails.
+/// What becomes of the client object when its request fails. Sign-in, roster, previews and
+/// archive keep theirs, though nothing relies on it; a new request takes Release.
 enum class OnError { Keep, Release };
 
 /// How many clients of failed requests are kept, in all.

@@ -14,8 +14,8 @@
 namespace ZorvaneClient {
 namespace API {
 
-/// A named grid of cameras. Rows, columns and spans are taken as they come: nothing here
-/// limits them or keeps spans from overlapping. GUI thread only.
+/// A named grid of cameras. Rows, columns and spans are taken as they come, and spans can
+/// overlap; only a cell more than one past the end is refused. GUI thread only.
 class Layout : public QObject
 {
     Q_OBJECT
@@ -36,7 +36,7 @@ public:
     int columns() const;
     QString id() const;
 
-    /// The occupied cells by column, then row.
+    /// The entries by column, then row; one can come without a camera.
     QList<LayoutCell> cellList() const;
     /// An empty cell comes without a camera, one by one.
     LayoutCell cellAt(int row, int column) const;

@@ -141,6 +141,7 @@ server_id_t LocalServer::idOf(const QVariantMap &json)
 void LocalServer::update()
 {
     QVariantMap params;
+    // Encoded in these two requests only; those of the cameras take it as it stands.
     params.insert(QStringLiteral("sessionId"), QUrl::toPercentEncoding(serverPassword));
     params.insert(QStringLiteral("server"), Internal::localServerNumber);
     if (!infoPending) {

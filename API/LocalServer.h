@@ -47,7 +47,8 @@ public:
     static QSize checkedVideoSize(const QVariantMap &entry);
 
 signals:
-    /// State or cameras were taken from a reply, or a request failed.
+    /// State or cameras were taken from a reply, or a request failed; not for a list without
+    /// cameras, of which camerasRemoved() tells.
     void updated();
 
 public slots:

@@ -4,7 +4,7 @@
 namespace ZorvaneClient {
 namespace API {
 
-/// What a stream's address says of its quality, as "q".
+/// What the address of a stream or a preview says of its quality, as "q".
 enum StreamQuality : int { LowQuality = 0, MiddleQuality = 1, HighQuality = 2 };
 
 } // namespace API

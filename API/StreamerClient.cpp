@@ -8,7 +8,8 @@ namespace API {
 
 namespace {
 
-// The service's streaming commands have no common prefix.
+// No common prefix: the path of a command at the service begins with two slashes, as it
+// expects, and that at a LAN server with one.
 const QString streamingPathPrefix;
 
 } // namespace

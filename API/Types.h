@@ -81,10 +81,5 @@ struct CellSize {
     int rows = 1;
 };
 
-inline bool operator==(const CellSize &a, const CellSize &b)
-{
-    return a.columns == b.columns && a.rows == b.rows;
-}
-
 } // namespace API
 } // namespace ZorvaneClient

@@ -16,7 +16,7 @@ namespace GUI {
 
 class CalendarPopup;
 
-/// The strip above the timeline: the day, with buttons to step it and a calendar to pick it,
+/// The panel above the strip: the day, with buttons to step it and a calendar to pick it,
 /// a message, and the zoom. Changes nothing itself but the day and zoom that it shows.
 class ArchiveControlPanel : public QWidget
 {

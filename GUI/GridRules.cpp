@@ -26,9 +26,7 @@ int smallestSquareFor(int cameras)
 
 int tileQuality(const GridSize &grid, int rowSpan, int columnSpan)
 {
-    // A span read from a damaged layout can be empty.
-    const int tileCells = std::max(rowSpan * columnSpan, 1);
-    const qint64 share = static_cast<qint64>(grid.rows) * grid.columns / tileCells;
+    const int share = grid.rows * grid.columns / (rowSpan * columnSpan);
     if (share <= highQualityLimit)
         return API::HighQuality;
     return share <= middleQualityLimit ? API::MiddleQuality : API::LowQuality;

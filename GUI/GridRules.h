@@ -20,7 +20,8 @@ inline bool operator==(const GridSize &a, const GridSize &b)
     return a.rows == b.rows && a.columns == b.columns;
 }
 
-/// The API::StreamQuality of a tile: the larger its share of the grid, the better.
+/// The API::StreamQuality of a tile: the larger its share of the grid, the better. Spans are at
+/// least 1.
 int tileQuality(const GridSize &grid, int rowSpan, int columnSpan);
 
 /// The size that the grid takes when a server of `cameras` cameras is dropped on it while

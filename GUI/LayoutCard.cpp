@@ -16,7 +16,7 @@ namespace {
 
 constexpr QSize pictureSize(640, 480);
 constexpr qreal gridLineWidth = 3.0;
-// A picture 640 by 480 shows no more lines than this; a stored grid can claim any size.
+// A picture 640 by 480 shows no more lines than this; a Layout takes any number of them.
 constexpr int maxPaintedSide = 160;
 
 void paintPreviews(QPainter *painter, const API::Layout &layout, const QSize &cellSize)

@@ -13,8 +13,9 @@ class SettingsWidget;
 namespace ZorvaneClient {
 namespace GUI {
 
-/// The settings page of a window: account, language, version and LAN servers. Each time it is
-/// shown it asks the service for a newer version, and offers what it finds in a box.
+/// The settings page of a window: account, language, version and LAN servers. When it is
+/// made and each time it is shown it asks the service for a newer version, and offers what it
+/// finds in a box.
 class SettingsWidget : public QWidget
 {
     Q_OBJECT

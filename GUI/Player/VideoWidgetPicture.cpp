@@ -35,6 +35,7 @@ void VideoWidget::showPicture()
 
 void VideoWidget::clearImage()
 {
+    // A snapshot is blank then; the fill reaches the frame file, whose memory the image is.
     d->image.fill(tileBackground);
     d->hasPicture = false;
     update();

@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "demo/client/DemoService.h"
 
-#include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
 #include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
+#include <QTimer>
 
 #include <chrono>
 
@@ -75,15 +74,23 @@ bool DemoService::start(const Options &options)
 
 bool DemoService::launch(const QStringList &withArguments)
 {
-    QElapsedTimer clock;
-    clock.start();
     program->start(QStringLiteral(ZORVANE_BIN_DIR "/zorvane-demo"), withArguments);
-    const auto finished = [&] { return program->state() == QProcess::NotRunning; };
-    while (!program->canReadLine() && !finished() && clock.elapsed() < readyDeadline / 1ms)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+    QEventLoop untilReady;
+    connect(program, &QProcess::readyReadStandardOutput, &untilReady, [&] {
+        if (program->canReadLine())
+            untilReady.quit();
+    });
+    connect(program, &QProcess::stateChanged, &untilReady, [&](QProcess::ProcessState now) {
+        if (now == QProcess::NotRunning)
+            untilReady.quit();
+    });
+    QTimer::singleShot(readyDeadline, &untilReady, &QEventLoop::quit);
+    if (program->state() != QProcess::NotRunning)
+        untilReady.exec();
     if (!program->canReadLine()) {
-        error = finished() ? QStringLiteral("zorvane-demo ended with %1").arg(program->exitCode())
-                           : QStringLiteral("zorvane-demo was not ready in time");
+        error = program->state() == QProcess::NotRunning
+                    ? QStringLiteral("zorvane-demo ended with %1").arg(program->exitCode())
+                    : QStringLiteral("zorvane-demo was not ready in time");
         stop();
         return false;
     }
