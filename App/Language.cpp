@@ -5,12 +5,20 @@
 #include <QDebug>
 #include <QTranslator>
 
+#include <array>
+
 namespace ZorvaneClient {
 namespace App {
 
 namespace {
 
 constexpr int languageCodeLength = 2;
+
+struct Catalogue
+{
+    const char *pattern;
+    QTranslator *translator;
+};
 
 void loadTranslator(QTranslator *translator, const QString &pattern, const QString &code)
 {
@@ -24,27 +32,27 @@ void loadTranslator(QTranslator *translator, const QString &pattern, const QStri
 
 void loadLanguage(const QString &language)
 {
-    // The translators live until the process ends.
-    static QTranslator *ownTexts = nullptr;
-    static QTranslator *toolkitTexts = nullptr;
+    // They live until the process ends.
+    static std::array<Catalogue, 3> catalogues = {{
+        {":/translations/ZorvaneClient_%1", nullptr},
+        {":/translations/ZorvaneClientLater_%1", nullptr},
+        {":/translations/qtbase_%1", nullptr},
+    }};
     static QString loadedCode;
 
     const QString code = language.left(languageCodeLength);
     if (code == loadedCode)
         return;
     qDebug() << "Loading language:" << code;
-    if (!ownTexts)
-        ownTexts = new QTranslator;
-    if (!toolkitTexts)
-        toolkitTexts = new QTranslator;
-    if (code != QLatin1String("en")) {
-        loadTranslator(ownTexts, QStringLiteral(":/translations/ZorvaneClient_%1"), code);
-        loadTranslator(toolkitTexts, QStringLiteral(":/translations/qtbase_%1"), code);
-        QCoreApplication::installTranslator(ownTexts);
-        QCoreApplication::installTranslator(toolkitTexts);
-    } else {
-        QCoreApplication::removeTranslator(ownTexts);
-        QCoreApplication::removeTranslator(toolkitTexts);
+    for (Catalogue &catalogue : catalogues) {
+        if (!catalogue.translator)
+            catalogue.translator = new QTranslator;
+        if (code == QLatin1String("en")) {
+            QCoreApplication::removeTranslator(catalogue.translator);
+        } else {
+            loadTranslator(catalogue.translator, QLatin1String(catalogue.pattern), code);
+            QCoreApplication::installTranslator(catalogue.translator);
+        }
     }
     loadedCode = code;
 }

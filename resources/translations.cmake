@@ -2,12 +2,15 @@
 # The Russian texts: the program's own, compiled from the catalogue, and those of Qt.
 zorvane_find_qt_tool(ZORVANE_LRELEASE lrelease)
 
-set(catalogue "${PROJECT_SOURCE_DIR}/translations/ZorvaneClient_ru.ts")
-set(compiled_catalogue "${CMAKE_CURRENT_BINARY_DIR}/ZorvaneClient_ru.qm")
-add_custom_command(OUTPUT "${compiled_catalogue}"
-    COMMAND "${ZORVANE_LRELEASE}" -silent "${catalogue}" -qm "${compiled_catalogue}"
-    DEPENDS "${catalogue}" COMMENT "Compiling ZorvaneClient_ru.ts" VERBATIM)
-zorvane_resource("/translations/ZorvaneClient_ru" "${compiled_catalogue}")
+# "Later" are the texts that came after the first catalogue was settled.
+foreach(catalogue ZorvaneClient_ru ZorvaneClientLater_ru)
+    set(source "${PROJECT_SOURCE_DIR}/translations/${catalogue}.ts")
+    set(compiled "${CMAKE_CURRENT_BINARY_DIR}/${catalogue}.qm")
+    add_custom_command(OUTPUT "${compiled}"
+        COMMAND "${ZORVANE_LRELEASE}" -silent "${source}" -qm "${compiled}"
+        DEPENDS "${source}" COMMENT "Compiling ${catalogue}.ts" VERBATIM)
+    zorvane_resource("/translations/${catalogue}" "${compiled}")
+endforeach()
 
 find_file(ZORVANE_QTBASE_RU qtbase_ru.qm PATHS "${zorvane_QT_INSTALL_TRANSLATIONS}" NO_DEFAULT_PATH
     DOC "Qt's own texts in Russian")
