@@ -4,8 +4,6 @@
 #include <QDebug>
 #include <QTime>
 
-#include "App/QtShims.h"
-
 namespace ZorvaneClient {
 namespace API {
 
@@ -27,7 +25,7 @@ QDateTime lastMomentOfDay(QDate date)
 /// Times of the service have 32 unsigned bits.
 QDateTime localTime(qint64 seconds)
 {
-    return fromEpochSeconds(static_cast<uint>(seconds));
+    return QDateTime::fromSecsSinceEpoch(static_cast<uint>(seconds));
 }
 
 ArchiveRecord readRecord(const QVariantMap &entry)
@@ -75,6 +73,11 @@ QMap<QDate, int> recordCountsByDay(const QVariant &reply)
         counts.insert(day, map.value(QStringLiteral("recordsCount")).toInt());
     }
     return counts;
+}
+
+uint toEpochSeconds(const QDateTime &time)
+{
+    return static_cast<uint>(time.toSecsSinceEpoch());
 }
 
 uint firstSecondOfDay(QDate date)

@@ -23,6 +23,9 @@ QList<ArchiveRecord> archiveRecordsOfDay(const QVariant &reply, QDate date);
 /// Reads a reply of `archive/days`: number of records by local date.
 QMap<QDate, int> recordCountsByDay(const QVariant &reply);
 
+/// How the service counts moments: in seconds since the epoch, with 32 unsigned bits.
+uint toEpochSeconds(const QDateTime &time);
+
 /// The two ends of a request for whole days, local time, in seconds since the epoch.
 uint firstSecondOfDay(QDate date);
 uint lastSecondOfDay(QDate date);

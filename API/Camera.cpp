@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "API/Camera.h"
 
-#include "API/CameraJson.h"
 #include "API/CameraPrivate.h"
+#include "API/RosterJson.h"
 #include "API/Server.h"
 #include "App/Settings.h"
 

@@ -105,9 +105,14 @@ LayoutCell Layout::cellAt(int row, int column) const
     return data.cells.value(keyOf(row, column), LayoutCell(CameraPtr(), row, column));
 }
 
+bool Layout::isFarOutside(int row, int column) const
+{
+    return row > data.rows || column > data.columns;
+}
+
 void Layout::setCamera(CameraPtr camera, int row, int column, int rowSpan, int columnSpan)
 {
-    if (row > data.rows || column > data.columns)
+    if (isFarOutside(row, column))
         return;
     const LayoutPoint key = keyOf(row, column);
     if (data.cells.contains(key) && data.cells.value(key).camera == camera)
@@ -119,7 +124,7 @@ void Layout::setCamera(CameraPtr camera, int row, int column, int rowSpan, int c
 
 void Layout::clearCell(int row, int column)
 {
-    if (row > data.rows || column > data.columns)
+    if (isFarOutside(row, column))
         return;
     if (data.cells.remove(keyOf(row, column)) > 0)
         emit updated();

@@ -67,6 +67,9 @@ public slots:
     void setName(QString name);
 
 private:
+    /// More than one past the end.
+    bool isFarOutside(int row, int column) const;
+
     struct Data {
         QString name;
         QMap<LayoutPoint, LayoutCell> cells;

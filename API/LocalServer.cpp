@@ -2,12 +2,14 @@
 #include "API/LocalServer.h"
 
 #include <QSet>
+#include <QSize>
 #include <QUrl>
 
 #include <chrono>
 
 #include "API/Camera.h"
 #include "API/Endpoint.h"
+#include "API/RosterJson.h"
 #include "API/ServerPrivate.h"
 #include "API/StreamerClient.h"
 
@@ -38,6 +40,16 @@ server_id_t addressOf(const QString &host, int port)
 bool isWithin(int value, int minimum, int maximum)
 {
     return value >= minimum && value <= maximum;
+}
+
+/// Of an entry of `streams/info`.
+QSize checkedVideoSize(const QVariantMap &entry)
+{
+    const int width = entry.value(QStringLiteral("width")).toInt();
+    const int height = entry.value(QStringLiteral("height")).toInt();
+    const bool plausible = isWithin(width, minimumWidth, maximumWidth) &&
+                           isWithin(height, minimumHeight, maximumHeight);
+    return plausible ? QSize(width, height) : fallbackSize;
 }
 
 } // namespace
@@ -220,15 +232,6 @@ void LocalServer::streamsError()
     streamsPending = false;
     clearCameras();
     emit updated();
-}
-
-QSize LocalServer::checkedVideoSize(const QVariantMap &entry)
-{
-    const int width = entry.value(QStringLiteral("width")).toInt();
-    const int height = entry.value(QStringLiteral("height")).toInt();
-    const bool plausible = isWithin(width, minimumWidth, maximumWidth) &&
-                           isWithin(height, minimumHeight, maximumHeight);
-    return plausible ? QSize(width, height) : fallbackSize;
 }
 
 } // namespace API

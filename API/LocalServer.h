@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QSize>
 #include <QString>
 #include <QTimer>
 #include <QVariant>
@@ -42,9 +41,6 @@ public:
     QVariantMap toJson() const;
     /// The id of a server made of `json`, without making one, which would begin to poll.
     static server_id_t idOf(const QVariantMap &json);
-
-    /// Picture size of an entry of `streams/info`; 640 by 480 if what it says is implausible.
-    static QSize checkedVideoSize(const QVariantMap &entry);
 
 signals:
     /// State or cameras were taken from a reply, or a request failed; not for a list without

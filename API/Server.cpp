@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "API/Camera.h"
+#include "API/RosterJson.h"
 #include "API/ServerPrivate.h"
 
 namespace ZorvaneClient {

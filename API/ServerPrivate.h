@@ -3,23 +3,12 @@
 
 #include <QMap>
 #include <QString>
-#include <QVariant>
-
-#include <algorithm>
 
 #include "API/Types.h"
 
 namespace ZorvaneClient {
 namespace API {
 namespace Internal {
-
-/// True when `word` is among the functions that a server says it has.
-inline bool hasFunction(const QVariantMap &info, const QString &word)
-{
-    const QVariantList list = info.value(QStringLiteral("functions")).toList();
-    return std::any_of(list.begin(), list.end(),
-                       [&word](const QVariant &entry) { return entry.toString() == word; });
-}
 
 /// State of a Server.
 class ServerPrivate

@@ -8,12 +8,10 @@
 #include <QLocale>
 #include <QScreen>
 #include <QStandardPaths>
-#include <QUrl>
 
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
-#include "API/Server.h"
 #include "App/Language.h"
 #include "App/Log.h"
 #include "App/ScreenChoice.h"
@@ -227,7 +225,7 @@ void Application::loginSuccessful()
     loginDialog->close();
     loginDialog->deleteLater();
     loginDialog = nullptr;
-    API::CloudAPIClient().clearRoster();
+    API::CloudAPIClient::clearRoster();
     createMainWindow();
 }
 
@@ -251,8 +249,8 @@ void Application::setActiveCamera(API::CameraPtr camera)
 
 void Application::openDownloadsPage()
 {
-    QDesktopServices::openUrl(QUrl(QStringLiteral("http://%1/?target=downloads&lang=%2")
-                                       .arg(ServiceProfile::current().redirectorHost, language())));
+    QDesktopServices::openUrl(ServiceProfile::current().redirectorUrl(
+        QLatin1String("/?target=downloads&lang=") + language()));
 }
 
 } // namespace App

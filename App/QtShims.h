@@ -2,9 +2,7 @@
 #pragma once
 
 #include <QDate>
-#include <QDateTime>
 #include <QEvent>
-#include <QNetworkReply>
 #include <QPointF>
 #include <QtGlobal>
 
@@ -23,18 +21,6 @@ using CalendarDate = QDate; // of QCalendarWidget's cells
 using EnterEvent = QEvent;
 using CalendarDate = const QDate &;
 #endif
-
-/// Seconds since the epoch, cut to 32 unsigned bits.
-inline uint toEpochSeconds(const QDateTime &time)
-{
-    return static_cast<uint>(time.toSecsSinceEpoch());
-}
-
-/// Local time of `seconds` since the epoch.
-inline QDateTime fromEpochSeconds(qint64 seconds)
-{
-    return QDateTime::fromSecsSinceEpoch(seconds);
-}
 
 /// Where a QMouseEvent happened, in the widget's coordinates.
 template <typename MouseEvent>

@@ -6,6 +6,8 @@
 namespace ZorvaneClient {
 namespace App {
 
+namespace {
+
 int screenOf(const QRect &window, const QList<QRect> &screens)
 {
     int found = noScreen;
@@ -20,6 +22,8 @@ int screenOf(const QRect &window, const QList<QRect> &screens)
     }
     return found;
 }
+
+} // namespace
 
 int freeScreen(const QList<QRect> &windows, const QList<QRect> &screens)
 {

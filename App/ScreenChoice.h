@@ -9,12 +9,9 @@ namespace App {
 
 constexpr int noScreen = -1;
 
-/// Number of the screen that holds the largest part of `window`, the first of several equal
-/// ones; noScreen when the window is on none. All rectangles in desktop coordinates.
-int screenOf(const QRect &window, const QList<QRect> &screens);
-
-/// The first screen that none of `windows` is on; noScreen when each has one. A desktop of a
-/// single screen has none to choose.
+/// Number of the first screen that none of `windows` is on; noScreen when each has one. A window
+/// is on the screen that holds its largest part, on the first of several equal ones, or on none.
+/// A desktop of a single screen has none to choose. All rectangles in desktop coordinates.
 int freeScreen(const QList<QRect> &windows, const QList<QRect> &screens);
 
 } // namespace App

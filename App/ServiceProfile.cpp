@@ -103,6 +103,11 @@ ServiceProfile ServiceProfile::fromFile(const QString &fileName)
     return profile;
 }
 
+QUrl ServiceProfile::redirectorUrl(const QString &pathAndQuery) const
+{
+    return QUrl(QLatin1String("http://") + redirectorHost + pathAndQuery);
+}
+
 const ServiceProfile &ServiceProfile::current()
 {
     return profileInForce();

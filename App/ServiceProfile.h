@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <QUrl>
 
 namespace ZorvaneClient {
 namespace App {
@@ -17,6 +18,9 @@ struct ServiceProfile {
     QString flvHost = QStringLiteral("streaming.zorvane.example");
     QString redirectorHost = QStringLiteral("go.zorvane.example");
     QString caCertificate; ///< PEM file with further authorities; empty: none
+
+    /// A page that opens in the user's browser.
+    QUrl redirectorUrl(const QString &pathAndQuery) const;
 
     /// Reads `fileName`; a missing file or key leaves the built-in value. Unknown keys and
     /// ports out of range are warnings in the log and change nothing.

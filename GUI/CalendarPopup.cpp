@@ -26,8 +26,7 @@ constexpr int cellHeight = 34;
 constexpr int dayPointSize = 10;
 constexpr int markRadius = 14;
 
-constexpr int selectionAlpha = 240;
-const QColor lineColour(52, 55, 60, 240);
+constexpr int translucent = 240; // the alpha of lines and of the chosen day
 const QColor greyColour(118, 120, 122);
 
 QTextCharFormat weekdayFormat()
@@ -150,11 +149,11 @@ void CalendarPopup::paintCell(QPainter *painter, const QRect &rect, CalendarDate
     painter->save();
     painter->setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
     if (date == selectedDate()) {
-        painter->setPen(Colours::accent(selectionAlpha));
-        painter->setBrush(Colours::accent(selectionAlpha));
+        painter->setPen(Colours::accent(translucent));
+        painter->setBrush(Colours::accent(translucent));
         painter->drawEllipse(markOf(rect));
     }
-    painter->setPen(lineColour);
+    painter->setPen(Colours::faint(translucent));
     painter->drawLine(rect.topLeft(), rect.topRight());
     painter->setFont(QFont(QStringLiteral("PT Sans"), dayPointSize));
     painter->setPen(hasRecords(date) ? QColor(Qt::white) : greyColour);

@@ -5,7 +5,8 @@
 #include <QString>
 #include <QWidget>
 
-/// A white bubble with a pointer at its lower edge. At most one is on the screen.
+/// A white bubble with a pointer at its lower edge. At most one is on the screen. That it and
+/// the tipped pictures stand outside the namespaces is part of the contract.
 class CloudToolTip : public QWidget
 {
     Q_OBJECT

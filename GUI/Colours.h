@@ -23,6 +23,12 @@ constexpr QColor panel(int alpha = opaque)
     return QColor(41, 44, 49, alpha);
 }
 
+/// Lines and empty cells on a panel.
+constexpr QColor faint(int alpha = opaque)
+{
+    return QColor(52, 55, 60, alpha);
+}
+
 /// Where a picture would be.
 constexpr QColor tile()
 {

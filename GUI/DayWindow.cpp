@@ -19,7 +19,7 @@ constexpr int narrowestStepSeconds = 4790;
 
 /// A scroll step of a window as long as the day.
 constexpr double dayScrollSeconds = 3600.0;
-constexpr double dayMilliseconds = 86'399'000.0;
+constexpr double dayMilliseconds = 86'399'000.0; // from its first second to its last
 
 int stepShare(qint64 side, qint64 total)
 {
@@ -83,17 +83,12 @@ TimeAxis DayWindow::axis() const
 
 bool DayWindow::isOnScale(int x) const
 {
-    return x >= timelineMargin && x <= width - timelineMargin;
+    return axis().holds(x);
 }
 
 QDateTime DayWindow::timeAt(int x) const
 {
-    const int scaleWidth = width - 2 * timelineMargin;
-    if (scaleWidth == 0)
-        return start;
-    const double fraction =
-        static_cast<double>(x - timelineMargin) / static_cast<double>(scaleWidth);
-    return start.addSecs(truncated(static_cast<int>(seconds()) * fraction));
+    return start.addSecs(axis().secondsAt(x));
 }
 
 int DayWindow::pixelAt(const QDateTime &time) const

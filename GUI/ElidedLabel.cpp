@@ -17,7 +17,7 @@ namespace GUI {
 
 namespace {
 
-const QColor markedTextColor(25, 25, 29);
+const QColor markedTextColour(25, 25, 29);
 
 int positionOf(const QString &part, const QString &text)
 {
@@ -40,7 +40,7 @@ QVector<QTextLayout::FormatRange> marksIn(const QString &line, const QString &te
     mark.start = start;
     mark.length = (end <= kept ? end : static_cast<int>(line.size())) - start;
     mark.format.setBackground(Colours::accent());
-    mark.format.setForeground(markedTextColor);
+    mark.format.setForeground(markedTextColour);
     return {mark};
 }
 

@@ -21,8 +21,7 @@ constexpr qreal cellHeight = 10;
 constexpr qreal popupRadius = 4.0;
 constexpr qreal cellRadius = 2.0;
 
-const QColor emptyColor(52, 55, 60, 255);
-const QColor currentColor(129, 134, 144, 255);
+const QColor currentColour(129, 134, 144);
 
 } // namespace
 
@@ -66,9 +65,9 @@ void GridSizeEditor::paintEvent(QPaintEvent *event)
             if (row < hovered.rows && column < hovered.columns)
                 painter.setBrush(Colours::accent());
             else if (row < current.rows && column < current.columns)
-                painter.setBrush(currentColor);
+                painter.setBrush(currentColour);
             else
-                painter.setBrush(emptyColor);
+                painter.setBrush(Colours::faint());
             const QRectF cell(marginPixels + cellStepX * column, marginPixels + cellStepY * row,
                               cellWidth, cellHeight);
             painter.drawRoundedRect(cell, cellRadius, cellRadius);

@@ -39,7 +39,7 @@ public slots:
     void setCurrentLayout(API::LayoutPtr layout);
     void enterEmptyMode();
     void enterViewMode();
-    /// Nothing happens in edit mode.
+    /// Nothing happens in edit mode. Part of the contract; nothing calls it.
     void enterUnsavedMode();
     void enterEditMode();
 

@@ -9,6 +9,7 @@
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
 #include "GUI/LayoutCard.h"
+#include "GUI/Retire.h"
 #include "GUI/WidgetOrder.h"
 #include "ui_LayoutListWidget.h"
 
@@ -78,11 +79,8 @@ void LayoutListWidget::removeStaleCards(const API::LayoutsContainer &layouts)
     const QList<API::LayoutPtr> present = layouts.values();
     const QList<API::LayoutPtr> known = cards.keys();
     for (const API::LayoutPtr &layout : known) {
-        if (!present.contains(layout)) {
-            LayoutCard *card = cards.take(layout);
-            card->hide();
-            card->deleteLater();
-        }
+        if (!present.contains(layout))
+            retire(cards.take(layout));
     }
 }
 

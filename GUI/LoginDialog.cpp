@@ -7,7 +7,6 @@
 #include <QKeyEvent>
 #include <QScreen>
 #include <QShowEvent>
-#include <QUrl>
 
 #include "API/CloudAPIClient.h"
 #include "App/ProxySettings.h"
@@ -46,8 +45,7 @@ void addTip(QWidget *row, const QString &text)
 
 void openPage(const QString &pathAndQuery)
 {
-    QDesktopServices::openUrl(QUrl(QLatin1String("http://") +
-                                   App::ServiceProfile::current().redirectorHost + pathAndQuery));
+    QDesktopServices::openUrl(App::ServiceProfile::current().redirectorUrl(pathAndQuery));
 }
 
 } // namespace

@@ -56,6 +56,7 @@ private slots:
     void windowResizeDone();
     void animationFinished();
     void showWrongEmailPassAlert();
+    /// Part of the contract; nothing calls it.
     void showNoInternetAlert();
     void showUsesProxyAlert();
     void onLoginSuccessful();

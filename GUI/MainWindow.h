@@ -42,6 +42,7 @@ public slots:
     void hideArchivePanels();
     void showArchivePanels();
     void setExportMode();
+    /// Part of the contract; nothing calls it.
     void setControlMode();
     /// Writes the marked fragment of the active camera into a file.
     void exportArchive();

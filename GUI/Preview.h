@@ -50,6 +50,7 @@ public slots:
     void highlightOff();
     /// Shows the spinner, unless there is a picture.
     void startAnimation();
+    /// Part of the contract; nothing calls it.
     void stopAnimation();
 
 signals:

@@ -56,7 +56,7 @@ private:
     QMap<API::server_id_t, ServerWidget *> servers;
     QVBoxLayout *serversLayout = nullptr;
     API::CloudAPIClient client;
-    QString searchText;
+    QString searchText; ///< of the last search; part of the contract, nothing reads it
     bool addToLayoutEnabled = true;
 };
 

@@ -5,8 +5,6 @@
 #include <QDebug>
 #include <QPointer>
 
-#include <algorithm>
-
 #include "API/CloudAPIClient.h"
 #include "API/LocalServer.h"
 #include "App/Application.h"
@@ -15,6 +13,7 @@
 #include "GUI/IconButton.h"
 #include "GUI/LocalServerDialog.h"
 #include "GUI/Question.h"
+#include "GUI/VersionOrder.h"
 #include "ui_SettingsWidget.h"
 
 namespace ZorvaneClient {
@@ -29,27 +28,6 @@ constexpr int spinnerLinePixels = 2;
 App::Application *application()
 {
     return qobject_cast<App::Application *>(qApp);
-}
-
-/// What counts of a version: all before the first hyphen.
-QString plainVersion(const QString &version)
-{
-    return version.section(QLatin1Char('-'), 0, 0);
-}
-
-/// Piece by piece as far as both go; a piece that is no number counts as 0.
-bool isNewer(const QString &version, const QString &current)
-{
-    const QStringList pieces = version.split(QLatin1Char('.'));
-    const QStringList currentPieces = current.split(QLatin1Char('.'));
-    const int count = static_cast<int>(std::min(pieces.size(), currentPieces.size()));
-    for (int i = 0; i < count; ++i) {
-        const int piece = pieces.at(i).toInt();
-        const int currentPiece = currentPieces.at(i).toInt();
-        if (piece != currentPiece)
-            return piece > currentPiece;
-    }
-    return false;
 }
 
 } // namespace
@@ -109,7 +87,7 @@ void SettingsWidget::onUpdatesFound(const QString &version)
 {
     const QString current = plainVersion(QCoreApplication::applicationVersion());
     qDebug() << "Updates: version from API:" << version << "current version:" << current;
-    if (!isNewer(plainVersion(version), current)) {
+    if (!isNewerVersion(version, current)) {
         endCheck(ui->updatesNotFoundPage);
         return;
     }

@@ -12,7 +12,7 @@ namespace {
 
 constexpr qreal shadowDownPixels = 1;
 constexpr qreal shadowBlurPixels = 5;
-const QColor shadowColor(208, 212, 218, 255);
+const QColor shadowColour(208, 212, 218, 255);
 
 } // namespace
 
@@ -27,7 +27,7 @@ SideBar::SideBar(QWidget *parent) : QWidget(parent), ui(new Ui::SideBar)
 
     auto *shadow = new QGraphicsDropShadowEffect(ui->searchEdit);
     shadow->setOffset(0, shadowDownPixels);
-    shadow->setColor(shadowColor);
+    shadow->setColor(shadowColour);
     shadow->setBlurRadius(shadowBlurPixels);
     ui->searchEdit->setGraphicsEffect(shadow);
     setRosterMode();

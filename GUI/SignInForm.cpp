@@ -17,6 +17,7 @@ namespace {
 constexpr int fadeMs = 100;
 constexpr double dimOpacity = 0.5;
 constexpr double fullOpacity = 1;
+const QColor placeholderColour(108, 118, 136);
 
 // Through the widget's own sheet, since the sheets above it overrule QWidget::setFont().
 void setBold(QWidget *widget, bool bold)
@@ -25,10 +26,10 @@ void setBold(QWidget *widget, bool bold)
                                : QStringLiteral("font-weight: normal"));
 }
 
-void setPlaceholderColor(QWidget *field)
+void setPlaceholderColour(QWidget *field)
 {
     QPalette palette = field->palette();
-    palette.setColor(QPalette::PlaceholderText, QColor(108, 118, 136));
+    palette.setColor(QPalette::PlaceholderText, placeholderColour);
     field->setPalette(palette);
 }
 
@@ -37,8 +38,8 @@ void setPlaceholderColor(QWidget *field)
 SignInForm::SignInForm(const Ui::Login &form, QGraphicsOpacityEffect *opacity)
     : ui(form), opacityEffect(opacity)
 {
-    setPlaceholderColor(ui.emailLn);
-    setPlaceholderColor(ui.passwordLn);
+    setPlaceholderColour(ui.emailLn);
+    setPlaceholderColour(ui.passwordLn);
     updateButton();
 }
 

@@ -13,7 +13,6 @@ namespace {
 
 constexpr int stepIntervalMs = 50;
 constexpr double stepDegrees = 20;
-constexpr double startDegrees = 90;
 constexpr int minimumSidePixels = 14;
 
 } // namespace

@@ -34,8 +34,10 @@ protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
+    static constexpr double startDegrees = 90;
+
     QColor color = Qt::white;
-    double angle = 90;
+    double angle = startDegrees; ///< of the head, in degrees
     int lineWidth = 3;
     bool running = false;
     int timerId = 0;

@@ -26,7 +26,7 @@ int truncated(double value)
 TimeAxis::TimeAxis(const QDateTime &start, const QDateTime &end, int width)
     : startMoment(start.toMSecsSinceEpoch())
     , totalSeconds(start.secsTo(end))
-    , scaleWidth(width - 2 * timelineMargin)
+    , scalePixels(width - 2 * timelineMargin)
 {
 }
 
@@ -37,13 +37,23 @@ int TimeAxis::firstPixel() const
 
 int TimeAxis::lastPixel() const
 {
-    return timelineMargin + scaleWidth;
+    return timelineMargin + scalePixels;
+}
+
+int TimeAxis::scaleWidth() const
+{
+    return scalePixels;
+}
+
+bool TimeAxis::holds(int pixel) const
+{
+    return pixel >= firstPixel() && pixel <= lastPixel();
 }
 
 int TimeAxis::pixelAfter(qint64 seconds) const
 {
     const double fraction = static_cast<double>(seconds) / static_cast<double>(totalSeconds);
-    return truncated(scaleWidth * fraction) + timelineMargin;
+    return truncated(scalePixels * fraction) + timelineMargin;
 }
 
 int TimeAxis::pixelAt(qint64 moment) const
@@ -51,12 +61,22 @@ int TimeAxis::pixelAt(qint64 moment) const
     return pixelAfter((moment - startMoment) / millisecondsPerSecond);
 }
 
+double TimeAxis::exactSecondsAt(int pixel) const
+{
+    const double fraction = static_cast<double>(pixel - timelineMargin) / scalePixels;
+    return static_cast<double>(totalSeconds) * fraction;
+}
+
+int TimeAxis::secondsAt(int pixel) const
+{
+    return scalePixels == 0 ? 0 : truncated(exactSecondsAt(pixel));
+}
+
 qint64 TimeAxis::firstMomentAt(int pixel) const
 {
-    if (scaleWidth <= 0 || totalSeconds <= 0)
+    if (scalePixels <= 0 || totalSeconds <= 0)
         return std::numeric_limits<qint64>::max();
-    const double share = static_cast<double>(pixel - timelineMargin) / scaleWidth;
-    auto seconds = static_cast<qint64>(std::ceil(share * static_cast<double>(totalSeconds)));
+    auto seconds = static_cast<qint64>(std::ceil(exactSecondsAt(pixel)));
     // The way back is rounded, too.
     while (pixelAfter(seconds) < pixel)
         ++seconds;

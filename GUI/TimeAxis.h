@@ -23,18 +23,26 @@ public:
     /// The pixels of the two ends.
     int firstPixel() const;
     int lastPixel() const;
+    /// From one to the other; 0 or less on a strip that is all margin.
+    int scaleWidth() const;
+    /// Between the margins.
+    bool holds(int pixel) const;
 
     int pixelAt(qint64 moment) const;
     /// The pixel of the moment that many seconds after the start.
     int pixelAfter(qint64 seconds) const;
+    /// The way back: how many whole seconds after the start `pixel` lies.
+    int secondsAt(int pixel) const;
     /// The first moment that lies on `pixel` or to the right of it; the end of time if there
     /// is none.
     qint64 firstMomentAt(int pixel) const;
 
 private:
+    double exactSecondsAt(int pixel) const;
+
     qint64 startMoment;
     qint64 totalSeconds;
-    int scaleWidth; ///< 0 or less on a strip that is all margin
+    int scalePixels;
 };
 
 } // namespace Internal

@@ -6,6 +6,7 @@
 
 #include <chrono>
 
+#include "GUI/Colours.h"
 #include "GUI/StyleBackground.h"
 #include "GUI/TimelineBars.h"
 #include "GUI/TimelinePainter.h"
@@ -45,7 +46,7 @@ Timeline::Timeline(QDate date, QWidget *parent)
     : QWidget(parent), d(QSharedPointer<Internal::TimelinePrivate>::create(this, date))
 {
     setFixedHeight(heightPixels);
-    setStyleSheet(QStringLiteral("background-color: rgb(41, 44, 49);"));
+    setStyleSheet(QStringLiteral("background-color: %1;").arg(Colours::panel().name()));
     setAttribute(Qt::WA_AlwaysShowToolTips);
     setMouseTracking(true);
     registerTypes();

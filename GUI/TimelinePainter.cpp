@@ -15,7 +15,6 @@ namespace {
 
 const QColor scaleColour(105, 106, 109);
 const QColor bandColour = Colours::accent(127);
-const QColor accentColour = Colours::accent();
 const QColor cursorColour(223, 72, 72);
 
 constexpr qreal tickWidth = 0.9;
@@ -136,7 +135,7 @@ void TimelinePainter::drawSelection(QPainter &painter) const
     painter.setPen(QPen(bandColour, selectionPenWidth, Qt::SolidLine, Qt::FlatCap));
     painter.drawLine(left, selectionLineY, right, selectionLineY);
 
-    painter.setPen(QPen(accentColour, 1));
+    painter.setPen(QPen(Colours::accent(), 1));
     const int height = timeline.widget->height();
     if (timeline.selectionStart >= window.start) {
         const QSize size = logicalSize(timeline.selectionStartImage);
@@ -155,8 +154,8 @@ void TimelinePainter::drawSelection(QPainter &painter) const
 void TimelinePainter::drawHoverLine(QPainter &painter) const
 {
     const int x = window.pixelAt(timeline.hoverTime);
-    painter.setPen(accentColour);
-    painter.setBrush(accentColour);
+    painter.setPen(Colours::accent());
+    painter.setBrush(Colours::accent());
     painter.drawLine(x, lineTop, x, timeline.widget->height());
 }
 

@@ -41,7 +41,8 @@ struct TimelinePrivate {
     Timeline *widget = nullptr;
     API::camera_global_id_t activeCameraId;
 
-    // The tick plan, filled at every paint; -1, 0 and multiples as TimelineScale tells.
+    // The tick plan, filled at every paint; -1, 0 and multiples as TimelineScale tells. All are
+    // part of the contract; only labelStep is read.
     int labelStep = 0; ///< seconds
     int majorEvery = 0;
     int mediumEvery = 0;
@@ -66,7 +67,7 @@ struct TimelinePrivate {
     int zoomLevel = 0; ///< 0, the whole day, to 100
     QImage selectionStartImage;
     QImage selectionEndImage;
-    QImage footerImage;
+    QImage footerImage; ///< part of the contract, nothing draws it
     TimelineTooltip *tooltip = nullptr;
     RecordTimesCache recordTimes;
 
@@ -86,6 +87,8 @@ struct TimelinePrivate {
     bool canExport() const;
     /// Some camera has a shared archive with records on the day of the cursor.
     bool hasVisibleRecords() const;
+
+    // TimelinePlaylist.cpp
     Playlist playlistForCameras(const QDateTime &position);
     /// The first moment at or after `position` at which some camera has a record of `day`; one
     /// day after `position` if there is none.
@@ -93,6 +96,7 @@ struct TimelinePrivate {
     /// Keeps in `recordTimes` only what is shown and what plays.
     void forgetOldRecords();
 
+    // TimelineSelection.cpp
     Fragment selection() const;
     void startSelectionDrag(int x);
     void dragSelection(int x);

@@ -76,7 +76,7 @@ int tickHeight(const TickPlan &plan, qint64 index)
 TimelineScale timelineScale(const DayWindow &window, const ScaleTextWidths &texts)
 {
     const TimeAxis axis = window.axis();
-    const int room = (window.width - 2 * timelineMargin) / qMax(1, texts.sample);
+    const int room = axis.scaleWidth() / qMax(1, texts.sample);
     const double hours = static_cast<double>(window.seconds()) / secondsPerHour;
 
     TimelineScale scale;
@@ -92,7 +92,7 @@ TimelineScale timelineScale(const DayWindow &window, const ScaleTextWidths &text
     for (qint64 index = 0; index <= count; ++index) {
         const qint64 moment = first + index * step * millisecondsPerSecond;
         const int x = axis.pixelAt(moment);
-        if (x < timelineMargin)
+        if (x < axis.firstPixel())
             continue;
         const bool labelled = index % scale.plan.labelEvery == 0;
         scale.ticks.append(

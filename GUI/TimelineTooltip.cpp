@@ -19,7 +19,6 @@ constexpr int margin = 1;
 constexpr int pointerHeight = 4;
 constexpr int pointerHalfWidth = 3;
 constexpr qreal cornerRadius = 8;
-const QColor accentColour = Colours::accent();
 
 const QFont &labelFont()
 {
@@ -64,8 +63,8 @@ void TimelineTooltip::paintEvent(QPaintEvent *)
     const int h = height();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(accentColour);
-    painter.setBrush(accentColour);
+    painter.setPen(Colours::accent());
+    painter.setBrush(Colours::accent());
     const QPoint pointer[] = {{w / 2, h},
                               {w / 2 - pointerHalfWidth, h - pointerHeight},
                               {w / 2 + pointerHalfWidth, h - pointerHeight}};

@@ -3,12 +3,14 @@
 
 #include <QMap>
 
+#include "GUI/Retire.h"
+
 namespace ZorvaneClient {
 namespace GUI {
 
 /// Brings `widgets`, each of which shows a thing, in line with `things`: what is left is
-/// updated, what is new made by `create`, and what is gone hidden and deleted later. A thing
-/// that went and came back unseen is a new object under the old key: it gets a new widget.
+/// updated, what is new made by `create`, and what is gone retired. A thing that went and came
+/// back unseen is a new object under the old key: it gets a new widget.
 template <typename Key, typename Widget, typename Thing, typename Create>
 void updateWidgets(QMap<Key, Widget *> *widgets, const QMap<Key, Thing> &things,
                    Thing (Widget::*thingOf)() const, void (Widget::*update)(Thing), Create create)
@@ -20,8 +22,7 @@ void updateWidgets(QMap<Key, Widget *> *widgets, const QMap<Key, Thing> &things,
             continue;
         }
         entry = widgets->erase(entry);
-        widget->hide();
-        widget->deleteLater();
+        retire(widget);
     }
     for (auto entry = things.cbegin(); entry != things.cend(); ++entry) {
         if (Widget *widget = widgets->value(entry.key(), nullptr)) {

@@ -9,8 +9,10 @@ fail() { printf 'FAILED: %s\n' "$*" >&2; exit 1; }
 # install_packages KIND...: installs what is missing of the packages of those kinds.
 install_packages() {
     local wanted missing=() name
-    wanted=$(awk -v kinds=" $* " '!/^#/ && index(kinds, " " $2 " ") {print $1}' \
-        "$project/scripts/packages" | sort -u)
+    wanted=$(awk -v kinds=" $* " '!/^#/ {
+        for (i = 2; i <= NF; i++)
+            if (index(kinds, " " $i " ")) { print $1; next }
+    }' "$project/scripts/packages")
     for name in $wanted; do
         dpkg-query -W -f '${Status}' "$name" 2>/dev/null | grep -q 'ok installed' \
             || missing+=("$name")
@@ -33,17 +35,23 @@ install_packages() {
 
 # build_preset PRESET [TARGET...]: configures and builds; quick when nothing has changed.
 build_preset() {
-    local preset=$1
+    local preset=$1 log="$project/build/configure.log"
     shift
-    cd "$project"
     say "configuring ($preset)"
-    mkdir -p build
-    cmake --preset "$preset" >build/configure.log 2>&1 \
-        || { tail -n 20 build/configure.log >&2; fail "configuring (see build/configure.log)"; }
+    mkdir -p "$project/build"
+    cmake -S "$project" --preset "$preset" >"$log" 2>&1 \
+        || { tail -n 20 "$log" >&2; fail "configuring (see $log)"; }
     say "building"
     local targets=()
     [ $# -eq 0 ] || targets=(--target "$@")
-    cmake --build "build/$preset" "${targets[@]}" || fail "building"
+    cmake --build "$project/build/$preset" "${targets[@]}" || fail "building"
+}
+
+# share_clips: all programs of a script take the demo's clips from one folder; the first that
+# needs one makes it.
+share_clips() {
+    export ZORVANE_CLIP_CACHE="$project/build/clips"
+    mkdir -p "$ZORVANE_CLIP_CACHE"
 }
 
 # start_display SIZE: without a display, starts one of that size; display_pid is its process.

@@ -2,7 +2,6 @@
 #include "GUI/Player/ExportArguments.h"
 
 #include "API/Camera.h"
-#include "App/QtShims.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -17,7 +16,7 @@ const QLatin1String timeFormat("hh.mm.ss");
 
 qint64 wholeSecondsInMsecs(const QDateTime &time)
 {
-    return toEpochSeconds(time) * msecsPerSecond;
+    return API::toEpochSeconds(time) * msecsPerSecond;
 }
 
 /// The one that takes the camera's video as it is.

@@ -7,6 +7,7 @@
 #include <QRegion>
 #include <QTransform>
 
+#include "GUI/Colours.h"
 #include "GUI/Player/PictureGeometry.h"
 
 namespace ZorvaneClient {
@@ -23,12 +24,12 @@ constexpr int borderInset = 1;
 constexpr int rightAngleDegrees = 90;
 constexpr int fullTurnDegrees = 360;
 
-constexpr QColor hoverColor(66, 71, 80, 255);
+constexpr QColor hoverColour(66, 71, 80, 255);
 constexpr QColor dimming = Colours::panel(150);
 
-QPen borderPen(const QColor &color)
+QPen borderPen(const QColor &colour)
 {
-    return QPen(QBrush(color), borderWidth, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
+    return QPen(QBrush(colour), borderWidth, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
 }
 
 const QPen &selectionPen()
@@ -39,7 +40,7 @@ const QPen &selectionPen()
 
 const QPen &hoverPen()
 {
-    static const QPen pen = borderPen(hoverColor);
+    static const QPen pen = borderPen(hoverColour);
     return pen;
 }
 
@@ -77,7 +78,7 @@ void paintAround(QPainter &painter, const QRect &tile, const QRect &target, cons
 {
     const bool covers = !picture.isNull() && !picture.hasAlphaChannel();
     for (const QRect &band : QRegion(tile) - (covers ? target : QRect()))
-        painter.fillRect(band, tileBackground);
+        painter.fillRect(band, Colours::tile());
 }
 
 } // namespace
@@ -91,7 +92,7 @@ TileBorder BorderRule::border() const
 
 void paintBackground(QPainter &painter, const QRect &tile)
 {
-    painter.fillRect(tile, tileBackground);
+    painter.fillRect(tile, Colours::tile());
 }
 
 void paintPicture(QPainter &painter, const QRect &tile, const QRect &target, const QImage &frame,

@@ -7,16 +7,12 @@
 #include <QRect>
 #include <QString>
 
-#include "GUI/Colours.h"
-
 class QPainter;
 
 namespace ZorvaneClient {
 namespace GUI {
 namespace Player {
 namespace Internal {
-
-constexpr QColor tileBackground = Colours::tile();
 
 enum class TileBorder { None, Hover, Selection };
 

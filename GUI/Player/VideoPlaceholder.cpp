@@ -43,7 +43,7 @@ void VideoPlaceholder::dragEnterEvent(QDragEnterEvent *event)
         return;
     }
     event->acceptProposedAction();
-    if (property(dropProperty).toString() != QLatin1String("true"))
+    if (!property(dropProperty).toBool())
         setDropTarget(true);
 }
 

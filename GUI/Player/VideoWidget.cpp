@@ -12,7 +12,7 @@
 #include "API/Camera.h"
 #include "App/Environment.h"
 #include "GUI/CameraSettingsDialog.h"
-#include "GUI/Player/TilePainter.h"
+#include "GUI/Colours.h"
 #include "GUI/Player/VideoWidgetPrivate.h"
 #include "ui_VideoWidget.h"
 
@@ -36,9 +36,9 @@ VideoWidget::VideoWidget(API::CameraPtr camera, QWidget *parent)
 {
     d->camera = camera ? camera : API::CameraPtr::create();
     ui->setupUi(this);
-    QPalette colors = palette();
-    colors.setColor(QPalette::Window, tileBackground);
-    setPalette(colors);
+    QPalette colours = palette();
+    colours.setColor(QPalette::Window, Colours::tile());
+    setPalette(colours);
     setAttribute(Qt::WA_OpaquePaintEvent); // paintEvent() fills what the picture leaves free
 
     setUpPlayer();

@@ -7,6 +7,7 @@
 
 #include "API/Camera.h"
 #include "App/Application.h"
+#include "GUI/Colours.h"
 #include "GUI/Player/DoubleClickFilter.h"
 #include "GUI/Player/TilePainter.h"
 #include "GUI/Player/VideoWidget.h"
@@ -36,7 +37,7 @@ void VideoWidget::showPicture()
 void VideoWidget::clearImage()
 {
     // A snapshot is blank then; the fill reaches the frame file, whose memory the image is.
-    d->image.fill(tileBackground);
+    d->image.fill(Colours::tile());
     d->hasPicture = false;
     update();
 }
@@ -46,13 +47,11 @@ void VideoWidget::showSpinner()
     d->errorText.clear();
     clearImage();
     ui->spinnerWidget->start();
-    ui->spinnerWidget->show();
 }
 
 void VideoWidget::hideSpinner()
 {
     ui->spinnerWidget->stop();
-    ui->spinnerWidget->hide();
     d->errorText.clear();
 }
 

@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <chrono>
 
+#include "API/ArchiveRecord.h"
 #include "API/Camera.h"
 #include "App/Environment.h"
-#include "App/QtShims.h"
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/Player/VideoWidgetPrivate.h"
 #include "ui_VideoWidget.h"
@@ -53,8 +53,8 @@ bool VideoWidget::playArchive(QDateTime start, QDateTime end, int speed)
     d->endTime = end;
     setTime(start);
     if (d->camera->isArchiveShared()) {
-        return play(
-            d->camera->archiveUrl(d->quality, speed, toEpochSeconds(start), toEpochSeconds(end)));
+        return play(d->camera->archiveUrl(d->quality, speed, API::toEpochSeconds(start),
+                                          API::toEpochSeconds(end)));
     }
     stop();
     showError(tr("Archive is not shared"));

@@ -45,7 +45,7 @@ public:
     // VideoWidgetPlayer.cpp
     TileState state;
     Watchdog watchdog; ///< its reloads are counted by VideoWidgetPlayback.cpp
-    QString url;
+    QString url;       ///< of the child; part of the contract, nothing reads it
     QSharedPointer<QProcess> playerProcess;
     QStringList pendingCommands; ///< given while no child ran
     FrameFile frameFile;

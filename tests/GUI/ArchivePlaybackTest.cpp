@@ -5,7 +5,6 @@
 
 #include "API/Camera.h"
 #include "API/Layout.h"
-#include "App/QtShims.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/MainWindow.h"
@@ -36,7 +35,8 @@ QString wordsOf(const QStringList &arguments)
     const QString camera = query.queryItemValue("camera"_s);
     if (!query.hasQueryItem("startTime"_s))
         return camera + " live";
-    const auto start = fromEpochSeconds(query.queryItemValue("startTime"_s).toLongLong());
+    const auto start =
+        QDateTime::fromSecsSinceEpoch(query.queryItemValue("startTime"_s).toLongLong());
     return camera + start.toString(start.date() == day ? " hh:mm:ss " : " yyyy-MM-dd hh:mm:ss ") +
            query.queryItemValue("speed"_s) + 'x';
 }

@@ -3,7 +3,6 @@
 
 #include "API/Camera.h"
 #include "API/Server.h"
-#include "App/QtShims.h"
 
 namespace ZorvaneClient::Tests {
 
@@ -100,7 +99,7 @@ QList<QDate> ArchiveWorld::requestedDays(int id) const
     const QList<WireRequest> requests = lan.requests() + service.requests();
     for (const WireRequest &request : requests) {
         if (numberIn(request, "camera") == id)
-            days.append(fromEpochSeconds(numberIn(request, "startTime")).date());
+            days.append(QDateTime::fromSecsSinceEpoch(numberIn(request, "startTime")).date());
     }
     return days;
 }
@@ -110,8 +109,8 @@ WireReply ArchiveWorld::reply(const WireRequest &request)
     const int id = int(numberIn(request, "camera"));
     if (refused.contains(id))
         return WireReply::json("no JSON");
-    const QDateTime start = fromEpochSeconds(numberIn(request, "startTime"));
-    const QDateTime end = fromEpochSeconds(numberIn(request, "endTime"));
+    const QDateTime start = QDateTime::fromSecsSinceEpoch(numberIn(request, "startTime"));
+    const QDateTime end = QDateTime::fromSecsSinceEpoch(numberIn(request, "endTime"));
     QStringList entries;
     QMap<QDate, int> days;
     const QList<API::ArchiveRecord> records = archives.value(id);

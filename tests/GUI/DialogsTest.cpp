@@ -51,13 +51,13 @@ QString storedServers()
 }
 
 /// Four colours, turned so many steps clockwise, and in the mirror.
-QImage fourColors(int steps, bool isMirrored)
+QImage fourColours(int steps, bool isMirrored)
 {
     const QPoint corners[] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}};
-    const Qt::GlobalColor colors[] = {Qt::red, Qt::green, Qt::blue, Qt::yellow};
+    const Qt::GlobalColor colours[] = {Qt::red, Qt::green, Qt::blue, Qt::yellow};
     QImage image(2, 2, QImage::Format_RGB32);
     for (int i = 0; i < 4; ++i)
-        image.setPixelColor(corners[i], colors[(i - steps) & 3]);
+        image.setPixelColor(corners[i], colours[(i - steps) & 3]);
     return image.mirrored(isMirrored, false);
 }
 
@@ -308,7 +308,7 @@ private slots:
                 turns += int(step == 'R') - int(step == 'L');
                 const QPixmap shown = part<QLabel>(dialog, "preview")->pixmap(Qt::ReturnByValue);
                 const bool isMirrored = part<QCheckBox>(dialog, "mirrorBox")->isChecked();
-                QCOMPARE(cornersOf(shown), fourColors(turns, isMirrored));
+                QCOMPARE(cornersOf(shown), fourColours(turns, isMirrored));
                 QCOMPARE(shown.size(), QSize(turns % 2 == 0 ? 200 : 112, 150));
                 QCOMPARE(edited->rotation(), before);
             }
@@ -317,7 +317,7 @@ private slots:
         GUI::CameraSettingsDialog::editCamera(edited);
         QCOMPARE(edited->rotation(), after);
         QCOMPARE(edited->isMirrored(), isAccepted && steps.contains('M'));
-        QCOMPARE(cornersOf(edited->preview()), fourColors(after / 90, edited->isMirrored()));
+        QCOMPARE(cornersOf(edited->preview()), fourColours(after / 90, edited->isMirrored()));
         QTRY_COMPARE(service.requestsTo(rotationPath).size(), isAccepted ? 1 : 0);
         for (const WireRequest &request : service.requestsTo(rotationPath)) {
             const QUrlQuery body(QString::fromUtf8(request.body));
@@ -365,7 +365,7 @@ private:
         const QVariantMap reply = {{"id"_s, 7}, {"name"_s, "Gate"}, {"rotation"_s, rotation}};
         auto made = API::CameraPtr::create(addServerToRoster("s1"_s, {}).data(), reply);
         // So small that a line of pixels too many changes its shape.
-        made->setPreview(QPixmap::fromImage(fourColors(0, false)).scaled(8, 6));
+        made->setPreview(QPixmap::fromImage(fourColours(0, false)).scaled(8, 6));
         return made;
     }
 

@@ -40,7 +40,7 @@ QImage paintingOf(QWidget *widget)
 }
 
 /// Degrees counter-clockwise from three o'clock.
-QColor colorOnRing(const QImage &image, double degrees, double radius)
+QColor colourOnRing(const QImage &image, double degrees, double radius)
 {
     const double angle = qDegreesToRadians(degrees);
     return image.pixelColor(qRound(spinnerSide / 2 + radius * qCos(angle)),
@@ -53,8 +53,8 @@ bool hasItsHeadAt(const QImage &image, int degrees)
     const auto edgeAt = [&image](int place) {
         constexpr double radius = spinnerSide / 2 - spinnerLine;
         constexpr int reach = 6;
-        return colorOnRing(image, place + reach, radius).alpha() -
-               colorOnRing(image, place - reach, radius).alpha();
+        return colourOnRing(image, place + reach, radius).alpha() -
+               colourOnRing(image, place - reach, radius).alpha();
     };
     int head = 0;
     for (int place = 1; place < 360; ++place)
@@ -63,7 +63,7 @@ bool hasItsHeadAt(const QImage &image, int degrees)
     return qAbs((head - degrees + 540) % 360 - 180) <= 8;
 }
 
-QColor shownColor(const QLabel *label)
+QColor shownColour(const QLabel *label)
 {
     return label->pixmap(Qt::ReturnByValue).toImage().pixelColor(10, 10);
 }
@@ -132,8 +132,8 @@ private slots:
         // A little after the head the colour is nearly full, and as wide as the line.
         int inked = 0;
         for (int radius = 0; radius < spinnerSide / 2; ++radius) {
-            const QColor color = colorOnRing(image, head + 10, radius);
-            inked += color.alpha() >= 128 && color.red() > 200 && color.green() < 30 ? 1 : 0;
+            const QColor colour = colourOnRing(image, head + 10, radius);
+            inked += colour.alpha() >= 128 && colour.red() > 200 && colour.green() < 30 ? 1 : 0;
         }
         QVERIFY2(qAbs(inked - spinnerLine) <= 2, QByteArray::number(inked));
         spinner->stop();
@@ -146,16 +146,16 @@ private slots:
     void hoverChangesPictureAndTip()
     {
         moveMouseTo(first);
-        QCOMPARE(shownColor(first), QColor(Qt::green));
+        QCOMPARE(shownColour(first), QColor(Qt::green));
         QCOMPARE(shownTip(), "What the first one is for."_s);
         moveMouseTo(second);
         QCOMPARE(shownTip(), "The second"_s);
         moveMouseTo(silent);
-        QCOMPARE(shownColor(silent), QColor(Qt::green));
+        QCOMPARE(shownColour(silent), QColor(Qt::green));
         QCOMPARE(shownTip(), QString());
         moveMouseTo(first);
         moveMouseAway();
-        QCOMPARE(shownColor(first), QColor(Qt::red));
+        QCOMPARE(shownColour(first), QColor(Qt::red));
         QCOMPARE(shownTip(), QString());
     }
 

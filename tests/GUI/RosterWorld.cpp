@@ -30,9 +30,9 @@ int expireTimers(std::chrono::milliseconds interval)
     return expired;
 }
 
-QRect placeOf(const QColor &color, QWidget *widget)
+QRect placeOf(const QColor &colour, QWidget *widget)
 {
-    return QRegion(widget->grab().createMaskFromColor(color, Qt::MaskOutColor)).boundingRect();
+    return QRegion(widget->grab().createMaskFromColor(colour, Qt::MaskOutColor)).boundingRect();
 }
 
 QString labelText(const QWidget *parent, const char *name)

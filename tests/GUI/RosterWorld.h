@@ -18,7 +18,7 @@ constexpr std::chrono::milliseconds releaseDelay(30000);
 int expireTimers(std::chrono::milliseconds interval);
 
 /// The part of the widget that holds all pixels of that colour.
-QRect placeOf(const QColor &color, QWidget *widget);
+QRect placeOf(const QColor &colour, QWidget *widget);
 
 /// The text of a label, with what is painted as marked in it in brackets.
 QString labelText(const QWidget *parent, const char *name);

@@ -14,7 +14,7 @@ namespace ZorvaneClient::Pictures {
 namespace {
 
 /// Shows where a popup stands out of its window.
-const QColor deskColor(214, 218, 224);
+const QColor deskColour(214, 218, 224);
 
 bool isPopup(const QWidget *window)
 {
@@ -52,7 +52,7 @@ void Album::take(const QString &name, const QString &caption, QWidget *window, c
     const qreal ratio = window->devicePixelRatioF();
     QImage picture(area.size() * ratio, QImage::Format_RGB32);
     picture.setDevicePixelRatio(ratio);
-    picture.fill(deskColor);
+    picture.fill(deskColour);
     QPainter painter(&picture);
     const QRect visible = area.intersected(QRect(window->mapToGlobal(QPoint()), window->size()));
     painter.drawPixmap(

@@ -28,8 +28,8 @@ QString said(VideoWidget &tile)
     const QRegularExpressionMatch match = pattern.match(dumpOf(tile));
     const QHash<QString, QString> names{
         {"#ff0000", "red"}, {"#000000", "black"}, {"#19191d", "dark"}};
-    const QString color = names.value(onScreen(tile).pixelColor(20, 120).name(), "other"_s);
-    return "%1 %2x%3 %4"_s.arg(match.captured(1), match.captured(2), match.captured(3), color);
+    const QString colour = names.value(onScreen(tile).pixelColor(20, 120).name(), "other"_s);
+    return "%1 %2x%3 %4"_s.arg(match.captured(1), match.captured(2), match.captured(3), colour);
 }
 
 } // namespace

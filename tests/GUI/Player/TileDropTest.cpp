@@ -22,7 +22,7 @@ QByteArray payloadOf(const Values &...values)
     return payload;
 }
 
-QColor colorOf(QWidget &widget, int x, int y)
+QColor colourOf(QWidget &widget, int x, int y)
 {
     return widget.grab().toImage().pixelColor(x, y);
 }
@@ -117,13 +117,13 @@ private slots:
             QCOMPARE(drag.hotSpot(), QPoint(80, 50));
             QVERIFY(drag.pixmap().width() > tile.width()); // tilted, and not dimmed
             QCOMPARE(drag.pixmap().toImage().pixelColor(drag.pixmap().rect().center()), background);
-            QCOMPARE(colorOf(tile, 160, 120), dimmed);
+            QCOMPARE(colourOf(tile, 160, 120), dimmed);
             QVERIFY(answers(sibling, *drag.mimeData(), Qt::MoveAction, true));
             QVERIFY(answers(stranger, *drag.mimeData(), Qt::MoveAction, false));
         });
         QApplication::sendEvent(&tile, &moved);
         QCOMPARE(wasDragging, starts);
-        QCOMPARE(colorOf(tile, 160, 120), background);
+        QCOMPARE(colourOf(tile, 160, 120), background);
     }
 
     void drops_data()
@@ -162,16 +162,16 @@ private slots:
         QVERIFY(answers(tile, data, Qt::DropAction(action), isWelcome));
         QVERIFY(answers(placeholder, data, Qt::DropAction(action), isWelcome));
         QCOMPARE(wishOf(tile, data, Qt::DropAction(action)), wish);
-        QCOMPARE(colorOf(tile, 1, 120), background); // a target no more
+        QCOMPARE(colourOf(tile, 1, 120), background); // a target no more
         const QColor shown = isWelcome ? selection : background;
-        QCOMPARE(colorOf(placeholder, 1, 75), shown);
+        QCOMPARE(colourOf(placeholder, 1, 75), shown);
         QCOMPARE(wishOf(placeholder, data, Qt::DropAction(action)), wishOfPlaceholder);
-        QCOMPARE(colorOf(placeholder, 1, 75), background);
+        QCOMPARE(colourOf(placeholder, 1, 75), background);
         QVERIFY(answers(placeholder, data, Qt::DropAction(action), isWelcome));
-        QCOMPARE(colorOf(placeholder, 1, 75), shown);
+        QCOMPARE(colourOf(placeholder, 1, 75), shown);
         QDragLeaveEvent leave;
         QApplication::sendEvent(&placeholder, &leave);
-        QCOMPARE(colorOf(placeholder, 1, 75), background);
+        QCOMPARE(colourOf(placeholder, 1, 75), background);
     }
 };
 

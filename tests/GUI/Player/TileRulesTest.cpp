@@ -11,6 +11,8 @@
 
 using namespace ZorvaneClient::GUI::Player::Internal;
 
+const QColor background(25, 25, 29);
+
 /// What a tile decides without a window.
 class TileRulesTest : public QObject
 {
@@ -102,11 +104,11 @@ private slots:
                 tile.fill(Qt::magenta); // what was there before
                 QPainter painter(&tile);
                 paintPicture(painter, tile.rect(), QRect(4, 0, 16, 16), frame, rotation, mirror);
-                QCOMPARE(tile.pixelColor(0, 0), tileBackground);
-                QCOMPARE(tile.pixelColor(4, 0), rotation == 45 ? tileBackground : Qt::red);
+                QCOMPARE(tile.pixelColor(0, 0), background);
+                QCOMPARE(tile.pixelColor(4, 0), rotation == 45 ? background : Qt::red);
                 QCOMPARE(tile.pixelColor(12, 8), QColor(Qt::red));
                 paintPicture(painter, tile.rect(), QRect(4, 0, 16, 16), QImage(), 0, false);
-                QCOMPARE(tile.pixelColor(12, 8), tileBackground);
+                QCOMPARE(tile.pixelColor(12, 8), background);
             }
         }
     }

@@ -158,10 +158,10 @@ void obey(const std::string &text, const char *frameFile)
     } else if (word == "solid" || word == "corners") {
         const auto width = next<int>(line);
         const auto height = next<int>(line);
-        std::vector<std::uint32_t> colors{0xff0000ff, 0x00ff00ff, 0x0000ffff, 0xffffffff};
+        std::vector<std::uint32_t> colours{0xff0000ff, 0x00ff00ff, 0x0000ffff, 0xffffffff};
         if (word == "solid")
-            colors.assign(4, std::stoul(next<std::string>(line), nullptr, 16));
-        paint(frameFile, width, height, colors);
+            colours.assign(4, std::stoul(next<std::string>(line), nullptr, 16));
+        paint(frameFile, width, height, colours);
     } else if (word == "pace") {
         const auto timesPerSecond = next<int>(line);
         pace(timesPerSecond, restOf(line));

@@ -8,7 +8,7 @@ namespace ZorvaneClient {
 namespace API {
 namespace Internal {
 
-// What the service says of a camera in the roster, as this program understands it.
+// What the service says of servers and cameras, as this program understands it.
 
 struct PaidState {
     bool paid = false;
@@ -20,6 +20,9 @@ PaidState paidStateOf(const QVariantMap &services);
 
 /// CameraRight bits; words that are not known give none.
 int rightsOf(const QVariantList &words);
+
+/// True if `word` is among the functions that a server says it has.
+bool hasFunction(const QVariantMap &info, const QString &word);
 
 } // namespace Internal
 } // namespace API

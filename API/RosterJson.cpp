@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "API/CameraJson.h"
+#include "API/RosterJson.h"
+
+#include <algorithm>
 
 #include "API/Types.h"
 
@@ -34,6 +36,13 @@ int rightsOf(const QVariantList &words)
             rights |= RightPtz;
     }
     return rights;
+}
+
+bool hasFunction(const QVariantMap &info, const QString &word)
+{
+    const QVariantList list = info.value(QStringLiteral("functions")).toList();
+    return std::any_of(list.begin(), list.end(),
+                       [&word](const QVariant &entry) { return entry.toString() == word; });
 }
 
 } // namespace Internal
