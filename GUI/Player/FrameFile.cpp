@@ -9,7 +9,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 
+#include "App/Environment.h"
 #include "App/OwnerOnly.h"
 
 namespace ZorvaneClient {
@@ -21,6 +23,10 @@ namespace {
 
 constexpr qint64 bytesPerPixel = 4;
 constexpr auto pixelFormat = QImage::Format_ARGB32_Premultiplied;
+
+const QString nameStart = QStringLiteral("zorvane-player-");
+/// One that is younger may not be locked yet.
+constexpr auto youngestLeftOver = std::chrono::milliseconds(10'000);
 
 quint64 nextFrameFileNumber = 0;
 
@@ -45,8 +51,18 @@ bool removeUnused(const QString &fileName)
 
 } // namespace
 
-FrameFile::FrameFile()
-    : frameFileName(QStringLiteral("zorvane-player-%1").arg(nextFrameFileNumber++))
+void FrameFile::removeLeftOvers()
+{
+    const QDateTime oldEnough = App::Environment::now().addMSecs(-youngestLeftOver.count());
+    const QFileInfoList files =
+        QDir(QDir::tempPath()).entryInfoList({nameStart + QLatin1Char('*')});
+    for (const QFileInfo &file : files) {
+        if (file.lastModified() < oldEnough)
+            removeUnused(file.filePath());
+    }
+}
+
+FrameFile::FrameFile() : frameFileName(nameStart + QString::number(nextFrameFileNumber++))
 {
 }
 

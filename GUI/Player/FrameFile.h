@@ -19,6 +19,9 @@ class FrameFile
 public:
     static constexpr qint64 byteCount = 12582912;
 
+    /// Removes what runs that crashed have left in the temporary folder.
+    static void removeLeftOvers();
+
     /// Takes the next name of this process. Makes no file.
     FrameFile();
     /// Removes the file, if this object made it.

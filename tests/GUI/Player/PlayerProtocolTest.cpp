@@ -4,12 +4,15 @@
 #include <sys/file.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
+#include <utime.h>
 
 #include "App/Settings.h"
+#include "GUI/Player/FrameFile.h"
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/LogCapture.h"
 
 using GUI::Player::VideoWidget;
+using GUI::Player::Internal::FrameFile;
 
 namespace {
 
@@ -182,6 +185,27 @@ private slots:
         }
         tile.reset();
         QVERIFY(!QFile::exists(path));
+    }
+
+    void leftOversAreRemoved()
+    {
+        ScriptedTile running;
+        QVERIFY(running.playLive());
+        QTRY_COMPARE(running.starts().size(), 1);
+        const QStringList before = QDir::temp().entryList(QDir::Files);
+        for (const char *name : {"zorvane-player-dead", "zorvane-player-new", "zorvane-other"}) {
+            QFile file(QDir::temp().filePath(QLatin1String(name)));
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            if (!file.fileName().endsWith("new"_s))
+                QVERIFY(file.setFileTime(noon, QFileDevice::FileModificationTime));
+        }
+        const utimbuf longAgo = {};
+        ::utime(QFile::encodeName(frameFileOf(running)), &longAgo);
+        FrameFile::removeLeftOvers();
+        QStringList left = QDir::temp().entryList(QDir::Files);
+        for (const QString &name : {"zorvane-player-new"_s, "zorvane-other"_s})
+            QVERIFY(left.removeOne(name) && QDir::temp().remove(name));
+        QCOMPARE(left, before);
     }
 
     /// Memory over no block of the disk ends whoever touches it.
