@@ -16,6 +16,7 @@
 #include "API/CloudExchange.h"
 #include "API/Layout.h"
 #include "API/LayoutDocument.h"
+#include "API/LayoutVersions.h"
 #include "API/RestClient.h"
 #include "App/Environment.h"
 #include "App/OwnerOnly.h"
@@ -115,7 +116,7 @@ void CloudAPIClient::onLayoutsReceived(const QVariant &response)
 bool CloudAPIClient::parseLayouts(QVariant layoutsResponse)
 {
     const QVariantMap map = layoutsResponse.toMap();
-    const int lastUpdate = map.value(QStringLiteral("last_update")).toInt();
+    const int lastUpdate = map.value(Internal::LayoutKey::lastUpdate).toInt();
     if (lastUpdate <= cloudData.layoutsLastUpdate) {
         qDebug() << "Outdated layouts:" << lastUpdate;
         return false;
@@ -124,7 +125,7 @@ bool CloudAPIClient::parseLayouts(QVariant layoutsResponse)
 
     QSet<QString> seen;
     const QList<QVariantMap> layouts =
-        Internal::boundedLayouts(map.value(QStringLiteral("layouts")).toList());
+        Internal::boundedLayouts(map.value(Internal::LayoutKey::list).toList());
     for (const QVariantMap &layout : layouts) {
         const QString id = layout.value(Internal::LayoutKey::id).toString();
         seen.insert(id);
@@ -172,11 +173,13 @@ void CloudAPIClient::saveLayoutsToFile()
     cloudData.layoutsLastUpdate = static_cast<int>(App::Environment::now().toSecsSinceEpoch());
     const QVariantList layouts = Internal::toVariantList(cloudData.layouts);
     const QJsonObject document{
-        {QStringLiteral("last_update"), cloudData.layoutsLastUpdate},
-        {QStringLiteral("layouts"), QJsonArray::fromVariantList(layouts)},
+        {Internal::LayoutKey::lastUpdate, cloudData.layoutsLastUpdate},
+        {Internal::LayoutKey::list, QJsonArray::fromVariantList(layouts)},
     };
     const QString fileName = cacheFile();
-    if (!App::writeForOwner(fileName, QJsonDocument(document).toJson()))
+    const QByteArray content = QJsonDocument(document).toJson();
+    Internal::keepLayoutVersion(fileName, content);
+    if (!App::writeForOwner(fileName, content))
         qWarning() << "Could not save layouts cache to" << fileName;
 }
 

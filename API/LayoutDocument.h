@@ -12,8 +12,11 @@ namespace ZorvaneClient {
 namespace API {
 namespace Internal {
 
-/// Keys of a layout as the service and the cache file keep it, and of its cells.
+/// Keys of the document as the service and the cache file keep it, of a layout and of its cells.
 namespace LayoutKey {
+
+inline const QString lastUpdate = QStringLiteral("last_update");
+inline const QString list = QStringLiteral("layouts");
 
 inline const QString name = QStringLiteral("name");
 inline const QString rows = QStringLiteral("rows");

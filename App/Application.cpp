@@ -20,6 +20,7 @@
 #include "App/SettingsKeys.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
+#include "GUI/Player/FrameFile.h"
 
 namespace ZorvaneClient {
 namespace App {
@@ -66,6 +67,7 @@ Application::Application(HighDensity, int &argc, char **argv) : QApplication(arg
     addFonts();
     makeFolders();
     openLog();
+    GUI::Player::Internal::FrameFile::removeLeftOvers();
     ServiceProfile::setCurrent(ServiceProfile::fromFile(QStringLiteral("service.ini")));
     setWindowIcon(QIcon(QStringLiteral("://icons/zorvane-client.png")));
 }

@@ -5,6 +5,8 @@
 #include <thread>
 #include <utility>
 
+#include "companion/LastWords.h"
+
 namespace ZorvaneClient {
 namespace Companion {
 
@@ -76,8 +78,14 @@ int Player::run()
 
 void Player::startThreads()
 {
-    std::thread([this] { reader.run(); }).detach();
-    std::thread([this] { audio.run(); }).detach();
+    std::thread([this] {
+        LastWords::lendStack();
+        reader.run();
+    }).detach();
+    std::thread([this] {
+        LastWords::lendStack();
+        audio.run();
+    }).detach();
 }
 
 void Player::enter(Phase newPhase)

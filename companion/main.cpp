@@ -17,6 +17,7 @@
 #include "companion/ExportWatch.h"
 #include "companion/Exporter.h"
 #include "companion/FrameFile.h"
+#include "companion/LastWords.h"
 #include "companion/LineOutput.h"
 #include "companion/Player.h"
 #include "companion/TargetFile.h"
@@ -27,6 +28,7 @@ using namespace ZorvaneClient::Companion;
 
 constexpr int errorExitCode = 1;
 constexpr int usageExitCode = 2;
+constexpr int outOfMemoryScore = 500; ///< of 1000
 
 /// Only the arguments say whether there is a proxy.
 void forgetProxyOfEnvironment()
@@ -39,7 +41,9 @@ void forgetProxyOfEnvironment()
 void obeyClient(Controls &controls)
 {
     std::thread([&controls] {
+        LastWords::lendStack();
         CommandInput(STDIN_FILENO, controls).run();
+        LastWords::say();
         std::_Exit(EXIT_SUCCESS);
     }).detach();
 }
@@ -50,11 +54,23 @@ int complain(const std::string &text)
     return errorExitCode;
 }
 
+/// The system, when it runs out of memory, takes a tile rather than the window of all tiles.
+void volunteerForOutOfMemory()
+{
+    if (std::FILE *file = std::fopen("/proc/self/oom_score_adj", "w")) {
+        std::fprintf(file, "%d", outOfMemoryScore);
+        std::fclose(file);
+    }
+}
+
 int playStream(const std::vector<std::string> &words)
 {
+    volunteerForOutOfMemory();
+    LastWords::sayAtCrash();
     const auto arguments = parseArguments(words);
     if (!arguments) {
         std::fprintf(stderr, "%s\n", usageLine);
+        LastWords::say();
         return usageExitCode;
     }
     LineOutput output(STDOUT_FILENO);

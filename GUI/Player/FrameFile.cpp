@@ -4,6 +4,14 @@
 #include <QDebug>
 #include <QDir>
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+
+#include "App/Environment.h"
 #include "App/OwnerOnly.h"
 
 namespace ZorvaneClient {
@@ -16,19 +24,51 @@ namespace {
 constexpr qint64 bytesPerPixel = 4;
 constexpr auto pixelFormat = QImage::Format_ARGB32_Premultiplied;
 
+const QString nameStart = QStringLiteral("zorvane-player-");
+/// One that is younger may not be locked yet.
+constexpr auto youngestLeftOver = std::chrono::milliseconds(10'000);
+
 quint64 nextFrameFileNumber = 0;
+
+/// For as long as the file is open. False if somebody else has done it.
+bool lock(int descriptor)
+{
+    return ::flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+/// Removes what lies under that name, unless a running program holds it.
+bool removeUnused(const QString &fileName)
+{
+    const QByteArray name = QFile::encodeName(fileName);
+    const int present = ::open(name.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    const bool isUnused = present < 0 || lock(present);
+    if (isUnused)
+        QFile::remove(fileName);
+    if (present >= 0)
+        ::close(present);
+    return isUnused;
+}
 
 } // namespace
 
-FrameFile::FrameFile()
-    : frameFileName(QStringLiteral("zorvane-player-%1").arg(nextFrameFileNumber++))
+void FrameFile::removeLeftOvers()
+{
+    const QDateTime oldEnough = App::Environment::now().addMSecs(-youngestLeftOver.count());
+    const QFileInfoList files =
+        QDir(QDir::tempPath()).entryInfoList({nameStart + QLatin1Char('*')});
+    for (const QFileInfo &file : files) {
+        if (file.lastModified() < oldEnough)
+            removeUnused(file.filePath());
+    }
+}
+
+FrameFile::FrameFile() : frameFileName(nameStart + QString::number(nextFrameFileNumber++))
 {
 }
 
 FrameFile::~FrameFile()
 {
-    file.close();
-    if (file.exists())
+    if (file.isOpen())
         file.remove();
 }
 
@@ -54,13 +94,18 @@ bool FrameFile::open()
 bool FrameFile::create()
 {
     // A file of that name is left over from a run that crashed, or planted: never write into it.
-    file.remove();
+    taken = !removeUnused(file.fileName());
+    if (taken) {
+        qWarning() << "VideoWidget: Another copy of the program uses SHM file" << file.fileName();
+        return false;
+    }
     // What cameras see is nobody else's business.
     const App::OwnerOnlyFiles guard;
     if (!file.open(QIODevice::ReadWrite | QIODevice::NewOnly)) {
         qWarning() << "VideoWidget: Could not open SHM file " << file.fileName();
         return false;
     }
+    lock(file.handle());
     if (!file.resize(byteCount)) {
         qWarning() << "VideoWidget: Could not resize SHM file to " << byteCount << " bytes";
         return false;
@@ -75,9 +120,23 @@ bool FrameFile::create()
 
 QImage FrameFile::image(QSize size) const
 {
-    if (!frameMemory || !hasRoomFor(size))
+    if (!frameMemory || !hasRoomFor(size) ||
+        !isBacked(bytesPerPixel * size.width() * size.height()))
         return QImage();
     return QImage(frameMemory, size.width(), size.height(), pixelFormat);
+}
+
+/// On a full disk, memory that is over no block yet ends whoever touches it.
+bool FrameFile::isBacked(qint64 bytes) const
+{
+    if (bytes <= backedBytes)
+        return true;
+    if (::fallocate(file.handle(), FALLOC_FL_KEEP_SIZE, 0, bytes) != 0 && errno == ENOSPC) {
+        qWarning() << "VideoWidget: No room for a frame in" << file.fileName();
+        return false;
+    }
+    backedBytes = bytes;
+    return true;
 }
 
 bool FrameFile::hasRoomFor(QSize size)

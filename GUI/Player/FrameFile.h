@@ -19,29 +19,38 @@ class FrameFile
 public:
     static constexpr qint64 byteCount = 12582912;
 
+    /// Removes what runs that crashed have left in the temporary folder.
+    static void removeLeftOvers();
+
     /// Takes the next name of this process. Makes no file.
     FrameFile();
-    /// Removes the file.
+    /// Removes the file, if this object made it.
     ~FrameFile();
     Q_DISABLE_COPY(FrameFile)
 
     /// Bare name: the child looks in the same temporary folder.
     QString name() const;
     /// Makes the file, readable by its owner only, and maps it; once that is done, does nothing.
-    /// False, with a warning in the log and no file left, if it can't.
+    /// False, with a warning in the log and no file of ours left, if it can't.
     bool open();
+    /// The last `open()` found the name in use: by another copy of the program that runs in the
+    /// same temporary folder.
+    bool isTaken() const { return taken; }
 
     /// The current frame in place, with no copy; valid as long as this object. Null if there
-    /// is no file yet or it has no room for `size`.
+    /// is no file yet, it has no room for `size`, or the disk has none.
     QImage image(QSize size) const;
     static bool hasRoomFor(QSize size);
 
 private:
     bool create();
+    bool isBacked(qint64 bytes) const;
 
     QString frameFileName;
     QFile file;
     uchar *frameMemory = nullptr;
+    bool taken = false;
+    mutable qint64 backedBytes = 0; ///< so many can be read and written without a fault
 };
 
 } // namespace Internal

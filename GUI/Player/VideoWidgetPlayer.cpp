@@ -50,6 +50,8 @@ bool VideoWidget::play(QString url)
     if (d->state != TileState::Idle)
         closePlayer();
     if (!d->frameFile.open()) {
+        if (d->frameFile.isTaken())
+            showError(tr("Used by another copy of the program"));
         emit error();
         return false;
     }

@@ -182,6 +182,47 @@ private slots:
                  cacheFolder().filePath("layouts.d82d7ca255082e2ca8720d69da507ee1"_s));
     }
 
+    void formerListsAreKept()
+    {
+        const auto layout = LayoutPtr::create();
+        client->addLayout(layout);
+        const auto save = [&](const QString &name) {
+            layout->setName(name);
+            client->saveLayoutsToFile();
+        };
+        const auto kept = [this] {
+            QStringList names;
+            for (int number = 1; number <= 11; ++number) {
+                QFile file("%1.%2"_s.arg(cache).arg(number));
+                const bool isOpen = file.open(QIODevice::ReadOnly);
+                if (isOpen && file.permissions() & (QFile::ReadGroup | QFile::ReadOther))
+                    return "readable by all"_s;
+                const QJsonObject document = QJsonDocument::fromJson(file.readAll()).object();
+                const QJsonArray list = document.value("layouts"_s).toArray();
+                names << (isOpen ? list.at(0).toObject().value("name"_s).toString() : "-"_s);
+            }
+            return names.join(' ');
+        };
+        save("a"_s);
+        QCOMPARE(kept(), "- - - - - - - - - - -"_s);
+        save("b"_s);
+        setTime(40);
+        save("b"_s); // a new stamp alone is no other list
+        QCOMPARE(kept(), "a - - - - - - - - - -"_s);
+        for (const char name : {'c', 'd', 'e', 'f', 'g', 'h', 'i', 'j', 'k'})
+            save(QLatin1String(&name, 1));
+        QCOMPARE(kept(), "j i h g f e d c b a -"_s);
+        save("l"_s);
+        QCOMPARE(kept(), "k j i h g f e d c b -"_s);
+        // Someone was killed while the numbers moved on, and another one before the new list stood.
+        QVERIFY(QFile::remove(cache + ".3"_s));
+        save("m"_s);
+        QCOMPARE(kept(), "l k j h g f e d c b -"_s);
+        QVERIFY(QFile::remove(cache) && QFile::copy(cache + ".1"_s, cache));
+        save("n"_s);
+        QCOMPARE(kept(), "l k j h g f e d c b -"_s);
+    }
+
     void bounds_data()
     {
         const QByteArray largest = layoutJson("a", longestName, cellJson(7, 31, 31, 32, 32), 32);

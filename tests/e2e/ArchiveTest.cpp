@@ -2,6 +2,7 @@
 #include "tests/e2e/EndToEnd.h"
 
 #include <cmath>
+#include <csignal>
 
 #include "tests/e2e/Wall.h"
 
@@ -134,6 +135,31 @@ private slots:
             };
             QTRY_VERIFY_WITH_TIMEOUT(isLive(), pictureDeadlineMs);
         }
+    }
+
+    void crashesHoldNobody_data()
+    {
+        rows<int>({"signal"}, {{"SIGSEGV", SIGSEGV},
+                               {"SIGBUS", SIGBUS},
+                               {"SIGFPE", SIGFPE},
+                               {"SIGILL", SIGILL},
+                               {"SIGABRT", SIGABRT}});
+    }
+
+    void crashesHoldNobody()
+    {
+        const auto [number] = row<int>();
+        click(at("12:01:00"));
+        for (int index = 0; index < 4; ++index)
+            QTRY_VERIFY_WITH_TIMEOUT(showsNear(index, cursor(), maxApartMs), pictureDeadlineMs);
+        const int victim = number % 4;
+        const qint64 child = childOf(tileOf(victim));
+        QVERIFY(child > 0);
+        const QDateTime before = cursor();
+        QCOMPARE(::kill(pid_t(child), number), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(cursor() > before.addSecs(3), pictureDeadlineMs);
+        QTRY_VERIFY_WITH_TIMEOUT(showsNear(victim, cursor(), maxApartMs), pictureDeadlineMs);
+        QVERIFY(childOf(tileOf(victim)) != child);
     }
 
 private:

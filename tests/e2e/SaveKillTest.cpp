@@ -6,6 +6,7 @@
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
 #include "API/LayoutDocument.h"
+#include "API/LayoutVersions.h"
 #include "App/Settings.h"
 #include "tests/support/Roster.h"
 
@@ -104,6 +105,19 @@ private slots:
             const QJsonArray layouts = document.value("layouts"_s).toArray();
             QVERIFY2(layouts == contents[0] || layouts == contents[1], "a mixture");
             ++found[layouts == contents[1] ? 1 : 0];
+            int gaps = 0;
+            bool isAny = false;
+            for (int number = API::Internal::keptLayoutVersions; number > 0; --number) {
+                QFile version("%1.%2"_s.arg(cacheFile).arg(number));
+                if (!version.open(QIODevice::ReadOnly)) {
+                    QVERIFY2(!isAny || ++gaps <= 1, "a kill loses none but the oldest");
+                    continue;
+                }
+                isAny = true;
+                const QJsonValue kept =
+                    QJsonDocument::fromJson(version.readAll()).object().value("layouts"_s);
+                QVERIFY2(kept == contents[0] || kept == contents[1], "a torn or mixed version");
+            }
         }
         QVERIFY2(found[0] > 0 && found[1] > 0, "the kills fell at one and the same moment");
     }

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include <csignal>
 
+#include <sys/file.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
+#include <utime.h>
 
 #include "App/Settings.h"
+#include "GUI/Player/FrameFile.h"
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/LogCapture.h"
 
 using GUI::Player::VideoWidget;
+using GUI::Player::Internal::FrameFile;
 
 namespace {
 
@@ -19,6 +24,14 @@ const QString red = "solid 32 24 ff0000ff|print "_s;
 QString frameFileOf(const ScriptedChild &child)
 {
     return QDir::tempPath() + QDir::separator() + child.starts().last().value(1);
+}
+
+/// Of the tile that is made next.
+QString nextFrameFile(const ScriptedChild &last)
+{
+    const QString path = frameFileOf(last);
+    const int dash = path.lastIndexOf('-') + 1;
+    return path.left(dash) + QString::number(path.mid(dash).toLongLong() + 1);
 }
 
 /// State, resolution and colour of a tile.
@@ -107,10 +120,7 @@ private slots:
         small.rlim_cur = 1 << 20;
         const auto handler = std::signal(SIGXFSZ, SIG_IGN);
         for (const bool isInTheWay : {true, false}) {
-            // The next tile's file has the next number.
-            const QString last = frameFileOf(first);
-            const int dash = last.lastIndexOf('-') + 1;
-            const QString path = last.left(dash) + QString::number(last.mid(dash).toLongLong() + 1);
+            const QString path = nextFrameFile(first);
             const auto starts = first.starts().size();
             VideoWidget tile(localCamera());
             QSignalSpy failed(&tile, &VideoWidget::error);
@@ -144,6 +154,83 @@ private slots:
         QCOMPARE(stateOf(first), "Starting"_s);
         App::Environment::setPlayerProgram(ScriptedChild::program());
         QVERIFY(first.playsLive());
+    }
+
+    /// Two copies of the program in one temporary folder: the second leaves the first alone.
+    void frameFileOfAnotherCopy()
+    {
+        ScriptedTile first;
+        QVERIFY(first.playLive());
+        QTRY_COMPARE(first.starts().size(), 1);
+        const QString path = nextFrameFile(first);
+        QFile theirs(path);
+        QVERIFY(theirs.open(QIODevice::ReadWrite) && theirs.write("theirs") == 6);
+        theirs.flush();
+        QCOMPARE(::flock(theirs.handle(), LOCK_EX), 0);
+        auto tile = std::make_unique<VideoWidget>(localCamera());
+        tile->show();
+        for (const bool isHeld : {true, false}) {
+            if (!isHeld)
+                theirs.close();
+            const LogCapture log;
+            QCOMPARE(tile->playLive(), !isHeld);
+            QCOMPARE(log.linesOf("VideoWidget: Another copy of the program"_s).size(), int(isHeld));
+            QVERIFY(!isHeld || showsText(*tile, "Used by another copy of the program"_s));
+            QTRY_COMPARE(first.starts().size(), isHeld ? 1 : 2);
+            // Ours is locked as well.
+            QFile ours(path);
+            QVERIFY(ours.open(QIODevice::ReadOnly));
+            QCOMPARE(ours.peek(6) == "theirs", isHeld);
+            QCOMPARE(::flock(ours.handle(), LOCK_EX | LOCK_NB), -1);
+        }
+        tile.reset();
+        QVERIFY(!QFile::exists(path));
+    }
+
+    void leftOversAreRemoved()
+    {
+        ScriptedTile running;
+        QVERIFY(running.playLive());
+        QTRY_COMPARE(running.starts().size(), 1);
+        const QStringList before = QDir::temp().entryList(QDir::Files);
+        for (const char *name : {"zorvane-player-dead", "zorvane-player-new", "zorvane-other"}) {
+            QFile file(QDir::temp().filePath(QLatin1String(name)));
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            if (!file.fileName().endsWith("new"_s))
+                QVERIFY(file.setFileTime(noon, QFileDevice::FileModificationTime));
+        }
+        const utimbuf longAgo = {};
+        ::utime(QFile::encodeName(frameFileOf(running)), &longAgo);
+        FrameFile::removeLeftOvers();
+        QStringList left = QDir::temp().entryList(QDir::Files);
+        for (const QString &name : {"zorvane-player-new"_s, "zorvane-other"_s})
+            QVERIFY(left.removeOne(name) && QDir::temp().remove(name));
+        QCOMPARE(left, before);
+    }
+
+    /// Memory over no block of the disk ends whoever touches it.
+    void fullTemporaryFolder()
+    {
+        const QTemporaryDir folder;
+        const QByteArray place = QFile::encodeName(folder.path());
+        if (::mount("small", place, "tmpfs", 0, "size=1m") != 0)
+            QSKIP("only root can mount a small folder");
+        const QByteArray before = qgetenv("TMPDIR");
+        qputenv("TMPDIR", place);
+        {
+            ScriptedTile tile(
+                "print size 1280 720\\nframe|wait room|solid 1280 720 ff0000ff|print frame"_s);
+            const LogCapture log;
+            QVERIFY(tile.playLive());
+            QTRY_COMPARE(log.linesOf("VideoWidget: No room for a frame in"_s).size(), 1);
+            QCOMPARE(stateOf(tile), "Playing"_s);
+            tile.grab();
+            QCOMPARE(::mount("small", place, "tmpfs", MS_REMOUNT, "size=16m"), 0);
+            tile.tell("room"_s);
+            QTRY_COMPARE(onScreen(tile).pixelColor(tile.rect().center()), QColor(Qt::red));
+        }
+        before.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", before);
+        QCOMPARE(::umount(place), 0);
     }
 
     void commands()

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+#include "companion/LastWords.h"
+
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdint>
+#include <memory>
+
+#include "companion/LineOutput.h"
+
+namespace ZorvaneClient {
+namespace Companion {
+
+namespace {
+
+constexpr int signalExitBase = 128;
+
+static_assert(static_cast<int>(StreamState::Error) == 7, "what a crash says");
+/// Begins with an end of line, as the crash may lie in the middle of one.
+constexpr char crashLine[] = "\nstate 7\n";
+
+extern "C" void onCrash(int signal)
+{
+    // Nobody is left to tell when this fails.
+    const ssize_t written = ::write(STDOUT_FILENO, crashLine, sizeof(crashLine) - 1);
+    static_cast<void>(written);
+    ::_exit(signalExitBase + signal);
+}
+
+/// For as long as its thread lives.
+class SignalStack
+{
+public:
+    SignalStack() : bytes(std::make_unique<uint8_t[]>(sizeBytes))
+    {
+        stack_t stack = {};
+        stack.ss_sp = bytes.get();
+        stack.ss_size = sizeBytes;
+        sigaltstack(&stack, nullptr);
+    }
+    ~SignalStack()
+    {
+        stack_t none = {};
+        none.ss_flags = SS_DISABLE;
+        sigaltstack(&none, nullptr);
+    }
+    SignalStack(const SignalStack &) = delete;
+    SignalStack &operator=(const SignalStack &) = delete;
+
+private:
+    // The registers of large processors alone are several thousand bytes.
+    static constexpr size_t sizeBytes = size_t(64) * 1024;
+
+    // On the heap: what a thread has of its own would be taken from every thread's stack, and
+    // the audio library makes one that is too small for that.
+    std::unique_ptr<uint8_t[]> bytes;
+};
+
+} // namespace
+
+void LastWords::say()
+{
+    LineOutput output(STDOUT_FILENO);
+    output.state(StreamState::Error);
+    output.flush();
+}
+
+void LastWords::sayAtCrash()
+{
+    lendStack();
+    struct sigaction action = {};
+    action.sa_handler = onCrash;
+    action.sa_flags = SA_ONSTACK;
+    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
+        struct sigaction present = {};
+        if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_DFL)
+            sigaction(signal, &action, nullptr);
+    }
+}
+
+void LastWords::lendStack()
+{
+    thread_local const SignalStack stack;
+}
+
+} // namespace Companion
+} // namespace ZorvaneClient
