@@ -236,9 +236,10 @@ private slots:
     {
         const auto [signal] = row<int>();
         StreamPlayer player;
-        // Of those that watch the memory, too, what a signal does is ours.
-        player.setEnvironment("ASAN_OPTIONS", "handle_segv=0:handle_sigbus=0:handle_sigfpe=0:"
-                                              "handle_sigill=0:handle_abort=0");
+        // What a signal does is ours, also under the sanitizers.
+        for (const char *options : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
+            player.setEnvironment(options, "handle_segv=0:handle_sigbus=0:handle_sigfpe=0:"
+                                           "handle_sigill=0:handle_abort=0");
         QVERIFY(player.play(StreamScript::of(clip.repeated(30))));
         QVERIFY(player.shows(3));
         QFile score("/proc/%1/oom_score_adj"_s.arg(player.pid()));
