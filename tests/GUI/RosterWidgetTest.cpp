@@ -11,7 +11,7 @@
 #include "GUI/ServerWidget.h"
 #include "GUI/SideBar.h"
 #include "GUI/ToolBar.h"
-#include "tests/GUI/DialogVisitor.h"
+#include "tests/support/DialogVisitor.h"
 #include "tests/GUI/RosterWorld.h"
 
 using GUI::CameraWidget;

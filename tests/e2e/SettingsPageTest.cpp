@@ -3,7 +3,7 @@
 
 #include "App/Settings.h"
 #include "GUI/SettingsWidget.h"
-#include "tests/GUI/DialogVisitor.h"
+#include "tests/support/DialogVisitor.h"
 #include "tests/e2e/Wall.h"
 
 namespace {

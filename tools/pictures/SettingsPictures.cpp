@@ -14,7 +14,7 @@
 #include "GUI/MainWindow.h"
 #include "GUI/ServerWidget.h"
 #include "GUI/SettingsWidget.h"
-#include "tests/GUI/DialogVisitor.h"
+#include "tests/support/DialogVisitor.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
 #include "tools/pictures/Studio.h"
