@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "demo/AvHandles.h"
+#include "demo/NalUnit.h"
 
 namespace ZorvaneDemo {
 
@@ -29,13 +30,8 @@ Bytes standalone(const Clip &clip, int index, int number)
     Bytes out;
     appendUnit(sps.data(), sps.size(), &out);
     appendUnit(pps.data(), pps.size(), &out);
-    for (std::size_t at = 0; at + 4 <= units.size();) {
-        const std::size_t size = (std::size_t(units[at]) << 24) |
-                                 (std::size_t(units[at + 1]) << 16) |
-                                 (std::size_t(units[at + 2]) << 8) | units[at + 3];
-        appendUnit(units.data() + at + 4, size, &out);
-        at += 4 + size;
-    }
+    for (const NalUnit &unit : unitsAfterLengths(units))
+        appendUnit(unit.data, unit.size, &out);
     return out;
 }
 

@@ -6,6 +6,7 @@
 #include "demo/Archive.h"
 #include "demo/LocalTime.h"
 #include "demo/Preview.h"
+#include "demo/Quality.h"
 
 namespace ZorvaneDemo {
 
