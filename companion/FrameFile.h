@@ -34,8 +34,5 @@ private:
     std::string errorText;
 };
 
-/// $TMPDIR, or /tmp when that is unset or empty: where the client keeps its frame files.
-std::string temporaryDirectory();
-
 } // namespace Companion
 } // namespace ZorvaneClient
