@@ -2,6 +2,7 @@
 #include "demo/Preview.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 
 #include "demo/AvHandles.h"
@@ -61,7 +62,7 @@ bool toFullRange(AVFrame *frame)
         const int lines = plane == 0 ? frame->height : (frame->height + 1) / 2;
         const int width = plane == 0 ? frame->width : (frame->width + 1) / 2;
         for (int y = 0; y < lines; ++y) {
-            std::uint8_t *line = frame->data[plane] + y * frame->linesize[plane];
+            std::uint8_t *line = frame->data[plane] + std::ptrdiff_t(y) * frame->linesize[plane];
             for (int x = 0; x < width; ++x) {
                 const int value =
                     plane == 0 ? (line[x] - 16) * 255 / 219 : (line[x] - 128) * 255 / 224 + 128;

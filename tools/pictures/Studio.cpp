@@ -125,8 +125,9 @@ void Studio::takeAtAnyScale(const char *name, const char *caption, const QRect &
 
 void Studio::takeMenu(const char *name, const char *caption, QPushButton *button, const QRect &part)
 {
-    require(button && button->menu(), name);
+    require(button, name);
     QMenu *menu = button->menu();
+    require(menu, name);
     // The button comes back when its menu has been closed.
     QTimer::singleShot(0, menu, [=] {
         menu->setActiveAction(menu->actions().first());

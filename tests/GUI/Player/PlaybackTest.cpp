@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "API/Camera.h"
-#include "tests/support/ArchiveWorld.h"
 #include "tests/GUI/Player/TileFixture.h"
+#include "tests/support/ArchiveWorld.h"
 #include "tests/support/LogCapture.h"
 
 using GUI::Player::VideoWidget;
