@@ -16,7 +16,7 @@
 #include "GUI/Timeline.h"
 #include "bench/Measure.h"
 #include "bench/QuietRun.h"
-#include "tests/GUI/ArchiveWorld.h"
+#include "tests/support/ArchiveWorld.h"
 #include "tests/support/ScriptedChild.h"
 
 using namespace ZorvaneClient;

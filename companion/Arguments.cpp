@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
-#include <cstring>
+
+#include "companion/StreamUrl.h"
 
 namespace ZorvaneClient {
 namespace Companion {
@@ -20,32 +21,10 @@ const std::string proxyOption = ":http-proxy=";
 const std::string passwordOption = ":http-proxy-pwd=";
 const std::string httpScheme = "http://";
 constexpr long maxPort = 65535;
-constexpr size_t maxPlainByte = 126;
 
 bool startsWith(const std::string &text, const std::string &prefix)
 {
     return text.compare(0, prefix.size(), prefix) == 0;
-}
-
-void appendEscaped(std::string &text, unsigned char byte)
-{
-    static const char digits[] = "0123456789ABCDEF";
-    text += '%';
-    text += digits[byte >> 4];
-    text += digits[byte & 15];
-}
-
-/// Every byte but letters, digits and "-._~" as %XX.
-std::string percentEncoded(const std::string &text)
-{
-    std::string encoded;
-    for (const unsigned char byte : text) {
-        if (byte < 128 && (std::isalnum(byte) || std::strchr("-._~", byte)) && byte != 0)
-            encoded += static_cast<char>(byte);
-        else
-            appendEscaped(encoded, byte);
-    }
-    return encoded;
 }
 
 bool isBareName(const std::string &name)
@@ -58,14 +37,6 @@ bool isPort(const std::string &text)
     return !text.empty() && text.size() <= 5 &&
            std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c); }) &&
            std::strtol(text.c_str(), nullptr, 10) <= maxPort;
-}
-
-bool isLive(const std::string &url)
-{
-    static const std::string ending = "/live";
-    const std::string path = url.substr(0, url.find_first_of("?#"));
-    return path.size() >= ending.size() &&
-           path.compare(path.size() - ending.size(), ending.size(), ending) == 0;
 }
 
 struct ProxyAddress {
@@ -110,26 +81,6 @@ std::string proxyUrlOf(const ProxyAddress &address, const std::string &password)
 }
 
 } // namespace
-
-bool hasScheme(const std::string &url)
-{
-    const size_t colon = url.find("://");
-    return colon != std::string::npos && colon > 0 &&
-           std::all_of(url.begin(), url.begin() + static_cast<std::ptrdiff_t>(colon),
-                       [](unsigned char c) { return std::isalnum(c) || std::strchr("+-.", c); });
-}
-
-std::string requestSafe(const std::string &url)
-{
-    std::string safe;
-    for (const unsigned char byte : url) {
-        if (byte <= ' ' || byte > maxPlainByte || byte == '"' || byte == '<' || byte == '>')
-            appendEscaped(safe, byte);
-        else
-            safe += static_cast<char>(byte);
-    }
-    return safe;
-}
 
 std::optional<Arguments> parseArguments(const std::vector<std::string> &arguments)
 {

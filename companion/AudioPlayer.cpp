@@ -2,6 +2,7 @@
 #include "companion/AudioPlayer.h"
 
 #include <cmath>
+#include <utility>
 
 extern "C" {
 #include <libavutil/opt.h>
@@ -70,19 +71,18 @@ void AudioPlayer::stopSound()
 
 void AudioPlayer::decode(const QueuedPacket &item)
 {
-    if (item.format != format && !openDecoder(item.format))
-        return;
+    if (item.format != format)
+        openDecoder(item.format);
     if (!codec || avcodec_send_packet(codec.get(), item.packet.get()) < 0)
         return;
     while (avcodec_receive_frame(codec.get(), frame.get()) >= 0)
         play(*frame);
 }
 
-bool AudioPlayer::openDecoder(const std::shared_ptr<const StreamFormat> &newFormat)
+void AudioPlayer::openDecoder(const std::shared_ptr<const StreamFormat> &newFormat)
 {
     format = newFormat;
     codec = Companion::openDecoder(*format->parameters);
-    return codec != nullptr;
 }
 
 void AudioPlayer::play(const AVFrame &sound)
@@ -99,8 +99,10 @@ void AudioPlayer::play(const AVFrame &sound)
 /// sound has no place any more.
 bool AudioPlayer::placeInTime(const AVFrame &sound)
 {
-    if (!clock.isRunning() || sound.pts == AV_NOPTS_VALUE)
-        return clock.isRunning();
+    if (!clock.isRunning())
+        return false;
+    if (sound.pts == AV_NOPTS_VALUE)
+        return true;
     const microseconds due = clock.due(milliseconds(sound.pts + track.offset())) + delay;
     if (due - controls.now() > maxAhead)
         return false;
@@ -124,15 +126,16 @@ bool AudioPlayer::setUpResampler(const AVFrame &sound)
     AVChannelLayout stereo = AV_CHANNEL_LAYOUT_STEREO;
     AVChannelLayout given = sound.ch_layout; // the library only reads it
     SwrContext *context = nullptr;
-    const int result = swr_alloc_set_opts2(&context, &stereo, AV_SAMPLE_FMT_S16, sound.sample_rate,
-                                           &given, sampleFormat, sound.sample_rate, 0, nullptr);
-    resampler.reset(context);
-    if (result >= 0 && soundChannels == 1)
-        av_opt_set_double(context, "rematrix_volume", monoVolume, 0);
-    if (result < 0 || swr_init(context) < 0) {
-        resampler.reset();
+    resampler.reset();
+    if (swr_alloc_set_opts2(&context, &stereo, AV_SAMPLE_FMT_S16, sound.sample_rate, &given,
+                            sampleFormat, sound.sample_rate, 0, nullptr) < 0)
         return false;
-    }
+    ResamplerHandle made(context);
+    if (soundChannels == 1)
+        av_opt_set_double(context, "rematrix_volume", monoVolume, 0);
+    if (swr_init(context) < 0)
+        return false;
+    resampler = std::move(made);
     resamplerFormat = sampleFormat;
     resamplerRate = sound.sample_rate;
     resamplerChannels = soundChannels;

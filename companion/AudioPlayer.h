@@ -28,7 +28,7 @@ public:
 private:
     void stopSound();
     void decode(const QueuedPacket &item);
-    bool openDecoder(const std::shared_ptr<const StreamFormat> &newFormat);
+    void openDecoder(const std::shared_ptr<const StreamFormat> &newFormat);
     void play(const AVFrame &sound);
     bool placeInTime(const AVFrame &sound);
     bool setUpResampler(const AVFrame &sound);

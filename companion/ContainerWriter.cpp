@@ -2,7 +2,6 @@
 #include "companion/ContainerWriter.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 #include "companion/TargetFile.h"
 

@@ -5,7 +5,7 @@
 #include <charconv>
 #include <cstdint>
 
-#include "companion/Arguments.h"
+#include "companion/StreamUrl.h"
 
 namespace ZorvaneClient {
 namespace Companion {
@@ -31,17 +31,8 @@ std::optional<int64_t> parseNumber(const std::string &text)
 
 std::optional<int64_t> queryNumber(const std::string &url, const std::string &name)
 {
-    const size_t query = url.find('?');
-    if (query == std::string::npos)
-        return std::nullopt;
-    for (size_t begin = query; begin < url.size();) {
-        const size_t end = std::min(url.find('&', begin + 1), url.size());
-        const std::string item = url.substr(begin + 1, end - begin - 1);
-        if (item.compare(0, name.size() + 1, name + "=") == 0)
-            return parseNumber(item.substr(name.size() + 1));
-        begin = end;
-    }
-    return std::nullopt;
+    const auto item = queryItem(url, name);
+    return item ? parseNumber(*item) : std::nullopt;
 }
 
 std::optional<milliseconds> silenceIn(const std::string &url, milliseconds recorded)

@@ -65,7 +65,8 @@ bool Exporter::run()
 
 bool Exporter::open()
 {
-    lastBytes = lastPicture = Clock::now();
+    stallWatch.restart(now());
+    pictureWatch.restart(now());
     input = openStream(arguments.url, std::string(), 0, {&Exporter::interruptWhenStalled, this});
     return input || fail("the server gives no stream");
 }
@@ -108,7 +109,7 @@ bool Exporter::takePacket(PacketHandle packet)
 
     const auto kind = &stream == video ? ExportTimeline::Video : ExportTimeline::Sound;
     if (kind == ExportTimeline::Video)
-        lastPicture = Clock::now();
+        pictureWatch.restart(now());
     const int64_t delay = packet->pts - packet->dts;
     packet->dts = timeline.place(kind, packet->dts);
     packet->pts = packet->dts + delay;
@@ -200,6 +201,12 @@ bool Exporter::fail(const std::string &what)
     return false;
 }
 
+StallWatch::Time Exporter::now()
+{
+    const auto sinceBegin = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<StallWatch::Time>(sinceBegin);
+}
+
 /// The network layer asks this before each look for data.
 int Exporter::interruptWhenStalled(void *exporter)
 {
@@ -208,12 +215,10 @@ int Exporter::interruptWhenStalled(void *exporter)
 
 bool Exporter::isStalled()
 {
-    const Clock::time_point now = Clock::now();
-    const int64_t bytes = input ? input->pb->bytes_read : 0;
-    if (bytes > bytesSeen)
-        lastBytes = now;
-    bytesSeen = bytes;
-    return now - lastBytes > stallLimit || now - lastPicture > pictureLimit;
+    const StallWatch::Time present = now();
+    if (input)
+        stallWatch.look(input->pb->bytes_read, present);
+    return stallWatch.isOver(present) || pictureWatch.isOver(present);
 }
 
 } // namespace Companion

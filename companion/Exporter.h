@@ -9,6 +9,7 @@
 #include "companion/ExportArguments.h"
 #include "companion/ExportLookAhead.h"
 #include "companion/ExportTimeline.h"
+#include "companion/StallWatch.h"
 
 namespace ZorvaneClient {
 namespace Companion {
@@ -33,8 +34,8 @@ public:
     const std::string &error() const { return errorText; }
 
 private:
-    using Clock = std::chrono::steady_clock;
-
+    /// Of a clock that never jumps.
+    static StallWatch::Time now();
     static int interruptWhenStalled(void *exporter);
     bool isStalled();
 
@@ -64,9 +65,8 @@ private:
     bool torn = false; ///< the stream ended in the middle of a packet
     std::string errorText;
 
-    int64_t bytesSeen = 0;
-    Clock::time_point lastBytes = Clock::now();
-    Clock::time_point lastPicture = Clock::now();
+    StallWatch stallWatch{stallLimit};
+    StallWatch pictureWatch{pictureLimit};
 };
 
 } // namespace Companion

@@ -13,13 +13,14 @@
 namespace ZorvaneClient {
 namespace Companion {
 
+namespace {
+
+/// Where the client keeps its frame files.
 std::string temporaryDirectory()
 {
     const char *directory = std::getenv("TMPDIR");
     return directory && *directory ? directory : "/tmp";
 }
-
-namespace {
 
 /// No access is allowed for so many bytes before and after the mapping: what runs over it ends
 /// the process and harms nothing else.

@@ -13,8 +13,9 @@ namespace Companion {
 class FrameFile
 {
 public:
-    static constexpr size_t sizeBytes = 12'582'912;
+    static constexpr int bytesPerPixel = 4;
     static constexpr int64_t maxPixels = 3'145'728;
+    static constexpr size_t sizeBytes = maxPixels * bytesPerPixel;
 
     FrameFile() = default;
     ~FrameFile();
@@ -32,9 +33,6 @@ private:
     uint8_t *memory = nullptr;
     std::string errorText;
 };
-
-/// $TMPDIR, or /tmp when that is unset or empty: where the client keeps its frame files.
-std::string temporaryDirectory();
 
 } // namespace Companion
 } // namespace ZorvaneClient

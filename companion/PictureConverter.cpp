@@ -14,7 +14,6 @@ namespace Companion {
 
 namespace {
 
-constexpr int bytesPerPixel = 4;
 /// Above this many rows a stream that doesn't name its colours is taken for HD video.
 constexpr int maxStandardRows = 576;
 
@@ -82,7 +81,7 @@ struct Planes {
 bool convertPlanes(const PlanarFormat &format, const Planes &planes,
                    const libyuv::YuvConstants *matrix, PictureSize size, uint8_t *pixels)
 {
-    const int rowBytes = size.width * bytesPerPixel;
+    const int rowBytes = size.width * FrameFile::bytesPerPixel;
     if (format.convertBytes) {
         return format.convertBytes(planes.data[0], planes.strideBytes[0], planes.data[1],
                                    planes.strideBytes[1], planes.data[2], planes.strideBytes[2],

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <thread>
-#include <utility>
 
 #include "companion/LastWords.h"
 
@@ -49,7 +48,7 @@ Player::Player(const Arguments &streamArguments, const Controls &sharedControls,
 {
 }
 
-int Player::run()
+bool Player::run()
 {
     output.state(StreamState::Opening);
     flush();
@@ -73,7 +72,7 @@ int Player::run()
         if (isGivenUp())
             return finish(false);
     }
-    return 0;
+    return true;
 }
 
 void Player::startThreads()
@@ -216,10 +215,10 @@ void Player::flush()
     clientGone = !output.flush() || clientGone;
 }
 
-int Player::finish(bool ended)
+bool Player::finish(bool ended)
 {
     if (clientGone)
-        return 0;
+        return true;
     if (ended) {
         output.state(StreamState::Ended);
         output.flushPatiently();
@@ -227,7 +226,7 @@ int Player::finish(bool ended)
     // The client takes a stream for over by this state only.
     output.state(StreamState::Error);
     output.flushPatiently();
-    return ended ? 0 : 1;
+    return ended;
 }
 
 } // namespace Companion

@@ -31,8 +31,8 @@ public:
     Player(const Arguments &arguments, const Controls &controls, const FrameFile &frameFile,
            LineOutput &output);
 
-    /// Returns the program's exit code at the end of the stream: 0, or 1 after an error.
-    int run();
+    /// Returns at the end of the stream or when the client is gone; false after an error.
+    bool run();
 
 private:
     using Time = Controls::Time;
@@ -54,7 +54,7 @@ private:
     std::chrono::milliseconds idlePatience() const;
     bool isGivenUp() const;
     void flush();
-    int finish(bool ended);
+    bool finish(bool ended);
 
     const Arguments &arguments;
     const Controls &controls;

@@ -53,8 +53,7 @@ bool isEndOfStream(AVIOContext &io)
     return io.error == AVERROR(EIO) && avio_size(&io) <= 0;
 }
 
-/// The demuxer doesn't know MPEG-4 pictures again, and makes a new stream of every packet unless
-/// the streams bear the number of that codec.
+/// Without that number there would be one more stream with every MPEG-4 packet.
 const AVStream &firstStreamLike(AVFormatContext &input, const AVStream &stream)
 {
     const AVStream *first = &stream;

@@ -16,7 +16,8 @@ FormatHandle openStream(const std::string &url, const std::string &proxyUrl, int
 /// After a failed read: true if the server has sent all, false if the connection broke.
 bool isEndOfStream(AVIOContext &io);
 
-/// The demuxer makes several streams of one MPEG-4 stream; this is the one with its set-up.
+/// The demuxer makes several streams of one MPEG-4 stream; this is the one with its set-up. All
+/// of them are given the number by which the demuxer finds them again.
 const AVStream &firstStreamLike(AVFormatContext &input, const AVStream &stream);
 
 /// Fills in a missing time, the packet's times being milliseconds. False if it has none at all.

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "companion/StreamReader.h"
 
-#include <algorithm>
 #include <utility>
 
 #include "companion/StreamInput.h"
@@ -33,7 +32,7 @@ void StreamReader::run()
 /// Without probing, so that the first picture needs nothing but the first video packet.
 bool StreamReader::open()
 {
-    restartStallClock();
+    restartStallWatch();
     input = openStream(arguments.url, arguments.proxyUrl, receiveBufferBytes,
                        {&StreamReader::interruptWhenStalled, this});
     return input != nullptr;
@@ -45,7 +44,7 @@ PacketQueue::End StreamReader::readToEnd()
     while (errors < maxErrorsInARow) {
         if (controls.isPaused()) {
             controls.waitWhilePaused();
-            restartStallClock();
+            restartStallWatch();
         }
         PacketHandle packet(av_packet_alloc());
         if (!packet)
@@ -74,7 +73,7 @@ void StreamReader::route(PacketHandle packet)
         return;
     if (type == AVMEDIA_TYPE_VIDEO) {
         video.push({std::move(packet), formatOf(stream), {}});
-        restartStallClock();
+        restartStallWatch();
     } else if (type == AVMEDIA_TYPE_AUDIO && controls.volume() > 0) {
         audio.push({std::move(packet), formatOf(stream), {}});
     }
@@ -93,26 +92,23 @@ std::shared_ptr<const StreamFormat> StreamReader::formatOf(const AVStream &strea
     return known;
 }
 
-void StreamReader::restartStallClock()
+void StreamReader::restartStallWatch()
 {
-    lastData = controls.now();
+    stallWatch.restart(controls.now());
 }
 
 /// The network layer asks this before each look for data.
-int StreamReader::interruptWhenStalled(void *pointer)
+int StreamReader::interruptWhenStalled(void *reader)
 {
-    auto *reader = static_cast<StreamReader *>(pointer);
-    const AVIOContext *io = reader->input ? reader->input->pb : nullptr;
-    const int64_t newBytes = io ? io->bytes_read - reader->bytesSeen : 0;
-    if (newBytes > 0)
-        reader->restartStallClock();
-    reader->bytesSeen += newBytes;
-    return reader->isStalled();
+    return static_cast<StreamReader *>(reader)->isStalled();
 }
 
-bool StreamReader::isStalled() const
+bool StreamReader::isStalled()
 {
-    return controls.now() - lastData >= stallLimit;
+    const Controls::Time now = controls.now();
+    if (input && input->pb)
+        stallWatch.look(input->pb->bytes_read, now);
+    return stallWatch.isOver(now);
 }
 
 } // namespace Companion

@@ -8,6 +8,7 @@
 #include "companion/Arguments.h"
 #include "companion/Controls.h"
 #include "companion/PacketQueue.h"
+#include "companion/StallWatch.h"
 
 namespace ZorvaneClient {
 namespace Companion {
@@ -32,8 +33,8 @@ private:
     PacketQueue::End readToEnd();
     void route(PacketHandle packet);
     std::shared_ptr<const StreamFormat> formatOf(const AVStream &stream);
-    void restartStallClock();
-    bool isStalled() const;
+    void restartStallWatch();
+    bool isStalled();
 
     const Arguments &arguments;
     const Controls &controls;
@@ -41,8 +42,7 @@ private:
     PacketQueue &audio;
     FormatHandle input;
     std::map<AVMediaType, std::shared_ptr<const StreamFormat>> formats;
-    int64_t bytesSeen = 0;
-    Controls::Time lastData{0};
+    StallWatch stallWatch{stallLimit};
 };
 
 } // namespace Companion

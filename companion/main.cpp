@@ -83,7 +83,7 @@ int playStream(const std::vector<std::string> &words)
     Controls controls;
     obeyClient(controls);
     Player player(*arguments, controls, frameFile, output);
-    std::_Exit(player.run());
+    std::_Exit(player.run() ? EXIT_SUCCESS : errorExitCode);
 }
 
 int exportStream(const std::vector<std::string> &words)

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "demo/Access.h"
 
-#include <algorithm>
-
-#include "demo/Clip.h"
+#include "demo/Loopback.h"
 
 namespace ZorvaneDemo {
 
@@ -63,7 +61,7 @@ Access::Result Access::checkLan(const HttpRequest &request, Need need) const
 {
     auto parameters = request.parameters();
     Server server;
-    const std::string id = lanServerId(request);
+    const std::string id = lanServerId(request.localPort);
     const auto camera = world.camera(id, cameraId(parameters), &server);
     // A recorder calls itself 1 and also answers to its address, by whatever host name.
     const bool isMeant = parameters["server"] == "1" || portOf(parameters["server"]) == portOf(id);
@@ -81,17 +79,6 @@ Access::Result Access::checkLan(const HttpRequest &request, Need need) const
 bool Access::isPassword(const Server &server, const std::string &text)
 {
     return text == server.password;
-}
-
-std::string Access::lanServerId(const HttpRequest &request)
-{
-    return "127.0.0.1:" + std::to_string(request.localPort);
-}
-
-int requestedQuality(const HttpRequest &request)
-{
-    const std::int64_t quality = numberOr(request.parameters()["q"], 0);
-    return static_cast<int>(std::clamp<std::int64_t>(quality, 0, qualityCount - 1));
 }
 
 } // namespace ZorvaneDemo

@@ -26,8 +26,6 @@ public:
     Result check(const HttpRequest &request, Need need) const;
     /// True when `text` opens the LAN server.
     static bool isPassword(const Server &server, const std::string &text);
-    /// The id of the LAN server that the request came to.
-    static std::string lanServerId(const HttpRequest &request);
 
 private:
     Result checkCloud(const HttpRequest &request, Need need) const;
@@ -36,8 +34,5 @@ private:
     const World &world;
     const Accounts &accounts;
 };
-
-/// The quality that a request asks for, 0 to 2.
-int requestedQuality(const HttpRequest &request);
 
 } // namespace ZorvaneDemo

@@ -56,7 +56,7 @@ Accounts::Accounts(std::string accountEmail, std::string accountPassword, std::s
 
 std::string Accounts::signIn(const std::string &givenEmail, const std::string &givenPassword)
 {
-    if (signInRefused || givenEmail != email || givenPassword != password)
+    if (givenEmail != email || givenPassword != password)
         return {};
     const std::string session = newSession();
     const std::lock_guard<std::mutex> lock(mutex);

@@ -17,12 +17,13 @@ class Accounts
 public:
     Accounts(std::string email, std::string password, std::string stateFile);
 
-    /// A new session's id, empty when e-mail or password are wrong or sign-in is refused.
+    /// A new session's id, empty when e-mail or password are wrong.
     std::string signIn(const std::string &email, const std::string &password);
     /// False when there is no such session.
     bool signOut(const std::string &session);
     bool isSignedIn(const std::string &session) const;
     void dropSessions();
+    /// Whether who wants to sign in is turned away, whatever the password.
     void setRefused(bool refused) { signInRefused = refused; }
     bool isRefused() const { return signInRefused; }
 

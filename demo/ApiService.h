@@ -3,6 +3,7 @@
 
 #include <mutex>
 #include <string>
+#include <utility>
 
 #include "demo/Accounts.h"
 #include "demo/Http.h"

@@ -14,6 +14,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "demo/Loopback.h"
+
 namespace ZorvaneDemo {
 
 namespace {
@@ -99,11 +101,12 @@ Identity newServer(const Identity &authority)
     server.certificate =
         newCertificate(server.key.get(), "localhost", X509_get_subject_name(issuer), serverDays);
     X509 *certificate = server.certificate.get();
+    const std::string alternativeNames = std::string("IP:") + loopback + ",DNS:localhost";
     const bool good =
         certificate && addExtension(certificate, issuer, NID_basic_constraints, "CA:FALSE") &&
         addExtension(certificate, issuer, NID_key_usage, "critical,digitalSignature") &&
         addExtension(certificate, issuer, NID_ext_key_usage, "serverAuth") &&
-        addExtension(certificate, issuer, NID_subject_alt_name, "IP:127.0.0.1,DNS:localhost") &&
+        addExtension(certificate, issuer, NID_subject_alt_name, alternativeNames.c_str()) &&
         addExtension(certificate, issuer, NID_authority_key_identifier, "keyid") &&
         X509_sign(certificate, authority.key.get(), EVP_sha256()) > 0;
     return good ? std::move(server) : Identity();

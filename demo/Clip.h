@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -12,16 +11,6 @@
 #include "demo/StripSlice.h"
 
 namespace ZorvaneDemo {
-
-constexpr int qualityCount = 3;
-
-struct PictureSize {
-    int width;
-    int height;
-};
-
-/// Picture sizes by the quality of a stream request, low to high.
-constexpr std::array<PictureSize, qualityCount> pictureSizes{{{320, 180}, {640, 360}, {1280, 720}}};
 
 /// One encoded minute as it lies in a file, mapped into memory and shared by all streams.
 /// A video clip has H.264 pictures without their strip slice, each second beginning with a

@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "demo/Clip.h"
+#include "demo/Quality.h"
 
 namespace ZorvaneDemo {
 

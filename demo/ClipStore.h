@@ -9,6 +9,7 @@
 #include <string>
 
 #include "demo/Clip.h"
+#include "demo/Quality.h"
 
 namespace ZorvaneDemo {
 

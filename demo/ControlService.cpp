@@ -61,6 +61,8 @@ HttpReply ControlService::show(const HttpRequest &request)
 {
     if (request.path == "/world")
         return HttpReply::json(200, worldJson(world.servers()));
+    if (request.path == "/local-roster")
+        return HttpReply::json(200, {{"roster", localRosterJson(world.servers())}});
     if (request.path == "/requests")
         return HttpReply::json(200, log.describe(request.parameters()["path"]));
     if (request.path == "/faults")

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <utility>
 
+#include "demo/Loopback.h"
 #include "demo/WorldJson.h"
 
 #ifndef ZORVANE_VERSION
@@ -62,9 +63,9 @@ bool Demo::writeConfiguration(const std::string &folder) const
     std::filesystem::create_directories(folder, code);
     std::ofstream profile(folder + "/service.ini");
     profile << "[service]\n"
-            << "apiHost=127.0.0.1\napiPort=" << apiPort << "\nstreamingHost=127.0.0.1\n"
-            << "streamingPort=" << streamingPort << "\nflvHost=127.0.0.1:" << flvPort
-            << "\nredirectorHost=127.0.0.1:" << flvPort
+            << "apiHost=" << loopback << "\napiPort=" << apiPort << "\nstreamingHost=" << loopback
+            << "\nstreamingPort=" << streamingPort << "\nflvHost=" << loopbackAddress(flvPort)
+            << "\nredirectorHost=" << loopbackAddress(flvPort)
             << "\ncaCertificate=" << certificates.authorityFile << "\n";
     std::ofstream roster(folder + "/local_roster.txt");
     roster << localRosterJson(world.servers()).dump(4) << "\n";

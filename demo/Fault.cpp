@@ -48,7 +48,9 @@ nlohmann::json Fault::toJson() const
 {
     const auto found = std::find_if(kinds.begin(), kinds.end(),
                                     [this](const auto &entry) { return entry.second == kind; });
-    return {{"kind", found->first}, {"route", route}, {"times", times}};
+    return {{"kind", found->first}, {"listener", listener}, {"route", route},
+            {"server", server},     {"camera", camera},     {"times", times},
+            {"value", value},       {"after", after},       {"location", location}};
 }
 
 bool Fault::matches(const HttpRequest &request) const

@@ -24,15 +24,14 @@ public:
     nlohmann::json describe() const;
     std::uint64_t generation() const { return changes; }
 
-    /// The first fault that matches, which this uses up once.
-    std::optional<Fault> take(const HttpRequest &request);
-    /// The same without using it up, for a stream that is being sent.
+    /// Serves `reply` the way the first fault that matches says, which uses that up once;
+    /// without one, as it is.
+    HttpReply apply(const HttpRequest &request, HttpReply reply);
+    /// The first fault that matches, not used up, for a stream that is being sent.
     std::optional<Fault> peek(const HttpRequest &request) const;
 
-    /// Serves `reply` the way the matching fault says; without one, as it is.
-    HttpReply apply(const HttpRequest &request, HttpReply reply);
-
 private:
+    std::optional<Fault> take(const HttpRequest &request);
     HttpReply::Stream spoiled(const HttpRequest &request, const std::optional<Fault> &fault,
                               HttpReply *reply) const;
 

@@ -19,6 +19,14 @@ constexpr std::uint8_t sequenceHeader = 0;
 constexpr std::uint8_t pictureUnits = 1;
 constexpr std::size_t tagHeaderBytes = 11;
 
+// What precedes a value in the metadata, and what ends them.
+constexpr std::uint8_t amfNumber = 0;
+constexpr std::uint8_t amfText = 2;
+constexpr std::uint8_t amfArray = 8;
+constexpr std::uint8_t amfEnd = 9;
+constexpr double avcCodec = 7;
+constexpr double mp3Codec = 2;
+
 void putNumber(std::uint64_t value, int bytes, Bytes *out)
 {
     for (int shift = 8 * (bytes - 1); shift >= 0; shift -= 8)
@@ -56,7 +64,7 @@ void putName(const std::string &name, Bytes *out)
 void putDouble(const std::string &name, double value, Bytes *out)
 {
     putName(name, out);
-    out->push_back(0);
+    out->push_back(amfNumber);
     std::uint64_t bits = 0;
     std::memcpy(&bits, &value, sizeof bits);
     putNumber(bits, 8, out);
@@ -65,16 +73,16 @@ void putDouble(const std::string &name, double value, Bytes *out)
 void appendMetadata(const Clip &video, Bytes *out)
 {
     const std::size_t begin = beginTag(scriptTag, 0, out);
-    out->push_back(2);
+    out->push_back(amfText);
     putName("onMetaData", out);
-    out->push_back(8);
-    putNumber(5, 4, out);
+    out->push_back(amfArray);
+    putNumber(5, 4, out); // as many as follow
     putDouble("width", video.width(), out);
     putDouble("height", video.height(), out);
     putDouble("framerate", static_cast<double>(video.packetCount()) / secondsPerMinute, out);
-    putDouble("videocodecid", 7, out);
-    putDouble("audiocodecid", 2, out);
-    putNumber(9, 3, out);
+    putDouble("videocodecid", avcCodec, out);
+    putDouble("audiocodecid", mp3Codec, out);
+    putNumber(amfEnd, 3, out); // after an empty name
     endTag(begin, out);
 }
 

@@ -2,12 +2,11 @@
 #include "demo/FlvService.h"
 
 #include <algorithm>
-#include <memory>
-#include <optional>
 
 #include "demo/Archive.h"
 #include "demo/FlvFeed.h"
 #include "demo/LocalTime.h"
+#include "demo/Quality.h"
 
 namespace ZorvaneDemo {
 

@@ -14,11 +14,12 @@
 #include <sys/resource.h>
 #include <sys/socket.h>
 
+#include "demo/Loopback.h"
+
 namespace ZorvaneDemo {
 
 namespace {
 
-constexpr const char *loopback = "127.0.0.1";
 /// A paused player reads nothing for as long as it likes.
 constexpr time_t writeTimeoutSeconds = time_t(24) * 3600;
 constexpr time_t readTimeoutSeconds = 60;

@@ -4,7 +4,8 @@
 #include <nlohmann/json.hpp>
 
 #include "demo/Access.h"
-#include "demo/Clip.h"
+#include "demo/Loopback.h"
+#include "demo/Quality.h"
 
 namespace ZorvaneDemo {
 
@@ -34,7 +35,7 @@ nlohmann::json streamInformation(const Server &server)
 
 HttpReply LanService::handle(const HttpRequest &request) const
 {
-    const auto server = world.server(Access::lanServerId(request));
+    const auto server = world.server(lanServerId(request.localPort));
     if (!server || !server->online) {
         HttpReply reply;
         reply.hangUp = true;

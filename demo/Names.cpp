@@ -4,7 +4,7 @@
 #include <array>
 #include <cstddef>
 
-#include "demo/scenes/Scene.h"
+#include "demo/scenes/SceneCount.h"
 
 namespace ZorvaneDemo {
 

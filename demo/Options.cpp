@@ -9,7 +9,7 @@
 
 #include "demo/Http.h"
 #include "demo/StripCode.h"
-#include "demo/scenes/Scene.h"
+#include "demo/scenes/SceneCount.h"
 
 namespace ZorvaneDemo {
 
@@ -70,7 +70,6 @@ bool Options::parse(int count, char **arguments)
 {
     dataFolder = defaultDataFolder();
     int seed = static_cast<int>(world.seed);
-    world.scenes = sceneCount;
 
     using Reader = std::function<bool(const std::string &)>;
     const auto text = [](std::string *target) {

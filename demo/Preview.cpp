@@ -2,9 +2,11 @@
 #include "demo/Preview.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <iterator>
 
 #include "demo/AvHandles.h"
+#include "demo/NalUnit.h"
 
 namespace ZorvaneDemo {
 
@@ -29,13 +31,8 @@ Bytes standalone(const Clip &clip, int index, int number)
     Bytes out;
     appendUnit(sps.data(), sps.size(), &out);
     appendUnit(pps.data(), pps.size(), &out);
-    for (std::size_t at = 0; at + 4 <= units.size();) {
-        const std::size_t size = (std::size_t(units[at]) << 24) |
-                                 (std::size_t(units[at + 1]) << 16) |
-                                 (std::size_t(units[at + 2]) << 8) | units[at + 3];
-        appendUnit(units.data() + at + 4, size, &out);
-        at += 4 + size;
-    }
+    for (const NalUnit &unit : unitsAfterLengths(units))
+        appendUnit(unit.data, unit.size, &out);
     return out;
 }
 
@@ -65,7 +62,7 @@ bool toFullRange(AVFrame *frame)
         const int lines = plane == 0 ? frame->height : (frame->height + 1) / 2;
         const int width = plane == 0 ? frame->width : (frame->width + 1) / 2;
         for (int y = 0; y < lines; ++y) {
-            std::uint8_t *line = frame->data[plane] + y * frame->linesize[plane];
+            std::uint8_t *line = frame->data[plane] + std::ptrdiff_t(y) * frame->linesize[plane];
             for (int x = 0; x < width; ++x) {
                 const int value =
                     plane == 0 ? (line[x] - 16) * 255 / 219 : (line[x] - 128) * 255 / 224 + 128;

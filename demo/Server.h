@@ -27,7 +27,7 @@ struct Camera {
 };
 
 struct Server {
-    std::string id; ///< of a LAN server "127.0.0.1:port"
+    std::string id; ///< see lanServerId() for one of the LAN
     std::string name;
     bool owner = true;
     bool live = true;

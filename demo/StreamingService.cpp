@@ -3,9 +3,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include <optional>
+
 #include "demo/Archive.h"
 #include "demo/LocalTime.h"
 #include "demo/Preview.h"
+#include "demo/Quality.h"
 
 namespace ZorvaneDemo {
 
@@ -14,17 +17,16 @@ namespace {
 struct Span {
     std::int64_t startMs;
     std::int64_t endMs;
-    bool valid;
 };
 
-Span requestedSpan(const HttpRequest &request)
+std::optional<Span> requestedSpan(const HttpRequest &request)
 {
     auto parameters = request.parameters();
     const std::int64_t start = numberOr(parameters["startTime"], -1);
     const std::int64_t end = numberOr(parameters["endTime"], -1);
     if (start < 0 || end < start || end > largestTime / secondMs)
-        return {0, 0, false};
-    return {start * secondMs, end * secondMs + secondMs - 1, true};
+        return std::nullopt;
+    return Span{start * secondMs, end * secondMs + secondMs - 1};
 }
 
 } // namespace
@@ -55,31 +57,37 @@ HttpReply StreamingService::preview(const HttpRequest &request) const
     return reply;
 }
 
-HttpReply StreamingService::archiveList(const HttpRequest &request) const
+template <typename Describe>
+HttpReply StreamingService::archiveReply(const HttpRequest &request, Describe describe) const
 {
     const Access::Result result = access.check(request, Access::Need::Archive);
-    const Span span = requestedSpan(request);
-    if (result.status != 200 || !span.valid)
-        return HttpReply::refusal(result.status != 200 ? result.status : 400);
-    auto list = nlohmann::json::array();
-    const Archive archive(result.camera, nowMs());
-    for (const Record &record : archive.records(span.startMs, span.endMs))
-        list.push_back(
-            {{"startTime", record.startMs}, {"duration", record.endMs - record.startMs}});
-    return HttpReply::json(200, list);
+    if (result.status != 200)
+        return HttpReply::refusal(result.status);
+    const auto span = requestedSpan(request);
+    if (!span)
+        return HttpReply::refusal(400);
+    return HttpReply::json(200, describe(Archive(result.camera, nowMs()), *span));
+}
+
+HttpReply StreamingService::archiveList(const HttpRequest &request) const
+{
+    return archiveReply(request, [](const Archive &archive, const Span &span) {
+        auto list = nlohmann::json::array();
+        for (const Record &record : archive.records(span.startMs, span.endMs))
+            list.push_back(
+                {{"startTime", record.startMs}, {"duration", record.endMs - record.startMs}});
+        return list;
+    });
 }
 
 HttpReply StreamingService::archiveDays(const HttpRequest &request) const
 {
-    const Access::Result result = access.check(request, Access::Need::Archive);
-    const Span span = requestedSpan(request);
-    if (result.status != 200 || !span.valid)
-        return HttpReply::refusal(result.status != 200 ? result.status : 400);
-    auto list = nlohmann::json::array();
-    const Archive archive(result.camera, nowMs());
-    for (const auto &[day, count] : archive.days(span.startMs, span.endMs))
-        list.push_back({{"date", day}, {"recordsCount", count}});
-    return HttpReply::json(200, list);
+    return archiveReply(request, [](const Archive &archive, const Span &span) {
+        auto list = nlohmann::json::array();
+        for (const auto &[day, count] : archive.days(span.startMs, span.endMs))
+            list.push_back({{"date", day}, {"recordsCount", count}});
+        return list;
+    });
 }
 
 } // namespace ZorvaneDemo

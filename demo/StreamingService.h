@@ -25,6 +25,10 @@ public:
     HttpReply archiveDays(const HttpRequest &request) const;
 
 private:
+    /// Answers with what `describe` says of the archive and the span that is asked for.
+    template <typename Describe>
+    HttpReply archiveReply(const HttpRequest &request, Describe describe) const;
+
     const Access &access;
     const ClipStore &clips;
 };

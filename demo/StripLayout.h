@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "demo/BitStream.h"
+#include "demo/NalUnit.h"
 
 namespace ZorvaneDemo {
 
@@ -39,7 +40,7 @@ struct StripPicture {
     std::uint16_t idrPicId = 0;
     std::uint16_t pocLsb = 0;
 
-    bool isIdr() const { return (nalHeader & 0x1f) == 5; }
+    bool isIdr() const { return NalUnit::typeOf(nalHeader) == NalUnit::IdrSlice; }
     bool isReference() const { return nalHeader & 0x60; }
 
     /// Reads it from any slice of that picture.

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "demo/Cavlc.h"
+#include "demo/NalUnit.h"
 
 namespace ZorvaneDemo {
 
@@ -125,9 +126,7 @@ void appendStripSlice(const StripLayout &layout, const StripPicture &picture, co
     }
     writer.trailing();
     const Bytes nal = withEmulation(writer.bytes());
-    for (int shift = 24; shift >= 0; shift -= 8)
-        out->push_back(static_cast<std::uint8_t>(nal.size() >> shift));
-    out->insert(out->end(), nal.begin(), nal.end());
+    appendWithLength({nal.data(), nal.size()}, out);
 }
 
 } // namespace ZorvaneDemo

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "demo/VideoEncoder.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -9,51 +8,21 @@ extern "C" {
 #include <libavutil/opt.h>
 }
 
+#include "demo/NalUnit.h"
+
 namespace ZorvaneDemo {
 
 namespace {
 
-constexpr unsigned sliceNal = 1;
-constexpr unsigned idrNal = 5;
-constexpr unsigned spsNal = 7;
-constexpr unsigned ppsNal = 8;
 // What stands in the strip while encoding: far from any scene's colours, so that neither
 // motion search nor deblocking draws on lines that the viewer will see replaced.
 constexpr std::uint8_t placeholder[3] = {16, 240, 240};
 
-struct Unit {
-    const std::uint8_t *data;
-    std::size_t size;
-    unsigned type() const { return data[0] & 0x1fu; }
-};
-
-/// The NAL units of a byte stream with start codes.
-std::vector<Unit> unitsOf(const std::uint8_t *data, std::size_t size)
+/// The constant rate factor; large pictures bear a coarser one.
+const char *rateFactor(PictureSize size)
 {
-    std::vector<Unit> units;
-    std::size_t begin = 0;
-    for (std::size_t i = 0; i + 3 <= size; ++i) {
-        if (data[i] != 0 || data[i + 1] != 0 || data[i + 2] != 1)
-            continue;
-        if (begin > 0)
-            units.push_back({data + begin, i - begin});
-        begin = i + 3;
-        i += 2;
-    }
-    if (begin > 0)
-        units.push_back({data + begin, size - begin});
-    for (Unit &unit : units) {
-        while (unit.size > 1 && unit.data[unit.size - 1] == 0)
-            --unit.size;
-    }
-    return units;
-}
-
-void appendWithLength(const Unit &unit, Bytes *out)
-{
-    for (int shift = 24; shift >= 0; shift -= 8)
-        out->push_back(static_cast<std::uint8_t>(unit.size >> shift));
-    out->insert(out->end(), unit.data, unit.data + unit.size);
+    constexpr int largeWidth = 1000;
+    return size.width > largeWidth ? "26" : "25";
 }
 
 } // namespace
@@ -110,16 +79,16 @@ bool VideoEncoder::open(int framesPerSecond)
         ":slice-max-mbs=" + std::to_string(strip.firstRow * strip.widthMbs) + ":crop-rect=0," +
         std::to_string(cropTop) + ",0,0";
     av_opt_set(codec->priv_data, "preset", "superfast", 0);
-    av_opt_set(codec->priv_data, "crf", size.width > 1000 ? "26" : "25", 0);
+    av_opt_set(codec->priv_data, "crf", rateFactor(size), 0);
     av_opt_set(codec->priv_data, "x264-params", parameters.c_str(), 0);
     if (avcodec_open2(codec.get(), encoder, nullptr) < 0)
         return fail("cannot open the H.264 encoder");
 
-    for (const Unit &unit :
-         unitsOf(codec->extradata, static_cast<std::size_t>(codec->extradata_size))) {
-        if (unit.type() == spsNal)
+    for (const NalUnit &unit :
+         unitsAfterStartCodes(codec->extradata, static_cast<std::size_t>(codec->extradata_size))) {
+        if (unit.type() == NalUnit::SequenceSet)
             writer.sps.assign(unit.data, unit.data + unit.size);
-        else if (unit.type() == ppsNal)
+        else if (unit.type() == NalUnit::PictureSet)
             writer.pps.assign(unit.data, unit.data + unit.size);
     }
     if (!strip.readParameterSets(writer.sps, writer.pps))
@@ -195,8 +164,9 @@ bool VideoEncoder::take(const AVPacket *packet)
     Bytes picture;
     StripPicture strip;
     int slices = 0;
-    for (const Unit &unit : unitsOf(packet->data, static_cast<std::size_t>(packet->size))) {
-        if (unit.type() != sliceNal && unit.type() != idrNal)
+    for (const NalUnit &unit :
+         unitsAfterStartCodes(packet->data, static_cast<std::size_t>(packet->size))) {
+        if (unit.type() != NalUnit::Slice && unit.type() != NalUnit::IdrSlice)
             continue;
         if (slices++ == 0) {
             strip = StripPicture::fromSlice(writer.header.strip, unit.data, unit.size);

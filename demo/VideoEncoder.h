@@ -5,6 +5,7 @@
 
 #include "demo/AvHandles.h"
 #include "demo/Clip.h"
+#include "demo/Quality.h"
 
 namespace ZorvaneDemo {
 

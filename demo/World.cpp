@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "demo/Loopback.h"
 #include "demo/WorldJson.h"
 
 namespace ZorvaneDemo {
@@ -30,7 +31,7 @@ void World::setLanPorts(const std::vector<int> &ports)
     std::size_t next = 0;
     for (Server &server : list) {
         if (server.lan && next < ports.size())
-            server.id = "127.0.0.1:" + std::to_string(ports[next++]);
+            server.id = lanServerId(ports[next++]);
     }
     original = list;
 }

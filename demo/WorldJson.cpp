@@ -5,12 +5,11 @@
 #include <cstddef>
 #include <string>
 
+#include "demo/Quality.h"
+
 namespace ZorvaneDemo {
 
 namespace {
-
-constexpr int rosterWidth = 1280;
-constexpr int rosterHeight = 720;
 
 nlohmann::json rights(const Camera &camera)
 {
@@ -26,11 +25,12 @@ nlohmann::json rights(const Camera &camera)
 
 nlohmann::json rosterCamera(const Server &server, const Camera &camera)
 {
+    const PictureSize size = pictureSizes.back();
     return {{"id", camera.id},
             {"name", camera.name},
             {"vcodec", "h264"},
-            {"width", rosterWidth},
-            {"height", rosterHeight},
+            {"width", size.width},
+            {"height", size.height},
             {"rotation", camera.rotation},
             {"mirror", camera.mirror},
             {"online", camera.online && server.online},

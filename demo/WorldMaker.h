@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "demo/Server.h"
+#include "demo/scenes/SceneCount.h"
 
 namespace ZorvaneDemo {
 
@@ -13,8 +14,8 @@ struct WorldOptions {
     int servers = 5;
     int cameras = 14;
     int lanServers = 1;
-    bool plain = false; ///< everything online, paid for and with all rights
-    int scenes = 12;    ///< cameras share this many scenes
+    bool plain = false;      ///< everything online, paid for and with all rights
+    int scenes = sceneCount; ///< so many that the cameras share
 };
 
 /// Invents servers and cameras. The same options, asked in the same order, give the same ones.

@@ -33,7 +33,9 @@ int fail(const std::string &what)
     return EXIT_FAILURE;
 }
 
-/// Ready to be read before any thread starts, so that no thread takes the signals.
+/// A descriptor from which SIGTERM and SIGINT are read. It must be made before the threads that
+/// serve, which would be ended by them otherwise. A receiver that has gone is no signal, but a
+/// write that fails.
 int endSignals()
 {
     sigset_t signals;

@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <chrono>
 
+#include "demo/Loopback.h"
+
 namespace ZorvaneDemo {
 
 namespace {
@@ -25,8 +27,8 @@ QJsonObject DemoControl::control(const QByteArray &method, const QString &path,
 {
     QNetworkAccessManager manager;
     manager.setProxy(QNetworkProxy::NoProxy);
-    QNetworkRequest request(
-        QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(controlPort()).arg(path)));
+    const QString address = QString::fromStdString(loopbackAddress(controlPort()));
+    QNetworkRequest request(QUrl(QLatin1String("http://") + address + path));
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
     QNetworkReply *reply = manager.sendCustomRequest(
         request, method, body.isEmpty() ? QByteArray() : QJsonDocument(body).toJson());

@@ -4,13 +4,14 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
-#include <QHash>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QProcess>
 #include <QTimer>
 
 #include <chrono>
+
+#include "demo/Loopback.h"
 
 namespace ZorvaneDemo {
 
@@ -128,11 +129,11 @@ bool DemoService::restart()
 ZorvaneClient::App::ServiceProfile DemoService::profile() const
 {
     ZorvaneClient::App::ServiceProfile result;
-    result.apiHost = QStringLiteral("127.0.0.1");
+    result.apiHost = QLatin1String(loopback);
     result.apiPort = apiPort();
     result.streamingHost = result.apiHost;
     result.streamingPort = streamingPort();
-    result.flvHost = QStringLiteral("127.0.0.1:%1").arg(flvPort());
+    result.flvHost = QString::fromStdString(loopbackAddress(flvPort()));
     result.redirectorHost = result.flvHost;
     result.caCertificate = caCertificate();
     return result;
@@ -149,22 +150,12 @@ QList<int> DemoService::lanPorts() const
 
 bool DemoService::writeLocalRoster(const QString &folder)
 {
-    QHash<QString, QString> names;
-    const QVector<DemoCamera> world = cameras();
-    for (const DemoCamera &camera : world)
-        names.insert(camera.server, camera.serverName);
-    QJsonArray roster;
-    const QList<int> ports = lanPorts();
-    for (const int port : ports) {
-        const QString id = QStringLiteral("127.0.0.1:%1").arg(port);
-        roster.append(QJsonObject{{QStringLiteral("ip"), QStringLiteral("127.0.0.1")},
-                                  {QStringLiteral("name"), names.value(id, id)},
-                                  {QStringLiteral("password"), lanPassword()},
-                                  {QStringLiteral("port"), port}});
-    }
+    const QJsonValue roster =
+        control("GET", QStringLiteral("/local-roster"), {}).value(QLatin1String("roster"));
     QFile file(QDir(folder).filePath(QStringLiteral("local_roster.txt")));
-    const QByteArray content = QJsonDocument(roster).toJson();
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+    const QByteArray content = QJsonDocument(roster.toArray()).toJson();
+    return roster.isArray() && file.open(QIODevice::WriteOnly) &&
+           file.write(content) == content.size();
 }
 
 } // namespace ZorvaneDemo

@@ -16,7 +16,7 @@ constexpr int leastContrast = 20;
 // Lines within the strip that are tried, as parts of its height: a tile's border may cover
 // the outermost ones.
 constexpr std::array<double, 4> linesTried{0.5, 0.35, 0.65, 0.2};
-// Tiles round the picture's place; the strip is looked for this many pixels around it.
+// A tile rounds where its picture stands; the strip is looked for so many pixels higher and lower.
 constexpr int placeTolerance = 2;
 
 int brightness(const QImage &picture, const QRectF &cell, int y)

@@ -7,6 +7,8 @@
 #include <memory>
 #include <vector>
 
+#include "demo/scenes/SceneCount.h"
+
 namespace ZorvaneDemo {
 
 /// Something that moves in front of a scene's background.
@@ -33,8 +35,6 @@ public:
     /// What moves, at `seconds` within the minute, from back to front.
     virtual std::vector<Sprite> sprites(double seconds) const = 0;
 };
-
-constexpr int sceneCount = 12;
 
 /// The scene of that number, 0 to sceneCount - 1.
 std::unique_ptr<Scene> makeScene(int number);

@@ -11,8 +11,8 @@
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/PlayerNotification.h"
 #include "GUI/Timeline.h"
-#include "tests/GUI/ArchiveWorld.h"
 #include "tests/GUI/Player/TileFixture.h"
+#include "tests/support/ArchiveWorld.h"
 #include "tests/support/ScriptedChild.h"
 
 using namespace ZorvaneClient::GUI;
@@ -308,7 +308,11 @@ private slots:
             return panel()->currentWidget()->objectName() + ' ' + pageOf("exportControl") + ' ' +
                    pageOf("messageWidget");
         };
+        const QString folder = QFileInfo(child->starts().last().last()).path();
+        const QString end =
+            last == "error" ? hint + " in red"_s : QString(hint).replace("%1", folder);
         QTRY_COMPARE(pages(), expected);
+        QTRY_COMPARE(hinted(), end); // before it goes by itself
         if (expected.startsWith("exportPage")) {
             QCOMPARE(ScriptedChild::isAlive(process), process != 0);
             press("cancelButton");
@@ -319,11 +323,7 @@ private slots:
             QCOMPARE(timeline()->activeCamera(), cells.value(0).camera);
         }
         QTRY_VERIFY(!ScriptedChild::isAlive(process));
-        const auto *shownHint = grid()->findChild<PlayerNotification *>();
-        const QString folder = QFileInfo(child->starts().last().last()).path();
-        QCOMPARE(shownHint ? shownHint->findChild<QLabel *>("messageLabel"_s)->text() : QString(),
-                 QString(hint).replace("%1", folder));
-        QCOMPARE(shownHint && shownHint->property("error").toBool(), last == "error");
+        QVERIFY(hinted() == end || hinted().isEmpty());
     }
 
 private:
@@ -370,6 +370,14 @@ private:
     ControlPanel *panel() const { return window->findChild<ControlPanel *>(); }
     void press(const QString &name) { panel()->findChild<QPushButton *>(name)->click(); }
     QString textOf(const QString &name) const { return panel()->findChild<QLabel *>(name)->text(); }
+
+    QString hinted() const
+    {
+        const auto *hint = grid()->findChild<PlayerNotification *>();
+        return hint ? hint->findChild<QLabel *>("messageLabel"_s)->text() +
+                          (hint->property("error").toBool() ? " in red" : "")
+                    : QString();
+    }
 
     /// The page that a stack of pages shows, unless it is hidden.
     QString pageOf(const QString &name) const

@@ -11,7 +11,7 @@
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/SettingsWidget.h"
 #include "GUI/SideBar.h"
-#include "tests/GUI/DialogVisitor.h"
+#include "tests/support/DialogVisitor.h"
 #include "tests/support/Roster.h"
 #include "tests/support/ScriptedService.h"
 

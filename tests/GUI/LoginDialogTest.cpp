@@ -325,18 +325,20 @@ private slots:
         LoginForm form;
         form.dialog.setCurrentIndex(1);
         const auto choices = form.dialog.findChildren<QRadioButton *>();
-        QSet<QString> tips;
+        QStringList tips;
         for (const QRadioButton *choice : choices) {
             const QWidget *line = choice->parentWidget();
             auto *icon = line->findChild<TippedIcon *>();
             QVERIFY2(icon, qPrintable(choice->objectName()));
             QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
             QApplication::sendEvent(icon, &enter);
-            tips.insert(line->findChild<CloudToolTip *>()->findChild<QLabel *>()->text());
+            const QString tip = line->findChild<CloudToolTip *>()->findChild<QLabel *>()->text();
+            tips << choice->objectName() + ": " + tip.section(' ', 0, 1);
             // The service has no sign-in for the local mode.
             QCOMPARE(choice->isVisible(), choice->objectName() != "localModeChoice"_s);
         }
-        QCOMPARE(tips.size(), choices.size());
+        QCOMPARE(tips, (QStringList{"defaultChoice: Sign in", "localModeChoice: Watch video",
+                                    "proxyChoice: Use with"}));
     }
 
 private:

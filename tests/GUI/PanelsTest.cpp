@@ -14,8 +14,8 @@
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/Timeline.h"
-#include "tests/GUI/ArchiveWorld.h"
 #include "tests/GUI/Player/TileFixture.h"
+#include "tests/support/ArchiveWorld.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScriptedChild.h"
 

@@ -11,8 +11,8 @@
 #include "GUI/ServerWidget.h"
 #include "GUI/SideBar.h"
 #include "GUI/ToolBar.h"
-#include "tests/GUI/DialogVisitor.h"
 #include "tests/GUI/RosterWorld.h"
+#include "tests/support/DialogVisitor.h"
 
 using GUI::CameraWidget;
 using GUI::RosterWidget;

@@ -2,7 +2,6 @@
 #include "tests/GUI/RosterWorld.h"
 
 #include "API/CloudAPIClient.h"
-#include "App/Environment.h"
 
 namespace ZorvaneClient::Tests {
 
@@ -11,23 +10,6 @@ void stopClockAt(double seconds)
     const QDateTime start(QDate(2024, 5, 17), QTime(12, 0));
     const QDateTime moment = start.addMSecs(static_cast<qint64>(seconds * 1000));
     App::Environment::setClock([moment] { return moment; });
-}
-
-int expireTimers(std::chrono::milliseconds interval)
-{
-    QAbstractEventDispatcher *dispatcher = QAbstractEventDispatcher::instance();
-    int expired = 0;
-    // The dispatcher's children are the single shots.
-    for (QObject *owner : QObjectList(dispatcher->children())) {
-        for (const auto &timer : dispatcher->registeredTimers(owner)) {
-            if (timer.interval != interval.count())
-                continue;
-            ++expired;
-            QTimerEvent event(timer.timerId);
-            QCoreApplication::sendEvent(owner, &event);
-        }
-    }
-    return expired;
 }
 
 QRect placeOf(const QColor &colour, QWidget *widget)

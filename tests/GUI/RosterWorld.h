@@ -3,6 +3,7 @@
 
 #include "tests/support/Test.h"
 
+#include "tests/support/FakeTime.h"
 #include "tests/support/Roster.h"
 #include "tests/support/ScriptedService.h"
 
@@ -13,9 +14,6 @@ void stopClockAt(double seconds);
 
 /// After which the preview of a card out of view is released.
 constexpr std::chrono::milliseconds releaseDelay(30000);
-
-/// Lets the running single shots of that interval expire at once; returns how many there were.
-int expireTimers(std::chrono::milliseconds interval);
 
 /// The part of the widget that holds all pixels of that colour.
 QRect placeOf(const QColor &colour, QWidget *widget);

@@ -17,7 +17,7 @@
 #include "GUI/MainWindow.h"
 #include "GUI/RosterWidget.h"
 #include "tests/GUI/Contrast.h"
-#include "tests/GUI/DialogVisitor.h"
+#include "tests/support/DialogVisitor.h"
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/Roster.h"
 

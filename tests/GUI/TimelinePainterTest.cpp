@@ -190,6 +190,7 @@ private slots:
              {"left handle", "fragment", one, box, {262, 50}, accent},
              {"right handle", "fragment", one, box, {516, 50}, accent},
              // What runs on past the view has neither handle nor edge there.
+             {"all of it", "fragment", "6:00 to 12:00", {4, 0, 1022, 56}, {12, 50}, accent},
              {"past it", "fragment", "5:59 to 12:01", {15, 0, 1000, 38}, {15, 30}, band},
              {"before it", "fragment", "4:00 to 5:00", {}, {15, 30}, stripGround},
              {"short", "fragment", "9:00 to 9:00:01", {504, 0, 23, 56}, {512, 50}, accent}});
@@ -303,11 +304,7 @@ private slots:
         timeline.hide();
         world.refuseRecords(2);
         QSignalSpy failed(camera.data(), &API::Camera::recordsError);
-        const auto timers = QAbstractEventDispatcher::instance()->registeredTimers(&timeline);
-        QCOMPARE(timers.size(), 1);
-        QCOMPARE(timers.first().interval, 120000);
-        QTimerEvent expired(timers.first().timerId);
-        QCoreApplication::sendEvent(&timeline, &expired);
+        QCOMPARE(expireTimers(std::chrono::minutes(2), &timeline), 1);
         QTRY_COMPARE(failed.size(), 1);
         QCOMPARE(world.requestedDays(2), (QList<QDate>{stripDay, stripDay}));
         QVERIFY(!showsMessage(timeline, "Cannot load records"_s));

@@ -2,13 +2,13 @@
 // A day's strip, and the notation in which its tests speak of times.
 #pragma once
 
-#include "tests/GUI/ArchiveWorld.h"
+#include "tests/support/ArchiveWorld.h"
 
 #include <ctime>
 
 #include "API/Camera.h"
-#include "App/Environment.h"
 #include "GUI/TimelinePrivate.h"
+#include "tests/support/FakeTime.h"
 
 namespace ZorvaneClient::Tests {
 
@@ -128,19 +128,16 @@ inline API::CameraPtr putCamera(GUI::Timeline &timeline, ArchiveWorld &world, in
 class StripWorld : public ArchiveWorld
 {
 public:
-    ~StripWorld() { App::Environment::setClock({}); }
-
     bool begin()
     {
         useZone(berlin);
         reset();
-        now = at("12:00");
-        App::Environment::setClock([this] { return now; });
+        clock.time = at("12:00");
         isStarted = isStarted || start();
         return isStarted;
     }
 
-    QDateTime now;
+    FakeClock clock;
 
 private:
     bool isStarted = false;

@@ -199,7 +199,7 @@ private slots:
         QSignalSpy played(timeline.data(), &Timeline::playTime);
         const int lastWord = mouse.lastIndexOf("release");
         use(*timeline, mouse.left(lastWord));
-        world.now = world.now.addMSecs(heldMs);
+        world.clock.time = world.clock.time.addMSecs(heldMs);
         use(*timeline, mouse.mid(lastWord));
         QCOMPARE(played.size(), plays);
         QCOMPARE(textOf(timeline->currentValue()), expected);

@@ -235,6 +235,9 @@ private slots:
         const QByteArray torn = toned.repeated(10).bytes().chopped(toned.bytes().size() * 2 / 5);
         const FlvClip sound = Clips::made(Clips::tone + " -c:a libmp3lame -t 4");
         const FlvClip flv = Clips::quarters(QSize(160, 96), length, Clips::flv);
+        // A unit that is longer than its picture, while the beginning still waits to be written.
+        FlvClip damaged = clip;
+        damaged.tags[20].bytes.replace(16, 1, "\x7F");
         rows<StreamScript, int, QString>(
             {"script", "recorded", "container"},
             {{"wrong arguments", none, length, "mkv"},
@@ -242,6 +245,7 @@ private slots:
              {"garbage", with(none, &StreamScript::raw, garbage), length, "mp4"},
              {"no video", StreamScript::of(sound, 0), length, "mp4"},
              {"codec that mp4 can't hold", StreamScript::of(flv, 0), length, "mp4"},
+             {"picture that avi can't hold", StreamScript::of(damaged, 0), length, "avi"},
              {"closed half-way", half, length, "mp4"},
              {"reset half-way", with(half, &StreamScript::ending, StreamScript::Ending::Reset),
               length, "mp4"},

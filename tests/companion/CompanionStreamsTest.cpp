@@ -8,8 +8,10 @@
 
 namespace {
 
-/// The limit for a silent stream is ten seconds; the rest is for a machine under load.
-constexpr int errorDeadline = 13'000;
+/// The limit for a silent stream is ten seconds; the rest is for a machine under load. Streams
+/// that go on are longer, so that it isn't their end that is seen.
+constexpr int errorDeadline = 20'000;
+constexpr int longSeconds = 30;
 
 /// Each picture is one even gray, brighter with each picture, so that it tells its number.
 constexpr int maxCount = 100;
@@ -97,14 +99,14 @@ private slots:
     /// With pictures or without, by itself or because nothing comes any more that makes one.
     void ends()
     {
-        FlvClip broken = clip.repeated(15);
+        FlvClip broken = clip.repeated(longSeconds);
         for (FlvTag &tag : broken.tags) {
             constexpr int firstPayloadByte = 11 + 5;
             const int length = int(tag.bytes.size()) - firstPayloadByte - 4;
             if (tag.bytes.at(0) == 9 && tag.milliseconds > 600 && length > 0)
                 tag.bytes.replace(firstPayloadByte, length, QByteArray(length, '\x7F'));
         }
-        const QByteArray garbage = garbled(QByteArray(2'000'000, '\0'), 1, 8'000'000, 0);
+        const QByteArray garbage = garbled(QByteArray(3'000'000, '\0'), 1, 12'000'000, 0);
         const StreamScript stalled = stallScript(clip, 600);
         const StreamScript closed =
             with(stalled, &StreamScript::ending, StreamScript::Ending::Close);
@@ -117,7 +119,9 @@ private slots:
             {stallScript(clip, 0), "7"},
             {with(rawScript(clip.header + garbage), &StreamScript::rawBytesPerSecond, 100'000),
              "7"},
-            {StreamScript::of(Clips::made(Clips::tone + " -c:a libmp3lame -t 15")), "7"},
+            {StreamScript::of(
+                 Clips::made(Clips::tone + " -c:a libmp3lame -t " + QString::number(longSeconds))),
+             "7"},
             {closed, "3 6 7"},
             {with(closed, &StreamScript::ending, StreamScript::Ending::Reset), "3 6 7"},
             {redirectScript(elsewhere.url("/other")), "3 6 7"},
@@ -274,18 +278,18 @@ private slots:
     /// Servers begin with what they have kept since the last key frame or longer.
     void liveShowsTheNewest()
     {
+        const FlvClip stream = counting.repeated(15);
         StreamPlayer player;
-        QVERIFY(player.play(
-            with(StreamScript::of(counting.repeated(15)), &StreamScript::burst, 30'000)));
+        QVERIFY(player.play(with(StreamScript::of(stream), &StreamScript::burst, 30'000)));
         QVERIFY(player.shows(10));
-        int late = 0;
-        for (int i = 0; i < 31; ++i) {
+        // However long the machine takes to catch up: then the player keeps up.
+        for (int inTime = 0; inTime < 16;) {
+            QVERIFY(player.server.sentMilliseconds() < stream.duration());
             QVERIFY(player.shows(player.frames() + 1));
             const int sent = player.server.sentMilliseconds() / 40;
             const int behind = sent + maxCount - countIn(player.picture());
-            late += behind % maxCount > 25; // pictures in a second
+            inTime = behind % maxCount > 25 ? 0 : inTime + 1; // pictures in a second
         }
-        QVERIFY2(late <= 15, QByteArray::number(late));
         QVERIFY2(player.lastTime() <= player.elapsed(), "the client's clock runs ahead");
         QCOMPARE(faultIn(player), QByteArray());
     }

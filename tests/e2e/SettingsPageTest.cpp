@@ -3,8 +3,8 @@
 
 #include "App/Settings.h"
 #include "GUI/SettingsWidget.h"
-#include "tests/GUI/DialogVisitor.h"
 #include "tests/e2e/Wall.h"
+#include "tests/support/DialogVisitor.h"
 
 namespace {
 

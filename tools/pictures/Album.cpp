@@ -7,7 +7,7 @@
 #include <QPainter>
 #include <QWidget>
 
-#include "tools/pictures/Studio.h"
+#include "tools/pictures/Require.h"
 
 namespace ZorvaneClient::Pictures {
 

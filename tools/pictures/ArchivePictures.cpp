@@ -11,6 +11,8 @@
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
 #include "tools/pictures/ArchiveStage.h"
+#include "tools/pictures/Require.h"
+#include "tools/pictures/Scenes.h"
 #include "tools/pictures/Studio.h"
 
 namespace ZorvaneClient::Pictures {
@@ -27,7 +29,7 @@ constexpr int untouched = 16;
 QRect archivePlace()
 {
     return placeOf(timeline())
-        .united(placeOf(dateStrip()))
+        .united(placeOf(archivePanel()))
         .united(placeOf(mainWindow()->findChild<QWidget *>(QStringLiteral("ControlPanel"))));
 }
 
@@ -57,13 +59,13 @@ void takeStripStates(Studio &studio)
     QTest::mouseMove(mainWindow(), placeOf(timeline()).center() + QPoint(70, 6));
     studio.take("timeline-hover", "The moment under the pointer", archivePlace());
     hoverNothing();
-    dateStrip()->zoom(40);
+    archivePanel()->zoom(40);
     studio.take("timeline-zoomed", "The strip, zoomed in", archivePlace());
-    dateStrip()->zoom(100);
+    archivePanel()->zoom(100);
     studio.take("timeline-minutes", "The strip, zoomed in as far as it goes", archivePlace());
-    dateStrip()->zoom(0);
+    archivePanel()->zoom(0);
 
-    auto *date = dateStrip()->findChild<QDateEdit *>(QStringLiteral("dateEdit"));
+    auto *date = archivePanel()->findChild<QDateEdit *>(QStringLiteral("dateEdit"));
     auto *text = date->findChild<QLineEdit *>();
     QTest::mouseClick(text, Qt::LeftButton, Qt::NoModifier, text->rect().center());
     waitFor([] { return QApplication::activePopupWidget() != nullptr; }, "calendar");
@@ -88,17 +90,14 @@ void takeMessage(Studio &studio, const char *name, const char *caption, const De
 
 void takeStripMessages(Studio &studio)
 {
-    ZorvaneDemo::DemoFault fault;
-    fault.route = QStringLiteral("//archive/list");
-    fault.kind = QStringLiteral("stall");
-    require(studio.service.addFault(fault) > 0, "fault");
+    const char *const listRoute = "//archive/list";
+    studio.spoil("stall", listRoute);
     takeMessage(studio, "timeline-loading", "Records are being asked for",
                 studio.good.at(untouched));
     studio.service.clearFaults();
     require(studio.service.setArchive(studio.good.at(untouched + 1), {}), "records");
     takeMessage(studio, "timeline-empty", "A day without records", studio.good.at(untouched + 1));
-    fault.kind = QStringLiteral("nonjson");
-    require(studio.service.addFault(fault) > 0, "fault");
+    studio.spoil("nonjson", listRoute);
     takeMessage(studio, "timeline-error", "Records can't be had", studio.good.at(untouched + 2));
     studio.service.clearFaults();
     takeMessage(studio, "timeline-not-shared", "An archive that is not shared",

@@ -5,6 +5,7 @@
 #include "GUI/MainWindow.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
+#include "tools/pictures/Require.h"
 #include "tools/pictures/Studio.h"
 
 namespace ZorvaneClient::Pictures {
@@ -21,12 +22,7 @@ QDateTime at(const char *time)
     return QDateTime(yesterday(), QTime::fromString(QLatin1String(time), QStringLiteral("hh:mm")));
 }
 
-GUI::Timeline *timeline()
-{
-    return mainWindow()->findChild<GUI::Timeline *>();
-}
-
-GUI::ArchiveControlPanel *dateStrip()
+GUI::ArchiveControlPanel *archivePanel()
 {
     return mainWindow()->findChild<GUI::ArchiveControlPanel *>();
 }
@@ -35,7 +31,7 @@ void showRecordsOf(const API::CameraPtr &camera)
 {
     if (!timeline()->isVisible())
         press(mainWindow(), "showRecordsButton");
-    dateStrip()->setDate(yesterday());
+    archivePanel()->setDate(yesterday());
     waitFor([&] { return camera->hasRecords(yesterday()); }, "records");
 }
 

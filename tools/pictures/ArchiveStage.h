@@ -5,7 +5,6 @@
 
 #include "API/Types.h"
 #include "GUI/ArchiveControlPanel.h"
-#include "GUI/Timeline.h"
 
 namespace ZorvaneClient::Pictures {
 
@@ -15,8 +14,8 @@ namespace ZorvaneClient::Pictures {
 QDate yesterday();
 QDateTime at(const char *time);
 
-GUI::Timeline *timeline();
-GUI::ArchiveControlPanel *dateStrip();
+/// The controls of date, time and zoom.
+GUI::ArchiveControlPanel *archivePanel();
 
 /// Returns when the strip has them.
 void showRecordsOf(const API::CameraPtr &camera);

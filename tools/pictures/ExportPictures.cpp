@@ -18,6 +18,8 @@
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
 #include "tools/pictures/ArchiveStage.h"
+#include "tools/pictures/Require.h"
+#include "tools/pictures/Scenes.h"
 #include "tools/pictures/Studio.h"
 
 namespace ZorvaneClient::Pictures {
@@ -26,7 +28,8 @@ using namespace Tests;
 
 namespace {
 
-constexpr int slowBytesPerSecond = 60000;
+constexpr char archiveRoute[] = "/flv/archive";
+constexpr qint64 slowBytesPerSecond = 60000;
 constexpr rlim_t fullDiskBytes = 50000;
 constexpr QSize hintCorner(460, 200);
 
@@ -57,7 +60,7 @@ void beginExport(const API::CameraPtr &camera)
 {
     showRecordsOf(camera);
     playFrom(at("12:00"));
-    dateStrip()->zoom(60);
+    archivePanel()->zoom(60);
     auto *button = qobject_cast<QAbstractButton *>(partNamed("exportModeButton"));
     waitFor([&] { return button->isEnabled(); }, "export button");
     button->click();
@@ -76,11 +79,7 @@ void takeExport(Studio &studio)
     beginExport(camera);
     studio.take("export-selection", "A fragment is chosen");
 
-    ZorvaneDemo::DemoFault slow;
-    slow.kind = QStringLiteral("slow");
-    slow.route = QStringLiteral("/flv/archive");
-    slow.value = slowBytesPerSecond;
-    require(studio.service.addFault(slow) > 0, "fault");
+    studio.spoil("slow", archiveRoute, slowBytesPerSecond);
     QSignalSpy done(gridOf(mainWindow()), &GUI::LayoutWidget::exportDone);
     QSignalSpy failed(gridOf(mainWindow()), &GUI::LayoutWidget::exportError);
     QSignalSpy percents(gridOf(mainWindow()), &GUI::LayoutWidget::exportPercentDone);
@@ -92,7 +91,7 @@ void takeExport(Studio &studio)
     studio.take("hint-exported", "The hint after an export", hintPlace());
 
     beginExport(camera);
-    require(studio.service.addFault(slow) > 0, "fault");
+    studio.spoil("slow", archiveRoute, slowBytesPerSecond);
     press(mainWindow(), "exportButton");
     waitFor([] { return exportChild() > 0; }, "export");
     const rlimit limit = {fullDiskBytes, fullDiskBytes};

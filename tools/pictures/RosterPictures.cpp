@@ -15,6 +15,8 @@
 #include "GUI/ServerWidget.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
+#include "tools/pictures/Require.h"
+#include "tools/pictures/Scenes.h"
 #include "tools/pictures/Studio.h"
 
 namespace ZorvaneClient::Pictures {

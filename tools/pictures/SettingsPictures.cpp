@@ -3,20 +3,23 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMenu>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QStackedWidget>
 #include <QtTest>
+
+#include <functional>
 
 #include "API/Camera.h"
 #include "GUI/CameraWidget.h"
 #include "GUI/MainWindow.h"
 #include "GUI/ServerWidget.h"
 #include "GUI/SettingsWidget.h"
-#include "tests/GUI/DialogVisitor.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
+#include "tests/support/DialogVisitor.h"
+#include "tools/pictures/Require.h"
+#include "tools/pictures/Scenes.h"
 #include "tools/pictures/Studio.h"
 
 namespace ZorvaneClient::Pictures {
@@ -25,7 +28,7 @@ using namespace Tests;
 
 namespace {
 
-const QString versionPath = QStringLiteral("/public/version/client_windows");
+constexpr char versionRoute[] = "/public/version/client_windows";
 
 /// The menus' entries that open a dialog, by their places from the top.
 constexpr int cardSettingsEntry = 2;
@@ -40,12 +43,6 @@ DialogVisitor::Handler taker(Studio &studio, const char *name, const char *capti
         settle();
         studio.album.take(QLatin1String(name), QLatin1String(caption), dialog);
     };
-}
-
-template <typename T>
-T *part(const QWidget *parent, const char *name)
-{
-    return parent->findChild<T *>(QLatin1String(name));
 }
 
 GUI::SettingsWidget *settingsPage()
@@ -64,14 +61,6 @@ void showPage(const char *expected)
                        ->objectName() == QLatin1String(expected);
         },
         expected);
-}
-
-void spoil(Studio &studio, const char *kind)
-{
-    ZorvaneDemo::DemoFault fault;
-    fault.kind = QLatin1String(kind);
-    fault.route = versionPath;
-    require(studio.service.addFault(fault) > 0, "fault");
 }
 
 } // namespace
@@ -116,13 +105,13 @@ void takeDialogs(Studio &studio)
 
 void takeSettings(Studio &studio)
 {
-    spoil(studio, "stall");
+    studio.spoil("stall", versionRoute);
     showPage("updatesCheckPage");
     studio.take("settings-checking", "The settings while updates are looked for", sidePlace());
     studio.service.clearFaults();
     showPage("updatesNotFoundPage");
     studio.take("settings", "The settings", sidePlace());
-    spoil(studio, "nonjson");
+    studio.spoil("nonjson", versionRoute);
     showPage("updatesErrorPage");
     studio.take("settings-failed", "The update service is out of reach", sidePlace());
     studio.service.clearFaults();

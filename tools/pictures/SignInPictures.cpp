@@ -10,6 +10,8 @@
 #include "GUI/LoginDialog.h"
 #include "GUI/TippedButton.h"
 #include "tests/e2e/EndToEnd.h"
+#include "tools/pictures/Require.h"
+#include "tools/pictures/Scenes.h"
 #include "tools/pictures/Studio.h"
 
 namespace ZorvaneClient::Pictures {
@@ -18,12 +20,10 @@ using namespace Tests;
 
 namespace {
 
-const QString sessionsPath = QStringLiteral("/public/sessions");
-
 template <typename T>
-T *part(const char *name)
+T *inDialog(const char *name)
 {
-    return loginDialog()->findChild<T *>(QLatin1String(name));
+    return part<T>(loginDialog(), name);
 }
 
 void take(Studio &studio, const char *name, const char *caption)
@@ -48,7 +48,8 @@ void click(QWidget *button)
 
 bool showsBar(const char *page)
 {
-    return part<QStackedWidget>("alertsBar")->currentWidget()->objectName() == QLatin1String(page);
+    return inDialog<QStackedWidget>("alertsBar")->currentWidget()->objectName() ==
+           QLatin1String(page);
 }
 
 } // namespace
@@ -58,38 +59,36 @@ void takeSignIn(Studio &studio)
     qobject_cast<App::Application *>(qApp)->startLogin();
     waitFor([] { return loginDialog() != nullptr; }, "sign-in dialog");
     take(studio, "sign-in", "The sign-in dialog at the first start");
-    part<QLineEdit>("emailLn")->setText(studio.service.email());
-    part<QLineEdit>("passwordLn")->setText(QStringLiteral("a wrong one"));
+    inDialog<QLineEdit>("emailLn")->setText(studio.service.email());
+    inDialog<QLineEdit>("passwordLn")->setText(QStringLiteral("a wrong one"));
     take(studio, "sign-in-filled", "The sign-in dialog, filled in");
-    takeTip(studio, "sign-in-gear", "The tip of the gear", part<QWidget>("settingsButton"));
+    takeTip(studio, "sign-in-gear", "The tip of the gear", inDialog<QWidget>("settingsButton"));
 
-    ZorvaneDemo::DemoFault stall;
-    stall.kind = QStringLiteral("stall");
-    stall.route = sessionsPath;
-    require(studio.service.addFault(stall) > 0, "fault");
-    click(part<QPushButton>("signInButton"));
+    studio.spoil("stall", "/public/sessions");
+    click(inDialog<QPushButton>("signInButton"));
     take(studio, "sign-in-waiting", "While the service is asked");
     studio.service.clearFaults();
     waitFor([] { return showsBar("wrongEmailPassWgt"); }, "bar for a wrong password");
     take(studio, "sign-in-wrong", "A wrong password");
 
-    click(part<QWidget>("settingsButton"));
+    click(inDialog<QWidget>("settingsButton"));
     take(studio, "account-settings", "The account settings");
-    const QList<TippedIcon *> tips = part<QWidget>("settingsPage")->findChildren<TippedIcon *>();
+    const QList<TippedIcon *> tips =
+        inDialog<QWidget>("settingsPage")->findChildren<TippedIcon *>();
     takeTip(studio, "account-settings-tip", "The tip of the default settings", tips.first());
-    click(part<QRadioButton>("proxyChoice"));
-    part<QLineEdit>("proxyHost")->setText(QStringLiteral("proxy.example.org"));
-    part<QLineEdit>("proxyPort")->setText(QStringLiteral("3128"));
-    part<QLineEdit>("proxyLogin")->setText(QStringLiteral("anna"));
-    part<QLineEdit>("proxyPassword")->setText(QStringLiteral("secret"));
+    click(inDialog<QRadioButton>("proxyChoice"));
+    inDialog<QLineEdit>("proxyHost")->setText(QStringLiteral("proxy.example.org"));
+    inDialog<QLineEdit>("proxyPort")->setText(QStringLiteral("3128"));
+    inDialog<QLineEdit>("proxyLogin")->setText(QStringLiteral("anna"));
+    inDialog<QLineEdit>("proxyPassword")->setText(QStringLiteral("secret"));
     take(studio, "account-settings-proxy", "The account settings with a proxy");
     takeTip(studio, "account-settings-proxy-tip", "The tip of the proxy", tips.last());
-    click(part<QPushButton>("doneButton"));
+    click(inDialog<QPushButton>("doneButton"));
     take(studio, "sign-in-proxy", "The bar that tells of the proxy");
 
-    click(part<QPushButton>("settingsPBtn2"));
-    click(part<QRadioButton>("defaultChoice"));
-    click(part<QPushButton>("doneButton"));
+    click(inDialog<QPushButton>("settingsPBtn2"));
+    click(inDialog<QRadioButton>("defaultChoice"));
+    click(inDialog<QPushButton>("doneButton"));
     require(enter(studio.service), "main window");
     placeMainWindow();
     studio.take("wall-empty", "The main window right after the sign-in");

@@ -8,7 +8,7 @@
 #include <QtTest>
 
 #include <algorithm>
-#include <cstdlib>
+#include <iterator>
 
 #include "API/Camera.h"
 #include "API/Layout.h"
@@ -20,18 +20,16 @@
 #include "GUI/ServerWidget.h"
 #include "GUI/SideBar.h"
 #include "GUI/ToolBar.h"
+#include "demo/scenes/SceneCount.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
+#include "tools/pictures/Require.h"
 
 namespace ZorvaneClient::Pictures {
 
 using namespace Tests;
 
 namespace {
-
-constexpr int waitDeadlineMs = 120000;
-/// The longest animation of the program takes 300.
-constexpr int settleMs = 500;
 
 bool isGood(const DemoCamera &camera)
 {
@@ -40,30 +38,12 @@ bool isGood(const DemoCamera &camera)
 
 } // namespace
 
-void require(bool holds, const char *what)
-{
-    if (holds)
-        return;
-    qCritical("missing: %s", what);
-    std::exit(EXIT_FAILURE);
-}
-
-void waitFor(const std::function<bool()> &condition, const char *what)
-{
-    require(QTest::qWaitFor(condition, waitDeadlineMs), what);
-}
-
-void settle()
-{
-    QTest::qWait(settleMs);
-}
-
 Studio::Studio(const QString &albumFolder) : album(albumFolder)
 {
     ZorvaneDemo::DemoService::Options options;
     options.servers = 5;
     options.cameras = 30;
-    options.scenes = 12;
+    options.scenes = ZorvaneDemo::sceneCount;
     require(service.start(options), qPrintable(service.errorString()));
     useService(service);
     const QVector<DemoCamera> made = service.cameras();
@@ -122,18 +102,32 @@ void Studio::open(const API::LayoutPtr &layout)
     settle();
 }
 
-void Studio::take(const char *name, const char *caption, const QRect &part, bool essential)
+void Studio::spoil(const char *kind, const char *route, qint64 value)
+{
+    ZorvaneDemo::DemoFault fault;
+    fault.kind = QLatin1String(kind);
+    fault.route = QLatin1String(route);
+    fault.value = value;
+    require(service.addFault(fault) > 0, "fault");
+}
+
+void Studio::take(const char *name, const char *caption, const QRect &part)
+{
+    if (!part.isNull() || mainWindow()->devicePixelRatioF() <= 1)
+        takeAtAnyScale(name, caption, part);
+}
+
+void Studio::takeAtAnyScale(const char *name, const char *caption, const QRect &part)
 {
     settle();
-    if (part.isNull() && !essential && mainWindow()->devicePixelRatioF() > 1)
-        return;
     album.take(QLatin1String(name), QLatin1String(caption), mainWindow(), part);
 }
 
 void Studio::takeMenu(const char *name, const char *caption, QPushButton *button, const QRect &part)
 {
-    require(button && button->menu(), name);
+    require(button, name);
     QMenu *menu = button->menu();
+    require(menu, name);
     // The button comes back when its menu has been closed.
     QTimer::singleShot(0, menu, [=] {
         menu->setActiveAction(menu->actions().first());

@@ -24,13 +24,6 @@ namespace Pictures {
 
 using ZorvaneDemo::DemoCamera;
 
-/// Ends the program when it does not hold, and says what was missing.
-void require(bool holds, const char *what);
-/// Waits for it, or ends the program.
-void waitFor(const std::function<bool()> &condition, const char *what);
-/// Lets what moves on the screen come to rest.
-void settle();
-
 /// The program signed in to a demo service, and what the scenes have in common.
 class Studio
 {
@@ -51,11 +44,15 @@ public:
     /// Opens it and waits until every tile shows its camera.
     void open(const API::LayoutPtr &layout);
 
+    /// From now on requests for `route` go wrong; DemoFault tells how. Until
+    /// service.clearFaults().
+    void spoil(const char *kind, const char *route, qint64 value = 0);
+
     /// The main window or a part of it. At a scale above 1 the whole window is left out, since
-    /// its size would be great and its details are in the parts, unless it is `essential`.
-    void take(const char *name, const char *caption, const QRect &part = QRect(),
-              bool essential = false);
-    void takeLarge(const char *name, const char *caption) { take(name, caption, QRect(), true); }
+    /// its size would be great and its details are in the parts.
+    void take(const char *name, const char *caption, const QRect &part = QRect());
+    /// The whole window too.
+    void takeAtAnyScale(const char *name, const char *caption, const QRect &part = QRect());
     /// Opens the button's menu, marks its first entry and takes the picture.
     void takeMenu(const char *name, const char *caption, QPushButton *button,
                   const QRect &part = QRect());
@@ -79,19 +76,6 @@ QWidget *partNamed(const char *name);
 void hover(QWidget *widget);
 /// Puts it where nothing takes notice.
 void hoverNothing();
-
-/// Says what the first cameras and the LAN camera have recorded; before the sign-in.
-void recordArchive(Studio &studio);
-// The scenes, in the order in which they follow one another.
-void takeSignIn(Studio &studio);
-void takeRoster(Studio &studio);
-void takeWalls(Studio &studio);
-void takeLayouts(Studio &studio);
-void takeControls(Studio &studio);
-void takeArchive(Studio &studio);
-void takeExport(Studio &studio);
-void takeSettings(Studio &studio);
-void takeDialogs(Studio &studio);
 
 } // namespace Pictures
 } // namespace ZorvaneClient

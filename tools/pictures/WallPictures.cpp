@@ -11,9 +11,11 @@
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoPlaceholder.h"
 #include "GUI/Player/VideoWidget.h"
-#include "tests/GUI/DialogVisitor.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
+#include "tests/support/DialogVisitor.h"
+#include "tools/pictures/Require.h"
+#include "tools/pictures/Scenes.h"
 #include "tools/pictures/Studio.h"
 
 namespace ZorvaneClient::Pictures {
@@ -40,10 +42,7 @@ void takeMessages(Studio &studio)
         layout->setCamera(studio.camera(camera), cell / 2, cell % 2, 1, 1);
         ++cell;
     }
-    ZorvaneDemo::DemoFault stall;
-    stall.kind = QStringLiteral("stall");
-    stall.route = QStringLiteral("/flv/live");
-    require(studio.service.addFault(stall) > 0, "fault");
+    studio.spoil("stall", "/flv/live");
     require(mainWindow()->openLayout(layout), "layout");
     hoverNothing();
     studio.take("tile-messages", "Tiles without a picture, and one that is being opened",
@@ -106,7 +105,7 @@ void takeWalls(Studio &studio)
     studio.open(studio.layout(QStringLiteral("2 x 2"), 2, 2));
     studio.take("wall-2x2", "Four cameras, one of them chosen");
     studio.open(studio.layout(QStringLiteral("3 x 3"), 3, 3));
-    studio.takeLarge("wall-3x3", "Nine cameras");
+    studio.takeAtAnyScale("wall-3x3", "Nine cameras");
     studio.open(studio.layout(QStringLiteral("4 x 4"), 4, 4));
     studio.take("wall-4x4", "Sixteen cameras");
     press(mainWindow(), "hideRosterButton");

@@ -3,15 +3,16 @@
 // Runs the client in that language with a demo service and the real player, brings it into
 // every state that a user can see and saves each as a PNG in the folder. Leaves its working
 // files in the working folder; QT_SCALE_FACTOR sets the scale. Starts a display of its own.
-#include <QSettings>
-
 #include <cstdio>
 #include <cstdlib>
 
 #include "App/Application.h"
 #include "App/Environment.h"
+#include "App/Settings.h"
+#include "App/SettingsKeys.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/support/VirtualDisplay.h"
+#include "tools/pictures/Scenes.h"
 #include "tools/pictures/Studio.h"
 
 using namespace ZorvaneClient;
@@ -32,8 +33,7 @@ int main(int argc, char **argv)
         std::fputs("usage: picture-maker LANGUAGE FOLDER\n", stderr);
         return 2;
     }
-    QSettings(QStringLiteral("ZorvaneClient.ini"), QSettings::IniFormat)
-        .setValue(QStringLiteral("common/language"), QString::fromLocal8Bit(argv[1]));
+    App::settings().setValue(App::SettingsKey::language, QString::fromLocal8Bit(argv[1]));
     const VirtualDisplay display(displayWidth, displayHeight);
     if (display.name().isEmpty()) {
         std::fputs("picture-maker: Xvfb does not start\n", stderr);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "API/Camera.h"
-#include "tests/GUI/ArchiveWorld.h"
 #include "tests/GUI/Player/TileFixture.h"
+#include "tests/support/ArchiveWorld.h"
 #include "tests/support/LogCapture.h"
 
 using GUI::Player::VideoWidget;
@@ -238,7 +238,7 @@ private slots:
         tile.setScript(playing);
         QVERIFY(tile.playArchive(noon.addDays(-1), noon));
         QTRY_COMPARE(tile.starts().size(), 5);
-        QVERIFY(expireTimer(*QAbstractEventDispatcher::instance(), std::chrono::seconds(30)));
+        QVERIFY(expireTimers(std::chrono::seconds(30)));
         QTRY_COMPARE(tile.starts().size(), 6);
         QCOMPARE(asked(tile), "live 2"_s);
         QTRY_COMPARE(stateOf(tile), "Playing"_s);

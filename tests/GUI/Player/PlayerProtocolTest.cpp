@@ -264,7 +264,7 @@ private slots:
         tick(tile);
         QTRY_VERIFY(tile.commands().contains("ping"));
         // The tile's own timer does the same, every two seconds.
-        QVERIFY(expireTimer(tile, std::chrono::seconds(2)));
+        QVERIFY(expireTimers(std::chrono::seconds(2), &tile));
         QTRY_VERIFY(tile.commands().count("ping") > 1);
     }
 

@@ -76,21 +76,6 @@ void tick(VideoWidget &tile)
     QApplication::sendEvent(&tile, &event);
 }
 
-bool expireTimer(QObject &owner, std::chrono::milliseconds wait)
-{
-    const QAbstractEventDispatcher &dispatcher = *QAbstractEventDispatcher::instance();
-    const QObjectList objects = owner.findChildren<QObject *>() << &owner;
-    for (QObject *object : objects) {
-        for (const auto &timer : dispatcher.registeredTimers(object)) {
-            if (timer.interval == wait.count()) {
-                QTimerEvent event(timer.timerId);
-                return QCoreApplication::sendEvent(object, &event);
-            }
-        }
-    }
-    return false;
-}
-
 QImage onScreen(const QWidget &window)
 {
     const QPixmap shown = window.screen()->grabWindow(window.winId());

@@ -4,8 +4,8 @@
 #include "tests/support/Test.h"
 
 #include "API/Types.h"
-#include "App/Environment.h"
 #include "GUI/Player/VideoWidget.h"
+#include "tests/support/FakeTime.h"
 #include "tests/support/ScriptedChild.h"
 
 namespace ZorvaneClient::Tests {
@@ -42,28 +42,10 @@ QString vlcStateOf(GUI::Player::VideoWidget &tile);
 
 /// The tile's two seconds are over.
 void tick(GUI::Player::VideoWidget &tile);
-/// Ends the wait of a timer of `owner` or its children that takes so long; false if there is none.
-/// Those of a single shot belong to the event dispatcher.
-bool expireTimer(QObject &owner, std::chrono::milliseconds wait);
 
 /// What is to be seen of a window now, without another paint of it.
 QImage onScreen(const QWidget &window);
 /// Waits until the tile shows `text` and no picture.
 bool showsText(GUI::Player::VideoWidget &tile, const QString &text);
-
-/// The wall clock under a test's control, while it lives.
-struct FakeClock {
-    Q_DISABLE_COPY(FakeClock)
-    explicit FakeClock(const QDateTime &start) : time(start)
-    {
-        App::Environment::setClock([this] { return time; });
-    }
-    ~FakeClock() { App::Environment::setClock({}); }
-
-    QDateTime now() const { return time; }
-    void advance(int seconds) { time = time.addSecs(seconds); }
-
-    QDateTime time;
-};
 
 } // namespace ZorvaneClient::Tests

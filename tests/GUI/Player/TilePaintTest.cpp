@@ -262,7 +262,7 @@ private slots:
             else if (way == "button"_s)
                 hint.findChild<QPushButton *>("closeButton"_s)->click();
             const bool slides = way == "by itself"_s;
-            QVERIFY(expireTimer(hint, std::chrono::milliseconds(slides ? 3000 : 100)));
+            QVERIFY(expireTimers(std::chrono::milliseconds(slides ? 3000 : 100), &hint));
             QCOMPARE(closed.size(), slides ? 0 : 1);
             if (slides)
                 endSlide(hint);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/GUI/DialogVisitor.h"
+#include "tests/support/DialogVisitor.h"
 
 namespace ZorvaneClient::Tests {
 

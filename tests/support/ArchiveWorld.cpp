@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/GUI/ArchiveWorld.h"
+#include "tests/support/ArchiveWorld.h"
 
 #include "API/Camera.h"
 #include "API/Server.h"

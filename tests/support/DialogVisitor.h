@@ -9,8 +9,6 @@ namespace ZorvaneClient::Tests {
 /// event loop. A dialog that the handler leaves open is rejected.
 class DialogVisitor : public QObject
 {
-    Q_OBJECT
-
 public:
     using Handler = std::function<void(QDialog *)>;
 
