@@ -304,6 +304,45 @@ private slots:
                      QCoreApplication::processEvents(), told->size() > 4));
     }
 
+    void failedExports_data()
+    {
+        // The second line names the stream.
+        const QString reason = "complain 1 vlc-stream: can't make x\\nhttp://abc/?key=pass\\n|"_s;
+        rows<QString, QString, QString>(
+            {"script", "told", "logged"},
+            {{"a word", reason + "print export-error\\n|exit 1", "error " + film, "can't make x"},
+             {"no word", reason + "exit 1", "", "can't make x"},
+             {"no reason", "exit 3", "", "ended with exit code 3"},
+             {"killed", "die", "", "was killed"},
+             {"not started", "", "error " + film, "No such file"}});
+    }
+
+    void failedExports()
+    {
+        const auto [script, told, logged] = row<QString, QString, QString>();
+        ScriptedTile tile(script, camera());
+        if (script.isEmpty())
+            App::Environment::setPlayerProgram("/nowhere"_s);
+        const auto words = exportWords(tile);
+        const LogCapture log;
+        const auto lines = [&log] { return log.linesOf("Cannot export \"%1\" : "_s.arg(film)); };
+        tile.exportFragment(noon, noon.addSecs(300));
+        QTRY_VERIFY((tick(tile), !lines().isEmpty()));
+        QVERIFY2(lines().first().contains(logged), qPrintable(lines().first()));
+        tick(tile);
+        QCOMPARE(lines().size(), 1);
+        QCOMPARE(log.lines().filter("pass"_s), QStringList());
+        QCOMPARE(words->join(' '), told);
+        // Another one takes the place of one that no tick has found yet, or ends with the tile.
+        for (const bool again : {true, false}) {
+            tile.exportFragment(noon, noon.addSecs(300));
+            QTRY_VERIFY(!tile.isExporting());
+            again ? tile.exportFragment(noon, noon.addSecs(300)) : tile.cancelExport();
+        }
+        QCOMPARE(lines().size(), 3);
+        QVERIFY(QFileInfo(films).isDir());
+    }
+
     void endsOfExports()
     {
         // It may end with its input, not listen, hang, or go on telling.
