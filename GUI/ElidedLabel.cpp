@@ -92,9 +92,11 @@ void ElidedLabel::paintEvent(QPaintEvent *)
     const QString whole = fits() ? text() : text().simplified();
     const QString shown = fontMetrics().elidedText(whole, Qt::ElideRight, area.width());
     QTextLayout layout(shown, font(), this);
-    QTextOption option(QStyle::visualAlignment(layoutDirection(), alignment()));
+    // Text that is written from the right begins there, as in any other label.
+    const Qt::LayoutDirection direction = shown.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight;
+    QTextOption option(QStyle::visualAlignment(direction, alignment()));
     option.setWrapMode(QTextOption::NoWrap);
-    option.setTextDirection(shown.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    option.setTextDirection(direction);
     layout.setTextOption(option);
     layout.beginLayout();
     QTextLine line = layout.createLine();

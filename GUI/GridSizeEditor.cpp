@@ -3,6 +3,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QToolTip>
 
 #include "GUI/Colours.h"
 
@@ -23,6 +24,14 @@ constexpr qreal cellRadius = 2.0;
 
 const QColor emptyColor(52, 55, 60, 255);
 const QColor currentColor(129, 134, 144, 255);
+
+/// Columns first, as screens are measured; empty for no size.
+QString sizeText(const GridSize &size)
+{
+    if (size.rows <= 0 || size.columns <= 0)
+        return QString();
+    return QStringLiteral("%1 × %2").arg(size.columns).arg(size.rows);
+}
 
 } // namespace
 
@@ -83,6 +92,8 @@ void GridSizeEditor::mouseMoveEvent(QMouseEvent *event)
         return;
     hovered = under;
     update();
+    // Below the matrix, which has no room for words.
+    QToolTip::showText(mapToGlobal(rect().bottomLeft()), sizeText(hovered), this);
 }
 
 void GridSizeEditor::mousePressEvent(QMouseEvent *)
