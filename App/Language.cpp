@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QDebug>
+#include <QLocale>
 #include <QTranslator>
 
 #include <array>
@@ -28,6 +29,16 @@ void loadTranslator(QTranslator *translator, const QString &pattern, const QStri
     Q_UNUSED(loaded)
 }
 
+/// Months and days have names of the language; the week begins as it does in the user's country.
+QLocale localeFor(const QString &code)
+{
+    const QLocale::Language language = QLocale(code).language();
+    const QLocale system = QLocale::system();
+    // A system that has no language at all speaks English.
+    const bool isPlain = system.language() == QLocale::C && language == QLocale::English;
+    return isPlain ? QLocale::c() : QLocale(language, system.country());
+}
+
 } // namespace
 
 void loadLanguage(const QString &language)
@@ -44,6 +55,7 @@ void loadLanguage(const QString &language)
     if (code == loadedCode)
         return;
     qDebug() << "Loading language:" << code;
+    QLocale::setDefault(localeFor(code));
     for (Catalogue &catalogue : catalogues) {
         if (!catalogue.translator)
             catalogue.translator = new QTranslator;

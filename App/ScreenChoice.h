@@ -17,5 +17,9 @@ int screenOf(const QRect &window, const QList<QRect> &screens);
 /// single screen has none to choose.
 int freeScreen(const QList<QRect> &windows, const QList<QRect> &screens);
 
+/// Where a window opens that another one, at `source`, asked for: a little right and down of it.
+/// Beside one that fills its screen only what is left of the screen's free area is taken.
+QRect cascaded(const QRect &source, bool fillsScreen, const QRect &freeArea);
+
 } // namespace App
 } // namespace ZorvaneClient

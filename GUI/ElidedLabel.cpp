@@ -11,6 +11,7 @@
 #include <algorithm>
 
 #include "GUI/Colours.h"
+#include "GUI/IconButton.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -75,10 +76,7 @@ bool ElidedLabel::fits() const
 bool ElidedLabel::event(QEvent *event)
 {
     if (event->type() == QEvent::ToolTip && !fits()) {
-        // As rich text a name would be read for tags, so it goes in escaped.
-        const auto *help = static_cast<QHelpEvent *>(event);
-        QToolTip::showText(help->globalPos(),
-                           QStringLiteral("<p>%1</p>").arg(text().toHtmlEscaped()), this);
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), nameTip(text()), this);
         return true;
     }
     return QLabel::event(event);

@@ -51,6 +51,8 @@ public slots:
     /// Shows the spinner, unless there is a picture.
     void startAnimation();
     void stopAnimation();
+    /// Marks what is open in the card's window.
+    void setOpen(bool isOpen);
 
 signals:
     void clicked();

@@ -86,6 +86,7 @@ struct TimelinePrivate {
     bool canExport() const;
     /// Some camera has a shared archive with records on the day of the cursor.
     bool hasVisibleRecords() const;
+    bool hasRecordsOn(QDate day) const;
     Playlist playlistForCameras(const QDateTime &position);
     /// The first moment at or after `position` at which some camera has a record of `day`; one
     /// day after `position` if there is none.
