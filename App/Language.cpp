@@ -3,7 +3,6 @@
 
 #include <QCoreApplication>
 #include <QDebug>
-#include <QLocale>
 #include <QTranslator>
 
 #include <array>
@@ -15,8 +14,7 @@ namespace {
 
 constexpr int languageCodeLength = 2;
 
-struct Catalogue
-{
+struct Catalogue {
     const char *pattern;
     QTranslator *translator;
 };
@@ -29,17 +27,15 @@ void loadTranslator(QTranslator *translator, const QString &pattern, const QStri
     Q_UNUSED(loaded)
 }
 
-/// Months and days have names of the language; the week begins as it does in the user's country.
-QLocale localeFor(const QString &code)
+} // namespace
+
+QLocale localeFor(const QString &code, const QLocale &system)
 {
     const QLocale::Language language = QLocale(code).language();
-    const QLocale system = QLocale::system();
-    // A system that has no language at all speaks English.
+    // A system without a language of its own speaks English.
     const bool isPlain = system.language() == QLocale::C && language == QLocale::English;
-    return isPlain ? QLocale::c() : QLocale(language, system.country());
+    return isPlain ? system : QLocale(language, system.country());
 }
-
-} // namespace
 
 void loadLanguage(const QString &language)
 {
@@ -55,7 +51,7 @@ void loadLanguage(const QString &language)
     if (code == loadedCode)
         return;
     qDebug() << "Loading language:" << code;
-    QLocale::setDefault(localeFor(code));
+    QLocale::setDefault(localeFor(code, QLocale::system()));
     for (Catalogue &catalogue : catalogues) {
         if (!catalogue.translator)
             catalogue.translator = new QTranslator;

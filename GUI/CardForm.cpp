@@ -54,6 +54,7 @@ CardForm::CardForm(QFrame *card, int cardKind) : ui(new Ui::Preview), openMark(n
     openMark->setObjectName(QStringLiteral("openMark"));
     openMark->setAttribute(Qt::WA_TransparentForMouseEvents);
     openMark->setGeometry(0, 0, openMarkPixels, card->height());
+    openMark->raise();
     openMark->setVisible(false);
     nameIconButton(ui->previewMenu, SharedTexts::options());
     if (!isSeen)

@@ -93,7 +93,6 @@ bool VideoWidget::isPaused() const
 void VideoWidget::setCameraName(QString name)
 {
     ui->cameraName->setText(name);
-    ui->cameraName->setToolTip(QString());
 }
 
 void VideoWidget::setActive(bool isActive)

@@ -6,6 +6,7 @@
 #include "API/Layout.h"
 #include "API/Server.h"
 #include "App/Application.h"
+#include "App/Language.h"
 #include "App/ScreenChoice.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
@@ -110,6 +111,29 @@ private slots:
         QCOMPARE(chosen, "ru_RU"_s);
     }
 
+    void namesOfMonthsAndTheWeek_data()
+    {
+        rows<QString, QString, QString>({"code", "system", "locale"},
+                                        {{"Russian anywhere", "ru", "de_AT", "ru_RU"},
+                                         {"Russian abroad", "ru", "ru_UA", "ru_UA"},
+                                         {"English abroad", "en", "de_AT", "en_AT"},
+                                         {"English at home", "en", "en_GB", "en_GB"},
+                                         {"no system's language", "en", "C", "C"},
+                                         {"Russian in spite of it", "ru", "C", "ru_RU"}});
+    }
+
+    void namesOfMonthsAndTheWeek()
+    {
+        const auto [code, system, locale] = row<QString, QString, QString>();
+        QCOMPARE(App::localeFor(code, QLocale(system)), QLocale(locale));
+        application()->translate(code);
+        const auto *strip = openWindow()->findChild<QDateEdit *>("dateEdit"_s);
+        const QString month = strip->text().section(' ', 0, 0);
+        application()->translate("en"_s);
+        App::settings().setValue("common/language"_s, QVariant());
+        QCOMPARE(month, QLocale(code).monthName(strip->date().month(), QLocale::ShortFormat));
+    }
+
     void firstWindowTakesTheStoredGeometry()
     {
         MainWindow *window = openWindow();
@@ -142,6 +166,22 @@ private slots:
         for (const MainWindow *other : visibleTopLevels<MainWindow>())
             QCOMPARE(other->geometry(),
                      QRect(other == window ? 40 : 70, other == window ? 50 : 80, 960, 540));
+        // Of one that fills its screen nothing goes beyond it.
+        window->showMaximized();
+        QTRY_VERIFY(window->x() < 10);
+        const QRect screen = window->screen()->availableGeometry();
+        const QList<MainWindow *> before = visibleTopLevels<MainWindow>();
+        emit window->clone();
+        QCOMPARE(visibleTopLevels<MainWindow>().size(), 3);
+        for (MainWindow *third : visibleTopLevels<MainWindow>()) {
+            if (before.contains(third))
+                continue;
+            const QPoint corner = window->geometry().topLeft() + QPoint(30, 30);
+            QCOMPARE(third->geometry().topLeft(), corner);
+            QCOMPARE(third->geometry().bottom(), screen.bottom());
+        }
+        QCOMPARE(App::cascaded(QRect(0, 20, 1900, 1000), true, QRect(0, 20, 1900, 1060)),
+                 QRect(30, 50, 1870, 1000));
     }
 
     void furtherWindowTakesTheFreeScreen()

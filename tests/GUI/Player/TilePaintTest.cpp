@@ -214,8 +214,10 @@ private slots:
         const QLabel &label = *tile.findChild<QLabel *>("cameraName"_s);
         QCOMPARE(label.text(), label.fontMetrics().elidedText(name, Qt::ElideRight, 80));
         QVERIFY(label.text() != name);
+        QVERIFY(label.toolTip().contains(name));
         tile.resize(2000, 1000);
         QCOMPARE(label.text(), name);
+        QCOMPARE(label.toolTip(), QString());
         tile.setCameraName("Back door"_s);
         QCOMPARE(label.text(), "Back door"_s);
     }
