@@ -46,7 +46,8 @@ QPixmap scaledImage(const QPixmap &image, int kind, const QSize &size)
 
 } // namespace
 
-CardForm::CardForm(QFrame *card, int cardKind) : ui(new Ui::Preview), openMark(new QFrame(card)), kind(cardKind)
+CardForm::CardForm(QFrame *card, int cardKind)
+    : ui(new Ui::Preview), openMark(new QFrame(card)), kind(cardKind)
 {
     const bool isSeen = card->isVisible();
     ui->setupUi(card);

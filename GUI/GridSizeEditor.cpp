@@ -19,6 +19,8 @@ constexpr int cellStepX = 14;
 constexpr int cellStepY = 12;
 constexpr qreal cellWidth = 12;
 constexpr qreal cellHeight = 10;
+/// A tool tip stands lower than it is told, clear of a pointer.
+constexpr int tipRisePixels = 12;
 constexpr qreal popupRadius = 4.0;
 constexpr qreal cellRadius = 2.0;
 
@@ -93,7 +95,8 @@ void GridSizeEditor::mouseMoveEvent(QMouseEvent *event)
     hovered = under;
     update();
     // Below the matrix, which has no room for words.
-    QToolTip::showText(mapToGlobal(rect().bottomLeft()), sizeText(hovered), this);
+    const QPoint below = rect().bottomLeft() - QPoint(0, tipRisePixels);
+    QToolTip::showText(mapToGlobal(below), sizeText(hovered), this);
 }
 
 void GridSizeEditor::mousePressEvent(QMouseEvent *)

@@ -122,8 +122,8 @@ void VideoWidget::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
     const QString name = d->camera->name();
-    const QString shown = ui->cameraName->fontMetrics().elidedText(name, Qt::ElideRight,
-                                                                   nameWidth(width()));
+    const QString shown =
+        ui->cameraName->fontMetrics().elidedText(name, Qt::ElideRight, nameWidth(width()));
     ui->cameraName->setText(shown);
     ui->cameraName->setToolTip(shown == name ? QString() : nameTip(name));
 }

@@ -322,6 +322,7 @@ private slots:
             {"no message", [this] { timeline->hideText(); }}};
         for (const auto &[name, change] : changes) {
             QTRY_COMPARE(onScreen(*timeline), picture(*timeline));
+            QCoreApplication::processEvents(); // no paint is on its way any more
             const QImage before = onScreen(*timeline);
             change();
             QTRY_VERIFY2(onScreen(*timeline) != before, name);
