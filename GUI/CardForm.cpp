@@ -53,7 +53,6 @@ CardForm::CardForm(QFrame *card, int cardKind)
     ui->setupUi(card);
     ui->spinnerWidget->setColor(Colours::accent());
     openMark->setObjectName(QStringLiteral("openMark"));
-    openMark->setAttribute(Qt::WA_TransparentForMouseEvents);
     openMark->setGeometry(0, 0, openMarkPixels, card->height());
     openMark->raise();
     openMark->setVisible(false);

@@ -167,18 +167,20 @@ private slots:
             QCOMPARE(other->geometry(),
                      QRect(other == window ? 40 : 70, other == window ? 50 : 80, 960, 540));
         // Of one that fills its screen nothing goes beyond it.
-        window->showMaximized();
-        QTRY_VERIFY(window->x() < 10);
-        const QRect screen = window->screen()->availableGeometry();
-        const QList<MainWindow *> before = visibleTopLevels<MainWindow>();
-        emit window->clone();
-        QCOMPARE(visibleTopLevels<MainWindow>().size(), 3);
-        for (MainWindow *third : visibleTopLevels<MainWindow>()) {
-            if (before.contains(third))
-                continue;
+        for (const Qt::WindowState state : {Qt::WindowMaximized, Qt::WindowFullScreen}) {
+            window->setWindowState(state);
+            QTRY_VERIFY(window->x() < 10);
+            const QList<MainWindow *> before = visibleTopLevels<MainWindow>();
             const QPoint corner = window->geometry().topLeft() + QPoint(30, 30);
-            QCOMPARE(third->geometry().topLeft(), corner);
-            QCOMPARE(third->geometry().bottom(), screen.bottom());
+            emit window->clone();
+            QCOMPARE(visibleTopLevels<MainWindow>().size(), before.size() + 1);
+            for (MainWindow *next : visibleTopLevels<MainWindow>()) {
+                if (before.contains(next))
+                    continue;
+                const QRect place = next->geometry();
+                QCOMPARE(place.topLeft(), corner);
+                QCOMPARE(place.bottom(), window->screen()->availableGeometry().bottom());
+            }
         }
         QCOMPARE(App::cascaded(QRect(0, 20, 1900, 1000), true, QRect(0, 20, 1900, 1060)),
                  QRect(30, 50, 1870, 1000));

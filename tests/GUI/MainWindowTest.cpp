@@ -131,7 +131,7 @@ private slots:
                 const auto *name = card->findChild<QLabel *>("cameraName"_s);
                 const QColor edge = const_cast<Preview *>(card)->grab().toImage().pixelColor(2, 70);
                 if (edge == QColor(62, 183, 253))
-                    names.append(name->text());
+                    names.append(name->text().section(" (offline"_s, 0, 0));
             }
             names.sort();
             return (QStringList{words} + names).join(' ');

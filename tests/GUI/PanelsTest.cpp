@@ -140,6 +140,9 @@ private slots:
         panel->setTitle(name);
         QCOMPARE(edit->cursorPosition(), 0);
         QVERIFY(endsInDots());
+        edit->setStyleSheet("background: rgb(200, 0, 0);"_s);
+        QCOMPARE(edit->grab().toImage().pixelColor(1, 15), QColor(200, 0, 0));
+        edit->setStyleSheet(QString());
         QCOMPARE(tip(), "<span>%1</span>"_s.arg(name.toHtmlEscaped()));
         QToolTip::hideText();
         QTRY_VERIFY(!QToolTip::isVisible());
