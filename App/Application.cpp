@@ -27,8 +27,6 @@ namespace App {
 
 namespace {
 
-constexpr int cascadeOffsetPixels = 30;
-
 void addFonts()
 {
     const char *const files[] = {"PTS55F", "PTS56F", "PTS75F", "PTS76F",
@@ -184,8 +182,9 @@ void Application::placeMainWindow(GUI::MainWindow *mainWindow)
         if (!geometry.isEmpty())
             mainWindow->restoreGeometry(geometry);
     } else if (const auto *source = qobject_cast<GUI::MainWindow *>(sender())) {
-        mainWindow->setGeometry(
-            source->geometry().translated(cascadeOffsetPixels, cascadeOffsetPixels));
+        mainWindow->setGeometry(cascaded(source->geometry(),
+                                         source->isMaximized() || source->isFullScreen(),
+                                         source->screen()->availableGeometry()));
     }
 
     QList<QRect> windows;

@@ -53,6 +53,8 @@ public:
 private:
     enum class State { None, Marking, Exporting };
 
+    bool isWriting() const;
+
     Panels panels;
     State state = State::None;
     QPointer<Player::VideoWidget> tile;

@@ -3,6 +3,7 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QToolTip>
 
 #include "GUI/Colours.h"
 
@@ -18,10 +19,20 @@ constexpr int cellStepX = 14;
 constexpr int cellStepY = 12;
 constexpr qreal cellWidth = 12;
 constexpr qreal cellHeight = 10;
+/// A tool tip stands lower than it is told, clear of a pointer.
+constexpr int tipRisePixels = 12;
 constexpr qreal popupRadius = 4.0;
 constexpr qreal cellRadius = 2.0;
 
 const QColor currentColour(129, 134, 144);
+
+/// Columns first, as screens are measured; empty for no size.
+QString sizeText(const GridSize &size)
+{
+    if (size.rows <= 0 || size.columns <= 0)
+        return QString();
+    return QStringLiteral("%1 × %2").arg(size.columns).arg(size.rows);
+}
 
 } // namespace
 
@@ -82,6 +93,9 @@ void GridSizeEditor::mouseMoveEvent(QMouseEvent *event)
         return;
     hovered = under;
     update();
+    // Below the matrix, which has no room for words.
+    const QPoint below = rect().bottomLeft() - QPoint(0, tipRisePixels);
+    QToolTip::showText(mapToGlobal(below), sizeText(hovered), this);
 }
 
 void GridSizeEditor::mousePressEvent(QMouseEvent *)

@@ -72,6 +72,14 @@ void LayoutListWidget::updateLayouts(API::LayoutsContainer layouts)
     }
     arrangeCards(layouts);
     search(searchText);
+    markOpen(openId);
+}
+
+void LayoutListWidget::markOpen(const QString &layoutId)
+{
+    openId = layoutId;
+    for (auto entry = cards.cbegin(); entry != cards.cend(); ++entry)
+        entry.value()->setOpen(entry.key()->id() == openId);
 }
 
 void LayoutListWidget::removeStaleCards(const API::LayoutsContainer &layouts)

@@ -36,6 +36,8 @@ public:
 
     /// True if `layout`, the object itself, has a card.
     bool hasLayout(const API::LayoutPtr &layout) const;
+    /// Marks the card of the layout with this identifier and no other, one that comes later too.
+    void markOpen(const QString &layoutId);
 
 public slots:
     void updateLayouts();
@@ -65,6 +67,7 @@ private:
     QVBoxLayout *cardsLayout = nullptr;
     API::CloudAPIClient *client = nullptr;
     QString searchText;
+    QString openId;
 };
 
 } // namespace GUI

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/MainWindow.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QVBoxLayout>
@@ -72,6 +73,14 @@ void MainWindow::arrange()
     row->addWidget(toolBar);
     row->addWidget(sideBar);
     row->addLayout(centre, 1);
+}
+
+void MainWindow::showTitle(const QString &name)
+{
+    const QString program = QCoreApplication::applicationName();
+    // Single ones are taken for the place of a mark.
+    QString title = name.simplified().replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
+    setWindowTitle(title.isEmpty() ? program : QStringLiteral("%1 — %2").arg(title, program));
 }
 
 int MainWindow::playerCount() const

@@ -124,6 +124,10 @@ private:
     /// as they are.
     bool settleEdits();
     void addCamerasToCalendar();
+    /// The window's title: what is open, and the program.
+    void showTitle(const QString &name);
+    /// Marks the cards of the cameras and of the layout that are open in this window.
+    void markWhatIsOpen();
     bool layoutListHolds(const API::LayoutPtr &layout) const;
     /// Cameras of the open layout, in the order of its cells.
     QList<API::CameraPtr> layoutCameras() const;

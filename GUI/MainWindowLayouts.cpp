@@ -4,6 +4,8 @@
 
 #include <QDebug>
 
+#include <set>
+
 #include "API/Camera.h"
 #include "API/Layout.h"
 #include "API/Server.h"
@@ -190,6 +192,18 @@ void MainWindow::layoutModified()
     exportFlow.showControls();
     const API::LayoutPtr layout = layoutWidget->workingLayout();
     sideBar->rosterWidget()->setAddToLayoutEnabled(layout && layout->freeCellCount() != 0);
+    markWhatIsOpen();
+}
+
+void MainWindow::markWhatIsOpen()
+{
+    std::set<API::camera_global_id_t> cameras;
+    const QList<API::CameraPtr> shown = layoutCameras();
+    for (const API::CameraPtr &camera : shown)
+        cameras.insert(camera->globalId());
+    sideBar->rosterWidget()->markOpen(cameras);
+    const API::LayoutPtr layout = layoutWidget->workingLayout();
+    sideBar->layoutListWidget()->markOpen(layout ? layout->id() : QString());
 }
 
 void MainWindow::saveLayout()

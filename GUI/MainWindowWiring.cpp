@@ -54,6 +54,7 @@ void MainWindow::connectInfoPanel()
     connect(infoPanel, &InfoPanel::layoutSizeChanged, this, &MainWindow::resizeLayout);
     connect(infoPanel, &InfoPanel::cloneWindowClicked, this, &MainWindow::clone);
     connect(infoPanel, &InfoPanel::closeLayout, this, &MainWindow::closeCurrentView);
+    connect(infoPanel, &InfoPanel::shownNameChanged, this, &MainWindow::showTitle);
 }
 
 void MainWindow::connectControlPanel()

@@ -130,6 +130,14 @@ void Preview::stopAnimation()
     showLook();
 }
 
+void Preview::setOpen(bool isOpen)
+{
+    if (look.isOpen == isOpen)
+        return;
+    look.isOpen = isOpen;
+    showLook();
+}
+
 QMimeData *Preview::createMimeData()
 {
     return nullptr;

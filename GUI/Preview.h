@@ -52,6 +52,8 @@ public slots:
     void startAnimation();
     /// Part of the contract; nothing calls it.
     void stopAnimation();
+    /// Marks what is open in the card's window.
+    void setOpen(bool isOpen);
 
 signals:
     void clicked();

@@ -80,6 +80,11 @@ QList<CameraWidget *> ServerWidget::cameraWidgets() const
     return cards.values();
 }
 
+CameraWidget *ServerWidget::cardOf(API::camera_id_t camera) const
+{
+    return cards.value(camera, nullptr);
+}
+
 QList<CameraWidget *> ServerWidget::cardsWithin(const QRect &area) const
 {
     QList<CameraWidget *> found;

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/Timeline.h"
 
+#include <QHelpEvent>
 #include <QPainter>
+#include <QToolTip>
 #include <QVariantAnimation>
 
 #include <chrono>
@@ -111,6 +113,18 @@ void Timeline::redrawRecords()
 {
     d->dirty = true;
     update();
+}
+
+bool Timeline::event(QEvent *event)
+{
+    // The message is not painted while the cursor's day has records. On the empty strip of another
+    // day it can at least be asked for.
+    if (event->type() == QEvent::ToolTip && d->textVisible && d->hasVisibleRecords() &&
+        !d->hasRecordsOn(d->date)) {
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), d->text, this);
+        return true;
+    }
+    return QWidget::event(event);
 }
 
 void Timeline::paintEvent(QPaintEvent *)

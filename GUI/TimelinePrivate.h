@@ -87,6 +87,7 @@ struct TimelinePrivate {
     bool canExport() const;
     /// Some camera has a shared archive with records on the day of the cursor.
     bool hasVisibleRecords() const;
+    bool hasRecordsOn(QDate day) const;
 
     // TimelinePlaylist.cpp
     Playlist playlistForCameras(const QDateTime &position);

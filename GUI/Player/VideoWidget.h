@@ -151,6 +151,10 @@ private:
 
     // VideoWidgetExport.cpp
     void setUpExport();
+    /// Nothing else watches the child of an export: one that is over without its file is found
+    /// at the next tick.
+    void noticeEndOfExport();
+    void logFailedExport();
 
     // VideoWidgetPicture.cpp
     void setUpBars();

@@ -8,6 +8,7 @@
 #include "API/Camera.h"
 #include "App/Application.h"
 #include "GUI/Colours.h"
+#include "GUI/IconButton.h"
 #include "GUI/Player/DoubleClickFilter.h"
 #include "GUI/Player/TilePainter.h"
 #include "GUI/Player/VideoWidget.h"
@@ -119,8 +120,11 @@ void VideoWidget::setUpBars()
 void VideoWidget::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    ui->cameraName->setText(ui->cameraName->fontMetrics().elidedText(
-        d->camera->name(), Qt::ElideRight, nameWidth(width())));
+    const QString name = d->camera->name();
+    const QString shown =
+        ui->cameraName->fontMetrics().elidedText(name, Qt::ElideRight, nameWidth(width()));
+    ui->cameraName->setText(shown);
+    ui->cameraName->setToolTip(shown == name ? QString() : nameTip(name));
 }
 
 void VideoWidget::enterEvent(EnterEvent *)

@@ -57,7 +57,8 @@ public:
 
     // VideoWidgetExport.cpp
     QSharedPointer<QProcess> exportProcess;
-    QString exportPath; ///< target of the export that was asked for last
+    QString exportPath;        ///< target of the export that was asked for last
+    bool exportIsOpen = false; ///< one was asked for, and has neither been done nor been given up
 
     // VideoWidgetPicture.cpp
     bool hasPicture = false;

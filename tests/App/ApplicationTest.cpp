@@ -6,6 +6,7 @@
 #include "API/Layout.h"
 #include "API/Server.h"
 #include "App/Application.h"
+#include "App/Language.h"
 #include "App/ScreenChoice.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
@@ -110,6 +111,29 @@ private slots:
         QCOMPARE(chosen, "ru_RU"_s);
     }
 
+    void namesOfMonthsAndTheWeek_data()
+    {
+        rows<QString, QString, QString>({"code", "system", "locale"},
+                                        {{"Russian anywhere", "ru", "de_AT", "ru_RU"},
+                                         {"Russian abroad", "ru", "ru_UA", "ru_UA"},
+                                         {"English abroad", "en", "de_AT", "en_AT"},
+                                         {"English at home", "en", "en_GB", "en_GB"},
+                                         {"no system's language", "en", "C", "C"},
+                                         {"Russian in spite of it", "ru", "C", "ru_RU"}});
+    }
+
+    void namesOfMonthsAndTheWeek()
+    {
+        const auto [code, system, locale] = row<QString, QString, QString>();
+        QCOMPARE(App::localeFor(code, QLocale(system)), QLocale(locale));
+        application()->translate(code);
+        const auto *strip = openWindow()->findChild<QDateEdit *>("dateEdit"_s);
+        const QString month = strip->text().section(' ', 0, 0);
+        application()->translate("en"_s);
+        App::settings().setValue("common/language"_s, QVariant());
+        QCOMPARE(month, QLocale(code).monthName(strip->date().month(), QLocale::ShortFormat));
+    }
+
     void firstWindowTakesTheStoredGeometry()
     {
         MainWindow *window = openWindow();
@@ -142,6 +166,24 @@ private slots:
         for (const MainWindow *other : visibleTopLevels<MainWindow>())
             QCOMPARE(other->geometry(),
                      QRect(other == window ? 40 : 70, other == window ? 50 : 80, 960, 540));
+        // Of one that fills its screen nothing goes beyond it.
+        for (const Qt::WindowState state : {Qt::WindowMaximized, Qt::WindowFullScreen}) {
+            window->setWindowState(state);
+            QTRY_VERIFY(window->x() < 10);
+            const QList<MainWindow *> before = visibleTopLevels<MainWindow>();
+            const QPoint corner = window->geometry().topLeft() + QPoint(30, 30);
+            emit window->clone();
+            QCOMPARE(visibleTopLevels<MainWindow>().size(), before.size() + 1);
+            for (MainWindow *next : visibleTopLevels<MainWindow>()) {
+                if (before.contains(next))
+                    continue;
+                const QRect place = next->geometry();
+                QCOMPARE(place.topLeft(), corner);
+                QCOMPARE(place.bottom(), window->screen()->availableGeometry().bottom());
+            }
+        }
+        QCOMPARE(App::cascaded(QRect(0, 20, 1900, 1000), true, QRect(0, 20, 1900, 1060)),
+                 QRect(30, 50, 1870, 1000));
     }
 
     void furtherWindowTakesTheFreeScreen()

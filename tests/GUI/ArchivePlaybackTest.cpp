@@ -242,7 +242,7 @@ private slots:
     {
         // Steps are buttons and words of the player; ">2" makes a camera active, "+2" adds a tile
         // of it, "-2" closes the second oldest tile of the grid; "size" resizes it, "again" opens
-        // it as it is and "new" an empty one.
+        // it as it is and "new" an empty one. "dead" is a player that ends without a word.
         const QString over = "controlPage exportButtonPage "_s;
         const QString empty = "emptyPage exportButtonPage "_s;
         const QString marking = "exportPage exportButtonPage selectFragmentPage"_s;
@@ -261,7 +261,8 @@ private slots:
              {"older tile of the camera closed", "+1 exportMode export -1", running, ""},
              {"newer tile of the camera closed", "+1 exportMode export -1 -2", over, ""},
              {"pressed twice", "exportMode export >2 export", running, ""},
-             {"the same layout", "exportMode export again", running, ""}});
+             {"the same layout", "exportMode export again", running, ""},
+             {"dead, the same layout", "exportMode export dead again", over, ""}});
     }
 
     /// What the panels show of an export, which Cancel ends in any case.
@@ -289,6 +290,8 @@ private slots:
             }
             if (step == last && (last == "done" || last == "error"))
                 child->tell("last word");
+            else if (step == "dead")
+                QTRY_VERIFY((child->tell("last word"), !tile(0)->isExporting()));
             else if (step == "size")
                 grid()->resizeLayout(2, 2);
             else if (step == "again")

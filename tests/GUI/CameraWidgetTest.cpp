@@ -210,6 +210,28 @@ private slots:
         QCOMPARE(clicked.count(), clicks);
     }
 
+    void aNameBeginsOnTheSideOfItsScript()
+    {
+        for (const QString &name : {"Gate"_s, "שער"_s}) {
+            CameraWidget card(makeCamera(true, name));
+            auto *label = card.findChild<QLabel *>("cameraName");
+            const QImage shown = label->grab().toImage().convertToFormat(QImage::Format_RGB32);
+            const QImage left = shown.copy(0, 0, shown.width() / 2, shown.height());
+            QImage blank(left.size(), left.format());
+            blank.fill(Qt::white);
+            QCOMPARE(left != blank, name == "Gate"_s);
+        }
+    }
+
+    void aMenuTakesThePlaceOfTheOneBefore()
+    {
+        Preview card(Preview::KindCamera);
+        for (int i = 0; i < 2; ++i)
+            card.setMenu(new QMenu(&card));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(card.findChildren<QMenu *>().size(), 1);
+    }
+
     /// What is cut away is marked in the ellipsis, which has the room of a letter.
     void aPartThatIsFoundIsMarkedInAShortenedName_data()
     {

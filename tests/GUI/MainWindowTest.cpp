@@ -10,6 +10,7 @@
 #include "GUI/LayoutCard.h"
 #include "GUI/LayoutListWidget.h"
 #include "GUI/RosterWidget.h"
+#include "GUI/Timeline.h"
 #include "tests/GUI/GridWorld.h"
 #include "tests/support/ScriptedChild.h"
 #include "tests/support/ScriptedService.h"
@@ -67,8 +68,7 @@ private slots:
         qRegisterMetaType<API::LayoutPtr>("API::LayoutPtr");
         QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::CacheLocation));
         useServiceAt(MisbehavingServer::deadPort());
-        addServerToRoster("s"_s, {"a", "b", "c"});
-        addServerToRoster("online"_s, {"x"}, true);
+        fillRoster();
     }
 
     void cleanup()
@@ -105,12 +105,62 @@ private slots:
 
         const QPointer<QProcess> process = tile->findChild<QProcess *>();
         QCOMPARE(process->state(), QProcess::Running);
+        window.showArchivePanels();
         emit tile->closed(tile);
         QVERIFY2(tile, "the tile went in the middle of its own signal");
         // Before the event loop turns: a layout that follows has its own players to start.
         QCOMPARE(process->state(), QProcess::NotRunning);
         QCOMPARE(shownBy(window), "empty ."_s);
+        QVERIFY2(window.findChild<Timeline *>()->isHidden(), "the next view is not live");
         QTRY_VERIFY(!tile);
+    }
+
+    void theWindowSaysWhatIsOpen()
+    {
+        MainWindow window;
+        MainWindow other;
+        window.show();
+        window.findChild<RosterWidget *>()->updateRoster();
+        // The title, and the names on the cards with an accent along the edge.
+        const auto shown = [](const MainWindow &which) {
+            QString words = which.windowHandle() ? which.windowHandle()->title() : QString();
+            words.replace(QCoreApplication::applicationName(), "program"_s);
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            QStringList names;
+            for (const auto *card : which.findChildren<Preview *>()) {
+                const auto *name = card->findChild<QLabel *>("cameraName"_s);
+                const QColor edge = const_cast<Preview *>(card)->grab().toImage().pixelColor(2, 70);
+                if (edge == QColor(62, 183, 253))
+                    names.append(name->text().section(" (offline"_s, 0, 0));
+            }
+            names.sort();
+            return (QStringList{words} + names).join(' ');
+        };
+        QCOMPARE(shown(window), "program"_s);
+        const API::LayoutPtr layout = layoutOf("a . | b ."_s);
+        layout->setName("Gate\n[*]"_s);
+        window.openLayout(layout);
+        QCOMPARE(shown(window), "Gate [*] — program a b"_s);
+        // Cards that come later know it too.
+        API::CloudAPIClient().clearRoster();
+        window.findChild<RosterWidget *>()->updateRoster();
+        fillRoster();
+        for (MainWindow *each : {&window, &other}) {
+            each->findChild<RosterWidget *>()->updateRoster();
+            each->findChild<LayoutListWidget *>()->updateLayouts({{layout->id(), layout}});
+        }
+        QCOMPARE(shown(window), "Gate [*] — program Gate\n[*] a b"_s);
+        QCOMPARE(shown(other), QString());
+        window.addToLayout(cameraNamed("c"_s));
+        auto *tile = gridOf(window)->player(layout->cellAt(1, 0).camera);
+        emit tile->closed(tile);
+        window.findChild<QLineEdit *>("layoutNameEdit"_s)->setText("Yard"_s);
+        QCOMPARE(shown(window), "Yard — program Gate\n[*] a c"_s);
+        window.findChild<InfoPanel *>()->enterViewMode(); // nobody is here to be asked
+        window.openCamera(cameraNamed("b"_s));
+        QCOMPARE(shown(window), "b — program b"_s);
+        window.findChild<QAction *>("actionClose"_s)->trigger();
+        QCOMPARE(shown(window), "program"_s);
     }
 
     void menusOfTheRoster()
@@ -303,6 +353,12 @@ private slots:
         click(window, "fullscreenButton"_s);
         click(window, "fullscreenButton"_s);
         QCOMPARE(shown(), "InfoPanel showPBtn"_s);
+        // The button follows what others switch.
+        const auto *button = window.findChild<QPushButton *>("fullscreenButton"_s);
+        for (const bool isOn : {true, false}) {
+            window.onFullscreen();
+            QCOMPARE(button->isChecked(), isOn);
+        }
     }
 
     void theWindowIsRemembered()
@@ -348,6 +404,13 @@ private slots:
         file.write(R"({"last_update": 2000000000, "layouts": [{"name": "Night", "id": "n"}]})");
         file.close();
         QTRY_COMPARE_WITH_TIMEOUT(shownNames(list), QStringList{"Night"}, 20000);
+    }
+
+private:
+    static void fillRoster()
+    {
+        addServerToRoster("s"_s, {"a", "b", "c"});
+        addServerToRoster("online"_s, {"x"}, true);
     }
 };
 

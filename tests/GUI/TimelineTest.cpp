@@ -322,11 +322,38 @@ private slots:
             {"no message", [this] { timeline->hideText(); }}};
         for (const auto &[name, change] : changes) {
             QTRY_COMPARE(onScreen(*timeline), picture(*timeline));
+            QCoreApplication::processEvents(); // no paint is on its way any more
             const QImage before = onScreen(*timeline);
             change();
             QTRY_VERIFY2(onScreen(*timeline) != before, name);
             QTRY_COMPARE(onScreen(*timeline), picture(*timeline));
         }
+    }
+
+    void theEmptyStripOfAnotherDayTellsWhy()
+    {
+        const auto tip = [this] {
+            QHelpEvent ask(QEvent::ToolTip, QPoint(300, 30),
+                           timeline->mapToGlobal(QPoint(300, 30)));
+            QCoreApplication::sendEvent(timeline.data(), &ask);
+            return QToolTip::isVisible() ? QToolTip::text() : QString();
+        };
+        const API::CameraPtr camera = putCamera(*timeline, world, 1, recordsOf("10:00 to 11:00"));
+        QVERIFY(camera);
+        timeline->showText("busy"_s);
+        QCOMPARE(tip(), QString()); // there are bars
+        QSignalSpy received(camera.data(), &API::Camera::recordsChanged);
+        timeline->changeDate(stripDay.addDays(1));
+        QVERIFY(received.wait());
+        QCOMPARE(tip(), "No records"_s);
+        timeline->hideText();
+        QToolTip::hideText();
+        QTRY_VERIFY(!QToolTip::isVisible());
+        QCOMPARE(tip(), QString());
+        // Where it is painted it is not told twice.
+        timeline->showText("No records"_s);
+        timeline->setCurrentValue(at("+1 12:00"));
+        QCOMPARE(tip(), QString());
     }
 
     void activeCameraAndExport()

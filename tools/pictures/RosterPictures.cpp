@@ -91,6 +91,7 @@ void takeLayouts(Studio &studio)
     studio.take("layouts-search", "A search in the layouts", sidePlace());
     searchField()->clear();
     studio.open(wide);
+    studio.take("layout-open", "The open layout is marked", sidePlace());
     auto *panel = mainWindow()->findChild<GUI::InfoPanel *>();
     studio.takeMenu("view-menu", "The menu of the open view",
                     panel->findChild<QPushButton *>(QStringLiteral("settingsButton")),

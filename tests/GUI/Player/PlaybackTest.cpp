@@ -299,9 +299,52 @@ private slots:
         QTRY_COMPARE(*told, QStringList({"started", "9", "error " + film, "done " + film}));
         QCOMPARE(log.linesOf("Bad VLC input \"export-percent\""_s).size(), 1);
         QCOMPARE(tile.starts().size(), 1);
+        QTRY_VERIFY(!tile.isExporting());
+        tick(tile);
+        QCOMPARE(log.linesOf("Cannot export"_s), QStringList());
         // The next one can begin when that one has died.
         QTRY_VERIFY((tile.exportFragment(noon, noon.addSecs(300)),
                      QCoreApplication::processEvents(), told->size() > 4));
+    }
+
+    void failedExports_data()
+    {
+        // The last line names the stream.
+        const QString reason =
+            "complain 1 vlc-stream: no sound\\nvlc-stream: can't make x\\nhttp://abc/?key=pass\\n|"_s;
+        rows<QString, QString, QString>(
+            {"script", "told", "logged"},
+            {{"a word", reason + "print export-error\\n|exit 1", "error " + film, "can't make x"},
+             {"no word", reason + "exit 1", "", "can't make x"},
+             {"no reason", "exit 3", "", "ended with exit code 3"},
+             {"killed", "die", "", "was killed"},
+             {"not started", "", "error " + film, "No such file"}});
+    }
+
+    void failedExports()
+    {
+        const auto [script, told, logged] = row<QString, QString, QString>();
+        ScriptedTile tile(script, camera());
+        if (script.isEmpty())
+            App::Environment::setPlayerProgram("/nowhere"_s);
+        const auto words = exportWords(tile);
+        const LogCapture log;
+        const auto lines = [&log] { return log.linesOf("Cannot export \"%1\" : "_s.arg(film)); };
+        tile.exportFragment(noon, noon.addSecs(300));
+        QTRY_VERIFY((tick(tile), !lines().isEmpty()));
+        QVERIFY2(lines().first().contains(logged), qPrintable(lines().first()));
+        tick(tile);
+        QCOMPARE(lines().size(), 1);
+        QCOMPARE(log.lines().filter("pass"_s), QStringList());
+        QCOMPARE(words->join(' '), told);
+        // Another one takes the place of one that no tick has found yet, or ends with the tile.
+        for (const bool again : {true, false}) {
+            tile.exportFragment(noon, noon.addSecs(300));
+            QTRY_VERIFY(!tile.isExporting());
+            again ? tile.exportFragment(noon, noon.addSecs(300)) : tile.cancelExport();
+        }
+        QCOMPARE(lines().size(), 3);
+        QVERIFY(QFileInfo(films).isDir());
     }
 
     void endsOfExports()
@@ -313,6 +356,7 @@ private slots:
             const ScriptedChild child(script.split('|'));
             auto tile = std::make_unique<VideoWidget>(camera());
             const auto told = exportWords(*tile);
+            const LogCapture log;
             tile->cancelExport(); // none is there
             for (const bool isCancelled : {true, false}) {
                 tile->exportFragment(noon, noon.addSecs(300));
@@ -323,7 +367,9 @@ private slots:
                 QVERIFY(!deadline.hasExpired());
                 QVERIFY(!ScriptedChild::isAlive(child.lastProcessId()));
                 QCoreApplication::processEvents();
-                QCOMPARE(*told, QStringList());
+                if (tile)
+                    tick(*tile);
+                QCOMPARE(*told + log.linesOf("Cannot export"_s), QStringList());
             }
         }
     }

@@ -2,6 +2,7 @@
 #include "API/Camera.h"
 #include "GUI/PlayerNotification.h"
 #include "tests/GUI/Player/TileFixture.h"
+#include "tests/support/LogCapture.h"
 
 using GUI::PlayerNotification;
 using GUI::Player::VideoWidget;
@@ -213,8 +214,10 @@ private slots:
         const QLabel &label = *tile.findChild<QLabel *>("cameraName"_s);
         QCOMPARE(label.text(), label.fontMetrics().elidedText(name, Qt::ElideRight, 80));
         QVERIFY(label.text() != name);
+        QVERIFY(label.toolTip().contains(name));
         tile.resize(2000, 1000);
         QCOMPARE(label.text(), name);
+        QCOMPARE(label.toolTip(), QString());
         tile.setCameraName("Back door"_s);
         QCOMPARE(label.text(), "Back door"_s);
     }
@@ -222,20 +225,33 @@ private slots:
     void snapshot()
     {
         const QDir folder(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation));
-        QVERIFY(QDir().mkpath(folder.path()));
+        const QString path = folder.filePath("Door-03_03_15_14_05_09.png"_s);
         const API::CameraPtr camera = localCamera();
         camera->setRotation(90);
         ScriptedTile tile(corners, camera);
-        QVERIFY(tile.playsLive());
-        tile.setTime(QDateTime(QDate(2015, 3, 3), QTime(14, 5, 9)));
         QSignalSpy saved(&tile, &VideoWidget::snapshotSaved);
-        tile.findChild<QPushButton *>("cameraScreenshotButton"_s)->click();
-        QCOMPARE(saved.size(), 1);
-        QCOMPARE(saved.first().first().toString(), folder.absolutePath());
+        const LogCapture log;
+        const auto snap = [&] {
+            tile.setTime(QDateTime(QDate(2015, 3, 3), QTime(14, 5, 9)));
+            tile.findChild<QPushButton *>("cameraScreenshotButton"_s)->click();
+            return log.linesOf("Cannot "_s).join('|');
+        };
+        QCOMPARE(snap(), "Cannot save snapshot \"%1\" : \"there is no picture\""_s.arg(path));
+        QVERIFY(!QFile::exists(path));
+        QVERIFY(tile.playsLive());
+        snap();
+        QCOMPARE(saved.size(), 2);
+        QCOMPARE(saved.last().first().toString(), folder.absolutePath());
         // As the stream has it, not as the tile turns it.
-        const QImage picture(folder.filePath("Door-03_03_15_14_05_09.png"_s));
+        const QImage picture(path);
         QCOMPARE(picture.size(), QSize(64, 48));
         QCOMPARE(quartersOf(picture, picture.rect()), "RGBW"_s);
+        // A full disk, and a file in the folder's place.
+        QVERIFY(QFile::remove(path) && QFile::link("/dev/full"_s, path));
+        QVERIFY(snap().endsWith("png\" : \"No space left on device\""_s));
+        QVERIFY(QDir(folder).removeRecursively() && QFile::link("/dev/null"_s, folder.path()));
+        QVERIFY(snap().contains("folder \"%1\" : \"Not a directory\"|"_s.arg(folder.path())));
+        QVERIFY(QFile::remove(folder.path()));
     }
 
     /// A hint slides in, and goes in one of three ways.
