@@ -20,6 +20,7 @@
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
 #include "App/SettingsKeys.h"
+#include "GUI/HoverSync.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 
@@ -70,6 +71,7 @@ Application::Application(HighDensity, int &argc, char **argv) : QApplication(arg
     openLog();
     ServiceProfile::setCurrent(ServiceProfile::fromFile(QStringLiteral("service.ini")));
     setWindowIcon(QIcon(QStringLiteral("://icons/zorvane-client.png")));
+    new GUI::HoverSync(this);
 }
 
 Application::~Application()

@@ -15,6 +15,7 @@ namespace GUI {
 namespace {
 
 constexpr int exportSpinnerLineWidth = 2;
+constexpr int sliderRoomPixels = 84; ///< an unfolded slider and the gap beside it
 constexpr qreal enabledOpacity = 1.0;
 constexpr qreal disabledOpacity = 0.5;
 
@@ -28,8 +29,11 @@ int speedOf(int sliderValue)
 ControlPanel::ControlPanel(QWidget *parent) : QStackedWidget(parent), ui(new Ui::ControlPanel)
 {
     ui->setupUi(this);
+    QSizePolicy policy = ui->speedLabel->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    ui->speedLabel->setSizePolicy(policy);
     ui->speedSelector->installEventFilter(this);
-    ui->speedSelector->hide();
+    setShown(ui->speedSelector, false);
     setUpSound();
     setStyleProperty(ui->speedButton, "acc", QStringLiteral("no"));
     hideSpeedSlider();
@@ -101,10 +105,28 @@ void ControlPanel::resetQuality()
     startQuality->choose();
 }
 
+void ControlPanel::setShown(QWidget *part, bool shown)
+{
+    const auto willShow = [part, shown](const QWidget *widget) {
+        return widget == part ? shown : !widget->isHidden();
+    };
+    bool isTaken = false;
+    for (const QWidget *slider : {ui->speedSlider, ui->soundSlider})
+        isTaken = isTaken || (willShow(slider) && willShow(slider->parentWidget()));
+    // Before and at once: a bar that is too wide but for a moment makes the window wider for good.
+    ui->sliderRoom->changeSize(isTaken ? 0 : sliderRoomPixels, 0, QSizePolicy::Fixed,
+                               QSizePolicy::Minimum);
+    ui->hl_bar->update();
+    part->setVisible(shown);
+    for (QWidget *round = part->parentWidget(); round != ui->controlPage;
+         round = round->parentWidget())
+        round->layout()->activate();
+}
+
 void ControlPanel::showSpeedSlider()
 {
     ui->speedLabel->show();
-    ui->speedSlider->show();
+    setShown(ui->speedSlider, true);
 }
 
 void ControlPanel::hideSpeedSlider()
@@ -112,7 +134,7 @@ void ControlPanel::hideSpeedSlider()
     // A speed above 1x stays readable.
     if (ui->speedSlider->value() == ui->speedSlider->minimum())
         ui->speedLabel->hide();
-    ui->speedSlider->hide();
+    setShown(ui->speedSlider, false);
 }
 
 void ControlPanel::setExportMode()
@@ -135,13 +157,13 @@ void ControlPanel::setEmptyMode(bool active)
 void ControlPanel::showRecordsControls()
 {
     ui->modeSelector->setCurrentWidget(ui->exportModePage);
-    ui->speedSelector->show();
+    setShown(ui->speedSelector, true);
 }
 
 void ControlPanel::hideRecordsControls()
 {
     ui->modeSelector->setCurrentWidget(ui->recordsModePage);
-    ui->speedSelector->hide();
+    setShown(ui->speedSelector, false);
 }
 
 void ControlPanel::showLiveLabel()

@@ -90,6 +90,9 @@ private slots:
 
 private:
     void setUpSound();
+    /// A slider, or what holds one. One room in the bar is for whichever slider is unfolded, so
+    /// that no button moves away from the pointer.
+    void setShown(QWidget *part, bool shown);
     void createQualityMenu();
     void connectButtons();
 
