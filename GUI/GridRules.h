@@ -20,6 +20,9 @@ inline bool operator==(const GridSize &a, const GridSize &b)
     return a.rows == b.rows && a.columns == b.columns;
 }
 
+/// Ways through a grid.
+enum class Direction { Left, Right, Up, Down };
+
 /// The API::StreamQuality of a tile: the larger its share of the grid, the better. Spans are at
 /// least 1.
 int tileQuality(const GridSize &grid, int rowSpan, int columnSpan);
