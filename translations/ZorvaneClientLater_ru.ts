@@ -59,5 +59,9 @@
         <source>This card</source>
         <translation>Эта подсказка</translation>
     </message>
+    <message>
+        <source>Keys</source>
+        <translation>Клавиши</translation>
+    </message>
 </context>
 </TS>
