@@ -13,6 +13,9 @@
 #include "GUI/ArchiveControlPanel.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/InfoPanel.h"
+#include "GUI/KeyDispatcher.h"
+#include "GUI/Kiosk.h"
+#include "GUI/LayoutListWidget.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/SideBar.h"
 #include "GUI/Timeline.h"
@@ -46,8 +49,13 @@ MainWindow::MainWindow(QWidget *parent)
     connectControlPanel();
     connectStrip();
     connectGrid();
+    setUpTour();
     arrange();
     resize(firstSize);
+    connect(new KeyDispatcher(this), &KeyDispatcher::triggered, this, &MainWindow::onKey);
+    // Keys are for the window, until a field is clicked and again when something else is.
+    setFocusPolicy(Qt::ClickFocus);
+    setFocus();
 
     const QString openTab = App::settings().value(App::SettingsKey::openTab).toString();
     closeCurrentView();
@@ -83,6 +91,12 @@ int MainWindow::cellCount() const
 {
     const API::LayoutPtr layout = layoutWidget->workingLayout();
     return layout ? layout->rows() * layout->columns() : 0;
+}
+
+void MainWindow::enterKiosk(const QString &layoutName)
+{
+    new Kiosk({this, sideBar->layoutListWidget(), layoutWidget, controlPanel, timeline},
+              layoutName);
 }
 
 void MainWindow::setRosterMode()
@@ -177,6 +191,8 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
     if (event->key() == Qt::Key_Escape && isFullScreen()) {
         onFullscreen();
         event->accept();
+    } else if (event->key() == Qt::Key_Escape) {
+        setFocus(); // out of a field
     }
     QWidget::keyPressEvent(event);
 }

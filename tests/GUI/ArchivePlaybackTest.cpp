@@ -238,6 +238,36 @@ private slots:
         QVERIFY2(!tile(0)->isPlaying(), "timers of the archive do nothing live");
     }
 
+    void keysMoveThroughTheArchive_data()
+    {
+        rows<QString, QString, QString>({"from", "keys", "start"},
+                                        {{"back", "10:05:00", "Left", "1 10:04:50 1x"},
+                                         {"on", "10:05:00", "Right", "1 10:05:10 1x"},
+                                         {"far back", "10:05:00", "Shift+Left", "1 10:04:00 1x"},
+                                         {"far on", "10:05:00", "Shift+Right", "1 10:06:00 1x"},
+                                         {"not past now", "22:59:55", "Right", "1 23:00:00 1x"},
+                                         {"day before", "00:00:05", "Left", ""},
+                                         {"faster", "10:05:00", "=", "1 10:05:00 2x"},
+                                         {"slower", "10:05:00", "-", ""}});
+    }
+
+    void keysMoveThroughTheArchive()
+    {
+        const auto [from, keys, start] = row<QString, QString, QString>();
+        open({camera(1, {"00:00:00-23:30:00"})});
+        window->onPlayArchive(moment(from));
+        expectStarts({"1 " + QTime::fromString(from, "h:mm:ss").toString() + " 1x"});
+        const int code = int(QKeySequence(keys)[0]);
+        QTest::keyClick(window.data(), Qt::Key(code & ~Qt::KeyboardModifierMask),
+                        Qt::KeyboardModifiers(code & Qt::KeyboardModifierMask));
+        if (!start.isEmpty())
+            expectStarts({start});
+        QCOMPARE(panel()->findChild<QLabel *>("speedLabel"_s)->isHidden(), keys != "=");
+        const QDateTime reached = timeline()->currentValue();
+        QCOMPARE(timeline()->startValue().date(), reached.date());
+        QCOMPARE(reached < moment("00:00:00"), from == "00:00:05");
+    }
+
     void exports_data()
     {
         // Steps are buttons and words of the player; ">2" makes a camera active, "+2" adds a tile
