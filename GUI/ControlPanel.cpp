@@ -3,8 +3,10 @@
 
 #include <QGraphicsOpacityEffect>
 #include <QMenu>
+#include <QMouseEvent>
 
 #include "App/Environment.h"
+#include "GUI/MomentField.h"
 #include "GUI/QualityItem.h"
 #include "GUI/StyleSheet.h"
 #include "ui_ControlPanel.h"
@@ -33,6 +35,7 @@ ControlPanel::ControlPanel(QWidget *parent) : QStackedWidget(parent), ui(new Ui:
     policy.setRetainSizeWhenHidden(true);
     ui->speedLabel->setSizePolicy(policy);
     ui->speedSelector->installEventFilter(this);
+    ui->timeLabel->installEventFilter(this);
     setShown(ui->speedSelector, false);
     setUpSound();
     setStyleProperty(ui->speedButton, "acc", QStringLiteral("no"));
@@ -90,6 +93,7 @@ int ControlPanel::speed() const
 
 void ControlPanel::setTime(QDateTime dateTime)
 {
+    shownTime = dateTime;
     ui->timeLabel->setText(dateTime.time().toString(QStringLiteral("hh:mm:ss")));
     ui->dateLabel->setText(dateTime.date().toString(QStringLiteral("dd/MM")));
 }
@@ -158,12 +162,36 @@ void ControlPanel::showRecordsControls()
 {
     ui->modeSelector->setCurrentWidget(ui->exportModePage);
     setShown(ui->speedSelector, true);
+    setTimeClickable(true);
 }
 
 void ControlPanel::hideRecordsControls()
 {
     ui->modeSelector->setCurrentWidget(ui->recordsModePage);
     setShown(ui->speedSelector, false);
+    setTimeClickable(false);
+}
+
+void ControlPanel::setTimeClickable(bool clickable)
+{
+    if (clickable)
+        ui->timeLabel->setCursor(Qt::PointingHandCursor);
+    else
+        ui->timeLabel->unsetCursor();
+    ui->timeLabel->setToolTip(clickable ? tr("Go to a moment") : QString());
+}
+
+void ControlPanel::onTimeReleased(const QMouseEvent &event)
+{
+    const bool isInRecords = ui->modeSelector->currentWidget() == ui->exportModePage;
+    if (!isInRecords || event.button() != Qt::LeftButton ||
+        !ui->timeLabel->rect().contains(event.pos()))
+        return;
+    auto *field = new MomentField(shownTime, this);
+    connect(field, &MomentField::chosen, this, &ControlPanel::momentChosen);
+    const QPoint corner(ui->timeLabel->mapToGlobal(QPoint()).x(),
+                        ui->controlBar->mapToGlobal(QPoint()).y());
+    field->showOver(QRect(corner, ui->controlBar->size()));
 }
 
 void ControlPanel::showLiveLabel()
@@ -232,6 +260,8 @@ void ControlPanel::on_speedButton_clicked()
 
 bool ControlPanel::eventFilter(QObject *object, QEvent *event)
 {
+    if (object == ui->timeLabel && event->type() == QEvent::MouseButtonRelease)
+        onTimeReleased(static_cast<const QMouseEvent &>(*event));
     const bool isEntered = event->type() == QEvent::Enter || event->type() == QEvent::HoverEnter;
     const bool isLeft = event->type() == QEvent::Leave || event->type() == QEvent::HoverLeave;
     const bool isSpeed = object == ui->speedSelector;

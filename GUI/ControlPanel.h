@@ -5,6 +5,7 @@
 #include <QScopedPointer>
 #include <QStackedWidget>
 
+class QMouseEvent;
 class QWidgetAction;
 
 namespace Ui {
@@ -84,6 +85,8 @@ signals:
     void soundVolumeChanged(int volume);
     void soundEnabled(bool enable);
     void speedChanged(int speed);
+    /// The user wrote where in the past to go to.
+    void momentChosen(QDateTime moment);
 
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;
@@ -103,10 +106,14 @@ private:
     void setShown(QWidget *part, bool shown);
     void createQualityMenu();
     void connectButtons();
+    void setTimeClickable(bool clickable);
+    /// A click on the time in records opens the field for a moment.
+    void onTimeReleased(const QMouseEvent &event);
 
     QScopedPointer<Ui::ControlPanel> ui;
     /// Checked at the start, and again by resetQuality().
     QualityItem *startQuality = nullptr;
+    QDateTime shownTime;
 };
 
 } // namespace GUI

@@ -8,6 +8,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <utility>
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -61,8 +62,10 @@ bool HoverSync::eventFilter(QObject *object, QEvent *event)
             settled.start();
         break;
     case QEvent::Show:
-        if (isEntered(object->parent()))
+        if (isEntered(object->parent())) {
+            isCountLost = true;
             settled.start();
+        }
         break;
     case QEvent::Drop:
     case QEvent::MouseButtonRelease: // a press that closes a popup still holds the button
@@ -95,7 +98,7 @@ void HoverSync::followPointer()
     entered.removeAll(nullptr);
     const QPoint place = QCursor::pos();
     const QWidget *under = widgetUnder(place);
-    if (entered.isEmpty() || agreesWith(under))
+    if (entered.isEmpty() || (!std::exchange(isCountLost, false) && agreesWith(under)))
         return;
     const QPointer<QWidget> window = (under ? under : entered.first())->window();
     leaveAllBut(under);

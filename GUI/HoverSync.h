@@ -37,6 +37,9 @@ private:
 
     /// Those that the pointer, or what it drags, has entered and not left.
     QVector<QPointer<QWidget>> entered;
+    /// What is shown by what the pointer enters, under the pointer, is entered before that is
+    /// over: then the toolkit takes the pointer to be still where it was.
+    bool isCountLost = false;
     QTimer settled;
 };
 

@@ -75,6 +75,7 @@ void MainWindow::seek(const QDateTime &time)
 {
     const QDateTime target = qMin(time, App::Environment::now());
     archiveControlPanel->setDate(target.date());
+    timeline->reveal(target);
     onPlayArchive(target);
 }
 

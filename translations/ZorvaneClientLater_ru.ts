@@ -128,4 +128,22 @@
         <translation>Каждые 5 минут</translation>
     </message>
 </context>
+<context>
+    <name>ZorvaneClient::GUI::ControlPanel</name>
+    <message>
+        <source>Go to a moment</source>
+        <translation>Перейти к моменту</translation>
+    </message>
+</context>
+<context>
+    <name>ZorvaneClient::GUI::MomentField</name>
+    <message>
+        <source>dd/MM/yyyy</source>
+        <translation>dd.MM.yyyy</translation>
+    </message>
+    <message>
+        <source>Date and time</source>
+        <translation>Дата и время</translation>
+    </message>
+</context>
 </TS>
