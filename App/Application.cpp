@@ -12,12 +12,14 @@
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
+#include "App/Environment.h"
 #include "App/Language.h"
 #include "App/Log.h"
 #include "App/ScreenChoice.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
 #include "App/SettingsKeys.h"
+#include "GUI/HoverSync.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 #include "GUI/Player/FrameFile.h"
@@ -68,6 +70,7 @@ Application::Application(HighDensity, int &argc, char **argv) : QApplication(arg
     GUI::Player::Internal::FrameFile::removeLeftOvers();
     ServiceProfile::setCurrent(ServiceProfile::fromFile(QStringLiteral("service.ini")));
     setWindowIcon(QIcon(QStringLiteral("://icons/zorvane-client.png")));
+    new GUI::HoverSync(this);
 }
 
 Application::~Application()
@@ -228,6 +231,9 @@ void Application::loginSuccessful()
     loginDialog = nullptr;
     API::CloudAPIClient::clearRoster();
     createMainWindow();
+    const QString kioskLayout = Environment::kioskLayout();
+    if (!kioskLayout.isEmpty())
+        mainWindows.last()->enterKiosk(kioskLayout);
 }
 
 void Application::setSoundVolume(int volume)

@@ -14,6 +14,9 @@
 #include "GUI/ArchiveControlPanel.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/InfoPanel.h"
+#include "GUI/KeyDispatcher.h"
+#include "GUI/Kiosk.h"
+#include "GUI/LayoutListWidget.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/SideBar.h"
 #include "GUI/Timeline.h"
@@ -47,8 +50,13 @@ MainWindow::MainWindow(QWidget *parent)
     connectControlPanel();
     connectStrip();
     connectGrid();
+    setUpTour();
     arrange();
     resize(firstSize);
+    connect(new KeyDispatcher(this), &KeyDispatcher::triggered, this, &MainWindow::onKey);
+    // Keys are for the window, until a field is clicked and again when something else is.
+    setFocusPolicy(Qt::ClickFocus);
+    setFocus();
 
     const QString openTab = App::settings().value(App::SettingsKey::openTab).toString();
     closeCurrentView();
@@ -92,6 +100,12 @@ int MainWindow::cellCount() const
 {
     const API::LayoutPtr layout = layoutWidget->workingLayout();
     return layout ? layout->rows() * layout->columns() : 0;
+}
+
+void MainWindow::enterKiosk(const QString &layoutName)
+{
+    new Kiosk({this, sideBar->layoutListWidget(), layoutWidget, controlPanel, timeline},
+              layoutName);
 }
 
 void MainWindow::setRosterMode()
@@ -186,6 +200,8 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
     if (event->key() == Qt::Key_Escape && isFullScreen()) {
         onFullscreen();
         event->accept();
+    } else if (event->key() == Qt::Key_Escape) {
+        setFocus(); // out of a field
     }
     QWidget::keyPressEvent(event);
 }

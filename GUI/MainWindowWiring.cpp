@@ -66,6 +66,7 @@ void MainWindow::connectControlPanel()
     connect(panel, &ControlPanel::pause, this, &MainWindow::pause);
     connect(panel, &ControlPanel::play, this, &MainWindow::unpause);
     connect(panel, &ControlPanel::speedChanged, this, &MainWindow::setSpeed);
+    connect(panel, &ControlPanel::momentChosen, this, &MainWindow::seek);
     connect(panel, &ControlPanel::soundVolumeChanged, this, &MainWindow::volumeChanged);
     connect(panel, &ControlPanel::soundEnabled, this, &MainWindow::soundEnabled);
     connect(panel, &ControlPanel::setLowQuality, this, &MainWindow::setLowQuality);

@@ -41,6 +41,11 @@ QString wordsOf(const QStringList &arguments)
            query.queryItemValue("speed"_s) + 'x';
 }
 
+QColor borderOf(QWidget *field)
+{
+    return field->grab().toImage().pixelColor(0, field->height() / 2);
+}
+
 } // namespace
 
 class ArchivePlaybackTest : public QObject
@@ -103,6 +108,59 @@ private slots:
         QCOMPARE(timeline()->currentValue(), moment(plays ? expected : click));
         expectStarts(plays ? QStringList("1 " + expected + " 1x") : QStringList());
         QCOMPARE(showsText(*tile(0), VideoWidget::tr("No records")), !plays);
+    }
+
+    void aTypedMomentPlaysAsAClickDoes_data()
+    {
+        // Now is 23:00:00.
+        rows<QString, QString>({"typed", "started"},
+                               {{"date and time", "05/03/2026 10:45:10", "10:45:10"},
+                                {"a time of the day", "10:45", "10:45:00"},
+                                {"another day", " 4/3/2026  10:45:10 ", "2026-03-04 10:45:10"},
+                                {"now", "23:00:00", "23:00:00"},
+                                {"the future", "23:00:01", ""},
+                                {"a day that isn't", "30/02/2026 10:45:10", ""},
+                                {"no time", "05/03/2026", ""},
+                                {"nothing", "", ""}});
+    }
+
+    void aTypedMomentPlaysAsAClickDoes()
+    {
+        const auto [typed, started] = row<QString, QString>();
+        const QDateTime start = moment("10:00:00");
+        open({world.loadedCamera(1, day, {{start.addDays(-1), start}, {start, start.addDays(1)}})});
+        window->show();
+        auto *time = window->findChild<QLabel *>("timeLabel"_s);
+        QTest::mouseClick(time, Qt::LeftButton);
+        QVERIFY2(!QApplication::activePopupWidget(), "live");
+        press("showRecordsButton");
+        timeline()->zoom(100);
+        QTest::mouseClick(time, Qt::RightButton);
+        QVERIFY(!QApplication::activePopupWidget());
+        QTest::mouseClick(time, Qt::LeftButton);
+        const QPointer<QWidget> field = QApplication::activePopupWidget();
+        QVERIFY(field && qAbs(field->x() - time->mapToGlobal(QPoint()).x()) <= 2); // a frame
+        auto *edit = field->findChild<QLineEdit *>();
+        QCOMPARE(edit->selectedText(), "05/03/2026 23:00:00"_s);
+        const QColor usual = borderOf(edit);
+        edit->setText(typed);
+        QTest::keyClick(edit, Qt::Key_Return);
+
+        if (started.isEmpty()) {
+            QVERIFY(field->isVisible());
+            QVERIFY(borderOf(edit).red() > 200 && usual.red() < 200);
+            QTest::keyClick(edit, Qt::Key_5);
+            QCOMPARE(borderOf(edit), usual);
+            QTest::keyClick(edit, Qt::Key_Escape);
+            QTRY_VERIFY(!field);
+            expectStarts({});
+            return;
+        }
+        QTRY_VERIFY(!field);
+        expectStarts({"1 " + started + " 1x"});
+        const QDateTime played = timeline()->currentValue();
+        QCOMPARE(textOf("timeLabel"), started.right(8));
+        QVERIFY(timeline()->startValue() <= played && played <= timeline()->endValue());
     }
 
     void aSpanStartsWhenTheCursorReachesIt()
@@ -236,6 +294,36 @@ private slots:
         QTimerEvent leftover(0);
         QCoreApplication::sendEvent(window.data(), &leftover);
         QVERIFY2(!tile(0)->isPlaying(), "timers of the archive do nothing live");
+    }
+
+    void keysMoveThroughTheArchive_data()
+    {
+        rows<QString, QString, QString>({"from", "keys", "start"},
+                                        {{"back", "10:05:00", "Left", "1 10:04:50 1x"},
+                                         {"on", "10:05:00", "Right", "1 10:05:10 1x"},
+                                         {"far back", "10:05:00", "Shift+Left", "1 10:04:00 1x"},
+                                         {"far on", "10:05:00", "Shift+Right", "1 10:06:00 1x"},
+                                         {"not past now", "22:59:55", "Right", "1 23:00:00 1x"},
+                                         {"day before", "00:00:05", "Left", ""},
+                                         {"faster", "10:05:00", "=", "1 10:05:00 2x"},
+                                         {"slower", "10:05:00", "-", ""}});
+    }
+
+    void keysMoveThroughTheArchive()
+    {
+        const auto [from, keys, start] = row<QString, QString, QString>();
+        open({camera(1, {"00:00:00-23:30:00"})});
+        window->onPlayArchive(moment(from));
+        expectStarts({"1 " + QTime::fromString(from, "h:mm:ss").toString() + " 1x"});
+        const int code = int(QKeySequence(keys)[0]);
+        QTest::keyClick(window.data(), Qt::Key(code & ~Qt::KeyboardModifierMask),
+                        Qt::KeyboardModifiers(code & Qt::KeyboardModifierMask));
+        if (!start.isEmpty())
+            expectStarts({start});
+        QCOMPARE(panel()->findChild<QLabel *>("speedLabel"_s)->isHidden(), keys != "=");
+        const QDateTime reached = timeline()->currentValue();
+        QCOMPARE(timeline()->startValue().date(), reached.date());
+        QCOMPARE(reached < moment("00:00:00"), from == "00:00:05");
     }
 
     void exports_data()

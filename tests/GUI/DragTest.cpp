@@ -8,6 +8,7 @@
 #include "GUI/ServerWidget.h"
 #include "tests/GUI/GridWorld.h"
 #include "tests/support/MisbehavingServer.h"
+#include "tests/support/RealPointer.h"
 #include "tests/support/VirtualDisplay.h"
 
 using namespace ZorvaneClient::GUI;
@@ -16,17 +17,6 @@ namespace {
 
 constexpr int screenHeight = 1440;
 constexpr int deadlineMs = 40000;
-
-/// Such as "mousedown 1", the left button.
-void xdotool(const QString &words)
-{
-    QProcess::execute("xdotool"_s, words.split(' '));
-}
-
-void moveTo(const QPoint &place)
-{
-    xdotool("mousemove %1 %2"_s.arg(place.x()).arg(place.y()));
-}
 
 /// Qt has a window of its own that follows the pointer as long as a drag is on.
 bool isDragOn()
@@ -191,6 +181,7 @@ private slots:
         MouseDrag drag(widgetFor(window, from), target);
         QCOMPARE(drag.run(), taker);
         QCOMPARE(drag.wasLit, !taker.isEmpty());
+        QTRY_COMPARE(misledByThePointer(), QString());
         QCOMPARE(cellsOf(*gridOf(window)), after);
         QCOMPARE(modified.isEmpty(), after == "a b | . ."_s);
         QCOMPARE(cellsOf(*gridOf(other)), "."_s);
@@ -205,7 +196,7 @@ int main(int argc, char **argv)
     const VirtualDisplay display(1280, screenHeight);
     display.use();
     // Never deleted: what the display's plugin keeps can be told from a leak while it is loaded.
-    auto *application = new QApplication(argc, argv);
+    auto *application = new App::Application(argc, argv);
     application->setStyleSheet(App::Application::globalStyleSheet());
     DragTest test;
     return QTest::qExec(&test, argc, argv);
