@@ -111,27 +111,18 @@ private slots:
         QCOMPARE(chosen, "ru_RU"_s);
     }
 
-    void namesOfMonthsAndTheWeek_data()
+    void monthsHaveNamesInTheLanguage()
     {
-        rows<QString, QString, QString>({"code", "system", "locale"},
-                                        {{"Russian anywhere", "ru", "de_AT", "ru_RU"},
-                                         {"Russian abroad", "ru", "ru_UA", "ru_UA"},
-                                         {"English abroad", "en", "de_AT", "en_AT"},
-                                         {"English at home", "en", "en_GB", "en_GB"},
-                                         {"no system's language", "en", "C", "C"},
-                                         {"Russian in spite of it", "ru", "C", "ru_RU"}});
-    }
-
-    void namesOfMonthsAndTheWeek()
-    {
-        const auto [code, system, locale] = row<QString, QString, QString>();
-        QCOMPARE(App::localeFor(code, QLocale(system)), QLocale(locale));
-        application()->translate(code);
-        const auto *strip = openWindow()->findChild<QDateEdit *>("dateEdit"_s);
-        const QString month = strip->text().section(' ', 0, 0);
+        // The week begins as in the user's country.
+        QCOMPARE(App::localeFor("ru"_s, QLocale("de_AT"_s)), QLocale("ru_RU"_s));
+        QCOMPARE(App::localeFor("en"_s, QLocale("de_AT"_s)), QLocale("en_AT"_s));
+        QCOMPARE(App::localeFor("en"_s, QLocale::c()), QLocale::c());
+        application()->translate("ru"_s);
+        const auto *day = openWindow()->findChild<QDateEdit *>("dateEdit"_s);
+        const QString month = QLocale("ru"_s).monthName(day->date().month(), QLocale::ShortFormat);
         application()->translate("en"_s);
         App::settings().setValue("common/language"_s, QVariant());
-        QCOMPARE(month, QLocale(code).monthName(strip->date().month(), QLocale::ShortFormat));
+        QVERIFY2(day->text().startsWith(month), qPrintable(day->text()));
     }
 
     void firstWindowTakesTheStoredGeometry()
@@ -167,23 +158,17 @@ private slots:
             QCOMPARE(other->geometry(),
                      QRect(other == window ? 40 : 70, other == window ? 50 : 80, 960, 540));
         // Of one that fills its screen nothing goes beyond it.
-        for (const Qt::WindowState state : {Qt::WindowMaximized, Qt::WindowFullScreen}) {
-            window->setWindowState(state);
-            QTRY_VERIFY(window->x() < 10);
-            const QList<MainWindow *> before = visibleTopLevels<MainWindow>();
-            const QPoint corner = window->geometry().topLeft() + QPoint(30, 30);
-            emit window->clone();
-            QCOMPARE(visibleTopLevels<MainWindow>().size(), before.size() + 1);
-            for (MainWindow *next : visibleTopLevels<MainWindow>()) {
-                if (before.contains(next))
-                    continue;
-                const QRect place = next->geometry();
-                QCOMPARE(place.topLeft(), corner);
-                QCOMPARE(place.bottom(), window->screen()->availableGeometry().bottom());
-            }
+        window->showMaximized();
+        QTRY_VERIFY(window->x() < 10);
+        const QList<MainWindow *> before = visibleTopLevels<MainWindow>();
+        const QPoint corner = window->geometry().topLeft() + QPoint(30, 30);
+        emit window->clone();
+        for (MainWindow *next : visibleTopLevels<MainWindow>()) {
+            const QRect place = next->geometry();
+            QVERIFY(before.contains(next) || place.topLeft() == corner);
+            QVERIFY(before.contains(next) ||
+                    place.bottom() == window->screen()->geometry().bottom());
         }
-        QCOMPARE(App::cascaded(QRect(0, 20, 1900, 1000), true, QRect(0, 20, 1900, 1060)),
-                 QRect(30, 50, 1870, 1000));
     }
 
     void furtherWindowTakesTheFreeScreen()

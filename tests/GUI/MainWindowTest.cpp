@@ -127,11 +127,10 @@ private slots:
             words.replace(QCoreApplication::applicationName(), "program"_s);
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
             QStringList names;
-            for (const auto *card : which.findChildren<Preview *>()) {
-                const auto *name = card->findChild<QLabel *>("cameraName"_s);
-                const QColor edge = const_cast<Preview *>(card)->grab().toImage().pixelColor(2, 70);
-                if (edge == QColor(62, 183, 253))
-                    names.append(name->text().section(" (offline"_s, 0, 0));
+            for (auto *card : which.findChildren<Preview *>()) {
+                const QString name = card->findChild<QLabel *>("cameraName"_s)->text();
+                if (card->grab().toImage().pixelColor(2, 70) == QColor(62, 183, 253))
+                    names.append(name.section(" (offline"_s, 0, 0));
             }
             names.sort();
             return (QStringList{words} + names).join(' ');
