@@ -76,7 +76,7 @@
     </message>
     <message>
         <source>Saved layouts in turn, every %1 s.</source>
-        <translation>Обход раскладок: следующая каждые %1 с.</translation>
+        <translation>Обход раскладок: каждые %1 с.</translation>
     </message>
 </context>
 <context>
