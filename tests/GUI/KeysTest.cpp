@@ -322,10 +322,7 @@ private:
             } else if (word.startsWith('?')) {
                 window->findChild<LayoutListWidget *>()->search(rest);
             } else {
-                const int code = int(QKeySequence(word)[0]);
-                const int modifiers = code & int(Qt::KeyboardModifierMask);
-                QTest::keyClick(window->windowHandle(), Qt::Key(code - modifiers),
-                                Qt::KeyboardModifiers(modifiers));
+                QTest::keySequence(window->windowHandle(), QKeySequence(word));
             }
         }
     }

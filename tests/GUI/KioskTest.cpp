@@ -102,7 +102,7 @@ private slots:
             else if (word == "rest"_s)
                 expireTimer(*window->findChild<Kiosk *>(), 3s);
             else
-                QTest::keyClick(window.data(), Qt::Key(QKeySequence(word)[0]));
+                QTest::keySequence(window.data(), QKeySequence(word));
             return shown();
         };
         QCOMPARE(after("move"_s), "pointer bar"_s);
