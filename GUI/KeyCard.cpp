@@ -18,6 +18,7 @@ constexpr int columnsOfLines = 2;
 constexpr int columnsOfLine = 3; // keys, text, a gap
 constexpr int marginPixels = 24;
 constexpr int lineGapPixels = 8;
+constexpr int titleHeightPixels = 36;
 constexpr int textGapPixels = 12;
 constexpr int columnGapPixels = 24;
 
@@ -39,7 +40,8 @@ KeyCard::KeyCard(QWidget *parent) : QWidget(parent, Qt::Popup)
     grid->setColumnMinimumWidth(columnsOfLine - 1, columnGapPixels);
     auto *title = new QLabel(tr("Keys"), this);
     title->setObjectName(QStringLiteral("title"));
-    grid->addWidget(title, 0, 0, 1, -1);
+    grid->addWidget(title, 0, 0, 1, -1, Qt::AlignTop);
+    grid->setRowMinimumHeight(0, titleHeightPixels);
 
     const QVector<KeyLine> lines = keyLines();
     const int rows = (lines.size() + columnsOfLines - 1) / columnsOfLines;
@@ -64,9 +66,8 @@ void KeyCard::showOver(const QWidget &window)
 void KeyCard::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setPen(Colours::accent());
-    painter.setBrush(Colours::panel());
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    painter.fillRect(rect(), Colours::accent());
+    painter.fillRect(rect().adjusted(1, 1, -1, -1), Colours::panel());
 }
 
 void KeyCard::keyPressEvent(QKeyEvent *event)

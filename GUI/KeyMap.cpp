@@ -137,7 +137,7 @@ const KeyRow *keyRow(int key, Qt::KeyboardModifiers modifiers)
     const Qt::KeyboardModifiers held =
         modifiers & (Qt::ShiftModifier | Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
     const QVector<KeyRow> &rows = keyMap();
-    const auto *const row = std::find_if(rows.cbegin(), rows.cend(), [=](const KeyRow &candidate) {
+    const auto row = std::find_if(rows.cbegin(), rows.cend(), [=](const KeyRow &candidate) {
         return candidate.key == wanted && candidate.modifiers == held;
     });
     return row == rows.cend() ? nullptr : &*row;

@@ -16,6 +16,12 @@ TourButton::TourButton(QWidget *parent) : QPushButton(tr("Tour"), parent)
     setFocusPolicy(Qt::NoFocus);
     setToolTip(tr("Saved layouts in turn"));
     auto *menu = new QMenu(this);
+    // The desktop's own tick has no form for screens of high density.
+    menu->setStyleSheet(QStringLiteral(
+        "QMenu::item { padding: 4px 16px 4px 8px; }"
+        "QMenu::item:selected { color: white; background-color: rgb(62, 183, 253); }"
+        "QMenu::indicator { width: 16px; height: 16px; margin-left: 4px; }"
+        "QMenu::indicator:checked { image: url(:/mainwidget/icons/dropdownCheck.png); }"));
     intervals = new QActionGroup(menu);
     const QPair<QString, int> choices[] = {{tr("Off"), 0},
                                            {tr("Every 10 seconds"), 10},

@@ -90,7 +90,7 @@
     <name>ZorvaneClient::GUI::MainWindow</name>
     <message>
         <source>Saved layouts in turn, every %1 s.</source>
-        <translation>Обход раскладок: следующая каждые %1 с.</translation>
+        <translation>Обход раскладок: каждые %1 с.</translation>
     </message>
     <message>
         <source>The tour is over.</source>

@@ -71,10 +71,11 @@ private slots:
         window.show();
         window.enterKiosk("Gate"_s);
         QVERIFY(window.isFullScreen());
-        const auto *bar = window.findChild<ControlPanel *>();
-        QVERIFY(!bar->isVisible());
-        addLayout("Yard"_s, "b"_s);
-        addLayout("Gate"_s, "a ."_s);
+        for (const QString &words : {"b"_s, "a ."_s}) {
+            const API::LayoutPtr layout = layoutOf(words);
+            layout->setName(words == "b"_s ? "Yard"_s : "Gate"_s);
+            API::CloudAPIClient().addLayout(layout);
+        }
         auto *list = window.findChild<LayoutListWidget *>();
         QCOMPARE(cellsOf(*gridOf(window)), "."_s);
         list->updateLayouts();
@@ -86,88 +87,76 @@ private slots:
 
     void barAndPointerComeAndGo()
     {
-        const auto isPointerShown = [] { return !QApplication::overrideCursor(); };
-        {
-            MainWindow window;
-            window.show();
-            window.enterKiosk("Gate"_s);
-            const auto *bar = window.findChild<ControlPanel *>();
-            QVERIFY(isPointerShown() && !bar->isVisible());
-            const auto move = [&window] {
-                static int x = 0;
-                QTest::mouseMove(window.windowHandle(), QPoint(300 + ++x, 300));
-            };
-            move();
-            QVERIFY(isPointerShown() && bar->isVisible());
-            QMenu menu(&window);
-            menu.popup(QPoint(9, 9));
-            QVERIFY(expireTimer(*window.findChild<Kiosk *>(), 3s));
-            QVERIFY(isPointerShown() && bar->isVisible());
-            menu.close();
-            QVERIFY(expireTimer(*window.findChild<Kiosk *>(), 3s));
-            QVERIFY(!isPointerShown() && !bar->isVisible());
-            move();
-            QVERIFY(isPointerShown() && bar->isVisible());
-            window.showArchivePanels();
-            QVERIFY(expireTimer(*window.findChild<Kiosk *>(), 3s));
-            QVERIFY(!isPointerShown() && bar->isVisible());
-            window.hideArchivePanels();
-            QTest::keyClick(&window, Qt::Key_Escape);
-            QVERIFY(!window.isFullScreen());
-            QVERIFY(isPointerShown() && bar->isVisible());
-            expireTimer(*window.findChild<Kiosk *>(), 3s);
-            QVERIFY(isPointerShown() && bar->isVisible());
-            QTest::keyClick(&window, Qt::Key_F11);
-            QVERIFY(expireTimer(*window.findChild<Kiosk *>(), 3s));
-            QVERIFY(!isPointerShown() && !bar->isVisible());
-        }
-        QVERIFY(isPointerShown());
+        QScopedPointer<MainWindow> window(new MainWindow);
+        window->show();
+        window->enterKiosk("Gate"_s);
+        const auto shown = [&window] {
+            return QString(QApplication::overrideCursor() ? "" : "pointer ") +
+                   (window->findChild<ControlPanel *>()->isVisible() ? "bar" : "");
+        };
+        QCOMPARE(shown(), "pointer "_s);
+        int x = 300;
+        const auto after = [&](const QString &word) {
+            if (word == "move"_s)
+                QTest::mouseMove(window->windowHandle(), QPoint(++x, 300));
+            else if (word == "rest"_s)
+                expireTimer(*window->findChild<Kiosk *>(), 3s);
+            else
+                QTest::keySequence(window.data(), QKeySequence(word));
+            return shown();
+        };
+        QCOMPARE(after("move"_s), "pointer bar"_s);
+        QMenu menu;
+        menu.popup(QPoint(9, 9));
+        QCOMPARE(after("rest"_s), "pointer bar"_s);
+        menu.close();
+        QCOMPARE(after("rest"_s), QString());
+        QCOMPARE(after("move"_s), "pointer bar"_s);
+        window->showArchivePanels();
+        QCOMPARE(after("rest"_s), "bar"_s);
+        window->hideArchivePanels();
+        QCOMPARE(after("Esc"_s), "pointer bar"_s);
+        QCOMPARE(after("rest"_s), "pointer bar"_s);
+        after("F11"_s);
+        QCOMPARE(after("rest"_s), QString());
+        window.reset();
+        QVERIFY(!QApplication::overrideCursor());
     }
 
     void theScreenStaysOnWhileVideoPlays()
     {
-        addLayout("Gate"_s, "a ."_s);
+        QScopedPointer<MainWindow> window(new MainWindow);
+        window->show();
+        window->enterKiosk(QString());
+        window->openLayout(layoutOf("a"_s));
         saver.calls.clear();
-        const QString inhibit = "inhibit Zorvane Client, Video is playing; "_s;
-        {
-            MainWindow window;
-            window.show();
-            window.findChild<LayoutListWidget *>()->updateLayouts();
-            window.enterKiosk("Gate"_s);
-            QCOMPARE(cellsOf(*gridOf(window)), "a ."_s);
-            QTRY_VERIFY(gridOf(window)->isPlaying());
-            const auto look = [&window] { return expireTimer(*window.findChild<Kiosk *>(), 5s); };
-            QVERIFY(look());
-            QTRY_COMPARE(saver.calls, inhibit);
-            settle();
-            QVERIFY(look());
-            gridOf(window)->stop();
-            QVERIFY(look());
-            const QString once = inhibit + "free 7; ";
-            QTRY_COMPARE(saver.calls, once);
-            // It ends before the answer is in.
-            gridOf(window)->playLive();
-            QTRY_VERIFY(gridOf(window)->isPlaying());
-            QVERIFY(look());
-            gridOf(window)->stop();
-            QVERIFY(look());
-            QTRY_COMPARE(saver.calls, once.repeated(2));
-            gridOf(window)->playLive();
-            QTRY_VERIFY(gridOf(window)->isPlaying());
-            QVERIFY(look());
-            settle();
-        }
-        QTRY_COMPARE(saver.calls, (inhibit + "free 7; ").repeated(3));
+        const auto look = [&window] { expireTimer(*window->findChild<Kiosk *>(), 5s); };
+        const auto play = [&] {
+            gridOf(*window)->playLive();
+            QTRY_VERIFY(gridOf(*window)->isPlaying());
+            look();
+        };
+        const auto stop = [&] {
+            gridOf(*window)->stop();
+            look();
+        };
+        const QString once = "inhibit Zorvane Client, Video is playing; free 7; "_s;
+        play();
+        QTRY_COMPARE(saver.calls + "free 7; ", once);
+        settle();
+        look();
+        stop();
+        QTRY_COMPARE(saver.calls, once);
+        play();
+        stop(); // before the answer is in
+        QTRY_COMPARE(saver.calls, once.repeated(2));
+        play();
+        settle();
+        window.reset();
+        QTRY_COMPARE(saver.calls, once.repeated(3));
     }
 
 private:
-    static void addLayout(const QString &name, const QString &cells)
-    {
-        const API::LayoutPtr layout = layoutOf(cells);
-        layout->setName(name);
-        API::CloudAPIClient().addLayout(layout);
-    }
-
     /// What was asked over the bus before has its answer.
     static void settle()
     {

@@ -408,8 +408,6 @@ private slots:
         QTRY_VERIFY(sign->isVisible());
         QVERIFY(sign->toolTip().contains("05/03 07:08:10"_s));
         QCOMPARE(tab->geometry(), tabPlace);
-        MainWindow later;
-        QVERIFY(!later.findChild<QLabel *>("serviceSign"_s)->isHidden());
         App::ServiceProfile::setCurrent(atService);
         ask(30);
         QVERIFY(!sign->isVisible());
