@@ -15,6 +15,7 @@
 #include "GUI/InfoPanel.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/SideBar.h"
+#include "GUI/TabOrder.h"
 #include "GUI/Timeline.h"
 #include "GUI/ToolBar.h"
 
@@ -179,6 +180,13 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
         event->accept();
     }
     QWidget::keyPressEvent(event);
+}
+
+bool MainWindow::focusNextPrevChild(bool next)
+{
+    return moveFocus(tabStops({toolBar, sideBar, infoPanel, layoutWidget, archiveControlPanel,
+                               timeline, controlPanel}),
+                     next);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)
