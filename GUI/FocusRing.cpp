@@ -12,7 +12,8 @@ namespace GUI {
 namespace {
 
 constexpr int ringPixels = 2;
-constexpr int edgePixels = 1;
+/// In widths of the line.
+constexpr qreal dashLength = 2;
 
 } // namespace
 
@@ -34,16 +35,18 @@ bool FocusRing::eventFilter(QObject *watched, QEvent *event)
 
 void FocusRing::paintEvent(QPaintEvent *)
 {
-    // Two colours, of which one stands out wherever the widget lies.
+    // Broken, unlike the border of the active tile; one of the colours stands out on any ground.
     QPainter painter(this);
-    const auto frame = [&painter](const QRect &outer, int pixels, const QColor &colour) {
-        const QMargins margins(pixels, pixels, pixels, pixels);
-        painter.setClipRegion(QRegion(outer).subtracted(outer.marginsRemoved(margins)));
-        painter.fillRect(outer, colour);
-    };
-    const QMargins ring(ringPixels, ringPixels, ringPixels, ringPixels);
-    frame(rect(), ringPixels, Colours::accent());
-    frame(rect().marginsRemoved(ring), edgePixels, Colours::tile());
+    constexpr qreal middle = ringPixels / 2.0;
+    const QRectF frame = QRectF(rect()).adjusted(middle, middle, -middle, -middle);
+    QPen pen(Colours::tile(), ringPixels, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin);
+    painter.setPen(pen);
+    painter.drawRect(frame);
+    pen.setCapStyle(Qt::FlatCap);
+    pen.setColor(Colours::accent());
+    pen.setDashPattern({dashLength, dashLength});
+    painter.setPen(pen);
+    painter.drawRect(frame);
 }
 
 } // namespace GUI

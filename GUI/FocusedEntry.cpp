@@ -42,6 +42,11 @@ bool pressEntry(QWidget *widget)
         emit card->clicked();
         return true;
     }
+    // It becomes the active one, and the window does with that what it does on Return.
+    if (auto *tile = qobject_cast<Player::VideoWidget *>(widget)) {
+        emit tile->clicked(tile->camera());
+        return false;
+    }
     if (auto *list = qobject_cast<QComboBox *>(widget)) {
         list->showPopup();
         return true;

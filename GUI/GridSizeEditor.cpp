@@ -4,6 +4,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include "GUI/BubbleMask.h"
 #include "GUI/Colours.h"
 
 namespace ZorvaneClient {
@@ -34,6 +35,8 @@ GridSizeEditor::GridSizeEditor(QWidget *parent) : QWidget(parent, Qt::Popup)
     setMouseTracking(true);
     setFocus();
     resize(popupSize);
+    cutToPainting(this);
+    setCursor(Qt::PointingHandCursor);
 }
 
 void GridSizeEditor::setCurrentSize(int rows, int columns)

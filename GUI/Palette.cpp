@@ -12,7 +12,8 @@ const QColor light(224, 228, 235);
 const QColor paler(233, 236, 241);
 const QColor grey(175, 176, 178);
 const QColor dim(91, 102, 122);
-const QColor link(20, 105, 175);
+const QColor edge(108, 118, 136);
+const QColor link(18, 98, 165);
 
 void setTexts(QPalette *palette, QPalette::ColorGroup group, const QColor &colour)
 {
@@ -25,8 +26,8 @@ void setTexts(QPalette *palette, QPalette::ColorGroup group, const QColor &colou
 
 QPalette housePalette()
 {
-    QPalette palette(Colours::panel(), light, Qt::white, QColor(108, 118, 136),
-                     QColor(166, 170, 176), Colours::panel(), Qt::white, Qt::white, light);
+    QPalette palette(Colours::panel(), light, Qt::white, edge, QColor(166, 170, 176),
+                     Colours::panel(), Qt::white, Qt::white, light);
     palette.setColor(QPalette::Midlight, paler);
     palette.setColor(QPalette::Shadow, QColor(64, 69, 78));
     palette.setColor(QPalette::AlternateBase, paler);
@@ -51,7 +52,8 @@ QPalette toolTipPalette()
     QPalette palette = housePalette();
     for (const QPalette::ColorRole role : {QPalette::Window, QPalette::Base, QPalette::Button})
         palette.setColor(role, Colours::panel());
-    setTexts(&palette, QPalette::All, Qt::white);
+    // The frame; the text has a role of its own.
+    setTexts(&palette, QPalette::All, edge);
     return palette;
 }
 

@@ -24,9 +24,8 @@ public:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    /// The menu has come to this item, by the mouse or by the arrows.
-    void takeHighlight();
-    void setHighlighted(bool isHighlighted);
+    /// The menu has come to this item and no other, by the mouse or by the arrows.
+    void light();
 
     QRadioButton *button;
 };

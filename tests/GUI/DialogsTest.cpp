@@ -255,6 +255,7 @@ private slots:
             for (const QString &name : fields)
                 shown += '|' + textIn(dialog, name);
             QVERIFY(accept || (shown == start && isForeign == startsForeign));
+            QCOMPARE(dialog->focusWidget(), part(dialog, isForeign ? "ipAddress" : "port"));
             for (const QString &each : {isForeign ? there : here, there, here, choice}) {
                 click(dialog, each);
                 QCOMPARE(part(dialog, "ipAddress")->isEnabled(), each == there);

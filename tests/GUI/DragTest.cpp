@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "App/Application.h"
 #include "GUI/CameraWidget.h"
+#include "GUI/CloudToolTip.h"
+#include "GUI/Colours.h"
+#include "GUI/GridSizeEditor.h"
 #include "GUI/LayoutCard.h"
 #include "GUI/LayoutListWidget.h"
 #include "GUI/MainWindow.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/ServerWidget.h"
+#include "GUI/TimelineTooltip.h"
 #include "tests/GUI/GridWorld.h"
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/VirtualDisplay.h"
@@ -197,6 +201,46 @@ private slots:
         // A drag is no click.
         for (const auto *button : window.findChildren<QCheckBox *>("expandButton"_s))
             QVERIFY(button->isChecked());
+    }
+
+    void bubblesHaveNoBlackCorners_data()
+    {
+        rows<QString, QColor>({"bubble", "colour"}, {{"time", "TimelineTooltip", Colours::accent()},
+                                                     {"size", "GridSizeEditor", Colours::panel()},
+                                                     {"tip", "CloudToolTip", Qt::white}});
+    }
+
+    /// This display has no compositor, which would show what is behind a translucent window.
+    void bubblesHaveNoBlackCorners()
+    {
+        const auto [bubble, colour] = row<QString, QColor>();
+        const QColor behind(Qt::green);
+        QWidget ground;
+        ground.setPalette(behind);
+        ground.setGeometry(0, 0, 500, 400);
+        ground.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&ground));
+        QScopedPointer<QWidget> made;
+        CloudToolTip::showTip("A tip of some words"_s, QPoint(300, 200), &ground);
+        if (bubble == "CloudToolTip"_s)
+            made.reset(ground.findChild<CloudToolTip *>());
+        else if (bubble == "TimelineTooltip"_s)
+            made.reset(new TimelineTooltip);
+        else
+            made.reset(new GridSizeEditor(&ground));
+        if (bubble != "CloudToolTip"_s) {
+            CloudToolTip::hideTip();
+            made->move(100, 100);
+            made->show();
+        }
+        const QRect place = made->geometry();
+        const auto seen = [](const QPoint &point) {
+            const QPixmap screen = QGuiApplication::primaryScreen()->grabWindow(0);
+            return screen.toImage().pixelColor(point);
+        };
+        QTRY_COMPARE(seen(place.center() - QPoint(0, place.height() / 2 - 4)), colour);
+        for (const QPoint &corner : {place.topLeft(), place.bottomRight()})
+            QCOMPARE(seen(corner), behind);
     }
 };
 

@@ -310,6 +310,9 @@ private slots:
                 parts.removeAll(part->objectName());
                 if (!holdsItsText(part))
                     faults.insert(nameOf(part));
+                if (qobject_cast<QAbstractButton *>(part) &&
+                    part->cursor().shape() != Qt::PointingHandCursor)
+                    faults.insert(nameOf(part) + " has no hand"_s);
                 if (textOf(part).isEmpty() || !part->isEnabled() || seen.contains(part))
                     return;
                 seen.insert(part);
@@ -367,21 +370,70 @@ private slots:
         QVERIFY(!seen.isEmpty());
     }
 
-    /// They inherit the sheet of their button, which colours all that lies in the bar.
-    void popupsStandOut()
+    /// They inherit the sheets of what they belong to, which colour all that lies there.
+    void tipsStandOut()
     {
-        showMainWindow([](QWidget *window) {
-            auto *button = window->findChild<QWidget *>("pauseButton"_s);
-            QHelpEvent ask(QEvent::ToolTip, QPoint(5, 5), button->mapToGlobal(QPoint(5, 5)));
-            QCoreApplication::sendEvent(button, &ask);
-            QImage tip;
-            const QWidgetList tops = QApplication::topLevelWidgets();
-            for (QWidget *top : tops) {
-                if (top->inherits("QTipLabel") && top->isVisible())
-                    tip = top->grab().toImage();
-            }
-            QVERIFY(!tip.isNull() && contrastIn(tip) >= readableContrast);
+        QSet<QWidget *> seen;
+        int tips = 0;
+        showMainWindow([&](QWidget *window) {
+            visitPages(window, [&](QWidget *part) {
+                if (part->toolTip().isEmpty() || seen.contains(part))
+                    return;
+                seen.insert(part);
+                QHelpEvent ask(QEvent::ToolTip, QPoint(5, 5), part->mapToGlobal(QPoint(5, 5)));
+                QCoreApplication::sendEvent(part, &ask);
+                const QWidgetList tops = QApplication::topLevelWidgets();
+                for (QWidget *top : tops) {
+                    if (!top->inherits("QTipLabel") || !top->isVisible())
+                        continue;
+                    ++tips;
+                    const double contrast = contrastIn(top->grab().toImage());
+                    if (contrast < readableContrast)
+                        faults.insert("%1: %2"_s.arg(nameOf(part)).arg(contrast));
+                }
+                QToolTip::hideText();
+            });
         });
+        QVERIFY2(tips > 20, QByteArray::number(tips));
+    }
+
+    /// All that the palette puts one on the other, whatever the widget is up to.
+    void paletteStandsOut()
+    {
+        using P = QPalette;
+        const QVector<QPair<P::ColorRole, P::ColorRole>> pairs = {
+            {P::Window, P::WindowText},
+            {P::Base, P::Text},
+            {P::AlternateBase, P::Text},
+            {P::Button, P::ButtonText},
+            {P::Base, P::PlaceholderText},
+            {P::Highlight, P::HighlightedText},
+            {P::Base, P::Link},
+            {P::Window, P::Link},
+            {P::Window, P::LinkVisited},
+            {P::ToolTipBase, P::ToolTipText},
+            {P::Window, P::PlaceholderText}};
+        const auto check = [&](const QPalette &palette, const char *whose) {
+            for (const auto &[ground, text] : pairs) {
+                for (const P::ColorGroup group : {P::Active, P::Inactive, P::Disabled}) {
+                    const double contrast = contrastOf(palette.color(group, ground).rgb(),
+                                                       palette.color(group, text).rgb());
+                    if (contrast < readableContrast)
+                        faults.insert(
+                            "%1 %2 %3: %4"_s.arg(whose).arg(text).arg(group).arg(contrast));
+                }
+            }
+        };
+        check(QApplication::palette(), "all");
+        check(QApplication::palette("QPushButton"), "buttons");
+        // Asked for by main(), as a desktop would; there a pressed button moves its text.
+        QCOMPARE(qApp->style()->pixelMetric(QStyle::PM_ButtonShiftHorizontal), 0);
+        QMenu menu;
+        menu.addAction("Открыть"_s);
+        menu.setActiveAction(menu.actions().first());
+        const QRect entry = menu.actionGeometry(menu.actions().first());
+        menu.resize(menu.sizeHint());
+        QVERIFY(contrastIn(menu.grab(entry).toImage()) >= readableContrast);
     }
 
     void everyPictureHasItsForms()
@@ -430,6 +482,7 @@ private:
 int main(int argc, char *argv[])
 {
     qputenv("QT_SCALE_FACTOR", "2");
+    qputenv("QT_STYLE_OVERRIDE", "windows");
     App::settings().setValue("common/language"_s, "ru"_s);
     App::Application application(argc, argv);
     application.setStyleSheet(App::Application::globalStyleSheet());
