@@ -2,10 +2,13 @@
 #include "GUI/FocusMark.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QKeyEvent>
+#include <QRadioButton>
 
 #include "GUI/FocusRing.h"
 #include "GUI/FocusedEntry.h"
+#include "GUI/LoginDialog.h"
 #include "GUI/TabOrder.h"
 
 namespace ZorvaneClient {
@@ -19,10 +22,14 @@ bool isContainer(const QWidget *widget)
     return widget->isWindow() || widget->metaObject() == &QWidget::staticMetaObject;
 }
 
-/// Lists that drop down show for themselves what is chosen.
-bool isInPopup(const QWidget *widget)
+/// Lists that drop down show for themselves what is chosen, and so does the sign-in's sheet,
+/// which can't say it of a box to tick.
+bool marksItself(const QWidget *widget)
 {
-    return widget->window()->windowType() == Qt::Popup;
+    const bool isBox =
+        qobject_cast<const QCheckBox *>(widget) || qobject_cast<const QRadioButton *>(widget);
+    return widget->window()->windowType() == Qt::Popup ||
+           (qobject_cast<const LoginDialog *>(widget->window()) && !isBox);
 }
 
 } // namespace
@@ -73,7 +80,7 @@ void FocusMark::moveRing()
     QWidget *target = QApplication::focusWidget();
     if (ring && (!isShown || ring->parent() != target))
         delete ring;
-    if (!isShown || !target || ring || isInPopup(target))
+    if (!isShown || !target || ring || marksItself(target))
         return;
     if (!isContainer(target)) {
         ring = new FocusRing(target);

@@ -12,6 +12,9 @@ namespace GUI {
 namespace {
 
 constexpr int ringPixels = 2;
+/// Cards and tiles have room for it inside of the border that they may have.
+constexpr int largeSidePixels = 60;
+constexpr int insetPixels = 3;
 /// In widths of the line.
 constexpr qreal dashLength = 2;
 
@@ -37,7 +40,8 @@ void FocusRing::paintEvent(QPaintEvent *)
 {
     // Broken, unlike the border of the active tile; one of the colours stands out on any ground.
     QPainter painter(this);
-    constexpr qreal middle = ringPixels / 2.0;
+    const bool isLarge = width() >= largeSidePixels && height() >= largeSidePixels;
+    const qreal middle = ringPixels / 2.0 + (isLarge ? insetPixels : 0);
     const QRectF frame = QRectF(rect()).adjusted(middle, middle, -middle, -middle);
     QPen pen(Colours::tile(), ringPixels, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin);
     painter.setPen(pen);

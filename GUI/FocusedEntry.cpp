@@ -52,10 +52,9 @@ bool pressEntry(QWidget *widget)
         return true;
     }
     auto *button = qobject_cast<QAbstractButton *>(widget);
-    if (!button || !button->isEnabled())
-        return false;
-    button->click();
-    return true;
+    if (button)
+        button->click();
+    return button;
 }
 
 bool openEntryMenu(QWidget *widget)

@@ -7,6 +7,7 @@
 #include "GUI/InfoPanel.h"
 #include "GUI/LayoutCard.h"
 #include "GUI/LayoutListWidget.h"
+#include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/Timeline.h"
@@ -54,15 +55,17 @@ bool isMarked(QWidget *widget)
         const QColor colour = picture.pixelColor(x, y);
         return qAbs(colour.red() - colour.blue()) > 180 || colour.lightness() < 40;
     };
-    const int right = picture.width() - 1;
-    const int bottom = picture.height() - 1;
+    // Of a card or tile, inside of its border.
+    const int inset = qMin(picture.width(), picture.height()) > 60 ? 3 : 0;
+    const int right = picture.width() - 1 - inset;
+    const int bottom = picture.height() - 1 - inset;
     QSet<bool> isLight;
-    for (int x = 4; x < right - 4; ++x) {
-        if (!isFrame(x, 0) || !isFrame(x, bottom))
+    for (int x = inset + 4; x < right - 4; ++x) {
+        if (!isFrame(x, inset) || !isFrame(x, bottom))
             return false;
-        isLight.insert(picture.pixelColor(x, 0).lightness() > 100);
+        isLight.insert(picture.pixelColor(x, inset).lightness() > 100);
     }
-    return isFrame(0, bottom / 2) && isFrame(right, bottom / 2) && isLight.size() == 2 &&
+    return isFrame(inset, bottom / 2) && isFrame(right, bottom / 2) && isLight.size() == 2 &&
            widget->visibleRegion().boundingRect().contains(widget->rect());
 }
 
@@ -73,7 +76,9 @@ QString popupShown()
         return QString();
     if (const auto *menu = qobject_cast<const QMenu *>(popup))
         return "menu "_s + (menu->activeAction() ? menu->activeAction()->text() : QString());
-    return popup->findChild<QCalendarWidget *>() ? "calendar"_s : "list"_s;
+    const bool isMarkedToo = popup->findChild<QWidget *>("focusRing"_s); // it shows what is chosen
+    return (popup->findChild<QCalendarWidget *>() ? "calendar"_s : "list"_s) +
+           (isMarkedToo ? " in a frame" : "");
 }
 
 } // namespace
@@ -120,11 +125,15 @@ private slots:
         const QStringList stops =
             "rosterButton layoutsButton settingsButton_ToolBar searchEdit hideRosterButton "
             "server_s card_a card_b card_c card_d server_lan settingsButton_controlBar "
-            "layoutNameEdit gridSizeButton saveLayoutButton cancelLayoutButton tile_b tile_a "
+            "layoutNameEdit gridSizeButton saveLayoutButton cancelLayoutButton tile_c tile_b "
+            "tile_a "
             "prevDayButton dateEdit nextDayButton zoomOutButton zoomSlider zoomInButton strip "
             "hideRecordsButton goLiveButton pauseButton speedButton soundButton qualityButton "
             "fullscreenButton"_s.split(' ');
-        window->startLayoutEditor();
+        // The one that comes last lies first.
+        window->openLayout(layoutOf(". b | . a"_s));
+        window->addToLayout(cameraNamed("c"_s));
+        window->showArchivePanels();
         QCoreApplication::processEvents();
         QStringList names;
         QStringList faults;
@@ -256,6 +265,21 @@ private slots:
         QPainter painter(&picture);
         window->style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, window.data());
         QCOMPARE(picture, before);
+    }
+
+    /// Its sheet has borders and lines for most of what Tab goes to.
+    void theSignInShowsTheFocusToo()
+    {
+        LoginDialog dialog;
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        for (const char *name : {"forgetBox", "remindButton", "settingsButton"}) {
+            auto *part = dialog.findChild<QWidget *>(name);
+            const QImage idle = part->grab().toImage();
+            tabTo(nameOf(part));
+            QVERIFY2(part->grab().toImage() != idle, name);
+            QCOMPARE(isMarked(part), name == "forgetBox"_s);
+        }
     }
 
     void theMouseTakesTheFrameAway()

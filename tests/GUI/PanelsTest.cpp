@@ -105,6 +105,7 @@ private slots:
     {
         press("gridSizeButton");
         auto *editor = find<GridSizeEditor>();
+        QCOMPARE(editor->cursor().shape(), Qt::PointingHandCursor);
         QSignalSpy picked(find<InfoPanel>(), &InfoPanel::layoutSizeChanged);
         connect(find<InfoPanel>(), &InfoPanel::layoutSizeChanged, editor,
                 [editor] { QVERIFY(!editor->isVisible()); });
@@ -250,6 +251,7 @@ private slots:
             openCalendar(QPoint(x, place.y()));
             const QPoint fifth = cells()[5].center();
             QWidget *days = calendar()->window()->childAt(fifth);
+            QCOMPARE(days->cursor().shape(), Qt::PointingHandCursor);
             QTest::mouseClick(days, Qt::LeftButton, Qt::NoModifier,
                               days->mapFrom(calendar()->window(), fifth));
             QTRY_VERIFY(!QApplication::activePopupWidget());

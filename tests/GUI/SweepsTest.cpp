@@ -37,6 +37,8 @@ const QStringList paleTexts =
     "proxyChoice proxyHostLbl proxyLoginLbl proxyPasswordLbl proxyPortLbl remindButton "
     "restartButton restartNotice settingsLabel signUpButton signoutButton updateFailsLabel "
     "updatesLabel versionLabel"_s.split(QLatin1Char(' '));
+/// Half transparent while they are disabled.
+const QStringList dimmed = {"signInButton", "exportModeButton"};
 const QString serverId = "s1"_s;
 
 API::LayoutPtr yardLayout()
@@ -70,6 +72,13 @@ void showSignIn(const Look &look)
     GUI::LoginDialog dialog;
     dialog.show();
     App::settings().setValue("proxy/useProxy"_s, false);
+    look(&dialog);
+    // As while it waits for the service.
+    const auto fields = dialog.findChildren<QLineEdit *>();
+    for (QLineEdit *field : fields) {
+        field->setText("user"_s);
+        field->setEnabled(false);
+    }
     look(&dialog);
 }
 
@@ -298,7 +307,7 @@ private slots:
         QFETCH(Scene, scene);
         QFETCH(int, controls);
         QFETCH(QStringList, parts);
-        QSet<QWidget *> seen;
+        QSet<QPair<QWidget *, bool>> seen; // enabled and disabled
         scene([&](QWidget *window) {
             const QWidgetList all = window->findChildren<QWidget *>();
             for (const QWidget *part : all) {
@@ -310,15 +319,18 @@ private slots:
                 parts.removeAll(part->objectName());
                 if (!holdsItsText(part))
                     faults.insert(nameOf(part));
-                if (qobject_cast<QAbstractButton *>(part) &&
-                    part->cursor().shape() != Qt::PointingHandCursor)
+                const bool isClicked = qobject_cast<QAbstractButton *>(part) ||
+                                       part->objectName() == "controlBar"_s ||
+                                       part->inherits("TippedButton");
+                if (isClicked && part->cursor().shape() != Qt::PointingHandCursor)
                     faults.insert(nameOf(part) + " has no hand"_s);
-                if (textOf(part).isEmpty() || !part->isEnabled() || seen.contains(part))
+                if (textOf(part).isEmpty() || dimmed.contains(part->objectName()) ||
+                    seen.contains({part, part->isEnabled()}))
                     return;
-                seen.insert(part);
+                seen.insert({part, part->isEnabled()});
                 if (auto *edit = qobject_cast<QLineEdit *>(part)) {
                     const QSignalBlocker blocker(edit);
-                    if (!edit->placeholderText().isEmpty())
+                    if (!edit->placeholderText().isEmpty() && edit->isEnabled())
                         edit->clear(); // shows what to type
                 }
                 // Enlarged, so that thin letters have their full colour; without the round ends.
