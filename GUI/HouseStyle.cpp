@@ -5,7 +5,9 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QStyleFactory>
+#include <QStyleOption>
 #include <QToolTip>
+#include <qdrawutil.h>
 
 #include "GUI/FocusMark.h"
 #include "GUI/Palette.h"
@@ -36,8 +38,14 @@ void HouseStyle::polish(QWidget *widget)
 void HouseStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option,
                                QPainter *painter, const QWidget *widget) const
 {
-    if (element != PE_FrameFocusRect)
+    // The sheet of the widget below would colour its frame.
+    if (element == PE_PanelTipLabel) {
+        const QBrush ground = toolTipPalette().toolTipBase();
+        const QColor frame = toolTipPalette().color(QPalette::WindowText);
+        qDrawPlainRect(painter, option->rect, frame, 1, &ground);
+    } else if (element != PE_FrameFocusRect) {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
 }
 
 void useHouseStyle(QApplication *application)

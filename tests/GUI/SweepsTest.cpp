@@ -319,8 +319,9 @@ private slots:
                 parts.removeAll(part->objectName());
                 if (!holdsItsText(part))
                     faults.insert(nameOf(part));
-                const bool isClicked = qobject_cast<QAbstractButton *>(part) ||
-                                       part->objectName() == "controlBar"_s ||
+                const bool isHeading = part->objectName() == "controlBar"_s &&
+                                       part->parentWidget()->objectName() == "ServerWidget"_s;
+                const bool isClicked = isHeading || qobject_cast<QAbstractButton *>(part) ||
                                        part->inherits("TippedButton");
                 if (isClicked && part->cursor().shape() != Qt::PointingHandCursor)
                     faults.insert(nameOf(part) + " has no hand"_s);
@@ -399,7 +400,10 @@ private slots:
                     if (!top->inherits("QTipLabel") || !top->isVisible())
                         continue;
                     ++tips;
-                    const double contrast = contrastIn(top->grab().toImage());
+                    const QImage tip = top->grab().toImage();
+                    if (tip.pixelColor(0, 0) != QColor(108, 118, 136))
+                        faults.insert(nameOf(part) + " has another frame"_s);
+                    const double contrast = contrastIn(tip);
                     if (contrast < readableContrast)
                         faults.insert("%1: %2"_s.arg(nameOf(part)).arg(contrast));
                 }
