@@ -2,12 +2,12 @@
 // The main window by the keyboard alone: where Tab goes, what shows it, what the keys do there.
 #include "API/LocalServer.h"
 #include "App/Application.h"
+#include "GUI/CameraWidget.h"
 #include "GUI/Colours.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/InfoPanel.h"
 #include "GUI/LayoutCard.h"
 #include "GUI/LayoutListWidget.h"
-#include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/Timeline.h"
@@ -46,39 +46,18 @@ void press(const QString &keys)
                     keys.startsWith("Shift"_s) ? Qt::ShiftModifier : Qt::NoModifier);
 }
 
-/// A frame in two colours goes all round it, and nothing of it lies out of view.
+/// A broken line goes along it, inside of the border of a card or tile, and all of it is in view.
 bool isMarked(QWidget *widget)
 {
     const QImage picture = widget->grab().toImage();
-    // A shadow changes its colours a little.
-    const auto isFrame = [&](int x, int y) {
-        const QColor colour = picture.pixelColor(x, y);
-        return qAbs(colour.red() - colour.blue()) > 180 || colour.lightness() < 40;
-    };
-    // Of a card or tile, inside of its border.
     const int inset = qMin(picture.width(), picture.height()) > 60 ? 3 : 0;
-    const int right = picture.width() - 1 - inset;
-    const int bottom = picture.height() - 1 - inset;
-    QSet<bool> isLight;
-    for (int x = inset + 4; x < right - 4; ++x) {
-        if (!isFrame(x, inset) || !isFrame(x, bottom))
-            return false;
-        isLight.insert(picture.pixelColor(x, inset).lightness() > 100);
+    int breaks = 0;
+    for (int x = inset + 1; x < picture.width() - inset; ++x) {
+        const auto isLight = [&](int at) { return picture.pixelColor(at, inset).blue() > 150; };
+        breaks += isLight(x) != isLight(x - 1) ? 1 : 0;
     }
-    return isFrame(inset, bottom / 2) && isFrame(right, bottom / 2) && isLight.size() == 2 &&
+    return breaks >= picture.width() / 8 &&
            widget->visibleRegion().boundingRect().contains(widget->rect());
-}
-
-QString popupShown()
-{
-    const QWidget *popup = QApplication::activePopupWidget();
-    if (!popup)
-        return QString();
-    if (const auto *menu = qobject_cast<const QMenu *>(popup))
-        return "menu "_s + (menu->activeAction() ? menu->activeAction()->text() : QString());
-    const bool isMarkedToo = popup->findChild<QWidget *>("focusRing"_s); // it shows what is chosen
-    return (popup->findChild<QCalendarWidget *>() ? "calendar"_s : "list"_s) +
-           (isMarkedToo ? " in a frame" : "");
 }
 
 } // namespace
@@ -165,26 +144,21 @@ private slots:
         // Layouts and Settings are the pages of the side bar, Edit begins to edit the view.
         rows<QString, QString, QString>(
             {"keys", "place", "effect"},
-            {{"a card", "Return", "card_c", "view c"},
-             {"number pad", "Enter", "card_c", "view c"},
-             {"menu of a card", "Menu", "card_b", "menu Open camera"},
-             {"the other keys for it", "Shift+F10", "card_b", "menu Open camera"},
-             {"a plain F10", "F10", "card_b", ""},
-             {"menu of a tile", "Menu", "tile_a", "menu Settings"},
-             {"a tile", "Return", "tile_a", "active a"},
-             {"menu of a LAN server", "Menu", "server_lan", "menu Edit"},
-             {"a cloud server has none", "Menu", "server_s", ""},
-             {"a server", "Return", "server_s", "closed"},
-             {"menu of the view", "Menu", "settingsButton_settingsPage", "menu Edit view"},
-             {"a button without a menu", "Menu", "zoomInButton", ""},
+            {{"a card", "Return", "card_c", "view c, c of 4 at card_c"},
+             {"menu of a card", "Menu", "card_b", "Open camera"},
+             {"the other keys for it", "Shift+F10", "card_b", "Open camera"},
+             {"menu of a tile", "Menu", "tile_a", "Settings"},
+             {"a tile", "Return", "tile_a", "view b . | . a, a of 4 at tile_a"},
+             {"menu of a LAN server", "Menu", "server_lan", "Edit"},
+             {"a cloud server has none", "Menu", "server_s", "view b . | . a, b of 4 at server_s"},
+             {"a server", "Return", "server_s", "view b . | . a, b of 0 at server_s"},
              {"the date", "Return", "dateEdit", "calendar"},
-             {"a field", "Return", "searchEdit", ""},
              {"saved", "Edit Return", "saveLayoutButton",
-              "view b . | . a, at settingsButton_settingsPage"},
-             {"a layout", "Layouts Return", "card_Night", "view a b"},
-             {"menu of a layout", "Layouts Menu", "card_Night", "menu Open"},
+              "view b . | . a, b of 4 at settingsButton_settingsPage"},
+             {"a layout", "Layouts Return", "card_Night", "view a b, a of 0 at card_Night"},
              {"languages", "Settings Return", "languageBox", "list"},
-             {"play in place of pause", "Return", "pauseButton", "at playButton"}});
+             {"play in place of pause", "Return", "pauseButton",
+              "view b . | . a, b of 4 at playButton"}});
     }
 
     void keysActWhereTheFocusIs()
@@ -197,23 +171,8 @@ private slots:
         else if (keys.startsWith("Edit"_s))
             window->startLayoutEditor();
         tabTo(place);
-        const QString before = state();
-        QSignalSpy active(window.data(), &MainWindow::cameraActivated);
         press(keys.section(' ', -1));
-        QCoreApplication::processEvents();
-        const QWidget *cards = window->findChildren<QWidget *>("container"_s).last();
-        const QString shown = state();
-        QStringList changes = QStringList{popupShown()};
-        if (shown.startsWith("view"_s) && shown != before)
-            changes.append(shown);
-        else if (!active.isEmpty())
-            changes.append("active "_s + active.last().first().value<API::CameraPtr>()->name());
-        if (nameOf(QApplication::focusWidget()) != place && popupShown().isEmpty())
-            changes.append("at "_s + nameOf(QApplication::focusWidget()));
-        if (place.startsWith("server"_s) && !cards->isVisible())
-            changes.append("closed"_s);
-        changes.removeAll(QString());
-        QCOMPARE(changes.join(", "_s), effect);
+        QTRY_COMPARE(state(), effect);
     }
 
     void theQualityMenuFollowsTheArrows()
@@ -231,55 +190,22 @@ private slots:
         tabTo("qualityButton"_s);
         QStringList seen;
         QTimer::singleShot(0, window.data(), [&] {
+            QEvent entered(QEvent::Enter);
+            QEvent left(QEvent::Leave);
             QWidget *menu = QApplication::activePopupWidget();
-            seen.append(lit());
-            for (int i = 0; i < 2; ++i) {
-                QTest::keyClick(menu, Qt::Key_Down);
+            for (const int key : {Qt::Key_Down, Qt::Key_Down, 0, Qt::Key_Down}) {
+                key ? QTest::keyClick(menu, Qt::Key(key))
+                    : void(QCoreApplication::sendEvent(items.first(), &entered));
                 seen.append(lit());
             }
-            QEvent entered(QEvent::Enter);
-            QCoreApplication::sendEvent(items.first(), &entered);
-            seen.append(lit());
-            QTest::keyClick(menu, Qt::Key_Down);
-            seen.append(lit());
             QTest::keyClick(menu, Qt::Key_Return);
-            QEvent left(QEvent::Leave);
             QCoreApplication::sendEvent(items.first(), &left);
         });
         press("Return"_s);
-        QCOMPARE(seen, (QStringList{"", "Low", "Middle", "Low", "Middle"}));
+        QCOMPARE(seen, (QStringList{"Low", "Middle", "Low", "Middle"}));
         QCOMPARE(middle.count(), 1);
         QVERIFY(items.at(1)->isChecked() && !items.last()->isChecked());
         QCOMPARE(lit(), QString());
-    }
-
-    /// Boxes and buttons would draw another one inside.
-    void theFrameIsTheOnlyOne()
-    {
-        QImage picture(40, 20, QImage::Format_RGB32);
-        picture.fill(Qt::white);
-        const QImage before = picture;
-        QStyleOptionFocusRect option;
-        option.rect = picture.rect();
-        option.state = QStyle::State_Enabled | QStyle::State_KeyboardFocusChange;
-        QPainter painter(&picture);
-        window->style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, window.data());
-        QCOMPARE(picture, before);
-    }
-
-    /// Its sheet has borders and lines for most of what Tab goes to.
-    void theSignInShowsTheFocusToo()
-    {
-        LoginDialog dialog;
-        dialog.show();
-        QVERIFY(QTest::qWaitForWindowActive(&dialog));
-        for (const char *name : {"forgetBox", "remindButton", "settingsButton"}) {
-            auto *part = dialog.findChild<QWidget *>(name);
-            const QImage idle = part->grab().toImage();
-            tabTo(nameOf(part));
-            QVERIFY2(part->grab().toImage() != idle, name);
-            QCOMPARE(isMarked(part), name == "forgetBox"_s);
-        }
     }
 
     void theMouseTakesTheFrameAway()
@@ -310,10 +236,26 @@ private:
         QCOMPARE(nameOf(QApplication::focusWidget()), name);
     }
 
+    /// The entry that a menu has come to or the popup that is open; else mode, cells, active camera
+    /// of how many cards, and where the focus is.
     QString state() const
     {
+        const QWidget *popup = QApplication::activePopupWidget();
+        if (const auto *menu = qobject_cast<const QMenu *>(popup))
+            return menu->activeAction() ? menu->activeAction()->text() : "no entry"_s;
+        if (popup && popup->findChild<QWidget *>("focusRing"_s))
+            return "a frame in what shows itself"_s;
+        if (popup)
+            return popup->findChild<QCalendarWidget *>() ? "calendar"_s : "list"_s;
+        const auto cards = window->findChildren<CameraWidget *>();
+        const auto seen = std::count_if(cards.begin(), cards.end(),
+                                        [](const QWidget *card) { return card->isVisible(); });
         const bool isEdited = window->findChild<InfoPanel *>()->mode() == InfoPanel::EditMode;
-        return (isEdited ? "edit "_s : "view "_s) + cellsOf(*gridOf(*window));
+        const QString text = isEdited ? "edit %1, %2 of %3 at %4"_s : "view %1, %2 of %3 at %4"_s;
+        return text
+            .arg(cellsOf(*gridOf(*window)), window->findChild<Timeline *>()->activeCamera()->name())
+            .arg(seen)
+            .arg(nameOf(QApplication::focusWidget()));
     }
 
     QScopedPointer<MainWindow> window;

@@ -417,39 +417,26 @@ private slots:
     void paletteStandsOut()
     {
         using P = QPalette;
-        const QVector<QPair<P::ColorRole, P::ColorRole>> pairs = {
-            {P::Window, P::WindowText},
-            {P::Base, P::Text},
-            {P::AlternateBase, P::Text},
-            {P::Button, P::ButtonText},
-            {P::Base, P::PlaceholderText},
-            {P::Highlight, P::HighlightedText},
-            {P::Base, P::Link},
-            {P::Window, P::Link},
-            {P::Window, P::LinkVisited},
-            {P::ToolTipBase, P::ToolTipText},
-            {P::Window, P::PlaceholderText}};
-        const auto check = [&](const QPalette &palette, const char *whose) {
-            for (const auto &[ground, text] : pairs) {
-                for (const P::ColorGroup group : {P::Active, P::Inactive, P::Disabled}) {
-                    const double contrast = contrastOf(palette.color(group, ground).rgb(),
-                                                       palette.color(group, text).rgb());
-                    if (contrast < readableContrast)
-                        faults.insert(
-                            "%1 %2 %3: %4"_s.arg(whose).arg(text).arg(group).arg(contrast));
-                }
+        const QMultiMap<P::ColorRole, P::ColorRole> grounds = {{P::WindowText, P::Window},
+                                                               {P::Text, P::Base},
+                                                               {P::Text, P::AlternateBase},
+                                                               {P::ButtonText, P::Button},
+                                                               {P::Link, P::Base},
+                                                               {P::Link, P::Window},
+                                                               {P::LinkVisited, P::Window},
+                                                               {P::PlaceholderText, P::Base},
+                                                               {P::HighlightedText, P::Highlight}};
+        for (auto pair = grounds.cbegin(); pair != grounds.cend(); ++pair) {
+            for (const P::ColorGroup group : {P::Active, P::Inactive, P::Disabled}) {
+                const QPalette palette = QApplication::palette();
+                const double contrast = contrastOf(palette.color(group, pair.key()).rgb(),
+                                                   palette.color(group, pair.value()).rgb());
+                if (contrast < readableContrast)
+                    faults.insert("%1 %2: %3"_s.arg(pair.key()).arg(group).arg(contrast));
             }
-        };
-        check(QApplication::palette(), "all");
-        check(QApplication::palette("QPushButton"), "buttons");
-        // Asked for by main(), as a desktop would; there a pressed button moves its text.
+        }
+        // The style that main() asks for, as a desktop would, moves the text of a pressed button.
         QCOMPARE(qApp->style()->pixelMetric(QStyle::PM_ButtonShiftHorizontal), 0);
-        QMenu menu;
-        menu.addAction("Открыть"_s);
-        menu.setActiveAction(menu.actions().first());
-        const QRect entry = menu.actionGeometry(menu.actions().first());
-        menu.resize(menu.sizeHint());
-        QVERIFY(contrastIn(menu.grab(entry).toImage()) >= readableContrast);
     }
 
     void everyPictureHasItsForms()
