@@ -19,6 +19,7 @@
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
 #include "App/SettingsKeys.h"
+#include "GUI/HouseStyle.h"
 #include "GUI/HoverSync.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
@@ -63,6 +64,7 @@ Application::Application(HighDensity, int &argc, char **argv) : QApplication(arg
 {
     setApplicationName(QStringLiteral("Zorvane Client"));
     setApplicationVersion(QStringLiteral(ZORVANE_VERSION));
+    GUI::useHouseStyle(this);
     loadLanguage(language());
     addFonts();
     makeFolders();

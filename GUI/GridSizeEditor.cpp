@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include "GUI/BubbleMask.h"
 #include "GUI/Colours.h"
 
 namespace ZorvaneClient {
@@ -44,6 +45,8 @@ GridSizeEditor::GridSizeEditor(QWidget *parent) : QWidget(parent, Qt::Popup)
     setMouseTracking(true);
     setFocus();
     resize(popupSize);
+    cutToPainting(this);
+    setCursor(Qt::PointingHandCursor);
 }
 
 void GridSizeEditor::setCurrentSize(int rows, int columns)

@@ -19,6 +19,7 @@
 #include "GUI/LayoutListWidget.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/SideBar.h"
+#include "GUI/TabOrder.h"
 #include "GUI/Timeline.h"
 #include "GUI/ToolBar.h"
 
@@ -204,6 +205,13 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
         setFocus(); // out of a field
     }
     QWidget::keyPressEvent(event);
+}
+
+bool MainWindow::focusNextPrevChild(bool next)
+{
+    return moveFocus(tabStops({toolBar, sideBar, infoPanel, layoutWidget, archiveControlPanel,
+                               timeline, controlPanel}),
+                     next);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

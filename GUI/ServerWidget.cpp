@@ -50,6 +50,7 @@ ServerWidget::ServerWidget(API::ServerPtr server, QWidget *parent)
     connect(ui->expandButton, &QCheckBox::stateChanged, ui->container,
             [this](int state) { ui->container->setVisible(state == Qt::Checked); });
     ui->controlBar->installEventFilter(this);
+    ui->controlBar->setCursor(Qt::PointingHandCursor);
     if (!server->isLocal())
         ui->settingsButton->hide();
     createMenu();

@@ -269,6 +269,8 @@ private slots:
             for (const QString &name : fields)
                 shown += '|' + textIn(dialog, name);
             QVERIFY(accept || (shown == start && isForeign == startsForeign));
+            const auto *first = part<QLineEdit>(dialog, isForeign ? "ipAddress" : "port");
+            QVERIFY(dialog->focusWidget() == first && first->selectedText() == first->text());
             for (const QString &each : {isForeign ? there : here, there, here, choice}) {
                 click(dialog, each);
                 QCOMPARE(part(dialog, "ipAddress")->isEnabled(), each == there);
@@ -279,7 +281,10 @@ private slots:
             }
             for (int i = 0; i < fields.size(); ++i)
                 part<QLineEdit>(dialog, fields.at(i))->setText(typed.at(i));
-            accept ? clickOk(dialog) : clickCancel(dialog);
+            // Return is for the dialog as a whole, wherever the focus is.
+            part(dialog, "showPassword")->setFocus();
+            accept ? QTest::keyClick(part(dialog, "showPassword"), Qt::Key_Return)
+                   : clickCancel(dialog);
         });
         const auto open = [&] { adds ? click(&page, "addServerButton") : page.editServer(server); };
         open();

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "App/Application.h"
 #include "GUI/CameraWidget.h"
+#include "GUI/CloudToolTip.h"
+#include "GUI/GridSizeEditor.h"
 #include "GUI/LayoutCard.h"
 #include "GUI/LayoutListWidget.h"
 #include "GUI/MainWindow.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/ServerWidget.h"
+#include "GUI/TimelineTooltip.h"
 #include "tests/GUI/GridWorld.h"
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/RealPointer.h"
@@ -188,6 +191,35 @@ private slots:
         // A drag is no click.
         for (const auto *button : window.findChildren<QCheckBox *>("expandButton"_s))
             QVERIFY(button->isChecked());
+    }
+
+    /// This display has no compositor, which would show what is behind a translucent window.
+    void bubblesHaveNoBlackCorners()
+    {
+        const QColor behind(Qt::green);
+        QWidget ground;
+        ground.setPalette(behind);
+        ground.resize(500, 400);
+        ground.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&ground));
+        TimelineTooltip time;
+        GridSizeEditor size(&ground);
+        time.move(100, 100);
+        time.show();
+        size.move(100, 200);
+        size.show();
+        CloudToolTip::showTip("A tip of some words"_s, QPoint(300, 200), &ground);
+        for (const QWidget *bubble :
+             QWidgetList{&time, &size, ground.findChild<CloudToolTip *>()}) {
+            const auto seen = [](const QPoint &point) {
+                return QGuiApplication::primaryScreen()->grabWindow(0).toImage().pixelColor(point);
+            };
+            const QRect place = bubble->geometry();
+            QTRY_VERIFY(seen(QPoint(place.center().x(), place.top() + 5)) != behind);
+            for (const QPoint &corner : {place.topLeft(), place.bottomRight()})
+                QCOMPARE(seen(corner), behind);
+        }
+        CloudToolTip::hideTip();
     }
 };
 

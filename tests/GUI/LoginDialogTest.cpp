@@ -313,7 +313,9 @@ private slots:
                 if (pressed.contains(':'))
                     form.fillProxy(pressed);
                 else if (pressed == "Return"_s)
-                    QVERIFY(form.pressKey(Qt::Key_Return, "passwordLn"));
+                    for (const char *field :
+                         {"proxyPassword", "proxyLogin", "proxyPort", "proxyHost", "passwordLn"})
+                        QVERIFY(form.pressKey(Qt::Key_Return, field));
                 else
                     form.press(pressed);
             }

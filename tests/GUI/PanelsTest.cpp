@@ -107,6 +107,7 @@ private slots:
     {
         press("gridSizeButton");
         auto *editor = find<GridSizeEditor>();
+        QCOMPARE(editor->cursor().shape(), Qt::PointingHandCursor);
         QTest::mouseMove(editor, QPoint(45, 25));
         QTRY_COMPARE(QToolTip::text(), "3 × 2"_s);
         QTest::mouseMove(editor, QPoint(45, 5)); // above the matrix
@@ -280,6 +281,7 @@ private slots:
             openCalendar(QPoint(x, place.y()));
             const QPoint fifth = cells()[5].center();
             QWidget *days = calendar()->window()->childAt(fifth);
+            QCOMPARE(days->cursor().shape(), Qt::PointingHandCursor);
             QTest::mouseClick(days, Qt::LeftButton, Qt::NoModifier,
                               days->mapFrom(calendar()->window(), fifth));
             QTRY_VERIFY(!QApplication::activePopupWidget());

@@ -38,6 +38,8 @@ const QStringList paleTexts =
     "proxyChoice proxyHostLbl proxyLoginLbl proxyPasswordLbl proxyPortLbl remindButton "
     "restartButton restartNotice settingsLabel signUpButton signoutButton updateFailsLabel "
     "updatesLabel versionLabel"_s.split(QLatin1Char(' '));
+/// Half transparent while they are disabled.
+const QStringList dimmed = {"signInButton", "exportModeButton"};
 const QString serverId = "s1"_s;
 
 API::LayoutPtr yardLayout()
@@ -71,6 +73,13 @@ void showSignIn(const Look &look)
     GUI::LoginDialog dialog;
     dialog.show();
     App::settings().setValue("proxy/useProxy"_s, false);
+    look(&dialog);
+    // As while it waits for the service.
+    const auto fields = dialog.findChildren<QLineEdit *>();
+    for (QLineEdit *field : fields) {
+        field->setText("user"_s);
+        field->setEnabled(false);
+    }
     look(&dialog);
 }
 
@@ -301,7 +310,7 @@ private slots:
         QFETCH(Scene, scene);
         QFETCH(int, controls);
         QFETCH(QStringList, parts);
-        QSet<QWidget *> seen;
+        QSet<QPair<QWidget *, bool>> seen; // enabled and disabled
         scene([&](QWidget *window) {
             const QWidgetList all = window->findChildren<QWidget *>();
             for (const QWidget *part : all) {
@@ -313,12 +322,19 @@ private slots:
                 parts.removeAll(part->objectName());
                 if (!holdsItsText(part))
                     faults.insert(nameOf(part));
-                if (textOf(part).isEmpty() || !part->isEnabled() || seen.contains(part))
+                const bool isHeading = part->objectName() == "controlBar"_s &&
+                                       part->parentWidget()->objectName() == "ServerWidget"_s;
+                const bool isClicked = isHeading || qobject_cast<QAbstractButton *>(part) ||
+                                       part->inherits("TippedButton");
+                if (isClicked && part->cursor().shape() != Qt::PointingHandCursor)
+                    faults.insert(nameOf(part) + " has no hand"_s);
+                if (textOf(part).isEmpty() || dimmed.contains(part->objectName()) ||
+                    seen.contains({part, part->isEnabled()}))
                     return;
-                seen.insert(part);
+                seen.insert({part, part->isEnabled()});
                 if (auto *edit = qobject_cast<QLineEdit *>(part)) {
                     const QSignalBlocker blocker(edit);
-                    if (!edit->placeholderText().isEmpty())
+                    if (!edit->placeholderText().isEmpty() && edit->isEnabled())
                         edit->clear(); // shows what to type
                 }
                 // Enlarged, so that thin letters have their full colour; without the round ends.
@@ -370,21 +386,60 @@ private slots:
         QVERIFY(!seen.isEmpty());
     }
 
-    /// They inherit the sheet of their button, which colours all that lies in the bar.
-    void popupsStandOut()
+    /// They inherit the sheets of what they belong to, which colour all that lies there.
+    void tipsStandOut()
     {
-        showMainWindow([](QWidget *window) {
-            auto *button = window->findChild<QWidget *>("pauseButton"_s);
-            QHelpEvent ask(QEvent::ToolTip, QPoint(5, 5), button->mapToGlobal(QPoint(5, 5)));
-            QCoreApplication::sendEvent(button, &ask);
-            QImage tip;
-            const QWidgetList tops = QApplication::topLevelWidgets();
-            for (QWidget *top : tops) {
-                if (top->inherits("QTipLabel") && top->isVisible())
-                    tip = top->grab().toImage();
-            }
-            QVERIFY(!tip.isNull() && contrastIn(tip) >= readableContrast);
+        QSet<QWidget *> seen;
+        int tips = 0;
+        showMainWindow([&](QWidget *window) {
+            visitPages(window, [&](QWidget *part) {
+                if (part->toolTip().isEmpty() || seen.contains(part))
+                    return;
+                seen.insert(part);
+                QHelpEvent ask(QEvent::ToolTip, QPoint(5, 5), part->mapToGlobal(QPoint(5, 5)));
+                QCoreApplication::sendEvent(part, &ask);
+                const QWidgetList tops = QApplication::topLevelWidgets();
+                for (QWidget *top : tops) {
+                    if (!top->inherits("QTipLabel") || !top->isVisible())
+                        continue;
+                    ++tips;
+                    const QImage tip = top->grab().toImage();
+                    if (tip.pixelColor(0, 0) != QColor(108, 118, 136))
+                        faults.insert(nameOf(part) + " has another frame"_s);
+                    const double contrast = contrastIn(tip);
+                    if (contrast < readableContrast)
+                        faults.insert("%1: %2"_s.arg(nameOf(part)).arg(contrast));
+                }
+                QToolTip::hideText();
+            });
         });
+        QVERIFY2(tips > 20, QByteArray::number(tips));
+    }
+
+    /// All that the palette puts one on the other, whatever the widget is up to.
+    void paletteStandsOut()
+    {
+        using P = QPalette;
+        const QMultiMap<P::ColorRole, P::ColorRole> grounds = {{P::WindowText, P::Window},
+                                                               {P::Text, P::Base},
+                                                               {P::Text, P::AlternateBase},
+                                                               {P::ButtonText, P::Button},
+                                                               {P::Link, P::Base},
+                                                               {P::Link, P::Window},
+                                                               {P::LinkVisited, P::Window},
+                                                               {P::PlaceholderText, P::Base},
+                                                               {P::HighlightedText, P::Highlight}};
+        for (auto pair = grounds.cbegin(); pair != grounds.cend(); ++pair) {
+            for (const P::ColorGroup group : {P::Active, P::Inactive, P::Disabled}) {
+                const QPalette palette = QApplication::palette();
+                const double contrast = contrastOf(palette.color(group, pair.key()).rgb(),
+                                                   palette.color(group, pair.value()).rgb());
+                if (contrast < readableContrast)
+                    faults.insert("%1 %2: %3"_s.arg(pair.key()).arg(group).arg(contrast));
+            }
+        }
+        // The style that main() asks for, as a desktop would, moves the text of a pressed button.
+        QCOMPARE(qApp->style()->pixelMetric(QStyle::PM_ButtonShiftHorizontal), 0);
     }
 
     void everyPictureHasItsForms()
@@ -440,6 +495,7 @@ private:
 int main(int argc, char *argv[])
 {
     qputenv("QT_SCALE_FACTOR", "2");
+    qputenv("QT_STYLE_OVERRIDE", "windows");
     App::settings().setValue("common/language"_s, "ru"_s);
     App::Application application(argc, argv);
     application.setStyleSheet(App::Application::globalStyleSheet());

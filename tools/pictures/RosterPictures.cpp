@@ -60,6 +60,9 @@ void takeRoster(Studio &studio)
     auto *menuButton = card(studio.good.first().server, studio.good.first().camera)
                            ->findChild<QPushButton *>(QStringLiteral("previewMenu"));
     studio.takeMenu("card-menu", "The menu of a camera's card", menuButton, sidePlace());
+    auto *chosen = card(studio.good.first().server, studio.good.first().camera);
+    focusByTab(chosen);
+    studio.take("roster-keyboard", "Tab has come to a card", sidePlace());
     GUI::ServerWidget *server = serverOf(studio.lan);
     roster->ensureWidgetVisible(server);
     settle();

@@ -104,6 +104,8 @@ void takeWalls(Studio &studio)
     hoverNothing();
     studio.open(studio.layout(QStringLiteral("2 x 2"), 2, 2));
     studio.take("wall-2x2", "Four cameras, one of them chosen");
+    focusByTab(gridOf(mainWindow())->players().last());
+    studio.take("wall-keyboard", "Tab has come to a tile", gridPlace());
     studio.open(studio.layout(QStringLiteral("3 x 3"), 3, 3));
     studio.takeAtAnyScale("wall-3x3", "Nine cameras");
     studio.open(studio.layout(QStringLiteral("4 x 4"), 4, 4));
@@ -121,6 +123,9 @@ void takeControls(Studio &studio)
     const QRect place = placeOf(panel);
     hoverNothing();
     studio.take("controls-live", "The controls while live", place);
+    focusByTab(partNamed("pauseButton"));
+    studio.take("controls-keyboard", "Tab has come to a button", place);
+    QTest::mouseClick(panel, Qt::LeftButton, Qt::NoModifier, QPoint(1, 1)); // away with the frame
     hover(partNamed("soundButton"));
     studio.take("controls-sound", "The volume", place);
     press(mainWindow(), "soundButton");
