@@ -49,6 +49,7 @@ MainWindow::MainWindow(QWidget *parent)
     arrange();
     resize(firstSize);
 
+    layoutWidget->setNamesShown(App::settings().value(App::SettingsKey::namesOnTiles).toBool());
     const QString openTab = App::settings().value(App::SettingsKey::openTab).toString();
     closeCurrentView();
     if (openTab == layoutsTab)
@@ -119,6 +120,13 @@ void MainWindow::showRosterAndToolbar()
     infoPanel->hideShowButton();
 }
 
+void MainWindow::toggleNames()
+{
+    const bool areShown = !layoutWidget->areNamesShown();
+    layoutWidget->setNamesShown(areShown);
+    App::settings().setValue(App::SettingsKey::namesOnTiles, areShown);
+}
+
 void MainWindow::setSoundVolume(int volume)
 {
     layoutWidget->setSoundVolume(volume);
@@ -174,7 +182,10 @@ void MainWindow::onFullscreen()
 
 void MainWindow::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape && isFullScreen()) {
+    if (event->key() == Qt::Key_Escape && layoutWidget->isMaximised()) {
+        layoutWidget->showAllTiles();
+        event->accept();
+    } else if (event->key() == Qt::Key_Escape && isFullScreen()) {
         onFullscreen();
         event->accept();
     }

@@ -77,6 +77,8 @@ public slots:
     /// Starts the archive anew at the cursor; the argument is not used.
     void setSpeed(int);
     void onFullscreen();
+    /// Labels on the tiles with names and states, here and in windows that come.
+    void toggleNames();
     void onExportDone(QString);
     void onExportError(QString);
     void onExportStarted();
