@@ -78,6 +78,8 @@ public slots:
     void toggleMaximised(Player::VideoWidget *tile);
     /// Nothing is maximised any more.
     void showAllTiles();
+    /// Every tile shows its whole picture.
+    void resetZoom();
     /// Labels the tiles with their cameras' names and states.
     void setNamesShown(bool areShown);
     void playLive();

@@ -141,6 +141,12 @@ void LayoutWidget::setNamesShown(bool areShown)
         tile->setNameShown(areShown);
 }
 
+void LayoutWidget::resetZoom()
+{
+    for (VideoWidget *tile : qAsConst(d->players))
+        tile->resetZoom();
+}
+
 void LayoutWidget::playLive()
 {
     for (VideoWidget *tile : qAsConst(d->players))

@@ -91,6 +91,8 @@ public slots:
     void exportFragment(QDateTime start, QDateTime end);
     /// Ends the export without a signal; nothing of the file stays. Blocks for a moment.
     void cancelExport();
+    /// What the button in the tile's bar does.
+    void saveSnapshot() { on_cameraScreenshotButton_clicked(); }
 
 signals:
     /// The frame file could not be made.
