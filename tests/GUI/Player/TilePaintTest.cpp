@@ -110,7 +110,14 @@ private slots:
         turnWheel(tile, {399, 239}, 36, Qt::ControlModifier);
         QTRY_COMPARE(letterAt(onScreen(tile), {200, 120}), quarters.right(1));
         const QRect map = zoomMapPlace(tile.size(), area);
-        QCOMPARE(quartersOf(onScreen(tile).copy(map), QRect(QPoint(), map.size())), quarters);
+        const QVector<QRgb> brightColours{0xffff0000, 0xff00ff00, 0xff0000ff, 0xffffffff};
+        const QImage bright =
+            onScreen(tile).copy(map).convertToFormat(QImage::Format_Indexed8, brightColours);
+        const QImage shown = bright.convertToFormat(QImage::Format_RGB32);
+        QCOMPARE(quartersOf(shown, shown.rect()), quarters);
+        QCOMPARE(onScreen(tile).pixelColor(map.bottomRight()), selection);
+        QCOMPARE(onScreen(tile).pixelColor(map.topLeft() - QPoint(1, 1)), QColor(41, 44, 49));
+        QCOMPARE(letterAt(onScreen(tile), map.topLeft()), "?"_s); // a shade lies on the rest
     }
 
     /// "wheel N" and "ctrl N" turn it at the lower right, "drag X Y" begins there.
