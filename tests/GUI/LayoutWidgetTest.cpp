@@ -134,6 +134,8 @@ private slots:
         edit(grid, steps.section(", "_s, 0, 0));
         QVERIFY(modified.isEmpty());
         edit(grid, steps.section(", "_s, 1));
+        if (steps.endsWith("drag b"_s)) // which takes it along as it is
+            QCOMPARE(grid.player(cameraNamed("b"_s))->size(), QSize(317, 476));
         QCoreApplication::processEvents();
         const bool isAlone = seen != "all"_s;
         QCOMPARE(grid.isMaximised(), isAlone);

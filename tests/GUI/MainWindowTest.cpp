@@ -11,6 +11,7 @@
 #include "GUI/LayoutListWidget.h"
 #include "GUI/RosterWidget.h"
 #include "tests/GUI/GridWorld.h"
+#include "tests/support/LogCapture.h"
 #include "tests/support/ScriptedChild.h"
 #include "tests/support/ScriptedService.h"
 
@@ -288,6 +289,30 @@ private slots:
         QTRY_COMPARE(child.lastProcessId(), process->processId());
         const QUrlQuery query(QUrl(child.starts().last().first()));
         QCOMPARE(query.queryItemValue("q"_s), QString::number(quality));
+    }
+
+    /// No stream is begun anew for a tile that goes.
+    void oneAloneThatGoes()
+    {
+        const ScriptedChild child;
+        const LogCapture log;
+        const auto starts = [&log] { return log.linesOf("Open url:"_s).size(); };
+        for (const bool isClosed : {false, true}) {
+            MainWindow window;
+            window.openLayout(layoutOf("x x . . ."_s));
+            auto *tile = qobject_cast<Player::VideoWidget *>(widgetAt(*gridOf(window), 0, 0));
+            if (isClosed)
+                window.pause();
+            gridOf(window)->toggleMaximised(tile);
+            const auto before = starts();
+            if (isClosed)
+                emit tile->closed(tile);
+            else
+                window.openLayout(layoutOf("a"_s));
+            QCOMPARE(starts(), before + (isClosed ? 0 : 1));
+            window.unpause();
+            QCOMPARE(starts(), before + 1); // the one that is left, or that came
+        }
     }
 
     void panelsHideAndComeBack()

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "API/Camera.h"
+#include "GUI/Player/NameTag.h"
 #include "GUI/Player/PictureZoom.h"
 #include "GUI/PlayerNotification.h"
 #include "tests/GUI/Player/TileFixture.h"
 
 using GUI::PlayerNotification;
 using GUI::Player::VideoWidget;
+using GUI::Player::Internal::NameTag;
 using GUI::Player::Internal::zoomMapPlace;
 
 namespace {
@@ -179,50 +181,46 @@ private slots:
         QCOMPARE(asked.size(), maximised);
     }
 
-    /// The label and what it says, as long as the tile has no bar.
     void nameTag()
     {
         const QString name = "Entrance of the large northern warehouse"_s;
-        ScriptedTile tile("solid 64 48 00ff00ff|print size 64 48\\nframe\\n"_s, localCamera(name));
-        QVERIFY(tile.playsLive());
-        const auto label = [&tile] { return onScreen(tile).copy(0, 0, 320, 30); };
-        QTRY_COMPARE(label().pixelColor(8, 16), QColor(Qt::green));
-        const QImage bare = label();
+        ScriptedTile tile("solid 64 48 00ff00ff|print size 64 48\\nframe\\n|wait end"
+                          "|print state 7\\n"_s,
+                          localCamera(name));
+        const auto top = [&tile] { return onScreen(tile).copy(0, 0, 320, 30); };
+        const auto says = [&](const QString &word, const QColor &behind) {
+            QImage expected(320, 30, QImage::Format_RGB32);
+            expected.fill(behind);
+            QPainter painter(&expected);
+            NameTag().paint(painter, QRect(0, 0, 320, 240), tile.font(), name, word);
+            painter.end();
+            return QTest::qWaitFor([&] { return top() == expected; });
+        };
         tile.setNameShown(true);
-        QTRY_VERIFY(label() != bare);
-        const QImage live = label();
-        QCOMPARE(live.pixelColor(318, 16), QColor(Qt::green)); // too long a name is cut
+        QVERIFY(says("Connecting"_s, background));
+        QVERIFY(tile.playsLive());
+        QVERIFY(says("Live"_s, Qt::green));
+        QCOMPARE(top().pixelColor(318, 16), QColor(Qt::green)); // too long a name is cut
         tile.pause();
-        QTRY_VERIFY(label() != live);
+        QVERIFY(says("Paused"_s, Qt::green));
         tile.unpause();
-        QTRY_COMPARE(label(), live);
+        QVERIFY(says("Live"_s, Qt::green));
         tile.setArchiveMode(true);
         tile.update();
-        QTRY_VERIFY(label() != live);
+        QVERIFY(says("Records"_s, Qt::green));
         tile.setArchiveMode(false);
+        tile.tell("end"_s);
+        QVERIFY(says("Interrupted"_s, Qt::green));
+        tile.showError("Nothing"_s);
+        QVERIFY(says("No picture"_s, background));
+        // The bar says it better, and has nothing behind it.
         hover(tile, true);
-        hover(tile, false);
-        QTRY_COMPARE(label(), live);
+        QTRY_VERIFY(top().pixelColor(160, 16) != background);
+        const QImage bar = top();
         tile.setNameShown(false);
-        QTRY_COMPARE(label(), bare);
-    }
-
-    void everyFrameIsShown()
-    {
-        ScriptedTile tile("solid 64 48 ff0000ff|print size 64 48\\nframe\\n|wait blue"
-                          "|solid 64 48 0000ffff|print frame\\n|wait white"
-                          "|solid 64 48 ffffffff|print state white\\n"_s);
-        QVERIFY(tile.playLive());
-        QTRY_COMPARE(onScreen(tile).pixelColor(160, 120), QColor(Qt::red));
-        tile.tell("blue"_s);
-        QTRY_COMPARE(onScreen(tile).pixelColor(160, 120), QColor(Qt::blue));
-        // What the child writes shows at the next paint, announced or not.
-        tile.tell("white"_s);
-        QTRY_COMPARE(vlcStateOf(tile), "white"_s);
-        tile.repaint();
-        QCOMPARE(onScreen(tile).pixelColor(160, 120), QColor(Qt::white));
-        tile.hide();
-        QCOMPARE(tile.grab().toImage().pixelColor(160, 120), background);
+        QTRY_COMPARE(top(), bar);
+        hover(tile, false);
+        QTRY_COMPARE(top().pixelColor(8, 16), background);
     }
 
     void borders()
