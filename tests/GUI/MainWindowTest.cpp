@@ -11,7 +11,6 @@
 #include "GUI/LayoutListWidget.h"
 #include "GUI/RosterWidget.h"
 #include "tests/GUI/GridWorld.h"
-#include "tests/support/LogCapture.h"
 #include "tests/support/ScriptedChild.h"
 #include "tests/support/ScriptedService.h"
 
@@ -264,10 +263,8 @@ private slots:
              {"and back", "x . . . .", "setLowQuality alone setAutoQuality alone", 1},
              {"alone in a pause", "x . . . .", "pause alone", 1},
              {"after the pause", "x . . . .", "pause alone play", 2},
-             {"there and back in a pause", "x . . . .", "pause alone alone play", 1},
              {"chosen in a pause", "x . . . .", "pause alone setLowQuality play", 0},
-             {"back in a pause", "x . . . .", "alone pause alone", 2},
-             {"back after it", "x . . . .", "alone pause alone play", 1}});
+             {"back after it", "x . . . .", "alone pause alone alone alone play", 1}});
     }
 
     /// What the tile asks the service for.
@@ -289,30 +286,6 @@ private slots:
         QTRY_COMPARE(child.lastProcessId(), process->processId());
         const QUrlQuery query(QUrl(child.starts().last().first()));
         QCOMPARE(query.queryItemValue("q"_s), QString::number(quality));
-    }
-
-    /// No stream is begun anew for a tile that goes.
-    void oneAloneThatGoes()
-    {
-        const ScriptedChild child;
-        const LogCapture log;
-        const auto starts = [&log] { return log.linesOf("Open url:"_s).size(); };
-        for (const bool isClosed : {false, true}) {
-            MainWindow window;
-            window.openLayout(layoutOf("x x . . ."_s));
-            auto *tile = qobject_cast<Player::VideoWidget *>(widgetAt(*gridOf(window), 0, 0));
-            if (isClosed)
-                window.pause();
-            gridOf(window)->toggleMaximised(tile);
-            const auto before = starts();
-            if (isClosed)
-                emit tile->closed(tile);
-            else
-                window.openLayout(layoutOf("a"_s));
-            QCOMPARE(starts(), before + (isClosed ? 0 : 1));
-            window.unpause();
-            QCOMPARE(starts(), before + 1); // the one that is left, or that came
-        }
     }
 
     void panelsHideAndComeBack()
