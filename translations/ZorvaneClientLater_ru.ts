@@ -69,7 +69,7 @@
     </message>
     <message>
         <source>One camera alone, and all again</source>
-        <translation>Одна камера на весь экран сетки и обратно</translation>
+        <translation>Одна камера вместо сетки и обратно</translation>
     </message>
     <message>
         <source>Back: all cameras, then out of fullscreen</source>
@@ -77,11 +77,11 @@
     </message>
     <message>
         <source>Whole pictures again</source>
-        <translation>Снова картинки целиком</translation>
+        <translation>Снова изображения целиком</translation>
     </message>
     <message>
         <source>Names on the pictures</source>
-        <translation>Названия камер на картинках</translation>
+        <translation>Названия камер на изображениях</translation>
     </message>
 </context>
 <context>
