@@ -11,6 +11,8 @@ namespace GUI {
 enum class KeyAction {
     Pause,
     Fullscreen,
+    Maximise, ///< the active tile
+    Back,     ///< from the tile that is alone to all, from fullscreen to the window
     Seek, ///< by so many milliseconds of archive
     Live,
     Records,
@@ -21,6 +23,8 @@ enum class KeyAction {
     StepLayout, ///< by so many places of that list
     Tour,
     MoveToTile, ///< a Direction
+    ResetZoom,
+    Names,
     Search,
     Help,
 };

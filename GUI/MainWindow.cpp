@@ -59,6 +59,7 @@ MainWindow::MainWindow(QWidget *parent)
     setFocusPolicy(Qt::ClickFocus);
     setFocus();
 
+    layoutWidget->setNamesShown(App::settings().value(App::SettingsKey::namesOnTiles).toBool());
     const QString openTab = App::settings().value(App::SettingsKey::openTab).toString();
     closeCurrentView();
     if (openTab == layoutsTab)
@@ -143,6 +144,13 @@ void MainWindow::showRosterAndToolbar()
     infoPanel->hideShowButton();
 }
 
+void MainWindow::toggleNames()
+{
+    const bool areShown = !layoutWidget->areNamesShown();
+    layoutWidget->setNamesShown(areShown);
+    App::settings().setValue(App::SettingsKey::namesOnTiles, areShown);
+}
+
 void MainWindow::setSoundVolume(int volume)
 {
     layoutWidget->setSoundVolume(volume);
@@ -198,12 +206,10 @@ void MainWindow::onFullscreen()
 
 void MainWindow::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape && isFullScreen()) {
-        onFullscreen();
+    if (event->key() == Qt::Key_Escape && goBack())
         event->accept();
-    } else if (event->key() == Qt::Key_Escape) {
+    else if (event->key() == Qt::Key_Escape)
         setFocus(); // out of a field
-    }
     QWidget::keyPressEvent(event);
 }
 

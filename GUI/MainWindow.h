@@ -86,6 +86,8 @@ public slots:
     /// Starts the archive anew at the cursor; the argument is not used.
     void setSpeed(int);
     void onFullscreen();
+    /// Labels on the tiles with names and states, here and in windows that come.
+    void toggleNames();
     void onExportDone(QString);
     void onExportError(QString);
     void onExportStarted();
@@ -133,6 +135,8 @@ private:
     /// Asks about unsaved edits and saves them if told so; false if the user wants to keep them
     /// as they are.
     bool settleEdits();
+    /// From one tile alone to all, or out of fullscreen; false if there is nothing to leave.
+    bool goBack();
     /// Plays from `time` on as a click on the strip would, on another day too.
     void seek(const QDateTime &time);
     /// Opens the saved layout so many places on in the list.

@@ -19,6 +19,17 @@
 namespace ZorvaneClient {
 namespace GUI {
 
+namespace {
+
+/// What the tile covers of the grid, seen or not.
+QRect cellsOf(const Player::VideoWidget &tile)
+{
+    return QRect(tile.position().column, tile.position().row, tile.span().columns,
+                 tile.span().rows);
+}
+
+} // namespace
+
 void MainWindow::onKey(KeyAction action, int number)
 {
     switch (action) {
@@ -27,6 +38,12 @@ void MainWindow::onKey(KeyAction action, int number)
         break;
     case KeyAction::Fullscreen:
         onFullscreen();
+        break;
+    case KeyAction::Maximise:
+        layoutWidget->toggleMaximised(layoutWidget->player(timeline->activeCamera()));
+        break;
+    case KeyAction::Back:
+        goBack();
         break;
     case KeyAction::Seek:
         if (archiveMode)
@@ -62,6 +79,12 @@ void MainWindow::onKey(KeyAction action, int number)
     case KeyAction::MoveToTile:
         moveToTile(static_cast<Direction>(number));
         break;
+    case KeyAction::ResetZoom:
+        layoutWidget->resetZoom();
+        break;
+    case KeyAction::Names:
+        toggleNames();
+        break;
     case KeyAction::Search:
         startSearch();
         break;
@@ -69,6 +92,17 @@ void MainWindow::onKey(KeyAction action, int number)
         (new KeyCard(this))->showOver(*this);
         break;
     }
+}
+
+bool MainWindow::goBack()
+{
+    if (layoutWidget->isMaximised())
+        layoutWidget->showAllTiles();
+    else if (isFullScreen())
+        onFullscreen();
+    else
+        return false;
+    return true;
 }
 
 void MainWindow::seek(const QDateTime &time)
@@ -98,12 +132,15 @@ void MainWindow::moveToTile(Direction direction)
         // Another tile of the same camera is active as well.
         if (tile->camera() == active)
             continue;
-        areas.append(tile->geometry());
+        areas.append(cellsOf(*tile));
         cameras.append(tile->camera());
     }
-    const int next = from ? neighbour(areas, from->geometry(), direction) : 0;
-    if (next >= 0 && next < cameras.size())
-        activateCamera(cameras.at(next));
+    const int next = from ? neighbour(areas, cellsOf(*from), direction) : 0;
+    if (next < 0 || next >= cameras.size())
+        return;
+    activateCamera(cameras.at(next));
+    if (layoutWidget->isMaximised())
+        layoutWidget->toggleMaximised(layoutWidget->player(cameras.at(next)));
 }
 
 void MainWindow::startSearch()

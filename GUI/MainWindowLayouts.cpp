@@ -173,6 +173,7 @@ void MainWindow::addCamerasToCalendar()
 void MainWindow::startLayoutEditor()
 {
     setRosterMode();
+    layoutWidget->showAllTiles();
     infoPanel->enterEditMode();
 }
 

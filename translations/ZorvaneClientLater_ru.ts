@@ -30,6 +30,10 @@
         <translation>Архив: быстрее и медленнее</translation>
     </message>
     <message>
+        <source>Back: all cameras, then out of fullscreen</source>
+        <translation>Назад: все камеры, затем выход из полного экрана</translation>
+    </message>
+    <message>
         <source>Fullscreen and back</source>
         <translation>Полный экран и обратно</translation>
     </message>
@@ -44,6 +48,14 @@
     <message>
         <source>Make a neighbouring camera active</source>
         <translation>Выбрать соседнюю камеру</translation>
+    </message>
+    <message>
+        <source>Names on the pictures</source>
+        <translation>Названия камер на изображениях</translation>
+    </message>
+    <message>
+        <source>One camera alone, and all again</source>
+        <translation>Одна камера вместо сетки и обратно</translation>
     </message>
     <message>
         <source>Pause and play</source>
@@ -85,6 +97,10 @@
         <source>This card</source>
         <translation>Эта подсказка</translation>
     </message>
+    <message>
+        <source>Whole pictures again</source>
+        <translation>Снова изображения целиком</translation>
+    </message>
 </context>
 <context>
     <name>ZorvaneClient::GUI::MainWindow</name>
@@ -110,6 +126,30 @@
 </context>
 <context>
     <name>ZorvaneClient::GUI::Player::VideoWidget</name>
+    <message>
+        <source>Connecting</source>
+        <translation>Подключение</translation>
+    </message>
+    <message>
+        <source>Interrupted</source>
+        <translation>Связь прервана</translation>
+    </message>
+    <message>
+        <source>Live</source>
+        <translation>Эфир</translation>
+    </message>
+    <message>
+        <source>No picture</source>
+        <translation>Нет изображения</translation>
+    </message>
+    <message>
+        <source>Paused</source>
+        <translation>Пауза</translation>
+    </message>
+    <message>
+        <source>Records</source>
+        <translation>Записи</translation>
+    </message>
     <message>
         <source>Used by another copy of the program</source>
         <translation>Занято другой копией программы</translation>

@@ -85,6 +85,7 @@ void VideoWidget::pause()
 {
     sendCommand(QStringLiteral("pause"));
     d->state.paused();
+    update();
 }
 
 void VideoWidget::unpause()
@@ -170,6 +171,7 @@ void VideoWidget::applyVlcState(const QString &vlcState)
     else if (hasFailed)
         d->watchdog.failed(App::Environment::now());
     d->state.told(vlcState);
+    update();
 }
 
 void VideoWidget::applyPosition(int position)
