@@ -58,11 +58,12 @@ void appendWithLength(const Unit &unit, Bytes *out)
 
 } // namespace
 
-VideoEncoder::VideoEncoder(PictureSize pictureSize, int framesPerSecond) : size(pictureSize)
+VideoEncoder::VideoEncoder(PictureSize pictureSize, int framesPerSecond, int bitsPerSecond)
+    : size(pictureSize)
 {
     codedHeight = (size.height + macroblock - 1) / macroblock * macroblock;
     cropTop = codedHeight - size.height;
-    if (open(framesPerSecond))
+    if (open(framesPerSecond, bitsPerSecond))
         paintFixedLines();
 }
 
@@ -73,7 +74,7 @@ bool VideoEncoder::fail(const std::string &what)
     return false;
 }
 
-bool VideoEncoder::open(int framesPerSecond)
+bool VideoEncoder::open(int framesPerSecond, int bitsPerSecond)
 {
     const AVCodec *encoder = avcodec_find_encoder_by_name("libx264");
     if (!encoder)
@@ -109,8 +110,14 @@ bool VideoEncoder::open(int framesPerSecond)
         std::to_string(framesPerSecond) +
         ":slice-max-mbs=" + std::to_string(strip.firstRow * strip.widthMbs) + ":crop-rect=0," +
         std::to_string(cropTop) + ",0,0";
-    av_opt_set(codec->priv_data, "preset", "superfast", 0);
-    av_opt_set(codec->priv_data, "crf", size.width > 1000 ? "26" : "25", 0);
+    if (bitsPerSecond > 0) {
+        codec->bit_rate = codec->rc_max_rate = bitsPerSecond;
+        codec->rc_buffer_size = bitsPerSecond;
+        av_opt_set(codec->priv_data, "preset", "medium", 0);
+    } else {
+        av_opt_set(codec->priv_data, "preset", "superfast", 0);
+        av_opt_set(codec->priv_data, "crf", size.width > 1000 ? "26" : "25", 0);
+    }
     av_opt_set(codec->priv_data, "x264-params", parameters.c_str(), 0);
     if (avcodec_open2(codec.get(), encoder, nullptr) < 0)
         return fail("cannot open the H.264 encoder");

@@ -13,7 +13,9 @@ namespace ZorvaneDemo {
 class VideoEncoder
 {
 public:
-    VideoEncoder(PictureSize size, int framesPerSecond);
+    /// `bitsPerSecond` 0: of constant quality and quickly made; else as hard to decode as the
+    /// stream of a camera.
+    VideoEncoder(PictureSize size, int framesPerSecond, int bitsPerSecond);
 
     /// Empty while all is well, else what failed.
     const std::string &error() const { return failure; }
@@ -29,7 +31,7 @@ public:
     bool finish(const std::string &fileName);
 
 private:
-    bool open(int framesPerSecond);
+    bool open(int framesPerSecond, int bitsPerSecond);
     int lineBytes(int plane) const;
     std::uint8_t *codedLine(int plane, int y);
     void paintFixedLines();
