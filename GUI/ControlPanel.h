@@ -37,6 +37,14 @@ public:
     /// Checks "Auto" in the menu; emits nothing.
     void resetQuality();
 
+    // For keys: as a click on the buttons, if they are there.
+
+    void pressPause();
+    void pressRecords();
+    void pressSound();
+    /// To the next speeds, faster or slower, as far as there are any.
+    void stepSpeed(int steps);
+
 public slots:
     void showSpeedSlider();
     void showSoundSlider();

@@ -95,18 +95,31 @@ LayoutCard *LayoutListWidget::createCard(const API::LayoutPtr &layout)
     return card;
 }
 
+QList<API::LayoutPtr> LayoutListWidget::layouts() const
+{
+    return order;
+}
+
+API::LayoutPtr LayoutListWidget::neighbour(const API::LayoutPtr &layout, int step) const
+{
+    if (order.isEmpty())
+        return API::LayoutPtr();
+    const int count = static_cast<int>(order.size());
+    const int place = static_cast<int>(order.indexOf(layout));
+    if (place < 0)
+        return step > 0 ? order.first() : order.last();
+    return order.at((place + step + count) % count);
+}
+
 void LayoutListWidget::arrangeCards(const API::LayoutsContainer &layouts)
 {
-    QList<QPair<QString, API::LayoutPtr>> sorted;
-    for (const API::LayoutPtr &layout : layouts)
-        sorted.append({layout->name(), layout});
-    std::stable_sort(sorted.begin(), sorted.end(),
-                     [](const auto &a, const auto &b) { return a.first < b.first; });
-
-    QList<QWidget *> order;
-    for (const auto &entry : qAsConst(sorted))
-        order.append(cards.value(entry.second));
-    setWidgetOrder(cardsLayout, order, stretchFactor);
+    order = layouts.values();
+    std::stable_sort(order.begin(), order.end(),
+                     [](const auto &a, const auto &b) { return a->name() < b->name(); });
+    QList<QWidget *> widgets;
+    for (const API::LayoutPtr &layout : qAsConst(order))
+        widgets.append(cards.value(layout));
+    setWidgetOrder(cardsLayout, widgets, stretchFactor);
 }
 
 void LayoutListWidget::addLayout(API::LayoutPtr newLayout)

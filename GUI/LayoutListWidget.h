@@ -36,6 +36,11 @@ public:
 
     /// True if `layout`, the object itself, has a card.
     bool hasLayout(const API::LayoutPtr &layout) const;
+    /// In the order of the cards, those that a search hides too.
+    QList<API::LayoutPtr> layouts() const;
+    /// The next one behind `layout`, or with a step of -1 before it, round the list; of one that
+    /// has no card, the first or the last. Null if there is none.
+    API::LayoutPtr neighbour(const API::LayoutPtr &layout, int step) const;
 
 public slots:
     void updateLayouts();
@@ -62,6 +67,7 @@ private:
 
     QScopedPointer<Ui::LayoutListWidget> ui;
     QMap<API::LayoutPtr, LayoutCard *> cards;
+    QList<API::LayoutPtr> order;
     QVBoxLayout *cardsLayout = nullptr;
     API::CloudAPIClient *client = nullptr;
     QString searchText;

@@ -77,6 +77,7 @@ bool LayoutWidget::openLayout(API::LayoutPtr layout)
 {
     if (layout && d->workingLayout && *layout == *d->workingLayout) {
         qDebug() << "layouts equal";
+        showAllTiles();
         playLive();
         return false;
     }
@@ -115,6 +116,7 @@ void LayoutWidget::resizeLayout(int rows, int columns)
 
 void LayoutWidget::clear()
 {
+    d->leaveMaximised();
     const QList<API::CameraPtr> cameras = d->players.keys();
     for (const API::CameraPtr &camera : cameras)
         removeCamera(camera);

@@ -13,6 +13,7 @@
 #include "GUI/ArchiveControlPanel.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/InfoPanel.h"
+#include "GUI/KeyDispatcher.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/SideBar.h"
 #include "GUI/Timeline.h"
@@ -48,7 +49,12 @@ MainWindow::MainWindow(QWidget *parent)
     connectGrid();
     arrange();
     resize(firstSize);
+    connect(new KeyDispatcher(this), &KeyDispatcher::triggered, this, &MainWindow::onKey);
+    // Keys are for the window, until a field is clicked and again when something else is.
+    setFocusPolicy(Qt::ClickFocus);
+    setFocus();
 
+    layoutWidget->setNamesShown(App::settings().value(App::SettingsKey::namesOnTiles).toBool());
     const QString openTab = App::settings().value(App::SettingsKey::openTab).toString();
     closeCurrentView();
     if (openTab == layoutsTab)
@@ -119,6 +125,13 @@ void MainWindow::showRosterAndToolbar()
     infoPanel->hideShowButton();
 }
 
+void MainWindow::toggleNames()
+{
+    const bool areShown = !layoutWidget->areNamesShown();
+    layoutWidget->setNamesShown(areShown);
+    App::settings().setValue(App::SettingsKey::namesOnTiles, areShown);
+}
+
 void MainWindow::setSoundVolume(int volume)
 {
     layoutWidget->setSoundVolume(volume);
@@ -174,10 +187,10 @@ void MainWindow::onFullscreen()
 
 void MainWindow::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape && isFullScreen()) {
-        onFullscreen();
+    if (event->key() == Qt::Key_Escape && goBack())
         event->accept();
-    }
+    else if (event->key() == Qt::Key_Escape)
+        setFocus(); // out of a field
     QWidget::keyPressEvent(event);
 }
 

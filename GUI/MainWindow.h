@@ -5,6 +5,8 @@
 
 #include "API/Types.h"
 #include "GUI/ExportFlow.h"
+#include "GUI/GridRules.h"
+#include "GUI/KeyMap.h"
 #include "GUI/Playlist.h"
 
 namespace ZorvaneClient {
@@ -77,6 +79,8 @@ public slots:
     /// Starts the archive anew at the cursor; the argument is not used.
     void setSpeed(int);
     void onFullscreen();
+    /// Labels on the tiles with names and states, here and in windows that come.
+    void toggleNames();
     void onExportDone(QString);
     void onExportError(QString);
     void onExportStarted();
@@ -106,6 +110,7 @@ private slots:
     void saveLayout();
     void cancelLayout();
     void closeCurrentView();
+    void onKey(GUI::KeyAction action, int number);
     /// Asks nothing about unsaved edits.
     void forceCloseView();
 
@@ -122,6 +127,15 @@ private:
     /// Asks about unsaved edits and saves them if told so; false if the user wants to keep them
     /// as they are.
     bool settleEdits();
+    /// From one tile alone to all, or out of fullscreen; false if there is nothing to leave.
+    bool goBack();
+    /// Plays from `time` on as a click on the strip would, on another day too.
+    void seek(const QDateTime &time);
+    /// Opens the saved layout so many places on in the list.
+    void stepLayout(int step);
+    /// Makes the tile there active.
+    void moveToTile(Direction direction);
+    void startSearch();
     void addCamerasToCalendar();
     bool layoutListHolds(const API::LayoutPtr &layout) const;
     /// Cameras of the open layout, in the order of its cells.

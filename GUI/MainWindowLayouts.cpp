@@ -166,6 +166,7 @@ void MainWindow::addCamerasToCalendar()
 void MainWindow::startLayoutEditor()
 {
     setRosterMode();
+    layoutWidget->showAllTiles();
     infoPanel->enterEditMode();
 }
 

@@ -1,4 +1,110 @@
 <?xml version="1.0" encoding="utf-8"?>
 <!DOCTYPE TS>
 <TS version="2.1" language="ru_RU" sourcelanguage="en_US">
+<context>
+    <name>ZorvaneClient::GUI::KeyCard</name>
+    <message>
+        <source>Ten seconds back and on in the archive</source>
+        <translation>Архив: на десять секунд назад и вперёд</translation>
+    </message>
+    <message>
+        <source>A minute back and on in the archive</source>
+        <translation>Архив: на минуту назад и вперёд</translation>
+    </message>
+    <message>
+        <source>Fullscreen and back</source>
+        <translation>Полный экран и обратно</translation>
+    </message>
+    <message>
+        <source>Archive faster and slower</source>
+        <translation>Архив: быстрее и медленнее</translation>
+    </message>
+    <message>
+        <source>Previous and next layout</source>
+        <translation>Предыдущая и следующая раскладка</translation>
+    </message>
+    <message>
+        <source>Saved layouts, in the order of their list</source>
+        <translation>Сохранённые раскладки по порядку списка</translation>
+    </message>
+    <message>
+        <source>Make a neighbouring camera active</source>
+        <translation>Выбрать соседнюю камеру</translation>
+    </message>
+    <message>
+        <source>Pause and play</source>
+        <translation>Пауза и воспроизведение</translation>
+    </message>
+    <message>
+        <source>Live</source>
+        <translation>Прямой эфир</translation>
+    </message>
+    <message>
+        <source>Show and hide the records</source>
+        <translation>Показать и скрыть записи</translation>
+    </message>
+    <message>
+        <source>Snapshot of the active camera</source>
+        <translation>Сохранить кадр выбранной камеры</translation>
+    </message>
+    <message>
+        <source>Sound on and off</source>
+        <translation>Включить и выключить звук</translation>
+    </message>
+    <message>
+        <source>Search</source>
+        <translation>Поиск</translation>
+    </message>
+    <message>
+        <source>This card</source>
+        <translation>Эта подсказка</translation>
+    </message>
+    <message>
+        <source>Keys</source>
+        <translation>Клавиши</translation>
+    </message>
+    <message>
+        <source>One camera alone, and all again</source>
+        <translation>Одна камера на весь экран сетки и обратно</translation>
+    </message>
+    <message>
+        <source>Back: all cameras, then out of fullscreen</source>
+        <translation>Назад: все камеры, затем выход из полного экрана</translation>
+    </message>
+    <message>
+        <source>Whole pictures again</source>
+        <translation>Снова картинки целиком</translation>
+    </message>
+    <message>
+        <source>Names on the pictures</source>
+        <translation>Названия камер на картинках</translation>
+    </message>
+</context>
+<context>
+    <name>ZorvaneClient::GUI::Player::VideoWidget</name>
+    <message>
+        <source>Connecting</source>
+        <translation>Подключение</translation>
+    </message>
+    <message>
+        <source>Interrupted</source>
+        <translation>Связь прервана</translation>
+    </message>
+    <message>
+        <source>Live</source>
+        <translation>Эфир</translation>
+    </message>
+    <message>
+        <source>No picture</source>
+        <translation>Нет изображения</translation>
+    </message>
+    <message>
+        <source>Paused</source>
+        <translation>Пауза</translation>
+    </message>
+    <message>
+        <source>Records</source>
+        <translation>Записи</translation>
+    </message>
+</context>
 </TS>

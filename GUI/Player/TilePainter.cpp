@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/Player/TilePainter.h"
 
+#include <QPaintDevice>
 #include <QPainter>
 #include <QPen>
 #include <QRectF>
@@ -25,6 +26,7 @@ constexpr int fullTurnDegrees = 360;
 
 constexpr QColor hoverColor(66, 71, 80, 255);
 constexpr QColor dimming = Colours::panel(150);
+constexpr QColor mapFrame = Colours::panel();
 
 QPen borderPen(const QColor &color)
 {
@@ -80,6 +82,33 @@ void paintAround(QPainter &painter, const QRect &tile, const QRect &target, cons
         painter.fillRect(band, tileBackground);
 }
 
+QRectF partOf(const QImage &picture, const PictureZoom &zoom)
+{
+    const QRectF part = zoom.part();
+    return QRectF(part.x() * picture.width(), part.y() * picture.height(),
+                  part.width() * picture.width(), part.height() * picture.height());
+}
+
+/// Smooth where pixels have to be mixed: a number plate can be read then. Where each pixel of the
+/// picture is one of the screen, mixing would only cost.
+void drawScaled(QPainter &painter, const QRect &target, const QImage &picture, const QRectF &part)
+{
+    const QSizeF painted = QSizeF(target.size()) * painter.device()->devicePixelRatioF();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, painted != part.size());
+    painter.drawImage(QRectF(target), picture, part);
+}
+
+void paintZoomMap(QPainter &painter, const QRect &map, const QImage &picture,
+                  const PictureZoom &zoom)
+{
+    drawScaled(painter, map, picture, QRectF(picture.rect()));
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(mapFrame);
+    painter.drawRect(map.adjusted(-1, -1, 0, 0));
+    painter.setPen(Colours::accent());
+    painter.drawRect(zoomMapPart(map, zoom));
+}
+
 } // namespace
 
 TileBorder BorderRule::border() const
@@ -95,12 +124,14 @@ void paintBackground(QPainter &painter, const QRect &tile)
 }
 
 void paintPicture(QPainter &painter, const QRect &tile, const QRect &target, const QImage &frame,
-                  int rotation, bool mirror)
+                  int rotation, bool mirror, const PictureZoom &zoom)
 {
     const QImage picture = finalPicture(frame, rotation, mirror);
     paintAround(painter, tile, target, picture);
     painter.setPen(Qt::NoPen);
-    painter.drawImage(QRectF(target), picture, QRectF(picture.rect()));
+    drawScaled(painter, target, picture, partOf(picture, zoom));
+    if (zoom.isZoomed())
+        paintZoomMap(painter, zoomMapPlace(tile.size(), target), picture, zoom);
 }
 
 void paintMessage(QPainter &painter, const QRect &tile, const QFont &font, const QString &text)

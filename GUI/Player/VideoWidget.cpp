@@ -91,6 +91,11 @@ bool VideoWidget::isPaused() const
     return d->state == TileState::Paused;
 }
 
+int VideoWidget::quality() const
+{
+    return d->quality;
+}
+
 void VideoWidget::setCameraName(QString name)
 {
     ui->cameraName->setText(name);

@@ -12,7 +12,9 @@
 #include "API/StreamQuality.h"
 #include "API/Types.h"
 #include "GUI/Player/FrameFile.h"
+#include "GUI/Player/NameTag.h"
 #include "GUI/Player/PictureGeometry.h"
+#include "GUI/Player/PictureZoom.h"
 #include "GUI/Player/TileState.h"
 #include "GUI/Player/Watchdog.h"
 
@@ -66,6 +68,12 @@ public:
     double aspectRatio = defaultAspectRatio;
     QString errorText; ///< stands in the middle of the tile in place of a picture
     bool isHovered = false;
+    bool isNameShown = false;
+    NameTag nameTag;
+
+    // VideoWidgetZoom.cpp
+    PictureZoom zoom; ///< stays while there is no picture
+    bool isAlone = false;
 
     // VideoWidgetEvents.cpp
     int pressX = 0;
@@ -73,6 +81,7 @@ public:
     bool isDragging = false;
     bool isDropTarget = false;
 
+    QPoint pressPosition() const { return QPoint(pressX, pressY); }
     QSize streamSize() const { return QSize(videoWidth, videoHeight); }
     int effectiveVolume() const { return isActive && soundEnabled ? volume : 0; }
     bool childRuns() const { return playerProcess->state() == QProcess::Running; }

@@ -8,6 +8,7 @@
 #include "GUI/ServerWidget.h"
 #include "tests/GUI/GridWorld.h"
 #include "tests/support/MisbehavingServer.h"
+#include "tests/support/ScriptedChild.h"
 #include "tests/support/VirtualDisplay.h"
 
 using namespace ZorvaneClient::GUI;
@@ -124,8 +125,12 @@ private:
 QWidget *widgetFor(const MainWindow &window, const QString &words)
 {
     const QStringList place = words.split(' ');
-    if (place.first() == "cell"_s)
-        return widgetAt(*gridOf(window), place.at(1).toInt(), place.at(2).toInt());
+    if (place.size() == 3) {
+        QWidget *cell = widgetAt(*gridOf(window), place.at(1).toInt(), place.at(2).toInt());
+        if (place.first() == "alone"_s)
+            gridOf(window)->toggleMaximised(qobject_cast<Player::VideoWidget *>(cell));
+        return cell;
+    }
     if (words == "grid"_s)
         return gridOf(window);
     QWidget *card = window.findChild<LayoutCard *>();
@@ -150,7 +155,7 @@ private slots:
         QCOMPARE(QGuiApplication::platformName(), "xcb"_s);
         useServiceAt(MisbehavingServer::deadPort());
         addServerToRoster("gate"_s, {"a", "b"});
-        addServerToRoster("yard"_s, {"c", "d", "e"});
+        addServerToRoster("yard"_s, {"c", "d", "e"}, true);
         const API::LayoutPtr layout = layoutOf(". e"_s);
         layout->setName("Ночь & день"_s);
         API::CloudAPIClient().addLayout(layout);
@@ -164,6 +169,7 @@ private slots:
              {"camera to a tile", "camera", "cell 0 1", "VideoWidget", "a c | . ."},
              {"tile to a tile", "cell 0 0", "cell 0 1", "VideoWidget", "b a | . ."},
              {"tile to a placeholder", "cell 0 0", "cell 1 1", "VideoPlaceholder", ". b | . a"},
+             {"from one alone", "alone 0 0", "cell 0 1", "VideoWidget", "b a | . ."},
              {"tile to itself", "cell 0 0", "cell 0 0", "VideoWidget", "a b | . ."},
              {"tile to another window", "cell 0 0", "other", "", "a b | . ."},
              {"server to the grid", "server", "grid", "LayoutWidget", "a b | c d | e ."},
@@ -198,6 +204,44 @@ private slots:
         for (const auto *button : window.findChildren<QCheckBox *>("expandButton"_s))
             QVERIFY(button->isChecked());
     }
+
+    /// Mouse and keys on a tile that plays.
+    void closeLook()
+    {
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        window.openLayout(layoutOf("c d"_s));
+        const LayoutWidget &grid = *gridOf(window);
+        const QPointer<Player::VideoWidget> tile = grid.player(cameraNamed("c"_s));
+        QTRY_VERIFY_WITH_TIMEOUT(tile->isPlaying(), deadlineMs);
+        const QSize size = tile->size();
+        const auto hand = [&tile] { return tile->cursor().shape(); };
+        moveTo(tile->mapToGlobal(tile->rect().center()));
+        QTRY_VERIFY_WITH_TIMEOUT(tile->underMouse(), deadlineMs);
+        xdotool("click 4"_s);
+        xdotool("click --repeat 2 --delay 50 1"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(tile->size(), grid.size() - QSize(4, 4), deadlineMs);
+        QCOMPARE(hand(), Qt::ArrowCursor); // the wheel was turned before it was alone
+        xdotool("click --repeat 9 4"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(hand(), Qt::OpenHandCursor, deadlineMs);
+        xdotool("mousedown 1"_s);
+        moveTo(QCursor::pos() + QPoint(60, 40));
+        QTRY_COMPARE_WITH_TIMEOUT(hand(), Qt::ClosedHandCursor, deadlineMs);
+        QVERIFY(!isDragOn());
+        xdotool("mouseup 1"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(hand(), Qt::OpenHandCursor, deadlineMs);
+        xdotool("key 0"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(hand(), Qt::ArrowCursor, deadlineMs);
+        xdotool("key Escape"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(tile->size(), size, deadlineMs);
+        xdotool("keydown Control_L click 4 keyup Control_L"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(hand(), Qt::OpenHandCursor, deadlineMs);
+        QVERIFY(!grid.isMaximised());
+    }
+
+private:
+    const ScriptedChild child{{"solid 64 48 ff0000ff", "print size 64 48\\nframe\\n"}};
 };
 
 int main(int argc, char **argv)

@@ -254,7 +254,19 @@ private slots:
              {"high", "x . . . . | . . . . .", "setHighQuality", 2},
              {"automatic again", "x", "setLowQuality setAutoQuality", 2},
              {"resized", "x", "2x5", 0},
-             {"resized after a choice", "x .", "setMidQuality 2x5", 2}});
+             {"resized after a choice", "x .", "setMidQuality 2x5", 2},
+             {"alone", "x . . . . | . . . . .", "alone", 2},
+             {"no longer alone", "x . . . . | . . . . .", "alone alone", 0},
+             {"alone after a choice", "x . . . . | . . . . .", "setMidQuality alone", 1},
+             {"a choice while alone", "x . . . .", "alone setLowQuality alone", 0},
+             {"automatic while alone", "x . . . .", "setLowQuality alone setAutoQuality", 2},
+             {"and back", "x . . . .", "setLowQuality alone setAutoQuality alone", 1},
+             {"alone in a pause", "x . . . .", "pause alone", 1},
+             {"after the pause", "x . . . .", "pause alone play", 2},
+             {"there and back in a pause", "x . . . .", "pause alone alone play", 1},
+             {"chosen in a pause", "x . . . .", "pause alone setLowQuality play", 0},
+             {"back in a pause", "x . . . .", "alone pause alone", 2},
+             {"back after it", "x . . . .", "alone pause alone play", 1}});
     }
 
     /// What the tile asks the service for.
@@ -267,6 +279,8 @@ private slots:
         for (const QString &step : then.split(' ')) {
             if (step == "2x5"_s)
                 emit window.findChild<InfoPanel *>()->layoutSizeChanged(2, 5);
+            else if (step == "alone"_s)
+                QTest::keyClick(&window, Qt::Key_Return);
             else if (!step.isEmpty())
                 QMetaObject::invokeMethod(window.findChild<ControlPanel *>(), qPrintable(step));
         }
@@ -299,6 +313,22 @@ private slots:
         QCOMPARE(shown(), " on the whole screen"_s);
         QTest::keyClick(&window, Qt::Key_Escape);
         QCOMPARE(shown(), all);
+        // Of two things to come back from, one tile alone is the first.
+        window.openLayout(layoutOf("a b"_s));
+        click(window, "fullscreenButton"_s);
+        QTest::keyClick(&window, Qt::Key_Enter);
+        QVERIFY(gridOf(window)->isMaximised());
+        QTest::keyClick(&window, Qt::Key_Escape);
+        QVERIFY(!gridOf(window)->isMaximised() && window.isFullScreen());
+        QTest::keyClick(&window, Qt::Key_Escape);
+        QCOMPARE(shown(), all);
+        // The arrows lead from one that is alone to the next, and to edit means to see them all.
+        QTest::keyClick(&window, Qt::Key_Enter);
+        QTest::keyClick(&window, Qt::Key_Right, Qt::ControlModifier);
+        QVERIFY(gridOf(window)->player(cameraNamed("b"_s))->isVisible());
+        QVERIFY(!gridOf(window)->player(cameraNamed("a"_s))->isVisible());
+        window.startLayoutEditor();
+        QVERIFY(gridOf(window)->player(cameraNamed("a"_s))->isVisible());
         click(window, "hideRosterButton"_s);
         click(window, "fullscreenButton"_s);
         click(window, "fullscreenButton"_s);
@@ -310,6 +340,7 @@ private slots:
         MainWindow window;
         click(window, "layoutsButton"_s);
         QCOMPARE(App::settings().value("mainWindow/openTab"_s), QVariant("Layouts"_s));
+        QTest::keyClick(&window, Qt::Key_N);
         QSignalSpy closed(&window, &MainWindow::closeRequested);
         window.close();
         QCOMPARE(closed.count(), 1);
@@ -317,6 +348,9 @@ private slots:
         MainWindow next;
         next.show();
         QVERIFY(next.findChild<LayoutListWidget *>()->isVisible());
+        QVERIFY(gridOf(next)->areNamesShown());
+        QTest::keyClick(&next, Qt::Key_N);
+        QVERIFY(!gridOf(next)->areNamesShown());
         next.setRosterMode();
         QVERIFY(!next.findChild<LayoutListWidget *>()->isVisible());
         QCOMPARE(App::settings().value("mainWindow/openTab"_s), QVariant("Cameras"_s));

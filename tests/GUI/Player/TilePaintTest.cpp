@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "API/Camera.h"
+#include "GUI/Player/PictureZoom.h"
 #include "GUI/PlayerNotification.h"
 #include "tests/GUI/Player/TileFixture.h"
 
 using GUI::PlayerNotification;
 using GUI::Player::VideoWidget;
+using GUI::Player::Internal::zoomMapPlace;
 
 namespace {
 
@@ -15,7 +17,15 @@ const QColor hovered(66, 71, 80);
 /// Red and green above, blue and white below.
 const QString corners = "corners 64 48|print size 64 48\\nframe\\n"_s;
 
-/// First letters of the colours of the four quarters of `area`, from the upper left, with a
+/// The first letter of the colour there.
+QString letterAt(const QImage &image, QPoint place)
+{
+    const QHash<QString, QString> letters{
+        {"#ff0000", "R"}, {"#00ff00", "G"}, {"#0000ff", "B"}, {"#ffffff", "W"}};
+    return letters.value(image.pixelColor(place).name(), "?"_s);
+}
+
+/// Letters of the colours of the four quarters of `area`, from the upper left, with a
 /// mark if the rest of the tile is not background.
 QString quartersOf(const QImage &image, const QRect &area)
 {
@@ -23,16 +33,22 @@ QString quartersOf(const QImage &image, const QRect &area)
     QPainter(&rest).fillRect(area, background);
     QImage empty = rest;
     empty.fill(background);
-    const QHash<QString, QString> letters{
-        {"#ff0000", "R"}, {"#00ff00", "G"}, {"#0000ff", "B"}, {"#ffffff", "W"}};
     QString quarters(rest == empty ? "" : "!");
     for (const int y : {1, 3}) {
         for (const int x : {1, 3}) {
             const QPoint middle(area.width() * x / 4, area.height() * y / 4);
-            quarters += letters.value(image.pixelColor(area.topLeft() + middle).name(), "?"_s);
+            quarters += letterAt(image, area.topLeft() + middle);
         }
     }
     return quarters;
+}
+
+/// Turns the wheel by so many notches.
+void turnWheel(QWidget &widget, QPointF place, int notches, Qt::KeyboardModifiers modifiers)
+{
+    QWheelEvent wheel(place, widget.mapToGlobal(place.toPoint()), QPoint(),
+                      QPoint(0, 120 * notches), Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&widget, &wheel);
 }
 
 /// Puts a hint where it is sliding to, a quarter of a second away.
@@ -90,6 +106,98 @@ private slots:
         // An upright picture leaves the rest of a wider tile to the background.
         tile.resize(400, 240);
         QTRY_COMPARE(quartersOf(onScreen(tile), area.translated(40, 0)), quarters);
+        // Its lower right corner fills its place then, and the map has all of it.
+        turnWheel(tile, {399, 239}, 36, Qt::ControlModifier);
+        QTRY_COMPARE(letterAt(onScreen(tile), {200, 120}), quarters.right(1));
+        const QRect map = zoomMapPlace(tile.size(), area);
+        QCOMPARE(quartersOf(onScreen(tile).copy(map), QRect(QPoint(), map.size())), quarters);
+    }
+
+    /// "wheel N" and "ctrl N" turn it at the lower right, "drag X Y" begins there.
+    void closeLook_data()
+    {
+        rows<QString, QString, int>(
+            {"steps", "seen", "maximised"},
+            {{"at rest", "wheel 9", "RGB", 0},
+             {"zoomed", "ctrl 36", "WWW", 0},
+             {"alone", "alone, wheel 36", "WWW", 0},
+             {"sideways", "ctrl 0", "RGB", 0},
+             {"and back", "ctrl 9, ctrl -10", "RGB", 0},
+             {"moved", "ctrl 36, drag -9000 0", "BBB", 0},
+             {"moved twice", "ctrl 36, drag -9000 0, drag 0 -9000", "RRR", 0},
+             {"reset", "ctrl 36, double", "RGB", 0},
+             {"maximised", "double, move 50 50", "RGB", 1},
+             {"both", "ctrl 36, double, double", "RGB", 1},
+             {"turned", "ctrl 36, turn", "WBG", 0}});
+    }
+
+    void closeLook()
+    {
+        const auto [steps, seen, maximised] = row<QString, QString, int>();
+        ScriptedTile tile(corners);
+        turnWheel(tile, {5, 5}, 9, Qt::ControlModifier); // there is nothing to zoom yet
+        QVERIFY(tile.playsLive());
+        QSignalSpy asked(&tile, &VideoWidget::maximiseRequested);
+        const QPoint place(319, 239);
+        for (const QString &step : steps.split(", "_s)) {
+            const QStringList words = step.split(' ') << "0";
+            const QPoint to = place - QPoint(words.at(1).toInt(), words.value(2).toInt());
+            QMouseEvent move(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+            if (words.first() == "drag"_s) {
+                QTest::mousePress(&tile, Qt::LeftButton, Qt::NoModifier, place);
+                QApplication::sendEvent(&tile, &move);
+                QCOMPARE(tile.cursor().shape(), Qt::ClosedHandCursor);
+                QTest::mouseRelease(&tile, Qt::LeftButton, Qt::NoModifier, to);
+                QCOMPARE(tile.cursor().shape(), Qt::OpenHandCursor);
+            } else if (words.first() == "move"_s) {
+                QApplication::sendEvent(&tile, &move);
+            } else if (words.first() == "double"_s) {
+                QTest::mouseDClick(&tile, Qt::RightButton, Qt::NoModifier, place);
+                QTest::mouseDClick(&tile, Qt::LeftButton, Qt::NoModifier, place);
+            } else if (words.first() == "alone"_s) {
+                tile.setAlone(true);
+            } else if (words.first() == "turn"_s) {
+                tile.camera()->setRotation(180);
+            } else {
+                turnWheel(tile, place, words.at(1).toInt(),
+                          words.first() == "ctrl"_s ? Qt::ControlModifier : Qt::NoModifier);
+            }
+        }
+        const auto letters = [&tile] {
+            const QImage shown = onScreen(tile);
+            return letterAt(shown, {80, 60}) + letterAt(shown, {240, 60}) +
+                   letterAt(shown, {80, 180});
+        };
+        QTRY_COMPARE(letters(), seen);
+        QCOMPARE(asked.size(), maximised);
+    }
+
+    /// The label and what it says, as long as the tile has no bar.
+    void nameTag()
+    {
+        const QString name = "Entrance of the large northern warehouse"_s;
+        ScriptedTile tile("solid 64 48 00ff00ff|print size 64 48\\nframe\\n"_s, localCamera(name));
+        QVERIFY(tile.playsLive());
+        const auto label = [&tile] { return onScreen(tile).copy(0, 0, 320, 30); };
+        QTRY_COMPARE(label().pixelColor(8, 16), QColor(Qt::green));
+        const QImage bare = label();
+        tile.setNameShown(true);
+        QTRY_VERIFY(label() != bare);
+        const QImage live = label();
+        QCOMPARE(live.pixelColor(318, 16), QColor(Qt::green)); // too long a name is cut
+        tile.pause();
+        QTRY_VERIFY(label() != live);
+        tile.unpause();
+        QTRY_COMPARE(label(), live);
+        tile.setArchiveMode(true);
+        tile.update();
+        QTRY_VERIFY(label() != live);
+        tile.setArchiveMode(false);
+        hover(tile, true);
+        hover(tile, false);
+        QTRY_COMPARE(label(), live);
+        tile.setNameShown(false);
+        QTRY_COMPARE(label(), bare);
     }
 
     void everyFrameIsShown()
@@ -228,6 +336,7 @@ private slots:
         ScriptedTile tile(corners, camera);
         QVERIFY(tile.playsLive());
         tile.setTime(QDateTime(QDate(2015, 3, 3), QTime(14, 5, 9)));
+        turnWheel(tile, {160, 120}, 9, Qt::ControlModifier);
         QSignalSpy saved(&tile, &VideoWidget::snapshotSaved);
         tile.findChild<QPushButton *>("cameraScreenshotButton"_s)->click();
         QCOMPARE(saved.size(), 1);
