@@ -68,7 +68,7 @@ inline bool within(const std::string &what, double value, const char *unit, doub
                    Bound bound = Bound::AtMost)
 {
     const bool good = bound == Bound::AtMost ? value <= limit : value >= limit;
-    std::printf("%-4s  %-56s %9.2f %-3s  at %s %.2f\n", good ? "ok" : "OVER", what.c_str(), value,
+    std::printf("%-4s  %-56s %9.2f %-4s  at %s %.2f\n", good ? "ok" : "OVER", what.c_str(), value,
                 unit, bound == Bound::AtMost ? "most" : "least", limit);
     return good;
 }

@@ -24,8 +24,8 @@ struct PictureSize {
 constexpr std::array<PictureSize, qualityCount> pictureSizes{{{320, 180}, {640, 360}, {1280, 720}}};
 
 /// One encoded minute as it lies in a file, mapped into memory and shared by all streams.
-/// A video clip has H.264 pictures without their strip slice, each second beginning with a
-/// key frame; a sound clip has MP3 frames of equal length.
+/// A video clip has H.264 pictures without their strip slice, if they have one, each second
+/// beginning with a key frame; a sound clip has MP3 frames of equal length.
 class Clip
 {
 public:
@@ -60,8 +60,8 @@ public:
     Bytes pps() const;
     const std::uint8_t *packetData(int index) const { return base + packets[index].offset; }
     std::size_t packetSize(int index) const { return packets[index].size; }
-    /// Appends the picture of `index` with the strip of camera `number`, each unit after its
-    /// four-byte length.
+    /// Appends the picture of `index` with the strip, if any, of camera `number`, each unit after
+    /// its four-byte length.
     void appendPicture(int index, int number, Bytes *out) const;
 
 private:

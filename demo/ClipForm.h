@@ -6,7 +6,7 @@ namespace ZorvaneDemo {
 /// How the scenes are encoded.
 struct ClipForm {
     bool test = false;  ///< fewer pictures a second, made in a fraction of the time
-    bool noise = false; ///< with a sensor's noise and at the bit rates of cameras
+    bool noise = false; ///< as a real camera's: with its noise, at its bit rates, no strip
 };
 
 } // namespace ZorvaneDemo

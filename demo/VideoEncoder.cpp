@@ -59,7 +59,7 @@ void appendWithLength(const Unit &unit, Bytes *out)
 } // namespace
 
 VideoEncoder::VideoEncoder(PictureSize pictureSize, int framesPerSecond, int bitsPerSecond)
-    : size(pictureSize)
+    : size(pictureSize), withStrip(bitsPerSecond == 0)
 {
     codedHeight = (size.height + macroblock - 1) / macroblock * macroblock;
     cropTop = codedHeight - size.height;
@@ -83,12 +83,8 @@ bool VideoEncoder::open(int framesPerSecond, int bitsPerSecond)
     output.reset(av_packet_alloc());
     frame.reset(av_frame_alloc());
 
-    StripLayout &strip = writer.header.strip;
-    strip.widthMbs = static_cast<std::uint16_t>(size.width / macroblock);
-    const int cellHeight = static_cast<int>(size.height / StripCode::heightDivisor);
-    strip.rows = static_cast<std::uint16_t>((cellHeight + macroblock - 1) / macroblock);
-    strip.firstRow = static_cast<std::uint16_t>(codedHeight / macroblock - strip.rows);
-    strip.cellTop = static_cast<std::uint16_t>(strip.rows * macroblock - cellHeight);
+    if (withStrip)
+        layOutStrip();
     writer.header.width = static_cast<std::uint32_t>(size.width);
     writer.header.height = static_cast<std::uint32_t>(size.height);
 
@@ -105,18 +101,20 @@ bool VideoEncoder::open(int framesPerSecond, int bitsPerSecond)
     codec->max_b_frames = 0;
     codec->thread_count = 1;
     codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    const std::string parameters =
-        "cabac=0:8x8dct=0:ref=1:weightp=0:scenecut=0:mbtree=0:rc-lookahead=0:min-keyint=" +
-        std::to_string(framesPerSecond) +
-        ":slice-max-mbs=" + std::to_string(strip.firstRow * strip.widthMbs) + ":crop-rect=0," +
-        std::to_string(cropTop) + ",0,0";
-    if (bitsPerSecond > 0) {
-        codec->bit_rate = codec->rc_max_rate = bitsPerSecond;
-        codec->rc_buffer_size = bitsPerSecond;
-        av_opt_set(codec->priv_data, "preset", "medium", 0);
-    } else {
+    std::string parameters =
+        "scenecut=0:mbtree=0:rc-lookahead=0:min-keyint=" + std::to_string(framesPerSecond) +
+        ":crop-rect=0," + std::to_string(cropTop) + ",0,0";
+    if (withStrip) {
+        const StripLayout &strip = writer.header.strip;
+        parameters += ":cabac=0:8x8dct=0:ref=1:weightp=0:slice-max-mbs=" +
+                      std::to_string(strip.firstRow * strip.widthMbs);
         av_opt_set(codec->priv_data, "preset", "superfast", 0);
         av_opt_set(codec->priv_data, "crf", size.width > 1000 ? "26" : "25", 0);
+    } else {
+        codec->bit_rate = bitsPerSecond;
+        codec->rc_max_rate = bitsPerSecond;
+        codec->rc_buffer_size = bitsPerSecond;
+        av_opt_set(codec->priv_data, "preset", "medium", 0);
     }
     av_opt_set(codec->priv_data, "x264-params", parameters.c_str(), 0);
     if (avcodec_open2(codec.get(), encoder, nullptr) < 0)
@@ -129,7 +127,7 @@ bool VideoEncoder::open(int framesPerSecond, int bitsPerSecond)
         else if (unit.type() == ppsNal)
             writer.pps.assign(unit.data, unit.data + unit.size);
     }
-    if (!strip.readParameterSets(writer.sps, writer.pps))
+    if (withStrip && !writer.header.strip.readParameterSets(writer.sps, writer.pps))
         return fail("the H.264 encoder made another kind of stream than asked for");
 
     frame->format = codec->pix_fmt;
@@ -138,6 +136,16 @@ bool VideoEncoder::open(int framesPerSecond, int bitsPerSecond)
     if (av_frame_get_buffer(frame.get(), 0) < 0)
         return fail("no memory for a picture");
     return true;
+}
+
+void VideoEncoder::layOutStrip()
+{
+    StripLayout &strip = writer.header.strip;
+    strip.widthMbs = static_cast<std::uint16_t>(size.width / macroblock);
+    const int cellHeight = static_cast<int>(size.height / StripCode::heightDivisor);
+    strip.rows = static_cast<std::uint16_t>((cellHeight + macroblock - 1) / macroblock);
+    strip.firstRow = static_cast<std::uint16_t>(codedHeight / macroblock - strip.rows);
+    strip.cellTop = static_cast<std::uint16_t>(strip.rows * macroblock - cellHeight);
 }
 
 void VideoEncoder::paintFixedLines()
@@ -206,11 +214,12 @@ bool VideoEncoder::take(const AVPacket *packet)
         if (unit.type() != sliceNal && unit.type() != idrNal)
             continue;
         if (slices++ == 0) {
-            strip = StripPicture::fromSlice(writer.header.strip, unit.data, unit.size);
+            if (withStrip)
+                strip = StripPicture::fromSlice(writer.header.strip, unit.data, unit.size);
             appendWithLength(unit, &picture);
         }
     }
-    if (slices != 2)
+    if (slices != (withStrip ? 2 : 1))
         return fail("the H.264 encoder did not keep the strip in a slice of its own");
     writer.add(picture, (packet->flags & AV_PKT_FLAG_KEY) != 0, strip);
     return true;
