@@ -2,9 +2,11 @@
 #include "bench/LiveWall.h"
 
 #include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QScreen>
 #include <QTest>
 
 #include <algorithm>
@@ -76,6 +78,7 @@ bool LiveWall::start(Pictures pictures)
         return false;
     }
     mainWindow()->onFullscreen();
+    mainWindow()->setGeometry(QGuiApplication::primaryScreen()->geometry()); // without a manager
     const auto servers = API::CloudAPIClient::serverList();
     for (const API::ServerPtr &server : servers)
         cameras += server->cameras().values();

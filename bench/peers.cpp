@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The same live streams at the same places of the display, shown by the client, by one mpv for
 // each stream, and by GStreamer's compositor: processor time of all processes of each, and of
-// the display's server, as a share of one core. A wall counts when each of its pictures is seen to
-// move on the display.
+// the display's server, as a share of one core and for each picture that is seen on the display.
 #include <QGuiApplication>
 #include <QPixmap>
 #include <QProcess>
@@ -12,7 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
-#include <optional>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -33,6 +32,10 @@ constexpr int showLimitMs = 60000;
 constexpr int warmUpMs = 5000;
 constexpr int measuredMs = 10000;
 constexpr int endLimitMs = 5000;
+constexpr int changesOfPlaying = 5;
+constexpr int countedMs = 4000;
+constexpr int probeIntervalMs = 8;
+constexpr QSize probeSize(96, 54);
 
 /// One wall in the client.
 struct Wall {
@@ -51,45 +54,97 @@ struct Place {
     QRect area;
 };
 
-/// What is seen at those places.
-std::vector<QImage> seen(const QList<Place> &places)
+/// The middle of each picture as the display shows it: small, since looking costs time as well.
+class Probes
 {
-    const QImage display = QGuiApplication::primaryScreen()->grabWindow(0).toImage();
-    std::vector<QImage> images;
-    for (const Place &place : places)
-        images.push_back(display.copy(place.area));
-    return images;
-}
+public:
+    explicit Probes(const QList<Place> &places)
+    {
+        for (const Place &place : places) {
+            QRect area(QPoint(), probeSize);
+            area.moveCenter(place.area.center());
+            areas << area;
+        }
+        changes.fill(0, areas.size());
+    }
 
-/// True once every place shows something else than before; the noise of a picture never stands
-/// still.
-bool allMove(const QList<Place> &places)
+    /// Counts the places that have changed since the last look. The noise of a picture never
+    /// stands still.
+    void look()
+    {
+        QVector<QImage> now;
+        for (const QRect &area : qAsConst(areas)) {
+            QScreen *display = QGuiApplication::primaryScreen();
+            now << display->grabWindow(0, area.x(), area.y(), area.width(), area.height())
+                       .toImage();
+        }
+        for (int i = 0; i < before.size(); ++i)
+            changes[i] += now.at(i) != before.at(i);
+        before = now;
+    }
+
+    bool haveAllChanged(int times) const
+    {
+        return std::all_of(changes.begin(), changes.end(),
+                           [times](int count) { return count >= times; });
+    }
+
+    int sum() const { return std::accumulate(changes.begin(), changes.end(), 0); }
+
+private:
+    QVector<QRect> areas;
+    QVector<QImage> before;
+    QVector<int> changes;
+};
+
+/// What a program takes and shows.
+struct Cost {
+    double percentOfCore = 0;
+    double picturesASecond = 0; ///< of all places together
+
+    double msAPicture() const
+    {
+        return picturesASecond > 0 ? 10 * percentOfCore / picturesASecond : 0;
+    }
+};
+
+bool allPlay(const QList<Place> &places)
 {
-    const std::vector<QImage> before = seen(places);
-    std::vector<bool> moved(before.size());
+    Probes probes(places);
     return QTest::qWaitFor(
-        [&] {
-            const std::vector<QImage> now = seen(places);
-            for (std::size_t i = 0; i < now.size(); ++i)
-                moved[i] = moved[i] || now[i] != before[i];
-            return std::find(moved.begin(), moved.end(), false) == moved.end();
+        [&probes] {
+            probes.look();
+            return probes.haveAllChanged(changesOfPlaying);
         },
         showLimitMs);
 }
 
-/// Percent of a core that `cpuMs` grows by; nothing if not all pictures move before and
-/// after.
-template <typename Cpu>
-std::optional<double> percentOfCore(const QList<Place> &places, const Cpu &cpuMs)
+double picturesASecond(const QList<Place> &places)
 {
-    if (!allMove(places))
-        return std::nullopt;
+    Probes probes(places);
+    probes.look();
+    const long long end = nowNanoseconds() + 1'000'000LL * countedMs;
+    while (nowNanoseconds() < end) {
+        QTest::qWait(probeIntervalMs);
+        probes.look();
+    }
+    return probes.sum() * 1000.0 / countedMs;
+}
+
+/// Counts after it has measured, since that takes processor time itself. All 0 if not every
+/// place comes to play.
+template <typename Cpu>
+Cost measure(const QList<Place> &places, const Cpu &cpuMs)
+{
+    if (!allPlay(places))
+        return {};
     QTest::qWait(warmUpMs);
     const double beforeMs = cpuMs();
     const long long began = nowNanoseconds();
     QTest::qWait(measuredMs);
-    const double percent = 100 * (cpuMs() - beforeMs) / ((nowNanoseconds() - began) / 1e6);
-    return allMove(places) ? std::optional<double>(percent) : std::nullopt;
+    const double tookMs = static_cast<double>(nowNanoseconds() - began) / 1e6;
+    const double percent = 100 * (cpuMs() - beforeMs) / tookMs;
+    return {percent, picturesASecond(places)};
 }
 
 QStringList mpvCommand(const Place &place)
@@ -129,7 +184,7 @@ QStringList compositorCommand(const QList<Place> &places)
                     .arg(place.area.height());
     }
     line += QStringLiteral(" ! video/x-raw,width=%1,height=%2,framerate=%3/1"
-                           " ! videoconvert ! ximagesink")
+                           " ! videoconvert ! ximagesink sync=false")
                 .arg(display.width())
                 .arg(display.height())
                 .arg(LiveWall::framesPerSecond);
@@ -176,10 +231,17 @@ private:
     std::vector<std::unique_ptr<QProcess>> processes;
 };
 
-std::optional<double> percentOf(const QList<QStringList> &commands, const QList<Place> &places)
+Cost costOf(const QList<QStringList> &commands, const QList<Place> &places)
 {
     const Programs programs(commands);
-    return percentOfCore(places, [&programs] { return programs.cpuMs(); });
+    return measure(places, [&programs] { return programs.cpuMs(); });
+}
+
+void print(const char *program, const Cost &cost)
+{
+    std::printf("  %-24s %6.1f %%  %7.1f  %7.2f ms\n", program, cost.percentOfCore,
+                cost.picturesASecond, cost.msAPicture());
+    std::fflush(stdout);
 }
 
 /// False when the client is over its limit, or when one of the programs shows nothing.
@@ -194,19 +256,18 @@ bool compare(LiveWall &client, const Wall &wall)
         places << Place{client.camera(places.size())->liveUrl(wall.quality), area};
         mpv << mpvCommand(places.last());
     }
-    const auto ours = percentOfCore(places, [&client] { return client.cpu().sum(); });
+    std::printf("%s, each %dx%d on the display: of a core, pictures a second, each\n", wall.name,
+                areas.first().width(), areas.first().height());
+    const Cost ours = measure(places, [&client] { return client.cpu().sum(); });
     client.close();
-    const auto ofMpv = percentOf(mpv, places);
-    const auto ofCompositor = percentOf({compositorCommand(places)}, places);
-    std::printf("%s, each %dx%d on the display\n", wall.name, areas.first().width(),
-                areas.first().height());
-    std::printf("  client %25.1f %%\n  mpv, one for each stream %7.1f %%\n"
-                "  GStreamer's compositor %9.1f %%   (0: did not show all)\n",
-                ours.value_or(0), ofMpv.value_or(0), ofCompositor.value_or(0));
-    std::fflush(stdout);
-    return ours && ofMpv && ofCompositor &&
-           within(std::string(wall.name) + ": client to mpv", *ours / *ofMpv, "x",
-                  wall.maxRatioToMpv);
+    print("client", ours);
+    const Cost ofMpv = costOf(mpv, places);
+    print("mpv, one for each", ofMpv);
+    const Cost ofCompositor = costOf({compositorCommand(places)}, places);
+    print("GStreamer's compositor", ofCompositor);
+    return ours.msAPicture() > 0 && ofMpv.msAPicture() > 0 && ofCompositor.msAPicture() > 0 &&
+           within(std::string(wall.name) + ": client to mpv",
+                  ours.msAPicture() / ofMpv.msAPicture(), "x", wall.maxRatioToMpv);
 }
 
 } // namespace

@@ -61,7 +61,9 @@ void appendWithLength(const Unit &unit, Bytes *out)
 VideoEncoder::VideoEncoder(PictureSize pictureSize, int framesPerSecond, int bitsPerSecond)
     : size(pictureSize), withStrip(bitsPerSecond == 0)
 {
-    codedHeight = (size.height + macroblock - 1) / macroblock * macroblock;
+    // The strip ends where a macroblock does, so what is too much is cut off above.
+    codedHeight =
+        withStrip ? (size.height + macroblock - 1) / macroblock * macroblock : size.height;
     cropTop = codedHeight - size.height;
     if (open(framesPerSecond, bitsPerSecond))
         paintFixedLines();
@@ -102,12 +104,12 @@ bool VideoEncoder::open(int framesPerSecond, int bitsPerSecond)
     codec->thread_count = 1;
     codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     std::string parameters =
-        "scenecut=0:mbtree=0:rc-lookahead=0:min-keyint=" + std::to_string(framesPerSecond) +
-        ":crop-rect=0," + std::to_string(cropTop) + ",0,0";
+        "scenecut=0:mbtree=0:rc-lookahead=0:min-keyint=" + std::to_string(framesPerSecond);
     if (withStrip) {
         const StripLayout &strip = writer.header.strip;
         parameters += ":cabac=0:8x8dct=0:ref=1:weightp=0:slice-max-mbs=" +
-                      std::to_string(strip.firstRow * strip.widthMbs);
+                      std::to_string(strip.firstRow * strip.widthMbs) + ":crop-rect=0," +
+                      std::to_string(cropTop) + ",0,0";
         av_opt_set(codec->priv_data, "preset", "superfast", 0);
         av_opt_set(codec->priv_data, "crf", size.width > 1000 ? "26" : "25", 0);
     } else {
