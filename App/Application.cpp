@@ -14,6 +14,7 @@
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
 #include "API/Server.h"
+#include "App/Environment.h"
 #include "App/Language.h"
 #include "App/Log.h"
 #include "App/ScreenChoice.h"
@@ -229,6 +230,9 @@ void Application::loginSuccessful()
     loginDialog = nullptr;
     API::CloudAPIClient().clearRoster();
     createMainWindow();
+    const QString kioskLayout = Environment::kioskLayout();
+    if (!kioskLayout.isEmpty())
+        mainWindows.last()->enterKiosk(kioskLayout);
 }
 
 void Application::setSoundVolume(int volume)

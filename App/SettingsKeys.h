@@ -30,6 +30,8 @@ constexpr char namesOnTiles[] = "mainWindow/namesOnTiles"; // bool
 constexpr char volume[] = "sound/volume"; // int, default 50
 constexpr char soundOn[] = "sound/on";    // bool, default true
 
+constexpr char tourInterval[] = "tour/intervalSeconds"; // int, default 30
+
 /// int: degrees.
 inline QString cameraRotation(const QString &serverId, int cameraId)
 {

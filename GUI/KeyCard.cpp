@@ -64,9 +64,8 @@ void KeyCard::showOver(const QWidget &window)
 void KeyCard::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setPen(Colours::accent());
-    painter.setBrush(Colours::panel());
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    painter.fillRect(rect(), Colours::accent());
+    painter.fillRect(rect().adjusted(1, 1, -1, -1), Colours::panel());
 }
 
 void KeyCard::keyPressEvent(QKeyEvent *event)

@@ -94,6 +94,8 @@ QVector<KeyRow> makeRows()
         rows.append({static_cast<Qt::Key>(digit), control, KeyAction::OpenLayout, digit - Qt::Key_1,
                      openLayoutText});
     }
+    rows.append({Qt::Key_T, none, KeyAction::Tour, anyNumber,
+                 QT_TRANSLATE_NOOP("ZorvaneClient::GUI::KeyCard", "Saved layouts in turn")});
     rows.append({Qt::Key_F, control, KeyAction::Search, anyNumber,
                  QT_TRANSLATE_NOOP("ZorvaneClient::GUI::KeyCard", "Search")});
     rows.append({Qt::Key_F1, none, KeyAction::Help, anyNumber,

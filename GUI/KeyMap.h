@@ -21,6 +21,7 @@ enum class KeyAction {
     Speed,      ///< by so many steps
     OpenLayout, ///< place in the list of saved layouts, from 0
     StepLayout, ///< by so many places of that list
+    Tour,
     MoveToTile, ///< a Direction
     ResetZoom,
     Names,

@@ -9,6 +9,7 @@
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
 #include "GUI/LayoutCard.h"
+#include "GUI/TourButton.h"
 #include "GUI/WidgetOrder.h"
 #include "ui_LayoutListWidget.h"
 
@@ -24,7 +25,10 @@ constexpr int stretchFactor = 10;
 } // namespace
 
 LayoutListWidget::LayoutListWidget(QWidget *parent)
-    : QWidget(parent), ui(new Ui::LayoutListWidget), client(new API::CloudAPIClient(this))
+    : QWidget(parent)
+    , ui(new Ui::LayoutListWidget)
+    , client(new API::CloudAPIClient(this))
+    , tourButton(new TourButton)
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("layoutListWidget"));
@@ -40,6 +44,8 @@ LayoutListWidget::LayoutListWidget(QWidget *parent)
     client->updateRoster();
     connect(ui->addLayoutButton, &QPushButton::clicked, this,
             &LayoutListWidget::addLayoutButtonClicked);
+    ui->headerRow->addWidget(tourButton);
+    connect(tourButton, &TourButton::chosen, this, &LayoutListWidget::tourChosen);
     startTimer(pollInterval, Qt::CoarseTimer);
 }
 
@@ -48,6 +54,11 @@ LayoutListWidget::~LayoutListWidget() = default;
 bool LayoutListWidget::hasLayout(const API::LayoutPtr &layout) const
 {
     return cards.contains(layout);
+}
+
+void LayoutListWidget::showTour(bool isOn, int seconds)
+{
+    tourButton->showTour(isOn, seconds);
 }
 
 void LayoutListWidget::timerEvent(QTimerEvent *)
@@ -71,6 +82,7 @@ void LayoutListWidget::updateLayouts(API::LayoutsContainer layouts)
     }
     arrangeCards(layouts);
     search(searchText);
+    emit listed();
 }
 
 void LayoutListWidget::removeStaleCards(const API::LayoutsContainer &layouts)
@@ -98,17 +110,6 @@ LayoutCard *LayoutListWidget::createCard(const API::LayoutPtr &layout)
 QList<API::LayoutPtr> LayoutListWidget::layouts() const
 {
     return order;
-}
-
-API::LayoutPtr LayoutListWidget::neighbour(const API::LayoutPtr &layout, int step) const
-{
-    if (order.isEmpty())
-        return API::LayoutPtr();
-    const int count = static_cast<int>(order.size());
-    const int place = static_cast<int>(order.indexOf(layout));
-    if (place < 0)
-        return step > 0 ? order.first() : order.last();
-    return order.at((place + step + count) % count);
 }
 
 void LayoutListWidget::arrangeCards(const API::LayoutsContainer &layouts)

@@ -22,6 +22,7 @@ class CloudAPIClient;
 namespace GUI {
 
 class LayoutCard;
+class TourButton;
 
 /// The page of the side bar that lists the saved layouts, each as a card. Asks the service
 /// for layouts as long as it exists.
@@ -38,9 +39,6 @@ public:
     bool hasLayout(const API::LayoutPtr &layout) const;
     /// In the order of the cards, those that a search hides too.
     QList<API::LayoutPtr> layouts() const;
-    /// The next one behind `layout`, or with a step of -1 before it, round the list; of one that
-    /// has no card, the first or the last. Null if there is none.
-    API::LayoutPtr neighbour(const API::LayoutPtr &layout, int step) const;
 
 public slots:
     void updateLayouts();
@@ -51,11 +49,17 @@ public slots:
     void deleteLayout(API::LayoutPtr layout);
     /// Shows the cards whose name contains `name`, whatever the case.
     void search(QString name);
+    /// Shows whether the layouts are opened in turn.
+    void showTour(bool isOn, int seconds);
 
 signals:
     void openLayout(API::LayoutPtr layout);
     void openInNewWindow(API::LayoutPtr layout);
     void addLayoutButtonClicked();
+    /// The layouts are to be opened in turn, one every so many seconds; no more, if that is 0.
+    void tourChosen(int seconds);
+    /// The list is as the service or the cache has it.
+    void listed();
 
 protected:
     void timerEvent(QTimerEvent *event) override;
@@ -71,6 +75,7 @@ private:
     QVBoxLayout *cardsLayout = nullptr;
     API::CloudAPIClient *client = nullptr;
     QString searchText;
+    TourButton *tourButton;
 };
 
 } // namespace GUI

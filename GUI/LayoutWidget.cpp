@@ -155,6 +155,11 @@ void LayoutWidget::showExportDoneHint(QString path)
                               false);
 }
 
+void LayoutWidget::showHint(const QString &text)
+{
+    d->hints->addNotification(text, false);
+}
+
 void LayoutWidget::showExportErrorHint(QString)
 {
     d->hints->addNotification(tr("Error while exporting."), true);

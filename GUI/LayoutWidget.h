@@ -89,6 +89,8 @@ public slots:
     void setArchiveMode();
     void clear();
     void saveLayout(QString layoutName);
+    /// For a few seconds, over the grid.
+    void showHint(const QString &text);
 
 signals:
     void cameraClosed(API::CameraPtr camera);

@@ -14,6 +14,8 @@
 #include "GUI/ControlPanel.h"
 #include "GUI/InfoPanel.h"
 #include "GUI/KeyDispatcher.h"
+#include "GUI/Kiosk.h"
+#include "GUI/LayoutListWidget.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/SideBar.h"
 #include "GUI/Timeline.h"
@@ -47,6 +49,7 @@ MainWindow::MainWindow(QWidget *parent)
     connectControlPanel();
     connectStrip();
     connectGrid();
+    setUpTour();
     arrange();
     resize(firstSize);
     connect(new KeyDispatcher(this), &KeyDispatcher::triggered, this, &MainWindow::onKey);
@@ -89,6 +92,12 @@ int MainWindow::cellCount() const
 {
     const API::LayoutPtr layout = layoutWidget->workingLayout();
     return layout ? layout->rows() * layout->columns() : 0;
+}
+
+void MainWindow::enterKiosk(const QString &layoutName)
+{
+    new Kiosk({this, sideBar->layoutListWidget(), layoutWidget, controlPanel, timeline},
+              layoutName);
 }
 
 void MainWindow::setRosterMode()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 #include "API/Types.h"
@@ -8,6 +10,7 @@
 #include "GUI/GridRules.h"
 #include "GUI/KeyMap.h"
 #include "GUI/Playlist.h"
+#include "GUI/Tour.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -16,6 +19,7 @@ namespace Player {
 class VideoWidget;
 }
 
+class ActivityWatch;
 class ArchiveControlPanel;
 class ControlPanel;
 class InfoPanel;
@@ -37,6 +41,8 @@ public:
     int playerCount() const;
     /// Rows by columns of the open layout.
     int cellCount() const;
+    /// From here on a window that shows that saved layout alone, on the whole screen.
+    void enterKiosk(const QString &layoutName);
 
 public slots:
     void hideRosterAndToolbar();
@@ -136,6 +142,17 @@ private:
     /// Makes the tile there active.
     void moveToTile(Direction direction);
     void startSearch();
+
+    // MainWindowTour.cpp
+    void setUpTour();
+    void toggleTour();
+    /// 0 ends it.
+    void setTour(int seconds);
+    void goOnTour();
+    /// True while another layout would take away more than a live picture.
+    bool mustStay() const;
+
+    bool hasEdits() const;
     void addCamerasToCalendar();
     bool layoutListHolds(const API::LayoutPtr &layout) const;
     /// Cameras of the open layout, in the order of its cells.
@@ -152,6 +169,9 @@ private:
     LayoutWidget *layoutWidget;
     Playlist playlist;
     ExportFlow exportFlow;
+    Tour tour;
+    QTimer tourTimer{this};
+    QPointer<ActivityWatch> tourActivity;
     bool rosterWasVisible = true;
     bool wasMaximized = false;
     bool archiveMode = false;

@@ -73,6 +73,9 @@ void MainWindow::onKey(KeyAction action, int number)
     case KeyAction::StepLayout:
         stepLayout(number);
         break;
+    case KeyAction::Tour:
+        toggleTour();
+        break;
     case KeyAction::MoveToTile:
         moveToTile(static_cast<Direction>(number));
         break;
@@ -112,7 +115,7 @@ void MainWindow::seek(const QDateTime &time)
 void MainWindow::stepLayout(int step)
 {
     const API::LayoutPtr shown = layoutWidget->savedLayout();
-    const API::LayoutPtr next = sideBar->layoutListWidget()->neighbour(shown, step);
+    const API::LayoutPtr next = layoutBeside(sideBar->layoutListWidget()->layouts(), shown, step);
     if (next != shown)
         openLayout(next);
 }

@@ -118,9 +118,14 @@ void MainWindow::activateCamera(API::CameraPtr camera)
     layoutWidget->setSoundVolume(controlPanel->volume());
 }
 
+bool MainWindow::hasEdits() const
+{
+    return infoPanel->mode() == InfoPanel::EditMode || infoPanel->mode() == InfoPanel::UnsavedMode;
+}
+
 bool MainWindow::settleEdits()
 {
-    if (infoPanel->mode() != InfoPanel::EditMode && infoPanel->mode() != InfoPanel::UnsavedMode)
+    if (!hasEdits())
         return true;
     Question question;
     question.text = tr("The layout has been modified.");

@@ -60,6 +60,10 @@
         <translation>Эта подсказка</translation>
     </message>
     <message>
+        <source>Saved layouts in turn</source>
+        <translation>Обход сохранённых раскладок</translation>
+    </message>
+    <message>
         <source>Keys</source>
         <translation>Клавиши</translation>
     </message>
@@ -105,6 +109,66 @@
     <message>
         <source>Records</source>
         <translation>Записи</translation>
+    </message>
+</context>
+<context>
+    <name>ZorvaneClient::GUI::MainWindow</name>
+    <message>
+        <source>The tour is over.</source>
+        <translation>Обход раскладок закончен.</translation>
+    </message>
+    <message>
+        <source>Saved layouts in turn, every %1 s.</source>
+        <translation>Обход раскладок: каждые %1 с.</translation>
+    </message>
+</context>
+<context>
+    <name>ZorvaneClient::GUI::ScreenSaverHold</name>
+    <message>
+        <source>Video is playing</source>
+        <translation>Идёт воспроизведение видео</translation>
+    </message>
+</context>
+<context>
+    <name>ZorvaneClient::GUI::ServiceSign</name>
+    <message>
+        <source>No connection to the service</source>
+        <translation>Нет связи с сервисом</translation>
+    </message>
+    <message>
+        <source>The service has not answered since %1. Cameras and layouts are asked for again and again, at least once a minute.</source>
+        <translation>Сервис не отвечает с %1. Камеры и раскладки запрашиваются снова и снова, не реже раза в минуту.</translation>
+    </message>
+</context>
+<context>
+    <name>ZorvaneClient::GUI::TourButton</name>
+    <message>
+        <source>Tour</source>
+        <translation>Обход</translation>
+    </message>
+    <message>
+        <source>Saved layouts in turn</source>
+        <translation>Показывать сохранённые раскладки по очереди</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <translation>Выключен</translation>
+    </message>
+    <message>
+        <source>Every 10 seconds</source>
+        <translation>Каждые 10 секунд</translation>
+    </message>
+    <message>
+        <source>Every 30 seconds</source>
+        <translation>Каждые 30 секунд</translation>
+    </message>
+    <message>
+        <source>Every minute</source>
+        <translation>Каждую минуту</translation>
+    </message>
+    <message>
+        <source>Every 5 minutes</source>
+        <translation>Каждые 5 минут</translation>
     </message>
 </context>
 </TS>

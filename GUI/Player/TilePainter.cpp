@@ -27,6 +27,7 @@ constexpr int fullTurnDegrees = 360;
 constexpr QColor hoverColor(66, 71, 80, 255);
 constexpr QColor dimming = Colours::panel(150);
 constexpr QColor mapFrame = Colours::panel();
+constexpr QColor mapShade(0, 0, 0, 110);
 
 QPen borderPen(const QColor &color)
 {
@@ -101,12 +102,17 @@ void drawScaled(QPainter &painter, const QRect &target, const QImage &picture, c
 void paintZoomMap(QPainter &painter, const QRect &map, const QImage &picture,
                   const PictureZoom &zoom)
 {
-    drawScaled(painter, map, picture, QRectF(picture.rect()));
+    // So much smaller, it would hardly look better smooth; and a zoomed picture costs no more.
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
+    painter.drawImage(QRectF(map), picture, QRectF(picture.rect()));
     painter.setBrush(Qt::NoBrush);
     painter.setPen(mapFrame);
     painter.drawRect(map.adjusted(-1, -1, 0, 0));
-    painter.setPen(Colours::accent());
-    painter.drawRect(zoomMapPart(map, zoom));
+    const QRectF part = zoomMapPart(map, zoom);
+    for (const QRect &rest : QRegion(map) - part.toAlignedRect())
+        painter.fillRect(rest, mapShade);
+    painter.setPen(selectionPen());
+    painter.drawRect(part);
 }
 
 } // namespace

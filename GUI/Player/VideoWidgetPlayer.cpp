@@ -90,7 +90,6 @@ void VideoWidget::unpause()
 {
     sendCommand(QStringLiteral("unpause"));
     d->state.unpaused();
-    update();
 }
 
 void VideoWidget::setSoundVolume(int volume)

@@ -26,14 +26,14 @@ void VideoWidget::resetZoom()
 
 void VideoWidget::wheelEvent(QWheelEvent *event)
 {
-    const int turn = event->angleDelta().y();
     const bool isMeant = d->isAlone || event->modifiers().testFlag(Qt::ControlModifier);
-    if (!d->hasPicture || !isMeant || turn == 0) {
+    if (!d->hasPicture || !isMeant) {
         event->ignore();
         return;
     }
     event->accept();
-    d->zoom.zoomAt(fractionOf(picturePlace(), event->position()), zoomOfWheel(turn));
+    d->zoom.zoomAt(fractionOf(picturePlace(), event->position()),
+                   zoomOfWheel(event->angleDelta().y()));
     showZoom();
 }
 

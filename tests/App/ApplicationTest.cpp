@@ -191,6 +191,15 @@ private slots:
         QCOMPARE(dialog->findChild<QLineEdit *>("passwordLn"_s)->text(), QString());
     }
 
+    void onTheWallFromTheEnvironment()
+    {
+        qputenv("ZORVANE_KIOSK", "Gate");
+        application()->startLogin();
+        application()->loginSuccessful();
+        qunsetenv("ZORVANE_KIOSK");
+        QVERIFY(visibleTopLevels<MainWindow>().value(0)->isFullScreen());
+    }
+
     void signOutEndsAQuestion()
     {
         MainWindow *other = openWindow();

@@ -4,9 +4,11 @@
 #include "tests/support/Test.h"
 
 #include "API/Camera.h"
+#include "API/CloudAPIClient.h"
 #include "API/Layout.h"
 #include "App/QtShims.h"
 #include "GUI/ControlPanel.h"
+#include "GUI/LayoutListWidget.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
@@ -238,6 +240,33 @@ private slots:
         QVERIFY2(!tile(0)->isPlaying(), "timers of the archive do nothing live");
     }
 
+    void keysMoveThroughTheArchive_data()
+    {
+        rows<QString, QString, QString>({"from", "keys", "start"},
+                                        {{"back", "10:05:00", "Left", "1 10:04:50 1x"},
+                                         {"far on", "10:05:00", "Shift+Right", "1 10:06:00 1x"},
+                                         {"not past now", "22:59:55", "Right", "1 23:00:00 1x"},
+                                         {"day before", "00:00:05", "Left", ""},
+                                         {"faster", "10:05:00", "=", "1 10:05:00 2x"}});
+    }
+
+    void keysMoveThroughTheArchive()
+    {
+        const auto [from, keys, start] = row<QString, QString, QString>();
+        open({camera(1, {"00:00:00-23:30:00"})});
+        window->onPlayArchive(moment(from));
+        expectStarts({"1 " + QTime::fromString(from, "h:mm:ss").toString() + " 1x"});
+        const int code = int(QKeySequence(keys)[0]);
+        QTest::keyClick(window.data(), Qt::Key(code & ~Qt::KeyboardModifierMask),
+                        Qt::KeyboardModifiers(code & Qt::KeyboardModifierMask));
+        if (!start.isEmpty())
+            expectStarts({start});
+        QCOMPARE(panel()->findChild<QLabel *>("speedLabel"_s)->isHidden(), keys != "=");
+        const QDateTime reached = timeline()->currentValue();
+        QCOMPARE(timeline()->startValue().date(), reached.date());
+        QCOMPARE(reached < moment("00:00:00"), from == "00:00:05");
+    }
+
     void exports_data()
     {
         // Steps are buttons and words of the player; ">2" makes a camera active, "+2" adds a tile
@@ -247,6 +276,7 @@ private slots:
         const QString empty = "emptyPage exportButtonPage "_s;
         const QString marking = "exportPage exportButtonPage selectFragmentPage"_s;
         const QString running = "exportPage exportLabelPage exportingPage"_s;
+        const QString tour = "Saved layouts in turn, every 30 s."_s;
         const QString saved = "Record saved. <a style=\"color: white\" href=\"%1\">Open folder</a>";
         rows<QString, QString, QString>(
             {"steps", "shown", "hint"},
@@ -257,11 +287,11 @@ private slots:
              {"another layout", "exportMode export new", empty, ""},
              {"only marked, another layout", "exportMode new", empty, ""},
              {"only marked, its camera closed", "exportMode >2 -1 size", marking, ""},
-             {"beside an edited grid", "exportMode export >2 +1 -2", running, ""},
-             {"older tile of the camera closed", "+1 exportMode export -1", running, ""},
+             {"beside an edited grid", "exportMode export >2 +1 -2", running, tour},
+             {"older tile of the camera closed", "+1 exportMode export -1", running, tour},
              {"newer tile of the camera closed", "+1 exportMode export -1 -2", over, ""},
-             {"pressed twice", "exportMode export >2 export", running, ""},
-             {"the same layout", "exportMode export again", running, ""}});
+             {"pressed twice", "exportMode export >2 export", running, tour},
+             {"the same layout", "exportMode export again", running, tour}});
     }
 
     /// What the panels show of an export, which Cancel ends in any case.
@@ -311,6 +341,17 @@ private slots:
         QTRY_COMPARE(pages(), expected);
         if (expected.startsWith("exportPage")) {
             QCOMPARE(ScriptedChild::isAlive(process), process != 0);
+            if (process != 0) { // layouts in turn wait for it, live too
+                const auto other = API::LayoutPtr::create();
+                API::CloudAPIClient().addLayout(other);
+                window->findChild<LayoutListWidget *>()->updateLayouts();
+                window->playLive();
+                QTest::keyClick(window.data(), Qt::Key_T);
+                clock->advance(31);
+                expireTimer(*window, std::chrono::seconds(1));
+                QVERIFY(window->playerCount() > 0);
+                API::CloudAPIClient().deleteLayout(other);
+            }
             press("cancelButton");
             QCOMPARE(pages(), "controlPage exportButtonPage "_s);
         } else {

@@ -11,6 +11,7 @@
 #include "App/Settings.h"
 #include "GUI/CameraSettingsDialog.h"
 #include "GUI/ElidedLabel.h"
+#include "GUI/KeyCard.h"
 #include "GUI/LayoutListWidget.h"
 #include "GUI/LocalServerDialog.h"
 #include "GUI/LoginDialog.h"
@@ -261,15 +262,17 @@ private slots:
     void noEnglishIsLeft()
     {
         QFETCH(Scene, scene);
-        QFile file(QStringLiteral(ZORVANE_SOURCE_DIR "/translations/ZorvaneClient_ru.ts"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
         QMultiHash<QString, QString> english; // by the translation
         QString source;
-        for (QXmlStreamReader xml(&file); !xml.atEnd(); xml.readNext()) {
-            if (xml.isStartElement() && xml.name() == "source"_s)
-                source = xml.readElementText();
-            else if (xml.isStartElement() && xml.name() == "translation"_s)
-                english.insert(xml.readElementText(), source);
+        for (const QString &name : {"ZorvaneClient_ru.ts"_s, "ZorvaneClientLater_ru.ts"_s}) {
+            QFile file(ZORVANE_SOURCE_DIR "/translations/" + name);
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            for (QXmlStreamReader xml(&file); !xml.atEnd(); xml.readNext()) {
+                if (xml.isStartElement() && xml.name() == "source"_s)
+                    source = xml.readElementText();
+                else if (xml.isStartElement() && xml.name() == "translation"_s)
+                    english.insert(xml.readElementText(), source);
+            }
         }
         english.remove(QString());
         const QStringList sources = english.values();
@@ -407,11 +410,18 @@ private:
         const QStringList mainParts = {"updateFailsLabel", "downloadButton", "hideRecordsButton",
                                        "exportingLabel"};
         const QStringList signInParts = {"usesProxyLbl", "settingsPBtn2", "doneButton"};
+        const Scene keys = [](const Look &look) {
+            GUI::MainWindow window;
+            auto *card = new GUI::KeyCard(&window);
+            card->showOver(window);
+            look(card);
+        };
         // Controls at least, and some of the deep parts.
         rows<Scene, int, QStringList>({"scene", "controls", "parts"},
                                       {{"main window", showMainWindow, 40, mainParts},
                                        {"sign-in", showSignIn, 15, signInParts},
                                        {"LAN server", server, 7, {"ipLabel"}},
+                                       {"keys", keys, 0, {"title"}},
                                        {"camera", camera, 5, {"rotationBlock"}}});
     }
 

@@ -51,6 +51,21 @@ void takeMessages(Studio &studio)
     studio.service.clearFaults();
 }
 
+/// One tile of the open grid alone, the whole of it and a part.
+void takeCloseLook(Studio &studio)
+{
+    GUI::LayoutWidget *grid = gridOf(mainWindow());
+    grid->toggleMaximised(tile());
+    waitFor([] { return stripOf(tile()).has_value(); }, "picture of the tile alone");
+    studio.take("tile-alone", "One tile of a grid alone");
+    const QPointF place(tile()->width() / 3.0, tile()->height() / 2.0);
+    QWheelEvent wheel(place, tile()->mapToGlobal(place.toPoint()), QPoint(), QPoint(0, 720),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(tile(), &wheel);
+    studio.take("tile-zoomed", "A part of its picture, and the map that shows which", gridPlace());
+    grid->showAllTiles();
+}
+
 void takeEditing(Studio &studio)
 {
     pressTab("layoutsButton");
@@ -109,6 +124,12 @@ void takeWalls(Studio &studio)
     studio.takeLarge("wall-3x3", "Nine cameras");
     studio.open(studio.layout(QStringLiteral("4 x 4"), 4, 4));
     studio.take("wall-4x4", "Sixteen cameras");
+    takeCloseLook(studio);
+    gridOf(mainWindow())->setNamesShown(true);
+    waitForPictures("grid");
+    studio.take("wall-names", "The tiles tell their cameras' names and what they show",
+                gridPlace());
+    gridOf(mainWindow())->setNamesShown(false);
     press(mainWindow(), "hideRosterButton");
     studio.take("wall-wide", "The panels at the side are hidden");
     press(mainWindow(), "showPBtn");

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "API/Camera.h"
+#include "GUI/Player/NameTag.h"
 #include "GUI/Player/PictureZoom.h"
 #include "GUI/PlayerNotification.h"
 #include "tests/GUI/Player/TileFixture.h"
 
 using GUI::PlayerNotification;
 using GUI::Player::VideoWidget;
+using GUI::Player::Internal::NameTag;
 using GUI::Player::Internal::zoomMapPlace;
 
 namespace {
@@ -106,29 +108,31 @@ private slots:
         // An upright picture leaves the rest of a wider tile to the background.
         tile.resize(400, 240);
         QTRY_COMPARE(quartersOf(onScreen(tile), area.translated(40, 0)), quarters);
-        // Its lower right corner fills its place then, and the map has all of it.
+        // Its lower right corner fills its place then; the map has it in a frame, and a shade
+        // on the rest.
         turnWheel(tile, {399, 239}, 36, Qt::ControlModifier);
         QTRY_COMPARE(letterAt(onScreen(tile), {200, 120}), quarters.right(1));
         const QRect map = zoomMapPlace(tile.size(), area);
-        QCOMPARE(quartersOf(onScreen(tile).copy(map), QRect(QPoint(), map.size())), quarters);
+        QCOMPARE(onScreen(tile).pixelColor(map.bottomRight()), selection);
+        QCOMPARE(letterAt(onScreen(tile), map.bottomRight() - QPoint(1, 1)), quarters.right(1));
+        const QColor shaded = onScreen(tile).pixelColor(map.topLeft());
+        QVERIFY(shaded.value() > 100 && shaded.value() < 200);
     }
 
     /// "wheel N" and "ctrl N" turn it at the lower right, "drag X Y" begins there.
     void closeLook_data()
     {
-        rows<QString, QString, int>(
-            {"steps", "seen", "maximised"},
-            {{"at rest", "wheel 9", "RGB", 0},
-             {"zoomed", "ctrl 36", "WWW", 0},
-             {"alone", "alone, wheel 36", "WWW", 0},
-             {"sideways", "ctrl 0", "RGB", 0},
-             {"and back", "ctrl 9, ctrl -10", "RGB", 0},
-             {"moved", "ctrl 36, drag -9000 0", "BBB", 0},
-             {"moved twice", "ctrl 36, drag -9000 0, drag 0 -9000", "RRR", 0},
-             {"reset", "ctrl 36, double", "RGB", 0},
-             {"maximised", "double, move 50 50", "RGB", 1},
-             {"both", "ctrl 36, double, double", "RGB", 1},
-             {"turned", "ctrl 36, turn", "WBG", 0}});
+        rows<QString, QString, int>({"steps", "seen", "maximised"},
+                                    {{"at rest", "wheel 9", "RGB", 0},
+                                     {"zoomed", "ctrl 36", "WWW", 0},
+                                     {"alone", "alone, wheel 36", "WWW", 0},
+                                     {"and back", "ctrl 9, ctrl -10", "RGB", 0},
+                                     {"moved", "ctrl 36, drag 9000 0", "BBB", 0},
+                                     {"moved twice", "ctrl 36, drag 9000 0, drag 0 9000", "RRR", 0},
+                                     {"reset", "ctrl 36, double", "RGB", 0},
+                                     {"maximised", "double, move -50 -50", "RGB", 1},
+                                     {"both", "ctrl 36, double, double", "RGB", 1},
+                                     {"turned", "ctrl 36, turn", "WBG", 0}});
     }
 
     void closeLook()
@@ -140,82 +144,69 @@ private slots:
         QSignalSpy asked(&tile, &VideoWidget::maximiseRequested);
         const QPoint place(319, 239);
         for (const QString &step : steps.split(", "_s)) {
-            const QStringList words = step.split(' ') << "0";
-            const QPoint to = place - QPoint(words.at(1).toInt(), words.value(2).toInt());
-            QMouseEvent move(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
-            if (words.first() == "drag"_s) {
+            const QStringList words = step.split(' ') << "0"_s;
+            const QString &what = words.first();
+            const QPoint to = place + QPoint(words.at(1).toInt(), words.value(2).toInt());
+            if (what == "drag"_s)
                 QTest::mousePress(&tile, Qt::LeftButton, Qt::NoModifier, place);
+            QMouseEvent move(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+            if (what == "drag"_s || what == "move"_s)
                 QApplication::sendEvent(&tile, &move);
-                QCOMPARE(tile.cursor().shape(), Qt::ClosedHandCursor);
-                QTest::mouseRelease(&tile, Qt::LeftButton, Qt::NoModifier, to);
-                QCOMPARE(tile.cursor().shape(), Qt::OpenHandCursor);
-            } else if (words.first() == "move"_s) {
-                QApplication::sendEvent(&tile, &move);
-            } else if (words.first() == "double"_s) {
+            if (what == "double"_s) {
                 QTest::mouseDClick(&tile, Qt::RightButton, Qt::NoModifier, place);
                 QTest::mouseDClick(&tile, Qt::LeftButton, Qt::NoModifier, place);
-            } else if (words.first() == "alone"_s) {
-                tile.setAlone(true);
-            } else if (words.first() == "turn"_s) {
-                tile.camera()->setRotation(180);
-            } else {
-                turnWheel(tile, place, words.at(1).toInt(),
-                          words.first() == "ctrl"_s ? Qt::ControlModifier : Qt::NoModifier);
             }
+            if (what == "turn"_s)
+                tile.camera()->setRotation(180);
+            tile.setAlone(what == "alone"_s || steps.startsWith("alone"_s));
+            if (what == "ctrl"_s)
+                turnWheel(tile, place, words.at(1).toInt(), Qt::ControlModifier);
+            if (what == "wheel"_s)
+                turnWheel(tile, place, words.at(1).toInt(), Qt::NoModifier);
         }
-        const auto letters = [&tile] {
-            const QImage shown = onScreen(tile);
-            return letterAt(shown, {80, 60}) + letterAt(shown, {240, 60}) +
-                   letterAt(shown, {80, 180});
-        };
-        QTRY_COMPARE(letters(), seen);
+        QTRY_COMPARE(letterAt(onScreen(tile), {80, 60}) + letterAt(onScreen(tile), {240, 60}) +
+                         letterAt(onScreen(tile), {80, 180}),
+                     seen);
         QCOMPARE(asked.size(), maximised);
     }
 
-    /// The label and what it says, as long as the tile has no bar.
     void nameTag()
     {
         const QString name = "Entrance of the large northern warehouse"_s;
-        ScriptedTile tile("solid 64 48 00ff00ff|print size 64 48\\nframe\\n"_s, localCamera(name));
-        QVERIFY(tile.playsLive());
-        const auto label = [&tile] { return onScreen(tile).copy(0, 0, 320, 30); };
-        QTRY_COMPARE(label().pixelColor(8, 16), QColor(Qt::green));
-        const QImage bare = label();
+        ScriptedTile tile("solid 64 48 00ff00ff|print size 64 48\\nframe\\n|wait end"
+                          "|print state 7\\n"_s,
+                          localCamera(name));
+        const auto says = [&](const QString &word, const QColor &behind) {
+            QImage expected(320, 30, QImage::Format_RGB32);
+            expected.fill(behind);
+            QPainter painter(&expected);
+            NameTag().paint(painter, tile.rect(), tile.font(), name, word);
+            painter.end();
+            return QTest::qWaitFor([&] {
+                const QImage top = onScreen(tile).copy(expected.rect());
+                return top == expected && top.pixelColor(318, 16) == behind; // it is cut
+            });
+        };
         tile.setNameShown(true);
-        QTRY_VERIFY(label() != bare);
-        const QImage live = label();
-        QCOMPARE(live.pixelColor(318, 16), QColor(Qt::green)); // too long a name is cut
+        QVERIFY(says("Connecting"_s, background));
+        QVERIFY(tile.playsLive());
+        QVERIFY(says("Live"_s, Qt::green));
         tile.pause();
-        QTRY_VERIFY(label() != live);
+        QVERIFY(says("Paused"_s, Qt::green));
         tile.unpause();
-        QTRY_COMPARE(label(), live);
         tile.setArchiveMode(true);
         tile.update();
-        QTRY_VERIFY(label() != live);
+        QVERIFY(says("Records"_s, Qt::green));
         tile.setArchiveMode(false);
-        hover(tile, true);
-        hover(tile, false);
-        QTRY_COMPARE(label(), live);
+        tile.tell("end"_s);
+        QVERIFY(says("Interrupted"_s, Qt::green));
+        tile.showError("Nothing"_s);
+        QVERIFY(says("No picture"_s, background));
+        hover(tile, true); // the bar has nothing behind it
+        QTRY_VERIFY(onScreen(tile).pixelColor(160, 16) != background);
+        const QImage bar = onScreen(tile);
         tile.setNameShown(false);
-        QTRY_COMPARE(label(), bare);
-    }
-
-    void everyFrameIsShown()
-    {
-        ScriptedTile tile("solid 64 48 ff0000ff|print size 64 48\\nframe\\n|wait blue"
-                          "|solid 64 48 0000ffff|print frame\\n|wait white"
-                          "|solid 64 48 ffffffff|print state white\\n"_s);
-        QVERIFY(tile.playLive());
-        QTRY_COMPARE(onScreen(tile).pixelColor(160, 120), QColor(Qt::red));
-        tile.tell("blue"_s);
-        QTRY_COMPARE(onScreen(tile).pixelColor(160, 120), QColor(Qt::blue));
-        // What the child writes shows at the next paint, announced or not.
-        tile.tell("white"_s);
-        QTRY_COMPARE(vlcStateOf(tile), "white"_s);
-        tile.repaint();
-        QCOMPARE(onScreen(tile).pixelColor(160, 120), QColor(Qt::white));
-        tile.hide();
-        QCOMPARE(tile.grab().toImage().pixelColor(160, 120), background);
+        QTRY_COMPARE(onScreen(tile), bar);
     }
 
     void borders()
