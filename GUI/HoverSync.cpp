@@ -67,9 +67,7 @@ bool HoverSync::eventFilter(QObject *object, QEvent *event)
             settled.start();
         }
         break;
-    case QEvent::Drop:
     case QEvent::MouseButtonRelease: // a press that closes a popup still holds the button
-    case QEvent::WindowStateChange:
         settled.start();
         break;
     default:

@@ -12,8 +12,8 @@ namespace GUI {
 
 /// Has all widgets of the program that look otherwise under the pointer look so exactly while
 /// the pointer is over them. The toolkit tells them when the pointer moves; this tells them when
-/// what lies under it has moved or gone instead: after popups and drags, when windows change
-/// their state, and when something under the pointer is shown, hidden, moved or resized.
+/// what lies under it has moved or gone instead: after popups and drags, and when something under
+/// the pointer is shown, hidden, moved or resized, as for fullscreen or another layout.
 class HoverSync : public QObject
 {
     Q_OBJECT

@@ -36,6 +36,7 @@ MomentField::MomentField(const QDateTime &shown, QWidget *parent)
         " border-color: rgb(255, 125, 125); }"));
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
     layout->addWidget(edit);
     setFocusProxy(edit);
     connect(edit, &QLineEdit::returnPressed, this, &MomentField::choose);

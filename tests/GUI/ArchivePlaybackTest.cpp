@@ -143,6 +143,7 @@ private slots:
         const QPointer<QWidget> field = QApplication::activePopupWidget();
         QVERIFY(field && qAbs(field->x() - time->mapToGlobal(QPoint()).x()) <= 2); // a frame
         auto *edit = field->findChild<QLineEdit *>();
+        QCOMPARE(field->size(), edit->size());
         QCOMPARE(edit->selectedText(), "05/03/2026 23:00:00"_s);
         const QColor usual = borderOf(edit);
         edit->setText(typed);

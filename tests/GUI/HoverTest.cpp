@@ -103,7 +103,7 @@ private slots:
                       {{"menu left open", "menu a/settingsButton, over b, escape, over a"},
                        {"menu over its button", "menu a/settingsButton, escape"},
                        {"menu of the panel", "menu InfoPanel/settingsButton, over b, escape"},
-                       {"fullscreen", "click fullscreenButton, over b, escape"},
+                       {"fullscreen", "click fullscreenButton, over a, escape"},
                        {"side bar", "click hideRosterButton, click showPBtn"}});
     }
 
