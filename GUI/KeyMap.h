@@ -13,7 +13,7 @@ enum class KeyAction {
     Fullscreen,
     Maximise, ///< the active tile
     Back,     ///< from the tile that is alone to all, from fullscreen to the window
-    Seek, ///< by so many milliseconds of archive
+    Seek,     ///< by so many milliseconds of archive
     Live,
     Records,
     Snapshot,

@@ -249,7 +249,7 @@ private slots:
         const QList<QAction *> choices = button->findChild<QMenu *>()->actions();
         const auto shownAfter = [&](int seconds) {
             clock.advance(seconds);
-            expireTimer(*window, 1s);
+            expireTimers(1s, window.data());
             return window->findChild<InfoPanel *>()->layoutName();
         };
         press("T");

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A window that hangs on a wall, on a session bus of the test's own.
+// A window that hangs on a wall, on a session bus of the test's own, and what it says when the
+// service falls silent.
 #include <QtDBus>
 
 #include "GUI/ControlPanel.h"
@@ -11,6 +12,7 @@
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/ScriptedChild.h"
+#include "tests/support/ScriptedService.h"
 
 using namespace ZorvaneClient::GUI;
 using namespace std::chrono_literals;
@@ -100,7 +102,7 @@ private slots:
             if (word == "move"_s)
                 QTest::mouseMove(window->windowHandle(), QPoint(++x, 300));
             else if (word == "rest"_s)
-                expireTimer(*window->findChild<Kiosk *>(), 3s);
+                expireTimers(3s, window->findChild<Kiosk *>());
             else
                 QTest::keySequence(window.data(), QKeySequence(word));
             return shown();
@@ -130,7 +132,7 @@ private slots:
         window->enterKiosk(QString());
         window->openLayout(layoutOf("a"_s));
         saver.calls.clear();
-        const auto look = [&window] { expireTimer(*window->findChild<Kiosk *>(), 5s); };
+        const auto look = [&window] { expireTimers(5s, window->findChild<Kiosk *>()); };
         const auto play = [&] {
             gridOf(*window)->playLive();
             QTRY_VERIFY(gridOf(*window)->isPlaying());
@@ -154,6 +156,46 @@ private slots:
         settle();
         window.reset();
         QTRY_COMPARE(saver.calls, once.repeated(3));
+    }
+
+    void theSignOfASilentService()
+    {
+        ScriptedService service;
+        const auto restore = qScopeGuard([] {
+            useServiceAt(MisbehavingServer::deadPort());
+            App::Environment::setClock({});
+        });
+        MainWindow window;
+        window.show();
+        const auto *sign = window.findChild<QLabel *>("serviceSign"_s);
+        const auto *tab = window.findChild<QPushButton *>("layoutsButton"_s);
+        const QRect tabPlace = tab->geometry();
+        // Without waiting for the next look at the roster.
+        const auto ask = [](int second) {
+            App::Environment::setClock(
+                [second] { return QDateTime(QDate(2026, 3, 5), QTime(7, 8, second)); });
+            API::CloudAPIClient client;
+            QSignalSpy failed(&client, &API::CloudAPIClient::updatesError);
+            client.checkForUpdates();
+            QTRY_COMPARE(failed.count(), 1);
+        };
+        QVERIFY(service.start());
+        const App::ServiceProfile atService = App::ServiceProfile::current();
+        ask(0); // it says no, but answers
+        QVERIFY(!sign->isVisible());
+        useServiceAt(MisbehavingServer::deadPort());
+        ask(10);
+        ask(20);
+        QTRY_VERIFY(sign->isVisible());
+        QVERIFY(sign->toolTip().contains("05/03 07:08:10"_s));
+        QCOMPARE(tab->geometry(), tabPlace);
+        App::ServiceProfile::setCurrent(atService);
+        ask(30);
+        QVERIFY(!sign->isVisible());
+        // Something else answers in its place.
+        service.server().setHandler([](const WireRequest &) { return WireReply::json("{}"); });
+        ask(40);
+        QVERIFY(sign->isVisible());
     }
 
 private:

@@ -409,46 +409,6 @@ private slots:
         QCOMPARE(App::settings().value("mainWindow/openTab"_s), QVariant("Cameras"_s));
     }
 
-    void theSignOfASilentService()
-    {
-        ScriptedService service;
-        const auto restore = qScopeGuard([] {
-            useServiceAt(MisbehavingServer::deadPort());
-            App::Environment::setClock({});
-        });
-        MainWindow window;
-        window.show();
-        const auto *sign = window.findChild<QLabel *>("serviceSign"_s);
-        const auto *tab = window.findChild<QPushButton *>("layoutsButton"_s);
-        const QRect tabPlace = tab->geometry();
-        // Without waiting for the next look at the roster.
-        const auto ask = [](int second) {
-            App::Environment::setClock(
-                [second] { return QDateTime(QDate(2026, 3, 5), QTime(7, 8, second)); });
-            API::CloudAPIClient client;
-            QSignalSpy failed(&client, &API::CloudAPIClient::updatesError);
-            client.checkForUpdates();
-            QTRY_COMPARE(failed.count(), 1);
-        };
-        QVERIFY(service.start());
-        const App::ServiceProfile atService = App::ServiceProfile::current();
-        ask(0); // it says no, but answers
-        QVERIFY(!sign->isVisible());
-        useServiceAt(MisbehavingServer::deadPort());
-        ask(10);
-        ask(20);
-        QTRY_VERIFY(sign->isVisible());
-        QVERIFY(sign->toolTip().contains("05/03 07:08:10"_s));
-        QCOMPARE(tab->geometry(), tabPlace);
-        App::ServiceProfile::setCurrent(atService);
-        ask(30);
-        QVERIFY(!sign->isVisible());
-        // Something else answers in its place.
-        service.server().setHandler([](const WireRequest &) { return WireReply::json("{}"); });
-        ask(40);
-        QVERIFY(sign->isVisible());
-    }
-
     void layoutsStandByNameAndAreFound()
     {
         LayoutListWidget list;

@@ -4,7 +4,6 @@
 #include "tests/support/Test.h"
 
 #include "API/CloudAPIClient.h"
-#include "API/Layout.h"
 #include "API/LocalServer.h"
 #include "App/Application.h"
 #include "App/ServiceProfile.h"
@@ -14,18 +13,11 @@
 #include "GUI/KeyCard.h"
 #include "GUI/LayoutListWidget.h"
 #include "GUI/LocalServerDialog.h"
-#include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
-#include "GUI/RosterWidget.h"
 #include "tests/GUI/Contrast.h"
-#include "tests/support/DialogVisitor.h"
+#include "tests/GUI/Scenes.h"
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/Roster.h"
-
-using Look = std::function<void(QWidget *)>;
-/// Shows a window to a look at it, and takes it away.
-using Scene = std::function<void(const Look &)>;
-Q_DECLARE_METATYPE(Scene)
 
 namespace {
 
@@ -40,59 +32,6 @@ const QStringList paleTexts =
     "updatesLabel versionLabel"_s.split(QLatin1Char(' '));
 /// Half transparent while they are disabled.
 const QStringList dimmed = {"signInButton", "exportModeButton"};
-const QString serverId = "s1"_s;
-
-API::LayoutPtr yardLayout()
-{
-    const auto layout = API::LayoutPtr::create();
-    layout->resize(2, 2);
-    layout->setCamera(rosterCamera(serverId, 1), 0, 0, 1, 1);
-    return layout;
-}
-
-/// Everything there is: both kinds of servers, cards, tiles, empty cells, an edited layout.
-void showMainWindow(const Look &look)
-{
-    GUI::MainWindow window;
-    window.show();
-    window.findChild<GUI::RosterWidget *>()->updateRoster();
-    window.findChild<GUI::LayoutListWidget *>()->updateLayouts();
-    window.openLayout(yardLayout());
-    window.addToLayout(rosterCamera(serverId, 2));
-    window.showArchivePanels();
-    window.startLayoutEditor();
-    for (const char *part : {"restartNotice", "restartButton", "messageWidget"})
-        window.findChild<QWidget *>(QLatin1String(part))->show();
-    QCoreApplication::processEvents();
-    look(&window);
-}
-
-void showSignIn(const Look &look)
-{
-    App::settings().setValue("proxy/useProxy"_s, true);
-    GUI::LoginDialog dialog;
-    dialog.show();
-    App::settings().setValue("proxy/useProxy"_s, false);
-    look(&dialog);
-    // As while it waits for the service.
-    const auto fields = dialog.findChildren<QLineEdit *>();
-    for (QLineEdit *field : fields) {
-        field->setText("user"_s);
-        field->setEnabled(false);
-    }
-    look(&dialog);
-}
-
-/// For a dialog that comes back only when it is closed.
-Scene dialogScene(const std::function<void()> &open)
-{
-    return [open](const Look &look) {
-        const DialogVisitor visitor(look);
-        open();
-        QCOMPARE(visitor.visits(), 1);
-    };
-}
-
 /// Calls `look` with each visible part of the window, for each page of each stack in front.
 void visitPages(QWidget *window, const Look &look)
 {
