@@ -6,6 +6,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QPointer>
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -17,6 +18,13 @@ QDBusMessage callOf(const QString &method)
     const QString name = QStringLiteral("org.freedesktop.ScreenSaver");
     return QDBusMessage::createMethodCall(name, QStringLiteral("/org/freedesktop/ScreenSaver"),
                                           name, method);
+}
+
+void giveBack(uint cookie)
+{
+    QDBusMessage call = callOf(QStringLiteral("UnInhibit"));
+    call << cookie;
+    QDBusConnection::sessionBus().send(call);
 }
 
 } // namespace
@@ -45,24 +53,31 @@ void ScreenSaverHold::ask()
     state = State::Asking;
     QDBusMessage call = callOf(QStringLiteral("Inhibit"));
     call << QCoreApplication::applicationName() << tr("Video is playing");
-    auto *watcher =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        watcher->deleteLater();
-        const QDBusPendingReply<uint> reply = *watcher;
-        state = reply.isValid() ? State::Held : State::Free;
-        cookie = reply.isValid() ? reply.value() : 0;
-        if (!isWanted)
-            setHeld(false);
-    });
+    // Not a child: an answer that comes when this is gone is given back.
+    auto *watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call));
+    connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
+            [watcher, self = QPointer<ScreenSaverHold>(this)] {
+                watcher->deleteLater();
+                const QDBusPendingReply<uint> reply = *watcher;
+                if (self)
+                    self->answered(reply.isValid(), reply.isValid() ? reply.value() : 0);
+                else if (reply.isValid())
+                    giveBack(reply.value());
+            });
+}
+
+void ScreenSaverHold::answered(bool isHeld, uint newCookie)
+{
+    state = isHeld ? State::Held : State::Free;
+    cookie = newCookie;
+    if (!isWanted)
+        setHeld(false);
 }
 
 void ScreenSaverHold::release()
 {
     state = State::Free;
-    QDBusMessage call = callOf(QStringLiteral("UnInhibit"));
-    call << cookie;
-    QDBusConnection::sessionBus().send(call);
+    giveBack(cookie);
 }
 
 } // namespace GUI

@@ -22,6 +22,7 @@ public:
 
 private:
     void ask();
+    void answered(bool isHeld, uint newCookie);
     void release();
 
     enum class State { Free, Asking, Held };

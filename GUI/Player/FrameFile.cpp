@@ -26,7 +26,7 @@ constexpr auto pixelFormat = QImage::Format_ARGB32_Premultiplied;
 
 const QString nameStart = QStringLiteral("zorvane-player-");
 /// One that is younger may not be locked yet.
-constexpr auto youngestLeftOver = std::chrono::milliseconds(10'000);
+constexpr auto youngestLeftOver = std::chrono::seconds(10);
 
 quint64 nextFrameFileNumber = 0;
 
@@ -53,7 +53,7 @@ bool removeUnused(const QString &fileName)
 
 void FrameFile::removeLeftOvers()
 {
-    const QDateTime oldEnough = App::Environment::now().addMSecs(-youngestLeftOver.count());
+    const QDateTime oldEnough = App::Environment::now().addSecs(-youngestLeftOver.count());
     const QFileInfoList files =
         QDir(QDir::tempPath()).entryInfoList({nameStart + QLatin1Char('*')});
     for (const QFileInfo &file : files) {

@@ -153,9 +153,17 @@ private slots:
         stop(); // before the answer is in
         QTRY_COMPARE(saver.calls, once.repeated(2));
         play();
+        QTRY_COMPARE(saver.calls + "free 7; ", once.repeated(3));
         settle();
         window.reset();
         QTRY_COMPARE(saver.calls, once.repeated(3));
+        // One that goes before the answer is in gives it back as well.
+        window.reset(new MainWindow);
+        window->enterKiosk(QString());
+        window->openLayout(layoutOf("a"_s));
+        play();
+        window.reset();
+        QTRY_COMPARE(saver.calls, once.repeated(4));
     }
 
     void theSignOfASilentService()
