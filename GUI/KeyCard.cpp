@@ -28,10 +28,10 @@ KeyCard::KeyCard(QWidget *parent) : QWidget(parent, Qt::Popup)
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setAccessibleName(tr("Keys"));
-    setStyleSheet(
-        QStringLiteral("QLabel { color: white; font-size: 13px; }"
-                       "QLabel[isKeys=\"true\"] { color: rgb(62, 183, 253); font-weight: bold; }"
-                       "QLabel#title { font-size: 18px; }"));
+    setStyleSheet(QStringLiteral("QLabel { color: white; font-size: 13px; }"
+                                 "QLabel[isKeys=\"true\"] { color: %1; font-weight: bold; }"
+                                 "QLabel#title { font-size: 18px; }")
+                      .arg(Colours::accent().name()));
 
     auto *grid = new QGridLayout(this);
     grid->setContentsMargins(marginPixels, marginPixels, marginPixels, marginPixels);

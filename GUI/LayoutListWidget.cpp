@@ -150,7 +150,7 @@ void LayoutListWidget::search(QString name)
 {
     searchText = name;
     for (auto entry = cards.cbegin(); entry != cards.cend(); ++entry) {
-        const bool matches = entry.key()->name().indexOf(name, 0, Qt::CaseInsensitive) >= 0;
+        const bool matches = entry.key()->name().contains(name, Qt::CaseInsensitive);
         entry.value()->setVisible(matches);
     }
 }

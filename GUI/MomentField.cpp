@@ -5,6 +5,7 @@
 #include <QLineEdit>
 
 #include "App/Environment.h"
+#include "GUI/Colours.h"
 #include "GUI/MomentFormat.h"
 #include "GUI/StyleSheet.h"
 
@@ -28,12 +29,13 @@ MomentField::MomentField(const QDateTime &shown, QWidget *parent)
 {
     setAttribute(Qt::WA_DeleteOnClose);
     edit->setAccessibleName(tr("Date and time"));
-    edit->setStyleSheet(QStringLiteral(
-        "QLineEdit { background: rgb(41, 44, 49); color: white; font-size: 14px; padding: 0 6px;"
-        " border: 1px solid rgb(62, 183, 253); selection-color: rgb(25, 25, 29);"
-        " selection-background-color: rgb(62, 183, 253); }"
-        "QLineEdit[refused=\"true\"] { color: rgb(255, 125, 125);"
-        " border-color: rgb(255, 125, 125); }"));
+    edit->setStyleSheet(
+        QStringLiteral("QLineEdit { background: %1; color: white; font-size: 14px; padding: 0 6px;"
+                       " border: 1px solid %2; selection-color: %3;"
+                       " selection-background-color: %2; }"
+                       "QLineEdit[refused=\"true\"] { color: rgb(255, 125, 125);"
+                       " border-color: rgb(255, 125, 125); }")
+            .arg(Colours::panel().name(), Colours::accent().name(), Colours::tile().name()));
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(QLayout::SetFixedSize);

@@ -3,7 +3,6 @@
 
 #include "GUI/ServiceSign.h"
 #include "GUI/StyleBackground.h"
-
 #include "ui_ToolBar.h"
 
 namespace ZorvaneClient {
