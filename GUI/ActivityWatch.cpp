@@ -26,8 +26,10 @@ bool ActivityWatch::eventFilter(QObject *watched, QEvent *event)
         emit touched();
         break;
     case QEvent::MouseMove: {
+        // Of one that rests between two pixels either may be told.
         const QPointF place = globalPosition(*static_cast<QMouseEvent *>(event));
-        if (place != pointer) {
+        const QPointF way = place - pointer;
+        if (qMax(qAbs(way.x()), qAbs(way.y())) >= 1) {
             pointer = place;
             emit touched();
             emit pointerMoved();

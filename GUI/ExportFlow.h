@@ -47,6 +47,7 @@ public:
     void unmark();
     /// Tiles have been closed, perhaps the exporting one.
     void tilesClosed();
+    bool isIdle() const { return state == State::None; }
     /// Shows the page of controls that there is use for: none without a camera.
     void showControls();
 

@@ -9,6 +9,7 @@
 #include "GUI/FocusRing.h"
 #include "GUI/FocusedEntry.h"
 #include "GUI/LoginDialog.h"
+#include "GUI/Retire.h"
 #include "GUI/TabOrder.h"
 
 namespace ZorvaneClient {
@@ -59,7 +60,10 @@ bool FocusMark::handleKey(const QKeyEvent &event)
         return false;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        return pressEntry(QApplication::focusWidget());
+        if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
+            return false;
+        // Held down it presses once, and chooses nothing from a list that it has opened.
+        return event.isAutoRepeat() || pressEntry(QApplication::focusWidget());
     case Qt::Key_Menu:
         return openEntryMenu(QApplication::focusWidget());
     case Qt::Key_F10:
@@ -78,8 +82,10 @@ void FocusMark::setShown(bool shown)
 void FocusMark::moveRing()
 {
     QWidget *target = QApplication::focusWidget();
-    if (ring && (!isShown || ring->parent() != target))
-        delete ring;
+    if (ring && (!isShown || ring->parent() != target)) {
+        retire(ring);
+        ring.clear();
+    }
     if (!isShown || !target || ring || marksItself(target))
         return;
     if (!isContainer(target)) {

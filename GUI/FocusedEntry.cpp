@@ -19,11 +19,14 @@ QMenu *menuOf(const QWidget *widget)
 {
     const bool isEntry =
         qobject_cast<const Preview *>(widget) || qobject_cast<const Player::VideoWidget *>(widget);
-    const bool isButton = qobject_cast<const QAbstractButton *>(widget);
-    if (!isEntry && !isButton)
+    const auto *pressed = qobject_cast<const QPushButton *>(widget);
+    if (pressed && pressed->menu())
+        return pressed->menu();
+    if (!isEntry && !qobject_cast<const QAbstractButton *>(widget))
         return nullptr;
-    const QWidget *holder = isEntry ? widget : widget->parentWidget();
-    const auto buttons = holder->findChildren<QPushButton *>();
+    const auto buttons = isEntry ? widget->findChildren<QPushButton *>()
+                                 : widget->parentWidget()->findChildren<QPushButton *>(
+                                       QString(), Qt::FindDirectChildrenOnly);
     for (const QPushButton *button : buttons) {
         // A tile has its button on a bar that hides at rest; a cloud server's is hidden for good.
         if (button->menu() && (isEntry || button->isVisible()))

@@ -62,7 +62,9 @@ bool HoverSync::eventFilter(QObject *object, QEvent *event)
             settled.start();
         break;
     case QEvent::Show:
-        if (isEntered(object->parent())) {
+        // A tip is a window of its own, and lies beside what it belongs to.
+        if (object->isWidgetType() && !static_cast<QWidget *>(object)->isWindow() &&
+            isEntered(object->parent())) {
             isCountLost = true;
             settled.start();
         }

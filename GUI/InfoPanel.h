@@ -39,7 +39,7 @@ public slots:
     void setCurrentLayout(API::LayoutPtr layout);
     void enterEmptyMode();
     void enterViewMode();
-    /// Nothing happens in edit mode. Part of the contract; nothing calls it.
+    /// Nothing happens in edit mode. Nothing calls it yet.
     void enterUnsavedMode();
     void enterEditMode();
 

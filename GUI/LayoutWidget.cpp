@@ -122,6 +122,7 @@ void LayoutWidget::clear()
         removeCamera(camera);
     // Who heard of a closed camera may have opened another layout: that goes like the rest.
     d->players.clear();
+    d->owedQualities.clear();
     d->hints->clear();
     delete d->grid;
     const QList<QWidget *> widgets = findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);

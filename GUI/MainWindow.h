@@ -50,7 +50,7 @@ public slots:
     void hideArchivePanels();
     void showArchivePanels();
     void setExportMode();
-    /// Part of the contract; nothing calls it.
+    /// Nothing calls it yet.
     void setControlMode();
     /// Writes the marked fragment of the active camera into a file.
     void exportArchive();

@@ -50,7 +50,8 @@ void MainWindow::onKey(KeyAction action, int number)
             seek(timeline->currentValue().addMSecs(number));
         break;
     case KeyAction::Live:
-        if (archiveMode || timeline->isVisibleTo(this))
+        // Where a fragment is marked or written there is no such button either.
+        if (exportFlow.isIdle() && (archiveMode || timeline->isVisibleTo(this)))
             playLive();
         break;
     case KeyAction::Records:

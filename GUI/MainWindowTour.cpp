@@ -14,6 +14,7 @@
 #include "GUI/LayoutWidget.h"
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/SideBar.h"
+#include "GUI/Timeline.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -34,7 +35,8 @@ void MainWindow::setUpTour()
 void MainWindow::toggleTour()
 {
     const int usual = static_cast<int>(Tour::usualInterval.count());
-    const int seconds = App::settings().value(App::SettingsKey::tourInterval, usual).toInt();
+    const int stored = App::settings().value(App::SettingsKey::tourInterval, usual).toInt();
+    const int seconds = stored < Tour::shortestInterval.count() ? usual : stored;
     setTour(tour.isOn() ? 0 : seconds);
 }
 
@@ -63,7 +65,10 @@ bool MainWindow::mustStay() const
     const bool isExporting =
         std::any_of(tiles.begin(), tiles.end(),
                     [](const Player::VideoWidget *tile) { return tile->isExporting(); });
-    return hasEdits() || archiveMode || layoutWidget->isPaused() || isExporting ||
+    const bool isLookedAt = layoutWidget->isPaused() || layoutWidget->isMaximised() ||
+                            timeline->isVisibleTo(this) ||
+                            QApplication::mouseButtons() != Qt::NoButton;
+    return hasEdits() || archiveMode || isLookedAt || isExporting ||
            QApplication::activeModalWidget() || QApplication::activePopupWidget();
 }
 

@@ -62,7 +62,7 @@ private:
     QMap<API::server_id_t, ServerWidget *> servers;
     QVBoxLayout *serversLayout = nullptr;
     API::CloudAPIClient client;
-    QString searchText; ///< of the last search; part of the contract, nothing reads it
+    QString searchText; ///< of the last search; nothing reads it yet
     std::set<API::camera_global_id_t> openCameras;
     bool addToLayoutEnabled = true;
 };

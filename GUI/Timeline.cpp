@@ -8,7 +8,6 @@
 
 #include <chrono>
 
-#include "GUI/Colours.h"
 #include "GUI/StyleBackground.h"
 #include "GUI/TimelineBars.h"
 #include "GUI/TimelinePainter.h"
@@ -48,7 +47,7 @@ Timeline::Timeline(QDate date, QWidget *parent)
     : QWidget(parent), d(QSharedPointer<Internal::TimelinePrivate>::create(this, date))
 {
     setFixedHeight(heightPixels);
-    setStyleSheet(QStringLiteral("background-color: %1;").arg(Colours::panel().name()));
+    setStyleSheet(QStringLiteral("background-color: rgb(41, 44, 49);"));
     setAttribute(Qt::WA_AlwaysShowToolTips);
     setMouseTracking(true);
     registerTypes();

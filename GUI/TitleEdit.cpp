@@ -46,7 +46,7 @@ bool TitleEdit::event(QEvent *event)
 
 void TitleEdit::paintEvent(QPaintEvent *event)
 {
-    if (!isCut()) {
+    if (!isCut() || hasFocus()) {
         QLineEdit::paintEvent(event);
         return;
     }

@@ -92,6 +92,7 @@ void VideoWidget::unpause()
 {
     sendCommand(QStringLiteral("unpause"));
     d->state.unpaused();
+    update();
 }
 
 void VideoWidget::setSoundVolume(int volume)

@@ -47,7 +47,7 @@ public:
     // VideoWidgetPlayer.cpp
     TileState state;
     Watchdog watchdog; ///< its reloads are counted by VideoWidgetPlayback.cpp
-    QString url;       ///< of the child; part of the contract, nothing reads it
+    QString url;       ///< of the child; nothing reads it yet
     QSharedPointer<QProcess> playerProcess;
     QStringList pendingCommands; ///< given while no child ran
     FrameFile frameFile;
