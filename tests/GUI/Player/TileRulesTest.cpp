@@ -5,6 +5,7 @@
 #include "GUI/Player/FrameFile.h"
 #include "GUI/Player/PictureGeometry.h"
 #include "GUI/Player/PlayerOutput.h"
+#include "GUI/Player/ScaledPicture.h"
 #include "GUI/Player/TilePainter.h"
 #include "GUI/Player/TileState.h"
 #include "GUI/Player/Watchdog.h"
@@ -151,6 +152,32 @@ private slots:
             const bool isSame = size == tile.size();
             QCOMPARE(painter.testRenderHint(QPainter::SmoothPixmapTransform), !isSame);
             QCOMPARE(qAbs(tile.pixelColor(32, 16).red() - 128) < 100, !isSame);
+        }
+    }
+
+    /// Painted band by band, a picture is the one that is painted at once, and clips stay.
+    void bands()
+    {
+        QImage frame(96, 90, QImage::Format_RGB32);
+        for (int i = 0; i < frame.width() * frame.height(); ++i)
+            frame.setPixel(i % 96, i / 96, QRandomGenerator::global()->generate());
+        for (const qreal scale : {1., 1.5, 2.}) {
+            for (const QRectF part : {QRectF(0, 0, 96, 90), QRectF(20.5, 40.25, 30, 37.5)}) {
+                QImage banded(QSize(150, 150) * scale, QImage::Format_RGB32);
+                banded.setDevicePixelRatio(scale);
+                banded.fill(Qt::magenta);
+                QImage whole = banded;
+                for (QImage *tile : {&banded, &whole}) {
+                    QPainter painter(tile);
+                    painter.setClipRect(10, 0, 130, 140);
+                    const QRect target(7, 13, 131, 129);
+                    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+                    tile == &banded ? drawScaled(painter, target, frame, part)
+                                    : painter.drawImage(QRectF(target), frame, part);
+                    painter.fillRect(0, 0, 150, 5, Qt::white);
+                }
+                QCOMPARE(banded, whole);
+            }
         }
     }
 
