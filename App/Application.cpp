@@ -86,9 +86,10 @@ Application::~Application()
 
 QString Application::globalStyleSheet()
 {
-    return QStringLiteral("* { font: 12px \"PT Sans\"; }"
+    return QStringLiteral("* { font: 12px \"%1\"; }"
                           "QMenu { background-color: white; border: none; margin: 4px; }"
-                          "QMenu::item:selected { background-color: rgb(62, 183, 253); }");
+                          "QMenu::item:selected { background-color: rgb(62, 183, 253); }")
+        .arg(QLatin1String(GUI::fontFamily));
 }
 
 QString Application::language() const
@@ -260,6 +261,11 @@ void Application::openDownloadsPage()
 {
     QDesktopServices::openUrl(ServiceProfile::current().redirectorUrl(
         QLatin1String("/?target=downloads&lang=") + language()));
+}
+
+Application *application()
+{
+    return qobject_cast<Application *>(QCoreApplication::instance());
 }
 
 } // namespace App

@@ -71,5 +71,8 @@ private:
     GUI::LoginDialog *loginDialog = nullptr;
 };
 
+/// The application of this process; null where a program of another kind shows the widgets.
+Application *application();
+
 } // namespace App
 } // namespace ZorvaneClient

@@ -39,14 +39,14 @@ QString Environment::playerProgram()
     return QCoreApplication::applicationDirPath() + QLatin1String("/vlc-stream");
 }
 
-QString Environment::kioskLayout()
-{
-    return qEnvironmentVariable("ZORVANE_KIOSK");
-}
-
 void Environment::setPlayerProgram(const QString &path)
 {
     playerPath() = path;
+}
+
+QString Environment::kioskLayout()
+{
+    return qEnvironmentVariable("ZORVANE_KIOSK");
 }
 
 } // namespace App

@@ -11,6 +11,7 @@
 #include "API/Camera.h"
 #include "App/Environment.h"
 #include "GUI/Colours.h"
+#include "GUI/HouseStyle.h"
 #include "GUI/StyleBackground.h"
 #include "GUI/StyleSheet.h"
 
@@ -156,7 +157,7 @@ void CalendarPopup::paintCell(QPainter *painter, const QRect &rect, CalendarDate
     }
     painter->setPen(Colours::faint(translucent));
     painter->drawLine(rect.topLeft(), rect.topRight());
-    painter->setFont(QFont(QStringLiteral("PT Sans"), dayPointSize));
+    painter->setFont(QFont(fontFamily, dayPointSize));
     painter->setPen(hasRecords(date) ? QColor(Qt::white) : greyColour);
     painter->drawText(rect, Qt::AlignCenter | Qt::TextSingleLine, QString::number(date.day()));
     painter->restore();

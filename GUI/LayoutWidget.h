@@ -133,7 +133,6 @@ private:
     void addToFreeCell(const API::CameraPtr &camera);
     void giveQuality(Player::VideoWidget *tile, int quality);
     void giveOwedQualities();
-    void setDropTarget(bool isTarget);
     void dropServer(const API::server_id_t &id);
     void dropLayout(const QString &name);
 

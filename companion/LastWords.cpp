@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "companion/LineOutput.h"
+#include "companion/PlayerOutput.h"
 
 namespace ZorvaneClient {
 namespace Companion {
@@ -61,7 +61,7 @@ private:
 
 void LastWords::say()
 {
-    LineOutput output(STDOUT_FILENO);
+    PlayerOutput output(STDOUT_FILENO);
     output.state(StreamState::Error);
     output.flush();
 }

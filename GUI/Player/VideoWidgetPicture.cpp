@@ -122,8 +122,7 @@ BorderRule VideoWidget::borderRule() const
     rule.isDropTarget = d->isDropTarget;
     rule.isActive = d->isActive;
     rule.isHovered = d->isHovered;
-    const auto *application = qobject_cast<App::Application *>(qApp);
-    if (d->isActive && application) {
+    if (const auto *application = d->isActive ? App::application() : nullptr) {
         rule.playerCount = application->playerCount();
         rule.cellCount = application->cellCount();
     }

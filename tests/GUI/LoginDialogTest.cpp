@@ -99,7 +99,7 @@ struct LoginForm {
         for (const QLineEdit *field : proxyFields)
             text += field->isVisible() ? ' ' + field->text() : QString();
         const bool isAtRest = dialog.currentWidget()->pos().isNull() &&
-                              dialog.minimumHeight() == dialog.height() && dialog.width() == 440;
+                              dialog.minimumSize() == dialog.size() && dialog.maximumWidth() == 440;
         return isAtRest ? text : text + " moving";
     }
 

@@ -379,7 +379,7 @@ private:
         QList<API::ArchiveRecord> records;
         for (const QString &span : spans)
             records.append({at(span.section('-', 0, 0)), at(span.section('-', 1, 1))});
-        const API::CameraPtr door = world.loadedCamera(3, day, records);
+        API::CameraPtr door = world.loadedCamera(3, day, records);
         door->setId("abc:8080"_s, 3);
         door->setName("Door"_s);
         door->setSessionId("pass"_s);

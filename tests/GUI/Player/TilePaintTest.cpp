@@ -358,6 +358,7 @@ private slots:
     void hints()
     {
         QDesktopServices::setUrlHandler("file"_s, this, "rememberUrl");
+        QImage icons[2];
         for (const QString &way : {"by itself"_s, "button"_s, "link"_s}) {
             QWidget parent;
             parent.setStyleSheet("background: black;"_s);
@@ -372,6 +373,7 @@ private slots:
             QCOMPARE(hint.geometry(), QRect(10, 10, 355, 40));
             const QColor seen = parent.grab().toImage().pixelColor(187, 12);
             QCOMPARE(seen.red() > seen.blue(), isError);
+            icons[isError] = hint.findChild<QLabel *>("pixmapLabel"_s)->grab().toImage();
 
             if (way == "link"_s)
                 emit hint.findChild<QLabel *>("messageLabel"_s)->linkActivated("/tmp/a b"_s);
@@ -385,6 +387,7 @@ private slots:
             QCOMPARE(closed.size(), 1);
             QCOMPARE(hint.pos(), QPoint(10, slides ? 50 : 10));
         }
+        QVERIFY(icons[false] != icons[true]);
         QDesktopServices::unsetUrlHandler("file"_s);
         QCOMPARE(opened, QList<QUrl>{QUrl::fromLocalFile("/tmp/a b"_s)});
     }

@@ -12,13 +12,13 @@ namespace Companion {
 /// Numbers of the "state" lines.
 enum class StreamState { Opening = 1, Buffering = 2, Playing = 3, Ended = 6, Error = 7 };
 
-/// The lines to the client. What was set since the last `flush()` goes out in one write, in
-/// the order state, size, time, frame. When the client doesn't read and the pipe is full,
-/// times and frames are dropped, and the last state and size wait for the next flush.
-class LineOutput
+/// The lines of a player to the client. What was set since the last `flush()` goes out in one
+/// write, in the order state, size, time, frame. When the client doesn't read and the pipe is
+/// full, times and frames are dropped, and the last state and size wait for the next flush.
+class PlayerOutput
 {
 public:
-    explicit LineOutput(int descriptor);
+    explicit PlayerOutput(int descriptor);
 
     void state(StreamState state) { pendingState = state; }
     void size(int width, int height) { pendingSize = Size{width, height}; }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "companion/ExportLookAhead.h"
+#include "companion/export/ExportLookAhead.h"
 
 #include <utility>
 
@@ -14,6 +14,7 @@ constexpr size_t maxBytes = size_t(16) * 1024 * 1024;
 /// Slots for pictures are never farther apart, so that a camera may become faster.
 constexpr int64_t longestSlotMilliseconds = 40;
 constexpr int64_t shortestSlotMilliseconds = 10;
+constexpr int64_t millisecondsPerSecond = 1000;
 
 } // namespace
 
@@ -44,11 +45,11 @@ AVRational ExportLookAhead::pictureSlot() const
     const auto steps = static_cast<int64_t>(pictures.size()) - 1;
     const int64_t span = pictures.back()->dts - pictures.front()->dts;
     if (steps < 1 || span < steps * shortestSlotMilliseconds)
-        return {shortestSlotMilliseconds, 1000};
+        return {shortestSlotMilliseconds, millisecondsPerSecond};
     const int64_t longest = steps * longestSlotMilliseconds;
     const int64_t slots = (span + longest - 1) / longest * steps;
     AVRational slot = {};
-    av_reduce(&slot.num, &slot.den, span, slots * 1000, INT16_MAX);
+    av_reduce(&slot.num, &slot.den, span, slots * millisecondsPerSecond, INT16_MAX);
     return slot;
 }
 

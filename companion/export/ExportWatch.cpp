@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "companion/ExportWatch.h"
+#include "companion/export/ExportWatch.h"
 
 #include <poll.h>
 #include <sys/signalfd.h>
@@ -11,8 +11,8 @@
 #include <cstdlib>
 #include <thread>
 
-#include "companion/ExportOutput.h"
-#include "companion/TargetFile.h"
+#include "companion/export/ExportOutput.h"
+#include "companion/export/TargetFile.h"
 
 namespace ZorvaneClient {
 namespace Companion {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "companion/ExportTimeline.h"
+#include "companion/export/ExportTimeline.h"
 
 #include <algorithm>
 

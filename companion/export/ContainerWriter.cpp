@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "companion/ContainerWriter.h"
+#include "companion/export/ContainerWriter.h"
 
 #include <algorithm>
 
-#include "companion/TargetFile.h"
+#include "companion/export/TargetFile.h"
 
 namespace ZorvaneClient {
 namespace Companion {

@@ -34,14 +34,14 @@ QDateTime latestStart(const QMap<API::camera_global_id_t, API::CameraPtr> &camer
 
 } // namespace
 
-Fragment TimelinePrivate::selection() const
+Fragment TimelinePrivate::fragment() const
 {
     return {selectionStart, selectionEnd};
 }
 
 FragmentDrag TimelinePrivate::drag() const
 {
-    FragmentDrag drag{selection(), FragmentPart::None, draggingBody, selectionAnchor};
+    FragmentDrag drag{fragment(), FragmentPart::None, draggingBody, selectionAnchor};
     if (draggingStart)
         drag.held = FragmentPart::Start;
     else if (draggingEnd)
@@ -61,19 +61,19 @@ void TimelinePrivate::setDrag(const FragmentDrag &drag)
     draggingBody = drag.carries;
 }
 
-bool TimelinePrivate::isDraggingSelection() const
+bool TimelinePrivate::isDraggingFragment() const
 {
     return draggingStart || draggingEnd || draggingBody;
 }
 
-void TimelinePrivate::startSelectionDrag(int x)
+void TimelinePrivate::startFragmentDrag(int x)
 {
     FragmentDrag started = drag();
     started.take(x, window());
     setDrag(started);
 }
 
-void TimelinePrivate::dragSelection(int x)
+void TimelinePrivate::dragFragment(int x)
 {
     if (!selectionMode || !selectionEditable)
         return;
@@ -82,7 +82,7 @@ void TimelinePrivate::dragSelection(int x)
     setDrag(moved);
 }
 
-void TimelinePrivate::stopSelectionDrag()
+void TimelinePrivate::stopFragmentDrag()
 {
     draggingStart = false;
     draggingEnd = false;
@@ -127,7 +127,7 @@ bool Timeline::enterSelectionMode(bool fromCurrentTime, bool keepExisting)
     if (!keeps && !(fromCurrentTime ? d->selectionAtCurrentTime() : d->defaultSelection()))
         return false;
     d->selectionMode = true;
-    glideTo(d->selection().viewFrom(d->window()));
+    glideTo(d->fragment().viewFrom(d->window()));
     update();
     return true;
 }
@@ -135,7 +135,7 @@ bool Timeline::enterSelectionMode(bool fromCurrentTime, bool keepExisting)
 void Timeline::leaveSelectionMode()
 {
     d->selectionMode = false;
-    d->stopSelectionDrag();
+    d->stopFragmentDrag();
     d->overSelection = false;
     d->selectionEditable = true;
     update();

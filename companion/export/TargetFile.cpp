@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "companion/TargetFile.h"
+#include "companion/export/TargetFile.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

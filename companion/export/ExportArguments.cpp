@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "companion/ExportArguments.h"
+#include "companion/export/ExportArguments.h"
 
 #include <algorithm>
 #include <charconv>

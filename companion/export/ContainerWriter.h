@@ -4,7 +4,7 @@
 #include <string>
 
 #include "companion/AvHandles.h"
-#include "companion/ParameterSets.h"
+#include "companion/export/ParameterSets.h"
 
 namespace ZorvaneClient {
 namespace Companion {

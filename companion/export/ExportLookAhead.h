@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "companion/AvHandles.h"
-#include "companion/ExportTimeline.h"
+#include "companion/export/ExportTimeline.h"
 
 namespace ZorvaneClient {
 namespace Companion {

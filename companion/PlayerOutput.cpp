@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "companion/LineOutput.h"
+#include "companion/PlayerOutput.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -15,11 +15,11 @@ constexpr auto patience = std::chrono::milliseconds(1000);
 
 } // namespace
 
-LineOutput::LineOutput(int descriptor) : fd(descriptor)
+PlayerOutput::PlayerOutput(int descriptor) : fd(descriptor)
 {
 }
 
-bool LineOutput::flush()
+bool PlayerOutput::flush()
 {
     const std::string text = pendingText();
     if (text.empty())
@@ -34,14 +34,14 @@ bool LineOutput::flush()
     return write(text);
 }
 
-bool LineOutput::flushPatiently()
+bool PlayerOutput::flushPatiently()
 {
     waitWritable(patience);
     return flush();
 }
 
 /// Also true when the other end is gone: the write then says so.
-bool LineOutput::waitWritable(std::chrono::milliseconds limit) const
+bool PlayerOutput::waitWritable(std::chrono::milliseconds limit) const
 {
     pollfd entry = {fd, POLLOUT, 0};
     int ready = 0;
@@ -51,7 +51,7 @@ bool LineOutput::waitWritable(std::chrono::milliseconds limit) const
     return ready != 0;
 }
 
-std::string LineOutput::pendingText() const
+std::string PlayerOutput::pendingText() const
 {
     std::string text;
     if (pendingState)
@@ -67,7 +67,7 @@ std::string LineOutput::pendingText() const
     return text;
 }
 
-bool LineOutput::write(const std::string &text) const
+bool PlayerOutput::write(const std::string &text) const
 {
     size_t done = 0;
     while (done < text.size()) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "companion/ParameterSets.h"
+#include "companion/export/ParameterSets.h"
 
 #include <algorithm>
 #include <optional>

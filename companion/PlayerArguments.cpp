@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "companion/Arguments.h"
+#include "companion/PlayerArguments.h"
 
 #include <algorithm>
 #include <cctype>
@@ -82,14 +82,14 @@ std::string proxyUrlOf(const ProxyAddress &address, const std::string &password)
 
 } // namespace
 
-std::optional<Arguments> parseArguments(const std::vector<std::string> &arguments)
+std::optional<PlayerArguments> parsePlayerArguments(const std::vector<std::string> &arguments)
 {
     if (arguments.size() < 2 || arguments.size() > 4)
         return std::nullopt;
     if (!hasScheme(arguments[0]) || !isBareName(arguments[1]))
         return std::nullopt;
 
-    Arguments parsed;
+    PlayerArguments parsed;
     parsed.url = requestSafe(arguments[0]);
     parsed.frameName = arguments[1];
     parsed.live = isLive(parsed.url);

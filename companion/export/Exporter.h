@@ -5,11 +5,11 @@
 #include <cstdint>
 #include <string>
 
-#include "companion/ContainerWriter.h"
-#include "companion/ExportArguments.h"
-#include "companion/ExportLookAhead.h"
-#include "companion/ExportTimeline.h"
 #include "companion/StallWatch.h"
+#include "companion/export/ContainerWriter.h"
+#include "companion/export/ExportArguments.h"
+#include "companion/export/ExportLookAhead.h"
+#include "companion/export/ExportTimeline.h"
 
 namespace ZorvaneClient {
 namespace Companion {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "companion/FormatProbe.h"
+#include "companion/export/FormatProbe.h"
 
 #include "companion/Decoder.h"
 

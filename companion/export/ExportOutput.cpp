@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "companion/ExportOutput.h"
+#include "companion/export/ExportOutput.h"
 
 #include <unistd.h>
 

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "companion/Exporter.h"
+#include "companion/export/Exporter.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <utility>
 
-#include "companion/ExportOutput.h"
-#include "companion/FormatProbe.h"
 #include "companion/StreamInput.h"
-#include "companion/TargetFile.h"
+#include "companion/export/ExportOutput.h"
+#include "companion/export/FormatProbe.h"
+#include "companion/export/TargetFile.h"
 
 namespace ZorvaneClient {
 namespace Companion {
