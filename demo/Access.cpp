@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "demo/Access.h"
 
-#include "demo/Loopback.h"
+#include "service/Loopback.h"
 
 namespace ZorvaneDemo {
 

@@ -5,9 +5,10 @@
 #include <string>
 #include <utility>
 
-#include "demo/Accounts.h"
-#include "demo/Http.h"
+#include "demo/ServiceWords.h"
 #include "demo/World.h"
+#include "service/Accounts.h"
+#include "service/Http.h"
 
 namespace ZorvaneDemo {
 

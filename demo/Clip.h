@@ -7,8 +7,9 @@
 #include <vector>
 
 #include "demo/BitStream.h"
-#include "demo/LocalTime.h"
+#include "demo/ServiceWords.h"
 #include "demo/StripSlice.h"
+#include "service/LocalTime.h"
 
 namespace ZorvaneDemo {
 

@@ -3,13 +3,14 @@
 
 #include <nlohmann/json.hpp>
 
-#include "demo/Accounts.h"
 #include "demo/ApiService.h"
 #include "demo/Faults.h"
 #include "demo/FlvService.h"
-#include "demo/Http.h"
 #include "demo/RequestLog.h"
+#include "demo/ServiceWords.h"
 #include "demo/World.h"
+#include "service/Accounts.h"
+#include "service/Http.h"
 
 namespace ZorvaneDemo {
 

@@ -6,8 +6,8 @@
 #include <fstream>
 #include <utility>
 
-#include "demo/Loopback.h"
 #include "demo/WorldJson.h"
+#include "service/Loopback.h"
 
 #ifndef ZORVANE_VERSION
 #error "the build defines the client's version"

@@ -8,19 +8,20 @@
 #include <vector>
 
 #include "demo/Access.h"
-#include "demo/Accounts.h"
 #include "demo/ApiService.h"
-#include "demo/Certificates.h"
 #include "demo/ClipStore.h"
 #include "demo/ControlService.h"
 #include "demo/Faults.h"
 #include "demo/FlvService.h"
-#include "demo/HttpServer.h"
 #include "demo/LanService.h"
 #include "demo/Options.h"
 #include "demo/RequestLog.h"
+#include "demo/ServiceWords.h"
 #include "demo/StreamingService.h"
 #include "demo/World.h"
+#include "service/Accounts.h"
+#include "service/Certificates.h"
+#include "service/HttpServer.h"
 
 namespace ZorvaneDemo {
 

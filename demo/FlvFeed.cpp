@@ -2,7 +2,7 @@
 #include "demo/FlvFeed.h"
 
 #include "demo/Flv.h"
-#include "demo/LocalTime.h"
+#include "service/LocalTime.h"
 
 namespace ZorvaneDemo {
 

@@ -6,8 +6,9 @@
 
 #include "demo/Clip.h"
 #include "demo/ClipStore.h"
-#include "demo/Http.h"
 #include "demo/Server.h"
+#include "demo/ServiceWords.h"
+#include "service/Http.h"
 
 namespace ZorvaneDemo {
 

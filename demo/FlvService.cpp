@@ -5,8 +5,8 @@
 
 #include "demo/Archive.h"
 #include "demo/FlvFeed.h"
-#include "demo/LocalTime.h"
-#include "demo/Quality.h"
+#include "service/LocalTime.h"
+#include "service/Quality.h"
 
 namespace ZorvaneDemo {
 

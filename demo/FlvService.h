@@ -5,11 +5,12 @@
 #include <cstdint>
 
 #include "demo/Access.h"
-#include "demo/ArchiveSpan.h"
 #include "demo/ClipStore.h"
-#include "demo/Http.h"
 #include "demo/RecordPlan.h"
+#include "demo/ServiceWords.h"
 #include "demo/World.h"
+#include "service/ArchiveSpan.h"
+#include "service/Http.h"
 
 namespace ZorvaneDemo {
 

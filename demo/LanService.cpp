@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 
 #include "demo/Access.h"
-#include "demo/Loopback.h"
-#include "demo/Quality.h"
+#include "demo/PictureSizes.h"
+#include "service/Loopback.h"
 
 namespace ZorvaneDemo {
 

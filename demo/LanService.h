@@ -2,9 +2,10 @@
 #pragma once
 
 #include "demo/FlvService.h"
-#include "demo/Http.h"
+#include "demo/ServiceWords.h"
 #include "demo/StreamingService.h"
 #include "demo/World.h"
+#include "service/Http.h"
 
 namespace ZorvaneDemo {
 

@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <iterator>
 
-#include "demo/AvHandles.h"
-#include "demo/NalUnit.h"
+#include "service/AvHandles.h"
+#include "service/NalUnit.h"
 
 namespace ZorvaneDemo {
 

@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "demo/LocalTime.h"
+#include "demo/ServiceWords.h"
+#include "service/LocalTime.h"
 
 namespace ZorvaneDemo {
 

@@ -6,9 +6,9 @@
 #include <optional>
 
 #include "demo/Archive.h"
-#include "demo/LocalTime.h"
 #include "demo/Preview.h"
-#include "demo/Quality.h"
+#include "service/LocalTime.h"
+#include "service/Quality.h"
 
 namespace ZorvaneDemo {
 

@@ -3,7 +3,8 @@
 
 #include "demo/Access.h"
 #include "demo/ClipStore.h"
-#include "demo/Http.h"
+#include "demo/ServiceWords.h"
+#include "service/Http.h"
 
 namespace ZorvaneDemo {
 

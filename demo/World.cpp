@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <utility>
 
-#include "demo/Loopback.h"
 #include "demo/WorldJson.h"
+#include "service/Loopback.h"
 
 namespace ZorvaneDemo {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string>
 
-#include "demo/Quality.h"
+#include "demo/PictureSizes.h"
 
 namespace ZorvaneDemo {
 

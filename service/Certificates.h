@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 /// The certificate authority of this service and the server certificate it signed, as PEM
 /// files. Keys can be read by their owner only.
@@ -13,9 +13,9 @@ struct Certificates {
     std::string serverKeyFile;
     std::string error; ///< empty on success
 
-    /// Makes in `folder` what is missing or has less than a month to live. The server
-    /// certificate is for 127.0.0.1 and localhost.
-    static Certificates inFolder(const std::string &folder);
+    /// Makes in `folder` what is missing or has less than a month to live. A new authority gets
+    /// that name; the server certificate is for 127.0.0.1 and localhost.
+    static Certificates inFolder(const std::string &folder, const std::string &authorityName);
 };
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

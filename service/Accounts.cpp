@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: MIT
-#include "demo/Accounts.h"
+#include "service/Accounts.h"
 
 #include <openssl/rand.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <ctime>
 #include <fstream>
 #include <utility>
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 namespace {
 
@@ -117,7 +118,8 @@ void Accounts::store() const
     out << stored.dump(2) << '\n';
     out.close();
     if (!out || std::rename(temporary.c_str(), stateFile.c_str()) != 0)
-        std::fprintf(stderr, "zorvane-demo: cannot write %s\n", stateFile.c_str());
+        std::fprintf(stderr, "%s: cannot write %s\n", program_invocation_short_name,
+                     stateFile.c_str());
 }
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-#include "demo/Http.h"
+#include "service/Http.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <charconv>
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 namespace {
 
@@ -99,4 +99,4 @@ std::string HttpRequest::header(const std::string &name) const
     return {};
 }
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "demo/LocalTime.h"
+#include "service/LocalTime.h"
 
 #include <chrono>
 #include <ctime>
 #include <thread>
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 namespace {
 
@@ -63,4 +63,4 @@ LocalDay LocalDay::holding(std::int64_t momentMs)
     return numbered(dateNumber(momentMs / secondMs));
 }
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "demo/HttpServer.h"
+#include "service/HttpServer.h"
 
 #include <httplib.h>
 
@@ -14,9 +14,9 @@
 #include <sys/resource.h>
 #include <sys/socket.h>
 
-#include "demo/Loopback.h"
+#include "service/Loopback.h"
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 namespace {
 
@@ -213,4 +213,4 @@ void HttpServer::start()
     thread = std::thread([this] { server->listen_after_bind(); });
 }
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

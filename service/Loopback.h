@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 /// The only address that the service listens on.
 constexpr char loopback[] = "127.0.0.1";
@@ -19,4 +19,4 @@ inline std::string lanServerId(int port)
     return loopbackAddress(port);
 }
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

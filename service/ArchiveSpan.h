@@ -5,9 +5,9 @@
 #include <limits>
 #include <optional>
 
-#include "demo/Http.h"
+#include "service/Http.h"
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 /// What is wanted of an archive. A span without an end is played, its times are seconds on the
 /// wire; one with an end is exported, and they are milliseconds.
@@ -25,4 +25,4 @@ struct ArchiveSpan {
     static std::optional<ArchiveSpan> from(const HttpRequest &request);
 };
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

@@ -6,13 +6,13 @@
 #include <string>
 #include <thread>
 
-#include "demo/Http.h"
+#include "service/Http.h"
 
 namespace httplib {
 class Server;
 }
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 /// One listening port on 127.0.0.1, with a thread for each connection.
 class HttpServer
@@ -46,4 +46,4 @@ private:
     std::thread thread;
 };
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

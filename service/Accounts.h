@@ -8,7 +8,7 @@
 #include <set>
 #include <string>
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 /// The one account, and what the service keeps for it across restarts: its sessions and its
 /// layouts. Safe to use from any thread.
@@ -45,4 +45,4 @@ private:
     nlohmann::json document;
 };
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "demo/Quality.h"
+#include "service/Quality.h"
 
 #include <algorithm>
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 int requestedQuality(const HttpRequest &request)
 {
@@ -11,4 +11,4 @@ int requestedQuality(const HttpRequest &request)
     return static_cast<int>(std::clamp<std::int64_t>(quality, 0, qualityCount - 1));
 }
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

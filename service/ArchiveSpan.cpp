@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "demo/ArchiveSpan.h"
+#include "service/ArchiveSpan.h"
 
 #include <algorithm>
 
-#include "demo/LocalTime.h"
+#include "service/LocalTime.h"
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 namespace {
 
@@ -33,4 +33,4 @@ std::optional<ArchiveSpan> ArchiveSpan::from(const HttpRequest &request)
     return span.endMs < 0 ? std::nullopt : std::optional<ArchiveSpan>(span);
 }
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

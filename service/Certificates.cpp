@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "demo/Certificates.h"
+#include "service/Certificates.h"
 
 #include <openssl/bn.h>
 #include <openssl/evp.h>
@@ -14,9 +14,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "demo/Loopback.h"
+#include "service/Loopback.h"
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 namespace {
 
@@ -77,12 +77,12 @@ Certificate newCertificate(EVP_PKEY *key, const char *commonName, X509_NAME *iss
     return certificate;
 }
 
-Identity newAuthority()
+Identity newAuthority(const std::string &name)
 {
     Identity authority;
     authority.key = newKey();
     authority.certificate =
-        newCertificate(authority.key.get(), "Zorvane demo authority", nullptr, authorityDays);
+        newCertificate(authority.key.get(), name.c_str(), nullptr, authorityDays);
     X509 *certificate = authority.certificate.get();
     const bool good =
         certificate &&
@@ -152,7 +152,7 @@ Identity load(const std::string &certificateFile, const std::string &keyFile)
 
 } // namespace
 
-Certificates Certificates::inFolder(const std::string &folder)
+Certificates Certificates::inFolder(const std::string &folder, const std::string &authorityName)
 {
     Certificates result;
     result.authorityFile = folder + "/ca.pem";
@@ -167,7 +167,7 @@ Certificates Certificates::inFolder(const std::string &folder)
         if (server.certificate && X509_verify(server.certificate.get(), authority.key.get()) != 1)
             server = Identity();
     } else {
-        authority = newAuthority();
+        authority = newAuthority(authorityName);
         if (!authority.certificate || !save(authority, result.authorityFile, authorityKeyFile)) {
             result.error = "cannot make a certificate authority in " + folder;
             return result;
@@ -181,4 +181,4 @@ Certificates Certificates::inFolder(const std::string &folder)
     return result;
 }
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "demo/NalUnit.h"
+#include "service/NalUnit.h"
 
 #include <algorithm>
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 namespace {
 
@@ -53,4 +53,4 @@ std::vector<NalUnit> unitsAfterLengths(const Bytes &picture)
     return units;
 }
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 /// A request as it stood on the wire.
 struct HttpRequest {
@@ -74,4 +74,4 @@ constexpr std::int64_t largestTime = 100'000'000'000'000;
 /// The number that `text` is from begin to end, else `fallback`.
 std::int64_t numberOr(const std::string &text, std::int64_t fallback);
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 constexpr std::int64_t secondMs = 1000;
 constexpr std::int64_t minuteMs = 60 * secondMs;
@@ -25,4 +25,4 @@ struct LocalDay {
     LocalDay next() const { return numbered(number + 1); }
 };
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

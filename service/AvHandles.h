@@ -7,7 +7,7 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 }
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 struct AvRelease {
     void operator()(AVCodecContext *codec) const { avcodec_free_context(&codec); }
@@ -19,4 +19,4 @@ using CodecHandle = std::unique_ptr<AVCodecContext, AvRelease>;
 using FrameHandle = std::unique_ptr<AVFrame, AvRelease>;
 using PacketHandle = std::unique_ptr<AVPacket, AvRelease>;
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

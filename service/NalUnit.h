@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "demo/BitStream.h"
+#include "service/Bytes.h"
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 /// One unit of an H.264 stream, in bytes that others own.
 struct NalUnit {
@@ -28,4 +28,4 @@ std::vector<NalUnit> unitsAfterStartCodes(const std::uint8_t *data, std::size_t 
 void appendWithLength(const NalUnit &unit, Bytes *out);
 std::vector<NalUnit> unitsAfterLengths(const Bytes &picture);
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService
