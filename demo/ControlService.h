@@ -3,14 +3,13 @@
 
 #include <nlohmann/json.hpp>
 
-#include "demo/ApiService.h"
 #include "demo/Faults.h"
-#include "demo/FlvService.h"
 #include "demo/RequestLog.h"
 #include "demo/ServiceWords.h"
 #include "demo/World.h"
 #include "service/Accounts.h"
 #include "service/Http.h"
+#include "service/VideoService.h"
 
 namespace ZorvaneDemo {
 
@@ -19,13 +18,12 @@ class ControlService
 {
 public:
     ControlService(World &cameras, Accounts &accountBook, Faults &faultList, RequestLog &requests,
-                   ApiService &apiService, const FlvService &flvService)
+                   VideoService &videoService)
         : world(cameras)
         , accounts(accountBook)
         , faults(faultList)
         , log(requests)
-        , api(apiService)
-        , flv(flvService)
+        , service(videoService)
     {
     }
 
@@ -42,8 +40,7 @@ private:
     Accounts &accounts;
     Faults &faults;
     RequestLog &log;
-    ApiService &api;
-    const FlvService &flv;
+    VideoService &service;
 };
 
 } // namespace ZorvaneDemo

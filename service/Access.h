@@ -3,12 +3,12 @@
 
 #include <string>
 
-#include "demo/ServiceWords.h"
-#include "demo/World.h"
 #include "service/Accounts.h"
 #include "service/Http.h"
+#include "service/HttpStatus.h"
+#include "service/RosterSource.h"
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 /// Who may see which camera, for the cloud's streaming endpoint and for LAN servers alike.
 class Access
@@ -17,11 +17,16 @@ public:
     enum class Need { Live, Archive };
 
     struct Result {
-        int status = 200; ///< 403 or 404 when there is nothing to see
-        Camera camera;
+        int status = HttpStatus::Ok;
+        CameraOfServer found; ///< where there is something to see
+
+        bool isGranted() const { return status == HttpStatus::Ok; }
     };
 
-    Access(const World &cameras, const Accounts &sessions) : world(cameras), accounts(sessions) {}
+    Access(const RosterSource &source, const Accounts &sessions)
+        : roster(source), accounts(sessions)
+    {
+    }
 
     /// Goes by `server`, `camera` and `sessionId` of the request's query.
     Result check(const HttpRequest &request, Need need) const;
@@ -32,8 +37,8 @@ private:
     Result checkCloud(const HttpRequest &request, Need need) const;
     Result checkLan(const HttpRequest &request, Need need) const;
 
-    const World &world;
+    const RosterSource &roster;
     const Accounts &accounts;
 };
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "demo/Preview.h"
+#include "service/Jpeg.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -8,7 +8,7 @@
 #include "service/AvHandles.h"
 #include "service/NalUnit.h"
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 namespace {
 
@@ -22,16 +22,12 @@ void appendUnit(const std::uint8_t *data, std::size_t size, Bytes *out)
 }
 
 /// The picture as a byte stream that needs nothing before it.
-Bytes standalone(const Clip &clip, int index, int number)
+Bytes standalone(const MediaFormat &format, const Bytes &keyFrame)
 {
-    Bytes units;
-    clip.appendPicture(index, number, &units);
-    const Bytes sps = clip.sps();
-    const Bytes pps = clip.pps();
     Bytes out;
-    appendUnit(sps.data(), sps.size(), &out);
-    appendUnit(pps.data(), pps.size(), &out);
-    for (const NalUnit &unit : unitsAfterLengths(units))
+    appendUnit(format.sps.data(), format.sps.size(), &out);
+    appendUnit(format.pps.data(), format.pps.size(), &out);
+    for (const NalUnit &unit : unitsAfterLengths(keyFrame))
         appendUnit(unit.data, unit.size, &out);
     return out;
 }
@@ -53,11 +49,17 @@ FrameHandle decoded(const Bytes &stream)
     return avcodec_receive_frame(codec.get(), frame.get()) == 0 ? std::move(frame) : nullptr;
 }
 
-/// JPEG knows no other levels than 0 to 255.
+/// JPEG knows no other levels than 0 to 255. False for a picture that is not 4:2:0.
 bool toFullRange(AVFrame *frame)
 {
-    if (av_frame_make_writable(frame) < 0)
+    if (frame->format == AV_PIX_FMT_YUVJ420P)
+        return true;
+    if (frame->format != AV_PIX_FMT_YUV420P || av_frame_make_writable(frame) < 0)
         return false;
+    if (frame->color_range == AVCOL_RANGE_JPEG) {
+        frame->format = AV_PIX_FMT_YUVJ420P;
+        return true;
+    }
     for (int plane = 0; plane < 3; ++plane) {
         const int lines = plane == 0 ? frame->height : (frame->height + 1) / 2;
         const int width = plane == 0 ? frame->width : (frame->width + 1) / 2;
@@ -77,11 +79,9 @@ bool toFullRange(AVFrame *frame)
 
 } // namespace
 
-std::string previewJpeg(const Clip &clip, int number, std::int64_t momentMs)
+std::string jpegOf(const MediaFormat &format, const Bytes &keyFrame)
 {
-    const std::int64_t second = momentMs / secondMs % secondsPerMinute;
-    const int index = static_cast<int>(second * clip.packetCount() / secondsPerMinute);
-    const FrameHandle frame = decoded(standalone(clip, index, number));
+    const FrameHandle frame = decoded(standalone(format, keyFrame));
     if (!frame || !toFullRange(frame.get()))
         return {};
     const CodecHandle codec(avcodec_alloc_context3(avcodec_find_encoder(AV_CODEC_ID_MJPEG)));
@@ -105,4 +105,4 @@ std::string previewJpeg(const Clip &clip, int number, std::int64_t momentMs)
                        static_cast<std::size_t>(packet->size));
 }
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

@@ -5,12 +5,11 @@
 #include <string>
 #include <utility>
 
-#include "demo/ServiceWords.h"
-#include "demo/World.h"
 #include "service/Accounts.h"
 #include "service/Http.h"
+#include "service/RosterSource.h"
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 /// The cloud API: every reply is `{"success": true, "response": ...}` or
 /// `{"success": false, "response": {"code": ...}}`.
@@ -25,8 +24,8 @@ public:
         signInRefused = 10005
     };
 
-    ApiService(World &cameras, Accounts &accountBook, std::string clientVersion)
-        : world(cameras), accounts(accountBook), version(std::move(clientVersion))
+    ApiService(RosterSource &source, Accounts &accountBook, std::string clientVersion)
+        : roster(source), accounts(accountBook), version(std::move(clientVersion))
     {
     }
 
@@ -41,10 +40,10 @@ private:
     HttpReply rotate(const HttpRequest &request);
     bool isSignedIn(const HttpRequest &request) const;
 
-    World &world;
+    RosterSource &roster;
     Accounts &accounts;
     std::mutex mutex;
     std::string version;
 };
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include "demo/ApiService.h"
+#include "service/ApiService.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
 
-#include "demo/WorldJson.h"
+#include "service/HttpStatus.h"
+#include "service/RosterJson.h"
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 namespace {
 
@@ -17,11 +18,12 @@ const std::string versionPath = "/public/version/client_windows";
 const std::string rosterPath = "/public/roster";
 const std::string layoutsPath = "//layouts";
 const std::string serversPath = "//public/servers/";
+constexpr std::int64_t quarterTurn = 90;
 constexpr const char *formType = "application/x-www-form-urlencoded";
 
 HttpReply success(const nlohmann::json &response)
 {
-    return HttpReply::json(200, {{"success", true}, {"response", response}});
+    return HttpReply::json(HttpStatus::Ok, {{"success", true}, {"response", response}});
 }
 
 HttpReply failure(int status, ApiService::Error code)
@@ -65,15 +67,16 @@ HttpReply ApiService::handle(const HttpRequest &request)
         return success({{"version", version}});
     }
     if (get && path == rosterPath)
-        return isSignedIn(request) ? success(rosterJson(world.servers()))
-                                   : failure(403, unknownSession);
+        return isSignedIn(request) ? success(rosterJson(roster.servers()))
+                                   : failure(HttpStatus::Forbidden, unknownSession);
     if (get && path == layoutsPath)
-        return isSignedIn(request) ? success(accounts.layouts()) : failure(403, unknownSession);
+        return isSignedIn(request) ? success(accounts.layouts())
+                                   : failure(HttpStatus::Forbidden, unknownSession);
     if (post && path == layoutsPath)
         return saveLayouts(request);
     if (post && beginsWith(path, serversPath))
         return rotate(request);
-    return failure(404, notFound);
+    return failure(HttpStatus::NotFound, notFound);
 }
 
 bool ApiService::isSignedIn(const HttpRequest &request) const
@@ -89,12 +92,12 @@ HttpReply ApiService::signIn(const HttpRequest &request)
     const bool whole = std::all_of(needed.begin(), needed.end(),
                                    [&](const char *key) { return form.count(key) == 1; });
     if (!isForm(request) || !whole)
-        return failure(400, malformedRequest);
+        return failure(HttpStatus::BadRequest, malformedRequest);
     if (accounts.isRefused())
-        return failure(403, signInRefused);
+        return failure(HttpStatus::Forbidden, signInRefused);
     const std::string session = accounts.signIn(form["login"], form["password"]);
     if (session.empty())
-        return failure(403, wrongPassword);
+        return failure(HttpStatus::Forbidden, wrongPassword);
     return success({{"session_id", session}});
 }
 
@@ -102,17 +105,17 @@ HttpReply ApiService::signOut(const HttpRequest &request)
 {
     const std::string session = request.path.substr(sessionsPath.size() + 1);
     if (!accounts.signOut(percentDecoded(session)))
-        return failure(404, unknownSession);
+        return failure(HttpStatus::NotFound, unknownSession);
     return success(nlohmann::json::object());
 }
 
 HttpReply ApiService::saveLayouts(const HttpRequest &request)
 {
     if (!isSignedIn(request))
-        return failure(403, unknownSession);
+        return failure(HttpStatus::Forbidden, unknownSession);
     const auto list = nlohmann::json::parse(request.body, nullptr, false);
     if (!areLayouts(list))
-        return failure(400, malformedRequest);
+        return failure(HttpStatus::BadRequest, malformedRequest);
     accounts.saveLayouts(list);
     return success(nlohmann::json::object());
 }
@@ -126,24 +129,24 @@ HttpReply ApiService::rotate(const HttpRequest &request)
     const std::size_t at = rest.find(middle);
     if (at == std::string::npos || rest.size() < at + middle.size() + end.size() ||
         rest.compare(rest.size() - end.size(), end.size(), end) != 0)
-        return failure(404, notFound);
+        return failure(HttpStatus::NotFound, notFound);
     const std::string server = percentDecoded(rest.substr(0, at));
     const std::string camera =
         rest.substr(at + middle.size(), rest.size() - at - middle.size() - end.size());
 
     auto form = decodedItems(request.body, true);
     if (!isForm(request) || form.count("sessionId") == 0)
-        return failure(400, malformedRequest);
+        return failure(HttpStatus::BadRequest, malformedRequest);
     if (!accounts.isSignedIn(form["sessionId"]))
-        return failure(403, unknownSession);
+        return failure(HttpStatus::Forbidden, unknownSession);
     constexpr std::int64_t none = INT64_MIN;
     const std::int64_t degrees = numberOr(form["degrees"], none);
-    if (degrees == none || degrees % 90 != 0)
-        return failure(400, malformedRequest);
+    if (degrees == none || degrees % quarterTurn != 0)
+        return failure(HttpStatus::BadRequest, malformedRequest);
     const int id = static_cast<int>(numberOr(camera, 0));
-    if (!world.setCamera(server, id, {{"rotation", static_cast<int>(degrees)}}))
-        return failure(404, notFound);
+    if (!roster.setRotation({server, id}, static_cast<int>(degrees)))
+        return failure(HttpStatus::NotFound, notFound);
     return success(nlohmann::json::object());
 }
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

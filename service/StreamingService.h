@@ -1,20 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "demo/Access.h"
-#include "demo/ClipStore.h"
-#include "demo/ServiceWords.h"
+#include "service/Access.h"
+#include "service/ArchiveCatalogue.h"
 #include "service/Http.h"
+#include "service/MediaLibrary.h"
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 /// `preview/live`, `archive/list` and `archive/days`, for the cloud's streaming endpoint and
 /// for LAN servers. A refusal has an empty body, since these replies have no envelope.
 class StreamingService
 {
 public:
-    StreamingService(const Access &accessRules, const ClipStore &clipStore)
-        : access(accessRules), clips(clipStore)
+    StreamingService(const Access &rules, const ArchiveCatalogue &archive,
+                     const MediaLibrary &library)
+        : access(rules), catalogue(archive), media(library)
     {
     }
 
@@ -26,12 +27,13 @@ public:
     HttpReply archiveDays(const HttpRequest &request) const;
 
 private:
-    /// Answers with what `describe` says of the archive and the span that is asked for.
+    /// Answers with what `describe` says of the camera and the span that is asked for.
     template <typename Describe>
     HttpReply archiveReply(const HttpRequest &request, Describe describe) const;
 
     const Access &access;
-    const ClipStore &clips;
+    const ArchiveCatalogue &catalogue;
+    const MediaLibrary &media;
 };
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService

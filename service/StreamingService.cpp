@@ -1,16 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include "demo/StreamingService.h"
+#include "service/StreamingService.h"
 
 #include <nlohmann/json.hpp>
 
 #include <optional>
 
-#include "demo/Archive.h"
-#include "demo/Preview.h"
+#include "service/HttpStatus.h"
 #include "service/LocalTime.h"
 #include "service/Quality.h"
 
-namespace ZorvaneDemo {
+namespace ZorvaneService {
 
 namespace {
 
@@ -39,21 +38,19 @@ HttpReply StreamingService::handle(const HttpRequest &request) const
         return archiveList(request);
     if (request.method == "GET" && request.path == "//archive/days")
         return archiveDays(request);
-    return HttpReply::refusal(404);
+    return HttpReply::refusal(HttpStatus::NotFound);
 }
 
 HttpReply StreamingService::preview(const HttpRequest &request) const
 {
     const Access::Result result = access.check(request, Access::Need::Live);
-    if (result.status != 200)
+    if (!result.isGranted())
         return HttpReply::refusal(result.status);
-    const auto clip = clips.video(result.camera.scene, requestedQuality(request));
     HttpReply reply;
     reply.contentType = "image/jpeg";
-    if (clip)
-        reply.body = previewJpeg(*clip, result.camera.number, nowMs());
+    reply.body = media.preview(result.found.id(), requestedQuality(request));
     if (reply.body.empty())
-        return HttpReply::refusal(500);
+        return HttpReply::refusal(HttpStatus::InternalError);
     return reply;
 }
 
@@ -61,19 +58,19 @@ template <typename Describe>
 HttpReply StreamingService::archiveReply(const HttpRequest &request, Describe describe) const
 {
     const Access::Result result = access.check(request, Access::Need::Archive);
-    if (result.status != 200)
+    if (!result.isGranted())
         return HttpReply::refusal(result.status);
     const auto span = requestedSpan(request);
     if (!span)
-        return HttpReply::refusal(400);
-    return HttpReply::json(200, describe(Archive(result.camera, nowMs()), *span));
+        return HttpReply::refusal(HttpStatus::BadRequest);
+    return HttpReply::json(HttpStatus::Ok, describe(result.found.id(), *span));
 }
 
 HttpReply StreamingService::archiveList(const HttpRequest &request) const
 {
-    return archiveReply(request, [](const Archive &archive, const Span &span) {
+    return archiveReply(request, [this](const CameraId &camera, const Span &span) {
         auto list = nlohmann::json::array();
-        for (const Record &record : archive.records(span.startMs, span.endMs))
+        for (const Record &record : catalogue.records(camera, span.startMs, span.endMs))
             list.push_back(
                 {{"startTime", record.startMs}, {"duration", record.endMs - record.startMs}});
         return list;
@@ -82,12 +79,12 @@ HttpReply StreamingService::archiveList(const HttpRequest &request) const
 
 HttpReply StreamingService::archiveDays(const HttpRequest &request) const
 {
-    return archiveReply(request, [](const Archive &archive, const Span &span) {
+    return archiveReply(request, [this](const CameraId &camera, const Span &span) {
         auto list = nlohmann::json::array();
-        for (const auto &[day, count] : archive.days(span.startMs, span.endMs))
+        for (const auto &[day, count] : catalogue.days(camera, span.startMs, span.endMs))
             list.push_back({{"date", day}, {"recordsCount", count}});
         return list;
     });
 }
 
-} // namespace ZorvaneDemo
+} // namespace ZorvaneService
