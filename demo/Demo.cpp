@@ -2,12 +2,10 @@
 #include "demo/Demo.h"
 
 #include <cstddef>
-#include <filesystem>
-#include <fstream>
 #include <utility>
 
+#include "service/ClientFiles.h"
 #include "service/Loopback.h"
-#include "service/RosterJson.h"
 
 #ifndef ZORVANE_VERSION
 #error "the build defines the client's version"
@@ -62,19 +60,13 @@ void Demo::start()
 
 bool Demo::writeConfiguration(const std::string &folder) const
 {
-    std::error_code code;
-    std::filesystem::create_directories(folder, code);
-    std::ofstream profile(folder + "/service.ini");
-    profile << "[service]\n"
-            << "apiHost=" << loopback << "\napiPort=" << apiPort << "\nstreamingHost=" << loopback
-            << "\nstreamingPort=" << streamingPort << "\nflvHost=" << loopbackAddress(flvPort)
-            << "\nredirectorHost=" << loopbackAddress(flvPort)
-            << "\ncaCertificate=" << certificates.authorityFile << "\n";
-    std::ofstream roster(folder + "/local_roster.txt");
-    roster << localRosterJson(world.servers()).dump(4) << "\n";
-    profile.close();
-    roster.close();
-    return profile.good() && roster.good();
+    ClientFiles files;
+    files.host = loopback;
+    files.apiPort = apiPort;
+    files.streamingPort = streamingPort;
+    files.flvPort = flvPort;
+    files.caCertificate = certificates.authorityFile;
+    return files.write(folder, world.servers());
 }
 
 nlohmann::json Demo::describe() const

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "service/Access.h"
 
-#include <openssl/crypto.h>
-
 #include <algorithm>
 
 namespace ZorvaneService {
@@ -67,17 +65,17 @@ Access::Result Access::checkLan(const HttpRequest &request, Need need) const
         parameters["server"] == "1" || portOf(parameters["server"]) == portOf(server.id);
     if (camera == cameras.end() || !isMeant)
         return refused(HttpStatus::NotFound);
-    if (!isPassword(server, parameters["sessionId"]))
+    if (!opens(request, server))
         return refused(HttpStatus::Forbidden);
     if (need == Need::Live && !camera->online)
         return refused(HttpStatus::NotFound);
     return {HttpStatus::Ok, {server, *camera}};
 }
 
-bool Access::isPassword(const Server &server, const std::string &text)
+bool Access::opens(const HttpRequest &request, const Server &server) const
 {
-    return text.size() == server.password.size() &&
-           CRYPTO_memcmp(text.data(), server.password.data(), text.size()) == 0;
+    const std::string given = request.parameters()["sessionId"];
+    return guard.admits(request.peer, PasswordGuard::areEqual(given, server.password));
 }
 
 } // namespace ZorvaneService

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <string>
-
 #include "service/Accounts.h"
 #include "service/Http.h"
 #include "service/HttpStatus.h"
+#include "service/PasswordGuard.h"
 #include "service/RosterSource.h"
 
 namespace ZorvaneService {
@@ -23,15 +22,15 @@ public:
         bool isGranted() const { return status == HttpStatus::Ok; }
     };
 
-    Access(const RosterSource &source, const Accounts &sessions)
-        : roster(source), accounts(sessions)
+    Access(const RosterSource &source, const Accounts &sessions, PasswordGuard &passwords)
+        : roster(source), accounts(sessions), guard(passwords)
     {
     }
 
     /// Goes by `server`, `camera` and `sessionId` of the request's query.
     Result check(const HttpRequest &request, Need need) const;
-    /// True when `text` opens the LAN server.
-    static bool isPassword(const Server &server, const std::string &text);
+    /// Whether the request's `sessionId` opens the LAN server.
+    bool opens(const HttpRequest &request, const Server &server) const;
 
 private:
     Result checkCloud(const HttpRequest &request, Need need) const;
@@ -39,6 +38,7 @@ private:
 
     const RosterSource &roster;
     const Accounts &accounts;
+    PasswordGuard &guard;
 };
 
 } // namespace ZorvaneService

@@ -8,17 +8,21 @@
 #include <cstdio>
 #include <ctime>
 #include <fstream>
+#include <stdexcept>
 #include <utility>
+
+#include "service/OwnerFile.h"
+#include "service/PasswordGuard.h"
 
 namespace ZorvaneService {
 
 namespace {
 
-std::string newSession()
+std::string randomId()
 {
     std::array<unsigned char, 16> random{};
     if (RAND_bytes(random.data(), static_cast<int>(random.size())) != 1)
-        return {};
+        throw std::runtime_error("no random numbers");
     std::string text;
     for (const unsigned char byte : random) {
         char hex[3];
@@ -55,16 +59,18 @@ Accounts::Accounts(std::string accountEmail, std::string accountPassword, std::s
     document.erase("sessions");
 }
 
-std::string Accounts::signIn(const std::string &givenEmail, const std::string &givenPassword)
+bool Accounts::isAccount(const std::string &givenEmail, const std::string &givenPassword) const
 {
-    if (givenEmail != email || givenPassword != password)
-        return {};
-    const std::string session = newSession();
+    const bool emailIsRight = PasswordGuard::areEqual(givenEmail, email);
+    return PasswordGuard::areEqual(givenPassword, password) && emailIsRight;
+}
+
+std::string Accounts::newSession()
+{
+    const std::string session = randomId();
     const std::lock_guard<std::mutex> lock(mutex);
-    if (!session.empty()) {
-        sessions.insert(session);
-        store();
-    }
+    sessions.insert(session);
+    store();
     return session;
 }
 
@@ -113,11 +119,7 @@ void Accounts::store() const
     }
     stored[email] = document;
     stored[email]["sessions"] = sessions;
-    const std::string temporary = stateFile + ".new";
-    std::ofstream out(temporary);
-    out << stored.dump(2) << '\n';
-    out.close();
-    if (!out || std::rename(temporary.c_str(), stateFile.c_str()) != 0)
+    if (!writeOwnerFile(stateFile, stored.dump(2) + '\n'))
         std::fprintf(stderr, "%s: cannot write %s\n", program_invocation_short_name,
                      stateFile.c_str());
 }

@@ -17,8 +17,9 @@ class Accounts
 public:
     Accounts(std::string email, std::string password, std::string stateFile);
 
-    /// A new session's id, empty when e-mail or password are wrong.
-    std::string signIn(const std::string &email, const std::string &password);
+    bool isAccount(const std::string &givenEmail, const std::string &givenPassword) const;
+    /// Its id.
+    std::string newSession();
     /// False when there is no such session.
     bool signOut(const std::string &session);
     bool isSignedIn(const std::string &session) const;

@@ -95,10 +95,9 @@ HttpReply ApiService::signIn(const HttpRequest &request)
         return failure(HttpStatus::BadRequest, malformedRequest);
     if (accounts.isRefused())
         return failure(HttpStatus::Forbidden, signInRefused);
-    const std::string session = accounts.signIn(form["login"], form["password"]);
-    if (session.empty())
+    if (!guard.admits(request.peer, accounts.isAccount(form["login"], form["password"])))
         return failure(HttpStatus::Forbidden, wrongPassword);
-    return success({{"session_id", session}});
+    return success({{"session_id", accounts.newSession()}});
 }
 
 HttpReply ApiService::signOut(const HttpRequest &request)

@@ -7,6 +7,7 @@
 
 #include "service/Accounts.h"
 #include "service/Http.h"
+#include "service/PasswordGuard.h"
 #include "service/RosterSource.h"
 
 namespace ZorvaneService {
@@ -24,8 +25,9 @@ public:
         signInRefused = 10005
     };
 
-    ApiService(RosterSource &source, Accounts &accountBook, std::string clientVersion)
-        : roster(source), accounts(accountBook), version(std::move(clientVersion))
+    ApiService(RosterSource &source, Accounts &accountBook, PasswordGuard &passwords,
+               std::string clientVersion)
+        : roster(source), accounts(accountBook), guard(passwords), version(std::move(clientVersion))
     {
     }
 
@@ -42,6 +44,7 @@ private:
 
     RosterSource &roster;
     Accounts &accounts;
+    PasswordGuard &guard;
     std::mutex mutex;
     std::string version;
 };

@@ -24,7 +24,7 @@ struct HttpRequest {
     std::vector<std::pair<std::string, std::string>> headers; ///< names in lower case
     std::string body;
     int localPort = 0;
-    int remotePort = 0;
+    std::string peer; ///< its address
 
     /// The query's items, percent-decoded. A plus sign stays one: stream URLs carry their
     /// values as they are.

@@ -3,7 +3,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "service/Access.h"
 #include "service/HttpStatus.h"
 
 namespace ZorvaneService {
@@ -54,10 +53,9 @@ HttpReply LanService::handle(const HttpRequest &request) const
 
 HttpReply LanService::information(const HttpRequest &request, const ServerWithCameras &owner) const
 {
-    auto parameters = request.parameters();
-    if (parameters["server"] != "1")
+    if (request.parameters()["server"] != "1")
         return HttpReply::refusal(HttpStatus::NotFound);
-    if (!Access::isPassword(owner.server, parameters["sessionId"]))
+    if (!access.opens(request, owner.server))
         return HttpReply::refusal(HttpStatus::Forbidden);
     return HttpReply::json(HttpStatus::Ok, request.path == "/vs_info/"
                                                ? serverInformation(owner.server)

@@ -12,9 +12,9 @@ namespace ZorvaneService {
 class LanService
 {
 public:
-    LanService(const RosterSource &source, const StreamingService &streamingService,
-               FlvService &flvService)
-        : roster(source), streaming(streamingService), flv(flvService)
+    LanService(const RosterSource &source, const Access &rules,
+               const StreamingService &streamingService, FlvService &flvService)
+        : roster(source), access(rules), streaming(streamingService), flv(flvService)
     {
     }
 
@@ -24,6 +24,7 @@ private:
     HttpReply information(const HttpRequest &request, const ServerWithCameras &owner) const;
 
     const RosterSource &roster;
+    const Access &access;
     const StreamingService &streaming;
     FlvService &flv;
 };

@@ -8,6 +8,7 @@
 #include "service/ApiService.h"
 #include "service/FlvService.h"
 #include "service/LanService.h"
+#include "service/PasswordGuard.h"
 #include "service/StreamingService.h"
 
 namespace ZorvaneService {
@@ -18,16 +19,18 @@ class VideoService
 {
 public:
     VideoService(RosterSource &roster, const ArchiveCatalogue &archive, const MediaLibrary &media,
-                 Accounts &accounts, std::string clientVersion)
-        : access(roster, accounts)
-        , api(roster, accounts, std::move(clientVersion))
+                 Accounts &accounts, std::string clientVersion, const PasswordRules &passwords = {})
+        : guard(passwords)
+        , access(roster, accounts, guard)
+        , api(roster, accounts, guard, std::move(clientVersion))
         , streaming(access, archive, media)
         , flv(roster, access, archive, media)
-        , lan(roster, streaming, flv)
+        , lan(roster, access, streaming, flv)
     {
     }
 
 private:
+    PasswordGuard guard;
     const Access access;
 
 public:
