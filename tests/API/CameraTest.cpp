@@ -25,7 +25,7 @@ void setZone(const QByteArray &zone)
 
 CameraPtr makeCamera(const QString &server)
 {
-    const CameraPtr camera = CameraPtr::create();
+    CameraPtr camera = CameraPtr::create();
     camera->setId(server, 7);
     return camera;
 }

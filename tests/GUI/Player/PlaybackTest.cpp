@@ -36,7 +36,7 @@ QString asked(const ScriptedChild &child)
 /// What a tile tells of its exports, in words and in order.
 std::shared_ptr<QStringList> exportWords(VideoWidget &tile)
 {
-    const auto words = std::make_shared<QStringList>();
+    auto words = std::make_shared<QStringList>();
     QObject::connect(&tile, &VideoWidget::exportStarted, &tile, [=] { *words << "started"; });
     QObject::connect(&tile, &VideoWidget::exportPercentDone, &tile,
                      [=](int percent) { *words << QString::number(percent); });
@@ -379,7 +379,7 @@ private:
         QList<API::ArchiveRecord> records;
         for (const QString &span : spans)
             records.append({at(span.section('-', 0, 0)), at(span.section('-', 1, 1))});
-        const API::CameraPtr door = world.loadedCamera(3, day, records);
+        API::CameraPtr door = world.loadedCamera(3, day, records);
         door->setId("abc:8080"_s, 3);
         door->setName("Door"_s);
         door->setSessionId("pass"_s);
