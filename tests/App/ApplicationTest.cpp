@@ -55,7 +55,7 @@ API::CameraPtr camera(int number)
 
 API::LayoutPtr twoCameras()
 {
-    const auto layout = API::LayoutPtr::create();
+    auto layout = API::LayoutPtr::create();
     layout->resize(1, 3);
     layout->setCamera(camera(1), 0, 0, 1, 1);
     layout->setCamera(camera(2), 0, 1, 1, 1);

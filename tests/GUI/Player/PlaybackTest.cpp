@@ -36,7 +36,7 @@ QString asked(const ScriptedChild &child)
 /// What a tile tells of its exports, in words and in order.
 std::shared_ptr<QStringList> exportWords(VideoWidget &tile)
 {
-    const auto words = std::make_shared<QStringList>();
+    auto words = std::make_shared<QStringList>();
     QObject::connect(&tile, &VideoWidget::exportStarted, &tile, [=] { *words << "started"; });
     QObject::connect(&tile, &VideoWidget::exportPercentDone, &tile,
                      [=](int percent) { *words << QString::number(percent); });
