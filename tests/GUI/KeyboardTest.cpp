@@ -42,6 +42,11 @@ void press(const QString &keys)
     QWidget *focused = QApplication::focusWidget();
     const QString key = keys.section('+', -1);
     const int code = key == "Backtab"_s ? int(Qt::Key_Backtab) : QKeySequence(key)[0];
+    if (keys.startsWith("Held"_s)) {
+        QKeyEvent again(QEvent::KeyPress, code, Qt::NoModifier, QString(), true);
+        QCoreApplication::sendEvent(focused, &again);
+        return;
+    }
     QTest::keyClick(focused ? focused : QApplication::activeWindow(), Qt::Key(code),
                     keys.startsWith("Shift"_s) ? Qt::ShiftModifier : Qt::NoModifier);
 }
@@ -151,6 +156,10 @@ private slots:
              {"a tile", "Return", "tile_a", "view b . | . a, a of 4 at tile_a"},
              {"menu of a LAN server", "Menu", "server_lan", "Edit"},
              {"a cloud server has none", "Menu", "server_s", "view b . | . a, b of 4 at server_s"},
+             {"one of those inside is none", "Menu", "hideRosterButton",
+              "view b . | . a, b of 4 at hideRosterButton"},
+             {"held down", "Held+Return", "pauseButton",
+              "view b . | . a, b of 4 at pauseButton"},
              {"a server", "Return", "server_s", "view b . | . a, b of 0 at server_s"},
              {"the date", "Return", "dateEdit", "calendar"},
              {"saved", "Edit Return", "saveLayoutButton",
