@@ -17,7 +17,8 @@ namespace GUI {
 
 namespace {
 
-template <typename Reply> std::unique_ptr<Reply, decltype(&std::free)> owned(Reply *reply)
+template <typename Reply>
+std::unique_ptr<Reply, decltype(&std::free)> owned(Reply *reply)
 {
     return {reply, &std::free};
 }

@@ -47,7 +47,8 @@ Use lock(int descriptor)
 }
 
 /// Removes what lies under that name if `isRemovable` of who uses it.
-template <typename Rule> bool removeIf(const QString &fileName, Rule isRemovable)
+template <typename Rule>
+bool removeIf(const QString &fileName, Rule isRemovable)
 {
     const QByteArray name = QFile::encodeName(fileName);
     const int present = ::open(name.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
