@@ -156,8 +156,8 @@ private slots:
              {"a tile", "Return", "tile_a", "view b . | . a, a of 4 at tile_a"},
              {"menu of a LAN server", "Menu", "server_lan", "Edit"},
              {"a cloud server has none", "Menu", "server_s", "view b . | . a, b of 4 at server_s"},
-             {"one of those inside is none", "Menu", "hideRosterButton",
-              "view b . | . a, b of 4 at hideRosterButton"},
+             {"none of another row", "Hidden Menu", "showPBtn",
+              "view b . | . a, b of 0 at showPBtn"},
              {"held down", "Held+Return", "pauseButton", "view b . | . a, b of 4 at pauseButton"},
              {"a server", "Return", "server_s", "view b . | . a, b of 0 at server_s"},
              {"the date", "Return", "dateEdit", "calendar"},
@@ -178,6 +178,8 @@ private slots:
             window->setSettingsMode();
         else if (keys.startsWith("Edit"_s))
             window->startLayoutEditor();
+        else if (keys.startsWith("Hidden"_s))
+            window->hideRosterAndToolbar();
         tabTo(place);
         press(keys.section(' ', -1));
         QTRY_COMPARE(state(), effect);
