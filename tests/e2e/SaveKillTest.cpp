@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Test.h"
 
+#include <csignal>
 #include <cstdio>
+
+#include <sys/resource.h>
 
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
@@ -120,6 +123,27 @@ private slots:
             QVERIFY2(kept >= before, "a kill loses a version");
         }
         QVERIFY2(found[0] > 0 && found[1] > 0, "the kills fell at one and the same moment");
+    }
+
+    void aWriteThatFailsCostsNoVersion()
+    {
+        const QTemporaryDir folder;
+        const QString cacheFile = folder.filePath("cache"_s);
+        for (int number = 0; number <= API::Internal::keptLayoutVersions; ++number) {
+            QFile file(number == 0 ? cacheFile : "%1.%2"_s.arg(cacheFile).arg(number));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(QStringLiteral(R"({"layouts":[%1]})").arg(number).toUtf8());
+        }
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit before = {};
+        getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit none = {0, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &none);
+        API::Internal::keepLayoutVersion(cacheFile, "{}");
+        setrlimit(RLIMIT_FSIZE, &before);
+        QFile oldest(cacheFile + ".10");
+        QVERIFY(oldest.open(QIODevice::ReadOnly));
+        QCOMPARE(oldest.readAll(), QByteArray(R"({"layouts":[10]})"));
     }
 };
 
