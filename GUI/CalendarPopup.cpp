@@ -64,6 +64,8 @@ CalendarPopup::CalendarPopup(QWidget *parent) : QCalendarWidget(parent)
     setAttribute(Qt::WA_TranslucentBackground);
     setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
     setDateEditEnabled(false);
+    // As in the country of the user: not every language is known to be spoken there.
+    setFirstDayOfWeek(QLocale::system().firstDayOfWeek());
     arrange();
     for (int day = Qt::Monday; day <= Qt::Sunday; ++day)
         setWeekdayTextFormat(static_cast<Qt::DayOfWeek>(day), weekdayFormat());

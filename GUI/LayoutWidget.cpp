@@ -9,6 +9,7 @@
 #include "GUI/Colours.h"
 #include "GUI/HintStack.h"
 #include "GUI/LayoutWidgetPrivate.h"
+#include "GUI/Player/VideoWidget.h"
 #include "GUI/Retire.h"
 #include "GUI/StyleBackground.h"
 
@@ -77,7 +78,8 @@ bool LayoutWidget::openLayout(API::LayoutPtr layout)
 {
     if (layout && d->workingLayout && *layout == *d->workingLayout) {
         qDebug() << "layouts equal";
-        showAllTiles();
+        if (Player::VideoWidget *tile = d->leaveMaximised())
+            d->owedQualities.insert(tile, d->qualityBefore);
         playLive();
         return false;
     }

@@ -121,6 +121,8 @@ private slots:
     void showExportErrorHint(QString path);
     void updateHintPositions();
     void removePlayer(Player::VideoWidget *widget);
+    void beginDrag();
+    void endDrag();
 
 private:
     void makeGrid();

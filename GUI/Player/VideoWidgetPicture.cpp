@@ -5,6 +5,8 @@
 #include <QMenu>
 #include <QPainter>
 
+#include <utility>
+
 #include "API/Camera.h"
 #include "App/Application.h"
 #include "GUI/Colours.h"
@@ -31,7 +33,7 @@ void VideoWidget::showPicture()
                    << "pixels can be shown";
     }
     d->image = d->frameFile.image(size);
-    d->hasPicture = true;
+    setPictureSeen(true);
     update();
 }
 
@@ -39,8 +41,15 @@ void VideoWidget::clearImage()
 {
     // A snapshot is blank then; the fill reaches the frame file, whose memory the image is.
     d->image.fill(Colours::tile());
-    d->hasPicture = false;
+    setPictureSeen(false);
     update();
+}
+
+void VideoWidget::setPictureSeen(bool isSeen)
+{
+    const bool hadPicture = std::exchange(d->hasPicture, isSeen);
+    if (hadPicture != isSeen)
+        showZoom();
 }
 
 void VideoWidget::showSpinner()

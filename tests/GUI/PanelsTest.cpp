@@ -63,6 +63,17 @@ private slots:
         application->setupMainWindow(other = new MainWindow);
     }
 
+    /// As in the user's country, also where the texts are English.
+    void theWeekBegins()
+    {
+        const QLocale before;
+        QLocale::setDefault(QLocale("en_US"_s));
+        const CalendarPopup popup;
+        QLocale::setDefault(before);
+        QCOMPARE(QLocale("en_US"_s).firstDayOfWeek(), Qt::Sunday);
+        QCOMPARE(popup.firstDayOfWeek(), QLocale::system().firstDayOfWeek());
+    }
+
     void init()
     {
         world.reset();

@@ -201,6 +201,26 @@ private slots:
         QCOMPARE(tile.starts().size(), starts + 2);
     }
 
+    /// Where the program was held up, an end can be noticed before the last words.
+    void aChildThatEndsUnnoticed()
+    {
+        ScriptedTile tile("print state 7\\n|exit 0"_s);
+        QVERIFY(tile.playArchive(noon, noon.addSecs(60)));
+        QFile child("/proc/%1/stat"_s.arg(tile.process().processId()));
+        QDeadlineTimer deadline(30000);
+        QByteArray stat;
+        while (!stat.contains(") Z") && !deadline.hasExpired()) {
+            QThread::msleep(1);
+            QVERIFY(child.open(QIODevice::ReadOnly));
+            stat = child.readAll();
+            child.close();
+        }
+        QEvent isOver(QEvent::SockAct); // the notifier that was made last is that of the end
+        QCoreApplication::sendEvent(tile.process().findChildren<QSocketNotifier *>().last(),
+                                    &isOver);
+        QTRY_COMPARE(stateOf(tile), "Error"_s);
+    }
+
     void failuresAreReloaded()
     {
         FakeClock clock(noon);
