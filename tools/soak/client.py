@@ -9,6 +9,7 @@ import processes
 
 START_SECONDS = 120
 ANSWER_SECONDS = 60
+PIECE_SECONDS = 2
 
 
 def middle(thing):
@@ -34,8 +35,8 @@ class Client:
         if os.path.exists(self.address):
             os.unlink(self.address)
         self.server.bind(self.address)
-        self.server.listen(4)
-        self.stream = None
+        self.server.listen(16)
+        self.stream, self.buffer = None, b""
         self.process = None  # the one started here
         self.pid = 0         # the one that runs
         self.pids = []
@@ -65,7 +66,17 @@ class Client:
             file.write(f"[auth]\nemail={email}\npassword={password}\nsaveAuth=true\n\n"
                        f"[common]\nlanguage={language}\n")
 
+    def forget_callers(self):
+        """Those who came and were killed before anyone spoke to them."""
+        self.server.settimeout(0)
+        try:
+            while True:
+                self.server.accept()[0].close()
+        except BlockingIOError:
+            pass
+
     def start(self):
+        self.forget_callers()
         with open(os.path.join(self.folder, "client.out"), "ab") as out:
             self.process = subprocess.Popen(
                 [os.path.join(self.build, "bin/ZorvaneClient")], cwd=self.run_folder,
@@ -75,22 +86,42 @@ class Client:
 
     def accept(self, seconds):
         """Waits for the next process to come."""
-        self.server.settimeout(seconds)
-        connection, _ = self.server.accept()
-        connection.settimeout(ANSWER_SECONDS)
+        self.server.settimeout(PIECE_SECONDS)
+        connection = None
+        for _ in range(int(seconds / PIECE_SECONDS)):
+            try:
+                connection, _ = self.server.accept()
+                break
+            except TimeoutError:
+                continue
+        if not connection:
+            raise TimeoutError("no client came")
         if self.stream:
             self.stream.close()
-        self.stream = connection.makefile("rwb")
-        self.pid = json.loads(self.stream.readline())["pid"]
+        connection.settimeout(PIECE_SECONDS)
+        self.stream, self.buffer = connection, b""
+        self.pid = json.loads(self.read_line())["pid"]
         self.pids.append(self.pid)
 
+    def read_line(self):
+        """Waits in pieces: a machine that holds everything up for a while takes one of them."""
+        for _ in range(ANSWER_SECONDS // PIECE_SECONDS):
+            while b"\n" not in self.buffer:
+                try:
+                    read = self.stream.recv(1 << 16)
+                except TimeoutError:
+                    break
+                if not read:
+                    raise ConnectionError("the client is gone")
+                self.buffer += read
+            else:
+                line, self.buffer = self.buffer.split(b"\n", 1)
+                return line
+        raise TimeoutError(f"the client has not answered for {ANSWER_SECONDS} s")
+
     def ask(self, *request):
-        self.stream.write(json.dumps(request).encode() + b"\n")
-        self.stream.flush()
-        line = self.stream.readline()
-        if not line:
-            raise ConnectionError("the client is gone")
-        return json.loads(line)
+        self.stream.sendall(json.dumps(request).encode() + b"\n")
+        return json.loads(self.read_line())
 
     def find(self, of_class="", name="", window=None):
         found = self.ask("find", of_class, name)["found"]
@@ -116,9 +147,10 @@ class Client:
         if self.stream:
             self.stream.close()
             self.stream = None
-        for pid in self.pids:
+        for pid in self.pids[-3:]:
             one = processes.status(pid)
-            if one and one["name"].startswith("ZorvaneClient"):
+            here = processes.folder_of(pid) == os.path.realpath(self.run_folder)
+            if one and here and one["name"].startswith("ZorvaneClient"):
                 processes.send(pid, 9)
         if self.process:
             self.process.wait()

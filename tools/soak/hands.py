@@ -12,7 +12,7 @@ class Hands:
         self.environment = dict(os.environ, DISPLAY=display)
 
     def run(self, *words):
-        subprocess.run(["xdotool", *map(str, words)], env=self.environment, timeout=30,
+        subprocess.run(["xdotool", *map(str, words)], env=self.environment,
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def raise_window(self, window):

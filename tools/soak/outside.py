@@ -12,7 +12,8 @@ import time
 from watch import LAN_SERVER, stream_of
 
 CRASHES = [signal.SIGSEGV, signal.SIGBUS, signal.SIGFPE, signal.SIGILL, signal.SIGABRT]
-ENDS = [signal.SIGTERM, signal.SIGKILL, signal.SIGHUP, signal.SIGINT, signal.SIGQUIT]
+ENDS = [signal.SIGTERM, signal.SIGKILL, signal.SIGHUP, signal.SIGINT, signal.SIGQUIT,
+        signal.SIGTRAP, signal.SIGSYS, signal.SIGXCPU]
 KINDS = ["close", "stall", "truncate", "garble", "slow", "delay", "empty", "redirect", "nonjson",
          "status"]
 VALUES = {"slow": 2000, "delay": 3000, "status": 500}
@@ -32,8 +33,7 @@ def end_child(run, random):
     number = random.choice(CRASHES + ENDS)
     kind = stream_of(tile)[2]
     # Nobody can say a word after SIGKILL: only live play that shows its picture is taken up.
-    wordless = number in run.wordless
-    if wordless and (kind == "archive" or "strip" not in tile):
+    if number == signal.SIGKILL and (kind == "archive" or "strip" not in tile):
         number = signal.SIGSEGV
     run.watch.disturb(stream_of(tile)[:2])
     os.kill(int(tile["player"]), number)
@@ -109,7 +109,7 @@ def camera_off_or_on(run, random):
 def sessions_end(run, random):
     if not run.world.is_up():
         return ""
-    run.watch.disturb()
+    run.session_is_lost = True  # until the user has signed in again
     run.world.post("/sessions/drop")
     return "every session ended"
 
@@ -171,6 +171,8 @@ def every_second(run):
     now = time.monotonic()
     for entry in [each for each in run.stopped if each[2] <= now]:
         go_on(run, entry)
+    if run.session_is_lost:
+        run.watch.disturb()
     for _, camera, _ in run.stopped:
         run.watch.disturb(camera)
     if run.service_due and run.service_due <= now:

@@ -41,7 +41,7 @@ def start_display(size, log):
 
 
 class Run:
-    def __init__(self, build, folder, tiles, seed, full_rate=True):
+    def __init__(self, build, folder, tiles, seed, full_rate=True, clock_jumps=True):
         self.build, self.folder, self.count, self.seed = build, folder, tiles, seed
         self.screen = SCREEN
         self.lan_roster = None
@@ -51,8 +51,7 @@ class Run:
         self.expected_end = False
         self.number = 0
         self.last_row = 0.0
-        # After these a child says nothing.
-        self.wordless = set(outside.ENDS)
+        self.session_is_lost = False
         os.makedirs(folder)
         self.steps_file = open(os.path.join(folder, "steps.log"), "w", buffering=1)
         self.table_file = open(os.path.join(folder, "table.md"), "w", buffering=1)
@@ -61,7 +60,7 @@ class Run:
         self.server, self.manager, self.display = start_display(SCREEN, self.x_log)
         self.hands = Hands(self.display)
         self.clock_file = None
-        if faketime_library():
+        if clock_jumps and faketime_library():
             self.clock_file = os.path.join(folder, "clock")
             outside.set_clock(self, 0)
         self.client = Client(folder, build, self.display, self.clock_file)
@@ -97,6 +96,9 @@ class Run:
         user.press(self, window, "addLayoutButton")
         processes.wait_until(lambda: self.client.find("VideoPlaceholder"), 20)
         time.sleep(1)
+        side = math.ceil(math.sqrt(self.count))
+        user.choose_grid(self, window, side, side)
+        processes.wait_until(lambda: len(self.client.find("VideoPlaceholder")) == side * side, 10)
         # The name of a server is dragged with all its cameras.
         places = sorted((each["place"] for each in self.client.find("ServerWidget")),
                         key=lambda each: each[1])
@@ -108,8 +110,6 @@ class Run:
             time.sleep(0.5)
         if not processes.wait_until(lambda: len(self.client.tiles()) >= self.count, 30):
             raise Failure(f"{len(self.client.tiles())} tiles from dropped servers of {self.count}")
-        side = math.ceil(math.sqrt(self.count))
-        user.choose_grid(self, window, side, side)
         self.name_wall()
 
     def name_wall(self):
@@ -129,6 +129,7 @@ class Run:
         except TimeoutError:
             raise Failure("no program came in the place of the one that was left")
         self.expected_end = False
+        self.session_is_lost = False  # it signs in by itself
         self.say(f"process {old} left, {self.client.pid} came")
         self.watch.new_client()
         self.wait_for_window()
@@ -159,7 +160,10 @@ class Run:
         if button:
             self.hands.click(*middle(button))
         self.watch.disturb()
-        return bool(processes.wait_until(lambda: self.client.main_windows(), 10, 0.3))
+        if not processes.wait_until(lambda: self.client.main_windows(), 10, 0.3):
+            return False
+        self.session_is_lost = False
+        return True
 
     # Questions.
 
@@ -231,6 +235,9 @@ class Run:
         outside.mend(self)
         self.tidy_screen(dice)
         self.wait_for_window()
+        if self.session_is_lost and not processes.wait_until(
+                lambda: user.sign_out_and_in(self, dice) == "signed out and in", 60, 1):
+            raise Failure("no way to sign in again")
         for _ in range(5):
             if len(self.client.main_windows()) < 2:
                 break

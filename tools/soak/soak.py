@@ -20,6 +20,8 @@ def read_arguments():
     parser.add_argument("--seed", type=int, default=None)
     parser.add_argument("--build", required=True, help=argparse.SUPPRESS)
     parser.add_argument("--keep", default=None, help="where the records of the run are kept")
+    parser.add_argument("--no-clock", action="store_true",
+                        help="the client's clock doesn't jump")
     parser.add_argument("--test-clips", action="store_true", help=argparse.SUPPRESS)
     return parser.parse_args()
 
@@ -43,7 +45,8 @@ def main():
           flush=True)
     run, failure = None, None
     try:
-        run = Run(options.build, folder, options.tiles, seed, not options.test_clips)
+        run = Run(options.build, folder, options.tiles, seed, not options.test_clips,
+                  not options.no_clock)
         run.start()
         run.drive(options.minutes * 60)
         judge_growth(run.watch)

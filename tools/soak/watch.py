@@ -79,9 +79,9 @@ class Watch:
     def hold_disturbances(self):
         if not self.world.is_up():
             self.disturb()
-        if self.heartbeat.last_hold:
-            self.heartbeat.last_hold = None
+        if self.heartbeat.was_held():
             self.disturb()
+            self.strays.clear()
         for fault in self.world.faults.values():
             whole = fault.get("listener") in ("api", "streaming") or not fault["hits"]
             self.disturb(None if whole else fault["hits"])

@@ -10,6 +10,7 @@ import time
 import processes
 
 READY_SECONDS = 300  # the first start on a machine draws and encodes its clips
+CONTROL_SECONDS = 600  # more than the machine may hold everything up
 ARCHIVE_DAYS = 4
 LAN_CAMERAS = 3     # of the one LAN server that the demo makes
 MADE_UP_EVERY = 4   # the archive of every fourth camera has gaps
@@ -24,9 +25,8 @@ class World:
         self.options = ["--data", os.path.join(folder, "service"),
                         "--seed", str(seed), "--plain", "--servers", "1",
                         "--cameras", str(max(1, cameras - LAN_CAMERAS)), "--lan-servers", "1"]
-        clips = os.environ.get("ZORVANE_CLIP_CACHE")
-        if clips:
-            self.options += ["--clips", clips]
+        self.options += ["--clips", os.environ.get("ZORVANE_CLIP_CACHE")
+                         or os.path.join(programs, "../demo-clips")]
         if not full_rate:
             self.options += ["--test-clips"]
         self.process = None
@@ -95,7 +95,7 @@ class World:
         processes.end(self.process)
 
     def control(self, method, path, body=None):
-        connection = http.client.HTTPConnection("127.0.0.1", self.ready["control"], timeout=20)
+        connection = http.client.HTTPConnection("127.0.0.1", self.ready["control"], timeout=CONTROL_SECONDS)
         try:
             connection.request(method, path, json.dumps(body) if body is not None else None,
                                {"Content-Type": "application/json"})
