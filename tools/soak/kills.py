@@ -31,6 +31,7 @@ from world import World
 CAMERAS = 7
 WALL_SIDE = 2
 FINAL_CHECK_EVERY = 25
+QUIET_LOOKS = 15  # a program that starts anew is between two processes for a moment
 LAYOUT_KEYS = {"id", "name", "rows", "columns", "cameras"}
 FRAME_FILES = "zorvane-player-"
 
@@ -77,7 +78,7 @@ class Session(threading.Thread):
     def saves(self, dice):
         window = self.client.main_windows()[0]
         user.show_page(self, window, "layoutsButton")
-        while True:
+        while not self.kills_done:
             user.press(self, window, "addLayoutButton")
             time.sleep(0.1)
             field = self.client.first("", "layoutNameEdit", window["window"])
@@ -103,7 +104,7 @@ class Session(threading.Thread):
             return
         left, top, width, _ = strip["place"]
         self.hands.click(left + width // 3, top + 30)
-        while True:
+        while not self.kills_done:
             for name in ("exportModeButton", "exportButton", "cancelButton"):
                 user.press(self, window, name)
                 time.sleep(dice.uniform(0.05, 0.4))
@@ -142,6 +143,7 @@ class Session(threading.Thread):
             fuse.join()
         except (OSError, ValueError, IndexError, StopIteration, TypeError):
             fuse.join()  # killed on the way
+        self.kill()
         self.client.process.wait()
         self.shared.count(scene.__name__ if scene else "start")
         self.check_files(before)
@@ -150,7 +152,7 @@ class Session(threading.Thread):
         """All that runs as the client here, also one that is just coming in its place."""
         run = os.path.realpath(self.client.run_folder)
         quiet = 0
-        while quiet < 3:
+        while quiet < QUIET_LOOKS:
             found = [pid for pid, one in processes.everyone().items()
                      if one["name"].startswith("ZorvaneClient") and one["state"] != "Z"
                      and processes.folder_of(pid) == run]
@@ -224,6 +226,7 @@ class Session(threading.Thread):
             self.check_left_overs()
         except Exception:
             self.failure = traceback.format_exc()
+            print(f"session {self.number}: {self.failure}", flush=True)
             self.shared.fail()
 
     def stop(self):

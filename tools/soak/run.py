@@ -22,6 +22,7 @@ CALM_SECONDS = 80     # longer than a healthy tile may be without a new picture
 PROGRAM_STARTS_APART = 1500  # growth is judged within the life of one process
 EMAIL, PASSWORD = "demo@zorvane.example", "demo"
 WALL = "A wall"
+SERVERS = 2  # of the roster: one of the service, one in the LAN
 
 
 def start_display(size, log):
@@ -99,18 +100,31 @@ class Run:
         side = math.ceil(math.sqrt(self.count))
         user.choose_grid(self, window, side, side)
         processes.wait_until(lambda: len(self.client.find("VideoPlaceholder")) == side * side, 10)
-        # The name of a server is dragged with all its cameras.
-        places = sorted((each["place"] for each in self.client.find("ServerWidget")),
-                        key=lambda each: each[1])
-        for place in places:
-            bar = min((each for each in self.client.find("", "controlBar")
-                       if user.inside(each, {"place": place})), key=lambda each: each["place"][1])
-            cell = self.client.first("VideoPlaceholder")
-            self.hands.drag(middle(bar), middle(cell))
-            time.sleep(0.5)
+        # The name of a server is dragged with all its cameras, and the server then folded, so
+        # that the next one is in sight.
+        for place in range(SERVERS):
+            self.hands.drag(middle(self.server_bars()[place]),
+                            middle(self.client.first("VideoPlaceholder")))
+            time.sleep(1)
+            self.fold_server(place)
+        for place in range(SERVERS):
+            self.fold_server(place)
         if not processes.wait_until(lambda: len(self.client.tiles()) >= self.count, 30):
             raise Failure(f"{len(self.client.tiles())} tiles from dropped servers of {self.count}")
         self.name_wall()
+
+    def server_bars(self):
+        bars = [each for each in self.client.find("", "controlBar")
+                if any(user.inside(each, server) for server in self.client.find("ServerWidget"))]
+        return sorted(bars, key=lambda each: each["place"][1])
+
+    def fold_server(self, place):
+        """Or unfold it."""
+        bar = self.server_bars()[place]
+        button = next(each for each in self.client.find("", "expandButton")
+                      if user.inside(each, bar))
+        self.hands.click(*middle(button))
+        time.sleep(0.5)
 
     def name_wall(self):
         if not user.save_as(self, random.Random(0), WALL):
