@@ -135,7 +135,9 @@ class Session(threading.Thread):
             processes.wait_until(lambda: self.client.main_windows()
                                  and self.client.find(user.CARDS), 60, 0.05)
         self.kills_done = False
-        fuse = threading.Timer(dice.uniform(0.02, 0.8 if scene is None else 3.0), self.kill)
+        # An export is reached after some seconds only.
+        shortest, longest = {None: (0.02, 0.8), self.export: (2, 9)}.get(scene, (0.02, 3))
+        fuse = threading.Timer(dice.uniform(shortest, longest), self.kill)
         fuse.start()
         try:
             if scene and self.client.main_windows():
