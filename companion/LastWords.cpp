@@ -72,7 +72,9 @@ void LastWords::sayAtCrash()
     struct sigaction action = {};
     action.sa_handler = onCrash;
     action.sa_flags = SA_ONSTACK;
-    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
+    // Faults of its own, and what ends a process from outside; only SIGKILL leaves no word.
+    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS, SIGTERM,
+                             SIGHUP, SIGINT, SIGQUIT, SIGXCPU}) {
         struct sigaction present = {};
         if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_DFL)
             sigaction(signal, &action, nullptr);

@@ -272,6 +272,9 @@ private slots:
         QVERIFY(judge(State::Error, true, 3, 99) == Verdict::Wait);
         QVERIFY(judge(State::Error, true, 4, 99) == Verdict::Reload);
         QVERIFY(judge(State::Error, false, 99, 11, 2) == Verdict::Reload);
+        // After the wall clock was set back.
+        QVERIFY(judge(State::Playing, false, -3600, -3600) == Verdict::Reload);
+        QVERIFY(judge(State::Error, true, -4, -10) == Verdict::Wait);
         QVERIFY(judge(State::Error, true, 0, 0, 3) == Verdict::GiveUp);
         QVERIFY(judge(State::Playing, false, 0, 0, 4) == Verdict::GiveUp);
     }
