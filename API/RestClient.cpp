@@ -2,6 +2,7 @@
 #include "API/RestClient.h"
 
 #include "API/RequestUrl.h"
+#include "API/ServiceLink.h"
 #include "App/ServiceProfile.h"
 
 namespace ZorvaneClient {
@@ -25,7 +26,10 @@ RestClient::RestClient()
            true)
 {
     connect(&http, &HTTPClient::finished, this, &RestClient::httpReply);
-    connect(&http, &HTTPClient::error, this, &RestClient::error);
+    connect(&http, &HTTPClient::error, this, [this](int errorCode, int httpStatus) {
+        ServiceLink::instance().setAnswered(false);
+        emit error(errorCode, httpStatus);
+    });
 }
 
 void RestClient::request(QString command, QVariantMap params, QNetworkAccessManager::Operation op)
@@ -68,6 +72,7 @@ void RestClient::httpReply(QVariant response)
 {
     const QVariantMap map = response.toMap();
     const auto success = map.constFind(QStringLiteral("success"));
+    ServiceLink::instance().setAnswered(success != map.constEnd());
     if (success == map.constEnd()) {
         fail(badEnvelopeError, badEnvelopeStatus);
         return;

@@ -12,12 +12,15 @@
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
+#include "App/Environment.h"
 #include "App/Language.h"
 #include "App/Log.h"
 #include "App/ScreenChoice.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
 #include "App/SettingsKeys.h"
+#include "GUI/HouseStyle.h"
+#include "GUI/HoverSync.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 #include "GUI/Player/FrameFile.h"
@@ -26,8 +29,6 @@ namespace ZorvaneClient {
 namespace App {
 
 namespace {
-
-constexpr int cascadeOffsetPixels = 30;
 
 void addFonts()
 {
@@ -63,6 +64,7 @@ Application::Application(HighDensity, int &argc, char **argv) : QApplication(arg
 {
     setApplicationName(QStringLiteral("Zorvane Client"));
     setApplicationVersion(QStringLiteral(ZORVANE_VERSION));
+    GUI::useHouseStyle(this);
     loadLanguage(language());
     addFonts();
     makeFolders();
@@ -70,6 +72,7 @@ Application::Application(HighDensity, int &argc, char **argv) : QApplication(arg
     GUI::Player::Internal::FrameFile::removeLeftOvers();
     ServiceProfile::setCurrent(ServiceProfile::fromFile(QStringLiteral("service.ini")));
     setWindowIcon(QIcon(QStringLiteral("://icons/zorvane-client.png")));
+    new GUI::HoverSync(this);
 }
 
 Application::~Application()
@@ -184,8 +187,9 @@ void Application::placeMainWindow(GUI::MainWindow *mainWindow)
         if (!geometry.isEmpty())
             mainWindow->restoreGeometry(geometry);
     } else if (const auto *source = qobject_cast<GUI::MainWindow *>(sender())) {
-        mainWindow->setGeometry(
-            source->geometry().translated(cascadeOffsetPixels, cascadeOffsetPixels));
+        mainWindow->setGeometry(cascaded(source->geometry(),
+                                         source->isMaximized() || source->isFullScreen(),
+                                         source->screen()->availableGeometry()));
     }
 
     QList<QRect> windows;
@@ -229,6 +233,9 @@ void Application::loginSuccessful()
     loginDialog = nullptr;
     API::CloudAPIClient::clearRoster();
     createMainWindow();
+    const QString kioskLayout = Environment::kioskLayout();
+    if (!kioskLayout.isEmpty())
+        mainWindows.last()->enterKiosk(kioskLayout);
 }
 
 void Application::setSoundVolume(int volume)

@@ -9,8 +9,8 @@
 namespace ZorvaneClient {
 namespace App {
 
-/// What the program takes from the world around it and a caller may replace: the wall clock
-/// and the place of the companion player. GUI thread only.
+/// What the program takes from the world around it. The wall clock and the place of the
+/// companion player can be replaced by a caller. GUI thread only.
 class Environment
 {
 public:
@@ -23,6 +23,10 @@ public:
     static QString playerProgram();
     /// Replaces the path; an empty path puts the default back.
     static void setPlayerProgram(const QString &path);
+
+    /// Name of the layout that the first window shows alone on the whole screen, as the
+    /// variable ZORVANE_KIOSK says; empty in all other cases.
+    static QString kioskLayout();
 };
 
 } // namespace App

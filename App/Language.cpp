@@ -14,8 +14,7 @@ namespace {
 
 constexpr int languageCodeLength = 2;
 
-struct Catalogue
-{
+struct Catalogue {
     const char *pattern;
     QTranslator *translator;
 };
@@ -29,6 +28,14 @@ void loadTranslator(QTranslator *translator, const QString &pattern, const QStri
 }
 
 } // namespace
+
+QLocale localeFor(const QString &code, const QLocale &system)
+{
+    const QLocale::Language language = QLocale(code).language();
+    // A system without a language of its own speaks English.
+    const bool isPlain = system.language() == QLocale::C && language == QLocale::English;
+    return isPlain ? system : QLocale(language, system.country());
+}
 
 void loadLanguage(const QString &language)
 {
@@ -44,6 +51,7 @@ void loadLanguage(const QString &language)
     if (code == loadedCode)
         return;
     qDebug() << "Loading language:" << code;
+    QLocale::setDefault(localeFor(code, QLocale::system()));
     for (Catalogue &catalogue : catalogues) {
         if (!catalogue.translator)
             catalogue.translator = new QTranslator;

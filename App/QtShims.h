@@ -33,4 +33,15 @@ QPointF localPosition(const MouseEvent &event)
 #endif
 }
 
+/// Where a QMouseEvent happened, on the desktop.
+template <typename MouseEvent>
+QPointF globalPosition(const MouseEvent &event)
+{
+#if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
+    return event.globalPosition();
+#else
+    return event.screenPos();
+#endif
+}
+
 } // namespace ZorvaneClient

@@ -8,6 +8,8 @@ namespace App {
 
 namespace {
 
+constexpr int cascadeOffsetPixels = 30;
+
 int screenOf(const QRect &window, const QList<QRect> &screens)
 {
     int found = noScreen;
@@ -37,6 +39,12 @@ int freeScreen(const QList<QRect> &windows, const QList<QRect> &screens)
             return number;
     }
     return noScreen;
+}
+
+QRect cascaded(const QRect &source, bool fillsScreen, const QRect &freeArea)
+{
+    const QRect moved = source.translated(cascadeOffsetPixels, cascadeOffsetPixels);
+    return fillsScreen ? moved.intersected(freeArea) : moved;
 }
 
 } // namespace App

@@ -14,5 +14,9 @@ constexpr int noScreen = -1;
 /// A desktop of a single screen has none to choose. All rectangles in desktop coordinates.
 int freeScreen(const QList<QRect> &windows, const QList<QRect> &screens);
 
+/// Where a window opens that another one, at `source`, asked for: a little right and down of it.
+/// Beside one that fills its screen only what is left of the screen's free area is taken.
+QRect cascaded(const QRect &source, bool fillsScreen, const QRect &freeArea);
+
 } // namespace App
 } // namespace ZorvaneClient

@@ -23,11 +23,14 @@ constexpr char proxyPort[] = "proxy/port"; // int
 constexpr char proxyUserName[] = "proxy/username";
 constexpr char proxyPassword[] = "proxy/password"; // in clear text
 
-constexpr char geometry[] = "mainWindow/geometry"; // bytes of QWidget::saveGeometry()
-constexpr char openTab[] = "mainWindow/openTab";   // "Cameras" or "Layouts"
+constexpr char geometry[] = "mainWindow/geometry";         // bytes of QWidget::saveGeometry()
+constexpr char openTab[] = "mainWindow/openTab";           // "Cameras" or "Layouts"
+constexpr char namesOnTiles[] = "mainWindow/namesOnTiles"; // bool
 
 constexpr char volume[] = "sound/volume"; // int, default 50
 constexpr char soundOn[] = "sound/on";    // bool, default true
+
+constexpr char tourInterval[] = "tour/intervalSeconds"; // int, default 30
 
 /// int: degrees.
 inline QString cameraRotation(const QString &serverId, int cameraId)

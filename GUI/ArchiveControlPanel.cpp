@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QDateEdit>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 
@@ -27,6 +28,8 @@ public:
 
     bool eventFilter(QObject *object, QEvent *event) override
     {
+        if (object == dateEdit)
+            return event->type() == QEvent::KeyPress && opensByKey(event);
         switch (event->type()) {
         case QEvent::MouseButtonPress:
             pressArrow();
@@ -40,6 +43,15 @@ public:
     }
 
 private:
+    bool opensByKey(QEvent *event)
+    {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        const bool opens = key == Qt::Key_Return || key == Qt::Key_Enter;
+        if (opens)
+            pressArrow();
+        return opens;
+    }
+
     void pressArrow()
     {
         const QPoint arrow(dateEdit->width() - 1, dateEdit->height() - 1);
@@ -80,7 +92,9 @@ void ArchiveControlPanel::setUpDateEdit()
     ui->dateEdit->setDate(App::Environment::now().date());
 
     auto *text = ui->dateEdit->findChild<QLineEdit *>(QStringLiteral("qt_spinbox_lineedit"));
-    text->installEventFilter(new DateTextFilter(ui->dateEdit));
+    auto *filter = new DateTextFilter(ui->dateEdit);
+    text->installEventFilter(filter);
+    ui->dateEdit->installEventFilter(filter);
     text->setCursor(Qt::PointingHandCursor);
 }
 

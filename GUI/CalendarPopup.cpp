@@ -81,6 +81,7 @@ void CalendarPopup::arrange()
         rows->setSpacing(0);
     }
     if (auto *days = findChild<QTableView *>(QStringLiteral("qt_calendar_calendarview"))) {
+        days->viewport()->setCursor(Qt::PointingHandCursor);
         constexpr int weekdays = 7;
         constexpr int rowsWithHeading = 7;
         fixSections(days->horizontalHeader(), weekdays, cellWidth);

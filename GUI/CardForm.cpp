@@ -13,6 +13,8 @@ namespace GUI {
 
 namespace {
 
+/// As wide as the edge of a chosen tab.
+constexpr int openMarkPixels = 3;
 const QString stateOnIcon = QStringLiteral(":/roster/icons/rosterCardOn.png");
 const QString stateOffIcon = QStringLiteral(":/roster/icons/rosterCardOff.png");
 
@@ -44,11 +46,16 @@ QPixmap scaledImage(const QPixmap &image, int kind, const QSize &size)
 
 } // namespace
 
-CardForm::CardForm(QFrame *card, int cardKind) : ui(new Ui::Preview), kind(cardKind)
+CardForm::CardForm(QFrame *card, int cardKind)
+    : ui(new Ui::Preview), openMark(new QFrame(card)), kind(cardKind)
 {
     const bool isSeen = card->isVisible();
     ui->setupUi(card);
     ui->spinnerWidget->setColor(Colours::accent());
+    openMark->setObjectName(QStringLiteral("openMark"));
+    openMark->setGeometry(0, 0, openMarkPixels, card->height());
+    openMark->raise();
+    openMark->setVisible(false);
     nameIconButton(ui->previewMenu, SharedTexts::options());
     if (!isSeen)
         return;
@@ -81,6 +88,7 @@ void CardForm::show(const CardLook &look)
     } else {
         ui->spinnerWidget->stop();
     }
+    openMark->setVisible(look.isOpen);
     shown = look;
 }
 

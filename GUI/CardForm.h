@@ -35,6 +35,7 @@ private:
     void showPicture(const CardLook &look);
 
     QScopedPointer<Ui::Preview> ui;
+    QFrame *openMark; ///< over the left edge of the card
     int kind;
     CardLook shown;
     QSize shownSize{-1, -1}; ///< of the image's place when it was last scaled

@@ -23,6 +23,8 @@ struct CardLook {
     QString icon;
     /// The spinner turns until there is an image.
     bool isWaiting = false;
+    /// What the card stands for is open in the card's window.
+    bool isOpen = false;
 };
 
 } // namespace GUI

@@ -6,6 +6,8 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
+#include "GUI/BubbleMask.h"
+
 namespace {
 
 // The bottom margin leaves room for the pointer.
@@ -59,6 +61,7 @@ void CloudToolTip::showTip(QString text, QPoint target, QWidget *parent)
     currentTip->move(target.x() - (size.width() - 1) / 2 + pointerShiftPixels,
                      target.y() + 1 - size.height());
     currentTip->show();
+    ZorvaneClient::GUI::cutToPainting(currentTip);
 }
 
 void CloudToolTip::hideTip()

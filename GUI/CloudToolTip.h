@@ -5,8 +5,8 @@
 #include <QString>
 #include <QWidget>
 
-/// A white bubble with a pointer at its lower edge. At most one is on the screen. That it and
-/// the tipped pictures stand outside the namespaces is part of the contract.
+/// A white bubble with a pointer at its lower edge. At most one is on the screen. It and
+/// the tipped pictures stand outside the namespaces, as the forms name them.
 class CloudToolTip : public QWidget
 {
     Q_OBJECT

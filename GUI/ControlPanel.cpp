@@ -3,8 +3,10 @@
 
 #include <QGraphicsOpacityEffect>
 #include <QMenu>
+#include <QMouseEvent>
 
 #include "App/Environment.h"
+#include "GUI/MomentField.h"
 #include "GUI/QualityItem.h"
 #include "GUI/StyleSheet.h"
 #include "ui_ControlPanel.h"
@@ -15,6 +17,7 @@ namespace GUI {
 namespace {
 
 constexpr int exportSpinnerLineWidth = 2;
+constexpr int sliderRoomPixels = 84; ///< an unfolded slider and the gap beside it
 constexpr qreal enabledOpacity = 1.0;
 constexpr qreal disabledOpacity = 0.5;
 
@@ -28,8 +31,12 @@ int speedOf(int sliderValue)
 ControlPanel::ControlPanel(QWidget *parent) : QStackedWidget(parent), ui(new Ui::ControlPanel)
 {
     ui->setupUi(this);
+    QSizePolicy policy = ui->speedLabel->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    ui->speedLabel->setSizePolicy(policy);
     ui->speedSelector->installEventFilter(this);
-    ui->speedSelector->hide();
+    ui->timeLabel->installEventFilter(this);
+    setShown(ui->speedSelector, false);
     setUpSound();
     setStyleProperty(ui->speedButton, "acc", QStringLiteral("no"));
     hideSpeedSlider();
@@ -86,6 +93,7 @@ int ControlPanel::speed() const
 
 void ControlPanel::setTime(QDateTime dateTime)
 {
+    shownTime = dateTime;
     ui->timeLabel->setText(dateTime.time().toString(QStringLiteral("hh:mm:ss")));
     ui->dateLabel->setText(dateTime.date().toString(QStringLiteral("dd/MM")));
 }
@@ -101,10 +109,28 @@ void ControlPanel::resetQuality()
     startQuality->choose();
 }
 
+void ControlPanel::setShown(QWidget *part, bool shown)
+{
+    const auto willShow = [part, shown](const QWidget *widget) {
+        return widget == part ? shown : !widget->isHidden();
+    };
+    bool isTaken = false;
+    for (const QWidget *slider : {ui->speedSlider, ui->soundSlider})
+        isTaken = isTaken || (willShow(slider) && willShow(slider->parentWidget()));
+    // Before and at once: a bar that is too wide but for a moment makes the window wider for good.
+    ui->sliderRoom->changeSize(isTaken ? 0 : sliderRoomPixels, 0, QSizePolicy::Fixed,
+                               QSizePolicy::Minimum);
+    ui->hl_bar->update();
+    part->setVisible(shown);
+    for (QWidget *round = part->parentWidget(); round != ui->controlPage;
+         round = round->parentWidget())
+        round->layout()->activate();
+}
+
 void ControlPanel::showSpeedSlider()
 {
     ui->speedLabel->show();
-    ui->speedSlider->show();
+    setShown(ui->speedSlider, true);
 }
 
 void ControlPanel::hideSpeedSlider()
@@ -112,7 +138,7 @@ void ControlPanel::hideSpeedSlider()
     // A speed above 1x stays readable.
     if (ui->speedSlider->value() == ui->speedSlider->minimum())
         ui->speedLabel->hide();
-    ui->speedSlider->hide();
+    setShown(ui->speedSlider, false);
 }
 
 void ControlPanel::setExportMode()
@@ -135,13 +161,37 @@ void ControlPanel::setEmptyMode(bool active)
 void ControlPanel::showRecordsControls()
 {
     ui->modeSelector->setCurrentWidget(ui->exportModePage);
-    ui->speedSelector->show();
+    setShown(ui->speedSelector, true);
+    setTimeClickable(true);
 }
 
 void ControlPanel::hideRecordsControls()
 {
     ui->modeSelector->setCurrentWidget(ui->recordsModePage);
-    ui->speedSelector->hide();
+    setShown(ui->speedSelector, false);
+    setTimeClickable(false);
+}
+
+void ControlPanel::setTimeClickable(bool clickable)
+{
+    if (clickable)
+        ui->timeLabel->setCursor(Qt::PointingHandCursor);
+    else
+        ui->timeLabel->unsetCursor();
+    ui->timeLabel->setToolTip(clickable ? tr("Go to a moment") : QString());
+}
+
+void ControlPanel::onTimeReleased(const QMouseEvent &event)
+{
+    const bool isInRecords = ui->modeSelector->currentWidget() == ui->exportModePage;
+    if (!isInRecords || event.button() != Qt::LeftButton ||
+        !ui->timeLabel->rect().contains(event.pos()))
+        return;
+    auto *field = new MomentField(shownTime, this);
+    connect(field, &MomentField::chosen, this, &ControlPanel::momentChosen);
+    const QPoint corner(ui->timeLabel->mapToGlobal(QPoint()).x(),
+                        ui->controlBar->mapToGlobal(QPoint()).y());
+    field->showOver(QRect(corner, ui->controlBar->size()));
 }
 
 void ControlPanel::showLiveLabel()
@@ -210,6 +260,8 @@ void ControlPanel::on_speedButton_clicked()
 
 bool ControlPanel::eventFilter(QObject *object, QEvent *event)
 {
+    if (object == ui->timeLabel && event->type() == QEvent::MouseButtonRelease)
+        onTimeReleased(static_cast<const QMouseEvent &>(*event));
     const bool isEntered = event->type() == QEvent::Enter || event->type() == QEvent::HoverEnter;
     const bool isLeft = event->type() == QEvent::Leave || event->type() == QEvent::HoverLeave;
     const bool isSpeed = object == ui->speedSelector;

@@ -5,6 +5,7 @@
 #include <QScopedPointer>
 #include <QStackedWidget>
 
+class QMouseEvent;
 class QWidgetAction;
 
 namespace Ui {
@@ -36,6 +37,14 @@ public:
     void resetSpeed();
     /// Checks "Auto" in the menu; emits nothing.
     void resetQuality();
+
+    // For keys: as a click on the buttons, if they are there.
+
+    void pressPause();
+    void pressRecords();
+    void pressSound();
+    /// To the next speeds, faster or slower, as far as there are any.
+    void stepSpeed(int steps);
 
 public slots:
     void showSpeedSlider();
@@ -76,6 +85,8 @@ signals:
     void soundVolumeChanged(int volume);
     void soundEnabled(bool enable);
     void speedChanged(int speed);
+    /// The user wrote where in the past to go to.
+    void momentChosen(QDateTime moment);
 
 protected:
     bool eventFilter(QObject *object, QEvent *event) override;
@@ -90,12 +101,19 @@ private slots:
 
 private:
     void setUpSound();
+    /// A slider, or what holds one. One room in the bar is for whichever slider is unfolded, so
+    /// that no button moves away from the pointer.
+    void setShown(QWidget *part, bool shown);
     void createQualityMenu();
     void connectButtons();
+    void setTimeClickable(bool clickable);
+    /// A click on the time in records opens the field for a moment.
+    void onTimeReleased(const QMouseEvent &event);
 
     QScopedPointer<Ui::ControlPanel> ui;
     /// Checked at the start, and again by resetQuality().
     QualityItem *startQuality = nullptr;
+    QDateTime shownTime;
 };
 
 } // namespace GUI

@@ -38,7 +38,7 @@ void ControlPanel::setUpSound()
     const bool soundOn = App::settings().value(App::SettingsKey::soundOn, true).toBool();
     setSoundVolume(storedVolume);
     enableSound(soundOn);
-    ui->soundSlider->hide();
+    setShown(ui->soundSlider, false);
 }
 
 int ControlPanel::volume() const
@@ -67,12 +67,12 @@ void ControlPanel::enableSound(bool enable)
 
 void ControlPanel::showSoundSlider()
 {
-    ui->soundSlider->show();
+    setShown(ui->soundSlider, true);
 }
 
 void ControlPanel::hideSoundSlider()
 {
-    ui->soundSlider->hide();
+    setShown(ui->soundSlider, false);
 }
 
 void ControlPanel::on_soundSlider_valueChanged(int value)

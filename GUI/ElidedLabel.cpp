@@ -11,6 +11,7 @@
 #include <algorithm>
 
 #include "GUI/Colours.h"
+#include "GUI/IconButton.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -75,10 +76,7 @@ bool ElidedLabel::fits() const
 bool ElidedLabel::event(QEvent *event)
 {
     if (event->type() == QEvent::ToolTip && !fits()) {
-        // As rich text a name would be read for tags, so it goes in escaped.
-        const auto *help = static_cast<QHelpEvent *>(event);
-        QToolTip::showText(help->globalPos(),
-                           QStringLiteral("<p>%1</p>").arg(text().toHtmlEscaped()), this);
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), nameTip(text()), this);
         return true;
     }
     return QLabel::event(event);
@@ -92,9 +90,11 @@ void ElidedLabel::paintEvent(QPaintEvent *)
     const QString whole = fits() ? text() : text().simplified();
     const QString shown = fontMetrics().elidedText(whole, Qt::ElideRight, area.width());
     QTextLayout layout(shown, font(), this);
-    QTextOption option(QStyle::visualAlignment(layoutDirection(), alignment()));
+    // Text that is written from the right begins there, as in any other label.
+    const Qt::LayoutDirection direction = shown.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight;
+    QTextOption option(QStyle::visualAlignment(direction, alignment()));
     option.setWrapMode(QTextOption::NoWrap);
-    option.setTextDirection(shown.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    option.setTextDirection(direction);
     layout.setTextOption(option);
     layout.beginLayout();
     QTextLine line = layout.createLine();

@@ -30,15 +30,20 @@ void ExportFlow::start()
         return;
     }
     // The button stays until the player has begun to write.
-    if (tile && tile->isExporting())
+    if (isWriting())
         return;
     panels.strip->setSelectionEditable(false);
     tile = panels.grid->player(camera);
     panels.grid->exportArchive(camera, panels.strip->selectionStart(),
                                panels.strip->selectionEnd());
     // Where nothing of this camera is recorded its tile exports nothing.
-    if (tile && tile->isExporting())
+    if (isWriting())
         state = State::Exporting;
+}
+
+bool ExportFlow::isWriting() const
+{
+    return tile && tile->isExporting();
 }
 
 void ExportFlow::showStarted()
@@ -69,7 +74,8 @@ void ExportFlow::end()
 
 void ExportFlow::unmark()
 {
-    if (state == State::Marking)
+    // One whose player has died shows how far it came, but holds nothing up.
+    if (state == State::Marking || (state == State::Exporting && !isWriting()))
         end();
 }
 

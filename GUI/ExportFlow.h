@@ -47,11 +47,14 @@ public:
     void unmark();
     /// Tiles have been closed, perhaps the exporting one.
     void tilesClosed();
+    bool isIdle() const { return state == State::None; }
     /// Shows the page of controls that there is use for: none without a camera.
     void showControls();
 
 private:
     enum class State { None, Marking, Exporting };
+
+    bool isWriting() const;
 
     Panels panels;
     State state = State::None;

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QRect>
 #include <QSize>
+#include <QVector>
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -19,6 +21,13 @@ inline bool operator==(const GridSize &a, const GridSize &b)
 {
     return a.rows == b.rows && a.columns == b.columns;
 }
+
+/// Ways through a grid.
+enum class Direction { Left, Right, Up, Down };
+
+/// The place of the area that lies next to `from` on that side, or -1: of those beyond its edge
+/// the nearest, and one that lies beside it before any that is shifted past its corner.
+int neighbour(const QVector<QRect> &areas, const QRect &from, Direction side);
 
 /// The API::StreamQuality of a tile: the larger its share of the grid, the better. Spans are at
 /// least 1.

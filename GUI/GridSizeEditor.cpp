@@ -3,7 +3,9 @@
 
 #include <QMouseEvent>
 #include <QPainter>
+#include <QToolTip>
 
+#include "GUI/BubbleMask.h"
 #include "GUI/Colours.h"
 
 namespace ZorvaneClient {
@@ -18,10 +20,20 @@ constexpr int cellStepX = 14;
 constexpr int cellStepY = 12;
 constexpr qreal cellWidth = 12;
 constexpr qreal cellHeight = 10;
+/// A tool tip stands lower than it is told, clear of a pointer.
+constexpr int tipRisePixels = 12;
 constexpr qreal popupRadius = 4.0;
 constexpr qreal cellRadius = 2.0;
 
 const QColor currentColour(129, 134, 144);
+
+/// Columns first, as screens are measured; empty for no size.
+QString sizeText(const GridSize &size)
+{
+    if (size.rows <= 0 || size.columns <= 0)
+        return QString();
+    return QStringLiteral("%1 × %2").arg(size.columns).arg(size.rows);
+}
 
 } // namespace
 
@@ -33,6 +45,8 @@ GridSizeEditor::GridSizeEditor(QWidget *parent) : QWidget(parent, Qt::Popup)
     setMouseTracking(true);
     setFocus();
     resize(popupSize);
+    cutToPainting(this);
+    setCursor(Qt::PointingHandCursor);
 }
 
 void GridSizeEditor::setCurrentSize(int rows, int columns)
@@ -82,6 +96,9 @@ void GridSizeEditor::mouseMoveEvent(QMouseEvent *event)
         return;
     hovered = under;
     update();
+    // Below the matrix, which has no room for words.
+    const QPoint below = rect().bottomLeft() - QPoint(0, tipRisePixels);
+    QToolTip::showText(mapToGlobal(below), sizeText(hovered), this);
 }
 
 void GridSizeEditor::mousePressEvent(QMouseEvent *)

@@ -8,8 +8,8 @@
 namespace ZorvaneClient {
 namespace GUI {
 
-/// The popup in which the mouse picks a grid's size across a matrix of little cells.
-/// Deletes itself when it closes.
+/// The popup in which the mouse picks a grid's size across a matrix of little cells; a tool tip
+/// says the size under it. Deletes itself when it closes.
 class GridSizeEditor : public QWidget
 {
     Q_OBJECT

@@ -10,12 +10,16 @@
 namespace ZorvaneClient {
 namespace GUI {
 
+QString nameTip(const QString &name)
+{
+    // Names that people give would be read for tags.
+    return name.isEmpty() ? name : QStringLiteral("<span>%1</span>").arg(name.toHtmlEscaped());
+}
+
 void nameIconButton(QAbstractButton *button, const QString &name)
 {
     button->setAccessibleName(name);
-    // Names that people give would be read for tags.
-    const QString tip = QStringLiteral("<span>%1</span>").arg(name.toHtmlEscaped());
-    button->setToolTip(name.isEmpty() ? name : tip);
+    button->setToolTip(nameTip(name));
 }
 
 void showTextButtons(const QDialog &dialog)

@@ -8,6 +8,9 @@ class QString;
 namespace ZorvaneClient {
 namespace GUI {
 
+/// A tool tip that shows this plain text, in lines where it is long; empty without one.
+QString nameTip(const QString &name);
+
 /// Gives a button that shows a picture only its tooltip, and the same as its name for screen
 /// readers. `name` is plain text.
 void nameIconButton(QAbstractButton *button, const QString &name);

@@ -30,6 +30,7 @@ InfoPanel::InfoPanel(QWidget *parent) : QWidget(parent), ui(new Ui::InfoPanel)
     connect(ui->actionEdit_view, &QAction::triggered, this, &InfoPanel::editMode);
     connect(ui->actionClose, &QAction::triggered, this, &InfoPanel::closeLayout);
     connect(ui->actionClone_window, &QAction::triggered, this, &InfoPanel::cloneWindowClicked);
+    connect(ui->layoutNameEdit, &QLineEdit::textChanged, this, &InfoPanel::tellName);
     hideShowButton();
     enterEmptyMode();
 }
@@ -44,6 +45,17 @@ QString InfoPanel::layoutName() const
 int InfoPanel::mode() const
 {
     return currentMode;
+}
+
+void InfoPanel::setMode(Mode mode)
+{
+    currentMode = mode;
+    tellName();
+}
+
+void InfoPanel::tellName()
+{
+    emit shownNameChanged(currentMode == EmptyMode ? QString() : layoutName());
 }
 
 void InfoPanel::setTitle(QString title)
@@ -72,7 +84,7 @@ void InfoPanel::setCurrentLayout(API::LayoutPtr layout)
 
 void InfoPanel::enterEmptyMode()
 {
-    currentMode = EmptyMode;
+    setMode(EmptyMode);
     ui->layoutNameEdit->hide();
     ui->gridSizeButton->hide();
     ui->buttonsStack->setCurrentWidget(ui->settingsPage);
@@ -81,7 +93,7 @@ void InfoPanel::enterEmptyMode()
 
 void InfoPanel::enterViewMode()
 {
-    currentMode = ViewMode;
+    setMode(ViewMode);
     showReadOnlyName();
     ui->buttonsStack->setCurrentWidget(ui->settingsPage);
     rebuildMenu(viewActions());
@@ -91,7 +103,7 @@ void InfoPanel::enterUnsavedMode()
 {
     if (currentMode == EditMode)
         return;
-    currentMode = UnsavedMode;
+    setMode(UnsavedMode);
     showReadOnlyName();
     ui->buttonsStack->setCurrentWidget(ui->controlsPage);
     rebuildMenu(viewActions());
@@ -101,7 +113,7 @@ void InfoPanel::enterEditMode()
 {
     if (currentMode == EditMode)
         return;
-    currentMode = EditMode;
+    setMode(EditMode);
     ui->layoutNameEdit->show();
     ui->layoutNameEdit->setReadOnly(false);
     ui->layoutNameEdit->setFocusPolicy(Qt::StrongFocus);

@@ -39,7 +39,7 @@ public slots:
     void setCurrentLayout(API::LayoutPtr layout);
     void enterEmptyMode();
     void enterViewMode();
-    /// Nothing happens in edit mode. Part of the contract; nothing calls it.
+    /// Nothing happens in edit mode. Nothing calls it yet.
     void enterUnsavedMode();
     void enterEditMode();
 
@@ -51,6 +51,8 @@ signals:
     void editMode();
     void closeLayout();
     void cloneWindowClicked();
+    /// What is open goes by this name; empty when nothing is.
+    void shownNameChanged(QString name);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -60,6 +62,8 @@ private slots:
     void on_gridSizeButton_clicked();
 
 private:
+    void setMode(Mode mode);
+    void tellName();
     void showReadOnlyName();
     void rebuildMenu(const QList<QAction *> &actions);
     QList<QAction *> viewActions() const;

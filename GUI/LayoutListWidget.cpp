@@ -10,6 +10,7 @@
 #include "API/Layout.h"
 #include "GUI/LayoutCard.h"
 #include "GUI/Retire.h"
+#include "GUI/TourButton.h"
 #include "GUI/WidgetOrder.h"
 #include "ui_LayoutListWidget.h"
 
@@ -25,7 +26,10 @@ constexpr int stretchFactor = 10;
 } // namespace
 
 LayoutListWidget::LayoutListWidget(QWidget *parent)
-    : QWidget(parent), ui(new Ui::LayoutListWidget), client(new API::CloudAPIClient(this))
+    : QWidget(parent)
+    , ui(new Ui::LayoutListWidget)
+    , client(new API::CloudAPIClient(this))
+    , tourButton(new TourButton)
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("layoutListWidget"));
@@ -41,6 +45,8 @@ LayoutListWidget::LayoutListWidget(QWidget *parent)
     client->updateRoster();
     connect(ui->addLayoutButton, &QPushButton::clicked, this,
             &LayoutListWidget::addLayoutButtonClicked);
+    ui->headerRow->addWidget(tourButton);
+    connect(tourButton, &TourButton::chosen, this, &LayoutListWidget::tourChosen);
     startTimer(pollInterval, Qt::CoarseTimer);
 }
 
@@ -49,6 +55,11 @@ LayoutListWidget::~LayoutListWidget() = default;
 bool LayoutListWidget::hasLayout(const API::LayoutPtr &layout) const
 {
     return cards.contains(layout);
+}
+
+void LayoutListWidget::showTour(bool isOn, int seconds)
+{
+    tourButton->showTour(isOn, seconds);
 }
 
 void LayoutListWidget::timerEvent(QTimerEvent *)
@@ -72,6 +83,15 @@ void LayoutListWidget::updateLayouts(API::LayoutsContainer layouts)
     }
     arrangeCards(layouts);
     search(searchText);
+    markOpen(openId);
+    emit listed();
+}
+
+void LayoutListWidget::markOpen(const QString &layoutId)
+{
+    openId = layoutId;
+    for (auto entry = cards.cbegin(); entry != cards.cend(); ++entry)
+        entry.value()->setOpen(entry.key()->id() == openId);
 }
 
 void LayoutListWidget::removeStaleCards(const API::LayoutsContainer &layouts)
@@ -93,18 +113,20 @@ LayoutCard *LayoutListWidget::createCard(const API::LayoutPtr &layout)
     return card;
 }
 
+QList<API::LayoutPtr> LayoutListWidget::layouts() const
+{
+    return order;
+}
+
 void LayoutListWidget::arrangeCards(const API::LayoutsContainer &layouts)
 {
-    QList<QPair<QString, API::LayoutPtr>> sorted;
-    for (const API::LayoutPtr &layout : layouts)
-        sorted.append({layout->name(), layout});
-    std::stable_sort(sorted.begin(), sorted.end(),
-                     [](const auto &a, const auto &b) { return a.first < b.first; });
-
-    QList<QWidget *> order;
-    for (const auto &entry : qAsConst(sorted))
-        order.append(cards.value(entry.second));
-    setWidgetOrder(cardsLayout, order, stretchFactor);
+    order = layouts.values();
+    std::stable_sort(order.begin(), order.end(),
+                     [](const auto &a, const auto &b) { return a->name() < b->name(); });
+    QList<QWidget *> widgets;
+    for (const API::LayoutPtr &layout : qAsConst(order))
+        widgets.append(cards.value(layout));
+    setWidgetOrder(cardsLayout, widgets, stretchFactor);
 }
 
 void LayoutListWidget::addLayout(API::LayoutPtr newLayout)
@@ -128,7 +150,7 @@ void LayoutListWidget::search(QString name)
 {
     searchText = name;
     for (auto entry = cards.cbegin(); entry != cards.cend(); ++entry) {
-        const bool matches = entry.key()->name().indexOf(name, 0, Qt::CaseInsensitive) >= 0;
+        const bool matches = entry.key()->name().contains(name, Qt::CaseInsensitive);
         entry.value()->setVisible(matches);
     }
 }

@@ -22,6 +22,7 @@ class CloudAPIClient;
 namespace GUI {
 
 class LayoutCard;
+class TourButton;
 
 /// The page of the side bar that lists the saved layouts, each as a card. Asks the service
 /// for layouts as long as it exists.
@@ -36,6 +37,10 @@ public:
 
     /// True if `layout`, the object itself, has a card.
     bool hasLayout(const API::LayoutPtr &layout) const;
+    /// Marks the card of the layout with this identifier and no other, one that comes later too.
+    void markOpen(const QString &layoutId);
+    /// In the order of the cards, those that a search hides too.
+    QList<API::LayoutPtr> layouts() const;
 
 public slots:
     void updateLayouts();
@@ -46,11 +51,17 @@ public slots:
     void deleteLayout(API::LayoutPtr layout);
     /// Shows the cards whose name contains `name`, whatever the case.
     void search(QString name);
+    /// Shows whether the layouts are opened in turn.
+    void showTour(bool isOn, int seconds);
 
 signals:
     void openLayout(API::LayoutPtr layout);
     void openInNewWindow(API::LayoutPtr layout);
     void addLayoutButtonClicked();
+    /// The layouts are to be opened in turn, one every so many seconds; no more, if that is 0.
+    void tourChosen(int seconds);
+    /// The list is as the service or the cache has it.
+    void listed();
 
 protected:
     void timerEvent(QTimerEvent *event) override;
@@ -62,9 +73,12 @@ private:
 
     QScopedPointer<Ui::LayoutListWidget> ui;
     QMap<API::LayoutPtr, LayoutCard *> cards;
+    QList<API::LayoutPtr> order;
     QVBoxLayout *cardsLayout = nullptr;
     API::CloudAPIClient *client = nullptr;
     QString searchText;
+    QString openId;
+    TourButton *tourButton;
 };
 
 } // namespace GUI

@@ -77,6 +77,7 @@ bool LayoutWidget::openLayout(API::LayoutPtr layout)
 {
     if (layout && d->workingLayout && *layout == *d->workingLayout) {
         qDebug() << "layouts equal";
+        showAllTiles();
         playLive();
         return false;
     }
@@ -115,11 +116,13 @@ void LayoutWidget::resizeLayout(int rows, int columns)
 
 void LayoutWidget::clear()
 {
+    d->leaveMaximised();
     const QList<API::CameraPtr> cameras = d->players.keys();
     for (const API::CameraPtr &camera : cameras)
         removeCamera(camera);
     // Who heard of a closed camera may have opened another layout: that goes like the rest.
     d->players.clear();
+    d->owedQualities.clear();
     d->hints->clear();
     delete d->grid;
     const QList<QWidget *> widgets = findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
@@ -151,6 +154,11 @@ void LayoutWidget::showExportDoneHint(QString path)
     d->hints->addNotification(tr("Record saved.") + QLatin1Char(' ') +
                                   folderLink(QFileInfo(path).absolutePath(), tr("Open folder")),
                               false);
+}
+
+void LayoutWidget::showHint(const QString &text)
+{
+    d->hints->addNotification(text, false);
 }
 
 void LayoutWidget::showExportErrorHint(QString)

@@ -35,6 +35,9 @@ public:
     /// The layout as opened.
     API::LayoutPtr savedLayout() const;
 
+    /// True while one tile is seen alone.
+    bool isMaximised() const;
+    bool areNamesShown() const;
     bool isPaused() const;
     /// True as soon as one tile plays.
     bool isPlaying() const;
@@ -70,6 +73,15 @@ public slots:
     /// layout right there: the call that came first has the last word.
     bool openLayout(API::LayoutPtr layout);
     void resizeLayout(int rows, int columns);
+    /// Shows `tile` alone over the whole grid, in the quality of a single tile, or all again if
+    /// it was. The layout is not edited, and the others play on. Any edit of the grid ends it.
+    void toggleMaximised(Player::VideoWidget *tile);
+    /// Nothing is maximised any more.
+    void showAllTiles();
+    /// Every tile shows its whole picture.
+    void resetZoom();
+    /// Labels the tiles with their cameras' names and states.
+    void setNamesShown(bool areShown);
     void playLive();
     void stop();
     void pause();
@@ -77,6 +89,8 @@ public slots:
     void setArchiveMode();
     void clear();
     void saveLayout(QString layoutName);
+    /// For a few seconds, over the grid.
+    void showHint(const QString &text);
 
 signals:
     void cameraClosed(API::CameraPtr camera);
@@ -117,6 +131,8 @@ private:
     void replacePlaceholder(Player::VideoPlaceholder *placeholder, const API::CameraPtr &camera);
     void replaceTile(Player::VideoWidget *tile, const API::CameraPtr &camera);
     void addToFreeCell(const API::CameraPtr &camera);
+    void giveQuality(Player::VideoWidget *tile, int quality);
+    void giveOwedQualities();
     void setDropTarget(bool isTarget);
     void dropServer(const API::server_id_t &id);
     void dropLayout(const QString &name);

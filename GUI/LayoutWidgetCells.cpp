@@ -30,6 +30,8 @@ VideoWidget *LayoutWidget::createTile(const API::CameraPtr &camera)
 {
     auto *tile = new VideoWidget(camera, this);
     connect(tile, &VideoWidget::closed, this, &LayoutWidget::removePlayer);
+    connect(tile, &VideoWidget::maximiseRequested, this, &LayoutWidget::toggleMaximised);
+    connect(tile, &VideoWidget::dragStarting, this, &LayoutWidget::showAllTiles);
     connect(tile, &VideoWidget::clicked, this, &LayoutWidget::clicked);
     connect(tile, &VideoWidget::msecsAdded, this, &LayoutWidget::onMsecsAdded);
     connect(tile, &VideoWidget::swapRequested, this, &LayoutWidget::exchangeCells);
@@ -42,6 +44,7 @@ VideoWidget *LayoutWidget::createTile(const API::CameraPtr &camera)
     connect(tile, &VideoWidget::exportError, this, &LayoutWidget::showExportErrorHint);
     connect(tile, &VideoWidget::exportPercentDone, this, &LayoutWidget::exportPercentDone);
     connect(tile, &VideoWidget::exportStarted, this, &LayoutWidget::exportStarted);
+    tile->setNameShown(d->areNamesShown);
     d->players.insert(camera, tile);
     return tile;
 }
@@ -53,8 +56,10 @@ void LayoutWidget::addCamera(API::CameraPtr camera, API::LayoutPoint position, A
     // A stored layout can lack a span, and the grid takes an empty one for its whole rest.
     const int rowSpan = qMax(1, span.rows);
     const int columnSpan = qMax(1, span.columns);
+    showAllTiles();
     d->ensureWorkingCopy();
     VideoWidget *tile = createTile(camera);
+    tile->setAlone(d->isSingleCell());
     tile->setPosition(position.row, position.column);
     tile->setSpan(rowSpan, columnSpan);
     d->grid->addWidget(tile, position.row, position.column, rowSpan, columnSpan);
@@ -134,6 +139,11 @@ void LayoutWidget::removePlayer(VideoWidget *widget)
         qWarning() << "Camera is not in list";
         return;
     }
+    if (widget == d->maximised)
+        d->leaveMaximised(); // no other quality for its last moment
+    else
+        showAllTiles();
+    d->owedQualities.remove(widget);
     d->ensureWorkingCopy();
     d->players.remove(camera, widget);
     const API::LayoutPoint position = widget->position();
@@ -157,6 +167,7 @@ void LayoutWidget::exchangeCells(int row, int column)
     if (targetCell.row < 0)
         return;
 
+    showAllTiles();
     d->grid->removeWidget(dragged);
     d->grid->removeWidget(target);
     d->grid->addWidget(target, row, column);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/LayoutWidgetPrivate.h"
 
+#include <utility>
+
 #include "API/Layout.h"
 #include "GUI/Player/VideoPlaceholder.h"
 #include "GUI/Player/VideoWidget.h"
@@ -54,6 +56,34 @@ Player::VideoPlaceholder *LayoutWidgetPrivate::placeholderAt(int row, int column
             return placeholder;
     }
     return nullptr;
+}
+
+bool LayoutWidgetPrivate::isSingleCell() const
+{
+    return workingLayout && workingLayout->rows() * workingLayout->columns() == 1;
+}
+
+void LayoutWidgetPrivate::maximise(Player::VideoWidget *tile)
+{
+    // The grid gives the room of what is hidden to the rest.
+    for (int index = 0; index < grid->count(); ++index)
+        grid->itemAt(index)->widget()->setVisible(grid->itemAt(index)->widget() == tile);
+    maximised = tile;
+    qualityBefore = owedQualities.value(tile, tile->quality());
+    tile->setAlone(true);
+}
+
+Player::VideoWidget *LayoutWidgetPrivate::leaveMaximised()
+{
+    Player::VideoWidget *tile = std::exchange(maximised, nullptr);
+    if (!tile)
+        return nullptr;
+    for (int index = 0; index < grid->count(); ++index)
+        grid->itemAt(index)->widget()->show();
+    grid->activate(); // whoever drags the tile takes it along in its size in the grid
+    tile->setAlone(false);
+    tile->resetZoom();
+    return tile;
 }
 
 } // namespace Internal

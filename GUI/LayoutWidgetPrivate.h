@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QGridLayout>
+#include <QMap>
 #include <QMultiMap>
 
 #include "API/Types.h"
@@ -30,6 +31,11 @@ public:
     HintStack *hints = nullptr;
     bool isPaused = false;
     bool autoQuality = true;
+    bool areNamesShown = false;
+    Player::VideoWidget *maximised = nullptr;
+    int qualityBefore = 0; ///< of the tile that is maximised
+    /// What tiles take once the pause is over.
+    QMap<Player::VideoWidget *, int> owedQualities;
 
     /// Comes before each edit: the layout as opened stays as it is.
     void ensureWorkingCopy();
@@ -43,6 +49,11 @@ public:
     Player::VideoWidget *tileAt(int row, int column) const;
     /// The placeholder that begins in a cell, or null.
     Player::VideoPlaceholder *placeholderAt(int row, int column) const;
+
+    bool isSingleCell() const;
+    void maximise(Player::VideoWidget *tile);
+    /// Shows what maximise() hid. The tile that was maximised, or null.
+    Player::VideoWidget *leaveMaximised();
 };
 
 } // namespace Internal

@@ -109,16 +109,42 @@ void LayoutWidget::updateQuality()
     d->autoQuality = true;
     if (!d->workingLayout)
         return;
+    d->owedQualities.clear();
     const GridSize size{d->workingLayout->rows(), d->workingLayout->columns()};
-    for (VideoWidget *tile : qAsConst(d->players))
-        tile->setQuality(tileQuality(size, tile->span().rows, tile->span().columns));
+    for (VideoWidget *tile : qAsConst(d->players)) {
+        const int quality = tileQuality(size, tile->span().rows, tile->span().columns);
+        const bool isMaximised = tile == d->maximised;
+        if (isMaximised)
+            d->qualityBefore = quality;
+        tile->setQuality(isMaximised ? tileQuality(GridSize(), 1, 1) : quality);
+    }
 }
 
 void LayoutWidget::updateQuality(int quality)
 {
     d->autoQuality = false;
+    d->qualityBefore = quality;
+    d->owedQualities.clear();
     for (VideoWidget *tile : qAsConst(d->players))
         tile->setQuality(quality);
+}
+
+bool LayoutWidget::areNamesShown() const
+{
+    return d->areNamesShown;
+}
+
+void LayoutWidget::setNamesShown(bool areShown)
+{
+    d->areNamesShown = areShown;
+    for (VideoWidget *tile : qAsConst(d->players))
+        tile->setNameShown(areShown);
+}
+
+void LayoutWidget::resetZoom()
+{
+    for (VideoWidget *tile : qAsConst(d->players))
+        tile->resetZoom();
 }
 
 void LayoutWidget::playLive()
@@ -145,6 +171,7 @@ void LayoutWidget::unpause()
     d->isPaused = false;
     for (VideoWidget *tile : qAsConst(d->players))
         tile->unpause();
+    giveOwedQualities();
 }
 
 void LayoutWidget::setArchiveMode()

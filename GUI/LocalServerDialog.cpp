@@ -56,6 +56,7 @@ LocalServerDialog::LocalServerDialog(QWidget *parent)
 {
     ui->setupUi(this);
     showTextButtons(*this);
+    focusFirstField();
 }
 
 LocalServerDialog::~LocalServerDialog() = default;
@@ -70,6 +71,14 @@ void LocalServerDialog::fill(const API::LocalServer &server)
         ui->foreignHost->setChecked(true);
     ui->port->setText(QString::number(server.port()));
     ui->password->setText(server.password());
+    focusFirstField();
+}
+
+void LocalServerDialog::focusFirstField()
+{
+    QLineEdit *field = ui->ipAddress->isEnabled() ? ui->ipAddress : ui->port;
+    field->setFocus();
+    field->selectAll();
 }
 
 QString LocalServerDialog::name() const

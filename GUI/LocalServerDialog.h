@@ -36,6 +36,8 @@ private slots:
 private:
     explicit LocalServerDialog(QWidget *parent);
     void fill(const API::LocalServer &server);
+    /// What is typed goes into the first field that takes it.
+    void focusFirstField();
     QString name() const;
     QString host() const;
     int port() const;

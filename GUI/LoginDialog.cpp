@@ -82,6 +82,9 @@ LoginDialog::LoginDialog(QWidget *parent)
 
     ui->signInButton->installEventFilter(this);
     ui->passwordLn->installEventFilter(this);
+    const auto proxyFields = ui->proxySettings->findChildren<QLineEdit *>();
+    for (QLineEdit *field : proxyFields)
+        field->installEventFilter(this);
     connect(client, &API::CloudAPIClient::loginSuccess, this, &LoginDialog::onLoginSuccessful);
     connect(client, &API::CloudAPIClient::loginFailed, this, &LoginDialog::showWrongEmailPassAlert);
     ui->localModeBox->hide();

@@ -56,7 +56,7 @@ private slots:
     void windowResizeDone();
     void animationFinished();
     void showWrongEmailPassAlert();
-    /// Part of the contract; nothing calls it.
+    /// Nothing calls it yet.
     void showNoInternetAlert();
     void showUsesProxyAlert();
     void onLoginSuccessful();

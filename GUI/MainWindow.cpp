@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/MainWindow.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QVBoxLayout>
@@ -13,8 +14,12 @@
 #include "GUI/ArchiveControlPanel.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/InfoPanel.h"
+#include "GUI/KeyDispatcher.h"
+#include "GUI/Kiosk.h"
+#include "GUI/LayoutListWidget.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/SideBar.h"
+#include "GUI/TabOrder.h"
 #include "GUI/Timeline.h"
 #include "GUI/ToolBar.h"
 
@@ -46,9 +51,15 @@ MainWindow::MainWindow(QWidget *parent)
     connectControlPanel();
     connectStrip();
     connectGrid();
+    setUpTour();
     arrange();
     resize(firstSize);
+    connect(new KeyDispatcher(this), &KeyDispatcher::triggered, this, &MainWindow::onKey);
+    // Keys are for the window, until a field is clicked and again when something else is.
+    setFocusPolicy(Qt::ClickFocus);
+    setFocus();
 
+    layoutWidget->setNamesShown(App::settings().value(App::SettingsKey::namesOnTiles).toBool());
     const QString openTab = App::settings().value(App::SettingsKey::openTab).toString();
     closeCurrentView();
     if (openTab == layoutsTab)
@@ -74,6 +85,14 @@ void MainWindow::arrange()
     row->addLayout(centre, 1);
 }
 
+void MainWindow::showTitle(const QString &name)
+{
+    const QString program = QCoreApplication::applicationName();
+    // Single ones are taken for the place of a mark.
+    QString title = name.simplified().replace(QLatin1String("[*]"), QLatin1String("[*][*]"));
+    setWindowTitle(title.isEmpty() ? program : QStringLiteral("%1 — %2").arg(title, program));
+}
+
 int MainWindow::playerCount() const
 {
     return layoutWidget->playerCount();
@@ -83,6 +102,12 @@ int MainWindow::cellCount() const
 {
     const API::LayoutPtr layout = layoutWidget->workingLayout();
     return layout ? layout->rows() * layout->columns() : 0;
+}
+
+void MainWindow::enterKiosk(const QString &layoutName)
+{
+    new Kiosk({this, sideBar->layoutListWidget(), layoutWidget, controlPanel, timeline},
+              layoutName);
 }
 
 void MainWindow::setRosterMode()
@@ -117,6 +142,13 @@ void MainWindow::showRosterAndToolbar()
     sideBar->show();
     toolBar->show();
     infoPanel->hideShowButton();
+}
+
+void MainWindow::toggleNames()
+{
+    const bool areShown = !layoutWidget->areNamesShown();
+    layoutWidget->setNamesShown(areShown);
+    App::settings().setValue(App::SettingsKey::namesOnTiles, areShown);
 }
 
 void MainWindow::setSoundVolume(int volume)
@@ -174,11 +206,18 @@ void MainWindow::onFullscreen()
 
 void MainWindow::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Escape && isFullScreen()) {
-        onFullscreen();
+    if (event->key() == Qt::Key_Escape && goBack())
         event->accept();
-    }
+    else if (event->key() == Qt::Key_Escape)
+        setFocus(); // out of a field
     QWidget::keyPressEvent(event);
+}
+
+bool MainWindow::focusNextPrevChild(bool next)
+{
+    return moveFocus(tabStops({toolBar, sideBar, infoPanel, layoutWidget, archiveControlPanel,
+                               timeline, controlPanel}),
+                     next);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

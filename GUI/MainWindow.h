@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 #include "API/Types.h"
 #include "GUI/ExportFlow.h"
+#include "GUI/GridRules.h"
+#include "GUI/KeyMap.h"
 #include "GUI/Playlist.h"
+#include "GUI/Tour.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -14,6 +19,7 @@ namespace Player {
 class VideoWidget;
 }
 
+class ActivityWatch;
 class ArchiveControlPanel;
 class ControlPanel;
 class InfoPanel;
@@ -35,6 +41,8 @@ public:
     int playerCount() const;
     /// Rows by columns of the open layout.
     int cellCount() const;
+    /// From here on a window that shows that saved layout alone, on the whole screen.
+    void enterKiosk(const QString &layoutName);
 
 public slots:
     void hideRosterAndToolbar();
@@ -42,7 +50,7 @@ public slots:
     void hideArchivePanels();
     void showArchivePanels();
     void setExportMode();
-    /// Part of the contract; nothing calls it.
+    /// Nothing calls it yet.
     void setControlMode();
     /// Writes the marked fragment of the active camera into a file.
     void exportArchive();
@@ -78,6 +86,8 @@ public slots:
     /// Starts the archive anew at the cursor; the argument is not used.
     void setSpeed(int);
     void onFullscreen();
+    /// Labels on the tiles with names and states, here and in windows that come.
+    void toggleNames();
     void onExportDone(QString);
     void onExportError(QString);
     void onExportStarted();
@@ -100,6 +110,7 @@ signals:
 protected:
     void timerEvent(QTimerEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    bool focusNextPrevChild(bool next) override;
     void closeEvent(QCloseEvent *event) override;
 
 private slots:
@@ -107,6 +118,7 @@ private slots:
     void saveLayout();
     void cancelLayout();
     void closeCurrentView();
+    void onKey(GUI::KeyAction action, int number);
     /// Asks nothing about unsaved edits.
     void forceCloseView();
 
@@ -123,7 +135,31 @@ private:
     /// Asks about unsaved edits and saves them if told so; false if the user wants to keep them
     /// as they are.
     bool settleEdits();
+    /// From one tile alone to all, or out of fullscreen; false if there is nothing to leave.
+    bool goBack();
+    /// Plays from `time` on as a click on the strip would, on another day too.
+    void seek(const QDateTime &time);
+    /// Opens the saved layout so many places on in the list.
+    void stepLayout(int step);
+    /// Makes the tile there active.
+    void moveToTile(Direction direction);
+    void startSearch();
+
+    // MainWindowTour.cpp
+    void setUpTour();
+    void toggleTour();
+    /// 0 ends it.
+    void setTour(int seconds);
+    void goOnTour();
+    /// True while another layout would take away more than a live picture.
+    bool mustStay() const;
+
+    bool hasEdits() const;
     void addCamerasToCalendar();
+    /// The window's title: what is open, and the program.
+    void showTitle(const QString &name);
+    /// Marks the cards of the cameras and of the layout that are open in this window.
+    void markWhatIsOpen();
     bool layoutListHolds(const API::LayoutPtr &layout) const;
     /// Cameras of the open layout, in the order of its cells.
     QList<API::CameraPtr> layoutCameras() const;
@@ -139,6 +175,9 @@ private:
     LayoutWidget *layoutWidget;
     Playlist playlist;
     ExportFlow exportFlow;
+    Tour tour;
+    QTimer tourTimer{this};
+    QPointer<ActivityWatch> tourActivity;
     bool rosterWasVisible = true;
     bool wasMaximized = false;
     bool archiveMode = false;

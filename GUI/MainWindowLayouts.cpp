@@ -4,6 +4,8 @@
 
 #include <QDebug>
 
+#include <set>
+
 #include "API/Camera.h"
 #include "API/Layout.h"
 #include "API/Server.h"
@@ -118,9 +120,14 @@ void MainWindow::activateCamera(API::CameraPtr camera)
     layoutWidget->setSoundVolume(controlPanel->volume());
 }
 
+bool MainWindow::hasEdits() const
+{
+    return infoPanel->mode() == InfoPanel::EditMode || infoPanel->mode() == InfoPanel::UnsavedMode;
+}
+
 bool MainWindow::settleEdits()
 {
-    if (infoPanel->mode() != InfoPanel::EditMode && infoPanel->mode() != InfoPanel::UnsavedMode)
+    if (!hasEdits())
         return true;
     Question question;
     question.text = tr("The layout has been modified.");
@@ -166,6 +173,7 @@ void MainWindow::addCamerasToCalendar()
 void MainWindow::startLayoutEditor()
 {
     setRosterMode();
+    layoutWidget->showAllTiles();
     infoPanel->enterEditMode();
 }
 
@@ -190,6 +198,18 @@ void MainWindow::layoutModified()
     exportFlow.showControls();
     const API::LayoutPtr layout = layoutWidget->workingLayout();
     sideBar->rosterWidget()->setAddToLayoutEnabled(layout && layout->freeCellCount() != 0);
+    markWhatIsOpen();
+}
+
+void MainWindow::markWhatIsOpen()
+{
+    std::set<API::camera_global_id_t> cameras;
+    const QList<API::CameraPtr> shown = layoutCameras();
+    for (const API::CameraPtr &camera : shown)
+        cameras.insert(camera->globalId());
+    sideBar->rosterWidget()->markOpen(cameras);
+    const API::LayoutPtr layout = layoutWidget->workingLayout();
+    sideBar->layoutListWidget()->markOpen(layout ? layout->id() : QString());
 }
 
 void MainWindow::saveLayout()

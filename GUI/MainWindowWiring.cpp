@@ -54,6 +54,7 @@ void MainWindow::connectInfoPanel()
     connect(infoPanel, &InfoPanel::layoutSizeChanged, this, &MainWindow::resizeLayout);
     connect(infoPanel, &InfoPanel::cloneWindowClicked, this, &MainWindow::clone);
     connect(infoPanel, &InfoPanel::closeLayout, this, &MainWindow::closeCurrentView);
+    connect(infoPanel, &InfoPanel::shownNameChanged, this, &MainWindow::showTitle);
 }
 
 void MainWindow::connectControlPanel()
@@ -65,6 +66,7 @@ void MainWindow::connectControlPanel()
     connect(panel, &ControlPanel::pause, this, &MainWindow::pause);
     connect(panel, &ControlPanel::play, this, &MainWindow::unpause);
     connect(panel, &ControlPanel::speedChanged, this, &MainWindow::setSpeed);
+    connect(panel, &ControlPanel::momentChosen, this, &MainWindow::seek);
     connect(panel, &ControlPanel::soundVolumeChanged, this, &MainWindow::volumeChanged);
     connect(panel, &ControlPanel::soundEnabled, this, &MainWindow::soundEnabled);
     connect(panel, &ControlPanel::setLowQuality, this, &MainWindow::setLowQuality);

@@ -24,6 +24,7 @@ Preview::Preview(int cardKind, QWidget *parent, Making making) : QFrame(parent),
 {
     setObjectName(QStringLiteral("Preview"));
     setFixedSize(cardSize);
+    setCursor(Qt::PointingHandCursor);
     look.icon = cameraIcon;
     connect(this, &QWidget::customContextMenuRequested, this, &Preview::showContextMenu);
     if (making == Making::AtOnce)
@@ -127,6 +128,14 @@ void Preview::startAnimation()
 void Preview::stopAnimation()
 {
     look.isWaiting = false;
+    showLook();
+}
+
+void Preview::setOpen(bool isOpen)
+{
+    if (look.isOpen == isOpen)
+        return;
+    look.isOpen = isOpen;
     showLook();
 }
 

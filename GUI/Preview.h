@@ -50,8 +50,10 @@ public slots:
     void highlightOff();
     /// Shows the spinner, unless there is a picture.
     void startAnimation();
-    /// Part of the contract; nothing calls it.
+    /// Nothing calls it yet.
     void stopAnimation();
+    /// Marks what is open in the card's window.
+    void setOpen(bool isOpen);
 
 signals:
     void clicked();

@@ -84,6 +84,8 @@ void RosterWidget::updateRoster()
     updateWidgets(&servers, API::CloudAPIClient::serverList(), &ServerWidget::server,
                   &ServerWidget::updateServer,
                   [this](const API::ServerPtr &server) { return createServer(server); });
+    for (const API::camera_global_id_t &camera : openCameras)
+        setOpen(camera, true);
     rebuildOrder();
     prepareFirstCards();
 }
@@ -122,6 +124,26 @@ void RosterWidget::rebuildOrder()
     for (ServerWidget *widget : qAsConst(servers))
         widget->setFlatMode(flat);
     setWidgetOrder(serversLayout, sortedServers(servers), stretchFactor);
+}
+
+void RosterWidget::markOpen(const std::set<API::camera_global_id_t> &cameras)
+{
+    const auto before = std::exchange(openCameras, cameras);
+    for (const API::camera_global_id_t &camera : before) {
+        if (openCameras.count(camera) == 0)
+            setOpen(camera, false);
+    }
+    for (const API::camera_global_id_t &camera : openCameras) {
+        if (before.count(camera) == 0)
+            setOpen(camera, true);
+    }
+}
+
+void RosterWidget::setOpen(const API::camera_global_id_t &camera, bool isOpen)
+{
+    const ServerWidget *server = servers.value(camera.server, nullptr);
+    if (CameraWidget *card = server ? server->cardOf(camera.camera) : nullptr)
+        card->setOpen(isOpen);
 }
 
 void RosterWidget::setAddToLayoutEnabled(bool enabled)

@@ -5,6 +5,8 @@
 #include <QScrollArea>
 #include <QString>
 
+#include <set>
+
 #include "API/CloudAPIClient.h"
 #include "API/Types.h"
 
@@ -24,6 +26,9 @@ class RosterWidget : public QScrollArea
 
 public:
     explicit RosterWidget(QWidget *parent = nullptr);
+
+    /// Marks the cards of these cameras and no others, those that come later too.
+    void markOpen(const std::set<API::camera_global_id_t> &cameras);
 
 signals:
     void openCamera(API::CameraPtr camera);
@@ -51,12 +56,14 @@ private:
     void startPolling();
     ServerWidget *createServer(const API::ServerPtr &server);
     void rebuildOrder();
+    void setOpen(const API::camera_global_id_t &camera, bool isOpen);
     void prepareFirstCards();
 
     QMap<API::server_id_t, ServerWidget *> servers;
     QVBoxLayout *serversLayout = nullptr;
     API::CloudAPIClient client;
-    QString searchText; ///< of the last search; part of the contract, nothing reads it
+    QString searchText; ///< of the last search; nothing reads it yet
+    std::set<API::camera_global_id_t> openCameras;
     bool addToLayoutEnabled = true;
 };
 

@@ -50,6 +50,7 @@ ServerWidget::ServerWidget(API::ServerPtr server, QWidget *parent)
     connect(ui->expandButton, &QCheckBox::stateChanged, ui->container,
             [this](int state) { ui->container->setVisible(state == Qt::Checked); });
     ui->controlBar->installEventFilter(this);
+    ui->controlBar->setCursor(Qt::PointingHandCursor);
     if (!server->isLocal())
         ui->settingsButton->hide();
     createMenu();
@@ -78,6 +79,11 @@ API::ServerPtr ServerWidget::server() const
 QList<CameraWidget *> ServerWidget::cameraWidgets() const
 {
     return cards.values();
+}
+
+CameraWidget *ServerWidget::cardOf(API::camera_id_t camera) const
+{
+    return cards.value(camera, nullptr);
 }
 
 QList<CameraWidget *> ServerWidget::cardsWithin(const QRect &area) const

@@ -37,6 +37,8 @@ public:
     API::ServerPtr server() const;
     /// By camera number.
     QList<CameraWidget *> cameraWidgets() const;
+    /// Of the camera with that number; null if there is none.
+    CameraWidget *cardOf(API::camera_id_t camera) const;
     /// Those that `area`, in this widget's coordinates, touches; none of a closed entry.
     QList<CameraWidget *> cardsWithin(const QRect &area) const;
 

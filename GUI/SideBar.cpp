@@ -50,6 +50,12 @@ SettingsWidget *SideBar::settingsWidget() const
     return ui->settingsWidget;
 }
 
+void SideBar::startSearch()
+{
+    ui->searchEdit->setFocus(Qt::ShortcutFocusReason);
+    ui->searchEdit->selectAll();
+}
+
 // The catalogue has these two texts under QObject.
 
 void SideBar::setRosterMode()

@@ -29,6 +29,8 @@ public:
     RosterWidget *rosterWidget() const;
     LayoutListWidget *layoutListWidget() const;
     SettingsWidget *settingsWidget() const;
+    /// The next keys are for the search field, in place of what it has.
+    void startSearch();
 
 signals:
     void hideRequest();

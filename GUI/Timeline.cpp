@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/Timeline.h"
 
+#include <QHelpEvent>
 #include <QPainter>
+#include <QToolTip>
 #include <QVariantAnimation>
 
 #include <chrono>
 
-#include "GUI/Colours.h"
 #include "GUI/StyleBackground.h"
 #include "GUI/TimelineBars.h"
 #include "GUI/TimelinePainter.h"
@@ -46,7 +47,7 @@ Timeline::Timeline(QDate date, QWidget *parent)
     : QWidget(parent), d(QSharedPointer<Internal::TimelinePrivate>::create(this, date))
 {
     setFixedHeight(heightPixels);
-    setStyleSheet(QStringLiteral("background-color: %1;").arg(Colours::panel().name()));
+    setStyleSheet(QStringLiteral("background-color: rgb(41, 44, 49);"));
     setAttribute(Qt::WA_AlwaysShowToolTips);
     setMouseTracking(true);
     registerTypes();
@@ -111,6 +112,18 @@ void Timeline::redrawRecords()
 {
     d->dirty = true;
     update();
+}
+
+bool Timeline::event(QEvent *event)
+{
+    // The message is not painted while the cursor's day has records. On the empty strip of another
+    // day it can at least be asked for.
+    if (event->type() == QEvent::ToolTip && d->textVisible && d->hasVisibleRecords() &&
+        !d->hasRecordsOn(d->date)) {
+        QToolTip::showText(static_cast<QHelpEvent *>(event)->globalPos(), d->text, this);
+        return true;
+    }
+    return QWidget::event(event);
 }
 
 void Timeline::paintEvent(QPaintEvent *)

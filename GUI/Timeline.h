@@ -55,6 +55,8 @@ public:
     /// Makes the records of `id` the bright ones; of no camera if `id` isn't shown.
     void setActiveCameraId(API::camera_global_id_t id);
     bool hasCamera(API::camera_global_id_t id) const;
+    /// Pans to `time` of the day that is shown, unless it is in the window.
+    void reveal(const QDateTime &time);
     void removeCamera(API::camera_global_id_t id);
     int cameraCount() const;
     /// Null without one.
@@ -103,6 +105,7 @@ signals:
     void recordsUpdated();
 
 protected:
+    bool event(QEvent *event) override;
     void timerEvent(QTimerEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;

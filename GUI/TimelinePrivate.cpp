@@ -90,7 +90,11 @@ bool TimelinePrivate::canExport() const
 
 bool TimelinePrivate::hasVisibleRecords() const
 {
-    const QDate day = currentValue.date();
+    return hasRecordsOn(currentValue.date());
+}
+
+bool TimelinePrivate::hasRecordsOn(QDate day) const
+{
     return std::any_of(cameras.begin(), cameras.end(), [day](const API::CameraPtr &camera) {
         return camera->isArchiveShared() && camera->hasRecords(day);
     });

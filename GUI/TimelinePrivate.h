@@ -41,8 +41,8 @@ struct TimelinePrivate {
     Timeline *widget = nullptr;
     API::camera_global_id_t activeCameraId;
 
-    // The tick plan, filled at every paint; -1, 0 and multiples as TimelineScale tells. All are
-    // part of the contract; only labelStep is read.
+    // The tick plan, filled at every paint; -1, 0 and multiples as TimelineScale tells. They are
+    // kept together; only labelStep is read.
     int labelStep = 0; ///< seconds
     int majorEvery = 0;
     int mediumEvery = 0;
@@ -67,7 +67,7 @@ struct TimelinePrivate {
     int zoomLevel = 0; ///< 0, the whole day, to 100
     QImage selectionStartImage;
     QImage selectionEndImage;
-    QImage footerImage; ///< part of the contract, nothing draws it
+    QImage footerImage; ///< nothing draws it yet
     TimelineTooltip *tooltip = nullptr;
     RecordTimesCache recordTimes;
 
@@ -87,6 +87,7 @@ struct TimelinePrivate {
     bool canExport() const;
     /// Some camera has a shared archive with records on the day of the cursor.
     bool hasVisibleRecords() const;
+    bool hasRecordsOn(QDate day) const;
 
     // TimelinePlaylist.cpp
     Playlist playlistForCameras(const QDateTime &position);

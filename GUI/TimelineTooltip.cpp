@@ -5,6 +5,7 @@
 #include <QFontMetrics>
 #include <QPainter>
 
+#include "GUI/BubbleMask.h"
 #include "GUI/Colours.h"
 
 namespace ZorvaneClient {
@@ -49,6 +50,7 @@ TimelineTooltip::TimelineTooltip()
     const QFontMetrics metrics(labelFont());
     setFixedSize(metrics.horizontalAdvance(textOf(QTime(12, 0))) + extraWidth,
                  metrics.height() + extraHeight);
+    cutToPainting(this);
 }
 
 void TimelineTooltip::setTime(QTime newTime)

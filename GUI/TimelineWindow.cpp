@@ -115,6 +115,16 @@ void Timeline::changeDate(QDate newDate)
     redrawRecords();
 }
 
+void Timeline::reveal(const QDateTime &time)
+{
+    Internal::DayWindow window = d->window();
+    if (window.surrounds(time))
+        return;
+    window.pan(window.pixelAt(time), width() / 2);
+    if (d->setWindow(window))
+        redrawRecords();
+}
+
 void Timeline::glideTo(const Internal::DayWindow &window)
 {
     if (window.start == d->startValue && window.end == d->endValue)

@@ -7,6 +7,7 @@ TippedButton::TippedButton(QString pixmapPath, QString text, QWidget *parent)
     : TippedIcon(pixmapPath, text, parent)
 {
     setFocusPolicy(Qt::TabFocus);
+    setCursor(Qt::PointingHandCursor);
 }
 
 void TippedButton::mousePressEvent(QMouseEvent *)

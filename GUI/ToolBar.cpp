@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/ToolBar.h"
 
+#include "GUI/ServiceSign.h"
 #include "GUI/StyleBackground.h"
-
 #include "ui_ToolBar.h"
 
 namespace ZorvaneClient {
@@ -11,6 +11,8 @@ namespace GUI {
 ToolBar::ToolBar(QWidget *parent) : QWidget(parent), ui(new Ui::ToolBar)
 {
     ui->setupUi(this);
+    ui->verticalLayout->insertWidget(ui->verticalLayout->indexOf(ui->settingsButton),
+                                     new ServiceSign(this));
     connect(ui->rosterButton, &QPushButton::clicked, this, &ToolBar::liveClicked);
     connect(ui->layoutsButton, &QPushButton::clicked, this, &ToolBar::layoutsClicked);
     connect(ui->settingsButton, &QPushButton::clicked, this, &ToolBar::settingsClicked);

@@ -4,8 +4,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <vector>
+
 #include "bench/Measure.h"
-#include "companion/AvHandles.h"
+#include "companion/Decoder.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -20,16 +22,6 @@ namespace {
 
 constexpr long pictureNanoseconds = 40'000'000;
 constexpr long secondNanoseconds = 1'000'000'000;
-
-CodecHandle openDecoder(const AVCodecParameters *parameters)
-{
-    const AVCodec *decoder = avcodec_find_decoder(parameters->codec_id);
-    CodecHandle codec(avcodec_alloc_context3(decoder));
-    avcodec_parameters_to_context(codec.get(), parameters);
-    codec->thread_count = 1;
-    avcodec_open2(codec.get(), decoder, nullptr);
-    return codec;
-}
 
 void sleepUntil(timespec &due)
 {
@@ -59,7 +51,9 @@ double decodeFile(const QByteArray &path, Pace pace)
         const AVStream *stream = input->streams[packet->stream_index];
         if (stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO) {
             if (!codec)
-                codec = openDecoder(stream->codecpar);
+                codec = openDecoder(*stream->codecpar);
+            if (!codec)
+                return 0;
             if (pace == Pace::Stream)
                 sleepUntil(due);
             avcodec_send_packet(codec.get(), packet.get());
@@ -75,25 +69,29 @@ double decodeFile(const QByteArray &path, Pace pace)
 
 } // namespace
 
-double decodeMilliseconds(const QByteArray &path, Pace pace)
+double decodeMilliseconds(const QByteArray &path, Pace pace, int processes)
 {
     int ends[2];
     if (pipe(ends) != 0)
         return 0;
-    const pid_t child = fork();
-    if (child == 0) {
-        av_log_set_level(AV_LOG_QUIET);
-        const double result = decodeFile(path, pace);
-        const ssize_t written = write(ends[1], &result, sizeof result);
-        _exit(written == sizeof result ? 0 : 1);
+    std::vector<pid_t> children;
+    for (int i = 0; i < processes; ++i) {
+        children.push_back(fork());
+        if (children.back() == 0) {
+            av_log_set_level(AV_LOG_QUIET);
+            const double result = decodeFile(path, pace);
+            const ssize_t written = write(ends[1], &result, sizeof result);
+            _exit(written == sizeof result ? 0 : 1);
+        }
     }
     close(ends[1]);
-    double result = 0;
-    if (read(ends[0], &result, sizeof result) != sizeof result)
-        result = 0;
+    double sum = 0;
+    for (double result = 0; read(ends[0], &result, sizeof result) == sizeof result;)
+        sum += result;
     close(ends[0]);
-    waitpid(child, nullptr, 0);
-    return result;
+    for (const pid_t child : children)
+        waitpid(child, nullptr, 0);
+    return sum / processes;
 }
 
 } // namespace Bench

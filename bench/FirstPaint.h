@@ -7,16 +7,12 @@
 #include <QTimer>
 #include <QWidget>
 
-#include <chrono>
 #include <cstdio>
 
-/// Nanoseconds on a clock that all processes of the machine share.
-inline long long nowNanoseconds()
-{
-    return std::chrono::duration_cast<std::chrono::nanoseconds>(
-               std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
+#include "bench/Measure.h"
+
+namespace ZorvaneClient {
+namespace Bench {
 
 /// Waits for the first window to be painted and handed to the display, prints that moment
 /// and ends the event loop. Install it on the application.
@@ -41,3 +37,6 @@ public:
 private:
     bool seen = false;
 };
+
+} // namespace Bench
+} // namespace ZorvaneClient

@@ -2,17 +2,26 @@
 #pragma once
 
 #include <QElapsedTimer>
-#include <QFile>
-#include <QString>
 
 #include <time.h>
 
 #include <algorithm>
+#include <chrono>
+#include <cstdio>
 #include <functional>
+#include <string>
 #include <vector>
 
 namespace ZorvaneClient {
 namespace Bench {
+
+/// On a clock that all processes of the machine share.
+inline long long nowNanoseconds()
+{
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
 
 /// Processor time of this process, or what else `clock` counts.
 inline double cpuMilliseconds(clockid_t clock = CLOCK_PROCESS_CPUTIME_ID)
@@ -51,18 +60,17 @@ inline double median(std::vector<double> values)
     return values.at(values.size() / 2);
 }
 
-/// What `file` of a process' folder in /proc says of its memory beside `label`; 0 if nothing.
-inline double mebibytesOf(const QString &pid, const char *file, const QByteArray &label)
+/// On which side of its limit a value has to stay.
+enum class Bound { AtMost, AtLeast };
+
+/// Prints the value beside its limit; true if it is within.
+inline bool within(const std::string &what, double value, const char *unit, double limit,
+                   Bound bound = Bound::AtMost)
 {
-    QFile content(QStringLiteral("/proc/%1/%2").arg(pid, QLatin1String(file)));
-    if (!content.open(QIODevice::ReadOnly))
-        return 0;
-    const QList<QByteArray> lines = content.readAll().split('\n');
-    for (const QByteArray &line : lines) {
-        if (line.startsWith(label + ':'))
-            return line.simplified().split(' ').value(1).toDouble() / 1024;
-    }
-    return 0;
+    const bool good = bound == Bound::AtMost ? value <= limit : value >= limit;
+    std::printf("%-4s  %-56s %9.2f %-4s  at %s %.2f\n", good ? "ok" : "OVER", what.c_str(), value,
+                unit, bound == Bound::AtMost ? "most" : "least", limit);
+    return good;
 }
 
 } // namespace Bench

@@ -16,6 +16,7 @@
 
 #include "bench/DecodeLoop.h"
 #include "bench/Measure.h"
+#include "bench/Processes.h"
 #include "tests/support/FlvClip.h"
 #include "tests/support/PlayerProcess.h"
 #include "tests/support/StreamServer.h"
@@ -68,13 +69,6 @@ std::optional<PlayerRun> play(const StreamServer &server, int pictures)
     player.send("volume 0");
     loop.exec();
     return complete ? std::optional<PlayerRun>(run) : std::nullopt;
-}
-
-bool report(const char *name, double value, const char *unit, double limit)
-{
-    const bool ok = value <= limit;
-    std::printf("%-44s %8.2f %-4s limit %6.2f  %s\n", name, value, unit, limit, ok ? "ok" : "OVER");
-    return ok;
 }
 
 FlvClip cameraClip()
@@ -136,11 +130,10 @@ int main(int argc, char *argv[])
     std::printf("%-44s %8.2f ms\n", "decode only, flat out, CPU a picture", median(decodeFlatOut));
     std::printf("%-44s %8.2f ms\n", "decode only, 25 a second, CPU a picture", median(decodePaced));
     std::printf("%-44s %8.2f ms\n", "player, CPU a picture", median(playerCpu));
-    bool ok = report("player to decode only at the same pace",
+    bool ok = within("player to decode only at the same pace",
                      median(playerCpu) / median(decodePaced), "x", maxCpuRatio);
-    ok = report("player, resident memory at its peak", median(memory), "MiB", maxMebibytes) && ok;
-    ok = report("player, start to first picture", median(firstFrame), "ms",
-                maxFirstFrameMilliseconds) &&
-         ok;
+    ok &= within("player, resident memory at its peak", median(memory), "MiB", maxMebibytes);
+    ok &= within("player, start to first picture", median(firstFrame), "ms",
+                 maxFirstFrameMilliseconds);
     return ok ? 0 : 1;
 }

@@ -6,10 +6,8 @@
 #include <QApplication>
 #include <QScrollBar>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <functional>
+#include <string>
 #include <vector>
 
 #include "API/CloudAPIClient.h"
@@ -18,6 +16,7 @@
 #include "GUI/CameraWidget.h"
 #include "GUI/RosterWidget.h"
 #include "bench/Measure.h"
+#include "bench/Processes.h"
 #include "bench/QuietRun.h"
 
 using namespace ZorvaneClient;
@@ -143,10 +142,8 @@ Row measure(int cameras, int perServer)
 
 bool within(const char *what, int cameras, double value, double limit)
 {
-    const bool ok = value <= limit;
-    std::printf("%-4s  %-34s %6d cameras  %9.2f ms, limit %9.2f ms\n", ok ? "ok" : "FAIL", what,
-                cameras, value, limit);
-    return ok;
+    const std::string title = std::to_string(cameras) + " cameras: " + what;
+    return Bench::within(title, value, "ms", limit);
 }
 
 bool check(const std::vector<Row> &rows)

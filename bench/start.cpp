@@ -9,10 +9,10 @@
 #include <optional>
 #include <vector>
 
-#include "bench/FirstPaint.h"
 #include "bench/Measure.h"
 
 using ZorvaneClient::Bench::median;
+using ZorvaneClient::Bench::nowNanoseconds;
 
 namespace {
 

@@ -8,7 +8,7 @@ int main(int argc, char *argv[])
     using ZorvaneClient::App::Application;
 
     Application application(argc, argv);
-    FirstPaint firstPaint;
+    ZorvaneClient::Bench::FirstPaint firstPaint;
     application.installEventFilter(&firstPaint);
     application.setStyleSheet(Application::globalStyleSheet());
     application.startLogin();

@@ -5,13 +5,19 @@
 
 #include "bench/FirstPaint.h"
 
+namespace {
+
+constexpr QSize dialogSize(440, 413);
+
+} // namespace
+
 int main(int argc, char *argv[])
 {
     QApplication application(argc, argv);
-    FirstPaint firstPaint;
+    ZorvaneClient::Bench::FirstPaint firstPaint;
     application.installEventFilter(&firstPaint);
     QWidget window;
-    window.resize(440, 413);
+    window.resize(dialogSize);
     window.show();
     return QApplication::exec();
 }

@@ -9,6 +9,7 @@
 #include <QTest>
 
 #include <cstdio>
+#include <string>
 #include <vector>
 
 #include "API/Camera.h"
@@ -110,10 +111,9 @@ Measured measure(Tests::ArchiveWorld &world, const QList<API::CameraPtr> &camera
 
 bool within(const char *what, const Measured &row, double value, double limit)
 {
-    const bool ok = value <= limit;
-    std::printf("%-4s  %-10s %3d cameras of %6d records  %7.2f ms, limit %5.2f ms\n",
-                ok ? "ok" : "FAIL", what, row.cameras, row.records, value, limit);
-    return ok;
+    const std::string title = std::to_string(row.cameras) + " cameras of " +
+                              std::to_string(row.records) + " records: " + what;
+    return Bench::within(title, value, "ms", limit);
 }
 
 void print(const Measured &row)

@@ -69,6 +69,8 @@ Bytes Clip::pps() const
 void Clip::appendPicture(int index, int number, Bytes *out) const
 {
     out->insert(out->end(), packetData(index), packetData(index) + packetSize(index));
+    if (header->strip.rows == 0)
+        return;
     StripCode code;
     code.camera = number;
     code.milliseconds = packetMs(index);

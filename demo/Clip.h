@@ -13,8 +13,8 @@
 namespace ZorvaneDemo {
 
 /// One encoded minute as it lies in a file, mapped into memory and shared by all streams.
-/// A video clip has H.264 pictures without their strip slice, each second beginning with a
-/// key frame; a sound clip has MP3 frames of equal length.
+/// A video clip has H.264 pictures without their strip slice, if they have one, each second
+/// beginning with a key frame; a sound clip has MP3 frames of equal length.
 class Clip
 {
 public:
@@ -49,8 +49,8 @@ public:
     Bytes pps() const;
     const std::uint8_t *packetData(int index) const { return base + packets[index].offset; }
     std::size_t packetSize(int index) const { return packets[index].size; }
-    /// Appends the picture of `index` with the strip of camera `number`, each unit after its
-    /// four-byte length.
+    /// Appends the picture of `index` with the strip, if any, of camera `number`, each unit after
+    /// its four-byte length.
     void appendPicture(int index, int number, Bytes *out) const;
 
 private:

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "demo/Canvas.h"
+#include "demo/SensorNoise.h"
 #include "demo/VideoEncoder.h"
 
 namespace ZorvaneDemo {
@@ -13,6 +14,24 @@ namespace ZorvaneDemo {
 namespace {
 
 using Rect = Canvas::Rect;
+
+/// What surveillance cameras are usually set to, by quality.
+constexpr std::array<int, qualityCount> cameraBitRates{250'000, 800'000, 2'500'000};
+constexpr std::array<int, qualityCount> constantQuality{};
+constexpr Rect wholePicture{0, 0, Scene::width, Scene::height};
+constexpr int leastLuma = 16;
+constexpr int mostLuma = 235;
+
+void addNoise(SensorNoise &noise, VideoEncoder *encoder)
+{
+    for (int y = 0; y < encoder->sceneHeight(); ++y) {
+        std::uint8_t *luma = encoder->line(0, y);
+        const std::int8_t *grain = noise.line(Scene::width);
+        for (int x = 0; x < Scene::width; ++x)
+            luma[x] =
+                static_cast<std::uint8_t>(std::clamp(luma[x] + grain[x], leastLuma, mostLuma));
+    }
+}
 
 /// Writes `rect` of the canvas into the largest encoder's planes.
 void convert(const Canvas &canvas, const Rect &rect, VideoEncoder *encoder)
@@ -75,17 +94,25 @@ std::string ClipMaker::run() const
 {
     const std::unique_ptr<Scene> painted = makeScene(scene);
     Canvas canvas(*painted);
-    VideoEncoder low(pictureSizes[0], framesPerSecond);
-    VideoEncoder middle(pictureSizes[1], framesPerSecond);
-    VideoEncoder high(pictureSizes[2], framesPerSecond);
+    const std::array<int, qualityCount> rates = noise ? cameraBitRates : constantQuality;
+    VideoEncoder low(pictureSizes[0], framesPerSecond, rates[0]);
+    VideoEncoder middle(pictureSizes[1], framesPerSecond, rates[1]);
+    VideoEncoder high(pictureSizes[2], framesPerSecond, rates[2]);
     VideoEncoder *const encoders[qualityCount] = {&low, &middle, &high};
 
-    std::vector<Rect> changed{{0, 0, Scene::width, Scene::height}};
+    SensorNoise sensor;
+    std::vector<Rect> changed{wholePicture};
     for (int picture = 0; picture < framesPerSecond * secondsPerMinute; ++picture) {
         const auto moved = canvas.advance(static_cast<double>(picture) / framesPerSecond);
-        changed.insert(changed.end(), moved.begin(), moved.end());
-        for (const Rect &rect : changed) {
+        if (noise)
+            changed = {wholePicture};
+        else
+            changed.insert(changed.end(), moved.begin(), moved.end());
+        for (const Rect &rect : changed)
             convert(canvas, rect, &high);
+        if (noise)
+            addNoise(sensor, &high);
+        for (const Rect &rect : changed) {
             halve(&high, rect, &middle);
             halve(&middle, halved(rect), &low);
         }

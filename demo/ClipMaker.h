@@ -13,6 +13,7 @@ namespace ZorvaneDemo {
 struct ClipMaker {
     int scene = 0;
     int framesPerSecond = 25;
+    bool noise = false; ///< of ClipForm
     std::array<std::string, qualityCount> fileNames;
     /// Told after each second of pictures.
     std::function<void()> secondDone;

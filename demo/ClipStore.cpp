@@ -82,16 +82,17 @@ private:
 
 } // namespace
 
-ClipStore::ClipStore(std::string cacheFolder, bool cheapClips)
-    : folder(std::move(cacheFolder)), testClips(cheapClips)
+ClipStore::ClipStore(std::string cacheFolder, ClipForm clipForm)
+    : folder(std::move(cacheFolder)), form(clipForm)
 {
 }
 
 std::string ClipStore::videoFile(int scene, int quality) const
 {
     const PictureSize size = pictureSizes[static_cast<std::size_t>(quality)];
-    return folder + "/scene-" + std::to_string(scene) + (testClips ? "-test-" : "-") +
-           std::to_string(size.width) + "x" + std::to_string(size.height) + ".clip";
+    return folder + "/scene-" + std::to_string(scene) + (form.test ? "-test" : "") +
+           (form.noise ? "-noise-" : "-") + std::to_string(size.width) + "x" +
+           std::to_string(size.height) + ".clip";
 }
 
 std::string ClipStore::soundFile() const
@@ -147,7 +148,8 @@ std::string ClipStore::makeMissing(const std::set<int> &scenes)
         for (std::size_t i = next++; i < work.size(); i = next++) {
             ClipMaker maker;
             maker.scene = work[i];
-            maker.framesPerSecond = testClips ? testFramesPerSecond : framesPerSecond;
+            maker.framesPerSecond = form.test ? testFramesPerSecond : framesPerSecond;
+            maker.noise = form.noise;
             for (int quality = 0; quality < qualityCount; ++quality)
                 maker.fileNames[static_cast<std::size_t>(quality)] = videoFile(work[i], quality);
             maker.secondDone = [&bar] { bar.step(); };

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "demo/Clip.h"
+#include "demo/ClipForm.h"
 #include "demo/Quality.h"
 
 namespace ZorvaneDemo {
@@ -18,8 +19,7 @@ namespace ZorvaneDemo {
 class ClipStore
 {
 public:
-    /// Test clips have fewer pictures a second and are made in a fraction of the time.
-    ClipStore(std::string folder, bool testClips);
+    ClipStore(std::string folder, ClipForm form);
 
     /// Makes the clips of these scenes that are missing, in parallel, with a progress bar on
     /// standard error, and opens them. Empty on success, else what failed.
@@ -36,7 +36,7 @@ private:
     std::string makeMissing(const std::set<int> &scenes);
 
     std::string folder;
-    bool testClips;
+    ClipForm form;
     mutable std::mutex mutex;
     std::map<int, std::array<std::shared_ptr<const Clip>, qualityCount>> videos;
     std::shared_ptr<const Clip> soundClip;

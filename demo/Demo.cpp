@@ -20,7 +20,7 @@ Demo::Demo(const Options &given, const Certificates &tlsFiles)
     , certificates(tlsFiles)
     , world(given.world)
     , accounts(given.email, given.password, given.dataFolder + "/accounts.json")
-    , clips(given.clipFolder, given.testClips)
+    , clips(given.clipFolder, given.clipForm)
     , api(world, accounts, ZORVANE_VERSION)
 {
 }

@@ -60,7 +60,7 @@ const char *Options::usage()
 {
     return "usage: zorvane-demo [--data DIR] [--clips DIR] [--write-config DIR]\n"
            "                    [--seed N] [--servers N] [--cameras N] [--lan-servers N]\n"
-           "                    [--plain] [--scenes N] [--test-clips] [--clips-only]\n"
+           "                    [--plain] [--scenes N] [--test-clips] [--noise] [--clips-only]\n"
            "                    [--email TEXT] [--password TEXT]\n"
            "                    [--api-port N] [--streaming-port N] [--flv-port N]\n"
            "                    [--control-port N] [--lan-ports N,N...] [--help]\n";
@@ -99,7 +99,8 @@ bool Options::parse(int count, char **arguments)
         {"--lan-ports", [this](const std::string &value) { return readPorts(value, &lanPorts); }},
     };
     const std::map<std::string, bool *> switches{{"--plain", &world.plain},
-                                                 {"--test-clips", &testClips},
+                                                 {"--test-clips", &clipForm.test},
+                                                 {"--noise", &clipForm.noise},
                                                  {"--clips-only", &clipsOnly},
                                                  {"--help", &help}};
     for (int i = 1; i < count; ++i) {

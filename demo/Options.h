@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "demo/ClipForm.h"
 #include "demo/WorldMaker.h"
 
 namespace ZorvaneDemo {
@@ -21,7 +22,7 @@ struct Options {
     int flvPort = 0;
     int controlPort = 0;
     std::vector<int> lanPorts; ///< by LAN server; missing ones are chosen freely
-    bool testClips = false;
+    ClipForm clipForm;
     bool clipsOnly = false;
     bool help = false;
 

@@ -27,11 +27,14 @@ const char *rateFactor(PictureSize size)
 
 } // namespace
 
-VideoEncoder::VideoEncoder(PictureSize pictureSize, int framesPerSecond) : size(pictureSize)
+VideoEncoder::VideoEncoder(PictureSize pictureSize, int framesPerSecond, int bitsPerSecond)
+    : size(pictureSize), withStrip(bitsPerSecond == 0)
 {
-    codedHeight = (size.height + macroblock - 1) / macroblock * macroblock;
+    // The strip ends where a macroblock does, so what is too much is cut off above.
+    codedHeight =
+        withStrip ? (size.height + macroblock - 1) / macroblock * macroblock : size.height;
     cropTop = codedHeight - size.height;
-    if (open(framesPerSecond))
+    if (open(framesPerSecond, bitsPerSecond))
         paintFixedLines();
 }
 
@@ -42,7 +45,7 @@ bool VideoEncoder::fail(const std::string &what)
     return false;
 }
 
-bool VideoEncoder::open(int framesPerSecond)
+bool VideoEncoder::open(int framesPerSecond, int bitsPerSecond)
 {
     const AVCodec *encoder = avcodec_find_encoder_by_name("libx264");
     if (!encoder)
@@ -51,12 +54,8 @@ bool VideoEncoder::open(int framesPerSecond)
     output.reset(av_packet_alloc());
     frame.reset(av_frame_alloc());
 
-    StripLayout &strip = writer.header.strip;
-    strip.widthMbs = static_cast<std::uint16_t>(size.width / macroblock);
-    const int cellHeight = static_cast<int>(size.height / StripCode::heightDivisor);
-    strip.rows = static_cast<std::uint16_t>((cellHeight + macroblock - 1) / macroblock);
-    strip.firstRow = static_cast<std::uint16_t>(codedHeight / macroblock - strip.rows);
-    strip.cellTop = static_cast<std::uint16_t>(strip.rows * macroblock - cellHeight);
+    if (withStrip)
+        layOutStrip();
     writer.header.width = static_cast<std::uint32_t>(size.width);
     writer.header.height = static_cast<std::uint32_t>(size.height);
 
@@ -73,13 +72,21 @@ bool VideoEncoder::open(int framesPerSecond)
     codec->max_b_frames = 0;
     codec->thread_count = 1;
     codec->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    const std::string parameters =
-        "cabac=0:8x8dct=0:ref=1:weightp=0:scenecut=0:mbtree=0:rc-lookahead=0:min-keyint=" +
-        std::to_string(framesPerSecond) +
-        ":slice-max-mbs=" + std::to_string(strip.firstRow * strip.widthMbs) + ":crop-rect=0," +
-        std::to_string(cropTop) + ",0,0";
-    av_opt_set(codec->priv_data, "preset", "superfast", 0);
-    av_opt_set(codec->priv_data, "crf", rateFactor(size), 0);
+    std::string parameters =
+        "scenecut=0:mbtree=0:rc-lookahead=0:min-keyint=" + std::to_string(framesPerSecond);
+    if (withStrip) {
+        const StripLayout &strip = writer.header.strip;
+        parameters += ":cabac=0:8x8dct=0:ref=1:weightp=0:slice-max-mbs=" +
+                      std::to_string(strip.firstRow * strip.widthMbs) + ":crop-rect=0," +
+                      std::to_string(cropTop) + ",0,0";
+        av_opt_set(codec->priv_data, "preset", "superfast", 0);
+        av_opt_set(codec->priv_data, "crf", rateFactor(size), 0);
+    } else {
+        codec->bit_rate = bitsPerSecond;
+        codec->rc_max_rate = bitsPerSecond;
+        codec->rc_buffer_size = bitsPerSecond;
+        av_opt_set(codec->priv_data, "preset", "medium", 0);
+    }
     av_opt_set(codec->priv_data, "x264-params", parameters.c_str(), 0);
     if (avcodec_open2(codec.get(), encoder, nullptr) < 0)
         return fail("cannot open the H.264 encoder");
@@ -91,7 +98,7 @@ bool VideoEncoder::open(int framesPerSecond)
         else if (unit.type() == NalUnit::PictureSet)
             writer.pps.assign(unit.data, unit.data + unit.size);
     }
-    if (!strip.readParameterSets(writer.sps, writer.pps))
+    if (withStrip && !writer.header.strip.readParameterSets(writer.sps, writer.pps))
         return fail("the H.264 encoder made another kind of stream than asked for");
 
     frame->format = codec->pix_fmt;
@@ -100,6 +107,16 @@ bool VideoEncoder::open(int framesPerSecond)
     if (av_frame_get_buffer(frame.get(), 0) < 0)
         return fail("no memory for a picture");
     return true;
+}
+
+void VideoEncoder::layOutStrip()
+{
+    StripLayout &strip = writer.header.strip;
+    strip.widthMbs = static_cast<std::uint16_t>(size.width / macroblock);
+    const int cellHeight = static_cast<int>(size.height / StripCode::heightDivisor);
+    strip.rows = static_cast<std::uint16_t>((cellHeight + macroblock - 1) / macroblock);
+    strip.firstRow = static_cast<std::uint16_t>(codedHeight / macroblock - strip.rows);
+    strip.cellTop = static_cast<std::uint16_t>(strip.rows * macroblock - cellHeight);
 }
 
 void VideoEncoder::paintFixedLines()
@@ -169,11 +186,12 @@ bool VideoEncoder::take(const AVPacket *packet)
         if (unit.type() != NalUnit::Slice && unit.type() != NalUnit::IdrSlice)
             continue;
         if (slices++ == 0) {
-            strip = StripPicture::fromSlice(writer.header.strip, unit.data, unit.size);
+            if (withStrip)
+                strip = StripPicture::fromSlice(writer.header.strip, unit.data, unit.size);
             appendWithLength(unit, &picture);
         }
     }
-    if (slices != 2)
+    if (slices != (withStrip ? 2 : 1))
         return fail("the H.264 encoder did not keep the strip in a slice of its own");
     writer.add(picture, (packet->flags & AV_PKT_FLAG_KEY) != 0, strip);
     return true;

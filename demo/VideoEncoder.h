@@ -9,12 +9,14 @@
 
 namespace ZorvaneDemo {
 
-/// Encodes the minute of one quality into a clip: H.264, a key frame each second, the strip
+/// Encodes the minute of one quality into a clip: H.264, a key frame each second, a strip
 /// in a slice of its own that is left out of the clip.
 class VideoEncoder
 {
 public:
-    VideoEncoder(PictureSize size, int framesPerSecond);
+    /// `bitsPerSecond` 0: with a strip, of constant quality and quickly made. Else without one, and
+    /// as hard to decode as what cameras make of that rate.
+    VideoEncoder(PictureSize size, int framesPerSecond, int bitsPerSecond);
 
     /// Empty while all is well, else what failed.
     const std::string &error() const { return failure; }
@@ -30,7 +32,8 @@ public:
     bool finish(const std::string &fileName);
 
 private:
-    bool open(int framesPerSecond);
+    bool open(int framesPerSecond, int bitsPerSecond);
+    void layOutStrip();
     int lineBytes(int plane) const;
     std::uint8_t *codedLine(int plane, int y);
     void paintFixedLines();
@@ -39,6 +42,7 @@ private:
     bool fail(const std::string &what);
 
     PictureSize size;
+    const bool withStrip;
     int codedHeight = 0;
     int cropTop = 0;
     std::int64_t frameNumber = 0;

@@ -77,7 +77,7 @@ int main(int argc, char **argv)
     }
     av_log_set_level(AV_LOG_ERROR);
     if (options.clipsOnly) {
-        ClipStore clips(options.clipFolder, options.testClips);
+        ClipStore clips(options.clipFolder, options.clipForm);
         const std::string failure = clips.prepare(World(options.world).scenes());
         return failure.empty() ? EXIT_SUCCESS : fail(failure);
     }

@@ -20,6 +20,8 @@ ExportEvent percentEvent(QLatin1String line)
     return {Kind::Percent, words.at(1).toInt(), QString()};
 }
 
+const QByteArray complaintPrefix("vlc-stream: ");
+
 } // namespace
 
 QVector<ExportEvent> exportEvents(const QByteArray &read)
@@ -41,6 +43,17 @@ QVector<ExportEvent> exportEvents(const QByteArray &read)
     if (isDone)
         events.append({Kind::Done, 0, QString()});
     return events;
+}
+
+QString exportComplaint(const QByteArray &errorOutput)
+{
+    QByteArray complaint;
+    const QList<QByteArray> lines = errorOutput.split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith(complaintPrefix))
+            complaint = line.mid(complaintPrefix.size());
+    }
+    return QString::fromLocal8Bit(complaint).trimmed();
 }
 
 } // namespace Internal

@@ -23,6 +23,10 @@ struct ExportEvent {
 /// comes last and once.
 QVector<ExportEvent> exportEvents(const QByteArray &read);
 
+/// Why the export failed, of all that the child has complained about: what it said last in its own
+/// name. Other lines are left out, for they may hold the stream's address with its password.
+QString exportComplaint(const QByteArray &errorOutput);
+
 } // namespace Internal
 } // namespace Player
 } // namespace GUI

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/Player/FrameFile.h"
 
+#include <QDateTime>
 #include <QDebug>
 #include <QDir>
+#include <QRegularExpression>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -10,6 +12,7 @@
 
 #include <cerrno>
 #include <chrono>
+#include <utility>
 
 #include "App/Environment.h"
 #include "App/OwnerOnly.h"
@@ -26,7 +29,7 @@ constexpr auto pixelFormat = QImage::Format_ARGB32_Premultiplied;
 
 const QString nameStart = QStringLiteral("zorvane-player-");
 /// One that is younger may not be locked yet.
-constexpr auto youngestLeftOver = std::chrono::milliseconds(10'000);
+constexpr auto youngestLeftOver = std::chrono::seconds(10);
 
 quint64 nextFrameFileNumber = 0;
 
@@ -53,11 +56,12 @@ bool removeUnused(const QString &fileName)
 
 void FrameFile::removeLeftOvers()
 {
-    const QDateTime oldEnough = App::Environment::now().addMSecs(-youngestLeftOver.count());
+    const QDateTime oldEnough = App::Environment::now().addSecs(-youngestLeftOver.count());
+    const QRegularExpression number(QStringLiteral("^%1[0-9]+$").arg(nameStart));
     const QFileInfoList files =
         QDir(QDir::tempPath()).entryInfoList({nameStart + QLatin1Char('*')});
     for (const QFileInfo &file : files) {
-        if (file.lastModified() < oldEnough)
+        if (file.lastModified() < oldEnough && number.match(file.fileName()).hasMatch())
             removeUnused(file.filePath());
     }
 }
@@ -131,8 +135,14 @@ bool FrameFile::isBacked(qint64 bytes) const
 {
     if (bytes <= backedBytes)
         return true;
-    if (::fallocate(file.handle(), FALLOC_FL_KEEP_SIZE, 0, bytes) != 0 && errno == ENOSPC) {
-        qWarning() << "VideoWidget: No room for a frame in" << file.fileName();
+    int result = 0;
+    do {
+        result = ::fallocate(file.handle(), FALLOC_FL_KEEP_SIZE, 0, bytes);
+    } while (result != 0 && errno == EINTR);
+    // Where files can't be given blocks beforehand, it has to be tried.
+    if (result != 0 && errno != EOPNOTSUPP && errno != ENOSYS) {
+        if (!std::exchange(isWarned, true))
+            qWarning() << "VideoWidget: No room for a frame in" << file.fileName();
         return false;
     }
     backedBytes = bytes;

@@ -50,6 +50,7 @@ private:
     QFile file;
     uchar *frameMemory = nullptr;
     bool taken = false;
+    mutable bool isWarned = false;
     mutable qint64 backedBytes = 0; ///< so many can be read and written without a fault
 };
 

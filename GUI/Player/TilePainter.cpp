@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/Player/TilePainter.h"
 
+#include <QPaintDevice>
 #include <QPainter>
 #include <QPen>
 #include <QRectF>
@@ -26,6 +27,8 @@ constexpr int fullTurnDegrees = 360;
 
 constexpr QColor hoverColour(66, 71, 80, 255);
 constexpr QColor dimming = Colours::panel(150);
+constexpr QColor mapFrame = Colours::panel();
+constexpr QColor mapShade(0, 0, 0, 110);
 
 QPen borderPen(const QColor &colour)
 {
@@ -81,6 +84,38 @@ void paintAround(QPainter &painter, const QRect &tile, const QRect &target, cons
         painter.fillRect(band, Colours::tile());
 }
 
+QRectF partOf(const QImage &picture, const PictureZoom &zoom)
+{
+    const QRectF part = zoom.part();
+    return QRectF(part.x() * picture.width(), part.y() * picture.height(),
+                  part.width() * picture.width(), part.height() * picture.height());
+}
+
+/// Smooth where pixels have to be mixed: a number plate can be read then. Where each pixel of the
+/// picture is one of the screen, mixing would only cost.
+void drawScaled(QPainter &painter, const QRect &target, const QImage &picture, const QRectF &part)
+{
+    const QSizeF painted = QSizeF(target.size()) * painter.device()->devicePixelRatioF();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, painted != part.size());
+    painter.drawImage(QRectF(target), picture, part);
+}
+
+void paintZoomMap(QPainter &painter, const QRect &map, const QImage &picture,
+                  const PictureZoom &zoom)
+{
+    // So much smaller, it would hardly look better smooth; and a zoomed picture costs no more.
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
+    painter.drawImage(QRectF(map), picture, QRectF(picture.rect()));
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(mapFrame);
+    painter.drawRect(map.adjusted(-1, -1, 0, 0));
+    const QRectF part = zoomMapPart(map, zoom);
+    for (const QRect &rest : QRegion(map) - part.toAlignedRect())
+        painter.fillRect(rest, mapShade);
+    painter.setPen(selectionPen());
+    painter.drawRect(part);
+}
+
 } // namespace
 
 TileBorder BorderRule::border() const
@@ -96,12 +131,14 @@ void paintBackground(QPainter &painter, const QRect &tile)
 }
 
 void paintPicture(QPainter &painter, const QRect &tile, const QRect &target, const QImage &frame,
-                  int rotation, bool mirror)
+                  int rotation, bool mirror, const PictureZoom &zoom)
 {
     const QImage picture = finalPicture(frame, rotation, mirror);
     paintAround(painter, tile, target, picture);
     painter.setPen(Qt::NoPen);
-    painter.drawImage(QRectF(target), picture, QRectF(picture.rect()));
+    drawScaled(painter, target, picture, partOf(picture, zoom));
+    if (zoom.isZoomed())
+        paintZoomMap(painter, zoomMapPlace(tile.size(), target), picture, zoom);
 }
 
 void paintMessage(QPainter &painter, const QRect &tile, const QFont &font, const QString &text)

@@ -7,6 +7,8 @@
 #include <QRect>
 #include <QString>
 
+#include "GUI/Player/PictureZoom.h"
+
 class QPainter;
 
 namespace ZorvaneClient {
@@ -34,9 +36,10 @@ void paintBackground(QPainter &painter, const QRect &tile);
 
 /// Draws `frame` into `target`, turned clockwise by `rotation` degrees and, after that, flipped
 /// left to right if `mirror`, with background round it. The alpha of its pixels is ignored: a
-/// camera's picture has nothing to show through.
+/// camera's picture has nothing to show through. Of a zoomed picture the part fills `target`,
+/// and a small map of the whole shows which one it is.
 void paintPicture(QPainter &painter, const QRect &tile, const QRect &target, const QImage &frame,
-                  int rotation, bool mirror);
+                  int rotation, bool mirror, const PictureZoom &zoom = PictureZoom());
 
 /// Writes `text` in the middle of the tile, on the background.
 void paintMessage(QPainter &painter, const QRect &tile, const QFont &font, const QString &text);

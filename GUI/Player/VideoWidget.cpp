@@ -2,9 +2,7 @@
 #include "GUI/Player/VideoWidget.h"
 
 #include <QDebug>
-#include <QDir>
 #include <QPalette>
-#include <QStandardPaths>
 #include <QTimer>
 
 #include <chrono>
@@ -13,6 +11,7 @@
 #include "App/Environment.h"
 #include "GUI/CameraSettingsDialog.h"
 #include "GUI/Colours.h"
+#include "GUI/Player/UserFolder.h"
 #include "GUI/Player/VideoWidgetPrivate.h"
 #include "ui_VideoWidget.h"
 
@@ -91,6 +90,11 @@ bool VideoWidget::isPaused() const
     return d->state == TileState::Paused;
 }
 
+int VideoWidget::quality() const
+{
+    return d->quality;
+}
+
 void VideoWidget::setCameraName(QString name)
 {
     ui->cameraName->setText(name);
@@ -143,10 +147,13 @@ void VideoWidget::on_actionSettings_triggered()
 
 void VideoWidget::on_cameraScreenshotButton_clicked()
 {
-    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation));
+    const QDir folder = userFolder(QStandardPaths::PicturesLocation);
     const QString name = d->camera->name() + QLatin1Char('-') +
                          d->playbackTime.toString(snapshotStampFormat) + QLatin1String(".png");
-    d->image.save(folder.absoluteFilePath(name));
+    const QString path = folder.absoluteFilePath(name);
+    const QString failure = writePicture(d->image, path);
+    if (!failure.isEmpty())
+        qWarning() << "Cannot save snapshot" << path << ":" << failure;
     emit snapshotSaved(folder.absolutePath());
 }
 

@@ -48,6 +48,7 @@ public:
     bool isPaused() const;
     /// From exportFragment() on, as long as its child runs.
     bool isExporting() const;
+    int quality() const;
     /// Shows `text` in place of the picture.
     void showError(const QString &text);
 
@@ -72,18 +73,26 @@ public slots:
     void enableSound(bool enable);
     void setTime(QDateTime dateTime);
     void setCameraName(QString name);
+    /// While its bar is hidden, a label tells the camera's name and what the tile does.
+    void setNameShown(bool isShown);
     /// Takes effect on the sound at the next volume command or start of the child.
     void setActive(bool isActive);
     void setPosition(int row, int column);
     void setSpan(int rowSpan, int columnSpan);
     /// 0 to 2, low to high; other values are ignored. A change restarts what plays.
     void setQuality(int quality);
+    /// The tile is the only one to be seen: the wheel zooms its picture without Ctrl.
+    void setAlone(bool isAlone);
+    /// The whole picture is seen again.
+    void resetZoom();
     /// Writes what is recorded between the two moments into a file in the user's folder of
     /// films, as fast as the camera gives it, while the tile plays on. Nothing happens if that
     /// day has no record there. One export runs at a time; another one is refused.
     void exportFragment(QDateTime start, QDateTime end);
     /// Ends the export without a signal; nothing of the file stays. Blocks for a moment.
     void cancelExport();
+    /// What the button in the tile's bar does.
+    void saveSnapshot() { on_cameraScreenshotButton_clicked(); }
 
 signals:
     /// The frame file could not be made.
@@ -92,6 +101,10 @@ signals:
     void msecsAdded(qlonglong msecs);
     void closed(Player::VideoWidget *widget);
     void clicked(API::CameraPtr camera);
+    /// A double click: the tile wants to be seen alone, or among the others again.
+    void maximiseRequested(Player::VideoWidget *widget);
+    /// The tile is about to be dragged; what gives it another size does so now.
+    void dragStarting();
     /// The tile at (`row`, `column`) was dropped here.
     void swapRequested(int row, int column);
     /// Another camera was dropped here.
@@ -109,7 +122,9 @@ protected:
     void timerEvent(QTimerEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
     void enterEvent(EnterEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
@@ -151,6 +166,10 @@ private:
 
     // VideoWidgetExport.cpp
     void setUpExport();
+    /// Nothing else watches the child of an export: one that is over without its file is found
+    /// at the next tick.
+    void noticeEndOfExport();
+    void logFailedExport();
 
     // VideoWidgetPicture.cpp
     void setUpBars();
@@ -160,9 +179,17 @@ private:
     void showSpinner();
     void hideSpinner();
     void updateAspectRatio();
+    QRect picturePlace() const;
+    QString stateWord() const;
     Internal::BorderRule borderRule() const;
 
+    // VideoWidgetZoom.cpp
+    bool isZoomed() const;
+    void panTo(QPoint position);
+    void showZoom();
+
     // VideoWidgetEvents.cpp
+    void setPressPosition(QPoint position);
     void dragTile();
 
     QScopedPointer<Ui::VideoWidget> ui;

@@ -22,26 +22,36 @@ void VideoWidget::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return;
-    d->pressX = event->pos().x();
-    d->pressY = event->pos().y();
+    setPressPosition(event->pos());
+}
+
+void VideoWidget::setPressPosition(QPoint position)
+{
+    d->pressX = position.x();
+    d->pressY = position.y();
 }
 
 void VideoWidget::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return;
+    showZoom();
     emit clicked(d->camera);
     dumpState();
 }
 
 void VideoWidget::mouseMoveEvent(QMouseEvent *event)
 {
-    if (startsDrag(*event, QPoint(d->pressX, d->pressY)))
+    const bool isHeld = event->buttons().testFlag(Qt::LeftButton);
+    if (isZoomed() && isHeld && d->pressPosition() != notPressed)
+        panTo(event->pos());
+    else if (startsDrag(*event, d->pressPosition()))
         dragTile();
 }
 
 void VideoWidget::dragTile()
 {
+    emit dragStarting();
     QDrag *drag = tiltedDrag(this, grab(), tileDrag(position()));
     const QPointer<VideoWidget> guard(this); // the grid may be cleared in the drag's own loop
     d->isDragging = true;

@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: MIT
 // The tile's side of the export process, which writes a part of the archive into a file.
 #include <QDebug>
-#include <QDir>
 #include <QProcess>
 #include <QSignalBlocker>
-#include <QStandardPaths>
 
 #include "API/Camera.h"
 #include "App/Environment.h"
 #include "GUI/Player/ExportArguments.h"
 #include "GUI/Player/ExportOutput.h"
+#include "GUI/Player/UserFolder.h"
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/Player/VideoWidgetPrivate.h"
 
@@ -38,11 +37,15 @@ void VideoWidget::exportFragment(QDateTime start, QDateTime end)
     const qint64 msecs = recordedMsecs(d->camera->records(start.date()), start, end);
     if (msecs == 0)
         return;
-    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::MoviesLocation));
+    // The one before may have ended since the last tick.
+    if (!isExporting())
+        logFailedExport();
+    const QDir folder = userFolder(QStandardPaths::MoviesLocation);
     d->exportPath = folder.absoluteFilePath(exportFileName(*d->camera, start, end));
     d->exportProcess->start(App::Environment::playerProgram(),
                             exportArguments(*d->camera, start, end, msecs, d->exportPath),
                             QIODevice::ReadWrite);
+    d->exportIsOpen = true;
 }
 
 bool VideoWidget::isExporting() const
@@ -50,10 +53,39 @@ bool VideoWidget::isExporting() const
     return d->exportProcess->state() != QProcess::NotRunning;
 }
 
+void VideoWidget::noticeEndOfExport()
+{
+    if (!d->exportIsOpen || isExporting())
+        return;
+    logFailedExport();
+    // It has shown nothing so far, and never will.
+    if (d->exportProcess->error() == QProcess::FailedToStart)
+        emit exportError(d->exportPath);
+}
+
+void VideoWidget::logFailedExport()
+{
+    if (!d->exportIsOpen)
+        return;
+    d->exportIsOpen = false;
+    const QProcess &child = *d->exportProcess;
+    QString reason = exportComplaint(d->exportProcess->readAllStandardError());
+    if (child.error() == QProcess::FailedToStart)
+        reason = child.errorString();
+    else if (reason.isEmpty() && child.exitStatus() == QProcess::CrashExit)
+        reason = QStringLiteral("the player was killed");
+    else if (reason.isEmpty())
+        reason = QStringLiteral("the player ended with exit code %1").arg(child.exitCode());
+    qWarning() << "Cannot export" << d->exportPath << ":" << reason;
+}
+
 void VideoWidget::cancelExport()
 {
-    if (!isExporting())
+    if (!isExporting()) {
+        logFailedExport();
         return;
+    }
+    d->exportIsOpen = false;
     // Its last words are nobody's business.
     const QSignalBlocker blocker(d->exportProcess.data());
     // Closing the process kills it. A child that is told by its standard input removes the file
@@ -79,6 +111,7 @@ void VideoWidget::readExportMessages()
             emit exportError(d->exportPath);
             break;
         case ExportEvent::Kind::Done:
+            d->exportIsOpen = false;
             emit exportDone(d->exportPath);
             break;
         case ExportEvent::Kind::Bad:

@@ -8,6 +8,7 @@
 #include "API/Camera.h"
 #include "App/Application.h"
 #include "GUI/Colours.h"
+#include "GUI/IconButton.h"
 #include "GUI/Player/DoubleClickFilter.h"
 #include "GUI/Player/TilePainter.h"
 #include "GUI/Player/VideoWidget.h"
@@ -65,7 +66,7 @@ void VideoWidget::showError(const QString &text)
 void VideoWidget::orientationChanged()
 {
     updateAspectRatio();
-    update();
+    resetZoom();
 }
 
 void VideoWidget::updateAspectRatio()
@@ -80,13 +81,39 @@ void VideoWidget::paintEvent(QPaintEvent *event)
     if (!d->hasPicture)
         paintMessage(painter, rect(), font(), d->errorText);
     else if (isVisible())
-        paintPicture(painter, rect(), fitPicture(size(), d->aspectRatio), d->image,
-                     d->camera->rotation(), d->camera->isMirrored());
+        paintPicture(painter, rect(), picturePlace(), d->image, d->camera->rotation(),
+                     d->camera->isMirrored(), d->zoom);
     else
         paintBackground(painter, rect());
+    if (d->isNameShown && ui->topBar->isHidden())
+        d->nameTag.paint(painter, rect(), font(), d->camera->name(), stateWord());
     if (d->isDragging)
         paintDimming(painter, rect());
     paintBorder(painter, rect(), borderRule().border());
+}
+
+void VideoWidget::setNameShown(bool isShown)
+{
+    d->isNameShown = isShown;
+    update();
+}
+
+QString VideoWidget::stateWord() const
+{
+    if (!d->errorText.isEmpty())
+        return tr("No picture");
+    if (d->state == TileState::Paused)
+        return tr("Paused");
+    if (d->state == TileState::Error)
+        return tr("Interrupted");
+    if (!d->hasPicture)
+        return tr("Connecting");
+    return d->archivePlaying ? tr("Records") : tr("Live");
+}
+
+QRect VideoWidget::picturePlace() const
+{
+    return fitPicture(size(), d->aspectRatio);
 }
 
 BorderRule VideoWidget::borderRule() const
@@ -119,8 +146,11 @@ void VideoWidget::setUpBars()
 void VideoWidget::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    ui->cameraName->setText(ui->cameraName->fontMetrics().elidedText(
-        d->camera->name(), Qt::ElideRight, nameWidth(width())));
+    const QString name = d->camera->name();
+    const QString shown =
+        ui->cameraName->fontMetrics().elidedText(name, Qt::ElideRight, nameWidth(width()));
+    ui->cameraName->setText(shown);
+    ui->cameraName->setToolTip(shown == name ? QString() : nameTip(name));
 }
 
 void VideoWidget::enterEvent(EnterEvent *)

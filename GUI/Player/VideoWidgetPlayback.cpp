@@ -114,6 +114,7 @@ void VideoWidget::onFlagsChanged()
 
 void VideoWidget::timerEvent(QTimerEvent *)
 {
+    noticeEndOfExport();
     boundErrorOutput();
     const bool childRuns = d->childRuns();
     if (childRuns)

@@ -85,12 +85,14 @@ void VideoWidget::pause()
 {
     sendCommand(QStringLiteral("pause"));
     d->state.paused();
+    update();
 }
 
 void VideoWidget::unpause()
 {
     sendCommand(QStringLiteral("unpause"));
     d->state.unpaused();
+    update();
 }
 
 void VideoWidget::setSoundVolume(int volume)
@@ -170,6 +172,7 @@ void VideoWidget::applyVlcState(const QString &vlcState)
     else if (hasFailed)
         d->watchdog.failed(App::Environment::now());
     d->state.told(vlcState);
+    update();
 }
 
 void VideoWidget::applyPosition(int position)

@@ -12,7 +12,9 @@
 #include "API/StreamQuality.h"
 #include "API/Types.h"
 #include "GUI/Player/FrameFile.h"
+#include "GUI/Player/NameTag.h"
 #include "GUI/Player/PictureGeometry.h"
+#include "GUI/Player/PictureZoom.h"
 #include "GUI/Player/TileState.h"
 #include "GUI/Player/Watchdog.h"
 
@@ -45,7 +47,7 @@ public:
     // VideoWidgetPlayer.cpp
     TileState state;
     Watchdog watchdog; ///< its reloads are counted by VideoWidgetPlayback.cpp
-    QString url;       ///< of the child; part of the contract, nothing reads it
+    QString url;       ///< of the child; nothing reads it yet
     QSharedPointer<QProcess> playerProcess;
     QStringList pendingCommands; ///< given while no child ran
     FrameFile frameFile;
@@ -57,7 +59,8 @@ public:
 
     // VideoWidgetExport.cpp
     QSharedPointer<QProcess> exportProcess;
-    QString exportPath; ///< target of the export that was asked for last
+    QString exportPath;        ///< target of the export that was asked for last
+    bool exportIsOpen = false; ///< one was asked for, and has neither been done nor been given up
 
     // VideoWidgetPicture.cpp
     bool hasPicture = false;
@@ -66,6 +69,12 @@ public:
     double aspectRatio = defaultAspectRatio;
     QString errorText; ///< stands in the middle of the tile in place of a picture
     bool isHovered = false;
+    bool isNameShown = false;
+    NameTag nameTag;
+
+    // VideoWidgetZoom.cpp
+    PictureZoom zoom; ///< stays while there is no picture
+    bool isAlone = false;
 
     // VideoWidgetEvents.cpp
     int pressX = 0;
@@ -73,6 +82,7 @@ public:
     bool isDragging = false;
     bool isDropTarget = false;
 
+    QPoint pressPosition() const { return QPoint(pressX, pressY); }
     QSize streamSize() const { return QSize(videoWidth, videoHeight); }
     int effectiveVolume() const { return isActive && soundEnabled ? volume : 0; }
     bool childRuns() const { return playerProcess->state() == QProcess::Running; }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "demo/client/DemoService.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
@@ -22,6 +23,7 @@ using namespace std::chrono_literals;
 // The first start on a machine encodes the test clips.
 constexpr auto readyDeadline = 180s;
 constexpr auto endDeadline = 10s;
+constexpr auto portDeadline = 20s;
 
 QString clipFolder()
 {
@@ -123,7 +125,12 @@ bool DemoService::restart()
           << QStringLiteral("--control-port") << QString::number(controlPort());
     if (!ports.isEmpty())
         again << QStringLiteral("--lan-ports") << ports.join(QLatin1Char(','));
-    return launch(again);
+    // A connection of somebody else's may hold one of the ports for a moment.
+    for (const QDeadlineTimer deadline(portDeadline); !deadline.hasExpired();) {
+        if (launch(again))
+            return true;
+    }
+    return false;
 }
 
 ZorvaneClient::App::ServiceProfile DemoService::profile() const

@@ -6,6 +6,7 @@
 #include "API/Layout.h"
 #include "API/Server.h"
 #include "App/Application.h"
+#include "App/Language.h"
 #include "App/ScreenChoice.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
@@ -110,6 +111,20 @@ private slots:
         QCOMPARE(chosen, "ru_RU"_s);
     }
 
+    void monthsHaveNamesInTheLanguage()
+    {
+        // The week begins as in the user's country.
+        QCOMPARE(App::localeFor("ru"_s, QLocale("de_AT"_s)), QLocale("ru_RU"_s));
+        QCOMPARE(App::localeFor("en"_s, QLocale("de_AT"_s)), QLocale("en_AT"_s));
+        QCOMPARE(App::localeFor("en"_s, QLocale::c()), QLocale::c());
+        application()->translate("ru"_s);
+        const auto *day = openWindow()->findChild<QDateEdit *>("dateEdit"_s);
+        const QString month = QLocale("ru"_s).monthName(day->date().month(), QLocale::ShortFormat);
+        application()->translate("en"_s);
+        App::settings().setValue("common/language"_s, QVariant());
+        QVERIFY2(day->text().startsWith(month), qPrintable(day->text()));
+    }
+
     void firstWindowTakesTheStoredGeometry()
     {
         MainWindow *window = openWindow();
@@ -142,6 +157,18 @@ private slots:
         for (const MainWindow *other : visibleTopLevels<MainWindow>())
             QCOMPARE(other->geometry(),
                      QRect(other == window ? 40 : 70, other == window ? 50 : 80, 960, 540));
+        // Of one that fills its screen nothing goes beyond it.
+        window->showMaximized();
+        QTRY_VERIFY(window->x() < 10);
+        const QList<MainWindow *> before = visibleTopLevels<MainWindow>();
+        const QPoint corner = window->geometry().topLeft() + QPoint(30, 30);
+        emit window->clone();
+        for (MainWindow *next : visibleTopLevels<MainWindow>()) {
+            const QRect place = next->geometry();
+            QVERIFY(before.contains(next) || place.topLeft() == corner);
+            QVERIFY(before.contains(next) ||
+                    place.bottom() == window->screen()->geometry().bottom());
+        }
     }
 
     void furtherWindowTakesTheFreeScreen()
@@ -189,6 +216,15 @@ private slots:
         auto *dialog = visibleTopLevels<GUI::LoginDialog>().first();
         QCOMPARE(dialog->findChild<QLineEdit *>("emailLn"_s)->text(), "a@b.example"_s);
         QCOMPARE(dialog->findChild<QLineEdit *>("passwordLn"_s)->text(), QString());
+    }
+
+    void onTheWallFromTheEnvironment()
+    {
+        qputenv("ZORVANE_KIOSK", "Gate");
+        application()->startLogin();
+        application()->loginSuccessful();
+        qunsetenv("ZORVANE_KIOSK");
+        QVERIFY(visibleTopLevels<MainWindow>().value(0)->isFullScreen());
     }
 
     void signOutEndsAQuestion()

@@ -210,6 +210,25 @@ private slots:
         QCOMPARE(clicked.count(), clicks);
     }
 
+    void aNameBeginsOnTheSideOfItsScript()
+    {
+        for (const QString &name : {"Gate"_s, "שער"_s}) {
+            CameraWidget card(makeCamera(true, name));
+            auto *label = card.findChild<QLabel *>("cameraName");
+            const QRect ink = placeOf(QColor(134, 143, 157), label);
+            QCOMPARE(ink.center().x() < label->width() / 2, name == "Gate"_s);
+        }
+    }
+
+    void aMenuTakesThePlaceOfTheOneBefore()
+    {
+        Preview card(Preview::KindCamera);
+        for (int i = 0; i < 2; ++i)
+            card.setMenu(new QMenu(&card));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(card.findChildren<QMenu *>().size(), 1);
+    }
+
     /// What is cut away is marked in the ellipsis, which has the room of a letter.
     void aPartThatIsFoundIsMarkedInAShortenedName_data()
     {

@@ -17,7 +17,14 @@ inline double luminance(QRgb colour)
            0.0722 * linear(qBlue(colour));
 }
 
-/// Of the colour that stands out most from the most frequent one, by the formula for web pages.
+/// By the formula for web pages.
+inline double contrastOf(QRgb one, QRgb other)
+{
+    const auto [dark, light] = std::minmax({luminance(one), luminance(other)});
+    return (light + 0.05) / (dark + 0.05);
+}
+
+/// Of the colour that stands out most from the most frequent one.
 inline double contrastIn(const QImage &picture)
 {
     QHash<QRgb, int> counts;
@@ -31,10 +38,8 @@ inline double contrastIn(const QImage &picture)
     }
     const QList<QRgb> colours = counts.keys();
     double strongest = 1;
-    for (const QRgb colour : colours) {
-        const auto [dark, light] = std::minmax({luminance(ground), luminance(colour)});
-        strongest = qMax(strongest, (light + 0.05) / (dark + 0.05));
-    }
+    for (const QRgb colour : colours)
+        strongest = qMax(strongest, contrastOf(ground, colour));
     return strongest;
 }
 

@@ -11,6 +11,7 @@
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/SettingsWidget.h"
 #include "GUI/SideBar.h"
+#include "GUI/SpinnerWidget.h"
 #include "tests/support/DialogVisitor.h"
 #include "tests/support/Roster.h"
 #include "tests/support/ScriptedService.h"
@@ -64,6 +65,14 @@ QImage fourColours(int steps, bool isMirrored)
 QImage cornersOf(const QPixmap &pixmap)
 {
     return pixmap.toImage().scaled(2, 2).convertToFormat(QImage::Format_RGB32);
+}
+
+QImage paintingOf(QWidget &widget)
+{
+    QImage image(widget.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    widget.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+    return image;
 }
 
 } // namespace
@@ -148,9 +157,14 @@ private slots:
         SettingsWidget settings;
         QCOMPARE(textIn(&settings, "versionLabel"), current);
         const auto *stack = part<QStackedWidget>(&settings, "updatesStack");
+        GUI::SpinnerWidget spinner;
+        spinner.setLineWidth(2);
+        spinner.setColor(Qt::gray);
         for (int checks = 1; checks <= 3; ++checks) {
             QCOMPARE(stack->currentWidget()->objectName(), "updatesCheckPage"_s);
             QVERIFY(!part(&settings, "spinnerWidget")->isHidden());
+            spinner.resize(part(&settings, "spinnerWidget")->size());
+            QCOMPARE(paintingOf(*part(&settings, "spinnerWidget")), paintingOf(spinner));
             QTRY_COMPARE(stack->currentWidget()->objectName(), page);
             QVERIFY(part(&settings, "spinnerWidget")->isHidden());
             QTRY_COMPARE(visitor.visits(), page == "updatesFoundPage"_s ? checks : 0);
@@ -255,6 +269,8 @@ private slots:
             for (const QString &name : fields)
                 shown += '|' + textIn(dialog, name);
             QVERIFY(accept || (shown == start && isForeign == startsForeign));
+            const auto *first = part<QLineEdit>(dialog, isForeign ? "ipAddress" : "port");
+            QVERIFY(dialog->focusWidget() == first && first->selectedText() == first->text());
             for (const QString &each : {isForeign ? there : here, there, here, choice}) {
                 click(dialog, each);
                 QCOMPARE(part(dialog, "ipAddress")->isEnabled(), each == there);
@@ -265,7 +281,10 @@ private slots:
             }
             for (int i = 0; i < fields.size(); ++i)
                 part<QLineEdit>(dialog, fields.at(i))->setText(typed.at(i));
-            accept ? clickOk(dialog) : clickCancel(dialog);
+            // Return is for the dialog as a whole, wherever the focus is.
+            part(dialog, "showPassword")->setFocus();
+            accept ? QTest::keyClick(part(dialog, "showPassword"), Qt::Key_Return)
+                   : clickCancel(dialog);
         });
         const auto open = [&] { adds ? click(&page, "addServerButton") : page.editServer(server); };
         open();
@@ -312,6 +331,7 @@ private slots:
                 QCOMPARE(shown.size(), QSize(turns % 2 == 0 ? 200 : 112, 150));
                 QCOMPARE(edited->rotation(), before);
             }
+            QCOMPARE(part(dialog, "clockwise")->toolTip(), "Rotate right"_s);
             isAccepted ? clickOk(dialog) : clickCancel(dialog);
         });
         GUI::CameraSettingsDialog::editCamera(edited);

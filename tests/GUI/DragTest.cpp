@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "App/Application.h"
 #include "GUI/CameraWidget.h"
+#include "GUI/CloudToolTip.h"
+#include "GUI/GridSizeEditor.h"
 #include "GUI/LayoutCard.h"
 #include "GUI/LayoutListWidget.h"
 #include "GUI/MainWindow.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/ServerWidget.h"
+#include "GUI/TimelineTooltip.h"
 #include "tests/GUI/GridWorld.h"
 #include "tests/support/MisbehavingServer.h"
+#include "tests/support/RealPointer.h"
+#include "tests/support/ScriptedChild.h"
 #include "tests/support/VirtualDisplay.h"
 
 using namespace ZorvaneClient::GUI;
@@ -16,17 +21,6 @@ namespace {
 
 constexpr int screenHeight = 1440;
 constexpr int deadlineMs = 40000;
-
-/// Such as "mousedown 1", the left button.
-void xdotool(const QString &words)
-{
-    QProcess::execute("xdotool"_s, words.split(' '));
-}
-
-void moveTo(const QPoint &place)
-{
-    xdotool("mousemove %1 %2"_s.arg(place.x()).arg(place.y()));
-}
 
 /// Qt has a window of its own that follows the pointer as long as a drag is on.
 bool isDragOn()
@@ -124,8 +118,12 @@ private:
 QWidget *widgetFor(const MainWindow &window, const QString &words)
 {
     const QStringList place = words.split(' ');
-    if (place.first() == "cell"_s)
-        return widgetAt(*gridOf(window), place.at(1).toInt(), place.at(2).toInt());
+    if (place.size() == 3) {
+        QWidget *cell = widgetAt(*gridOf(window), place.at(1).toInt(), place.at(2).toInt());
+        if (place.first() == "alone"_s)
+            gridOf(window)->toggleMaximised(qobject_cast<Player::VideoWidget *>(cell));
+        return cell;
+    }
     if (words == "grid"_s)
         return gridOf(window);
     QWidget *card = window.findChild<LayoutCard *>();
@@ -150,7 +148,7 @@ private slots:
         QCOMPARE(QGuiApplication::platformName(), "xcb"_s);
         useServiceAt(MisbehavingServer::deadPort());
         addServerToRoster("gate"_s, {"a", "b"});
-        addServerToRoster("yard"_s, {"c", "d", "e"});
+        addServerToRoster("yard"_s, {"c", "d", "e"}, true);
         const API::LayoutPtr layout = layoutOf(". e"_s);
         layout->setName("Ночь & день"_s);
         API::CloudAPIClient().addLayout(layout);
@@ -164,6 +162,7 @@ private slots:
              {"camera to a tile", "camera", "cell 0 1", "VideoWidget", "a c | . ."},
              {"tile to a tile", "cell 0 0", "cell 0 1", "VideoWidget", "b a | . ."},
              {"tile to a placeholder", "cell 0 0", "cell 1 1", "VideoPlaceholder", ". b | . a"},
+             {"from one alone", "alone 0 0", "cell 0 1", "VideoWidget", "b a | . ."},
              {"tile to itself", "cell 0 0", "cell 0 0", "VideoWidget", "a b | . ."},
              {"tile to another window", "cell 0 0", "other", "", "a b | . ."},
              {"server to the grid", "server", "grid", "LayoutWidget", "a b | c d | e ."},
@@ -191,6 +190,7 @@ private slots:
         MouseDrag drag(widgetFor(window, from), target);
         QCOMPARE(drag.run(), taker);
         QCOMPARE(drag.wasLit, !taker.isEmpty());
+        QTRY_COMPARE(misledByThePointer(), QString());
         QCOMPARE(cellsOf(*gridOf(window)), after);
         QCOMPARE(modified.isEmpty(), after == "a b | . ."_s);
         QCOMPARE(cellsOf(*gridOf(other)), "."_s);
@@ -198,6 +198,72 @@ private slots:
         for (const auto *button : window.findChildren<QCheckBox *>("expandButton"_s))
             QVERIFY(button->isChecked());
     }
+
+    /// This display has no compositor, which would show what is behind a translucent window.
+    void bubblesHaveNoBlackCorners()
+    {
+        const QColor behind(Qt::green);
+        QWidget ground;
+        ground.setPalette(behind);
+        ground.resize(500, 400);
+        ground.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&ground));
+        TimelineTooltip time;
+        GridSizeEditor size(&ground);
+        time.move(100, 100);
+        time.show();
+        size.move(100, 200);
+        size.show();
+        CloudToolTip::showTip("A tip of some words"_s, QPoint(300, 200), &ground);
+        for (const QWidget *bubble :
+             QWidgetList{&time, &size, ground.findChild<CloudToolTip *>()}) {
+            const auto seen = [](const QPoint &point) {
+                return QGuiApplication::primaryScreen()->grabWindow(0).toImage().pixelColor(point);
+            };
+            const QRect place = bubble->geometry();
+            QTRY_VERIFY(seen(QPoint(place.center().x(), place.top() + 5)) != behind);
+            for (const QPoint &corner : {place.topLeft(), place.bottomRight()})
+                QCOMPARE(seen(corner), behind);
+        }
+        CloudToolTip::hideTip();
+    }
+
+    /// Mouse and keys on a tile that plays.
+    void closeLook()
+    {
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        window.openLayout(layoutOf("c d"_s));
+        const LayoutWidget &grid = *gridOf(window);
+        QPointer<Player::VideoWidget> tile = grid.player(cameraNamed("c"_s));
+        const auto hand = [&tile] { return tile->cursor().shape(); };
+        moveTo(tile->mapToGlobal(tile->rect().center()));
+        QTRY_VERIFY_WITH_TIMEOUT(tile->isPlaying() && tile->underMouse(), deadlineMs);
+        xdotool("click --repeat 2 --delay 50 1"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(tile->size(), grid.size() - QSize(4, 4), deadlineMs);
+        xdotool("click --repeat 9 4"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(hand(), Qt::OpenHandCursor, deadlineMs);
+        xdotool("key Escape"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(hand(), Qt::ArrowCursor, deadlineMs);
+        QVERIFY(!grid.isMaximised());
+        // One that has no others beside it is alone from the start.
+        window.openLayout(layoutOf("d"_s));
+        tile = grid.player(cameraNamed("d"_s));
+        QTRY_VERIFY_WITH_TIMEOUT(tile->isPlaying() && tile->underMouse(), deadlineMs);
+        xdotool("click --repeat 9 4"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(hand(), Qt::OpenHandCursor, deadlineMs);
+        xdotool("mousedown 1"_s);
+        moveTo(QCursor::pos() + QPoint(60, 40));
+        QTRY_COMPARE_WITH_TIMEOUT(hand(), Qt::ClosedHandCursor, deadlineMs);
+        xdotool("mouseup 1"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(hand(), Qt::OpenHandCursor, deadlineMs);
+        xdotool("key 0"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(hand(), Qt::ArrowCursor, deadlineMs);
+    }
+
+private:
+    const ScriptedChild child{{"solid 64 48 ff0000ff", "print size 64 48\\nframe\\n"}};
 };
 
 int main(int argc, char **argv)
@@ -205,7 +271,7 @@ int main(int argc, char **argv)
     const VirtualDisplay display(1280, screenHeight);
     display.use();
     // Never deleted: what the display's plugin keeps can be told from a leak while it is loaded.
-    auto *application = new QApplication(argc, argv);
+    auto *application = new App::Application(argc, argv);
     application->setStyleSheet(App::Application::globalStyleSheet());
     DragTest test;
     return QTest::qExec(&test, argc, argv);

@@ -2,10 +2,44 @@
 #include "GUI/GridSizeEditor.h"
 #include "GUI/PlayerNotification.h"
 #include "tests/GUI/GridWorld.h"
+#include "tests/support/LogCapture.h"
 
 using namespace ZorvaneClient::GUI;
 using Player::VideoPlaceholder;
 using Player::VideoWidget;
+
+namespace {
+
+/// Steps such as "add c", "close a", "resize 3 1", "drop c 1 0" on that cell, "move 0 0 1 1" from
+/// the first cell to the second, "alone a" as a double click on it asks for.
+void edit(LayoutWidget &grid, const QString &steps)
+{
+    for (const QString &step : steps.split(", "_s, Qt::SkipEmptyParts)) {
+        const QStringList words = step.split(' ');
+        const API::CameraPtr camera = cameraNamed(words.at(1));
+        const auto number = [&words](int place) { return words.at(place).toInt(); };
+        if (words.first() == "add"_s)
+            grid.addCamera(camera);
+        else if (words.first() == "close"_s)
+            grid.removeCamera(camera);
+        else if (words.first() == "resize"_s)
+            grid.resizeLayout(number(1), number(2));
+        else if (words.first() == "alone"_s)
+            emit grid.player(camera)->maximiseRequested(grid.player(camera));
+        else if (words.first() == "drag"_s)
+            emit grid.player(camera)->dragStarting();
+        else if (words.first() == "open"_s)
+            grid.openLayout(API::LayoutPtr::create(*grid.workingLayout()));
+        else if (words.first() == "drop"_s) // a tile and a placeholder have the same signals
+            QMetaObject::invokeMethod(widgetAt(grid, number(2), number(3)), "openCamera",
+                                      Q_ARG(API::CameraPtr, camera));
+        else
+            QMetaObject::invokeMethod(widgetAt(grid, number(3), number(4)), "swapRequested",
+                                      Q_ARG(int, number(1)), Q_ARG(int, number(2)));
+    }
+}
+
+} // namespace
 
 class LayoutWidgetTest : public QObject
 {
@@ -19,11 +53,10 @@ private slots:
         qRegisterMetaType<API::LayoutPtr>("API::LayoutPtr");
         addServerToRoster("five"_s, {"a", "b", "c", "d", "e"});
         addServerToRoster("ten"_s, QVector<QString>(10, "camera"_s).toList());
+        addServerToRoster("online"_s, {"on"}, true);
         addServerToRoster("forty"_s, QVector<QString>(40, "camera"_s).toList());
     }
 
-    /// On a grid: "add c", "close a", "resize 3 1", "drop c 1 0" on that cell, "move 0 0 1 1" from
-    /// the first cell to the second.
     void edits_data()
     {
         rows<QString, QString, QString, QString>(
@@ -58,23 +91,7 @@ private slots:
         grid.openLayout(opened);
         const QString shown = cellsOf(grid);
         QSignalSpy modified(&grid, &LayoutWidget::layoutModified);
-        for (const QString &step : steps.split(", "_s, Qt::SkipEmptyParts)) {
-            const QStringList words = step.split(' ');
-            const API::CameraPtr camera = cameraNamed(words.at(1));
-            const auto number = [&words](int place) { return words.at(place).toInt(); };
-            if (words.first() == "add"_s)
-                grid.addCamera(camera);
-            else if (words.first() == "close"_s)
-                grid.removeCamera(camera);
-            else if (words.first() == "resize"_s)
-                grid.resizeLayout(number(1), number(2));
-            else if (words.first() == "drop"_s) // a tile and a placeholder have the same signals
-                QMetaObject::invokeMethod(widgetAt(grid, number(2), number(3)), "openCamera",
-                                          Q_ARG(API::CameraPtr, camera));
-            else
-                QMetaObject::invokeMethod(widgetAt(grid, number(3), number(4)), "swapRequested",
-                                          Q_ARG(int, number(1)), Q_ARG(int, number(2)));
-        }
+        edit(grid, steps);
         QCOMPARE(cellsOf(grid), after);
         log.sort();
         QCOMPARE(log.join(' '), told);
@@ -86,6 +103,77 @@ private slots:
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QCOMPARE(cellsOf(grid), after);
         QCOMPARE(grid.playerCount(), int(after.count(QRegularExpression("[a-e]"))));
+    }
+
+    void oneTileAlone_data()
+    {
+        rows<QString, QString, QString>({"before", "steps", "seen"},
+                                        {{"alone", "a b | . c", "alone b", "b"},
+                                         {"and back", "a b | . c", "alone b, alone b", "all"},
+                                         {"another", "a b | . c", "alone b, alone c", "c"},
+                                         {"spanning", "a:2x2 . . | . . . | . b c", "alone a", "a"},
+                                         {"in the middle", "b . . | . a . | . . c", "alone a", "a"},
+                                         {"only one cell", "a", "alone a", "all"},
+                                         {"closed", "a b", "alone b, close b", "all"},
+                                         {"another closed", "a b", "alone b, close a", "all"},
+                                         {"added", "a b .", "alone b, add c", "all"},
+                                         {"no room", "a b", "alone b, add c", "b"},
+                                         {"replaced", "a b", "alone b, drop c 0 1", "all"},
+                                         {"moved", "a b", "alone b, move 0 0 0 1", "all"},
+                                         {"dragged", "a b", "alone b, drag b", "all"},
+                                         {"resized", "a b", "alone b, resize 2 2", "all"},
+                                         {"opened again", "a b", "alone b, open it", "all"}});
+    }
+
+    void oneTileAlone()
+    {
+        const auto [before, steps, seen] = row<QString, QString, QString>();
+        LayoutWidget grid;
+        grid.resize(640, 480);
+        grid.openLayout(layoutOf(before));
+        grid.show();
+        QSignalSpy modified(&grid, &LayoutWidget::layoutModified);
+        edit(grid, steps.section(", "_s, 0, 0));
+        QVERIFY(modified.isEmpty());
+        edit(grid, steps.section(", "_s, 1));
+        if (steps.endsWith("drag b"_s)) // which takes it along as it is
+            QCOMPARE(grid.player(cameraNamed("b"_s))->size(), QSize(317, 476));
+        QCoreApplication::processEvents();
+        const bool isAlone = seen != "all"_s;
+        QCOMPARE(grid.isMaximised(), isAlone);
+        for (const VideoWidget *tile : grid.players())
+            QCOMPARE(tile->isVisible(), !isAlone || tile->camera()->name() == seen);
+        for (const VideoPlaceholder *placeholder : grid.findChildren<VideoPlaceholder *>())
+            QCOMPARE(placeholder->isVisible(), !isAlone);
+        if (isAlone)
+            QCOMPARE(grid.player(cameraNamed(seen))->geometry(), QRect(2, 2, 636, 476));
+    }
+
+    void namesOnTiles()
+    {
+        LayoutWidget grid;
+        grid.setNamesShown(true);
+        grid.openLayout(layoutOf("a"_s));
+        const QImage named = grid.players().first()->grab().toImage();
+        grid.setNamesShown(false);
+        QVERIFY(grid.players().first()->grab().toImage() != named);
+    }
+
+    /// No stream is begun anew for a tile that goes, in a pause or not.
+    void oneAloneThatGoes()
+    {
+        const LogCapture log;
+        LayoutWidget grid;
+        for (const bool isPaused : {true, false}) {
+            grid.openLayout(layoutOf("on on . . ."_s));
+            grid.updateQuality();
+            const auto starts = log.linesOf("Open url:"_s).size();
+            isPaused ? grid.pause() : grid.unpause();
+            grid.toggleMaximised(qobject_cast<VideoWidget *>(widgetAt(grid, 0, 0)));
+            isPaused ? grid.removeCamera(cameraNamed("on"_s)) : grid.clear();
+            grid.unpause();
+            QCOMPARE(log.linesOf("Open url:"_s).size(), starts + (isPaused ? 0 : 1));
+        }
     }
 
     /// Who hears of a closed camera may open another layout right there.

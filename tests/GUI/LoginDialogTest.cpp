@@ -94,6 +94,8 @@ struct LoginForm {
         const auto *bar = part<QStackedWidget>("alertsBar");
         if (isSignIn && bar->height() > 0)
             text += ' ' + bar->currentWidget()->objectName();
+        if (!isSignIn && part<QRadioButton>("defaultChoice")->isChecked())
+            text += " default"_s;
         for (const QLineEdit *field : proxyFields)
             text += field->isVisible() ? ' ' + field->text() : QString();
         const bool isAtRest = dialog.currentWidget()->pos().isNull() &&
@@ -280,7 +282,7 @@ private slots:
     {
         const QString plain = "sign-in 413"_s;
         const QString bar = "sign-in 451 usesProxyWgt"_s;
-        const QString choices = "settings 365"_s;
+        const QString choices = "settings 365 default"_s;
         const QString oldFields = "settings 535 " + oldProxy.split(':').join(' ');
         const QString noFields = "settings 535    "_s; // four empty ones
         const QString typo = "settings 535 typo 1 2 3"_s;
@@ -289,6 +291,9 @@ private slots:
             {{"turned on and off",
               {plain, "settingsButton settingsButton", choices, "proxyChoice", noFields, "Return",
                bar, "settingsButton", noFields, "defaultChoice", choices, "doneButton", plain}},
+             {"turned on and taken back",
+              {plain, "settingsButton", choices, "proxyChoice", noFields, "cancelButton", plain,
+               "settingsButton", choices}},
              {"turned off and taken back",
               {bar, "settingsPBtn2", oldFields, "typo:1:2:3", typo, "defaultChoice", choices,
                "cancelButton", bar, "settingsButton", oldFields}}});
@@ -308,7 +313,9 @@ private slots:
                 if (pressed.contains(':'))
                     form.fillProxy(pressed);
                 else if (pressed == "Return"_s)
-                    QVERIFY(form.pressKey(Qt::Key_Return, "passwordLn"));
+                    for (const char *field :
+                         {"proxyPassword", "proxyLogin", "proxyPort", "proxyHost", "passwordLn"})
+                        QVERIFY(form.pressKey(Qt::Key_Return, field));
                 else
                     form.press(pressed);
             }

@@ -10,6 +10,7 @@
 #include "GUI/LayoutCard.h"
 #include "GUI/LayoutListWidget.h"
 #include "GUI/RosterWidget.h"
+#include "GUI/Timeline.h"
 #include "tests/GUI/GridWorld.h"
 #include "tests/support/ScriptedChild.h"
 #include "tests/support/ScriptedService.h"
@@ -67,8 +68,7 @@ private slots:
         qRegisterMetaType<API::LayoutPtr>("API::LayoutPtr");
         QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::CacheLocation));
         useServiceAt(MisbehavingServer::deadPort());
-        addServerToRoster("s"_s, {"a", "b", "c"});
-        addServerToRoster("online"_s, {"x"}, true);
+        fillRoster();
     }
 
     void cleanup()
@@ -105,12 +105,61 @@ private slots:
 
         const QPointer<QProcess> process = tile->findChild<QProcess *>();
         QCOMPARE(process->state(), QProcess::Running);
+        window.showArchivePanels();
         emit tile->closed(tile);
         QVERIFY2(tile, "the tile went in the middle of its own signal");
         // Before the event loop turns: a layout that follows has its own players to start.
         QCOMPARE(process->state(), QProcess::NotRunning);
         QCOMPARE(shownBy(window), "empty ."_s);
+        QVERIFY2(window.findChild<Timeline *>()->isHidden(), "the next view is not live");
         QTRY_VERIFY(!tile);
+    }
+
+    void theWindowSaysWhatIsOpen()
+    {
+        MainWindow window;
+        MainWindow other;
+        window.show();
+        window.findChild<RosterWidget *>()->updateRoster();
+        // The title, and the names on the cards with an accent along the edge.
+        const auto shown = [](const MainWindow &which) {
+            QString words = which.windowHandle() ? which.windowHandle()->title() : QString();
+            words.replace(QCoreApplication::applicationName(), "program"_s);
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            QStringList names;
+            for (auto *card : which.findChildren<Preview *>()) {
+                const QString name = card->findChild<QLabel *>("cameraName"_s)->text();
+                if (card->grab().toImage().pixelColor(2, 70) == QColor(62, 183, 253))
+                    names.append(name.section(" (offline"_s, 0, 0));
+            }
+            names.sort();
+            return (QStringList{words} + names).join(' ');
+        };
+        QCOMPARE(shown(window), "program"_s);
+        const API::LayoutPtr layout = layoutOf("a . | b ."_s);
+        layout->setName("Gate\n[*]"_s);
+        window.openLayout(layout);
+        QCOMPARE(shown(window), "Gate [*] — program a b"_s);
+        // Cards that come later know it too.
+        API::CloudAPIClient().clearRoster();
+        window.findChild<RosterWidget *>()->updateRoster();
+        fillRoster();
+        for (MainWindow *each : {&window, &other}) {
+            each->findChild<RosterWidget *>()->updateRoster();
+            each->findChild<LayoutListWidget *>()->updateLayouts({{layout->id(), layout}});
+        }
+        QCOMPARE(shown(window), "Gate [*] — program Gate\n[*] a b"_s);
+        QCOMPARE(shown(other), QString());
+        window.addToLayout(cameraNamed("c"_s));
+        auto *tile = gridOf(window)->player(layout->cellAt(1, 0).camera);
+        emit tile->closed(tile);
+        window.findChild<QLineEdit *>("layoutNameEdit"_s)->setText("Yard"_s);
+        QCOMPARE(shown(window), "Yard — program Gate\n[*] a c"_s);
+        window.findChild<InfoPanel *>()->enterViewMode(); // nobody is here to be asked
+        window.openCamera(cameraNamed("b"_s));
+        QCOMPARE(shown(window), "b — program b"_s);
+        window.findChild<QAction *>("actionClose"_s)->trigger();
+        QCOMPARE(shown(window), "program"_s);
     }
 
     void menusOfTheRoster()
@@ -254,7 +303,17 @@ private slots:
              {"high", "x . . . . | . . . . .", "setHighQuality", 2},
              {"automatic again", "x", "setLowQuality setAutoQuality", 2},
              {"resized", "x", "2x5", 0},
-             {"resized after a choice", "x .", "setMidQuality 2x5", 2}});
+             {"resized after a choice", "x .", "setMidQuality 2x5", 2},
+             {"alone", "x . . . . | . . . . .", "alone", 2},
+             {"no longer alone", "x . . . . | . . . . .", "alone alone", 0},
+             {"alone after a choice", "x . . . . | . . . . .", "setMidQuality alone", 1},
+             {"a choice while alone", "x . . . .", "alone setLowQuality alone", 0},
+             {"automatic while alone", "x . . . .", "setLowQuality alone setAutoQuality", 2},
+             {"and back", "x . . . .", "setLowQuality alone setAutoQuality alone", 1},
+             {"alone in a pause", "x . . . .", "pause alone", 1},
+             {"after the pause", "x . . . .", "pause alone play", 2},
+             {"chosen in a pause", "x . . . .", "pause alone setLowQuality play", 0},
+             {"back after it", "x . . . .", "alone pause alone alone alone play", 1}});
     }
 
     /// What the tile asks the service for.
@@ -267,6 +326,8 @@ private slots:
         for (const QString &step : then.split(' ')) {
             if (step == "2x5"_s)
                 emit window.findChild<InfoPanel *>()->layoutSizeChanged(2, 5);
+            else if (step == "alone"_s)
+                QTest::keyClick(&window, Qt::Key_Return);
             else if (!step.isEmpty())
                 QMetaObject::invokeMethod(window.findChild<ControlPanel *>(), qPrintable(step));
         }
@@ -299,10 +360,32 @@ private slots:
         QCOMPARE(shown(), " on the whole screen"_s);
         QTest::keyClick(&window, Qt::Key_Escape);
         QCOMPARE(shown(), all);
+        // Of two things to come back from, one tile alone is the first.
+        window.openLayout(layoutOf("a b"_s));
+        click(window, "fullscreenButton"_s);
+        QTest::keyClick(&window, Qt::Key_Enter);
+        QVERIFY(gridOf(window)->isMaximised());
+        QTest::keyClick(&window, Qt::Key_Escape);
+        QVERIFY(!gridOf(window)->isMaximised() && window.isFullScreen());
+        QTest::keyClick(&window, Qt::Key_Escape);
+        QCOMPARE(shown(), all);
+        // The arrows lead from one that is alone to the next, and to edit means to see them all.
+        QTest::keyClick(&window, Qt::Key_Enter);
+        QTest::keyClick(&window, Qt::Key_Right, Qt::ControlModifier);
+        QVERIFY(gridOf(window)->player(cameraNamed("b"_s))->isVisible());
+        QVERIFY(!gridOf(window)->player(cameraNamed("a"_s))->isVisible());
+        window.startLayoutEditor();
+        QVERIFY(gridOf(window)->player(cameraNamed("a"_s))->isVisible());
         click(window, "hideRosterButton"_s);
         click(window, "fullscreenButton"_s);
         click(window, "fullscreenButton"_s);
         QCOMPARE(shown(), "InfoPanel showPBtn"_s);
+        // The button follows what others switch.
+        const auto *button = window.findChild<QPushButton *>("fullscreenButton"_s);
+        for (const bool isOn : {true, false}) {
+            window.onFullscreen();
+            QCOMPARE(button->isChecked(), isOn);
+        }
     }
 
     void theWindowIsRemembered()
@@ -310,6 +393,7 @@ private slots:
         MainWindow window;
         click(window, "layoutsButton"_s);
         QCOMPARE(App::settings().value("mainWindow/openTab"_s), QVariant("Layouts"_s));
+        QTest::keyClick(&window, Qt::Key_N);
         QSignalSpy closed(&window, &MainWindow::closeRequested);
         window.close();
         QCOMPARE(closed.count(), 1);
@@ -317,6 +401,9 @@ private slots:
         MainWindow next;
         next.show();
         QVERIFY(next.findChild<LayoutListWidget *>()->isVisible());
+        QVERIFY(gridOf(next)->areNamesShown());
+        QTest::keyClick(&next, Qt::Key_N);
+        QVERIFY(!gridOf(next)->areNamesShown());
         next.setRosterMode();
         QVERIFY(!next.findChild<LayoutListWidget *>()->isVisible());
         QCOMPARE(App::settings().value("mainWindow/openTab"_s), QVariant("Cameras"_s));
@@ -348,6 +435,13 @@ private slots:
         file.write(R"({"last_update": 2000000000, "layouts": [{"name": "Night", "id": "n"}]})");
         file.close();
         QTRY_COMPARE_WITH_TIMEOUT(shownNames(list), QStringList{"Night"}, 20000);
+    }
+
+private:
+    static void fillRoster()
+    {
+        addServerToRoster("s"_s, {"a", "b", "c"});
+        addServerToRoster("online"_s, {"x"}, true);
     }
 };
 

@@ -99,12 +99,19 @@ private slots:
         panel->enterEditMode();
         panel->enterEmptyMode();
         QCOMPARE(shownBy(*panel), "1 settingsPage 1"_s);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(panel->findChildren<QMenu *>().size(), 1);
     }
 
     void pickedSizeIsTakenOnceThePopupIsClosed()
     {
         press("gridSizeButton");
         auto *editor = find<GridSizeEditor>();
+        QCOMPARE(editor->cursor().shape(), Qt::PointingHandCursor);
+        QTest::mouseMove(editor, QPoint(45, 25));
+        QTRY_COMPARE(QToolTip::text(), "3 × 2"_s);
+        QTest::mouseMove(editor, QPoint(45, 5)); // above the matrix
+        QTRY_VERIFY(!QToolTip::isVisible());
         QSignalSpy picked(find<InfoPanel>(), &InfoPanel::layoutSizeChanged);
         connect(find<InfoPanel>(), &InfoPanel::layoutSizeChanged, editor,
                 [editor] { QVERIFY(!editor->isVisible()); });
@@ -116,9 +123,33 @@ private slots:
     {
         auto *panel = find<InfoPanel>();
         auto *edit = find<QLineEdit>("layoutNameEdit");
-        panel->setTitle("A name longer than its field "_s.repeated(10));
+        // Of a word in capitals only the ellipsis leaves the upper half free.
+        const auto endsInDots = [edit] {
+            const QImage shown = edit->grab().toImage();
+            int end = shown.width() - 1;
+            while (end > 0 && lit(shown.copy(end, 0, 1, shown.height())) == 0)
+                --end;
+            return lit(shown.copy(end - 7, 0, 8, shown.height() / 2)) == 0;
+        };
+        const auto tip = [edit] {
+            QHelpEvent ask(QEvent::ToolTip, QPoint(5, 5), edit->mapToGlobal(QPoint(5, 5)));
+            QCoreApplication::sendEvent(edit, &ask);
+            return QToolTip::isVisible() ? QToolTip::text() : QString();
+        };
+        QCOMPARE(tip(), QString());
+        const QString name = QString(99, 'W') + "<b>";
+        panel->setTitle(name);
         QCOMPARE(edit->cursorPosition(), 0);
+        QVERIFY(endsInDots());
+        edit->setStyleSheet("background: rgb(200, 0, 0);"_s);
+        QCOMPARE(edit->grab().toImage().pixelColor(1, 15), QColor(200, 0, 0));
+        edit->setStyleSheet(QString());
+        QCOMPARE(tip(), "<span>%1</span>"_s.arg(name.toHtmlEscaped()));
+        QToolTip::hideText();
+        QTRY_VERIFY(!QToolTip::isVisible());
         panel->enterEditMode();
+        QVERIFY(!endsInDots());
+        QCOMPARE(tip(), QString());
         edit->setFocus();
         QTRY_VERIFY(edit->hasFocus());
         edit->setCursorPosition(edit->text().size());
@@ -250,6 +281,7 @@ private slots:
             openCalendar(QPoint(x, place.y()));
             const QPoint fifth = cells()[5].center();
             QWidget *days = calendar()->window()->childAt(fifth);
+            QCOMPARE(days->cursor().shape(), Qt::PointingHandCursor);
             QTest::mouseClick(days, Qt::LeftButton, Qt::NoModifier,
                               days->mapFrom(calendar()->window(), fifth));
             QTRY_VERIFY(!QApplication::activePopupWidget());

@@ -4,27 +4,20 @@
 #include "tests/support/Test.h"
 
 #include "API/CloudAPIClient.h"
-#include "API/Layout.h"
 #include "API/LocalServer.h"
 #include "App/Application.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
 #include "GUI/CameraSettingsDialog.h"
 #include "GUI/ElidedLabel.h"
+#include "GUI/KeyCard.h"
 #include "GUI/LayoutListWidget.h"
 #include "GUI/LocalServerDialog.h"
-#include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
-#include "GUI/RosterWidget.h"
 #include "tests/GUI/Contrast.h"
-#include "tests/support/DialogVisitor.h"
+#include "tests/GUI/Scenes.h"
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/Roster.h"
-
-using Look = std::function<void(QWidget *)>;
-/// Shows a window to a look at it, and takes it away.
-using Scene = std::function<void(const Look &)>;
-Q_DECLARE_METATYPE(Scene)
 
 namespace {
 
@@ -37,52 +30,8 @@ const QStringList paleTexts =
     "proxyChoice proxyHostLbl proxyLoginLbl proxyPasswordLbl proxyPortLbl remindButton "
     "restartButton restartNotice settingsLabel signUpButton signoutButton updateFailsLabel "
     "updatesLabel versionLabel"_s.split(QLatin1Char(' '));
-const QString serverId = "s1"_s;
-
-API::LayoutPtr yardLayout()
-{
-    const auto layout = API::LayoutPtr::create();
-    layout->resize(2, 2);
-    layout->setCamera(rosterCamera(serverId, 1), 0, 0, 1, 1);
-    return layout;
-}
-
-/// Everything there is: both kinds of servers, cards, tiles, empty cells, an edited layout.
-void showMainWindow(const Look &look)
-{
-    GUI::MainWindow window;
-    window.show();
-    window.findChild<GUI::RosterWidget *>()->updateRoster();
-    window.findChild<GUI::LayoutListWidget *>()->updateLayouts();
-    window.openLayout(yardLayout());
-    window.addToLayout(rosterCamera(serverId, 2));
-    window.showArchivePanels();
-    window.startLayoutEditor();
-    for (const char *part : {"restartNotice", "restartButton", "messageWidget"})
-        window.findChild<QWidget *>(QLatin1String(part))->show();
-    QCoreApplication::processEvents();
-    look(&window);
-}
-
-void showSignIn(const Look &look)
-{
-    App::settings().setValue("proxy/useProxy"_s, true);
-    GUI::LoginDialog dialog;
-    dialog.show();
-    App::settings().setValue("proxy/useProxy"_s, false);
-    look(&dialog);
-}
-
-/// For a dialog that comes back only when it is closed.
-Scene dialogScene(const std::function<void()> &open)
-{
-    return [open](const Look &look) {
-        const DialogVisitor visitor(look);
-        open();
-        QCOMPARE(visitor.visits(), 1);
-    };
-}
-
+/// Half transparent while they are disabled.
+const QStringList dimmed = {"signInButton", "exportModeButton"};
 /// Calls `look` with each visible part of the window, for each page of each stack in front.
 void visitPages(QWidget *window, const Look &look)
 {
@@ -261,15 +210,17 @@ private slots:
     void noEnglishIsLeft()
     {
         QFETCH(Scene, scene);
-        QFile file(QStringLiteral(ZORVANE_SOURCE_DIR "/translations/ZorvaneClient_ru.ts"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
         QMultiHash<QString, QString> english; // by the translation
         QString source;
-        for (QXmlStreamReader xml(&file); !xml.atEnd(); xml.readNext()) {
-            if (xml.isStartElement() && xml.name() == "source"_s)
-                source = xml.readElementText();
-            else if (xml.isStartElement() && xml.name() == "translation"_s)
-                english.insert(xml.readElementText(), source);
+        for (const QString &name : {"ZorvaneClient_ru.ts"_s, "ZorvaneClientLater_ru.ts"_s}) {
+            QFile file(ZORVANE_SOURCE_DIR "/translations/" + name);
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            for (QXmlStreamReader xml(&file); !xml.atEnd(); xml.readNext()) {
+                if (xml.isStartElement() && xml.name() == "source"_s)
+                    source = xml.readElementText();
+                else if (xml.isStartElement() && xml.name() == "translation"_s)
+                    english.insert(xml.readElementText(), source);
+            }
         }
         english.remove(QString());
         const QStringList sources = english.values();
@@ -298,7 +249,7 @@ private slots:
         QFETCH(Scene, scene);
         QFETCH(int, controls);
         QFETCH(QStringList, parts);
-        QSet<QWidget *> seen;
+        QSet<QPair<QWidget *, bool>> seen; // enabled and disabled
         scene([&](QWidget *window) {
             const QWidgetList all = window->findChildren<QWidget *>();
             for (const QWidget *part : all) {
@@ -310,12 +261,19 @@ private slots:
                 parts.removeAll(part->objectName());
                 if (!holdsItsText(part))
                     faults.insert(nameOf(part));
-                if (textOf(part).isEmpty() || !part->isEnabled() || seen.contains(part))
+                const bool isHeading = part->objectName() == "controlBar"_s &&
+                                       part->parentWidget()->objectName() == "ServerWidget"_s;
+                const bool isClicked = isHeading || qobject_cast<QAbstractButton *>(part) ||
+                                       part->inherits("TippedButton");
+                if (isClicked && part->cursor().shape() != Qt::PointingHandCursor)
+                    faults.insert(nameOf(part) + " has no hand"_s);
+                if (textOf(part).isEmpty() || dimmed.contains(part->objectName()) ||
+                    seen.contains({part, part->isEnabled()}))
                     return;
-                seen.insert(part);
+                seen.insert({part, part->isEnabled()});
                 if (auto *edit = qobject_cast<QLineEdit *>(part)) {
                     const QSignalBlocker blocker(edit);
-                    if (!edit->placeholderText().isEmpty())
+                    if (!edit->placeholderText().isEmpty() && edit->isEnabled())
                         edit->clear(); // shows what to type
                 }
                 // Enlarged, so that thin letters have their full colour; without the round ends.
@@ -367,21 +325,60 @@ private slots:
         QVERIFY(!seen.isEmpty());
     }
 
-    /// They inherit the sheet of their button, which colours all that lies in the bar.
-    void popupsStandOut()
+    /// They inherit the sheets of what they belong to, which colour all that lies there.
+    void tipsStandOut()
     {
-        showMainWindow([](QWidget *window) {
-            auto *button = window->findChild<QWidget *>("pauseButton"_s);
-            QHelpEvent ask(QEvent::ToolTip, QPoint(5, 5), button->mapToGlobal(QPoint(5, 5)));
-            QCoreApplication::sendEvent(button, &ask);
-            QImage tip;
-            const QWidgetList tops = QApplication::topLevelWidgets();
-            for (QWidget *top : tops) {
-                if (top->inherits("QTipLabel") && top->isVisible())
-                    tip = top->grab().toImage();
-            }
-            QVERIFY(!tip.isNull() && contrastIn(tip) >= readableContrast);
+        QSet<QWidget *> seen;
+        int tips = 0;
+        showMainWindow([&](QWidget *window) {
+            visitPages(window, [&](QWidget *part) {
+                if (part->toolTip().isEmpty() || seen.contains(part))
+                    return;
+                seen.insert(part);
+                QHelpEvent ask(QEvent::ToolTip, QPoint(5, 5), part->mapToGlobal(QPoint(5, 5)));
+                QCoreApplication::sendEvent(part, &ask);
+                const QWidgetList tops = QApplication::topLevelWidgets();
+                for (QWidget *top : tops) {
+                    if (!top->inherits("QTipLabel") || !top->isVisible())
+                        continue;
+                    ++tips;
+                    const QImage tip = top->grab().toImage();
+                    if (tip.pixelColor(0, 0) != QColor(108, 118, 136))
+                        faults.insert(nameOf(part) + " has another frame"_s);
+                    const double contrast = contrastIn(tip);
+                    if (contrast < readableContrast)
+                        faults.insert("%1: %2"_s.arg(nameOf(part)).arg(contrast));
+                }
+                QToolTip::hideText();
+            });
         });
+        QVERIFY2(tips > 20, QByteArray::number(tips));
+    }
+
+    /// All that the palette puts one on the other, whatever the widget is up to.
+    void paletteStandsOut()
+    {
+        using P = QPalette;
+        const QMultiMap<P::ColorRole, P::ColorRole> grounds = {{P::WindowText, P::Window},
+                                                               {P::Text, P::Base},
+                                                               {P::Text, P::AlternateBase},
+                                                               {P::ButtonText, P::Button},
+                                                               {P::Link, P::Base},
+                                                               {P::Link, P::Window},
+                                                               {P::LinkVisited, P::Window},
+                                                               {P::PlaceholderText, P::Base},
+                                                               {P::HighlightedText, P::Highlight}};
+        for (auto pair = grounds.cbegin(); pair != grounds.cend(); ++pair) {
+            for (const P::ColorGroup group : {P::Active, P::Inactive, P::Disabled}) {
+                const QPalette palette = QApplication::palette();
+                const double contrast = contrastOf(palette.color(group, pair.key()).rgb(),
+                                                   palette.color(group, pair.value()).rgb());
+                if (contrast < readableContrast)
+                    faults.insert("%1 %2: %3"_s.arg(pair.key()).arg(group).arg(contrast));
+            }
+        }
+        // The style that main() asks for, as a desktop would, moves the text of a pressed button.
+        QCOMPARE(qApp->style()->pixelMetric(QStyle::PM_ButtonShiftHorizontal), 0);
     }
 
     void everyPictureHasItsForms()
@@ -407,11 +404,18 @@ private:
         const QStringList mainParts = {"updateFailsLabel", "downloadButton", "hideRecordsButton",
                                        "exportingLabel"};
         const QStringList signInParts = {"usesProxyLbl", "settingsPBtn2", "doneButton"};
+        const Scene keys = [](const Look &look) {
+            GUI::MainWindow window;
+            auto *card = new GUI::KeyCard(&window);
+            card->showOver(window);
+            look(card);
+        };
         // Controls at least, and some of the deep parts.
         rows<Scene, int, QStringList>({"scene", "controls", "parts"},
                                       {{"main window", showMainWindow, 40, mainParts},
                                        {"sign-in", showSignIn, 15, signInParts},
                                        {"LAN server", server, 7, {"ipLabel"}},
+                                       {"keys", keys, 0, {"title"}},
                                        {"camera", camera, 5, {"rotationBlock"}}});
     }
 
@@ -430,6 +434,7 @@ private:
 int main(int argc, char *argv[])
 {
     qputenv("QT_SCALE_FACTOR", "2");
+    qputenv("QT_STYLE_OVERRIDE", "windows");
     App::settings().setValue("common/language"_s, "ru"_s);
     App::Application application(argc, argv);
     application.setStyleSheet(App::Application::globalStyleSheet());

@@ -322,11 +322,32 @@ private slots:
             {"no message", [this] { timeline->hideText(); }}};
         for (const auto &[name, change] : changes) {
             QTRY_COMPARE(onScreen(*timeline), picture(*timeline));
+            QCoreApplication::processEvents(); // no paint is on its way any more
             const QImage before = onScreen(*timeline);
             change();
             QTRY_VERIFY2(onScreen(*timeline) != before, name);
             QTRY_COMPARE(onScreen(*timeline), picture(*timeline));
         }
+    }
+
+    void theEmptyStripOfAnotherDayTellsWhy()
+    {
+        const auto hasTip = [this] {
+            QHelpEvent ask(QEvent::ToolTip, QPoint(300, 30), QPoint(300, 30));
+            return QCoreApplication::sendEvent(timeline.data(), &ask) && ask.isAccepted();
+        };
+        const API::CameraPtr camera = putCamera(*timeline, world, 1, recordsOf("10:00 to 11:00"));
+        timeline->showText("busy"_s);
+        QVERIFY2(!hasTip(), "there are bars");
+        QSignalSpy received(camera.data(), &API::Camera::recordsChanged);
+        timeline->changeDate(stripDay.addDays(1));
+        QVERIFY(received.wait() && hasTip());
+        QCOMPARE(QToolTip::text(), "No records"_s);
+        timeline->setCurrentValue(at("+1 12:00"));
+        QVERIFY2(!hasTip(), "it is painted");
+        timeline->setCurrentValue(at("12:00"));
+        timeline->hideText();
+        QVERIFY(!hasTip());
     }
 
     void activeCameraAndExport()

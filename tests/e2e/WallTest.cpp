@@ -88,7 +88,7 @@ private slots:
         // The other machine runs before the layout is saved, with its first copy of the list.
         ClientProcess other(folder);
         other.remember(service.email(), service.password(), "en"_s);
-        QFile leftOver(folder + "/tmp/zorvane-player-dead"_s);
+        QFile leftOver(folder + "/tmp/zorvane-player-99999"_s);
         QVERIFY(leftOver.open(QIODevice::ReadWrite));
         QVERIFY(leftOver.setFileTime(stampOfTheDead, QFileDevice::FileModificationTime));
         QVERIFY(other.start({}));

@@ -60,6 +60,9 @@ void takeRoster(Studio &studio)
     auto *menuButton = card(studio.good.first().server, studio.good.first().camera)
                            ->findChild<QPushButton *>(QStringLiteral("previewMenu"));
     studio.takeMenu("card-menu", "The menu of a camera's card", menuButton, sidePlace());
+    auto *chosen = card(studio.good.first().server, studio.good.first().camera);
+    focusByTab(chosen);
+    studio.take("roster-keyboard", "Tab has come to a card", sidePlace());
     GUI::ServerWidget *server = serverOf(studio.lan);
     roster->ensureWidgetVisible(server);
     settle();
@@ -91,6 +94,7 @@ void takeLayouts(Studio &studio)
     studio.take("layouts-search", "A search in the layouts", sidePlace());
     searchField()->clear();
     studio.open(wide);
+    studio.take("layout-open", "The open layout is marked", sidePlace());
     auto *panel = mainWindow()->findChild<GUI::InfoPanel *>();
     studio.takeMenu("view-menu", "The menu of the open view",
                     panel->findChild<QPushButton *>(QStringLiteral("settingsButton")),

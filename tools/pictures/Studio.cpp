@@ -191,6 +191,19 @@ QWidget *partNamed(const char *name)
     return part;
 }
 
+void focusByTab(const QWidget *widget)
+{
+    mainWindow()->activateWindow();
+    waitFor([] { return mainWindow()->isActiveWindow(); }, "active window");
+    constexpr int mostPresses = 200;
+    for (int presses = 0; presses < mostPresses && !widget->hasFocus(); ++presses) {
+        QWidget *focused = QApplication::focusWidget();
+        QTest::keyClick(focused ? focused : mainWindow(), Qt::Key_Tab);
+    }
+    require(widget->hasFocus(), "focus by Tab");
+    settle();
+}
+
 void hover(QWidget *widget)
 {
     // A pointer that stands still enters nothing.

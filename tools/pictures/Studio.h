@@ -72,6 +72,8 @@ QRect gridPlace();
 QRect sidePlace();
 /// The child of the main window of that name.
 QWidget *partNamed(const char *name);
+/// Presses Tab until the widget has the focus.
+void focusByTab(const QWidget *widget);
 /// Puts the pointer on the middle of the widget.
 void hover(QWidget *widget);
 /// Puts it where nothing takes notice.

@@ -50,6 +50,21 @@ void takeMessages(Studio &studio)
     studio.service.clearFaults();
 }
 
+/// One tile of the open grid alone, the whole of it and a part.
+void takeCloseLook(Studio &studio)
+{
+    GUI::LayoutWidget *grid = gridOf(mainWindow());
+    grid->toggleMaximised(tile());
+    waitFor([] { return stripOf(tile()).has_value(); }, "picture of the tile alone");
+    studio.take("tile-alone", "One tile of a grid alone");
+    const QPointF place(tile()->width() / 3.0, tile()->height() / 2.0);
+    QWheelEvent wheel(place, tile()->mapToGlobal(place.toPoint()), QPoint(), QPoint(0, 720),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(tile(), &wheel);
+    studio.take("tile-zoomed", "A part of its picture, and the map that shows which", gridPlace());
+    grid->showAllTiles();
+}
+
 void takeEditing(Studio &studio)
 {
     pressTab("layoutsButton");
@@ -104,10 +119,18 @@ void takeWalls(Studio &studio)
     hoverNothing();
     studio.open(studio.layout(QStringLiteral("2 x 2"), 2, 2));
     studio.take("wall-2x2", "Four cameras, one of them chosen");
+    focusByTab(gridOf(mainWindow())->players().last());
+    studio.take("wall-keyboard", "Tab has come to a tile", gridPlace());
     studio.open(studio.layout(QStringLiteral("3 x 3"), 3, 3));
     studio.takeAtAnyScale("wall-3x3", "Nine cameras");
     studio.open(studio.layout(QStringLiteral("4 x 4"), 4, 4));
     studio.take("wall-4x4", "Sixteen cameras");
+    takeCloseLook(studio);
+    gridOf(mainWindow())->setNamesShown(true);
+    waitForPictures("grid");
+    studio.take("wall-names", "The tiles tell their cameras' names and what they show",
+                gridPlace());
+    gridOf(mainWindow())->setNamesShown(false);
     press(mainWindow(), "hideRosterButton");
     studio.take("wall-wide", "The panels at the side are hidden");
     press(mainWindow(), "showPBtn");
@@ -121,6 +144,9 @@ void takeControls(Studio &studio)
     const QRect place = placeOf(panel);
     hoverNothing();
     studio.take("controls-live", "The controls while live", place);
+    focusByTab(partNamed("pauseButton"));
+    studio.take("controls-keyboard", "Tab has come to a button", place);
+    QTest::mouseClick(panel, Qt::LeftButton, Qt::NoModifier, QPoint(1, 1)); // away with the frame
     hover(partNamed("soundButton"));
     studio.take("controls-sound", "The volume", place);
     press(mainWindow(), "soundButton");

@@ -299,9 +299,50 @@ private slots:
         QTRY_COMPARE(*told, QStringList({"started", "9", "error " + film, "done " + film}));
         QCOMPARE(log.linesOf("Bad VLC input \"export-percent\""_s).size(), 1);
         QCOMPARE(tile.starts().size(), 1);
+        QTRY_VERIFY(!tile.isExporting());
+        tick(tile);
+        QCOMPARE(log.linesOf("Cannot export"_s), QStringList());
         // The next one can begin when that one has died.
         QTRY_VERIFY((tile.exportFragment(noon, noon.addSecs(300)),
                      QCoreApplication::processEvents(), told->size() > 4));
+    }
+
+    void failedExports_data()
+    {
+        // The last line names the stream.
+        const QString why =
+            "complain 1 vlc-stream: no sound\\nvlc-stream: can't make x\\nhttp://abc/?key=pass\\n|"_s;
+        const QString error = "error " + film;
+        rows<QString, QString, QString>(
+            {"script", "told", "logged"},
+            {{"a word", why + "print export-error\\n|exit 1", error, "can't make x\""},
+             {"no word", why + "exit 1", "", "can't make x\""},
+             {"no reason", "exit 3", "", "ended with exit code 3"},
+             {"killed", "die", "", "was killed"},
+             {"not started", "", error, "No such file"}});
+    }
+
+    void failedExports()
+    {
+        const auto [script, told, logged] = row<QString, QString, QString>();
+        ScriptedTile tile(script, camera());
+        if (script.isEmpty())
+            App::Environment::setPlayerProgram("/nowhere"_s);
+        const auto words = exportWords(tile);
+        const LogCapture log;
+        const auto end = [&tile](const std::function<void()> &next) {
+            tile.exportFragment(noon, noon.addSecs(300));
+            QTRY_VERIFY(!tile.isExporting());
+            next();
+        };
+        end([&] { tick(tile), tick(tile); });
+        QCOMPARE(words->join(' '), told);
+        end([&] { end([&] { tile.cancelExport(); }); });
+        const QStringList lines = log.linesOf("Cannot export \"%1\" : "_s.arg(film));
+        QCOMPARE(lines.size(), 3);
+        QVERIFY2(lines.first().contains(logged), qPrintable(lines.first()));
+        QCOMPARE(log.lines().filter("pass"_s), QStringList());
+        QVERIFY(QFileInfo(films).isDir());
     }
 
     void endsOfExports()
@@ -313,6 +354,7 @@ private slots:
             const ScriptedChild child(script.split('|'));
             auto tile = std::make_unique<VideoWidget>(camera());
             const auto told = exportWords(*tile);
+            const LogCapture log;
             tile->cancelExport(); // none is there
             for (const bool isCancelled : {true, false}) {
                 tile->exportFragment(noon, noon.addSecs(300));
@@ -323,7 +365,9 @@ private slots:
                 QVERIFY(!deadline.hasExpired());
                 QVERIFY(!ScriptedChild::isAlive(child.lastProcessId()));
                 QCoreApplication::processEvents();
-                QCOMPARE(*told, QStringList());
+                if (tile)
+                    tick(*tile);
+                QCOMPARE(*told + log.linesOf("Cannot export"_s), QStringList());
             }
         }
     }

@@ -193,17 +193,17 @@ private slots:
         QVERIFY(running.playLive());
         QTRY_COMPARE(running.starts().size(), 1);
         const QStringList before = QDir::temp().entryList(QDir::Files);
-        for (const char *name : {"zorvane-player-dead", "zorvane-player-new", "zorvane-other"}) {
+        for (const char *name : {"zorvane-player-99999", "zorvane-player-99998", "zorvane-other"}) {
             QFile file(QDir::temp().filePath(QLatin1String(name)));
             QVERIFY(file.open(QIODevice::ReadWrite));
-            if (!file.fileName().endsWith("new"_s))
+            if (!file.fileName().endsWith("8"_s))
                 QVERIFY(file.setFileTime(noon, QFileDevice::FileModificationTime));
         }
         const utimbuf longAgo = {};
         ::utime(QFile::encodeName(frameFileOf(running)), &longAgo);
         FrameFile::removeLeftOvers();
         QStringList left = QDir::temp().entryList(QDir::Files);
-        for (const QString &name : {"zorvane-player-new"_s, "zorvane-other"_s})
+        for (const QString &name : {"zorvane-player-99998"_s, "zorvane-other"_s})
             QVERIFY(left.removeOne(name) && QDir::temp().remove(name));
         QCOMPARE(left, before);
     }

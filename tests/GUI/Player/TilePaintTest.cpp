@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "API/Camera.h"
+#include "GUI/Player/NameTag.h"
+#include "GUI/Player/PictureZoom.h"
 #include "GUI/PlayerNotification.h"
 #include "tests/GUI/Player/TileFixture.h"
+#include "tests/support/LogCapture.h"
 
 using GUI::PlayerNotification;
 using GUI::Player::VideoWidget;
+using GUI::Player::Internal::NameTag;
+using GUI::Player::Internal::zoomMapPlace;
 
 namespace {
 
@@ -15,7 +20,15 @@ const QColor hovered(66, 71, 80);
 /// Red and green above, blue and white below.
 const QString corners = "corners 64 48|print size 64 48\\nframe\\n"_s;
 
-/// First letters of the colours of the four quarters of `area`, from the upper left, with a
+/// The first letter of the colour there.
+QString letterAt(const QImage &image, QPoint place)
+{
+    const QHash<QString, QString> letters{
+        {"#ff0000", "R"}, {"#00ff00", "G"}, {"#0000ff", "B"}, {"#ffffff", "W"}};
+    return letters.value(image.pixelColor(place).name(), "?"_s);
+}
+
+/// Letters of the colours of the four quarters of `area`, from the upper left, with a
 /// mark if the rest of the tile is not background.
 QString quartersOf(const QImage &image, const QRect &area)
 {
@@ -23,16 +36,22 @@ QString quartersOf(const QImage &image, const QRect &area)
     QPainter(&rest).fillRect(area, background);
     QImage empty = rest;
     empty.fill(background);
-    const QHash<QString, QString> letters{
-        {"#ff0000", "R"}, {"#00ff00", "G"}, {"#0000ff", "B"}, {"#ffffff", "W"}};
     QString quarters(rest == empty ? "" : "!");
     for (const int y : {1, 3}) {
         for (const int x : {1, 3}) {
             const QPoint middle(area.width() * x / 4, area.height() * y / 4);
-            quarters += letters.value(image.pixelColor(area.topLeft() + middle).name(), "?"_s);
+            quarters += letterAt(image, area.topLeft() + middle);
         }
     }
     return quarters;
+}
+
+/// Turns the wheel by so many notches.
+void turnWheel(QWidget &widget, QPointF place, int notches, Qt::KeyboardModifiers modifiers)
+{
+    QWheelEvent wheel(place, widget.mapToGlobal(place.toPoint()), QPoint(),
+                      QPoint(0, 120 * notches), Qt::NoButton, modifiers, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&widget, &wheel);
 }
 
 /// Puts a hint where it is sliding to, a quarter of a second away.
@@ -90,24 +109,105 @@ private slots:
         // An upright picture leaves the rest of a wider tile to the background.
         tile.resize(400, 240);
         QTRY_COMPARE(quartersOf(onScreen(tile), area.translated(40, 0)), quarters);
+        // Its lower right corner fills its place then; the map has it in a frame, and a shade
+        // on the rest.
+        turnWheel(tile, {399, 239}, 36, Qt::ControlModifier);
+        QTRY_COMPARE(letterAt(onScreen(tile), {200, 120}), quarters.right(1));
+        const QRect map = zoomMapPlace(tile.size(), area);
+        QCOMPARE(onScreen(tile).pixelColor(map.bottomRight()), selection);
+        QCOMPARE(letterAt(onScreen(tile), map.bottomRight() - QPoint(1, 1)), quarters.right(1));
+        const QColor shaded = onScreen(tile).pixelColor(map.topLeft());
+        QVERIFY(shaded.value() > 100 && shaded.value() < 200);
     }
 
-    void everyFrameIsShown()
+    /// "wheel N" and "ctrl N" turn it at the lower right, "drag X Y" begins there.
+    void closeLook_data()
     {
-        ScriptedTile tile("solid 64 48 ff0000ff|print size 64 48\\nframe\\n|wait blue"
-                          "|solid 64 48 0000ffff|print frame\\n|wait white"
-                          "|solid 64 48 ffffffff|print state white\\n"_s);
-        QVERIFY(tile.playLive());
-        QTRY_COMPARE(onScreen(tile).pixelColor(160, 120), QColor(Qt::red));
-        tile.tell("blue"_s);
-        QTRY_COMPARE(onScreen(tile).pixelColor(160, 120), QColor(Qt::blue));
-        // What the child writes shows at the next paint, announced or not.
-        tile.tell("white"_s);
-        QTRY_COMPARE(vlcStateOf(tile), "white"_s);
-        tile.repaint();
-        QCOMPARE(onScreen(tile).pixelColor(160, 120), QColor(Qt::white));
-        tile.hide();
-        QCOMPARE(tile.grab().toImage().pixelColor(160, 120), background);
+        rows<QString, QString, int>({"steps", "seen", "maximised"},
+                                    {{"at rest", "wheel 9", "RGB", 0},
+                                     {"zoomed", "ctrl 36", "WWW", 0},
+                                     {"alone", "alone, wheel 36", "WWW", 0},
+                                     {"and back", "ctrl 9, ctrl -10", "RGB", 0},
+                                     {"moved", "ctrl 36, drag 9000 0", "BBB", 0},
+                                     {"moved twice", "ctrl 36, drag 9000 0, drag 0 9000", "RRR", 0},
+                                     {"reset", "ctrl 36, double", "RGB", 0},
+                                     {"maximised", "double, move -50 -50", "RGB", 1},
+                                     {"both", "ctrl 36, double, double", "RGB", 1},
+                                     {"turned", "ctrl 36, turn", "WBG", 0}});
+    }
+
+    void closeLook()
+    {
+        const auto [steps, seen, maximised] = row<QString, QString, int>();
+        ScriptedTile tile(corners);
+        turnWheel(tile, {5, 5}, 9, Qt::ControlModifier); // there is nothing to zoom yet
+        QVERIFY(tile.playsLive());
+        QSignalSpy asked(&tile, &VideoWidget::maximiseRequested);
+        const QPoint place(319, 239);
+        for (const QString &step : steps.split(", "_s)) {
+            const QStringList words = step.split(' ') << "0"_s;
+            const QString &what = words.first();
+            const QPoint to = place + QPoint(words.at(1).toInt(), words.value(2).toInt());
+            if (what == "drag"_s)
+                QTest::mousePress(&tile, Qt::LeftButton, Qt::NoModifier, place);
+            QMouseEvent move(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+            if (what == "drag"_s || what == "move"_s)
+                QApplication::sendEvent(&tile, &move);
+            if (what == "double"_s) {
+                QTest::mouseDClick(&tile, Qt::RightButton, Qt::NoModifier, place);
+                QTest::mouseDClick(&tile, Qt::LeftButton, Qt::NoModifier, place);
+            }
+            if (what == "turn"_s)
+                tile.camera()->setRotation(180);
+            tile.setAlone(what == "alone"_s || steps.startsWith("alone"_s));
+            if (what == "ctrl"_s)
+                turnWheel(tile, place, words.at(1).toInt(), Qt::ControlModifier);
+            if (what == "wheel"_s)
+                turnWheel(tile, place, words.at(1).toInt(), Qt::NoModifier);
+        }
+        QTRY_COMPARE(letterAt(onScreen(tile), {80, 60}) + letterAt(onScreen(tile), {240, 60}) +
+                         letterAt(onScreen(tile), {80, 180}),
+                     seen);
+        QCOMPARE(asked.size(), maximised);
+    }
+
+    void nameTag()
+    {
+        const QString name = "Entrance of the large northern warehouse"_s;
+        ScriptedTile tile("solid 64 48 00ff00ff|print size 64 48\\nframe\\n|wait end"
+                          "|print state 7\\n"_s,
+                          localCamera(name));
+        const auto says = [&](const QString &word, const QColor &behind) {
+            QImage expected(320, 30, QImage::Format_RGB32);
+            expected.fill(behind);
+            QPainter painter(&expected);
+            NameTag().paint(painter, tile.rect(), tile.font(), name, word);
+            painter.end();
+            return QTest::qWaitFor([&] {
+                const QImage top = onScreen(tile).copy(expected.rect());
+                return top == expected && top.pixelColor(318, 16) == behind; // it is cut
+            });
+        };
+        tile.setNameShown(true);
+        QVERIFY(says("Connecting"_s, background));
+        QVERIFY(tile.playsLive());
+        QVERIFY(says("Live"_s, Qt::green));
+        tile.pause();
+        QVERIFY(says("Paused"_s, Qt::green));
+        tile.unpause();
+        tile.setArchiveMode(true);
+        tile.update();
+        QVERIFY(says("Records"_s, Qt::green));
+        tile.setArchiveMode(false);
+        tile.tell("end"_s);
+        QVERIFY(says("Interrupted"_s, Qt::green));
+        tile.showError("Nothing"_s);
+        QVERIFY(says("No picture"_s, background));
+        hover(tile, true); // the bar has nothing behind it
+        QTRY_VERIFY(onScreen(tile).pixelColor(160, 16) != background);
+        const QImage bar = onScreen(tile);
+        tile.setNameShown(false);
+        QTRY_COMPARE(onScreen(tile), bar);
     }
 
     void borders()
@@ -213,8 +313,10 @@ private slots:
         const QLabel &label = *tile.findChild<QLabel *>("cameraName"_s);
         QCOMPARE(label.text(), label.fontMetrics().elidedText(name, Qt::ElideRight, 80));
         QVERIFY(label.text() != name);
+        QVERIFY(label.toolTip().contains(name));
         tile.resize(2000, 1000);
         QCOMPARE(label.text(), name);
+        QCOMPARE(label.toolTip(), QString());
         tile.setCameraName("Back door"_s);
         QCOMPARE(label.text(), "Back door"_s);
     }
@@ -222,20 +324,34 @@ private slots:
     void snapshot()
     {
         const QDir folder(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation));
-        QVERIFY(QDir().mkpath(folder.path()));
+        const QString path = folder.filePath("Door-03_03_15_14_05_09.png"_s);
         const API::CameraPtr camera = localCamera();
         camera->setRotation(90);
         ScriptedTile tile(corners, camera);
-        QVERIFY(tile.playsLive());
-        tile.setTime(QDateTime(QDate(2015, 3, 3), QTime(14, 5, 9)));
         QSignalSpy saved(&tile, &VideoWidget::snapshotSaved);
-        tile.findChild<QPushButton *>("cameraScreenshotButton"_s)->click();
-        QCOMPARE(saved.size(), 1);
-        QCOMPARE(saved.first().first().toString(), folder.absolutePath());
+        const LogCapture log;
+        const auto snap = [&] {
+            tile.setTime(QDateTime(QDate(2015, 3, 3), QTime(14, 5, 9)));
+            tile.findChild<QPushButton *>("cameraScreenshotButton"_s)->click();
+            return log.linesOf("Cannot "_s).join('|');
+        };
+        QCOMPARE(snap(), "Cannot save snapshot \"%1\" : \"there is no picture\""_s.arg(path));
+        QVERIFY(!QFile::exists(path));
+        QVERIFY(tile.playsLive());
+        turnWheel(tile, {160, 120}, 9, Qt::ControlModifier);
+        snap();
+        QCOMPARE(saved.size(), 2);
+        QCOMPARE(saved.last().first().toString(), folder.absolutePath());
         // As the stream has it, not as the tile turns it.
-        const QImage picture(folder.filePath("Door-03_03_15_14_05_09.png"_s));
+        const QImage picture(path);
         QCOMPARE(picture.size(), QSize(64, 48));
         QCOMPARE(quartersOf(picture, picture.rect()), "RGBW"_s);
+        // A full disk, and a file in the folder's place.
+        QVERIFY(QFile::remove(path) && QFile::link("/dev/full"_s, path));
+        QVERIFY(snap().endsWith("png\" : \"No space left on device\""_s));
+        QVERIFY(QDir(folder).removeRecursively() && QFile::link("/dev/null"_s, folder.path()));
+        QVERIFY(snap().contains("folder \"%1\" : \"Not a directory\"|"_s.arg(folder.path())));
+        QVERIFY(QFile::remove(folder.path()));
     }
 
     /// A hint slides in, and goes in one of three ways.

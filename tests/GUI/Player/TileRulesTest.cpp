@@ -93,6 +93,67 @@ private slots:
         QCOMPARE(messagePixelSize({161, 121}), 14);
     }
 
+    /// "zoom X Y TIMES" at a place, "pan X Y"; what is seen then.
+    void zoom_data()
+    {
+        rows<QString, QRectF>(
+            {"steps", "part"},
+            {{"in the middle", "zoom .5 .5 2", {.25, .25, .5, .5}},
+             {"in a corner", "zoom 0 0 4", {0, 0, .25, .25}},
+             {"what is under the pointer stays", "zoom .75 .5 2", {.375, .25, .5, .5}},
+             {"also within a part", "zoom 1 1 2, zoom 0 .5 2", {.5, .625, .25, .25}},
+             {"at most 16 times", "zoom 1 0 99", {.9375, 0, .0625, .0625}},
+             {"out, but not over the edge", "zoom 0 0 4, zoom 1 1 .5", {0, 0, .5, .5}},
+             {"out to the whole", "zoom .3 .9 4, zoom .5 .5 .1", {0, 0, 1, 1}},
+             {"almost the whole is the whole", "zoom .3 .9 4, zoom 0 0 .251", {0, 0, 1, 1}},
+             {"the picture follows", "zoom .5 .5 2, pan .25 -.125", {.125, .3125, .5, .5}},
+             {"up to its edges", "zoom .5 .5 2, pan -9 9", {.5, 0, .5, .5}},
+             {"the whole stays", "pan .5 .5", {0, 0, 1, 1}}});
+    }
+
+    void zoom()
+    {
+        const auto [steps, part] = row<QString, QRectF>();
+        PictureZoom zoom;
+        for (const QString &step : steps.split(", "_s)) {
+            const QStringList words = step.split(' ');
+            const QPointF place(words.at(1).toDouble(), words.at(2).toDouble());
+            words.size() == 4 ? zoom.zoomAt(place, words.at(3).toDouble()) : zoom.pan(place);
+        }
+        QCOMPARE(zoom.part(), part);
+        QCOMPARE(zoom.isZoomed(), part.width() < 1);
+    }
+
+    /// The map stays clear of the bars, and its mark can be seen.
+    void zoomMap()
+    {
+        PictureZoom zoom;
+        zoom.zoomAt({1, .5}, 16);
+        const QRect large(1152, 697, 120, 67), small(132, 46, 15, 28);
+        QCOMPARE(zoomMapPlace({1280, 800}, {0, 40, 1280, 720}), large);
+        QCOMPARE(zoomMapPart(large, zoom), QRectF(1264.5, 728.40625, 7.5, 4.1875));
+        QCOMPARE(zoomMapPlace({155, 110}, {46, 0, 62, 110}), small);
+        QCOMPARE(zoomMapPart(small, zoom).size(), QSizeF(4, 4));
+    }
+
+    /// Only where the screen has other pixels than the picture, here two in a row.
+    void smoothScaling()
+    {
+        for (const QSize size : {QSize(2, 1), QSize(32, 16), QSize(64, 32)}) {
+            QImage frame(size, QImage::Format_RGB32);
+            frame.fill(Qt::black);
+            QPainter(&frame).fillRect(0, 0, size.width() / 2, size.height(), Qt::white);
+            QImage tile(64, 32, QImage::Format_RGB32);
+            tile.setDevicePixelRatio(2);
+            QPainter painter(&tile);
+            painter.setRenderHint(QPainter::SmoothPixmapTransform); // left by something else
+            paintPicture(painter, {0, 0, 32, 16}, {0, 0, 32, 16}, frame, 0, false);
+            const bool isSame = size == tile.size();
+            QCOMPARE(painter.testRenderHint(QPainter::SmoothPixmapTransform), !isSame);
+            QCOMPARE(qAbs(tile.pixelColor(32, 16).red() - 128) < 100, !isSame);
+        }
+    }
+
     /// A frame without alpha is opaque however it is turned, on background alone.
     void paintedTile()
     {

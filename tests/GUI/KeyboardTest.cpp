@@ -1,0 +1,273 @@
+// SPDX-License-Identifier: MIT
+// The main window by the keyboard alone: where Tab goes, what shows it, what the keys do there.
+#include "API/LocalServer.h"
+#include "App/Application.h"
+#include "GUI/CameraWidget.h"
+#include "GUI/Colours.h"
+#include "GUI/ControlPanel.h"
+#include "GUI/InfoPanel.h"
+#include "GUI/LayoutCard.h"
+#include "GUI/LayoutListWidget.h"
+#include "GUI/MainWindow.h"
+#include "GUI/RosterWidget.h"
+#include "GUI/Timeline.h"
+#include "tests/GUI/GridWorld.h"
+#include "tests/support/MisbehavingServer.h"
+
+using namespace ZorvaneClient::GUI;
+
+namespace {
+
+/// A card by its caption, a tile by its camera, a server by its name; all else by its object.
+QString nameOf(const QWidget *widget)
+{
+    if (!widget || widget->isWindow())
+        return "nothing"_s;
+    if (const auto *tile = qobject_cast<const Player::VideoWidget *>(widget))
+        return "tile_"_s + tile->camera()->name();
+    if (const auto *card = qobject_cast<const Preview *>(widget)) {
+        const QString caption = card->findChild<QLabel *>("cameraName"_s)->text();
+        return "card_"_s + caption.section(' ', 0, 0); // without the state
+    }
+    if (widget->objectName() == "expandButton"_s)
+        return "server_"_s + widget->accessibleName();
+    if (widget->objectName() == "settingsButton"_s)
+        return "settingsButton_"_s + widget->parentWidget()->objectName();
+    return qobject_cast<const Timeline *>(widget) ? "strip"_s : widget->objectName();
+}
+
+/// Such as "Shift+F10".
+void press(const QString &keys)
+{
+    QWidget *focused = QApplication::focusWidget();
+    const QString key = keys.section('+', -1);
+    const int code = key == "Backtab"_s ? int(Qt::Key_Backtab) : QKeySequence(key)[0];
+    QTest::keyClick(focused ? focused : QApplication::activeWindow(), Qt::Key(code),
+                    keys.startsWith("Shift"_s) ? Qt::ShiftModifier : Qt::NoModifier);
+}
+
+/// A broken line goes along it, inside of the border of a card or tile, and all of it is in view.
+bool isMarked(QWidget *widget)
+{
+    const QImage picture = widget->grab().toImage();
+    const int inset = qMin(picture.width(), picture.height()) > 60 ? 3 : 0;
+    int breaks = 0;
+    for (int x = inset + 1; x < picture.width() - inset; ++x) {
+        const auto isLight = [&](int at) { return picture.pixelColor(at, inset).blue() > 150; };
+        breaks += isLight(x) != isLight(x - 1) ? 1 : 0;
+    }
+    return breaks >= picture.width() / 8 &&
+           widget->visibleRegion().boundingRect().contains(widget->rect());
+}
+
+} // namespace
+
+class KeyboardTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        qRegisterMetaType<API::CameraPtr>("API::CameraPtr");
+        useServiceAt(MisbehavingServer::deadPort());
+        addServerToRoster("s"_s, {"a", "b", "c", "d"});
+        API::CloudAPIClient().addLocalServer(
+            API::LocalServerPtr::create("lan"_s, "127.0.0.1"_s, 1, QString()));
+        const API::LayoutPtr layout = layoutOf("a b"_s);
+        layout->setName("Night"_s);
+        API::CloudAPIClient().addLayout(layout);
+    }
+
+    void init()
+    {
+        window.reset(new MainWindow);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowActive(window.data()));
+        window->findChild<RosterWidget *>()->updateRoster();
+        window->findChild<LayoutListWidget *>()->updateLayouts();
+        window->setRosterMode();
+        window->openLayout(layoutOf("b . | . a"_s));
+        window->showArchivePanels();
+        QCoreApplication::processEvents();
+    }
+
+    void cleanup()
+    {
+        if (QWidget *popup = QApplication::activePopupWidget())
+            popup->close();
+        window.reset();
+    }
+
+    void tabGoesRound()
+    {
+        const QStringList stops =
+            "rosterButton layoutsButton settingsButton_ToolBar searchEdit hideRosterButton "
+            "server_s card_a card_b card_c card_d server_lan settingsButton_controlBar "
+            "layoutNameEdit gridSizeButton saveLayoutButton cancelLayoutButton tile_c tile_b "
+            "tile_a "
+            "prevDayButton dateEdit nextDayButton zoomOutButton zoomSlider zoomInButton strip "
+            "hideRecordsButton goLiveButton pauseButton speedButton soundButton qualityButton "
+            "fullscreenButton"_s.split(' ');
+        // The one that comes last lies first.
+        window->openLayout(layoutOf(". b | . a"_s));
+        window->addToLayout(cameraNamed("c"_s));
+        window->showArchivePanels();
+        QCoreApplication::processEvents();
+        QStringList names;
+        QStringList faults;
+        for (const char *key : {"Tab", "Shift+Backtab"}) {
+            tabTo(stops.first());
+            do {
+                press(key);
+                QWidget *focused = QApplication::focusWidget();
+                // Inside the date it goes from part to part.
+                if (names.isEmpty() || names.last() != nameOf(focused))
+                    names.append(nameOf(focused));
+                if (!isMarked(focused))
+                    faults.append(names.last() + " is not marked"_s);
+                const bool isClicked =
+                    qobject_cast<QAbstractButton *>(focused) || qobject_cast<Preview *>(focused);
+                if (isClicked && focused->cursor().shape() != Qt::PointingHandCursor)
+                    faults.append(names.last() + " has no hand"_s);
+            } while (names.last() != stops.first());
+        }
+        QStringList expected = stops.mid(1) + stops.mid(0, 1);
+        for (int i = int(stops.size()) - 1; i >= 0; --i)
+            expected.append(stops.at(i));
+        QCOMPARE(names, expected);
+        QCOMPARE(faults.join(", "), QString());
+    }
+
+    void keysActWhereTheFocusIs_data()
+    {
+        // Layouts and Settings are the pages of the side bar, Edit begins to edit the view.
+        rows<QString, QString, QString>(
+            {"keys", "place", "effect"},
+            {{"a card", "Return", "card_c", "view c, c of 4 at card_c"},
+             {"menu of a card", "Menu", "card_b", "Open camera"},
+             {"the other keys for it", "Shift+F10", "card_b", "Open camera"},
+             {"menu of a tile", "Menu", "tile_a", "Settings"},
+             {"a tile", "Return", "tile_a", "view b . | . a, a of 4 at tile_a"},
+             {"menu of a LAN server", "Menu", "server_lan", "Edit"},
+             {"a cloud server has none", "Menu", "server_s", "view b . | . a, b of 4 at server_s"},
+             {"a server", "Return", "server_s", "view b . | . a, b of 0 at server_s"},
+             {"the date", "Return", "dateEdit", "calendar"},
+             {"saved", "Edit Return", "saveLayoutButton",
+              "view b . | . a, b of 4 at settingsButton_settingsPage"},
+             {"a layout", "Layouts Return", "card_Night", "view a b, a of 0 at card_Night"},
+             {"languages", "Settings Return", "languageBox", "list"},
+             {"play in place of pause", "Return", "pauseButton",
+              "view b . | . a, b of 4 at playButton"}});
+    }
+
+    void keysActWhereTheFocusIs()
+    {
+        const auto [keys, place, effect] = row<QString, QString, QString>();
+        if (keys.startsWith("Layouts"_s))
+            window->setLayoutsMode();
+        else if (keys.startsWith("Settings"_s))
+            window->setSettingsMode();
+        else if (keys.startsWith("Edit"_s))
+            window->startLayoutEditor();
+        tabTo(place);
+        press(keys.section(' ', -1));
+        QTRY_COMPARE(state(), effect);
+    }
+
+    void theQualityMenuFollowsTheArrows()
+    {
+        QSignalSpy middle(window->findChild<ControlPanel *>(), &ControlPanel::setMidQuality);
+        const auto items = window->findChild<ControlPanel *>()->findChildren<QRadioButton *>();
+        const auto lit = [&items] {
+            QString texts;
+            for (QRadioButton *item : items) {
+                const QColor ground = item->grab().toImage().pixelColor(2, 2);
+                texts += ground == Colours::accent() ? item->text() : QString();
+            }
+            return texts;
+        };
+        tabTo("qualityButton"_s);
+        QStringList seen;
+        QTimer::singleShot(0, window.data(), [&] {
+            QEvent entered(QEvent::Enter);
+            QEvent left(QEvent::Leave);
+            QWidget *menu = QApplication::activePopupWidget();
+            for (const char *step : {"down", "down", "mouse", "down"}) {
+                if (step == "mouse"_s)
+                    QCoreApplication::sendEvent(items.first(), &entered);
+                else
+                    QTest::keyClick(menu, Qt::Key_Down);
+                seen.append(lit());
+            }
+            QTest::keyClick(menu, Qt::Key_Return);
+            QCoreApplication::sendEvent(items.first(), &left);
+        });
+        press("Return"_s);
+        QCOMPARE(seen, (QStringList{"Low", "Middle", "Low", "Middle"}));
+        QCOMPARE(middle.count(), 1);
+        QVERIFY(items.at(1)->isChecked() && !items.last()->isChecked());
+        QCOMPARE(lit(), QString());
+    }
+
+    void theMouseTakesTheFrameAway()
+    {
+        tabTo("tile_a"_s);
+        QWidget *tile = QApplication::focusWidget();
+        window->resize(window->size() + QSize(60, 40));
+        QCoreApplication::processEvents();
+        QVERIFY(isMarked(tile));
+        QTest::mousePress(tile, Qt::LeftButton);
+        QVERIFY(tile->hasFocus() && !isMarked(tile));
+        auto *field = window->findChild<QLineEdit *>("searchEdit"_s);
+        field->setFocus();
+        QVERIFY(!isMarked(field));
+        press("Tab"_s);
+        QVERIFY(isMarked(QApplication::focusWidget()));
+        // What is hidden has the keys no longer, and nothing else gets them unasked.
+        window->hideRosterAndToolbar();
+        QCOMPARE(nameOf(QApplication::focusWidget()), "nothing"_s);
+    }
+
+private:
+    /// With Tab alone.
+    void tabTo(const QString &name)
+    {
+        for (int i = 0; i < 100 && nameOf(QApplication::focusWidget()) != name; ++i)
+            press("Tab"_s);
+        QCOMPARE(nameOf(QApplication::focusWidget()), name);
+    }
+
+    /// The entry that a menu has come to or the popup that is open; else mode, cells, active camera
+    /// of how many cards, and where the focus is.
+    QString state() const
+    {
+        const QWidget *popup = QApplication::activePopupWidget();
+        if (const auto *menu = qobject_cast<const QMenu *>(popup))
+            return menu->activeAction() ? menu->activeAction()->text() : "no entry"_s;
+        if (popup && popup->findChild<QWidget *>("focusRing"_s))
+            return "a frame in what shows itself"_s;
+        if (popup)
+            return popup->findChild<QCalendarWidget *>() ? "calendar"_s : "list"_s;
+        const auto cards = window->findChildren<CameraWidget *>();
+        const auto seen = std::count_if(cards.begin(), cards.end(),
+                                        [](const QWidget *card) { return card->isVisible(); });
+        const bool isEdited = window->findChild<InfoPanel *>()->mode() == InfoPanel::EditMode;
+        const QString text = isEdited ? "edit %1, %2 of %3 at %4"_s : "view %1, %2 of %3 at %4"_s;
+        return text
+            .arg(cellsOf(*gridOf(*window)), window->findChild<Timeline *>()->activeCamera()->name())
+            .arg(seen)
+            .arg(nameOf(QApplication::focusWidget()));
+    }
+
+    QScopedPointer<MainWindow> window;
+};
+
+int main(int argc, char **argv)
+{
+    App::Application application(argc, argv);
+    application.setStyleSheet(App::Application::globalStyleSheet());
+    KeyboardTest test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "KeyboardTest.moc"
