@@ -1,22 +1,29 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QByteArray>
+#include <QDir>
 #include <QJsonDocument>
 #include <QVariant>
 
-#include <cstddef>
-#include <cstdint>
+/// Each program has one of these. It is called over and over with other bytes; a crash or a
+/// sanitizer's word is a finding.
+void tryInput(const QByteArray &input);
 
-/// Called over and over with other bytes; a crash or a sanitizer's word is a finding.
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
-
-inline QByteArray bytesOf(const uint8_t *data, size_t size)
+/// So is a rule that doesn't hold.
+inline void check(bool holds)
 {
-    return QByteArray(reinterpret_cast<const char *>(data), static_cast<int>(size));
+    if (!holds)
+        __builtin_trap();
 }
 
-inline QVariant jsonOf(const uint8_t *data, size_t size)
+inline QVariant jsonOf(const QByteArray &document)
 {
-    return QJsonDocument::fromJson(bytesOf(data, size)).toVariant();
+    return QJsonDocument::fromJson(document).toVariant();
+}
+
+inline void writeFile(const QString &name, const QByteArray &content)
+{
+    QDir().mkpath(QFileInfo(name).path());
+    QFile file(name);
+    check(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
 }

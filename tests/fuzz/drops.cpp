@@ -1,26 +1,35 @@
 // SPDX-License-Identifier: MIT
+#include <QCoreApplication>
+#include <QDropEvent>
 #include <QMimeData>
 
-#include <memory>
+#include "API/Layout.h"
+#include "GUI/LayoutWidget.h"
+#include "GUI/Player/VideoWidget.h"
+#include "tests/fuzz/Roster.h"
 
-#include "GUI/DragFormats.h"
-#include "tests/fuzz/Fuzz.h"
+using namespace ZorvaneClient;
 
-using namespace ZorvaneClient::GUI;
-
-/// The bytes in each format that the program takes.
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+/// Let go over the grid, a tile or an empty cell, the bytes leave a tile for each camera of the
+/// layout.
+void tryInput(const QByteArray &input)
 {
-    for (QMimeData *drag :
-         {cameraDrag({}), serverDrag(QString()), layoutDrag(QString()), tileDrag({0, 0})}) {
-        const std::unique_ptr<QMimeData> dropped(drag);
-        const QStringList formats = dropped->formats();
-        for (const QString &format : formats)
-            dropped->setData(format, bytesOf(data, size));
-        draggedCamera(*dropped);
-        draggedServer(*dropped);
-        draggedLayout(*dropped);
-        draggedTile(*dropped);
-    }
-    return 0;
+    takeUsualRoster();
+    static GUI::LayoutWidget grid;
+    const QVariant start = jsonOf(
+        R"({"rows":2,"columns":2,"cameras":[{"server":"s1","camera":7,"row":0,"column":1}]})");
+    if (grid.playerCount() == 0 || grid.workingLayout() != grid.savedLayout())
+        grid.openLayout(API::LayoutPtr::create(start.toMap()));
+
+    QMimeData dragged;
+    for (const char *format : {"camera", "server", "layout", "layout-swap"})
+        dragged.setData(format, input.mid(1));
+    const unsigned choice = input.isEmpty() ? 0 : static_cast<uchar>(input.at(0));
+    const Qt::DropAction action = choice % 2 == 0 ? Qt::MoveAction : Qt::CopyAction;
+    QDropEvent event(QPointF(), action, &dragged, Qt::LeftButton, Qt::NoModifier);
+    QObject *on[] = {&grid, grid.players().first(), grid.findChild<QObject *>("VideoPlaceholder")};
+    on[choice / 2 % 3]->event(&event); // nothing is dragged that the application would know of
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    const API::LayoutPtr shown = grid.workingLayout();
+    check(shown->freeCellCount() + grid.playerCount() == shown->rows() * shown->columns());
 }

@@ -2,8 +2,13 @@
 #include "GUI/Player/ExportOutput.h"
 #include "tests/fuzz/Fuzz.h"
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+using namespace ZorvaneClient::GUI::Player::Internal;
+
+/// Done is told last, and of the complaints only what the child says in its own name.
+void tryInput(const QByteArray &input)
 {
-    ZorvaneClient::GUI::Player::Internal::exportEvents(bytesOf(data, size));
-    return 0;
+    const QVector<ExportEvent> events = exportEvents(input);
+    for (int i = 0; i + 1 < events.size(); ++i)
+        check(events.at(i).kind != ExportEvent::Kind::Done);
+    check(exportComplaint(input).isEmpty() || input.contains("vlc-stream: "));
 }

@@ -1,25 +1,31 @@
 // SPDX-License-Identifier: MIT
-#include <cstdlib>
-
-#include "API/CloudAPIClient.h"
+#include "API/CloudData.h"
 #include "API/Layout.h"
 #include "API/LayoutDocument.h"
-#include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/Roster.h"
 
-using namespace ZorvaneClient::API;
+using namespace ZorvaneClient;
+using API::Internal::cloudData;
 
-/// Taken as the service's, then written and read again: nothing changes any more.
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+/// The layouts of the account's file, as a new start of the program has them, by their identifier.
+static QVariantMap layoutsOfStart()
 {
-    CloudAPIClient client;
-    bool isTaken = false;
-    QMetaObject::invokeMethod(&client, "parseLayouts", Q_RETURN_ARG(bool, isTaken),
-                              Q_ARG(QVariant, jsonOf(data, size)));
-    for (const LayoutPtr &layout : CloudAPIClient::layoutList()) {
-        const QVariantMap written = layout->toVariantMap();
-        if (Layout(written).toVariantMap() != written || layout->rows() > 32)
-            std::abort();
-    }
-    client.logout(); // else the stamp of this one makes all others old
-    return 0;
+    cloudData.layouts.clear();
+    cloudData.layoutsLastUpdate = 0;
+    cloudData.lastLayoutsUpdate = QDateTime::currentDateTime(); // so that no service is asked
+    API::CloudAPIClient().updateLayouts();
+    QVariantMap layouts;
+    for (const API::LayoutPtr &layout : cloudData.layouts)
+        layouts.insert(layout->id(), layout->toVariantMap());
+    return layouts;
+}
+
+/// What is read, saved and read again is the same.
+void tryInput(const QByteArray &input)
+{
+    takeUsualRoster();
+    writeFile(API::Internal::layoutsCacheFile(QString()), input);
+    const QVariantMap layouts = layoutsOfStart();
+    API::CloudAPIClient().saveLayoutsToFile();
+    check(layoutsOfStart() == layouts);
 }

@@ -1,12 +1,24 @@
 // SPDX-License-Identifier: MIT
+#include "API/CloudData.h"
 #include "API/LocalServer.h"
-#include "tests/fuzz/Fuzz.h"
+#include "tests/fuzz/Roster.h"
 
-/// Without making a server, which would call the address that the bytes name.
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+using namespace ZorvaneClient::API;
+using Internal::cloudData;
+
+/// The file's servers are the same after a save and another start. Nobody is called: as many are
+/// connected as may be, so those of the file only wait for the next save.
+void tryInput(const QByteArray &input)
 {
-    const QVariantList entries = jsonOf(data, size).toList();
-    for (const QVariant &entry : entries)
-        ZorvaneClient::API::LocalServer::idOf(entry.toMap());
-    return 0;
+    static const auto connected = LocalServerPtr::create("", "127.0.0.1", 1, "");
+    for (int i = 0; i < 256; ++i)
+        cloudData.localServers.insert(QString::number(i), connected);
+    writeFile("local_roster.txt", input);
+    CloudAPIClient client;
+    client.loadLocalRoster();
+    QMap<server_id_t, QVariantMap> servers = cloudData.unconnectedServers;
+    servers.insert(connected->id(), connected->toJson());
+    client.saveLocalRoster();
+    client.loadLocalRoster();
+    check(cloudData.unconnectedServers == servers);
 }

@@ -1,19 +1,24 @@
 // SPDX-License-Identifier: MIT
+#include "tests/fuzz/Roster.h"
 #include "API/Camera.h"
-#include "API/CloudAPIClient.h"
-#include "API/Server.h"
-#include "tests/fuzz/Fuzz.h"
+#include "API/LocalServer.h"
 
 using namespace ZorvaneClient::API;
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+/// A reply of the service, or of a LAN server on its own cameras, taken twice gives the same.
+void tryInput(const QByteArray &input)
 {
-    CloudAPIClient client;
-    QMetaObject::invokeMethod(&client, "onNewRosterReceived", Q_ARG(QVariant, jsonOf(data, size)));
-    for (const ServerPtr &server : CloudAPIClient::serverList()) {
-        for (const CameraPtr &camera : server->cameras())
-            camera->statusText();
+    static LocalServer lan("", "127.0.0.1", 1, "");
+    const QVariant reply = jsonOf(input);
+    QMetaObject::invokeMethod(&lan, "streamsUpdate", Q_ARG(QVariant, reply));
+
+    takeUsualRoster();
+    takeRoster(reply);
+    const QMap<server_id_t, ServerPtr> servers = CloudAPIClient::serverList();
+    takeRoster(reply);
+    check(CloudAPIClient::serverList() == servers);
+    for (const ServerPtr &server : servers) {
+        for (const CameraPtr &camera : server->sortedCameras())
+            check(camera->serverId() == server->id() && server->hasCamera(camera->id()));
     }
-    CloudAPIClient::clearRoster();
-    return 0;
 }

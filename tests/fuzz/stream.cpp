@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: MIT
-// The player's whole way from the network to the picture, with a server of its own on the
-// loopback that answers with the bytes.
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
+// The player's whole way from the network to picture and sound, but for the waits: a server on
+// the loopback answers with the bytes.
+#include <QTcpServer>
+#include <QTcpSocket>
 
-#include <cstdlib>
-#include <string>
 #include <thread>
 
+#include "companion/AudioLibrary.h"
+#include "companion/AudioPlayer.h"
+#include "companion/FrameFile.h"
 #include "companion/PictureConverter.h"
 #include "companion/PictureDecoder.h"
 #include "companion/StreamReader.h"
@@ -17,76 +16,77 @@
 
 using namespace ZorvaneClient::Companion;
 
-namespace {
+/// Later than any time stamp of a stream.
+constexpr auto longAfter = std::chrono::hours(1200);
 
-constexpr size_t frameBytes = 12'582'912;
-constexpr size_t queueBytes = size_t(16) * 1024 * 1024;
-constexpr auto queueSpan = std::chrono::hours(1);
-constexpr auto patience = std::chrono::milliseconds(1000);
+// In the place of the sound device, one that has played what came long ago.
 
-int listener()
+AudioOutput::AudioOutput() = default;
+AudioOutput::~AudioOutput() = default;
+void AudioOutput::close()
 {
-    static const int fd = [] {
-        const int made = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        sockaddr_in address = {};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        if (::bind(made, reinterpret_cast<sockaddr *>(&address), sizeof(address)) != 0 ||
-            ::listen(made, 1) != 0)
-            std::abort();
-        return made;
-    }();
-    return fd;
+}
+void AudioOutput::playSilence(std::chrono::microseconds)
+{
 }
 
-std::string url()
+bool AudioOutput::open(int)
 {
-    sockaddr_in address = {};
-    socklen_t length = sizeof(address);
-    ::getsockname(listener(), reinterpret_cast<sockaddr *>(&address), &length);
-    return "http://127.0.0.1:" + std::to_string(ntohs(address.sin_port)) + "/flv/archive";
+    return true;
 }
 
-void answer(const uint8_t *data, size_t size)
+void AudioOutput::play(const std::vector<int16_t> &samples)
 {
-    const int fd = ::accept(listener(), nullptr, nullptr);
-    char head[4096];
-    const std::string start = "HTTP/1.0 200 OK\r\n\r\n";
-    if (::recv(fd, head, sizeof(head), 0) > 0) {
-        ::send(fd, start.data(), start.size(), MSG_NOSIGNAL | MSG_MORE);
-        ::send(fd, data, size, MSG_NOSIGNAL);
-    }
-    ::close(fd);
+    for (const int16_t sample : samples)
+        check(std::abs(sample) <= (INT16_MAX + 1) / 2);
 }
 
-} // namespace
-
-int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+std::chrono::microseconds AudioOutput::queued() const
 {
-    static std::string frame(frameBytes, '\0');
+    return -longAfter;
+}
+
+/// The position never goes back, and all lies within its memory.
+void tryInput(const QByteArray &input)
+{
     av_log_set_level(AV_LOG_QUIET);
+    static QTcpServer server;
+    check(server.isListening() || server.listen(QHostAddress::LocalHost));
     Arguments arguments;
-    arguments.url = url();
-    std::thread server(answer, data, size);
-    const Controls controls;
-    const PacketQueue::Limits limits{queueBytes, queueSpan, PacketQueue::Overflow::DropToKey};
-    PacketQueue video(limits);
-    PacketQueue audio(limits);
-    StreamReader(arguments, controls, video, audio).run();
-    server.join();
+    arguments.url = "http://127.0.0.1:" + std::to_string(server.serverPort()) + "/flv/live";
+    PacketQueue video({size_t(1) << 24, longAfter, PacketQueue::Overflow::DropToKey});
+    PacketQueue audio({size_t(1) << 24, longAfter, PacketQueue::Overflow::DropToKey});
+    Controls controls;
+    controls.setVolume(Controls::maxVolume / 2);
+    std::thread reader([&] { StreamReader(arguments, controls, video, audio).run(); });
+    check(server.waitForNewConnection(-1));
+    QTcpSocket *socket = server.nextPendingConnection();
+    check(socket->waitForReadyRead());
+    socket->write("HTTP/1.0 200 OK\r\n\r\n" + input);
+    socket->waitForBytesWritten();
+    delete socket;
+    reader.join();
 
     PictureDecoder decoder;
-    PictureConverter converter;
-    const auto convertAll = [&] {
+    const auto showAll = [&decoder] {
+        static std::vector<uint8_t> frame(FrameFile::sizeBytes);
         while (const AVFrame *picture = decoder.receive())
-            converter.convert(*picture, reinterpret_cast<uint8_t *>(frame.data()));
+            PictureConverter().convert(*picture, frame.data());
     };
+    PositionTrack track;
     QueuedPacket item;
-    while (video.pop(item, patience) == PacketQueue::Taken::Packet) {
+    for (int64_t last = INT64_MIN, next; video.pop(item, {}) != PacketQueue::Taken::End;
+         last = next) {
+        track.advance(item.packet->dts, item.packet->pts, {}, item.droppedBefore);
+        next = item.packet->dts + track.offset();
+        check(next >= last);
         decoder.send(item);
-        convertAll();
+        showAll();
     }
     decoder.sendEnd();
-    convertAll();
-    return 0;
+    showAll();
+
+    PacingClock clock;
+    clock.anchor(longAfter, {});
+    AudioPlayer(controls, audio, clock, track, {}).run();
 }
