@@ -4,18 +4,18 @@
 #include "API/LayoutDocument.h"
 #include "tests/fuzz/Roster.h"
 
-using namespace ZorvaneClient;
-using API::Internal::cloudData;
+using namespace ZorvaneClient::API;
 
 /// The layouts of the account's file, as a new start of the program has them, by their identifier.
 static QVariantMap layoutsOfStart()
 {
-    cloudData.layouts.clear();
-    cloudData.layoutsLastUpdate = 0;
-    cloudData.lastLayoutsUpdate = QDateTime::currentDateTime(); // so that no service is asked
-    API::CloudAPIClient().updateLayouts();
+    Internal::cloudData.layouts.clear();
+    Internal::cloudData.layoutsLastUpdate = 0;
+    // So that no service is asked.
+    Internal::cloudData.lastLayoutsUpdate = QDateTime::currentDateTime();
+    CloudAPIClient().updateLayouts();
     QVariantMap layouts;
-    for (const API::LayoutPtr &layout : cloudData.layouts)
+    for (const LayoutPtr &layout : Internal::cloudData.layouts)
         layouts.insert(layout->id(), layout->toVariantMap());
     return layouts;
 }
@@ -24,8 +24,8 @@ static QVariantMap layoutsOfStart()
 void tryInput(const QByteArray &input)
 {
     takeUsualRoster();
-    writeFile(API::Internal::layoutsCacheFile(QString()), input);
+    writeFile(Internal::layoutsCacheFile(QString()), input);
     const QVariantMap layouts = layoutsOfStart();
-    API::CloudAPIClient().saveLayoutsToFile();
+    CloudAPIClient().saveLayoutsToFile();
     check(layoutsOfStart() == layouts);
 }
