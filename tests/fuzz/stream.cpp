@@ -52,13 +52,12 @@ void tryInput(const QByteArray &input)
     av_log_set_level(AV_LOG_QUIET);
     static QTcpServer server;
     check(server.isListening() || server.listen(QHostAddress::LocalHost));
-    Arguments arguments;
-    arguments.url = "http://127.0.0.1:" + std::to_string(server.serverPort()) + "/flv/live";
+    Arguments from{"http://127.0.0.1:" + std::to_string(server.serverPort()), "", "", true};
     PacketQueue video({size_t(1) << 24, longAfter, PacketQueue::Overflow::DropToKey});
     PacketQueue audio({size_t(1) << 24, longAfter, PacketQueue::Overflow::DropToKey});
     Controls controls;
     controls.setVolume(Controls::maxVolume / 2);
-    std::thread reader([&] { StreamReader(arguments, controls, video, audio).run(); });
+    std::thread reader([&] { StreamReader(from, controls, video, audio).run(); });
     check(server.waitForNewConnection(-1));
     QTcpSocket *socket = server.nextPendingConnection();
     check(socket->waitForReadyRead());
