@@ -124,6 +124,7 @@ private slots:
              {"negative", "volume 7\nvolume -1\n", false, 0},
              {"very long", QByteArray(60'000, 'a') + " \npause\n", true, 0},
              {"end of a long one", QByteArray(10'000, ' ') + "pause\nvolume 3\n", false, 3},
+             {"a long one in one read", QByteArray(2'000, ' ') + "pause\nvolume 3\n", false, 3},
              {"zero byte", QByteArray("pause\0more\nvolume 4\n", 20), false, 4}});
     }
 
