@@ -44,6 +44,11 @@ QString Environment::kioskLayout()
     return qEnvironmentVariable("ZORVANE_KIOSK");
 }
 
+QString Environment::raisePipe()
+{
+    return qEnvironmentVariable("ZORVANE_RAISE");
+}
+
 void Environment::setPlayerProgram(const QString &path)
 {
     playerPath() = path;
