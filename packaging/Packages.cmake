@@ -37,9 +37,9 @@ set(CPACK_DEBIAN_DEMO_PACKAGE_NAME zorvane-demo)
 set(CPACK_DEBIAN_DEMO_PACKAGE_SECTION video)
 set(CPACK_DEBIAN_DEMO_PACKAGE_RECOMMENDS "zorvane-client")
 set(CPACK_DEBIAN_DEMO_DESCRIPTION "video surveillance service with invented cameras
-Stands in for the service that Zorvane Client signs in to, and for video servers
-in the local network, with drawn cameras, archives and faults that are switched
-on by hand. It listens on this machine only.
+Stands in for the service that Zorvane Client signs in to, and for video
+servers in the local network, with drawn cameras, archives and faults that are
+switched on by hand. It listens on this machine only.
 .
 zorvane-try starts it together with the client.")
 include(CPack)
