@@ -290,6 +290,45 @@ class LauncherTest(unittest.TestCase):
                 page.unlink()
         self.run_client()  # nobody holds its folder
 
+    def test_try_with_a_demo_service(self):
+        place = self.root / "bin/zorvane-try"
+        shutil.copy(source / "zorvane-try", place)
+        self.environment["PATH"] = f"{place.parent}:{self.environment['PATH']}"
+        data = self.home / ".cache/zorvane-demo"
+
+        def demo(text):
+            write_program(self.root / "path/zorvane-demo", "#!/bin/bash\n" + text)
+
+        def try_it(*arguments):
+            return subprocess.Popen([place, *arguments], env=self.environment, text=True,
+                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+        for arguments, status in ((["--help"], 0), (["x"], 2)):
+            self.assertEqual(self.finish(try_it(*arguments))[0], status)
+        demo("exit 1\n")
+        status, _, errors = self.finish(try_it())
+        self.assertEqual((status, errors), (1, "zorvane-try: the demo service did not start\n"))
+        demo(f"""echo "$*" >"{self.root}/demo"
+            echo '{{"api":1,"email":"demo@zorvane.example","password":"secret","lanPassword":"x"}}'
+            exec 1>&-
+            cat >/dev/null
+            rm "{self.root}/demo"
+            """)
+        process = try_it()
+        self.addCleanup(lambda: process.communicate(timeout=patience))
+        client = wait_for("start", self.starts)[0]
+        self.assertEqual(client["folder"], str(data / "client"))
+        self.assertEqual((self.root / "demo").read_text(),
+                         f"--data {data} --write-config {data}/client\n")
+        settings = data / "client/ZorvaneClient.ini"
+        self.assertEqual(settings.read_text(), "[auth]\nemail=demo@zorvane.example\n"
+                                               "password=secret\nsaveAuth=true\n")
+        self.assertEqual(stat.S_IMODE(settings.stat().st_mode), 0o600)
+        self.assertEqual(self.finish(try_it()), (0, "", ""))
+        self.assertEqual(len(self.starts()), 1)
+        os.kill(client["pid"], signal.SIGKILL)
+        wait_for("end of the service", lambda: not (self.root / "demo").exists())
+
 
 if __name__ == "__main__":
     unittest.main()
