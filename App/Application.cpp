@@ -15,6 +15,7 @@
 #include "App/Environment.h"
 #include "App/Language.h"
 #include "App/Log.h"
+#include "App/RaisePipe.h"
 #include "App/ScreenChoice.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
@@ -73,6 +74,10 @@ Application::Application(HighDensity, int &argc, char **argv) : QApplication(arg
     ServiceProfile::setCurrent(ServiceProfile::fromFile(QStringLiteral("service.ini")));
     setWindowIcon(QIcon(QStringLiteral("://icons/zorvane-client.png")));
     new GUI::HoverSync(this);
+    const QString raisePipe = Environment::raisePipe();
+    if (!raisePipe.isEmpty())
+        connect(new RaisePipe(raisePipe, this), &RaisePipe::asked, this,
+                &Application::raiseWindows);
 }
 
 Application::~Application()
@@ -237,6 +242,23 @@ void Application::loginSuccessful()
     const QString kioskLayout = Environment::kioskLayout();
     if (!kioskLayout.isEmpty())
         mainWindows.last()->enterKiosk(kioskLayout);
+}
+
+void Application::raiseWindows()
+{
+    QWidgetList windows;
+    if (loginDialog)
+        windows.append(loginDialog);
+    for (GUI::MainWindow *window : qAsConst(mainWindows))
+        windows.append(window);
+    // A question is last, so it comes before the window that it asks for.
+    if (QWidget *question = activeModalWidget())
+        windows.append(question);
+    for (QWidget *window : qAsConst(windows)) {
+        window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+        window->raise();
+        window->activateWindow();
+    }
 }
 
 void Application::setSoundVolume(int volume)

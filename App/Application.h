@@ -66,6 +66,7 @@ private:
 
     void connectMainWindow(GUI::MainWindow *mainWindow);
     void placeMainWindow(GUI::MainWindow *mainWindow);
+    void raiseWindows();
 
     QList<GUI::MainWindow *> mainWindows;
     GUI::LoginDialog *loginDialog = nullptr;

@@ -39,6 +39,11 @@ QString Environment::playerProgram()
     return QCoreApplication::applicationDirPath() + QLatin1String("/vlc-stream");
 }
 
+QString Environment::raisePipe()
+{
+    return qEnvironmentVariable("ZORVANE_RAISE");
+}
+
 void Environment::setPlayerProgram(const QString &path)
 {
     playerPath() = path;
