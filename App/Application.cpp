@@ -15,6 +15,7 @@
 #include "App/Environment.h"
 #include "App/Language.h"
 #include "App/Log.h"
+#include "App/QtShims.h"
 #include "App/RaisePipe.h"
 #include "App/ScreenChoice.h"
 #include "App/ServiceProfile.h"
@@ -51,10 +52,7 @@ void makeFolders()
 // Icons come in two sizes; without these a high-density screen gets the small one.
 Application::HighDensity::HighDensity()
 {
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    setAttribute(Qt::AA_EnableHighDpiScaling);
-    setAttribute(Qt::AA_UseHighDpiPixmaps);
-#endif
+    useScreenScale<QGuiApplication>();
 }
 
 Application::Application(int &argc, char **argv) : Application(HighDensity(), argc, argv)

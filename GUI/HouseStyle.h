@@ -27,7 +27,8 @@ public:
                        const QWidget *widget) const override;
 };
 
-/// Gives the application style, palette and the marked focus; the desktop has no say in them.
+/// Gives the application style, palette, the marked focus and what screen readers are told; the
+/// desktop has no say in them.
 void useHouseStyle(QApplication *application);
 
 } // namespace GUI

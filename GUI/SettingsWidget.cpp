@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/SettingsWidget.h"
 
+#include <QAbstractItemView>
 #include <QCoreApplication>
 #include <QDebug>
 #include <QPointer>
@@ -35,6 +36,7 @@ SettingsWidget::SettingsWidget(QWidget *parent) : QWidget(parent), ui(new Ui::Se
     const auto *application = App::application();
     const bool isRussian = application && application->language() == QLatin1String("ru");
     ui->languageBox->setCurrentIndex(isRussian ? russianIndex : englishIndex);
+    ui->languageBox->view()->setAccessibleName(ui->languageBox->accessibleName());
     ui->restartNotice->hide();
     ui->restartButton->hide();
     connectApplication();

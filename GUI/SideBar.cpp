@@ -2,6 +2,7 @@
 #include "GUI/SideBar.h"
 
 #include <QGraphicsDropShadowEffect>
+#include <QToolButton>
 
 #include "ui_SideBar.h"
 
@@ -30,6 +31,8 @@ SideBar::SideBar(QWidget *parent) : QWidget(parent), ui(new Ui::SideBar)
     shadow->setColor(shadowColour);
     shadow->setBlurRadius(shadowBlurPixels);
     ui->searchEdit->setGraphicsEffect(shadow);
+    if (auto *clearButton = ui->searchEdit->findChild<QToolButton *>())
+        clearButton->setAccessibleName(tr("Clear the search"));
     setRosterMode();
 }
 

@@ -53,7 +53,7 @@ struct TimelinePrivate {
     QString text;
     bool textVisible = true;
     bool selectionMode = false;
-    QImage recordsImage; ///< the record bars, in the widget's size
+    QImage recordsImage; ///< the record bars, in the widget's size and density
     bool dirty = false;  ///< `recordsImage` is out of date
     bool draggingStart = false;
     bool draggingEnd = false;

@@ -95,6 +95,11 @@ int VideoWidget::quality() const
     return d->quality;
 }
 
+bool VideoWidget::isActive() const
+{
+    return d->isActive;
+}
+
 void VideoWidget::setCameraName(QString name)
 {
     ui->cameraName->setText(name);

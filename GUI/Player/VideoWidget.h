@@ -49,6 +49,9 @@ public:
     /// From exportFragment() on, as long as its child runs.
     bool isExporting() const;
     int quality() const;
+    bool isActive() const;
+    /// What the tile does, or the text that stands in place of its picture.
+    QString stateText() const;
     /// Shows `text` in place of the picture.
     void showError(const QString &text);
 

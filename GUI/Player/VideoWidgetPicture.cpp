@@ -107,6 +107,11 @@ void VideoWidget::setNameShown(bool isShown)
     update();
 }
 
+QString VideoWidget::stateText() const
+{
+    return d->errorText.isEmpty() ? stateWord() : d->errorText;
+}
+
 QString VideoWidget::stateWord() const
 {
     if (!d->errorText.isEmpty())

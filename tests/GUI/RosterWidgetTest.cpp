@@ -375,7 +375,7 @@ private slots:
                 opened = menu->isVisible();
                 stage.refresh(worldOf("Shop: Till"_s));
             });
-            QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(30, 30));
+            QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(30, 30), QPoint(30, 30));
             if (rightButton)
                 QCoreApplication::sendEvent(card, &event);
             else

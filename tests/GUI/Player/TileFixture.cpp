@@ -31,10 +31,16 @@ API::CameraPtr cloudCamera(const QVariantMap &changes)
     return API::CameraPtr::create(&server, json);
 }
 
+void takePointerAway()
+{
+    QCursor::setPos(10000, 10000);
+}
+
 ScriptedTile::ScriptedTile(const QString &script, const API::CameraPtr &camera)
     : VideoWidget(camera)
 {
     setScript(script);
+    takePointerAway();
     resize(320, 240);
     show();
     if (!QTest::qWaitForWindowExposed(this))

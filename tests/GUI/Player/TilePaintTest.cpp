@@ -161,7 +161,8 @@ private slots:
             const QPoint to = place + QPoint(words.at(1).toInt(), words.value(2).toInt());
             if (what == "drag"_s || what == "press"_s)
                 QTest::mousePress(&tile, Qt::LeftButton, Qt::NoModifier, place);
-            QMouseEvent move(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+            QMouseEvent move(QEvent::MouseMove, to, tile.mapToGlobal(to), Qt::NoButton,
+                             Qt::LeftButton, Qt::NoModifier);
             if (what == "drag"_s || what == "move"_s)
                 QApplication::sendEvent(&tile, &move);
             if (what == "double"_s) {
