@@ -31,6 +31,7 @@ from world import World
 CAMERAS = 7
 WALL_SIDE = 2
 FINAL_CHECK_EVERY = 25
+EXPORT_SECONDS = 3
 QUIET_LOOKS = 15  # a program that starts anew is between two processes for a moment
 LAYOUT_KEYS = {"id", "name", "rows", "columns", "cameras"}
 FRAME_FILES = "zorvane-player-"
@@ -105,9 +106,10 @@ class Session(threading.Thread):
         left, top, width, _ = strip["place"]
         self.hands.click(left + width // 3, top + 30)
         while not self.kills_done:
-            for name in ("exportModeButton", "exportButton", "cancelButton"):
+            for name, longest in (("exportModeButton", 0.4), ("exportButton", EXPORT_SECONDS),
+                                  ("cancelButton", 0.4)):
                 user.press(self, window, name)
-                time.sleep(dice.uniform(0.05, 0.4))
+                time.sleep(dice.uniform(0.05, longest))
 
     def language(self, dice):
         window = self.client.main_windows()[0]
