@@ -249,9 +249,22 @@ class Run:
         outside.mend(self)
         self.tidy_screen(dice)
         self.wait_for_window()
-        if self.session_is_lost and not processes.wait_until(
-                lambda: user.sign_out_and_in(self, dice) == "signed out and in", 60, 1):
-            raise Failure("no way to sign in again")
+        window = self.one_window(dice)
+        if self.session_is_lost:
+            if not processes.wait_until(lambda: self.sign_in_anew(dice), 60, 1):
+                raise Failure("no way to sign in again")
+            window = self.one_window(dice)
+        self.hands.raise_window(window["window"])
+        self.hands.run("windowsize", window["window"], 1800, 1000)
+        self.hands.run("windowmove", window["window"], 20, 20)
+        if self.client.find("", "playButton"):
+            self.hands.key("space")
+        self.open_wall(dice)
+        self.watch.disturb()
+        self.say("calm: " + ", ".join(each["title"] for each in self.client.main_windows()))
+
+    def one_window(self, dice):
+        """The main window that is left when all others are closed, with its panels."""
         for _ in range(5):
             if len(self.client.main_windows()) < 2:
                 break
@@ -261,14 +274,13 @@ class Run:
         if window["fullscreen"]:
             self.hands.raise_window(window["window"])
             self.hands.key("Escape", "Escape")
-        self.hands.raise_window(window["window"])
-        self.hands.run("windowsize", window["window"], 1800, 1000)
-        self.hands.run("windowmove", window["window"], 20, 20)
-        if self.client.find("", "playButton"):
-            self.hands.key("space")
-        self.open_wall(dice)
-        self.watch.disturb()
-        self.say("calm: " + ", ".join(each["title"] for each in self.client.main_windows()))
+        return window
+
+    def sign_in_anew(self, dice):
+        self.tidy_screen(dice)
+        if not self.client.main_windows():
+            return self.sign_in()
+        return user.sign_out_and_in(self, dice) == "signed out and in"
 
     def open_wall(self, dice):
         window = self.client.main_windows()[0]
