@@ -154,7 +154,7 @@ QByteArray LiveWall::record(int quality) const
     QNetworkAccessManager manager;
     QNetworkReply *reply = manager.get(QNetworkRequest(QUrl(camera(0)->liveUrl(quality))));
     QTest::qWait(1000 * recordedSeconds);
-    const QByteArray bytes = reply->readAll();
+    QByteArray bytes = reply->readAll();
     reply->abort();
     return bytes;
 }

@@ -284,16 +284,28 @@ class Run:
 
     def open_wall(self, dice):
         window = self.client.main_windows()[0]
+        card = self.top_card(window)
+        self.hands.click(*middle(card))
+        time.sleep(0.4)
+        if any(each["modal"] for each in self.client.windows()):
+            self.answer_question(1)  # not saved
+        if processes.wait_until(lambda: len(self.client.tiles()) >= self.count, 5, 0.3):
+            return
+        # It was edited and saved.
+        if self.client.main_windows()[0]["title"].startswith(WALL):
+            user.delete_card(self, window, self.top_card(window))
+            time.sleep(1)
+        self.make_wall()
+        self.say("the wall is made anew")
+
+    def top_card(self, window):
         user.show_page(self, window, "layoutsButton")
         card = processes.wait_until(lambda: min(
             self.client.find(user.LAYOUTS, "", window["window"]),
             key=lambda each: each["place"][1], default=None), 45, 0.5)
         if not card:
             raise Failure("no layout in the list")
-        self.hands.click(*middle(card))
-        time.sleep(0.4)
-        if any(each["modal"] for each in self.client.windows()):
-            self.answer_question(1)  # not saved
+        return card
 
     def drive(self, seconds):
         phases = self.plan(seconds)

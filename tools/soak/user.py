@@ -94,6 +94,8 @@ def new_layout(run, random):
         return ""
     run.settle_questions(random)
     time.sleep(0.5)
+    if run.client.find("VideoWidget", "", window["window"]):
+        return ""  # the question was answered with Cancel
     for _ in range(random.randint(1, 3)):
         drag_camera(run, random)
     return save_as(run, random, f"Layout {random.randint(100, 999)}")
@@ -195,21 +197,24 @@ def delete_layout(run, random):
     cards = sorted(run.client.find(LAYOUTS, "", window["window"]), key=lambda each: each["place"])
     if len(cards) < 3:
         return ""
-    card = random.choice(cards[1:])  # the first is the wall
-    menu = next((each for each in run.client.find("", "previewMenu", window["window"])
-                 if inside(each, card)), None)
-    if not menu:
-        run.hands.move(*middle(card))
-        menu = processes.wait_until(lambda: next(
-            (each for each in run.client.find("", "previewMenu", window["window"])
-             if inside(each, card)), None), 2)
-    if not menu:
-        return ""
-    run.hands.click(*middle(menu))
-    if not choose(run, 2):
+    if not delete_card(run, window, random.choice(cards[1:])):  # the first is the wall
         return ""
     run.layouts = run.layouts[:1] + run.layouts[2:]
     return "layout deleted"
+
+
+def delete_card(run, window, card):
+    def menu_button():
+        return next((each for each in run.client.find("", "previewMenu", window["window"])
+                     if inside(each, card)), None)
+    menu = menu_button()
+    if not menu:
+        run.hands.move(*middle(card))
+        menu = processes.wait_until(menu_button, 2)
+    if not menu:
+        return False
+    run.hands.click(*middle(menu))
+    return choose(run, 2)
 
 
 def archive(run, random):
