@@ -2,6 +2,7 @@
 #include "demo/ClipMaker.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -76,7 +77,7 @@ void halve(VideoEncoder *source, const Rect &rect, VideoEncoder *target)
             const std::uint8_t *upper = source->line(plane, 2 * y);
             const std::uint8_t *lower = source->line(plane, 2 * y + 1);
             std::uint8_t *out = target->line(plane, y);
-            for (int x = rect.left / unit; x < rect.right / unit; ++x)
+            for (std::ptrdiff_t x = rect.left / unit; x < rect.right / unit; ++x)
                 out[x] = static_cast<std::uint8_t>(
                     (upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1] + 2) >> 2);
         }
