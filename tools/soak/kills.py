@@ -114,11 +114,8 @@ class Session(threading.Thread):
     def language(self, dice):
         window = self.client.main_windows()[0]
         self.hands.key("ctrl+1")
-        user.show_page(self, window, "settingsButton")
-        tool = self.client.first("ToolBar")
-        button = next(each for each in self.client.find("", "settingsButton")
-                      if user.inside(each, tool))
-        self.hands.click(*middle(button))
+        if not user.open_settings(self, window):
+            return
         box = processes.wait_until(lambda: self.client.first("", "languageBox"), 3)
         self.hands.click(*middle(box))
         self.hands.key("Up" if box["index"] else "Down", "Return")

@@ -333,15 +333,21 @@ def search(run, random):
 
 def settings_page(run, random):
     window = window_of(run, random)
-    if not window or not show_page(run, window, "settingsButton"):
-        return ""
+    return "settings page" if window and open_settings(run, window) else ""
+
+
+def open_settings(run, window):
+    """By the tool bar's button; other panels have one of the same name."""
+    if not run.client.find("SideBar", "", window["window"]):
+        press(run, window, "showPBtn")
     tool = run.client.first("ToolBar", "", window["window"])
     button = next((each for each in run.client.find("", "settingsButton", window["window"])
                    if tool and inside(each, tool)), None)
     if not button:
-        return ""
+        return False
     run.hands.click(*middle(button))
-    return "settings page"
+    return bool(processes.wait_until(
+        lambda: run.client.find("", "languageBox", window["window"]), 3))
 
 
 def wander(run, random):
