@@ -17,6 +17,7 @@ ENDS = [signal.SIGTERM, signal.SIGKILL, signal.SIGHUP, signal.SIGINT, signal.SIG
 KINDS = ["close", "stall", "truncate", "garble", "slow", "delay", "empty", "redirect", "nonjson",
          "status"]
 VALUES = {"slow": 2000, "delay": 3000, "status": 500}
+SHARED_MEMORY = "/dev/shm"
 SIZES = ["1280x720", "1024x768", "1600x900"]
 
 
@@ -169,6 +170,7 @@ STEPS = {end_child: 6, stop_child: 2, fault: 6, clear_faults: 3, service_ends: 1
 def every_second(run):
     """What was begun and ends by itself."""
     now = time.monotonic()
+    remove_dead_clocks()
     for entry in [each for each in run.stopped if each[2] <= now]:
         go_on(run, entry)
     if run.session_is_lost:
@@ -179,6 +181,18 @@ def every_second(run):
         run.service_due = None
         run.world.start()
         run.watch.disturb()
+
+
+def remove_dead_clocks():
+    """A process that is killed leaves what the library of set clocks shares under its number, and
+    the next one of that number would be ended by the library, without a word."""
+    for name in os.listdir(SHARED_MEMORY):
+        number = name.rpartition("_")[2]
+        if "faketime" in name and not os.path.exists(f"/proc/{number}"):
+            try:
+                os.remove(os.path.join(SHARED_MEMORY, name))
+            except OSError:
+                pass  # another run's, or removed by it
 
 
 def go_on(run, entry):
