@@ -105,6 +105,7 @@ private slots:
 
     void pickedSizeIsTakenOnceThePopupIsClosed()
     {
+        QVERIFY(QTest::qWaitForWindowActive(window)); // closes a popup
         press("gridSizeButton");
         auto *editor = find<GridSizeEditor>();
         QCOMPARE(editor->cursor().shape(), Qt::PointingHandCursor);
@@ -119,8 +120,9 @@ private slots:
         for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Down, Qt::Key_Left})
             QTest::keyClick(editor, key);
         QCOMPARE(editor->accessibleName(), "Grid size: 4 × 4"_s);
-        QSignalSpy picked(find<InfoPanel>(), &InfoPanel::layoutSizeChanged);
-        connect(find<InfoPanel>(), &InfoPanel::layoutSizeChanged, editor,
+        auto *panel = find<InfoPanel>();
+        QSignalSpy picked(panel, &InfoPanel::layoutSizeChanged);
+        connect(panel, &InfoPanel::layoutSizeChanged, editor,
                 [editor] { QVERIFY(!editor->isVisible()); });
         QTest::keyPress(editor, Qt::Key_Return);
         QCOMPARE(picked.value(0), (QVariantList{4, 4}));
