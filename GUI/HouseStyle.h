@@ -8,6 +8,9 @@ class QApplication;
 namespace ZorvaneClient {
 namespace GUI {
 
+/// The family of all text; the program brings its fonts along.
+constexpr char fontFamily[] = "PT Sans";
+
 /// How everything looks that no style sheet paints: the same on every desktop. What can be
 /// clicked shows it by the hand; the focus is marked by FocusRing, not by each widget.
 class HouseStyle : public QProxyStyle

@@ -97,12 +97,12 @@ struct TimelinePrivate {
     /// Keeps in `recordTimes` only what is shown and what plays.
     void forgetOldRecords();
 
-    // TimelineSelection.cpp
-    Fragment selection() const;
-    void startSelectionDrag(int x);
-    void dragSelection(int x);
-    void stopSelectionDrag();
-    bool isDraggingSelection() const;
+    // TimelineFragment.cpp
+    Fragment fragment() const;
+    void startFragmentDrag(int x);
+    void dragFragment(int x);
+    void stopFragmentDrag();
+    bool isDraggingFragment() const;
     /// Chooses where there are records, near the middle of the window; false if there are none.
     bool defaultSelection();
     bool selectionAtCurrentTime();

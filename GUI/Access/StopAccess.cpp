@@ -24,7 +24,7 @@ QAccessible::State StopAccess::state() const
 
 QString StopAccess::text(QAccessible::Text kind) const
 {
-    const QString given = QAccessibleWidget::text(kind);
+    QString given = QAccessibleWidget::text(kind);
     if (kind != QAccessible::Description)
         return given;
     // It is the tip unless it was set: with tags, and often the name once more.

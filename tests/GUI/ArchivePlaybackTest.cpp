@@ -161,6 +161,7 @@ private slots:
     {
         open({camera(1, {"10:00:00-12:00:00"}), camera(2, {"11:00:00-12:00:00"})});
         window->onPlayArchive(moment("10:59:00"));
+        QVERIFY2(tile(0)->isPlaying(), "before the first tick");
         expectStarts({"1 10:59:00 1x"});
         QVERIFY(!tile(1)->isPlaying());
 

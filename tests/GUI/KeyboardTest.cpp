@@ -42,6 +42,11 @@ void press(const QString &keys)
     QWidget *focused = QApplication::focusWidget();
     const QString key = keys.section('+', -1);
     const int code = QMetaEnum::fromType<Qt::Key>().keyToValue(qPrintable("Key_"_s + key));
+    if (keys.startsWith("Held"_s)) {
+        QKeyEvent again(QEvent::KeyPress, code, Qt::NoModifier, QString(), true);
+        QCoreApplication::sendEvent(focused, &again);
+        return;
+    }
     QTest::keyClick(focused ? focused : QApplication::activeWindow(), Qt::Key(code),
                     keys.startsWith("Shift"_s) ? Qt::ShiftModifier : Qt::NoModifier);
 }
@@ -152,6 +157,9 @@ private slots:
              {"a tile", "Return", "tile_a", "view b . | . a, a of 4 at tile_a"},
              {"menu of a LAN server", "Menu", "server_lan", "Edit"},
              {"a cloud server has none", "Menu", "server_s", "view b . | . a, b of 4 at server_s"},
+             {"none of another row", "Hidden Menu", "showPBtn",
+              "view b . | . a, b of 0 at showPBtn"},
+             {"held down", "Held+Return", "pauseButton", "view b . | . a, b of 4 at pauseButton"},
              {"a server", "Return", "server_s", "view b . | . a, b of 0 at server_s"},
              {"the date", "Return", "dateEdit", "calendar"},
              {"saved", "Edit Return", "saveLayoutButton",
@@ -173,6 +181,8 @@ private slots:
             window->setSettingsMode();
         else if (keys.startsWith("Edit"_s))
             window->startLayoutEditor();
+        else if (keys.startsWith("Hidden"_s))
+            window->hideRosterAndToolbar();
         tabTo(place);
         press(keys.section(' ', -1));
         QTRY_COMPARE(state(), effect);

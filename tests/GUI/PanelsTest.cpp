@@ -34,7 +34,8 @@ QString shownBy(const InfoPanel &panel)
     const bool hasGrid = !panel.findChild<QPushButton *>("gridSizeButton"_s)->isHidden();
     QString words = "%1 %2 %3"_s.arg(panel.mode()).arg(buttons->objectName());
     words = words.arg(menu->actions().size()) + (hasGrid ? " grid" : "");
-    return words + (edit->isHidden() ? "" : edit->isReadOnly() ? " name" : " editable name");
+    const bool isFixed = edit->isReadOnly() && edit->focusPolicy() == Qt::NoFocus;
+    return words + (edit->isHidden() ? "" : isFixed ? " name" : " editable name");
 }
 
 /// How many pixels are bright.
@@ -60,6 +61,17 @@ private slots:
         QVERIFY(world.start());
         // Without it the program would end with the window of the first test.
         application->setupMainWindow(other = new MainWindow);
+    }
+
+    /// As in the user's country, also where the texts are English.
+    void theWeekBegins()
+    {
+        const QLocale before;
+        QLocale::setDefault(QLocale("en_US"_s));
+        const CalendarPopup popup;
+        QLocale::setDefault(before);
+        QCOMPARE(QLocale("en_US"_s).firstDayOfWeek(), Qt::Sunday);
+        QCOMPARE(popup.firstDayOfWeek(), QLocale::system().firstDayOfWeek());
     }
 
     void init()
@@ -436,7 +448,7 @@ private:
     ArchiveWorld world;
     QScopedPointer<FakeClock> clock;
     QScopedPointer<ScriptedChild> child;
-    App::Application *application = qobject_cast<App::Application *>(qApp);
+    App::Application *application = App::application();
     MainWindow *other = nullptr;
     QPointer<MainWindow> window;
 };

@@ -11,7 +11,7 @@ namespace ZorvaneClient::Tests {
 
 API::CameraPtr localCamera(const QString &name)
 {
-    const auto camera = API::CameraPtr::create();
+    auto camera = API::CameraPtr::create();
     camera->setKind(API::LocalCamera);
     camera->setId("127.0.0.1:8080"_s, 3);
     camera->setName(name);
