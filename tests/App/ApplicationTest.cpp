@@ -13,6 +13,7 @@
 #include "App/ScreenChoice.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
+#include "GUI/CalendarPopup.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
@@ -127,6 +128,17 @@ private slots:
         application()->translate("en"_s);
         App::settings().setValue("common/language"_s, QVariant());
         QVERIFY2(day->text().startsWith(month), qPrintable(day->text()));
+    }
+
+    /// As in the user's country, also where the texts are English.
+    void theWeekBegins()
+    {
+        const QLocale before;
+        QLocale::setDefault(QLocale("en_US"_s));
+        const GUI::CalendarPopup popup;
+        QLocale::setDefault(before);
+        QCOMPARE(QLocale("en_US"_s).firstDayOfWeek(), Qt::Sunday);
+        QCOMPARE(popup.firstDayOfWeek(), QLocale::system().firstDayOfWeek());
     }
 
     void firstWindowTakesTheStoredGeometry()

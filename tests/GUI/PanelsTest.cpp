@@ -14,6 +14,7 @@
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/Timeline.h"
+#include "tests/GUI/Contrast.h"
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/ArchiveWorld.h"
 #include "tests/support/LogCapture.h"
@@ -38,17 +39,6 @@ QString shownBy(const InfoPanel &panel)
     return words + (edit->isHidden() ? "" : isFixed ? " name" : " editable name");
 }
 
-/// How many pixels are bright.
-int lit(const QImage &picture)
-{
-    int count = 0;
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x)
-            count += picture.pixelColor(x, y).red() > 130 ? 1 : 0;
-    }
-    return count;
-}
-
 } // namespace
 
 class PanelsTest : public QObject
@@ -61,17 +51,6 @@ private slots:
         QVERIFY(world.start());
         // Without it the program would end with the window of the first test.
         application->setupMainWindow(other = new MainWindow);
-    }
-
-    /// As in the user's country, also where the texts are English.
-    void theWeekBegins()
-    {
-        const QLocale before;
-        QLocale::setDefault(QLocale("en_US"_s));
-        const CalendarPopup popup;
-        QLocale::setDefault(before);
-        QCOMPARE(QLocale("en_US"_s).firstDayOfWeek(), Qt::Sunday);
-        QCOMPARE(popup.firstDayOfWeek(), QLocale::system().firstDayOfWeek());
     }
 
     void init()
