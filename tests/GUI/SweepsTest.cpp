@@ -154,7 +154,7 @@ class SweepsTest : public QObject
 private slots:
     void initTestCase()
     {
-        QCOMPARE(qApp->devicePixelRatio(), 2.0);
+        QCOMPARE(qApp->devicePixelRatio(), qEnvironmentVariable("QT_SCALE_FACTOR").toDouble());
         App::ServiceProfile profile;
         profile.apiHost = profile.streamingHost = "127.0.0.1"_s;
         profile.apiPort = profile.streamingPort = MisbehavingServer::deadPort();
@@ -429,7 +429,8 @@ private:
 
 int main(int argc, char *argv[])
 {
-    qputenv("QT_SCALE_FACTOR", "2");
+    if (!qEnvironmentVariableIsSet("QT_SCALE_FACTOR"))
+        qputenv("QT_SCALE_FACTOR", "2");
     qputenv("QT_STYLE_OVERRIDE", "windows");
     App::settings().setValue("common/language"_s, "ru"_s);
     App::Application application(argc, argv);
