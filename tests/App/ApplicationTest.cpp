@@ -203,8 +203,10 @@ private slots:
         QCOMPARE(App::freeScreen({left.translated(0, -540)}, {left, right, above}), 1);
     }
 
-    void fontsAndVersionAreTheirs()
+    void fontsVersionAndMenuEntryAreTheirs()
     {
+        const QString entry = QGuiApplication::desktopFileName() + ".desktop"_s;
+        QVERIFY(QFile::exists(ZORVANE_SOURCE_DIR "/packaging/" + entry));
         const QStringList files = QDir(":/login/fonts"_s).entryList();
         QVERIFY(!files.isEmpty());
         for (int font = 0; font < files.size(); ++font)
