@@ -10,6 +10,7 @@
 #include "GUI/CameraWidget.h"
 #include "GUI/InfoPanel.h"
 #include "GUI/LayoutCard.h"
+#include "GUI/LayoutListWidget.h"
 #include "GUI/MainWindow.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/ServerWidget.h"
@@ -84,8 +85,8 @@ void takeLayouts(Studio &studio)
         require(getsPreview(card(studio.good.at(i).server, studio.good.at(i).camera)), "preview");
     mainWindow()->findChild<GUI::RosterWidget *>()->ensureVisible(0, 0);
     pressTab("layoutsButton");
-    waitFor([] { return layoutCard(mainWindow(), QStringLiteral("Entrances")) != nullptr; },
-            "layout card");
+    mainWindow()->findChild<GUI::LayoutListWidget *>()->updateLayouts();
+    settle();
     studio.take("layouts", "The saved layouts", sidePlace());
     auto *shown = layoutCard(mainWindow(), QStringLiteral("Entrances"));
     studio.takeMenu("layout-menu", "The menu of a layout's card",
