@@ -1,20 +1,26 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-# Usage: tests/desktop/run.py BIN FOLDER x11|wayland [SCALE]
+# Usage: tests/desktop/run.py BIN FOLDER x11|wayland|screens|light|dark [SCALE]
 # Runs the client in BIN with a demo service on a desktop of its own and uses it as a screen reader
 # would, and with the pointer: signs in, plays, drags, goes fullscreen, goes through the records.
+# With "screens" its window moves from a screen to one of twice the density instead; with "light"
+# and "dark", themes of a desktop, only the parts that keep still are looked at.
 # Leaves pictures in FOLDER. Needs a session bus with assistive technology (dbus-run-session).
 import json, os, subprocess, sys, time
 
-if len(sys.argv) not in (4, 5) or sys.argv[3] not in ("x11", "wayland"):
+STORIES = ("x11", "wayland", "screens", "light", "dark")
+if len(sys.argv) not in (4, 5) or sys.argv[3] not in STORIES:
     sys.exit(open(__file__).readlines()[2][2:].strip())
-BIN, FOLDER, SESSION = sys.argv[1:4]
+BIN, FOLDER, STORY = sys.argv[1:4]
+SESSION = "wayland" if STORY in ("wayland", "screens") else "x11"
 SCALE = float(sys.argv[4]) if len(sys.argv) == 5 else 1.0
+THEMES = {"light": "Adwaita", "dark": "Adwaita:dark"}
 CLIPS = os.environ.get("ZORVANE_CLIP_CACHE")
 WINDOW = (1100, 650)  # as large as the main window at its first start
 # Under Wayland a window can't say where it stands: the output is no larger than it.
 DESK = WINDOW if SESSION == "wayland" else (1280, 800)
 DEADLINE = 60
+SECOND = {"scale": 1, "left": 0}  # where the window is, once it is on the second screen
 processes = []
 
 
@@ -35,7 +41,7 @@ def wait_for(what, condition, deadline=DEADLINE):
         time.sleep(0.1)
     take("failed")
     with open(os.path.join(FOLDER, "failed.txt"), "w") as tree:
-        for node in nodes(program()) if "Atspi" in globals() and program() else []:
+        for node in nodes(program() or Atspi.get_desktop(0)) if "Atspi" in globals() else []:
             print(node.get_role_name(), repr(node.get_name()), repr(node.get_description()),
                   "showing" if has(node, "SHOWING") else "hidden", file=tree)
     raise SystemExit(f"FAILED: {what} (see failed.png and failed.txt)")
@@ -49,36 +55,65 @@ def done(what, detail=""):
 
 def start_desktop():
     size = [round(side * SCALE) for side in DESK]
+    # Two screens stand side by side; the second has four times the pixels.
+    room = [size[0] * 3, size[1] * 2] if STORY == "screens" else size
     read, write = os.pipe()
-    start(["Xvfb", "-displayfd", str(write), "-screen", "0", f"{size[0]}x{size[1]}x24",
+    start(["Xvfb", "-displayfd", str(write), "-screen", "0", f"{room[0]}x{room[1]}x24",
            "-nolisten", "tcp"], pass_fds=[write], stderr=subprocess.DEVNULL)
     os.environ["DISPLAY"] = ":" + os.read(read, 16).decode().strip()
     if SESSION == "x11":
         start(["openbox"], stderr=subprocess.DEVNULL)
-        os.environ["QT_QPA_PLATFORM"] = "xcb"
+        # As Plasma scales its programs; Qt 5 rounds the Xft.dpi of others to whole scales.
+        os.environ.update(QT_QPA_PLATFORM="xcb", QT_SCREEN_SCALE_FACTORS=str(SCALE))
+        if STORY in THEMES:
+            os.environ.update(QT_QPA_PLATFORMTHEME="gtk3", GTK_THEME=THEMES[STORY])
         return
+    # An output is scaled by whole numbers only.
+    whole = int(SCALE) if SCALE == int(SCALE) else 1
+    if whole != SCALE:
+        os.environ["QT_SCALE_FACTOR"] = str(SCALE)
+    outputs = [("X1", whole), ("X2", 2)] if STORY == "screens" else [("X1", whole)]
     config = os.path.join(FOLDER, "weston.ini")
     with open(config, "w") as ini:
         ini.write("[core]\nidle-time=0\n[shell]\npanel-position=none\nlocking=false\n"
                   "background-color=0xffd6dae0\nanimation=none\nstartup-animation=none\n")
+        for name, scale in outputs:
+            ini.write(f"[output]\nname={name}\nscale={scale}\n"
+                      f"mode={size[0] // whole}x{size[1] // whole}\n")
     socket = "zorvane-desktop"
     start(["weston", "--backend=x11-backend.so", "--use-pixman", f"--config={config}",
-           f"--width={size[0]}", f"--height={size[1]}", f"--socket={socket}"],
+           f"--socket={socket}", f"--output-count={len(outputs)}"],
           stdout=subprocess.DEVNULL, stderr=open(os.path.join(FOLDER, "weston.log"), "w"))
     wait_for("weston starts", lambda: os.path.exists(
         os.path.join(os.environ["XDG_RUNTIME_DIR"], socket)))
-    # No window manager gives it the keys.
-    pointer("search", "--sync", "--name", "Weston Compositor", "windowfocus")
+    wait_for("the screens", lambda: len(windows("--class", "weston")) == len(outputs))
+    ids = windows("--class", "weston")
+    # No window manager gives the first one the keys, or moves the second beside it.
+    pointer("windowfocus", "--sync", ids[0], "mousemove", 5, 5, "click", 1)
+    if len(ids) > 1:
+        pointer("windowmove", ids[1], size[0], 0)
     os.environ.update(WAYLAND_DISPLAY=socket, QT_QPA_PLATFORM="wayland",
                       QT_WAYLAND_DISABLE_WINDOWDECORATION="1")
 
 
-def take(name):
-    subprocess.run(["import", "-window", "root", os.path.join(FOLDER, name + ".png")], check=True)
+def take(name, node=None):
+    """What the desktop shows, or a part of it."""
+    area = []
+    if node:
+        box = node.get_extents(Atspi.CoordType.SCREEN)
+        area = ["-crop", f"{box.width}x{box.height}+{box.x}+{box.y}", "+repage"]
+    subprocess.run(["import", "-window", "root", *area, os.path.join(FOLDER, name + ".png")],
+                   check=True)
 
 
 def pointer(*words):
     subprocess.run(["xdotool", *map(str, words)], check=True)
+
+
+def windows(*kind):
+    """In the order in which they were made."""
+    found = subprocess.run(["xdotool", "search", *kind], capture_output=True, text=True)
+    return sorted(int(number) for number in found.stdout.split())
 
 
 def start_client():
@@ -91,8 +126,13 @@ def start_client():
     with open(os.path.join(run, "ZorvaneClient.ini"), "w") as ini:
         ini.write(f"[auth]\nemail={account['email']}\npassword={account['password']}\n"
                   "saveAuth=true\n[common]\nlanguage=en\n")
-    os.environ.update(QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", QT_SCALE_FACTOR=str(SCALE),
-                      SDL_AUDIODRIVER="dummy")
+    os.environ.update(QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1", SDL_AUDIODRIVER="dummy")
+    # Left to find it by itself, the toolkit misses assistive technology that is about to start.
+    from gi.repository import Gio
+    bus = Gio.bus_get_sync(Gio.BusType.SESSION)
+    os.environ["AT_SPI_BUS_ADDRESS"], = bus.call_sync(
+        "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress", None, None, 0, -1,
+        None).unpack()
     start([os.path.join(BIN, "ZorvaneClient")], cwd=run,
           stderr=open(os.path.join(FOLDER, "client.log"), "w"))
 
@@ -111,9 +151,11 @@ def program():
     while GLib.MainContext.default().iteration(False):
         pass  # hears of programs that came and of what changed
     desktop = Atspi.get_desktop(0)
+    desktop.clear_cache()
     for i in range(desktop.get_child_count()):
         child = desktop.get_child_at_index(i)
-        if child and "Zorvane" in (child.get_name() or ""):
+        # What the theme of a desktop loads tells of itself under the name of the file.
+        if child and child.get_name() == "Zorvane Client":
             child.clear_cache()
             return child
     return None
@@ -150,8 +192,9 @@ def middle(node):
     # A window under Wayland believes anything of its place; it is in the corner.
     origin = find("frame")[0].get_extents(Atspi.CoordType.SCREEN)
     left, top = (origin.x, origin.y) if SESSION == "wayland" else (0, 0)
-    return (round((box.x - left + box.width / 2) * SCALE),
-            round((box.y - top + box.height / 2) * SCALE))
+    scale = SCALE * SECOND["scale"]
+    return (round((box.x - left + box.width / 2) * scale) + SECOND["left"],
+            round((box.y - top + box.height / 2) * scale))
 
 
 def check_names():
@@ -201,7 +244,7 @@ def drag(source, target):
     pointer("mouseup", 1)
 
 
-def main():
+def sign_in():
     os.makedirs(FOLDER, exist_ok=True)
     start_desktop()
     start_client()
@@ -211,21 +254,28 @@ def main():
     wait_for("the roster", lambda: len(find("list item")) >= 2)
     cards = [card for card in find("list item") if "(" not in card.get_name()]
     done("starts, signs in, tells of cameras", f"{len(cards)} cards on the screen")
-    done("names and roles of the main window", check_names())
+    return cards
 
-    act(cards[0])
-    wait_for("a picture", lambda: plays(cards[0].get_name()))
+
+def play(card):
+    act(card)
+    wait_for("a picture", lambda: plays(card.get_name()))
     wait_for("moving pictures", moving)
     done("plays the camera of a card pressed over AT-SPI", tile().get_description())
+
+
+def use_all(cards):
+    done("names and roles of the main window", check_names())
+    play(cards[0])
     take("live")
 
     drag(cards[1], tile())
     wait_for("a dropped camera", lambda: plays(cards[1].get_name()))
     done("plays a card dragged onto the tile by the pointer", tile().get_name())
 
-    frame = find("frame")[0]
-    box = frame.get_extents(Atspi.CoordType.SCREEN)
-    pointer("mousemove", *middle(tile()), "key", "f")
+    box = find("frame")[0].get_extents(Atspi.CoordType.SCREEN)
+    # Weston takes the keys from a window that begins a drag until it is clicked.
+    pointer("mousemove", *middle(tile()), "click", 1, "key", "f")
     wait_for("fullscreen", lambda: tile().get_size().x > 0.97 * DESK[0])
     time.sleep(0.5)
     take("fullscreen")
@@ -245,6 +295,62 @@ def main():
     done("plays records from a value set on the strip", strip.get_description())
     take("records")
     done("names and roles with records", check_names())
+
+
+def open_dialog():
+    act(find("push button", name="Settings")[0])
+    act(wait_for("the settings", lambda: find("push button", name="Add local server"))[0])
+    return wait_for("the dialog", lambda: find("dialog"))[0]
+
+
+def look_at_still_parts(cards):
+    """What no camera and no clock changes."""
+    before = windows("--onlyvisible", "--classname", "ZorvaneClient")
+    act(cards[0], "ShowMenu")
+    # The toolkit tells of its items as they get the focus, not of where it is.
+    menu = wait_for("the menu", lambda: set(windows("--onlyvisible", "--classname",
+                                                    "ZorvaneClient")) - set(before)).pop()
+    time.sleep(0.5)
+    subprocess.run(["import", "-window", str(menu), os.path.join(FOLDER, "menu.png")], check=True)
+    pointer("key", "Escape")
+    dialog = open_dialog()
+    done("names and roles with a dialog", check_names())
+    cancel, ok = [find("push button", name=name)[0].get_extents(Atspi.CoordType.SCREEN).x
+                  for name in ("Cancel", "OK")]
+    if cancel > ok:
+        raise SystemExit("FAILED: the theme of the desktop is not in force")
+    find("push button", name="Cancel")[0].grab_focus()  # nothing blinks there
+    time.sleep(0.5)
+    take("dialog", dialog)
+    pointer("key", "Escape")
+    wait_for("the end of the dialog", lambda: not find("dialog"))
+    time.sleep(0.5)
+    take("settings")
+    done("shows a menu, the settings and a dialog under the theme", THEMES[STORY])
+
+
+def change_screen(cards):
+    play(cards[0])
+    take("first-screen")
+    # A drag ends at the edge of the screen on which it began, so it takes two: by the left edge,
+    # and on, until nothing is left on the first screen.
+    height = DESK[1] // 2
+    for places in (range(2, DESK[0], 100), range(DESK[0] + 40, DESK[0] + 90, 10)):
+        pointer("mousemove", places[0], height, "keydown", "super", "mousedown", 1)
+        for x in [*places, places.stop - 1]:
+            pointer("mousemove", x, height)
+            time.sleep(0.1)
+        pointer("mouseup", 1, "keyup", "super")
+    SECOND.update(scale=2, left=DESK[0])
+    wait_for("moving pictures on the second screen", moving)
+    take("second-screen")
+    done("moves to a screen of twice the density", tile().get_description())
+
+
+def main():
+    cards = sign_in()
+    story = {"screens": change_screen, "light": look_at_still_parts, "dark": look_at_still_parts}
+    story.get(STORY, use_all)(cards)
 
 
 try:
