@@ -80,6 +80,9 @@ void takeLayouts(Studio &studio)
     client.addLayout(studio.layout(QStringLiteral("Night shift"), 3, 3, 1));
     const API::LayoutPtr wide = studio.layout(QStringLiteral("Entrances"), 1, 2, 6);
     client.addLayout(wide);
+    // What is nowhere but in memory goes when the service answers.
+    client.saveLayoutsToFile();
+    client.saveLayoutsToAPI();
     // A card shows the previews that are there.
     for (int i = 1; i < 10; ++i)
         require(getsPreview(card(studio.good.at(i).server, studio.good.at(i).camera)), "preview");
