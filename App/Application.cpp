@@ -63,6 +63,8 @@ Application::Application(HighDensity, int &argc, char **argv) : QApplication(arg
 {
     setApplicationName(QStringLiteral("Zorvane Client"));
     setApplicationVersion(QStringLiteral(ZORVANE_VERSION));
+    // By that a desktop under Wayland knows whose icon the windows bear.
+    setDesktopFileName(QStringLiteral("zorvane-client"));
     GUI::useHouseStyle(this);
     loadLanguage(language());
     addFonts();

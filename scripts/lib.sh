@@ -54,14 +54,15 @@ share_clips() {
     mkdir -p "$ZORVANE_CLIP_CACHE"
 }
 
-# start_display SIZE: without a display, starts one of that size; display_pid is its process.
+# start_display SIZE [OPTION...]: without a display, starts one of that size; display_pid is its
+# process.
 start_display() {
     display_pid=
     [ -z "${DISPLAY:-}" ] || return 0
     local pipe
     pipe=$(mktemp -u)
     mkfifo "$pipe"
-    Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp 3>"$pipe" >/dev/null 2>&1 &
+    Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp "${@:2}" 3>"$pipe" >/dev/null 2>&1 &
     display_pid=$!
     local number
     read -r -t 30 number <"$pipe" || fail "Xvfb did not start"

@@ -13,6 +13,7 @@
 #include "App/ScreenChoice.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
+#include "GUI/CalendarPopup.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
@@ -129,6 +130,17 @@ private slots:
         QVERIFY2(day->text().startsWith(month), qPrintable(day->text()));
     }
 
+    /// As in the user's country, also where the texts are English.
+    void theWeekBegins()
+    {
+        const QLocale before;
+        QLocale::setDefault(QLocale("en_US"_s));
+        const GUI::CalendarPopup popup;
+        QLocale::setDefault(before);
+        QCOMPARE(QLocale("en_US"_s).firstDayOfWeek(), Qt::Sunday);
+        QCOMPARE(popup.firstDayOfWeek(), QLocale::system().firstDayOfWeek());
+    }
+
     void firstWindowTakesTheStoredGeometry()
     {
         MainWindow *window = openWindow();
@@ -191,8 +203,10 @@ private slots:
         QCOMPARE(App::freeScreen({left.translated(0, -540)}, {left, right, above}), 1);
     }
 
-    void fontsAndVersionAreTheirs()
+    void fontsVersionAndMenuEntryAreTheirs()
     {
+        const QString entry = QGuiApplication::desktopFileName() + ".desktop"_s;
+        QVERIFY(QFile::exists(ZORVANE_SOURCE_DIR "/packaging/" + entry));
         const QStringList files = QDir(":/login/fonts"_s).entryList();
         QVERIFY(!files.isEmpty());
         for (int font = 0; font < files.size(); ++font)

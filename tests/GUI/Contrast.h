@@ -43,4 +43,15 @@ inline double contrastIn(const QImage &picture)
     return strongest;
 }
 
+/// How many pixels are bright.
+inline int lit(const QImage &picture)
+{
+    int count = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            count += picture.pixelColor(x, y).red() > 130 ? 1 : 0;
+    }
+    return count;
+}
+
 } // namespace ZorvaneClient::Tests

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The windows and dialogs of the program, each as it is when all of it is to be seen.
+// The windows and dialogs of the program, each as it is when all of it is to be seen, and the ways
+// through all that is in them.
 #pragma once
 
 #include "tests/support/Test.h"
@@ -71,6 +72,56 @@ inline Scene dialogScene(const std::function<void()> &open)
         open();
         QCOMPARE(visitor.visits(), 1);
     };
+}
+
+/// Calls `look` with each visible part of the window, for each page of each stack in front.
+inline void visitPages(QWidget *window, const Look &look)
+{
+    QWidgetList pages{window};
+    QList<QStackedWidget *> stacks = window->findChildren<QStackedWidget *>();
+    if (auto *own = qobject_cast<QStackedWidget *>(window))
+        stacks.append(own);
+    for (const QStackedWidget *stack : qAsConst(stacks)) {
+        for (int i = 0; i < stack->count(); ++i)
+            pages.append(stack->widget(i));
+    }
+    for (QWidget *page : qAsConst(pages)) {
+        // A reply that comes meanwhile can bring another page up, but not for ever.
+        for (int attempts = 20; attempts > 0 && !page->isVisible(); --attempts) {
+            for (QWidget *inner = page; inner->parentWidget(); inner = inner->parentWidget()) {
+                if (auto *stack = qobject_cast<QStackedWidget *>(inner->parentWidget()))
+                    stack->setCurrentWidget(inner);
+            }
+            QCoreApplication::processEvents();
+        }
+        const QWidgetList parts = window->findChildren<QWidget *>();
+        for (QWidget *part : parts) {
+            if (part->isVisible() && part->window() == window->window())
+                look(part);
+        }
+    }
+}
+
+/// Calls `look` with what screen readers are told of the window and of all in it.
+inline void visitTold(QAccessibleInterface *node,
+                      const std::function<void(QAccessibleInterface *)> &look)
+{
+    look(node);
+    for (int i = 0; i < node->childCount(); ++i) {
+        if (QAccessibleInterface *child = node->child(i))
+            visitTold(child, look);
+    }
+}
+
+/// What the window shows in `area` of the widget, `scale` times enlarged.
+inline QImage pictureOf(QWidget *widget, const QRect &area, qreal scale)
+{
+    QImage picture(area.size() * scale, QImage::Format_RGB32);
+    picture.fill(Qt::white);
+    picture.setDevicePixelRatio(scale);
+    widget->window()->render(&picture, QPoint(),
+                             QRect(widget->mapTo(widget->window(), area.topLeft()), area.size()));
+    return picture;
 }
 
 } // namespace ZorvaneClient::Tests

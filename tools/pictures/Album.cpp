@@ -22,13 +22,14 @@ bool isPopup(const QWidget *window)
     return type == Qt::Popup || type == Qt::ToolTip || type == Qt::Tool;
 }
 
+/// The tips last, which lie in front.
 QWidgetList openPopups(const QWidget *window)
 {
     QWidgetList popups;
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget *candidate : windows) {
         if (candidate != window && candidate->isVisible() && isPopup(candidate))
-            popups.append(candidate);
+            popups.insert(candidate->windowType() == Qt::ToolTip ? popups.size() : 0, candidate);
     }
     return popups;
 }

@@ -10,6 +10,7 @@
 #include "GUI/CameraWidget.h"
 #include "GUI/InfoPanel.h"
 #include "GUI/LayoutCard.h"
+#include "GUI/LayoutListWidget.h"
 #include "GUI/MainWindow.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/ServerWidget.h"
@@ -79,13 +80,16 @@ void takeLayouts(Studio &studio)
     client.addLayout(studio.layout(QStringLiteral("Night shift"), 3, 3, 1));
     const API::LayoutPtr wide = studio.layout(QStringLiteral("Entrances"), 1, 2, 6);
     client.addLayout(wide);
+    // What is nowhere but in memory goes when the service answers.
+    client.saveLayoutsToFile();
+    client.saveLayoutsToAPI();
     // A card shows the previews that are there.
     for (int i = 1; i < 10; ++i)
         require(getsPreview(card(studio.good.at(i).server, studio.good.at(i).camera)), "preview");
     mainWindow()->findChild<GUI::RosterWidget *>()->ensureVisible(0, 0);
     pressTab("layoutsButton");
-    waitFor([] { return layoutCard(mainWindow(), QStringLiteral("Entrances")) != nullptr; },
-            "layout card");
+    mainWindow()->findChild<GUI::LayoutListWidget *>()->updateLayouts();
+    settle();
     studio.take("layouts", "The saved layouts", sidePlace());
     auto *shown = layoutCard(mainWindow(), QStringLiteral("Entrances"));
     studio.takeMenu("layout-menu", "The menu of a layout's card",

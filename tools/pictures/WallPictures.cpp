@@ -11,6 +11,7 @@
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoPlaceholder.h"
 #include "GUI/Player/VideoWidget.h"
+#include "GUI/RosterWidget.h"
 #include "tests/e2e/EndToEnd.h"
 #include "tests/e2e/Wall.h"
 #include "tests/support/DialogVisitor.h"
@@ -121,6 +122,7 @@ void takeWalls(Studio &studio)
     studio.take("wall-2x2", "Four cameras, one of them chosen");
     focusByTab(gridOf(mainWindow())->players().last());
     studio.take("wall-keyboard", "Tab has come to a tile", gridPlace());
+    mainWindow()->findChild<GUI::RosterWidget *>()->ensureVisible(0, 0); // Tab passed all cards
     studio.open(studio.layout(QStringLiteral("3 x 3"), 3, 3));
     studio.takeAtAnyScale("wall-3x3", "Nine cameras");
     studio.open(studio.layout(QStringLiteral("4 x 4"), 4, 4));
