@@ -38,6 +38,8 @@ public:
     /// True while one tile is seen alone.
     bool isMaximised() const;
     bool areNamesShown() const;
+    /// The API::StreamQuality that updateQuality() gives to a tile that isn't alone.
+    int qualityOf(const Player::VideoWidget &tile) const;
     bool isPaused() const;
     /// True as soon as one tile plays.
     bool isPlaying() const;

@@ -106,15 +106,20 @@ void LayoutWidget::enableSound(bool enable)
         tile->enableSound(enable);
 }
 
+int LayoutWidget::qualityOf(const VideoWidget &tile) const
+{
+    const GridSize size{d->workingLayout->rows(), d->workingLayout->columns()};
+    return tileQuality(size, tile.span().rows, tile.span().columns);
+}
+
 void LayoutWidget::updateQuality()
 {
     d->autoQuality = true;
     if (!d->workingLayout)
         return;
     d->owedQualities.clear();
-    const GridSize size{d->workingLayout->rows(), d->workingLayout->columns()};
     for (VideoWidget *tile : qAsConst(d->players)) {
-        const int quality = tileQuality(size, tile->span().rows, tile->span().columns);
+        const int quality = qualityOf(*tile);
         const bool isMaximised = tile == d->maximised;
         if (isMaximised)
             d->qualityBefore = quality;

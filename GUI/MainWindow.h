@@ -181,6 +181,7 @@ private:
     bool rosterWasVisible = true;
     bool wasMaximized = false;
     bool archiveMode = false;
+    bool isOpening = false; ///< a layout, whose tiles get their own quality
     bool newLayoutUntouched = false;
 };
 

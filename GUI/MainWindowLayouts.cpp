@@ -3,6 +3,7 @@
 #include "GUI/MainWindow.h"
 
 #include <QDebug>
+#include <QScopedValueRollback>
 
 #include <set>
 
@@ -54,6 +55,9 @@ void MainWindow::onCameraAdded(API::CameraPtr camera)
     archiveControlPanel->addCamera(camera);
     layoutWidget->setSoundVolume(controlPanel->volume());
     if (Player::VideoWidget *tile = layoutWidget->player(camera)) {
+        // Given only afterwards, it would start each stream twice.
+        if (isOpening)
+            tile->takeQuality(layoutWidget->qualityOf(*tile));
         if (archiveMode)
             tile->setArchiveMode(true);
         else
@@ -150,9 +154,12 @@ bool MainWindow::openLayout(API::LayoutPtr layout)
     archiveControlPanel->clear();
     controlPanel->resetQuality();
     prepareToLive();
-    // A grid that has all that already tells of no camera.
-    if (!layoutWidget->openLayout(layout))
-        addCamerasToCalendar();
+    {
+        const QScopedValueRollback<bool> opening(isOpening, true);
+        // A grid that has all that already tells of no camera.
+        if (!layoutWidget->openLayout(layout))
+            addCamerasToCalendar();
+    }
     layoutWidget->updateQuality();
     infoPanel->setCurrentLayout(layout);
     if (const API::CameraPtr camera = firstCamera())

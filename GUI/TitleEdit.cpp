@@ -2,6 +2,7 @@
 #include "GUI/TitleEdit.h"
 
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QStyleOptionFrame>
 #include <QToolTip>
@@ -42,6 +43,14 @@ bool TitleEdit::event(QEvent *event)
         return true;
     }
     return QLineEdit::event(event);
+}
+
+void TitleEdit::keyPressEvent(QKeyEvent *event)
+{
+    QLineEdit::keyPressEvent(event);
+    // The key that ended the typing is none of the window's keys.
+    if (!hasFocus())
+        event->accept();
 }
 
 void TitleEdit::paintEvent(QPaintEvent *event)

@@ -128,6 +128,16 @@ private slots:
         }
     }
 
+    void theKeyThatEndsTyping()
+    {
+        openWindow();
+        window->startLayoutEditor();
+        auto *name = window->findChild<QLineEdit *>("layoutNameEdit"_s);
+        name->setFocus();
+        QTest::keyClick(name, Qt::Key_Return);
+        QVERIFY(!name->hasFocus() && !gridOf(*window)->isMaximised());
+    }
+
     void whoComesFirst()
     {
         openWindow();

@@ -12,6 +12,7 @@
 #include "GUI/RosterWidget.h"
 #include "GUI/Timeline.h"
 #include "tests/GUI/GridWorld.h"
+#include "tests/support/LogCapture.h"
 #include "tests/support/ScriptedChild.h"
 #include "tests/support/ScriptedService.h"
 
@@ -321,8 +322,11 @@ private slots:
     {
         const auto [grid, then, quality] = row<QString, QString, int>();
         const ScriptedChild child;
+        const LogCapture log;
         MainWindow window;
         window.openLayout(layoutOf(grid));
+        // At once, and not the best one first.
+        QCOMPARE(int(log.linesOf("Open url:"_s).size()), 1);
         for (const QString &step : then.split(' ')) {
             if (step == "2x5"_s)
                 emit window.findChild<InfoPanel *>()->layoutSizeChanged(2, 5);
