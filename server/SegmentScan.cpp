@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+#include "server/SegmentScan.h"
+
+#include "server/BlockWalk.h"
+#include "server/Ebml.h"
+#include "server/MatroskaIds.h"
+
+namespace ZorvaneServer {
+
+namespace {
+
+/// The header of a cluster; nothing for any other element.
+std::optional<Ebml::Header> clusterAt(FileWindow &file, std::uint64_t offset)
+{
+    const FileWindow::View head = file.at(offset, Ebml::longestHeader);
+    const auto element = Ebml::readHeader(head.data, head.size);
+    if (!element || element->id != MatroskaId::Cluster)
+        return {};
+    return element;
+}
+
+} // namespace
+
+void PictureLength::take(std::int64_t timeMs)
+{
+    if (lastMs >= 0 && timeMs > lastMs && timeMs - lastMs <= longestMs)
+        lengthMs = timeMs - lastMs;
+    lastMs = std::max(lastMs, timeMs);
+}
+
+SegmentScan SegmentScan::from(FileWindow &file, std::uint64_t offset)
+{
+    SegmentScan scan;
+    scan.wholeEnd = offset;
+    PictureLength length;
+    while (const auto cluster = clusterAt(file, offset)) {
+        BlockWalk walk(file, offset);
+        auto block = walk.next();
+        if (!block || block->cluster != offset)
+            break;
+        if (block->isKeyPicture())
+            scan.keyFrames.push_back({block->timeMs, offset});
+        const std::uint64_t told =
+            cluster->size == Ebml::unknownSize ? 0 : offset + cluster->bytes + cluster->size;
+        // Only what stands before a begun cluster is certain to be there.
+        if (told > block->end() && clusterAt(file, told)) {
+            const auto follower = BlockWalk(file, told).next();
+            if (follower && follower->cluster == told) {
+                offset = told;
+                continue;
+            }
+        }
+        const std::uint64_t begin = offset;
+        while (block && block->cluster == begin) {
+            scan.wholeEnd = block->end();
+            if (block->track == Track::Video)
+                length.take(block->timeMs);
+            block = walk.next();
+        }
+        if (scan.wholeEnd != told)
+            scan.open.push_back({begin, scan.wholeEnd});
+        if (!block)
+            break;
+        offset = block->cluster;
+    }
+    scan.lengthMs = length.endMs();
+    return scan;
+}
+
+} // namespace ZorvaneServer
