@@ -67,47 +67,54 @@ void Catalogue::add(const StreamId &id, const std::vector<SegmentName> &names)
               [](const Entry &one, const Entry &other) { return one.startMs < other.startMs; });
 }
 
-void Catalogue::grow(const StreamId &id, std::int64_t startMs, std::int64_t lengthMs)
+void Catalogue::grow(const StreamId &id, std::int64_t startMs, std::int64_t lengthMs,
+                     std::int64_t size)
 {
     const Lock lock(mutex);
     Stream &stream = streams[id];
-    const Entry entry{startMs, 0, static_cast<std::uint32_t>(lengthMs), true};
+    const Entry entry{startMs, size, static_cast<std::uint32_t>(lengthMs), true};
     const auto known = stream.find(startMs, true, 0);
-    if (known == stream.entries.end())
+    if (known == stream.entries.end()) {
         stream.insert(entry);
-    else
-        known->lengthMs = entry.lengthMs;
+        bytes += size;
+    } else {
+        bytes += size - known->bytes;
+        *known = entry;
+    }
     stream.longestMs = std::max(stream.longestMs, lengthMs);
 }
 
 void Catalogue::finish(const StreamId &id, const SegmentName &name, std::int64_t size)
 {
-    abandon(id, name.startMs);
     const Lock lock(mutex);
-    streams[id].insert(
+    Stream &stream = streams[id];
+    erase(stream, stream.find(name.startMs, true, 0));
+    stream.insert(
         {name.startMs, size, static_cast<std::uint32_t>(name.lengthMs.value_or(0)), false});
     bytes += size;
+}
+
+void Catalogue::erase(Stream &stream, std::vector<Entry>::iterator entry)
+{
+    if (entry == stream.entries.end())
+        return;
+    bytes -= std::max<std::int64_t>(entry->bytes, 0);
+    stream.entries.erase(entry);
 }
 
 void Catalogue::abandon(const StreamId &id, std::int64_t startMs)
 {
     const Lock lock(mutex);
     Stream &stream = streams[id];
-    const auto entry = stream.find(startMs, true, 0);
-    if (entry != stream.entries.end())
-        stream.entries.erase(entry);
+    erase(stream, stream.find(startMs, true, 0));
 }
 
 void Catalogue::remove(const StreamId &id, const SegmentName &name)
 {
     const Lock lock(mutex);
     Stream &stream = streams[id];
-    const auto entry =
-        stream.find(name.startMs, false, static_cast<std::uint32_t>(name.lengthMs.value_or(0)));
-    if (entry == stream.entries.end())
-        return;
-    bytes -= std::max<std::int64_t>(entry->bytes, 0);
-    stream.entries.erase(entry);
+    erase(stream,
+          stream.find(name.startMs, false, static_cast<std::uint32_t>(name.lengthMs.value_or(0))));
 }
 
 void Catalogue::setBytes(const StreamId &id, const SegmentName &name, std::int64_t size)

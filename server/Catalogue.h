@@ -36,8 +36,9 @@ public:
 
     /// All finished segments of a stream at once, in any order.
     void add(const StreamId &stream, const std::vector<SegmentName> &names);
-    /// A segment that grows is told with its length by now, until it is finished.
-    void grow(const StreamId &stream, std::int64_t startMs, std::int64_t lengthMs);
+    /// A segment that grows is told with its length and size by now, until it is finished.
+    void grow(const StreamId &stream, std::int64_t startMs, std::int64_t lengthMs,
+              std::int64_t bytes);
     void finish(const StreamId &stream, const SegmentName &name, std::int64_t bytes);
     /// Nothing came of the segment that grew.
     void abandon(const StreamId &stream, std::int64_t startMs);
@@ -56,6 +57,7 @@ public:
     std::optional<std::pair<StreamId, Segment>> oldest() const;
     /// Finished segments whose size isn't known yet.
     std::vector<std::pair<StreamId, SegmentName>> unmeasured() const;
+    /// Of all segments whose size is known.
     std::int64_t knownBytes() const;
     std::size_t size() const;
 
@@ -79,6 +81,7 @@ private:
         void insert(const Entry &entry);
     };
 
+    void erase(Stream &stream, std::vector<Entry>::iterator entry);
     std::vector<Record> recordsOf(const Stream &stream, std::int64_t fromMs,
                                   std::int64_t toMs) const;
 

@@ -231,7 +231,7 @@ private slots:
             const auto parts = word.split(QRegularExpression("[+~]"_s));
             const std::int64_t start = parts[0].toInt() * secondMs;
             if (word.contains('~'))
-                catalogue.grow(door, start, parts[1].toInt() * secondMs);
+                catalogue.grow(door, start, parts[1].toInt() * secondMs, 0);
             else
                 finished.push_back(SegmentName{start, parts[1].toInt() * secondMs});
         }
