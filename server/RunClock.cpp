@@ -52,8 +52,11 @@ bool RunClock::hasStepped(const Arrival &picture) const
 
 void RunClock::follow(const Arrival &picture)
 {
-    const StampFilter::Step step = filter.take(picture.stamp, picture.steady);
+    StampFilter::Step step = filter.take(picture.stamp, picture.steady);
     const Duration elapsed = picture.steady - first.steady;
+    // What ran ahead by stamps that are known to be wrong by now is waited for.
+    if (step.isGuess && position > elapsed)
+        step.length /= 2;
     position += step.length;
     endsAtKey |= step.isGap || hasStepped(picture);
 

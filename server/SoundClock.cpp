@@ -12,6 +12,7 @@ namespace {
 // Sound and pictures of one moment don't come further apart.
 constexpr SoundClock::Duration farthestStamps = 5s;
 constexpr SoundClock::Duration farthestApart = 200ms;
+constexpr SoundClock::Duration leastApart = 1ms;
 
 } // namespace
 
@@ -29,7 +30,7 @@ SoundClock::Duration SoundClock::place(const Arrival &sound, const RunClock &pic
             const auto most = Duration(long(double(step.count()) * RunClock::mostDrawn));
             moment = last + step + std::clamp(off, -most, most);
         }
-        moment = std::max(moment, last);
+        moment = std::max(moment, last + leastApart);
     }
     latest = sound;
     run = pictures.runs();

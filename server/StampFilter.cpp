@@ -13,7 +13,7 @@ constexpr StampFilter::Duration sampleEvery = 100ms;
 // Too fast is seen soon, since it fills the archive with time that hasn't been. A line that
 // stands for some seconds and then brings all at once isn't too slow.
 constexpr StampFilter::Duration fastAfter = 1s;
-constexpr StampFilter::Duration slowAfter = 5s;
+constexpr StampFilter::Duration slowAfter = 10s;
 constexpr double fastest = 2;
 constexpr double slowest = 0.5;
 constexpr int gapSteps = 3;
@@ -41,12 +41,13 @@ StampFilter::Step StampFilter::judge(Duration told, Duration lived)
     if (!believed)
         length = lived > longestStep || !wasBelieved ? lived : usual;
     toldSum += length;
-    if (isNonsense())
+    const bool isGuess = isNonsense();
+    if (isGuess)
         length = lived;
     else if (isNear && told > 0us)
         usual += (told - usual) / memory;
     wasBelieved = believed;
-    return {length, length > std::max(longestStep, gapSteps * usual)};
+    return {length, length > std::max(longestStep, gapSteps * usual), isGuess};
 }
 
 void StampFilter::remember(Duration now)

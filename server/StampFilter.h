@@ -20,7 +20,8 @@ public:
 
     struct Step {
         Duration length{0};
-        bool isGap = false; ///< nothing came for so long
+        bool isGap = false;   ///< nothing came for so long
+        bool isGuess = false; ///< not the camera's: its stamps run too fast or too slowly
     };
 
     /// The time from the picture before; `now` is when this one came, by a clock that only runs.
