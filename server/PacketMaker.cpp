@@ -68,16 +68,25 @@ SoundCodec PacketMaker::soundCodecOf(const AVStream &sound)
     }
 }
 
+void PacketMaker::takeSetup(const std::uint8_t *setup, std::size_t size)
+{
+    sets = H264::ParameterSets::of(setup, size);
+    lengthBytes = H264::lengthBytesOf(setup, size);
+    setsChanged = true;
+    hasSetup = true;
+}
+
 H264::Units PacketMaker::unitsOf(const AVPacket &packet, const AVStream &video)
 {
     const auto size = static_cast<std::size_t>(packet.size);
-    if (!hasSetup && video.codecpar->extradata_size > 0) {
-        const auto setupSize = static_cast<std::size_t>(video.codecpar->extradata_size);
-        sets = H264::ParameterSets::of(video.codecpar->extradata, setupSize);
-        lengthBytes = H264::lengthBytesOf(video.codecpar->extradata, setupSize);
-        setsChanged = true;
-        hasSetup = true;
-    }
+    std::size_t newSize = 0;
+    const std::uint8_t *fresh =
+        av_packet_get_side_data(&packet, AV_PKT_DATA_NEW_EXTRADATA, &newSize);
+    if (fresh)
+        takeSetup(fresh, newSize);
+    else if (!hasSetup && video.codecpar->extradata_size > 0)
+        takeSetup(video.codecpar->extradata,
+                  static_cast<std::size_t>(video.codecpar->extradata_size));
     return lengthBytes == 0 ? H264::unitsAfterStartCodes(packet.data, size)
                             : H264::unitsAfterLengths(packet.data, size, lengthBytes);
 }

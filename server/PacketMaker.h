@@ -29,6 +29,7 @@ public:
     const FormatPtr &format() const { return current; }
 
 private:
+    void takeSetup(const std::uint8_t *setup, std::size_t size);
     H264::Units unitsOf(const AVPacket &packet, const AVStream &video);
     void updateFormat(const H264::Units &keyPicture, const AVStream &video, const AVStream *sound);
 

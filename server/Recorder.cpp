@@ -88,7 +88,7 @@ void Recorder::run()
         for (const auto &lane : lanes)
             wroteAll &= drain(*lane, lock);
         if (wroteAll) {
-            if (std::exchange(isRefused, false))
+            if (refusing.exchange(false))
                 Log::say("the archive takes pictures again");
             continue;
         }
@@ -129,9 +129,8 @@ void Recorder::refused(Recording::Outcome outcome)
 {
     if (outcome == Recording::Outcome::NoRoom)
         keeper.needsRoom();
-    if (isRefused)
+    if (refusing.exchange(true))
         return;
-    isRefused = true;
     if (outcome == Recording::Outcome::NoRoom)
         Log::say("the disk of the archive is full");
     else if (!folder.isReady())

@@ -30,6 +30,8 @@ public:
     void stop();
     /// A packet of the stream of that number; null when its connection has ended.
     void take(std::size_t stream, PacketPtr packet);
+    /// Whether what comes in waits because the archive can't be written.
+    bool isRefused() const { return refusing; }
     /// Pictures that weren't written for want of room or speed.
     std::int64_t dropped(std::size_t stream) const { return lanes[stream]->dropped; }
 
@@ -52,7 +54,7 @@ private:
     Keeper &keeper;
     SegmentFinisher finisher;
     std::vector<std::unique_ptr<Lane>> lanes;
-    bool isRefused = false;
+    std::atomic<bool> refusing{false};
 
     std::mutex mutex;
     std::condition_variable wake;

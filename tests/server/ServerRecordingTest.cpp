@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/Test.h"
+#include "tests/server/Media.h"
 
 #include <random>
 
 #include "server/SegmentName.h"
-#include "server/SegmentReader.h"
 
 using namespace ZorvaneServer;
 
@@ -17,24 +16,7 @@ class ServerRecordingTest : public QObject
     QProcess server;
     QByteArray log;
 
-    static QByteArray outputOf(const QString &program, const QStringList &arguments)
-    {
-        QProcess process;
-        process.setProcessChannelMode(QProcess::MergedChannels);
-        process.start(program, arguments);
-        return process.waitForFinished(60'000) ? process.readAll() : "not finished";
-    }
-
     static QString program() { return QStringLiteral(ZORVANE_BIN_DIR "/zorvane-server"); }
-
-    void makeClip(const QString &name, const QStringList &codec)
-    {
-        QStringList arguments = {
-            "-v", "error", "-f", "lavfi",        "-i", "testsrc2=s=320x180:r=25",
-            "-f", "lavfi", "-i", "sine=r=16000", "-t", "3"};
-        QCOMPARE(outputOf("ffmpeg", arguments + codec + QStringList{folder.filePath(name)}),
-                 QByteArray());
-    }
 
     void start(const QString &cameras)
     {
@@ -56,37 +38,20 @@ class ServerRecordingTest : public QObject
 
     QString archive() const { return folder.filePath("archive"); }
 
-    QStringList files(const QString &pattern) const
-    {
-        QStringList found;
-        QDirIterator all(archive(), {pattern}, QDir::Files, QDirIterator::Subdirectories);
-        while (all.hasNext())
-            found << all.next();
-        found.sort();
-        return found;
-    }
-
-    /// The packets of all files of that pattern.
-    static std::vector<PacketPtr> packetsOf(const QStringList &paths, Track track)
-    {
-        std::vector<PacketPtr> packets;
-        for (const QString &path : paths) {
-            const auto reader = SegmentReader::open(path.toStdString());
-            while (const PacketPtr packet = reader ? reader->next() : nullptr) {
-                if (packet->track == track)
-                    packets.push_back(packet);
-            }
-        }
-        return packets;
-    }
+    QStringList files(const QString &pattern) const { return filesBelow(archive(), pattern); }
 
 private slots:
     void initTestCase()
     {
-        makeClip("aac.mp4", {"-c:v", "libx264", "-bf", "2", "-g", "25", "-c:a", "aac"});
-        makeClip("g711.mkv", {"-c:v", "libx264", "-preset", "ultrafast", "-g", "10", "-s", "160x90",
-                              "-ar", "8000", "-c:a", "pcm_mulaw"});
-        makeClip("mjpeg.mkv", {"-c:v", "mjpeg", "-an"});
+        QCOMPARE(makeClip(folder.filePath("aac.mp4"),
+                          QStringList{"-c:v", "libx264", "-bf", "2", "-g", "25", "-c:a", "aac"}),
+                 QByteArray());
+        QCOMPARE(makeClip(folder.filePath("g711.mkv"),
+                          QStringList{"-c:v", "libx264", "-preset", "ultrafast", "-g", "10", "-s",
+                                      "160x90", "-ar", "8000", "-c:a", "pcm_mulaw"}),
+                 QByteArray());
+        QCOMPARE(makeClip(folder.filePath("mjpeg.mkv"), QStringList{"-c:v", "mjpeg", "-an"}),
+                 QByteArray());
     }
 
     void init()
@@ -107,7 +72,7 @@ private slots:
     {
         start("[camera Front door]\nurl = file:%1/aac.mp4\nsub = file:%1/g711.mkv\n"_s.arg(
             folder.path()));
-        QTRY_VERIFY_WITH_TIMEOUT(packetsOf(files("*.part"), Track::Video).size() > 200, 60'000);
+        QTRY_VERIFY_WITH_TIMEOUT(packetsOf(files("*.part")).size() > 200, 60'000);
         server.terminate();
         QVERIFY(server.waitForFinished(30'000));
         QCOMPARE(server.exitCode(), 0);
@@ -119,7 +84,7 @@ private slots:
                 outputOf("ffprobe", {"-v", "warning", "-count_packets", "-show_entries",
                                      "stream=codec_name,width,nb_read_packets,sample_rate", "-of",
                                      "csv=p=0:nk=1", file});
-            const auto pictures = packetsOf({file}, Track::Video);
+            const auto pictures = packetsOf({file});
             const auto sounds = packetsOf({file}, Track::Sound);
             QVERIFY(!sounds.empty());
             QCOMPARE(QString(seen), "h264,%1,%2\n%3,%4,%5\n"_s.arg(isMain ? 320 : 160)
@@ -155,7 +120,7 @@ private slots:
             const std::size_t wanted = 5 + random() % 40;
             std::vector<PacketPtr> before;
             const auto grows = [&] {
-                before = packetsOf(files("*.part"), Track::Video);
+                before = packetsOf(files("*.part"));
                 return before.size() >= wanted;
             };
             QTRY_VERIFY_WITH_TIMEOUT(grows(), 60'000);
@@ -173,7 +138,7 @@ private slots:
             QVERIFY(server.waitForFinished());
             log.clear();
             const QString whole = files(QFileInfo(part).completeBaseName() + "+*.mkv").value(0);
-            const auto after = packetsOf({whole}, Track::Video);
+            const auto after = packetsOf({whole});
             QVERIFY(after.size() >= before.size());
             for (std::size_t k = 0; k < before.size(); ++k)
                 QVERIFY(after[k]->momentMs == before[k]->momentMs &&
