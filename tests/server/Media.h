@@ -13,7 +13,7 @@ inline QByteArray outputOf(const QString &program, const QStringList &arguments)
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.start(program, arguments);
-    return process.waitForFinished(60'000) ? process.readAll() : "not finished";
+    return process.waitForFinished(200'000) ? process.readAll() : "not finished";
 }
 
 /// Makes a moving picture of three seconds with a tone. What went wrong.
