@@ -17,7 +17,10 @@ CloudData cloudData;
 
 bool isFresh(const QDateTime &lastRequest)
 {
-    return lastRequest.isValid() && lastRequest > App::Environment::now().addSecs(-throttleSeconds);
+    const QDateTime now = App::Environment::now();
+    // The wall clock can be set back; what lies ahead would hold for as long as that.
+    return lastRequest.isValid() && lastRequest <= now &&
+           lastRequest > now.addSecs(-throttleSeconds);
 }
 
 } // namespace Internal

@@ -34,7 +34,7 @@ struct CloudData {
 /// The one record of the process.
 extern CloudData cloudData;
 
-/// True when `lastRequest` is less than 30 seconds ago.
+/// True when `lastRequest` is less than 30 seconds ago, and not in the future.
 bool isFresh(const QDateTime &lastRequest);
 
 } // namespace Internal

@@ -3,6 +3,7 @@
 
 #include <QUuid>
 
+#include <algorithm>
 #include <iterator>
 #include <limits>
 
@@ -161,7 +162,7 @@ int Layout::freeCellCount() const
     for (const LayoutCell &cell : data.cells)
         count -= cell.camera ? 1 : 0;
     using Limits = std::numeric_limits<int>;
-    return static_cast<int>(qBound<qint64>(Limits::min(), count, Limits::max()));
+    return static_cast<int>(std::clamp<qint64>(count, Limits::min(), Limits::max()));
 }
 
 QVariantMap Layout::toVariantMap() const

@@ -18,6 +18,8 @@ namespace Internal {
 
 namespace {
 
+constexpr int comingVersion = 0; ///< whole, but the others have not made room for it yet
+
 /// Empty when there is no such file, or one that can't be ours.
 QByteArray contentOf(const QString &fileName)
 {
@@ -43,16 +45,19 @@ QString versionFile(const QString &cacheFile, int number)
 /// The lowest number that is free, or that of the oldest.
 int firstGap(const QString &cacheFile)
 {
-    int number = 1;
+    int number = comingVersion + 1;
     while (number < keptLayoutVersions && QFile::exists(versionFile(cacheFile, number)))
         ++number;
     return number;
 }
 
-/// Frees number 1. A kill in between leaves a gap, which the next call fills.
-void makeRoom(const QString &cacheFile)
+/// Makes the coming one the newest, if there is one. A kill in between leaves a gap, which the
+/// next call fills.
+void moveUp(const QString &cacheFile)
 {
-    for (int number = firstGap(cacheFile); number > 1; --number) {
+    if (!QFile::exists(versionFile(cacheFile, comingVersion)))
+        return;
+    for (int number = firstGap(cacheFile); number > comingVersion; --number) {
         const QByteArray from = QFile::encodeName(versionFile(cacheFile, number - 1));
         const QByteArray to = QFile::encodeName(versionFile(cacheFile, number));
         // Replaces in one step, which QFile::rename doesn't.
@@ -68,12 +73,15 @@ void keepLayoutVersion(const QString &cacheFile, const QByteArray &coming)
     const QByteArray present = contentOf(cacheFile);
     if (present.isEmpty() || isSameList(present, coming))
         return;
-    const QString newest = versionFile(cacheFile, 1);
-    if (isSameList(present, contentOf(newest)))
-        return; // kept by one who was killed before the new list was written
-    makeRoom(cacheFile);
-    if (!App::writeForOwner(newest, present))
-        qWarning() << "Could not keep the former layouts in" << newest;
+    moveUp(cacheFile); // for one who was killed before
+    if (isSameList(present, contentOf(versionFile(cacheFile, comingVersion + 1))))
+        return; // and before the new list was written
+    const QString fileName = versionFile(cacheFile, comingVersion);
+    if (!App::writeForOwner(fileName, present)) {
+        qWarning() << "Could not keep the former layouts in" << fileName;
+        return;
+    }
+    moveUp(cacheFile);
 }
 
 } // namespace Internal

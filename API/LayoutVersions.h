@@ -12,8 +12,9 @@ namespace Internal {
 constexpr int keptLayoutVersions = 10;
 
 /// To be called before `coming` replaces the content of `cacheFile`: when that would change the
-/// list of layouts, the list that is there is kept, as long as there are not ten newer ones. A
-/// kill at any moment leaves whole files, and loses none but the oldest.
+/// list of layouts, the list that is there is kept, as long as there are not ten newer ones. The
+/// ten newest are there at any moment, as whole files: one that a kill kept from becoming "FILE.1"
+/// is "FILE.0", and a write that fails costs none.
 void keepLayoutVersion(const QString &cacheFile, const QByteArray &coming);
 
 } // namespace Internal

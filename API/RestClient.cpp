@@ -35,6 +35,7 @@ RestClient::RestClient()
 void RestClient::request(QString command, QVariantMap params, QNetworkAccessManager::Operation op)
 {
     const QString path = pathOf(command);
+    ServiceLink::instance().setAsked();
     switch (op) {
     case QNetworkAccessManager::GetOperation:
         http.get(path, params, true);
@@ -65,6 +66,7 @@ void RestClient::del(QString command, QVariantMap params)
 
 void RestClient::postJSON(QString path, QVariantMap query, QByteArray body)
 {
+    ServiceLink::instance().setAsked();
     http.post(pathOf(path), query, body, QStringLiteral("application/json"), true);
 }
 

@@ -15,6 +15,8 @@
 #include "App/Environment.h"
 #include "App/Language.h"
 #include "App/Log.h"
+#include "App/QtShims.h"
+#include "App/RaisePipe.h"
 #include "App/ScreenChoice.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
@@ -50,10 +52,7 @@ void makeFolders()
 // Icons come in two sizes; without these a high-density screen gets the small one.
 Application::HighDensity::HighDensity()
 {
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    setAttribute(Qt::AA_EnableHighDpiScaling);
-    setAttribute(Qt::AA_UseHighDpiPixmaps);
-#endif
+    useScreenScale<QGuiApplication>();
 }
 
 Application::Application(int &argc, char **argv) : Application(HighDensity(), argc, argv)
@@ -73,6 +72,10 @@ Application::Application(HighDensity, int &argc, char **argv) : QApplication(arg
     ServiceProfile::setCurrent(ServiceProfile::fromFile(QStringLiteral("service.ini")));
     setWindowIcon(QIcon(QStringLiteral("://icons/zorvane-client.png")));
     new GUI::HoverSync(this);
+    const QString raisePipe = Environment::raisePipe();
+    if (!raisePipe.isEmpty())
+        connect(new RaisePipe(raisePipe, this), &RaisePipe::asked, this,
+                &Application::raiseWindows);
 }
 
 Application::~Application()
@@ -86,9 +89,10 @@ Application::~Application()
 
 QString Application::globalStyleSheet()
 {
-    return QStringLiteral("* { font: 12px \"PT Sans\"; }"
+    return QStringLiteral("* { font: 12px \"%1\"; }"
                           "QMenu { background-color: white; border: none; margin: 4px; }"
-                          "QMenu::item:selected { background-color: rgb(62, 183, 253); }");
+                          "QMenu::item:selected { background-color: rgb(62, 183, 253); }")
+        .arg(QLatin1String(GUI::fontFamily));
 }
 
 QString Application::language() const
@@ -238,6 +242,23 @@ void Application::loginSuccessful()
         mainWindows.last()->enterKiosk(kioskLayout);
 }
 
+void Application::raiseWindows()
+{
+    QWidgetList windows;
+    if (loginDialog)
+        windows.append(loginDialog);
+    for (GUI::MainWindow *window : qAsConst(mainWindows))
+        windows.append(window);
+    // A question is last, so it comes before the window that it asks for.
+    if (QWidget *question = activeModalWidget())
+        windows.append(question);
+    for (QWidget *window : qAsConst(windows)) {
+        window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+        window->raise();
+        window->activateWindow();
+    }
+}
+
 void Application::setSoundVolume(int volume)
 {
     for (GUI::MainWindow *window : qAsConst(mainWindows))
@@ -260,6 +281,11 @@ void Application::openDownloadsPage()
 {
     QDesktopServices::openUrl(ServiceProfile::current().redirectorUrl(
         QLatin1String("/?target=downloads&lang=") + language()));
+}
+
+Application *application()
+{
+    return qobject_cast<Application *>(QCoreApplication::instance());
 }
 
 } // namespace App

@@ -66,10 +66,14 @@ private:
 
     void connectMainWindow(GUI::MainWindow *mainWindow);
     void placeMainWindow(GUI::MainWindow *mainWindow);
+    void raiseWindows();
 
     QList<GUI::MainWindow *> mainWindows;
     GUI::LoginDialog *loginDialog = nullptr;
 };
+
+/// The application of this process; null where a program of another kind shows the widgets.
+Application *application();
 
 } // namespace App
 } // namespace ZorvaneClient

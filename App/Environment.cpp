@@ -39,14 +39,19 @@ QString Environment::playerProgram()
     return QCoreApplication::applicationDirPath() + QLatin1String("/vlc-stream");
 }
 
-QString Environment::kioskLayout()
+QString Environment::raisePipe()
 {
-    return qEnvironmentVariable("ZORVANE_KIOSK");
+    return qEnvironmentVariable("ZORVANE_RAISE");
 }
 
 void Environment::setPlayerProgram(const QString &path)
 {
     playerPath() = path;
+}
+
+QString Environment::kioskLayout()
+{
+    return qEnvironmentVariable("ZORVANE_KIOSK");
 }
 
 } // namespace App

@@ -27,6 +27,10 @@ public:
     /// Name of the layout that the first window shows alone on the whole screen, as the
     /// variable ZORVANE_KIOSK says; empty in all other cases.
     static QString kioskLayout();
+
+    /// Path of the pipe through which a second start asks for the windows, as the variable
+    /// ZORVANE_RAISE says; empty if there is none.
+    static QString raisePipe();
 };
 
 } // namespace App

@@ -12,7 +12,7 @@ namespace App {
 /// language of the source texts and has none. A language that is loaded already is left alone.
 void loadLanguage(const QString &language);
 
-/// Names months and days in the language of that code, and begins the week as `system` does.
+/// Names months and days in the language of that code.
 QLocale localeFor(const QString &code, const QLocale &system);
 
 } // namespace App

@@ -11,6 +11,7 @@
 #include <cstdlib>
 
 #include "App/OwnerOnly.h"
+#include "App/QtShims.h"
 
 namespace ZorvaneClient {
 namespace App {
@@ -69,9 +70,7 @@ void openLog()
     if (!logFile->open(QIODevice::WriteOnly))
         qFatal("Cannot open log file");
     logStream = new QTextStream(logFile);
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    logStream->setCodec("UTF-8");
-#endif
+    useUtf8(logStream);
     previousHandler = qInstallMessageHandler(handleMessage);
 }
 

@@ -23,7 +23,9 @@ bool writeForOwner(const QString &fileName, const QByteArray &content)
     if (!file.open(QIODevice::WriteOnly))
         return false;
     file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    return file.write(content) == content.size() && file.commit();
+    // commit() does not look at what the last of the buffer came to: on a full disk it would put
+    // a torn file in place.
+    return file.write(content) == content.size() && file.flush() && file.commit();
 }
 
 } // namespace App

@@ -7,7 +7,7 @@
 #include <QtGlobal>
 
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
-#include <QEnterEvent>
+class QEnterEvent;
 #endif
 
 namespace ZorvaneClient {
@@ -41,6 +41,34 @@ QPointF globalPosition(const MouseEvent &event)
     return event.globalPosition();
 #else
     return event.screenPos();
+#endif
+}
+
+/// Before the application is made: sizes and pictures follow the screen's scale.
+template <typename GuiApplication>
+void useScreenScale()
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    GuiApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    GuiApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+#endif
+}
+
+/// For a QTextStream.
+template <typename TextStream>
+void useUtf8([[maybe_unused]] TextStream *stream)
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    stream->setCodec("UTF-8");
+#endif
+}
+
+/// For the QSettings of an INI file.
+template <typename Settings>
+void useUtf8Ini([[maybe_unused]] Settings *file)
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    file->setIniCodec("UTF-8");
 #endif
 }
 

@@ -8,6 +8,8 @@
 #include <QSslCertificate>
 #include <QSslConfiguration>
 
+#include "App/QtShims.h"
+
 namespace ZorvaneClient {
 namespace App {
 
@@ -83,9 +85,7 @@ ServiceProfile ServiceProfile::fromFile(const QString &fileName)
     if (!QFile::exists(fileName))
         return profile;
     QSettings file(fileName, QSettings::IniFormat);
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    file.setIniCodec("UTF-8");
-#endif
+    useUtf8Ini(&file);
     if (file.status() != QSettings::NoError) {
         qWarning() << "service.ini: cannot read" << fileName;
         return profile;

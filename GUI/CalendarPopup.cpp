@@ -11,6 +11,7 @@
 #include "API/Camera.h"
 #include "App/Environment.h"
 #include "GUI/Colours.h"
+#include "GUI/HouseStyle.h"
 #include "GUI/StyleBackground.h"
 #include "GUI/StyleSheet.h"
 
@@ -63,6 +64,8 @@ CalendarPopup::CalendarPopup(QWidget *parent) : QCalendarWidget(parent)
     setAttribute(Qt::WA_TranslucentBackground);
     setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
     setDateEditEnabled(false);
+    // As in the country of the user: not every language is known to be spoken there.
+    setFirstDayOfWeek(QLocale::system().firstDayOfWeek());
     arrange();
     for (int day = Qt::Monday; day <= Qt::Sunday; ++day)
         setWeekdayTextFormat(static_cast<Qt::DayOfWeek>(day), weekdayFormat());
@@ -156,7 +159,7 @@ void CalendarPopup::paintCell(QPainter *painter, const QRect &rect, CalendarDate
     }
     painter->setPen(Colours::faint(translucent));
     painter->drawLine(rect.topLeft(), rect.topRight());
-    painter->setFont(QFont(QStringLiteral("PT Sans"), dayPointSize));
+    painter->setFont(QFont(fontFamily, dayPointSize));
     painter->setPen(hasRecords(date) ? QColor(Qt::white) : greyColour);
     painter->drawText(rect, Qt::AlignCenter | Qt::TextSingleLine, QString::number(date.day()));
     painter->restore();

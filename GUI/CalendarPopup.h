@@ -24,6 +24,7 @@ public:
     /// Asks for the days of the last six months on which the camera has records. A null handle
     /// is ignored.
     void addCamera(API::CameraPtr camera);
+    bool hasRecords(QDate date) const;
 
 public slots:
     void clear();
@@ -38,7 +39,6 @@ private slots:
 
 private:
     void arrange();
-    bool hasRecords(QDate date) const;
 
     QMultiMap<QDate, int> recordDays; ///< an entry for each camera; the newest one decides
     QList<API::CameraPtr> cameras;

@@ -117,7 +117,8 @@ void CameraWidget::updatePreview()
     if (!d->camera->isOnline())
         return;
     const QDateTime now = App::Environment::now();
-    if (d->lastPreviewRequest.secsTo(now) <= requestPauseSeconds)
+    // The wall clock can be set back.
+    if (qAbs(d->lastPreviewRequest.secsTo(now)) <= requestPauseSeconds)
         return;
     d->lastPreviewRequest = now;
     d->hasPreview = true;

@@ -99,12 +99,13 @@ void CardForm::showPicture(const CardLook &look)
             ui->previewImage->setPixmap(iconPixmap(look.icon));
         return;
     }
-    const QSize size = ui->previewImage->size();
+    // Of the screen on which the card is now.
+    const qreal ratio = ui->previewImage->devicePixelRatioF();
+    const QSize size = ui->previewImage->size() * ratio;
     if (look.image.cacheKey() == shown.image.cacheKey() && size == shownSize)
         return;
     shownSize = size;
-    const qreal ratio = ui->previewImage->devicePixelRatioF();
-    QPixmap scaled = scaledImage(look.image, kind, size * ratio);
+    QPixmap scaled = scaledImage(look.image, kind, size);
     scaled.setDevicePixelRatio(ratio);
     ui->previewImage->setPixmap(scaled);
 }

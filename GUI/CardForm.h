@@ -38,7 +38,8 @@ private:
     QFrame *openMark; ///< over the left edge of the card
     int kind;
     CardLook shown;
-    QSize shownSize{-1, -1}; ///< of the image's place when it was last scaled
+    QSize shownSize{-1,
+                    -1}; ///< of the image's place in the screen's pixels when it was last scaled
 };
 
 } // namespace GUI

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/ControlPanel.h"
 
+#include <QApplication>
 #include <QGraphicsOpacityEffect>
 #include <QMenu>
 #include <QMouseEvent>
@@ -35,6 +36,7 @@ ControlPanel::ControlPanel(QWidget *parent) : QStackedWidget(parent), ui(new Ui:
     policy.setRetainSizeWhenHidden(true);
     ui->speedLabel->setSizePolicy(policy);
     ui->speedSelector->installEventFilter(this);
+    connect(qApp, &QApplication::focusChanged, this, &ControlPanel::unfoldFocused);
     ui->timeLabel->installEventFilter(this);
     setShown(ui->speedSelector, false);
     setUpSound();
@@ -139,6 +141,33 @@ void ControlPanel::hideSpeedSlider()
     if (ui->speedSlider->value() == ui->speedSlider->minimum())
         ui->speedLabel->hide();
     setShown(ui->speedSlider, false);
+}
+
+void ControlPanel::unfoldFocused(QWidget *left, QWidget *entered)
+{
+    const auto isIn = [](const QWidget *part, const QWidget *widget) {
+        return widget && part->isAncestorOf(widget);
+    };
+    if (isIn(ui->speedSelector, left) && !isIn(ui->speedSelector, entered))
+        hideSpeedSlider();
+    if (isIn(ui->soundControl, left) && !isIn(ui->soundControl, entered))
+        hideSoundSlider();
+    if (isIn(ui->speedSelector, entered))
+        unfoldSpeed();
+    else if (isIn(ui->soundControl, entered))
+        unfoldSound();
+}
+
+void ControlPanel::unfoldSpeed()
+{
+    hideSoundSlider();
+    showSpeedSlider();
+}
+
+void ControlPanel::unfoldSound()
+{
+    hideSpeedSlider();
+    showSoundSlider();
 }
 
 void ControlPanel::setExportMode()
@@ -269,11 +298,11 @@ bool ControlPanel::eventFilter(QObject *object, QEvent *event)
     if ((!isEntered && !isLeft) || (!isSpeed && !isSound))
         return QStackedWidget::eventFilter(object, event);
     if (isSpeed && isEntered)
-        showSpeedSlider();
+        unfoldSpeed();
     else if (isSpeed)
         hideSpeedSlider();
     else if (isEntered)
-        showSoundSlider();
+        unfoldSound();
     else
         hideSoundSlider();
     return true;

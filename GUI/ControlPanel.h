@@ -104,6 +104,11 @@ private:
     /// A slider, or what holds one. One room in the bar is for whichever slider is unfolded, so
     /// that no button moves away from the pointer.
     void setShown(QWidget *part, bool shown);
+    // There is room for one: the other one folds away.
+    void unfoldSpeed();
+    void unfoldSound();
+    /// So that Tab comes to the slider too.
+    void unfoldFocused(QWidget *left, QWidget *entered);
     void createQualityMenu();
     void connectButtons();
     void setTimeClickable(bool clickable);

@@ -2,6 +2,7 @@
 #include "GUI/DragFormats.h"
 
 #include <QDataStream>
+#include <QIODevice>
 #include <QMimeData>
 
 namespace ZorvaneClient {

@@ -18,8 +18,6 @@ namespace GUI {
 
 namespace {
 
-const QColor markedTextColour(25, 25, 29);
-
 int positionOf(const QString &part, const QString &text)
 {
     return part.isEmpty() ? -1 : static_cast<int>(text.indexOf(part, 0, Qt::CaseInsensitive));
@@ -41,7 +39,7 @@ QVector<QTextLayout::FormatRange> marksIn(const QString &line, const QString &te
     mark.start = start;
     mark.length = (end <= kept ? end : static_cast<int>(line.size())) - start;
     mark.format.setBackground(Colours::accent());
-    mark.format.setForeground(markedTextColour);
+    mark.format.setForeground(Colours::tile());
     return {mark};
 }
 

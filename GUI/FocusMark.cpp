@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QDialog>
 #include <QKeyEvent>
 #include <QRadioButton>
 
@@ -62,6 +63,9 @@ bool FocusMark::handleKey(const QKeyEvent &event)
     case Qt::Key_Enter:
         if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
             return false;
+        // A dialog has a button of its own for it.
+        if (qobject_cast<const QDialog *>(QApplication::focusWidget()->window()))
+            return event.isAutoRepeat();
         // Held down it presses once, and chooses nothing from a list that it has opened.
         return event.isAutoRepeat() || pressEntry(QApplication::focusWidget());
     case Qt::Key_Menu:

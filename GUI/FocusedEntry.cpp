@@ -2,34 +2,48 @@
 #include "GUI/FocusedEntry.h"
 
 #include <QComboBox>
-#include <QDialog>
+#include <QCoreApplication>
+#include <QLabel>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPushButton>
 
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/Preview.h"
+#include "GUI/TippedButton.h"
 
 namespace ZorvaneClient {
 namespace GUI {
 
 namespace {
 
+bool isEntry(const QWidget *widget)
+{
+    return qobject_cast<const Preview *>(widget) ||
+           qobject_cast<const Player::VideoWidget *>(widget);
+}
+
+/// A picture or text that has the hand of its own, not only as part of something.
+bool isPressedLabel(const QWidget *widget)
+{
+    return qobject_cast<const QLabel *>(widget) && widget->testAttribute(Qt::WA_SetCursor) &&
+           widget->cursor().shape() == Qt::PointingHandCursor;
+}
+
 /// Of a card or tile, the button inside; of a button, the one beside it or itself.
 QMenu *menuOf(const QWidget *widget)
 {
-    const bool isEntry =
-        qobject_cast<const Preview *>(widget) || qobject_cast<const Player::VideoWidget *>(widget);
     const auto *pressed = qobject_cast<const QPushButton *>(widget);
     if (pressed && pressed->menu())
         return pressed->menu();
-    if (!isEntry && !qobject_cast<const QAbstractButton *>(widget))
+    if (!isEntry(widget) && !qobject_cast<const QAbstractButton *>(widget))
         return nullptr;
-    const auto buttons = isEntry ? widget->findChildren<QPushButton *>()
-                                 : widget->parentWidget()->findChildren<QPushButton *>(
-                                       QString(), Qt::FindDirectChildrenOnly);
+    const auto buttons = isEntry(widget) ? widget->findChildren<QPushButton *>()
+                                         : widget->parentWidget()->findChildren<QPushButton *>(
+                                               QString(), Qt::FindDirectChildrenOnly);
     for (const QPushButton *button : buttons) {
         // A tile has its button on a bar that hides at rest; a cloud server's is hidden for good.
-        if (button->menu() && (isEntry || button->isVisible()))
+        if (button->menu() && (isEntry(widget) || button->isVisible()))
             return button->menu();
     }
     return nullptr;
@@ -37,10 +51,14 @@ QMenu *menuOf(const QWidget *widget)
 
 } // namespace
 
+bool canBePressed(const QWidget *widget)
+{
+    return isEntry(widget) || isPressedLabel(widget) ||
+           qobject_cast<const QAbstractButton *>(widget);
+}
+
 bool pressEntry(QWidget *widget)
 {
-    if (qobject_cast<const QDialog *>(widget->window()))
-        return false;
     if (auto *card = qobject_cast<Preview *>(widget)) {
         emit card->clicked();
         return true;
@@ -52,6 +70,18 @@ bool pressEntry(QWidget *widget)
     }
     if (auto *list = qobject_cast<QComboBox *>(widget)) {
         list->showPopup();
+        return true;
+    }
+    if (auto *picture = qobject_cast<TippedButton *>(widget)) {
+        emit picture->clicked();
+        return true;
+    }
+    if (isPressedLabel(widget)) {
+        const QPointF middle = widget->rect().center();
+        QMouseEvent release(QEvent::MouseButtonRelease, middle,
+                            widget->mapToGlobal(widget->rect().center()), Qt::LeftButton,
+                            Qt::NoButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(widget, &release);
         return true;
     }
     auto *button = qobject_cast<QAbstractButton *>(widget);

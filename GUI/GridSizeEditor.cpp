@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/GridSizeEditor.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -52,7 +53,13 @@ GridSizeEditor::GridSizeEditor(QWidget *parent) : QWidget(parent, Qt::Popup)
 void GridSizeEditor::setCurrentSize(int rows, int columns)
 {
     current = {rows, columns};
+    tell(current);
     update();
+}
+
+void GridSizeEditor::tell(const GridSize &size)
+{
+    setAccessibleName(tr("Grid size: %1").arg(sizeText(size)));
 }
 
 GridSize GridSizeEditor::sizeAt(const QPoint &position, const QSize &size)
@@ -91,17 +98,55 @@ void GridSizeEditor::paintEvent(QPaintEvent *event)
 
 void GridSizeEditor::mouseMoveEvent(QMouseEvent *event)
 {
-    const GridSize under = sizeAt(event->pos(), size());
-    if (under == hovered)
+    mark(sizeAt(event->pos(), size()));
+}
+
+void GridSizeEditor::mark(const GridSize &marked)
+{
+    if (marked == hovered)
         return;
-    hovered = under;
+    hovered = marked;
+    tell(hovered.rows > 0 && hovered.columns > 0 ? hovered : current);
     update();
     // Below the matrix, which has no room for words.
     const QPoint below = rect().bottomLeft() - QPoint(0, tipRisePixels);
     QToolTip::showText(mapToGlobal(below), sizeText(hovered), this);
 }
 
+void GridSizeEditor::keyPressEvent(QKeyEvent *event)
+{
+    GridSize next = hovered.rows > 0 && hovered.columns > 0 ? hovered : current;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        --next.columns;
+        break;
+    case Qt::Key_Right:
+        ++next.columns;
+        break;
+    case Qt::Key_Up:
+        --next.rows;
+        break;
+    case Qt::Key_Down:
+        ++next.rows;
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+        pick();
+        return;
+    default:
+        QWidget::keyPressEvent(event); // which closes a popup on Esc
+        return;
+    }
+    mark({qBound(1, next.rows, maxGridSide), qBound(1, next.columns, maxGridSide)});
+}
+
 void GridSizeEditor::mousePressEvent(QMouseEvent *)
+{
+    pick();
+}
+
+void GridSizeEditor::pick()
 {
     if (hovered.rows > 0 && hovered.columns > 0)
         emit sizeSelected(hovered.rows, hovered.columns);

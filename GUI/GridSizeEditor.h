@@ -32,8 +32,13 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void mark(const GridSize &marked);
+    void pick();
+    void tell(const GridSize &size);
+
     GridSize current{0, 0};
     GridSize hovered{0, 0};
 };

@@ -19,7 +19,7 @@ HintStack::HintStack(QWidget *parent) : QObject(parent), place(parent)
 {
 }
 
-void HintStack::addNotification(const QString &text, bool error)
+void HintStack::add(const QString &text, bool error)
 {
     auto *hint = new PlayerNotification(text, error, place);
     connect(hint, &PlayerNotification::closed, this, [this, hint] { remove(hint); });

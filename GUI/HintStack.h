@@ -23,7 +23,7 @@ public:
     explicit HintStack(QWidget *parent);
 
     /// `text` may be rich text with a link to a local folder.
-    void addNotification(const QString &text, bool error);
+    void add(const QString &text, bool error);
     /// Has the hints slide to their places.
     void updatePositions();
     void clear();

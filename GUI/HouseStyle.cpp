@@ -9,6 +9,7 @@
 #include <QToolTip>
 #include <qdrawutil.h>
 
+#include "GUI/Access/AccessFactory.h"
 #include "GUI/FocusMark.h"
 #include "GUI/Palette.h"
 
@@ -54,6 +55,7 @@ void useHouseStyle(QApplication *application)
     QApplication::setPalette(housePalette());
     QToolTip::setPalette(toolTipPalette());
     new FocusMark(application);
+    installAccess();
 }
 
 } // namespace GUI

@@ -8,6 +8,9 @@ class QApplication;
 namespace ZorvaneClient {
 namespace GUI {
 
+/// The family of all text; the program brings its fonts along.
+constexpr char fontFamily[] = "PT Sans";
+
 /// How everything looks that no style sheet paints: the same on every desktop. What can be
 /// clicked shows it by the hand; the focus is marked by FocusRing, not by each widget.
 class HouseStyle : public QProxyStyle
@@ -24,7 +27,8 @@ public:
                        const QWidget *widget) const override;
 };
 
-/// Gives the application style, palette and the marked focus; the desktop has no say in them.
+/// Gives the application style, palette, the marked focus and what screen readers are told; the
+/// desktop has no say in them.
 void useHouseStyle(QApplication *application);
 
 } // namespace GUI

@@ -10,6 +10,7 @@
 #include "API/Layout.h"
 #include "GUI/LayoutCard.h"
 #include "GUI/Retire.h"
+#include "GUI/SharedTexts.h"
 #include "GUI/TourButton.h"
 #include "GUI/WidgetOrder.h"
 #include "ui_LayoutListWidget.h"
@@ -33,6 +34,7 @@ LayoutListWidget::LayoutListWidget(QWidget *parent)
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("layoutListWidget"));
+    ui->scrollArea->setAccessibleName(SharedTexts::layouts());
     cardsLayout = new QVBoxLayout(ui->scrollContent);
     cardsLayout->setSizeConstraint(QLayout::SetMinimumSize);
     cardsLayout->setContentsMargins(0, 0, 0, 0);

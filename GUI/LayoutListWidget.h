@@ -5,6 +5,7 @@
 #include <QScopedPointer>
 #include <QWidget>
 
+#include "API/Layout.h" // Qt 6 wants it whole for a slot that takes a map of its handles
 #include "API/Types.h"
 
 class QVBoxLayout;

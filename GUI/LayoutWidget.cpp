@@ -9,6 +9,7 @@
 #include "GUI/Colours.h"
 #include "GUI/HintStack.h"
 #include "GUI/LayoutWidgetPrivate.h"
+#include "GUI/Player/VideoWidget.h"
 #include "GUI/Retire.h"
 #include "GUI/StyleBackground.h"
 
@@ -77,7 +78,8 @@ bool LayoutWidget::openLayout(API::LayoutPtr layout)
 {
     if (layout && d->workingLayout && *layout == *d->workingLayout) {
         qDebug() << "layouts equal";
-        showAllTiles();
+        if (Player::VideoWidget *tile = d->leaveMaximised())
+            d->owedQualities.insert(tile, d->qualityBefore);
         playLive();
         return false;
     }
@@ -145,25 +147,25 @@ void LayoutWidget::saveLayout(QString layoutName)
 
 void LayoutWidget::showSnapshotHint(QString folder)
 {
-    d->hints->addNotification(
-        tr("Snapshot saved.") + QLatin1Char(' ') + folderLink(folder, tr("Open folder")), false);
+    d->hints->add(tr("Snapshot saved.") + QLatin1Char(' ') + folderLink(folder, tr("Open folder")),
+                  false);
 }
 
 void LayoutWidget::showExportDoneHint(QString path)
 {
-    d->hints->addNotification(tr("Record saved.") + QLatin1Char(' ') +
-                                  folderLink(QFileInfo(path).absolutePath(), tr("Open folder")),
-                              false);
+    d->hints->add(tr("Record saved.") + QLatin1Char(' ') +
+                      folderLink(QFileInfo(path).absolutePath(), tr("Open folder")),
+                  false);
 }
 
 void LayoutWidget::showHint(const QString &text)
 {
-    d->hints->addNotification(text, false);
+    d->hints->add(text, false);
 }
 
 void LayoutWidget::showExportErrorHint(QString)
 {
-    d->hints->addNotification(tr("Error while exporting."), true);
+    d->hints->add(tr("Error while exporting."), true);
 }
 
 void LayoutWidget::updateHintPositions()

@@ -121,6 +121,8 @@ private slots:
     void showExportErrorHint(QString path);
     void updateHintPositions();
     void removePlayer(Player::VideoWidget *widget);
+    void beginDrag();
+    void endDrag();
 
 private:
     void makeGrid();
@@ -133,7 +135,6 @@ private:
     void addToFreeCell(const API::CameraPtr &camera);
     void giveQuality(Player::VideoWidget *tile, int quality);
     void giveOwedQualities();
-    void setDropTarget(bool isTarget);
     void dropServer(const API::server_id_t &id);
     void dropLayout(const QString &name);
 

@@ -31,7 +31,8 @@ VideoWidget *LayoutWidget::createTile(const API::CameraPtr &camera)
     auto *tile = new VideoWidget(camera, this);
     connect(tile, &VideoWidget::closed, this, &LayoutWidget::removePlayer);
     connect(tile, &VideoWidget::maximiseRequested, this, &LayoutWidget::toggleMaximised);
-    connect(tile, &VideoWidget::dragStarting, this, &LayoutWidget::showAllTiles);
+    connect(tile, &VideoWidget::dragStarting, this, &LayoutWidget::beginDrag);
+    connect(tile, &VideoWidget::dragEnded, this, &LayoutWidget::endDrag);
     connect(tile, &VideoWidget::clicked, this, &LayoutWidget::clicked);
     connect(tile, &VideoWidget::msecsAdded, this, &LayoutWidget::onMsecsAdded);
     connect(tile, &VideoWidget::swapRequested, this, &LayoutWidget::exchangeCells);

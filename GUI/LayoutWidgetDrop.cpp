@@ -16,11 +16,6 @@
 namespace ZorvaneClient {
 namespace GUI {
 
-void LayoutWidget::setDropTarget(bool isTarget)
-{
-    setStyleProperty(this, "drop", isTarget);
-}
-
 void LayoutWidget::dragEnterEvent(QDragEnterEvent *event)
 {
     const QMimeData &dragged = *event->mimeData();
@@ -29,18 +24,17 @@ void LayoutWidget::dragEnterEvent(QDragEnterEvent *event)
         return;
     }
     event->acceptProposedAction();
-    if (!property("drop").toBool())
-        setDropTarget(true);
+    markDropTarget(this, true);
 }
 
 void LayoutWidget::dragLeaveEvent(QDragLeaveEvent *)
 {
-    setDropTarget(false);
+    markDropTarget(this, false);
 }
 
 void LayoutWidget::dropEvent(QDropEvent *event)
 {
-    setDropTarget(false);
+    markDropTarget(this, false);
     if (event->source() == this && event->possibleActions().testFlag(Qt::MoveAction))
         return;
     if (event->proposedAction() != Qt::CopyAction && event->proposedAction() != Qt::MoveAction)
@@ -55,7 +49,7 @@ void LayoutWidget::dropEvent(QDropEvent *event)
 
 void LayoutWidget::dropLayout(const QString &name)
 {
-    const API::LayoutsContainer layouts = API::CloudAPIClient().layoutList();
+    const API::LayoutsContainer layouts = API::CloudAPIClient::layoutList();
     for (const API::LayoutPtr &layout : layouts) {
         if (layout->name() == name) {
             emit layoutDropped(layout);

@@ -35,10 +35,21 @@ void LayoutWidget::showAllTiles()
         giveQuality(tile, d->qualityBefore);
 }
 
+void LayoutWidget::beginDrag()
+{
+    d->dragged = qobject_cast<VideoWidget *>(sender());
+    showAllTiles();
+}
+
+void LayoutWidget::endDrag()
+{
+    d->dragged.clear();
+    giveOwedQualities();
+}
+
 void LayoutWidget::giveQuality(VideoWidget *tile, int quality)
 {
-    // A change starts the stream anew, and a paused picture would be gone.
-    if (d->isPaused)
+    if (d->mustKeepStreams())
         d->owedQualities.insert(tile, quality);
     else
         tile->setQuality(quality);
@@ -46,6 +57,8 @@ void LayoutWidget::giveQuality(VideoWidget *tile, int quality)
 
 void LayoutWidget::giveOwedQualities()
 {
+    if (d->mustKeepStreams())
+        return;
     const QMap<VideoWidget *, int> owed = d->owedQualities;
     d->owedQualities.clear();
     for (auto tile = owed.cbegin(); tile != owed.cend(); ++tile)

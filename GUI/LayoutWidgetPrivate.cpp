@@ -86,6 +86,13 @@ Player::VideoWidget *LayoutWidgetPrivate::leaveMaximised()
     return tile;
 }
 
+void LayoutWidgetPrivate::takeOwedQualities()
+{
+    for (auto tile = owedQualities.cbegin(); tile != owedQualities.cend(); ++tile)
+        tile.key()->takeQuality(tile.value());
+    owedQualities.clear();
+}
+
 } // namespace Internal
 } // namespace GUI
 } // namespace ZorvaneClient

@@ -4,6 +4,7 @@
 #include <QGridLayout>
 #include <QMap>
 #include <QMultiMap>
+#include <QPointer>
 
 #include "API/Types.h"
 
@@ -34,7 +35,8 @@ public:
     bool areNamesShown = false;
     Player::VideoWidget *maximised = nullptr;
     int qualityBefore = 0; ///< of the tile that is maximised
-    /// What tiles take once the pause is over.
+    QPointer<Player::VideoWidget> dragged;
+    /// What tiles take once their streams may begin anew.
     QMap<Player::VideoWidget *, int> owedQualities;
 
     /// Comes before each edit: the layout as opened stays as it is.
@@ -54,6 +56,11 @@ public:
     void maximise(Player::VideoWidget *tile);
     /// Shows what maximise() hid. The tile that was maximised, or null.
     Player::VideoWidget *leaveMaximised();
+
+    /// A change of quality begins a stream anew: a paused picture, or that of a drag, would go.
+    bool mustKeepStreams() const { return isPaused || !dragged.isNull(); }
+    /// Comes before all streams begin anew anyway, or end.
+    void takeOwedQualities();
 };
 
 } // namespace Internal

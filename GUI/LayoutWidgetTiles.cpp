@@ -2,6 +2,8 @@
 // What all tiles of the grid are asked and told at once.
 #include "GUI/LayoutWidget.h"
 
+#include <QTimer>
+
 #include <algorithm>
 
 #include "API/Camera.h"
@@ -149,12 +151,14 @@ void LayoutWidget::resetZoom()
 
 void LayoutWidget::playLive()
 {
+    d->takeOwedQualities();
     for (VideoWidget *tile : qAsConst(d->players))
         tile->playLive();
 }
 
 void LayoutWidget::stop()
 {
+    d->takeOwedQualities();
     for (VideoWidget *tile : qAsConst(d->players))
         tile->stop();
 }
@@ -171,7 +175,8 @@ void LayoutWidget::unpause()
     d->isPaused = false;
     for (VideoWidget *tile : qAsConst(d->players))
         tile->unpause();
-    giveOwedQualities();
+    // Later: what ends the pause may be about to begin all streams anew.
+    QTimer::singleShot(0, this, &LayoutWidget::giveOwedQualities);
 }
 
 void LayoutWidget::setArchiveMode()

@@ -7,8 +7,12 @@
 #include <QKeyEvent>
 #include <QScreen>
 #include <QShowEvent>
+#include <QTimer>
+
+#include <chrono>
 
 #include "API/CloudAPIClient.h"
+#include "App/Environment.h"
 #include "App/ProxySettings.h"
 #include "App/ServiceProfile.h"
 #include "GUI/CloudToolTip.h"
@@ -32,6 +36,8 @@ constexpr int settingsHeightWithProxy = 535;
 
 constexpr int signInPageIndex = 0;
 constexpr int settingsPageIndex = 1;
+
+constexpr std::chrono::milliseconds wallRetryDelay = std::chrono::seconds(30);
 
 constexpr int gearPosition = 2;
 constexpr int tipPosition = 1;
@@ -179,6 +185,15 @@ void LoginDialog::showWrongEmailPassAlert()
     setFormLocked(false);
     showAlert(ui->wrongEmailPassWgt);
     ui->passwordLn->setFocus();
+    // A wall may come up before its network does, and nobody is there to press the button.
+    if (!App::Environment::kioskLayout().isEmpty())
+        QTimer::singleShot(wallRetryDelay, this, &LoginDialog::signInAgain);
+}
+
+void LoginDialog::signInAgain()
+{
+    if (currentIndex() == signInPageIndex && !signInForm->isWaiting() && signInForm->isRemembered())
+        on_signInButton_clicked();
 }
 
 void LoginDialog::showNoInternetAlert()

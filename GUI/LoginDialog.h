@@ -56,6 +56,8 @@ private slots:
     void windowResizeDone();
     void animationFinished();
     void showWrongEmailPassAlert();
+    /// What somebody at the window would do; only for the account that is remembered.
+    void signInAgain();
     /// Nothing calls it yet.
     void showNoInternetAlert();
     void showUsesProxyAlert();

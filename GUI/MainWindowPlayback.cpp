@@ -2,6 +2,8 @@
 // Live and archive play of all tiles at once, and the export of a fragment.
 #include "GUI/MainWindow.h"
 
+#include <chrono>
+
 #include "API/Camera.h"
 #include "App/Environment.h"
 #include "GUI/ArchiveControlPanel.h"
@@ -17,7 +19,7 @@ using Player::VideoWidget;
 
 namespace {
 
-constexpr int tickMs = 1000;
+constexpr std::chrono::milliseconds tickInterval{1000};
 /// A tile further ahead of the cursor is held ...
 constexpr qint64 holdAheadMs = 3000;
 /// ... until it is less than this ahead.
@@ -109,7 +111,7 @@ void MainWindow::onPlayArchive(QDateTime time)
     archiveMode = true;
     playArchive();
     // One more with each jump; a tick that finds nothing to do costs next to nothing.
-    startTimer(tickMs);
+    startTimer(tickInterval);
 }
 
 void MainWindow::timerEvent(QTimerEvent *)

@@ -25,11 +25,6 @@ constexpr std::chrono::milliseconds slideTime = 250ms;
 
 constexpr auto errorProperty = "error";
 
-int startCoarseTimer(QObject *object, std::chrono::milliseconds time)
-{
-    return object->startTimer(static_cast<int>(time.count()), Qt::CoarseTimer);
-}
-
 /// Starts to slide `widget` to `position`; the animation releases itself.
 QPropertyAnimation *slide(QWidget *widget, QPoint position)
 {
@@ -52,10 +47,10 @@ PlayerNotification::PlayerNotification(QString text, bool error, QWidget *parent
     nameIconButton(ui->closeButton, SharedTexts::close());
     setWindowFlags(windowFlags() | Qt::FramelessWindowHint);
     setAttribute(Qt::WA_ShowWithoutActivating);
-    hideTimerId = startCoarseTimer(this, showTime);
+    hideTimerId = startTimer(showTime);
     connect(ui->messageLabel, &QLabel::linkActivated, this, [this](const QString &link) {
         QDesktopServices::openUrl(QUrl::fromLocalFile(link));
-        startCoarseTimer(this, closeDelay);
+        startTimer(closeDelay);
     });
     setProperty(errorProperty, error);
     ui->pixmapLabel->setProperty(errorProperty, error);
@@ -70,7 +65,7 @@ void PlayerNotification::animateTo(QPoint position)
 
 void PlayerNotification::on_closeButton_clicked()
 {
-    startCoarseTimer(this, closeDelay);
+    startTimer(closeDelay);
 }
 
 void PlayerNotification::timerEvent(QTimerEvent *event)

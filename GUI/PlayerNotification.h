@@ -13,7 +13,7 @@ class PlayerNotification;
 namespace ZorvaneClient {
 namespace GUI {
 
-/// A short message over the grid that slides away by itself after three seconds.
+/// A hint: a short message over the grid that slides away by itself after three seconds.
 /// The owner removes it on closed().
 class PlayerNotification : public QFrame
 {

@@ -33,6 +33,16 @@ Preview::Preview(int cardKind, QWidget *parent, Making making) : QFrame(parent),
 
 Preview::~Preview() = default;
 
+QString Preview::caption() const
+{
+    return look.caption.value_or(QString());
+}
+
+bool Preview::isOpen() const
+{
+    return look.isOpen;
+}
+
 bool Preview::hasForm() const
 {
     return !form.isNull();

@@ -36,6 +36,10 @@ public:
     explicit Preview(int kind, QWidget *parent = nullptr, Making making = Making::AtOnce);
     ~Preview() override;
 
+    /// Empty before a text is set.
+    QString caption() const;
+    bool isOpen() const;
+
 public slots:
     /// The menu of the button and of the right mouse button; the one before is deleted.
     void setMenu(QMenu *menu);

@@ -16,6 +16,7 @@
 #include "GUI/CameraWidget.h"
 #include "GUI/RosterSearch.h"
 #include "GUI/ServerWidget.h"
+#include "GUI/SharedTexts.h"
 #include "GUI/StyleSheet.h"
 #include "GUI/WidgetMap.h"
 #include "GUI/WidgetOrder.h"
@@ -55,6 +56,7 @@ bool allAreCameras(const QMap<API::server_id_t, ServerWidget *> &servers)
 RosterWidget::RosterWidget(QWidget *parent) : QScrollArea(parent)
 {
     setObjectName(QStringLiteral("rosterWidget"));
+    setAccessibleName(SharedTexts::cameras());
     setWidgetResizable(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFrameShape(QFrame::NoFrame);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/SettingsWidget.h"
 
+#include <QAbstractItemView>
 #include <QCoreApplication>
 #include <QDebug>
 #include <QPointer>
@@ -25,11 +26,6 @@ constexpr int englishIndex = 0;
 constexpr int russianIndex = 1;
 constexpr int spinnerLinePixels = 2;
 
-App::Application *application()
-{
-    return qobject_cast<App::Application *>(qApp);
-}
-
 } // namespace
 
 SettingsWidget::SettingsWidget(QWidget *parent) : QWidget(parent), ui(new Ui::SettingsWidget)
@@ -37,8 +33,10 @@ SettingsWidget::SettingsWidget(QWidget *parent) : QWidget(parent), ui(new Ui::Se
     ui->setupUi(this);
     ui->emailLabel->setText(App::settings().value(App::SettingsKey::email).toString());
     ui->versionLabel->setText(QCoreApplication::applicationVersion());
-    const bool isRussian = application() && application()->language() == QLatin1String("ru");
+    const auto *application = App::application();
+    const bool isRussian = application && application->language() == QLatin1String("ru");
     ui->languageBox->setCurrentIndex(isRussian ? russianIndex : englishIndex);
+    ui->languageBox->view()->setAccessibleName(ui->languageBox->accessibleName());
     ui->restartNotice->hide();
     ui->restartButton->hide();
     connectApplication();
@@ -51,11 +49,13 @@ SettingsWidget::~SettingsWidget() = default;
 
 void SettingsWidget::connectApplication()
 {
-    if (!application())
+    using App::Application;
+    const Application *application = App::application();
+    if (!application)
         return;
-    connect(ui->restartButton, &QPushButton::clicked, application(), &App::Application::restart);
-    connect(ui->downloadButton, &QPushButton::clicked, application(),
-            &App::Application::openDownloadsPage);
+    connect(ui->restartButton, &QPushButton::clicked, application, &Application::restart);
+    connect(ui->downloadButton, &QPushButton::clicked, application,
+            &Application::openDownloadsPage);
 }
 
 void SettingsWidget::showEvent(QShowEvent *event)
@@ -102,16 +102,18 @@ void SettingsWidget::offerUpdate(const QString &version)
     question.text = tr("A new version of %1 is available!").arg(name);
     question.details =
         tr("%1 %2 version is available. Would you like to download it now?").arg(name, version);
-    if (ask(question, this) == QMessageBox::Ok && application())
-        application()->openDownloadsPage();
+    auto *application = App::application();
+    if (ask(question, this) == QMessageBox::Ok && application)
+        application->openDownloadsPage();
 }
 
 void SettingsWidget::on_languageBox_currentIndexChanged(int index)
 {
-    if (application() && index == englishIndex)
-        application()->translate(QStringLiteral("en"));
-    else if (application() && index == russianIndex)
-        application()->translate(QStringLiteral("ru"));
+    auto *application = App::application();
+    if (application && index == englishIndex)
+        application->translate(QStringLiteral("en"));
+    else if (application && index == russianIndex)
+        application->translate(QStringLiteral("ru"));
     ui->restartNotice->show();
     ui->restartButton->show();
 }

@@ -27,6 +27,16 @@ QString sound()
     return QCoreApplication::translate("CameraSettingsDialog", "Sound");
 }
 
+QString cameras()
+{
+    return QCoreApplication::translate("ToolBar", "Cameras");
+}
+
+QString layouts()
+{
+    return QCoreApplication::translate("ToolBar", "Layouts");
+}
+
 } // namespace SharedTexts
 } // namespace GUI
 } // namespace ZorvaneClient

@@ -6,7 +6,7 @@
 namespace ZorvaneClient {
 namespace GUI {
 
-/// Names for controls that show a picture only. Each of these words stands in the catalogue
+/// Names for what shows a picture or no text at all. Each of these words stands in the catalogue
 /// already, as a text of a form: it is asked for there, so that it has one translation.
 namespace SharedTexts {
 
@@ -14,6 +14,8 @@ QString options();
 QString close();
 QString records();
 QString sound();
+QString cameras();
+QString layouts();
 
 } // namespace SharedTexts
 

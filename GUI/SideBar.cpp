@@ -2,6 +2,7 @@
 #include "GUI/SideBar.h"
 
 #include <QGraphicsDropShadowEffect>
+#include <QToolButton>
 
 #include "ui_SideBar.h"
 
@@ -30,6 +31,8 @@ SideBar::SideBar(QWidget *parent) : QWidget(parent), ui(new Ui::SideBar)
     shadow->setColor(shadowColour);
     shadow->setBlurRadius(shadowBlurPixels);
     ui->searchEdit->setGraphicsEffect(shadow);
+    if (auto *clearButton = ui->searchEdit->findChild<QToolButton *>())
+        clearButton->setAccessibleName(tr("Clear the search"));
     setRosterMode();
 }
 
@@ -60,16 +63,12 @@ void SideBar::startSearch()
 
 void SideBar::setRosterMode()
 {
-    ui->stack->setCurrentWidget(ui->rosterPage);
-    ui->headerStack->setCurrentWidget(ui->searchPage);
-    showSearchText(QObject::tr("Search for cameras..."));
+    showList(ui->rosterPage, QObject::tr("Search for cameras..."));
 }
 
 void SideBar::setLayoutsMode()
 {
-    ui->stack->setCurrentWidget(ui->layoutsListPage);
-    ui->headerStack->setCurrentWidget(ui->searchPage);
-    showSearchText(QObject::tr("Search for layouts..."));
+    showList(ui->layoutsListPage, QObject::tr("Search for layouts..."));
 }
 
 void SideBar::setSettingsMode()
@@ -78,10 +77,12 @@ void SideBar::setSettingsMode()
     ui->headerStack->setCurrentWidget(ui->settingsHeader);
 }
 
-void SideBar::showSearchText(const QString &text)
+void SideBar::showList(QWidget *page, const QString &searchText)
 {
-    ui->searchEdit->setPlaceholderText(text);
-    ui->searchEdit->setAccessibleName(text);
+    ui->stack->setCurrentWidget(page);
+    ui->headerStack->setCurrentWidget(ui->searchPage);
+    ui->searchEdit->setPlaceholderText(searchText);
+    ui->searchEdit->setAccessibleName(searchText);
 }
 
 } // namespace GUI

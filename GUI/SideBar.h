@@ -42,7 +42,8 @@ public slots:
     void setSettingsMode();
 
 private:
-    void showSearchText(const QString &text);
+    /// A page with the search field above it.
+    void showList(QWidget *page, const QString &searchText);
 
     QScopedPointer<Ui::SideBar> ui;
 };

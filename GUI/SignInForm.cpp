@@ -90,6 +90,14 @@ void SignInForm::save() const
     settings.setValue(App::SettingsKey::password, password());
 }
 
+bool SignInForm::isRemembered() const
+{
+    const App::Settings &settings = App::settings();
+    return isComplete() && settings.value(App::SettingsKey::saveAuth, false).toBool() &&
+           email() == settings.value(App::SettingsKey::email).toString() &&
+           password() == settings.value(App::SettingsKey::password).toString();
+}
+
 void SignInForm::updateButton()
 {
     const bool ready = isComplete();

@@ -29,6 +29,8 @@ public:
     /// Fills the fields from the settings and puts the focus where something is missing. True
     /// if nothing is: the account was remembered whole.
     bool load();
+    /// What stands in the fields is the account that is remembered.
+    bool isRemembered() const;
     /// An account that is not to be remembered leaves the password in the settings as it is.
     void save() const;
 

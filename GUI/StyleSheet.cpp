@@ -27,5 +27,12 @@ void setStyleProperty(QWidget *widget, const char *name, const QVariant &value)
     widget->update();
 }
 
+void markDropTarget(QWidget *widget, bool isTarget)
+{
+    constexpr auto name = "drop";
+    if (widget->property(name).toBool() != isTarget)
+        setStyleProperty(widget, name, isTarget);
+}
+
 } // namespace GUI
 } // namespace ZorvaneClient

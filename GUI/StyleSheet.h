@@ -16,5 +16,8 @@ QString styleSheetOf(const QString &path);
 /// sheet looks at properties once only.
 void setStyleProperty(QWidget *widget, const char *name, const QVariant &value);
 
+/// Says to the sheets whether something that `widget` takes is dragged over it.
+void markDropTarget(QWidget *widget, bool isTarget);
+
 } // namespace GUI
 } // namespace ZorvaneClient

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/TabOrder.h"
 
-#include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QComboBox>
@@ -12,8 +11,7 @@
 
 #include <algorithm>
 
-#include "GUI/Player/VideoWidget.h"
-#include "GUI/Preview.h"
+#include "GUI/FocusedEntry.h"
 #include "GUI/Timeline.h"
 
 namespace ZorvaneClient {
@@ -27,19 +25,11 @@ bool isOneOf(const QWidget *widget)
     return (qobject_cast<const Kinds *>(widget) || ...);
 }
 
-bool isStop(const QWidget *widget)
-{
-    if (const auto *field = qobject_cast<const QLineEdit *>(widget))
-        return !field->isReadOnly();
-    return isOneOf<QAbstractButton, QAbstractSpinBox, QComboBox, QSlider, Preview,
-                   Player::VideoWidget, Timeline>(widget);
-}
-
 void collect(QWidget *widget, QWidgetList *stops)
 {
     if (!widget->isVisible() || !widget->isEnabled())
         return;
-    if (isStop(widget)) {
+    if (isTabStop(widget)) {
         stops->append(widget);
         return;
     }
@@ -65,6 +55,13 @@ void scrollTo(QWidget *widget)
 }
 
 } // namespace
+
+bool isTabStop(const QWidget *widget)
+{
+    if (const auto *field = qobject_cast<const QLineEdit *>(widget))
+        return !field->isReadOnly();
+    return canBePressed(widget) || isOneOf<QAbstractSpinBox, QComboBox, QSlider, Timeline>(widget);
+}
 
 QWidgetList tabStops(const QWidgetList &parts)
 {

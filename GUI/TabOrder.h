@@ -8,6 +8,9 @@ class QWidget;
 namespace ZorvaneClient {
 namespace GUI {
 
+/// True for all that can be pressed, typed in or moved.
+bool isTabStop(const QWidget *widget);
+
 /// What Tab goes to in these parts of a window, in reading order: all that can be clicked or
 /// typed in and is on the screen. A card or a tile is one stop. The focus policies don't count:
 /// most buttons have none, so that a click leaves the focus where it is.

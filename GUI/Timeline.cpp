@@ -130,6 +130,9 @@ void Timeline::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     drawStyleBackground(painter, *this);
+    // The strip can have come to a screen of another density.
+    if (d->recordsImage.devicePixelRatioF() != devicePixelRatioF())
+        makeRecordsImage();
     if (d->dirty) {
         Internal::renderRecords(*d);
         d->dirty = false;
@@ -138,11 +141,18 @@ void Timeline::paintEvent(QPaintEvent *)
     Internal::TimelinePainter(*d).paint(painter);
 }
 
+void Timeline::makeRecordsImage()
+{
+    d->recordsImage = QImage(size() * devicePixelRatioF(), QImage::Format_ARGB32);
+    d->recordsImage.setDevicePixelRatio(devicePixelRatioF());
+    d->recordsImage.fill(Qt::transparent);
+    d->dirty = true;
+}
+
 void Timeline::resizeEvent(QResizeEvent *)
 {
-    d->recordsImage = QImage(size(), QImage::Format_ARGB32);
-    d->recordsImage.fill(Qt::transparent);
-    redrawRecords();
+    makeRecordsImage();
+    update();
 }
 
 } // namespace GUI

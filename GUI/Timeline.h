@@ -125,6 +125,7 @@ private:
     /// Tells by the cursor's shape what a press at `x` would do.
     void updateCursor(int x, bool leftHeld);
     void glideTo(const Internal::DayWindow &window);
+    void makeRecordsImage();
     /// At the next paint.
     void redrawRecords();
     void updateRecords();

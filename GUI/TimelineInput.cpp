@@ -48,7 +48,7 @@ void Timeline::mousePressEvent(QMouseEvent *event)
         return;
     const int x = pixel(localPosition(*event).x());
     if (d->selectionMode && d->overSelection) {
-        d->startSelectionDrag(x);
+        d->startFragmentDrag(x);
         return;
     }
     d->pressX = x;
@@ -63,8 +63,8 @@ void Timeline::mouseReleaseEvent(QMouseEvent *event)
         return;
     const bool wasPressed = d->pressed;
     d->pressed = false;
-    if (d->isDraggingSelection()) {
-        d->stopSelectionDrag();
+    if (d->isDraggingFragment()) {
+        d->stopFragmentDrag();
         return;
     }
     const bool isPan = std::abs(d->lastX - d->pressX) >= panPixels;
@@ -85,8 +85,8 @@ void Timeline::mouseMoveEvent(QMouseEvent *event)
     const int x = pixel(localPosition(*event).x());
     d->hoverVisible = false;
     updateCursor(x, event->buttons().testFlag(Qt::LeftButton));
-    if (d->selectionMode && d->isDraggingSelection()) {
-        d->dragSelection(x);
+    if (d->selectionMode && d->isDraggingFragment()) {
+        d->dragFragment(x);
     } else if (d->pressed && d->pan(x)) {
         redrawRecords();
     }
@@ -109,7 +109,7 @@ void Timeline::updateCursor(int x, bool leftHeld)
 {
     const Internal::DayWindow shown = d->window();
     const FragmentPart part =
-        d->selectionMode ? d->selection().partAt(x, shown) : FragmentPart::None;
+        d->selectionMode ? d->fragment().partAt(x, shown) : FragmentPart::None;
     d->overSelection = part != FragmentPart::None;
     const QDateTime time = shown.timeAt(x);
     if (part == FragmentPart::Body)

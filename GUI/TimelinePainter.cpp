@@ -62,7 +62,7 @@ void TimelinePainter::paint(QPainter &painter)
     if (timeline.textVisible && !timeline.hasVisibleRecords())
         drawMessage(painter);
     if (timeline.selectionMode)
-        drawSelection(painter);
+        drawFragment(painter);
     if (timeline.hoverVisible)
         drawHoverLine(painter);
 }
@@ -124,7 +124,7 @@ void TimelinePainter::drawMessage(QPainter &painter) const
     painter.drawText(area, Qt::AlignHCenter | Qt::AlignVCenter, timeline.text);
 }
 
-void TimelinePainter::drawSelection(QPainter &painter) const
+void TimelinePainter::drawFragment(QPainter &painter) const
 {
     const int left = window.pixelAt(qMax(timeline.selectionStart, window.start));
     int right = window.pixelAt(qMin(timeline.selectionEnd, window.end));

@@ -25,7 +25,7 @@ private:
     void drawScale(QPainter &painter);
     void drawCursor(QPainter &painter) const;
     void drawMessage(QPainter &painter) const;
-    void drawSelection(QPainter &painter) const;
+    void drawFragment(QPainter &painter) const;
     void drawHoverLine(QPainter &painter) const;
 
     TimelinePrivate &timeline;

@@ -53,7 +53,7 @@ struct TimelinePrivate {
     QString text;
     bool textVisible = true;
     bool selectionMode = false;
-    QImage recordsImage; ///< the record bars, in the widget's size
+    QImage recordsImage; ///< the record bars, in the widget's size and density
     bool dirty = false;  ///< `recordsImage` is out of date
     bool draggingStart = false;
     bool draggingEnd = false;
@@ -97,12 +97,12 @@ struct TimelinePrivate {
     /// Keeps in `recordTimes` only what is shown and what plays.
     void forgetOldRecords();
 
-    // TimelineSelection.cpp
-    Fragment selection() const;
-    void startSelectionDrag(int x);
-    void dragSelection(int x);
-    void stopSelectionDrag();
-    bool isDraggingSelection() const;
+    // TimelineFragment.cpp
+    Fragment fragment() const;
+    void startFragmentDrag(int x);
+    void dragFragment(int x);
+    void stopFragmentDrag();
+    bool isDraggingFragment() const;
     /// Chooses where there are records, near the middle of the window; false if there are none.
     bool defaultSelection();
     bool selectionAtCurrentTime();

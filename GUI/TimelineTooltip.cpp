@@ -7,6 +7,7 @@
 
 #include "GUI/BubbleMask.h"
 #include "GUI/Colours.h"
+#include "GUI/HouseStyle.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -24,7 +25,7 @@ constexpr qreal cornerRadius = 8;
 const QFont &labelFont()
 {
     static const QFont font = [] {
-        QFont label(QStringLiteral("PT Sans"));
+        QFont label(fontFamily);
         label.setPixelSize(fontPixelSize);
         return label;
     }();

@@ -7,6 +7,12 @@ if(ZORVANE_TESTS OR ZORVANE_BENCH)
 endif()
 find_package(Qt${QT_VERSION_MAJOR} REQUIRED COMPONENTS ${zorvane_qt_components})
 
+# Qt 6 tells each test its folders, which none asks for and which would keep it from the header
+# that is compiled once for all tests.
+if(TARGET Qt6::Test)
+    set_target_properties(Qt6::Test PROPERTIES INTERFACE_COMPILE_DEFINITIONS QT_TESTLIB_LIB)
+endif()
+
 # Where this Qt keeps its tools and its own translations.
 get_target_property(zorvane_qmake Qt${QT_VERSION_MAJOR}::qmake LOCATION)
 foreach(place QT_HOST_BINS QT_INSTALL_TRANSLATIONS)

@@ -68,7 +68,7 @@ void CommandInput::takeLines()
 {
     size_t start = 0;
     for (size_t end; (end = buffer.find('\n', start)) != std::string::npos; start = end + 1) {
-        if (!discarding)
+        if (!discarding && end - start <= maxLineBytes)
             obey(trimmed(buffer.substr(start, end - start)));
         discarding = false;
     }

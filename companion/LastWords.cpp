@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "companion/LineOutput.h"
+#include "companion/PlayerOutput.h"
 
 namespace ZorvaneClient {
 namespace Companion {
@@ -61,7 +61,7 @@ private:
 
 void LastWords::say()
 {
-    LineOutput output(STDOUT_FILENO);
+    PlayerOutput output(STDOUT_FILENO);
     output.state(StreamState::Error);
     output.flush();
 }
@@ -72,7 +72,9 @@ void LastWords::sayAtCrash()
     struct sigaction action = {};
     action.sa_handler = onCrash;
     action.sa_flags = SA_ONSTACK;
-    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
+    // Faults of its own, and what ends a process from outside; only SIGKILL leaves no word.
+    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS, SIGTERM,
+                             SIGHUP, SIGINT, SIGQUIT, SIGXCPU}) {
         struct sigaction present = {};
         if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_DFL)
             sigaction(signal, &action, nullptr);

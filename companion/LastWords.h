@@ -11,8 +11,8 @@ namespace LastWords {
 /// Says the line on the standard output, from any thread, and doesn't wait for who doesn't read.
 void say();
 
-/// From now on a crash says it too, before the process ends with 128 and the signal's number. A
-/// signal that has a handler already keeps it.
+/// From now on a crash says it too, and any other signal by which somebody ends the process, before
+/// it ends with 128 and the signal's number. A signal that has a handler already keeps it.
 void sayAtCrash();
 
 /// Lets a crash of the calling thread be told even when its stack is used up.

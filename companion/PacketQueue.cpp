@@ -93,7 +93,7 @@ PacketQueue::End PacketQueue::end() const
     return ending;
 }
 
-bool PacketQueue::dropToKey(Duration reach)
+void PacketQueue::dropToKey(Duration reach)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     Duration ahead{0};
@@ -107,7 +107,6 @@ bool PacketQueue::dropToKey(Duration reach)
         removeFirst();
     if (target > 0)
         changed.notify_all();
-    return target > 0;
 }
 
 bool PacketQueue::isFull() const

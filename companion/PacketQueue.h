@@ -59,9 +59,9 @@ public:
     Duration span() const;
     End end() const;
 
-    /// Drops what stands before the last key packet that is at most `reach` ahead.
-    /// False if there is none to go to.
-    bool dropToKey(Duration reach);
+    /// Drops what stands before the last key packet that is at most `reach` ahead; nothing
+    /// without one.
+    void dropToKey(Duration reach);
 
 private:
     struct Entry {

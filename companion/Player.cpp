@@ -33,8 +33,8 @@ PacketQueue::Limits videoLimits(bool live)
 
 } // namespace
 
-Player::Player(const Arguments &streamArguments, const Controls &sharedControls,
-               const FrameFile &sharedFrameFile, LineOutput &lineOutput)
+Player::Player(const PlayerArguments &streamArguments, const Controls &sharedControls,
+               const FrameFile &sharedFrameFile, PlayerOutput &lineOutput)
     : arguments(streamArguments)
     , controls(sharedControls)
     , frameFile(sharedFrameFile)

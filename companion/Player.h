@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "companion/Arguments.h"
 #include "companion/AudioPlayer.h"
 #include "companion/Controls.h"
 #include "companion/FrameFile.h"
-#include "companion/LineOutput.h"
 #include "companion/Pacing.h"
 #include "companion/PacketQueue.h"
 #include "companion/PictureConverter.h"
 #include "companion/PictureDecoder.h"
 #include "companion/PicturePatience.h"
+#include "companion/PlayerArguments.h"
+#include "companion/PlayerOutput.h"
 #include "companion/PositionTrack.h"
 #include "companion/StreamReader.h"
 #include "companion/TimeLines.h"
@@ -28,8 +28,8 @@ namespace Companion {
 class Player
 {
 public:
-    Player(const Arguments &arguments, const Controls &controls, const FrameFile &frameFile,
-           LineOutput &output);
+    Player(const PlayerArguments &arguments, const Controls &controls, const FrameFile &frameFile,
+           PlayerOutput &output);
 
     /// Returns at the end of the stream or when the client is gone; false after an error.
     bool run();
@@ -56,10 +56,10 @@ private:
     void flush();
     bool finish(bool ended);
 
-    const Arguments &arguments;
+    const PlayerArguments &arguments;
     const Controls &controls;
     const FrameFile &frameFile;
-    LineOutput &output;
+    PlayerOutput &output;
 
     PacketQueue videoPackets;
     PacketQueue audioPackets;

@@ -16,7 +16,7 @@ constexpr int maxErrorsInARow = 100;
 
 } // namespace
 
-StreamReader::StreamReader(const Arguments &streamArguments, const Controls &sharedControls,
+StreamReader::StreamReader(const PlayerArguments &streamArguments, const Controls &sharedControls,
                            PacketQueue &videoQueue, PacketQueue &audioQueue)
     : arguments(streamArguments), controls(sharedControls), video(videoQueue), audio(audioQueue)
 {

@@ -5,9 +5,9 @@
 #include <map>
 #include <memory>
 
-#include "companion/Arguments.h"
 #include "companion/Controls.h"
 #include "companion/PacketQueue.h"
+#include "companion/PlayerArguments.h"
 #include "companion/StallWatch.h"
 
 namespace ZorvaneClient {
@@ -20,7 +20,7 @@ class StreamReader
 public:
     static constexpr auto stallLimit = std::chrono::seconds(10);
 
-    StreamReader(const Arguments &arguments, const Controls &controls, PacketQueue &video,
+    StreamReader(const PlayerArguments &arguments, const Controls &controls, PacketQueue &video,
                  PacketQueue &audio);
 
     /// Returns at the end of the stream; the queues then are finished.
@@ -36,7 +36,7 @@ private:
     void restartStallWatch();
     bool isStalled();
 
-    const Arguments &arguments;
+    const PlayerArguments &arguments;
     const Controls &controls;
     PacketQueue &video;
     PacketQueue &audio;

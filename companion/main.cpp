@@ -8,19 +8,19 @@
 #include <thread>
 #include <vector>
 
-#include "companion/Arguments.h"
 #include "companion/AvHandles.h"
 #include "companion/CommandInput.h"
 #include "companion/Controls.h"
-#include "companion/ExportArguments.h"
-#include "companion/ExportOutput.h"
-#include "companion/ExportWatch.h"
-#include "companion/Exporter.h"
 #include "companion/FrameFile.h"
 #include "companion/LastWords.h"
-#include "companion/LineOutput.h"
 #include "companion/Player.h"
-#include "companion/TargetFile.h"
+#include "companion/PlayerArguments.h"
+#include "companion/PlayerOutput.h"
+#include "companion/export/ExportArguments.h"
+#include "companion/export/ExportOutput.h"
+#include "companion/export/ExportWatch.h"
+#include "companion/export/Exporter.h"
+#include "companion/export/TargetFile.h"
 
 namespace {
 
@@ -67,13 +67,13 @@ int playStream(const std::vector<std::string> &words)
 {
     volunteerForOutOfMemory();
     LastWords::sayAtCrash();
-    const auto arguments = parseArguments(words);
+    const auto arguments = parsePlayerArguments(words);
     if (!arguments) {
         std::fprintf(stderr, "%s\n", usageLine);
         LastWords::say();
         return usageExitCode;
     }
-    LineOutput output(STDOUT_FILENO);
+    PlayerOutput output(STDOUT_FILENO);
     FrameFile frameFile;
     if (!frameFile.open(arguments->frameName)) {
         output.state(StreamState::Error);

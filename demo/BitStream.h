@@ -3,11 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+
+#include "demo/ServiceWords.h"
+#include "service/Bytes.h"
 
 namespace ZorvaneDemo {
-
-using Bytes = std::vector<std::uint8_t>;
 
 /// Writes bits from the highest down, with the Exp-Golomb codes of H.264.
 class BitWriter

@@ -53,17 +53,17 @@ Clip::~Clip()
         munmap(const_cast<std::uint8_t *>(base), length);
 }
 
-Bytes Clip::sps() const
+MediaFormat Clip::format() const
 {
-    const std::uint8_t *begin = base + sizeof(Header) + sizeof(Packet) * header->packetCount;
-    return Bytes(begin, begin + header->spsSize);
-}
-
-Bytes Clip::pps() const
-{
-    const std::uint8_t *begin =
-        base + sizeof(Header) + sizeof(Packet) * header->packetCount + header->spsSize;
-    return Bytes(begin, begin + header->ppsSize);
+    MediaFormat result;
+    result.size = {static_cast<int>(header->width), static_cast<int>(header->height)};
+    result.picturesPerSecond = static_cast<double>(packetCount()) / secondsPerMinute;
+    const std::uint8_t *sps = base + sizeof(Header) + sizeof(Packet) * header->packetCount;
+    const std::uint8_t *pps = sps + header->spsSize;
+    result.sps.assign(sps, pps);
+    result.pps.assign(pps, pps + header->ppsSize);
+    result.sound = MediaFormat::Sound::Mp3;
+    return result;
 }
 
 void Clip::appendPicture(int index, int number, Bytes *out) const

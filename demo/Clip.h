@@ -7,8 +7,10 @@
 #include <vector>
 
 #include "demo/BitStream.h"
-#include "demo/LocalTime.h"
+#include "demo/ServiceWords.h"
 #include "demo/StripSlice.h"
+#include "service/LocalTime.h"
+#include "service/MediaFormat.h"
 
 namespace ZorvaneDemo {
 
@@ -39,14 +41,12 @@ public:
     static std::shared_ptr<const Clip> open(const std::string &fileName);
     ~Clip();
 
-    int width() const { return static_cast<int>(header->width); }
-    int height() const { return static_cast<int>(header->height); }
     int packetCount() const { return static_cast<int>(header->packetCount); }
     /// Begin of packet `index` within the minute.
     int packetMs(int index) const { return static_cast<int>(minuteMs * index / packetCount()); }
     bool isKeyFrame(int index) const { return packets[index].keyFrame != 0; }
-    Bytes sps() const;
-    Bytes pps() const;
+    /// Of pictures, with the sound of the sound clip.
+    MediaFormat format() const;
     const std::uint8_t *packetData(int index) const { return base + packets[index].offset; }
     std::size_t packetSize(int index) const { return packets[index].size; }
     /// Appends the picture of `index` with the strip, if any, of camera `number`, each unit after

@@ -5,7 +5,8 @@
 #include <functional>
 #include <string>
 
-#include "demo/Quality.h"
+#include "demo/PictureSizes.h"
+#include "demo/ServiceWords.h"
 
 namespace ZorvaneDemo {
 

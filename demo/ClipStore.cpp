@@ -4,18 +4,15 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <thread>
 #include <utility>
 #include <vector>
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
 #include "demo/ClipMaker.h"
+#include "demo/FolderLock.h"
+#include "demo/ProgressBar.h"
 #include "demo/SoundMaker.h"
 
 namespace ZorvaneDemo {
@@ -24,61 +21,6 @@ namespace {
 
 constexpr int framesPerSecond = 25;
 constexpr int testFramesPerSecond = 10;
-constexpr int barWidth = 40;
-
-/// Holds the folder's lock file while it lives.
-class FolderLock
-{
-public:
-    explicit FolderLock(const std::string &folder)
-        : file(open((folder + "/lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600))
-    {
-        while (file >= 0 && flock(file, LOCK_EX) != 0 && errno == EINTR) {
-        }
-    }
-    ~FolderLock()
-    {
-        if (file >= 0)
-            close(file);
-    }
-    FolderLock(const FolderLock &) = delete;
-    FolderLock &operator=(const FolderLock &) = delete;
-    bool held() const { return file >= 0; }
-
-private:
-    int file;
-};
-
-/// One line on standard error that fills up.
-class ProgressBar
-{
-public:
-    explicit ProgressBar(int allSteps) : steps(allSteps), terminal(isatty(STDERR_FILENO)) {}
-
-    void step()
-    {
-        const int done = ++count;
-        const int percent = 100 * done / steps;
-        const std::lock_guard<std::mutex> lock(mutex);
-        // A log file gets a line for each tenth, a terminal a bar that moves.
-        if (percent <= shown || (!terminal && percent / 10 == shown / 10))
-            return;
-        shown = percent;
-        const int filled = barWidth * percent / 100;
-        const std::string bar = std::string(static_cast<std::size_t>(filled), '#') +
-                                std::string(static_cast<std::size_t>(barWidth - filled), '.');
-        std::fprintf(stderr, "%szorvane-demo: drawing scenes [%s] %3d%%%s", terminal ? "\r" : "",
-                     bar.c_str(), percent, terminal && percent < 100 ? "" : "\n");
-        std::fflush(stderr);
-    }
-
-private:
-    const int steps;
-    const bool terminal;
-    std::atomic<int> count{0};
-    std::mutex mutex;
-    int shown = -1;
-};
 
 } // namespace
 
@@ -119,7 +61,7 @@ std::string ClipStore::prepare(const std::set<int> &scenes)
     std::error_code code;
     std::filesystem::create_directories(folder, code);
     const FolderLock lock(folder);
-    if (!lock.held())
+    if (!lock.isHeld())
         return "cannot use the clip folder " + folder + ": " + std::strerror(errno);
 
     std::set<int> missing;

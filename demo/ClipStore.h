@@ -10,7 +10,8 @@
 
 #include "demo/Clip.h"
 #include "demo/ClipForm.h"
-#include "demo/Quality.h"
+#include "demo/PictureSizes.h"
+#include "demo/ServiceWords.h"
 
 namespace ZorvaneDemo {
 

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "demo/WorldJson.h"
+#include "service/HttpStatus.h"
+#include "service/RosterJson.h"
 
 namespace ZorvaneDemo {
 
@@ -14,13 +16,13 @@ namespace {
 
 HttpReply done(bool good)
 {
-    return good ? HttpReply::json(200, {{"ok", true}})
-                : HttpReply::json(404, {{"error", "no such object"}});
+    return good ? HttpReply::json(HttpStatus::Ok, {{"ok", true}})
+                : HttpReply::json(HttpStatus::NotFound, {{"error", "no such object"}});
 }
 
 HttpReply unknown()
 {
-    return HttpReply::json(404, {{"error", "no such command"}});
+    return HttpReply::json(HttpStatus::NotFound, {{"error", "no such command"}});
 }
 
 /// Reads [[start, end], ...]; throws when these are no records.
@@ -49,26 +51,26 @@ HttpReply ControlService::handle(const HttpRequest &request)
     const auto body =
         nlohmann::json::parse(request.body.empty() ? "{}" : request.body, nullptr, false);
     if (!body.is_object())
-        return HttpReply::json(400, {{"error", "the body is no JSON object"}});
+        return HttpReply::json(HttpStatus::BadRequest, {{"error", "the body is no JSON object"}});
     try {
         return change(request.path, body);
     } catch (const std::exception &failure) {
-        return HttpReply::json(400, {{"error", failure.what()}});
+        return HttpReply::json(HttpStatus::BadRequest, {{"error", failure.what()}});
     }
 }
 
 HttpReply ControlService::show(const HttpRequest &request)
 {
     if (request.path == "/world")
-        return HttpReply::json(200, worldJson(world.servers()));
+        return HttpReply::json(HttpStatus::Ok, worldJson(world.everything()));
     if (request.path == "/local-roster")
-        return HttpReply::json(200, {{"roster", localRosterJson(world.servers())}});
+        return HttpReply::json(HttpStatus::Ok, {{"roster", localRosterJson(world.servers())}});
     if (request.path == "/requests")
-        return HttpReply::json(200, log.describe(request.parameters()["path"]));
+        return HttpReply::json(HttpStatus::Ok, log.describe(request.parameters()["path"]));
     if (request.path == "/faults")
-        return HttpReply::json(200, {{"faults", faults.describe()}});
+        return HttpReply::json(HttpStatus::Ok, {{"faults", faults.describe()}});
     if (request.path == "/streams")
-        return HttpReply::json(200, {{"open", flv.openStreams()}});
+        return HttpReply::json(HttpStatus::Ok, {{"open", service.flv.openStreams()}});
     return unknown();
 }
 
@@ -85,7 +87,7 @@ HttpReply ControlService::change(const std::string &path, const nlohmann::json &
     } else if (path == "/sessions/drop") {
         accounts.dropSessions();
     } else if (path == "/version/set") {
-        api.setVersion(body.at("version"));
+        service.api.setVersion(body.at("version"));
     } else if (path == "/requests/clear") {
         log.clear();
     } else if (path == "/reset") {
@@ -101,21 +103,21 @@ HttpReply ControlService::change(const std::string &path, const nlohmann::json &
 
 HttpReply ControlService::changeCameras(const std::string &path, const nlohmann::json &body)
 {
-    const std::string server = body.at("server");
+    if (path == "/cameras/add") {
+        const int id = world.addCamera(body.at("server"), body.value("name", ""));
+        return id > 0 ? HttpReply::json(HttpStatus::Ok, {{"camera", id}}) : done(false);
+    }
+    const CameraId camera{body.at("server"), body.at("camera")};
     if (path == "/cameras/set")
-        return done(world.setCamera(server, body.at("camera"), body));
+        return done(world.setCamera(camera, body));
     if (path == "/cameras/archive") {
         std::shared_ptr<const std::vector<Record>> records;
         if (body.contains("records"))
             records = std::make_shared<const std::vector<Record>>(recordsFrom(body["records"]));
-        return done(world.setRecords(server, body.at("camera"), std::move(records)));
+        return done(world.setRecords(camera, std::move(records)));
     }
     if (path == "/cameras/remove")
-        return done(world.removeCamera(server, body.at("camera")));
-    if (path == "/cameras/add") {
-        const int id = world.addCamera(server, body.value("name", ""));
-        return id > 0 ? HttpReply::json(200, {{"camera", id}}) : done(false);
-    }
+        return done(world.removeCamera(camera));
     return unknown();
 }
 
@@ -123,7 +125,8 @@ HttpReply ControlService::changeServers(const std::string &path, const nlohmann:
 {
     if (path == "/servers/add")
         return HttpReply::json(
-            200, {{"server", world.addServer(body.value("name", ""), body.value("cameras", 0))}});
+            HttpStatus::Ok,
+            {{"server", world.addServer(body.value("name", ""), body.value("cameras", 0))}});
     const std::string server = body.at("server");
     if (path == "/servers/set")
         return done(world.setServer(server, body));
@@ -137,8 +140,8 @@ HttpReply ControlService::changeFaults(const std::string &path, const nlohmann::
     if (path == "/faults/add") {
         const auto fault = Fault::fromJson(body);
         if (!fault)
-            return HttpReply::json(400, {{"error", "no such kind of fault"}});
-        return HttpReply::json(200, {{"fault", faults.add(*fault)}});
+            return HttpReply::json(HttpStatus::BadRequest, {{"error", "no such kind of fault"}});
+        return HttpReply::json(HttpStatus::Ok, {{"fault", faults.add(*fault)}});
     }
     if (path == "/faults/remove")
         return done(faults.remove(body.at("fault")));

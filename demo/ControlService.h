@@ -3,13 +3,13 @@
 
 #include <nlohmann/json.hpp>
 
-#include "demo/Accounts.h"
-#include "demo/ApiService.h"
 #include "demo/Faults.h"
-#include "demo/FlvService.h"
-#include "demo/Http.h"
 #include "demo/RequestLog.h"
+#include "demo/ServiceWords.h"
 #include "demo/World.h"
+#include "service/Accounts.h"
+#include "service/Http.h"
+#include "service/VideoService.h"
 
 namespace ZorvaneDemo {
 
@@ -18,13 +18,12 @@ class ControlService
 {
 public:
     ControlService(World &cameras, Accounts &accountBook, Faults &faultList, RequestLog &requests,
-                   ApiService &apiService, const FlvService &flvService)
+                   VideoService &videoService)
         : world(cameras)
         , accounts(accountBook)
         , faults(faultList)
         , log(requests)
-        , api(apiService)
-        , flv(flvService)
+        , service(videoService)
     {
     }
 
@@ -41,8 +40,7 @@ private:
     Accounts &accounts;
     Faults &faults;
     RequestLog &log;
-    ApiService &api;
-    const FlvService &flv;
+    VideoService &service;
 };
 
 } // namespace ZorvaneDemo

@@ -2,12 +2,10 @@
 #include "demo/Demo.h"
 
 #include <cstddef>
-#include <filesystem>
-#include <fstream>
 #include <utility>
 
-#include "demo/Loopback.h"
-#include "demo/WorldJson.h"
+#include "service/ClientFiles.h"
+#include "service/Loopback.h"
 
 #ifndef ZORVANE_VERSION
 #error "the build defines the client's version"
@@ -21,22 +19,25 @@ Demo::Demo(const Options &given, const Certificates &tlsFiles)
     , world(given.world)
     , accounts(given.email, given.password, given.dataFolder + "/accounts.json")
     , clips(given.clipFolder, given.clipForm)
-    , api(world, accounts, ZORVANE_VERSION)
+    , service(world, archive, media, accounts, ZORVANE_VERSION)
 {
 }
 
 std::string Demo::bind()
 {
     const HttpServer::Tls tls{certificates.serverFile, certificates.serverKeyFile};
-    const auto lan = [this](const HttpRequest &request) { return lanService.handle(request); };
+    const auto lan = [this](const HttpRequest &request) { return service.lan.handle(request); };
     const auto control = [this](const HttpRequest &request) {
         return controlService.handle(request);
     };
     bool good =
-        listen("api", options.apiPort, &apiPort, &tls,
-               watched([this](const HttpRequest &request) { return api.handle(request); })) &&
+        listen("api", options.apiPort, &apiPort, &tls, watched([this](const HttpRequest &request) {
+                   return service.api.handle(request);
+               })) &&
         listen("streaming", options.streamingPort, &streamingPort, &tls,
-               watched([this](const HttpRequest &request) { return streaming.handle(request); })) &&
+               watched([this](const HttpRequest &request) {
+                   return service.streaming.handle(request);
+               })) &&
         listen("flv", options.flvPort, &flvPort, nullptr,
                watched([this](const HttpRequest &request) { return serveFlv(request); })) &&
         listen("control", options.controlPort, &controlPort, nullptr, control);
@@ -59,19 +60,13 @@ void Demo::start()
 
 bool Demo::writeConfiguration(const std::string &folder) const
 {
-    std::error_code code;
-    std::filesystem::create_directories(folder, code);
-    std::ofstream profile(folder + "/service.ini");
-    profile << "[service]\n"
-            << "apiHost=" << loopback << "\napiPort=" << apiPort << "\nstreamingHost=" << loopback
-            << "\nstreamingPort=" << streamingPort << "\nflvHost=" << loopbackAddress(flvPort)
-            << "\nredirectorHost=" << loopbackAddress(flvPort)
-            << "\ncaCertificate=" << certificates.authorityFile << "\n";
-    std::ofstream roster(folder + "/local_roster.txt");
-    roster << localRosterJson(world.servers()).dump(4) << "\n";
-    profile.close();
-    roster.close();
-    return profile.good() && roster.good();
+    ClientFiles files;
+    files.host = loopback;
+    files.apiPort = apiPort;
+    files.streamingPort = streamingPort;
+    files.flvPort = flvPort;
+    files.caCertificate = certificates.authorityFile;
+    return files.write(folder, world.servers());
 }
 
 nlohmann::json Demo::describe() const
@@ -108,7 +103,7 @@ HttpServer::Handler Demo::watched(HttpServer::Handler serve)
 HttpReply Demo::serveFlv(const HttpRequest &request)
 {
     if (request.path != "/")
-        return flv.handle(request);
+        return service.flv.handle(request);
     HttpReply reply;
     reply.contentType = "text/html";
     reply.body = "<html><body><h1>Zorvane demo service</h1>"

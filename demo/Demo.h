@@ -7,20 +7,19 @@
 #include <string>
 #include <vector>
 
-#include "demo/Access.h"
-#include "demo/Accounts.h"
-#include "demo/ApiService.h"
-#include "demo/Certificates.h"
+#include "demo/Archive.h"
+#include "demo/ClipMedia.h"
 #include "demo/ClipStore.h"
 #include "demo/ControlService.h"
 #include "demo/Faults.h"
-#include "demo/FlvService.h"
-#include "demo/HttpServer.h"
-#include "demo/LanService.h"
 #include "demo/Options.h"
 #include "demo/RequestLog.h"
-#include "demo/StreamingService.h"
+#include "demo/ServiceWords.h"
 #include "demo/World.h"
+#include "service/Accounts.h"
+#include "service/Certificates.h"
+#include "service/HttpServer.h"
+#include "service/VideoService.h"
 
 namespace ZorvaneDemo {
 
@@ -58,12 +57,10 @@ private:
     ClipStore clips;
     Faults faults;
     RequestLog log;
-    Access access{world, accounts};
-    ApiService api;
-    StreamingService streaming{access, clips};
-    FlvService flv{world, access, clips};
-    LanService lanService{world, streaming, flv};
-    ControlService controlService{world, accounts, faults, log, api, flv};
+    Archive archive{world};
+    ClipMedia media{world, clips};
+    VideoService service;
+    ControlService controlService{world, accounts, faults, log, service};
     std::vector<std::unique_ptr<HttpServer>> servers;
     std::string failure;
     int apiPort = 0;

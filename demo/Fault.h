@@ -7,7 +7,8 @@
 #include <optional>
 #include <string>
 
-#include "demo/Http.h"
+#include "demo/ServiceWords.h"
+#include "service/Http.h"
 
 namespace ZorvaneDemo {
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "demo/FaultySink.h"
+#include "service/HttpStatus.h"
 
 namespace ZorvaneDemo {
 
@@ -15,7 +16,7 @@ namespace {
 HttpReply withLocation(const std::string &location)
 {
     HttpReply reply;
-    reply.status = 302;
+    reply.status = HttpStatus::Found;
     reply.headers.emplace_back("Location", location);
     return reply;
 }

@@ -10,7 +10,8 @@
 #include <optional>
 
 #include "demo/Fault.h"
-#include "demo/Http.h"
+#include "demo/ServiceWords.h"
+#include "service/Http.h"
 
 namespace ZorvaneDemo {
 

@@ -6,7 +6,8 @@
 #include <optional>
 
 #include "demo/Fault.h"
-#include "demo/Http.h"
+#include "demo/ServiceWords.h"
+#include "service/Http.h"
 
 namespace ZorvaneDemo {
 

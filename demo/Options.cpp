@@ -7,9 +7,9 @@
 #include <limits>
 #include <map>
 
-#include "demo/Http.h"
 #include "demo/StripCode.h"
 #include "demo/scenes/SceneCount.h"
+#include "service/Http.h"
 
 namespace ZorvaneDemo {
 

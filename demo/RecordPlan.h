@@ -4,15 +4,11 @@
 #include <cstdint>
 #include <vector>
 
-#include "demo/LocalTime.h"
+#include "demo/ServiceWords.h"
+#include "service/ArchiveCatalogue.h"
+#include "service/LocalTime.h"
 
 namespace ZorvaneDemo {
-
-/// One recorded span, in milliseconds since the epoch, without its end.
-struct Record {
-    std::int64_t startMs;
-    std::int64_t endMs;
-};
 
 /// The records that camera `number` begins on that day, ascending and apart; the last one may
 /// run on into the next day. The number's last digit decides the camera's habit: round the

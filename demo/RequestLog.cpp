@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-#include "demo/LocalTime.h"
+#include "service/LocalTime.h"
 
 namespace ZorvaneDemo {
 

@@ -9,7 +9,8 @@
 #include <mutex>
 #include <string>
 
-#include "demo/Http.h"
+#include "demo/ServiceWords.h"
+#include "service/Http.h"
 
 namespace ZorvaneDemo {
 

@@ -11,8 +11,8 @@ extern "C" {
 #include <libavutil/opt.h>
 }
 
-#include "demo/AvHandles.h"
 #include "demo/Clip.h"
+#include "service/AvHandles.h"
 
 namespace ZorvaneDemo {
 

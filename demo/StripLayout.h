@@ -5,7 +5,8 @@
 #include <cstdint>
 
 #include "demo/BitStream.h"
-#include "demo/NalUnit.h"
+#include "demo/ServiceWords.h"
+#include "service/NalUnit.h"
 
 namespace ZorvaneDemo {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "demo/Cavlc.h"
-#include "demo/NalUnit.h"
+#include "service/NalUnit.h"
 
 namespace ZorvaneDemo {
 

@@ -8,7 +8,7 @@ extern "C" {
 #include <libavutil/opt.h>
 }
 
-#include "demo/NalUnit.h"
+#include "service/NalUnit.h"
 
 namespace ZorvaneDemo {
 

@@ -3,9 +3,10 @@
 
 #include <string>
 
-#include "demo/AvHandles.h"
 #include "demo/Clip.h"
-#include "demo/Quality.h"
+#include "demo/PictureSizes.h"
+#include "demo/ServiceWords.h"
+#include "service/AvHandles.h"
 
 namespace ZorvaneDemo {
 

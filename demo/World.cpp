@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <utility>
 
-#include "demo/Loopback.h"
 #include "demo/WorldJson.h"
+#include "service/Loopback.h"
 
 namespace ZorvaneDemo {
 
@@ -19,6 +19,13 @@ auto findIn(Servers &servers, const std::string &id)
                         [&](const Server &server) { return server.id == id; });
 }
 
+/// Null when there is no such camera.
+const InventedCamera *findIn(const InventedServer &server, int id)
+{
+    const auto found = server.cameras.find(id);
+    return found == server.cameras.end() ? nullptr : &found->second;
+}
+
 } // namespace
 
 World::World(const WorldOptions &options) : maker(options), list(maker.makeAll()), original(list)
@@ -29,47 +36,57 @@ void World::setLanPorts(const std::vector<int> &ports)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     std::size_t next = 0;
-    for (Server &server : list) {
+    for (InventedServer &server : list) {
         if (server.lan && next < ports.size())
             server.id = lanServerId(ports[next++]);
     }
     original = list;
 }
 
-std::optional<Server> World::server(const std::string &id) const
+std::vector<ServerWithCameras> World::servers() const
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    const auto found = findIn(list, id);
-    return found == list.end() ? std::nullopt : std::optional<Server>(*found);
+    std::vector<ServerWithCameras> result;
+    for (const InventedServer &server : list)
+        result.push_back(server.forClient());
+    return result;
 }
 
-std::optional<Camera> World::camera(const std::string &serverOf, int id, Server *owner) const
+std::optional<CameraOfServer> World::camera(const CameraId &id) const
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    const auto found = findIn(list, serverOf);
-    if (found == list.end())
-        return std::nullopt;
-    const auto camera = found->cameras.find(id);
-    if (camera == found->cameras.end())
-        return std::nullopt;
-    if (owner) {
-        *owner = *found;
-        owner->cameras.clear();
-    }
-    return camera->second;
+    const auto server = findIn(list, id.server);
+    const auto *camera = server == list.end() ? nullptr : findIn(*server, id.camera);
+    return camera ? std::optional<CameraOfServer>({*server, *camera}) : std::nullopt;
 }
 
-std::vector<Server> World::servers() const
+std::optional<ServerWithCameras> World::lanServer(int port) const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    const auto found = findIn(list, lanServerId(port));
+    return found == list.end() ? std::nullopt
+                               : std::optional<ServerWithCameras>(found->forClient());
+}
+
+std::vector<InventedServer> World::everything() const
 {
     const std::lock_guard<std::mutex> lock(mutex);
     return list;
+}
+
+std::optional<InventedCamera> World::inventedCamera(const CameraId &id) const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    const auto server = findIn(list, id.server);
+    const auto *camera = server == list.end() ? nullptr : findIn(*server, id.camera);
+    return camera ? std::optional<InventedCamera>(*camera) : std::nullopt;
 }
 
 std::set<int> World::scenes() const
 {
     const std::lock_guard<std::mutex> lock(mutex);
     std::set<int> result;
-    for (const Server &server : list) {
+    for (const InventedServer &server : list) {
         for (const auto &[id, camera] : server.cameras)
             result.insert(camera.scene);
     }
@@ -89,10 +106,10 @@ bool World::changeServer(const std::string &id, Change change)
 }
 
 template <typename Change>
-bool World::changeCamera(const std::string &server, int id, Change change)
+bool World::changeCamera(const CameraId &id, Change change)
 {
-    return changeServer(server, [&](Server &owner) {
-        const auto found = owner.cameras.find(id);
+    return changeServer(id.server, [&](InventedServer &owner) {
+        const auto found = owner.cameras.find(id.camera);
         if (found == owner.cameras.end())
             return false;
         change(found->second);
@@ -100,21 +117,25 @@ bool World::changeCamera(const std::string &server, int id, Change change)
     });
 }
 
-bool World::setCamera(const std::string &server, int id, const nlohmann::json &values)
+bool World::setRotation(const CameraId &id, int degrees)
 {
-    return changeCamera(server, id, [&](Camera &camera) { apply(values, &camera); });
+    return changeCamera(id, [degrees](InventedCamera &camera) { camera.rotation = degrees; });
 }
 
-bool World::setRecords(const std::string &server, int id,
-                       std::shared_ptr<const std::vector<Record>> records)
+bool World::setCamera(const CameraId &id, const nlohmann::json &values)
 {
-    return changeCamera(server, id, [&](Camera &camera) { camera.records = std::move(records); });
+    return changeCamera(id, [&](InventedCamera &camera) { setValues(values, &camera); });
+}
+
+bool World::setRecords(const CameraId &id, std::shared_ptr<const std::vector<Record>> records)
+{
+    return changeCamera(id, [&](InventedCamera &camera) { camera.records = std::move(records); });
 }
 
 bool World::setServer(const std::string &id, const nlohmann::json &values)
 {
-    return changeServer(id, [&](Server &server) {
-        apply(values, &server);
+    return changeServer(id, [&](InventedServer &server) {
+        setValues(values, &server);
         return true;
     });
 }
@@ -122,7 +143,7 @@ bool World::setServer(const std::string &id, const nlohmann::json &values)
 int World::addCamera(const std::string &server, const std::string &name)
 {
     int id = 0;
-    changeServer(server, [&](Server &owner) {
+    changeServer(server, [&](InventedServer &owner) {
         id = maker.addCameraTo(&owner);
         if (!name.empty())
             owner.cameras[id].name = name;
@@ -131,9 +152,10 @@ int World::addCamera(const std::string &server, const std::string &name)
     return id;
 }
 
-bool World::removeCamera(const std::string &server, int id)
+bool World::removeCamera(const CameraId &id)
 {
-    return changeServer(server, [&](Server &owner) { return owner.cameras.erase(id) > 0; });
+    return changeServer(id.server,
+                        [&](InventedServer &owner) { return owner.cameras.erase(id.camera) > 0; });
 }
 
 std::string World::addServer(const std::string &name, int cameras)

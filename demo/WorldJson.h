@@ -5,19 +5,15 @@
 
 #include <vector>
 
-#include "demo/Server.h"
+#include "demo/Invented.h"
 
 namespace ZorvaneDemo {
 
-/// The reply of the roster request: the cloud's servers.
-nlohmann::json rosterJson(const std::vector<Server> &servers);
-/// The content of the client's `local_roster.txt`: the LAN's servers.
-nlohmann::json localRosterJson(const std::vector<Server> &servers);
 /// All servers, cameras and strip numbers, for the control interface.
-nlohmann::json worldJson(const std::vector<Server> &servers);
+nlohmann::json worldJson(const std::vector<InventedServer> &servers);
 
 /// Sets what `values` name; throws where a value is of the wrong kind.
-void apply(const nlohmann::json &values, Camera *camera);
-void apply(const nlohmann::json &values, Server *server);
+void setValues(const nlohmann::json &values, Camera *camera);
+void setValues(const nlohmann::json &values, Server *server);
 
 } // namespace ZorvaneDemo

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "demo/Names.h"
+#include "demo/PictureSizes.h"
 #include "demo/StripCode.h"
 
 namespace ZorvaneDemo {
@@ -39,7 +40,7 @@ std::string serverId(unsigned seed, int index)
     return text;
 }
 
-void giveTrait(Camera *camera, int index)
+void giveTrait(InventedCamera *camera, int index)
 {
     const int trait = index % traitPeriod;
     camera->online = trait != offlineIndex;
@@ -51,7 +52,7 @@ void giveTrait(Camera *camera, int index)
     camera->mirror = trait == mirroredIndex;
 }
 
-void giveTraits(Server *server, int index, int camerasBefore)
+void giveTraits(InventedServer *server, int index, int camerasBefore)
 {
     server->online = index % offlineServerPeriod != offlineServerPeriod - 1;
     for (auto &[id, camera] : server->cameras)
@@ -80,13 +81,13 @@ std::vector<int> shares(const WorldOptions &options)
 
 } // namespace
 
-std::vector<Server> WorldMaker::makeAll()
+std::vector<InventedServer> WorldMaker::makeAll()
 {
-    std::vector<Server> servers;
+    std::vector<InventedServer> servers;
     int camerasBefore = 0;
     for (const int count : shares(options)) {
         const int index = nextServer;
-        Server server = makeServer(count);
+        InventedServer server = makeServer(count);
         server.isCamera = index % serverPeriod == cameraServerIndex;
         server.owner = index % serverPeriod != guestServerIndex;
         if (!options.plain)
@@ -101,9 +102,9 @@ std::vector<Server> WorldMaker::makeAll()
     return servers;
 }
 
-Server WorldMaker::makeServer(int cameras)
+InventedServer WorldMaker::makeServer(int cameras)
 {
-    Server server;
+    InventedServer server;
     server.id = serverId(options.seed, nextServer);
     server.name = serverName(options.seed, nextServer);
     ++nextServer;
@@ -112,9 +113,9 @@ Server WorldMaker::makeServer(int cameras)
     return server;
 }
 
-Server WorldMaker::makeLanServer(int index)
+InventedServer WorldMaker::makeLanServer(int index)
 {
-    Server server;
+    InventedServer server;
     server.name = lanServerName(index);
     server.lan = true;
     server.password = lanPassword;
@@ -123,12 +124,13 @@ Server WorldMaker::makeLanServer(int index)
     return server;
 }
 
-int WorldMaker::addCameraTo(Server *server)
+int WorldMaker::addCameraTo(InventedServer *server)
 {
-    Camera camera;
+    InventedCamera camera;
     camera.id = server->cameras.empty() ? 1 : server->cameras.rbegin()->first + 1;
     camera.number = std::min(nextNumber, StripCode::maximumCamera);
     camera.scene = (nextNumber - 1) % options.scenes;
+    camera.size = pictureSizes.back();
     camera.name = cameraName(options.seed, nextNumber - 1);
     ++nextNumber;
     server->cameras[camera.id] = camera;

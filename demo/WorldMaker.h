@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "demo/Server.h"
+#include "demo/Invented.h"
 #include "demo/scenes/SceneCount.h"
 
 namespace ZorvaneDemo {
@@ -28,14 +28,14 @@ public:
     explicit WorldMaker(const WorldOptions &worldOptions) : options(worldOptions) {}
 
     /// All that the options ask for; first of all, and once.
-    std::vector<Server> makeAll();
+    std::vector<InventedServer> makeAll();
     /// One more in the cloud, with everything online and allowed.
-    Server makeServer(int cameras);
+    InventedServer makeServer(int cameras);
     /// One more camera for `server`; its id.
-    int addCameraTo(Server *server);
+    int addCameraTo(InventedServer *server);
 
 private:
-    Server makeLanServer(int index);
+    InventedServer makeLanServer(int index);
 
     WorldOptions options;
     int nextNumber = 1; ///< of a camera

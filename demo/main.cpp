@@ -15,11 +15,11 @@ extern "C" {
 #include <libavutil/log.h>
 }
 
-#include "demo/Certificates.h"
 #include "demo/ClipStore.h"
 #include "demo/Demo.h"
 #include "demo/Options.h"
 #include "demo/World.h"
+#include "service/Certificates.h"
 
 using namespace ZorvaneDemo;
 
@@ -86,7 +86,8 @@ int main(int argc, char **argv)
     options.dataFolder = std::filesystem::absolute(options.dataFolder, code).string();
     std::filesystem::create_directories(options.dataFolder, code);
     chmod(options.dataFolder.c_str(), 0700);
-    const Certificates certificates = Certificates::inFolder(options.dataFolder);
+    const Certificates certificates =
+        Certificates::inFolder(options.dataFolder, "Zorvane demo authority");
     if (!certificates.error.empty())
         return fail(certificates.error);
 

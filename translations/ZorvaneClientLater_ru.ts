@@ -20,6 +20,43 @@
     </message>
 </context>
 <context>
+    <name>ZorvaneClient::GUI::DayAccess</name>
+    <message>
+        <source>Has records</source>
+        <translation>Есть записи</translation>
+    </message>
+    <message>
+        <source>No records</source>
+        <translation>Нет записей</translation>
+    </message>
+</context>
+<context>
+    <name>ZorvaneClient::GUI::EntryAccess</name>
+    <message>
+        <source>Camera</source>
+        <translation>Камера</translation>
+    </message>
+    <message>
+        <source>Camera, open</source>
+        <translation>Камера, открыта</translation>
+    </message>
+    <message>
+        <source>Layout</source>
+        <translation>Раскладка</translation>
+    </message>
+    <message>
+        <source>Layout, open</source>
+        <translation>Раскладка, открыта</translation>
+    </message>
+</context>
+<context>
+    <name>ZorvaneClient::GUI::GridSizeEditor</name>
+    <message>
+        <source>Grid size: %1</source>
+        <translation>Размер сетки: %1</translation>
+    </message>
+</context>
+<context>
     <name>ZorvaneClient::GUI::KeyCard</name>
     <message>
         <source>A minute back and on in the archive</source>
@@ -171,6 +208,24 @@
     <message>
         <source>The service has not answered since %1. Cameras and layouts are asked for again and again, at least once a minute.</source>
         <translation>Сервис не отвечает с %1. Камеры и раскладки запрашиваются снова и снова, не реже раза в минуту.</translation>
+    </message>
+</context>
+<context>
+    <name>ZorvaneClient::GUI::SideBar</name>
+    <message>
+        <source>Clear the search</source>
+        <translation>Очистить поиск</translation>
+    </message>
+</context>
+<context>
+    <name>ZorvaneClient::GUI::StripAccess</name>
+    <message>
+        <source>%1, shown from %2 to %3</source>
+        <translation>%1, показано с %2 до %3</translation>
+    </message>
+    <message>
+        <source>Time of the records</source>
+        <translation>Время записей</translation>
     </message>
 </context>
 <context>

@@ -33,23 +33,31 @@ constexpr auto youngestLeftOver = std::chrono::seconds(10);
 
 quint64 nextFrameFileNumber = 0;
 
-/// For as long as the file is open. False if somebody else has done it.
-bool lock(int descriptor)
+enum class Use {
+    Nobody,  ///< and it is locked for as long as it stays open
+    Another, ///< holds the lock
+    Unknown, ///< it can't be locked
+};
+
+Use lock(int descriptor)
 {
-    return ::flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    if (descriptor >= 0 && ::flock(descriptor, LOCK_EX | LOCK_NB) == 0)
+        return Use::Nobody;
+    return descriptor >= 0 && errno == EWOULDBLOCK ? Use::Another : Use::Unknown;
 }
 
-/// Removes what lies under that name, unless a running program holds it.
-bool removeUnused(const QString &fileName)
+/// Removes what lies under that name if `isRemovable` of who uses it.
+template <typename Rule>
+bool removeIf(const QString &fileName, Rule isRemovable)
 {
     const QByteArray name = QFile::encodeName(fileName);
     const int present = ::open(name.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    const bool isUnused = present < 0 || lock(present);
-    if (isUnused)
+    const bool isRemoved = isRemovable(lock(present));
+    if (isRemoved)
         QFile::remove(fileName);
     if (present >= 0)
         ::close(present);
-    return isUnused;
+    return isRemoved;
 }
 
 } // namespace
@@ -62,7 +70,7 @@ void FrameFile::removeLeftOvers()
         QDir(QDir::tempPath()).entryInfoList({nameStart + QLatin1Char('*')});
     for (const QFileInfo &file : files) {
         if (file.lastModified() < oldEnough && number.match(file.fileName()).hasMatch())
-            removeUnused(file.filePath());
+            removeIf(file.filePath(), [](Use use) { return use == Use::Nobody; });
     }
 }
 
@@ -98,7 +106,8 @@ bool FrameFile::open()
 bool FrameFile::create()
 {
     // A file of that name is left over from a run that crashed, or planted: never write into it.
-    taken = !removeUnused(file.fileName());
+    // Where nothing can be locked, one left over would keep this tile dark for ever.
+    taken = !removeIf(file.fileName(), [](Use use) { return use != Use::Another; });
     if (taken) {
         qWarning() << "VideoWidget: Another copy of the program uses SHM file" << file.fileName();
         return false;

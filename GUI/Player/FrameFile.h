@@ -19,7 +19,8 @@ class FrameFile
 public:
     static constexpr qint64 byteCount = 12582912;
 
-    /// Removes what runs that crashed have left in the temporary folder.
+    /// Removes what runs that crashed have left in the temporary folder, where a lock shows that
+    /// nobody uses it.
     static void removeLeftOvers();
 
     /// Takes the next name of this process. Makes no file.

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "GUI/Player/TilePainter.h"
 
-#include <QPaintDevice>
 #include <QPainter>
 #include <QPen>
 #include <QRectF>
@@ -10,6 +9,7 @@
 
 #include "GUI/Colours.h"
 #include "GUI/Player/PictureGeometry.h"
+#include "GUI/Player/ScaledPicture.h"
 
 namespace ZorvaneClient {
 namespace GUI {
@@ -89,15 +89,6 @@ QRectF partOf(const QImage &picture, const PictureZoom &zoom)
     const QRectF part = zoom.part();
     return QRectF(part.x() * picture.width(), part.y() * picture.height(),
                   part.width() * picture.width(), part.height() * picture.height());
-}
-
-/// Smooth where pixels have to be mixed: a number plate can be read then. Where each pixel of the
-/// picture is one of the screen, mixing would only cost.
-void drawScaled(QPainter &painter, const QRect &target, const QImage &picture, const QRectF &part)
-{
-    const QSizeF painted = QSizeF(target.size()) * painter.device()->devicePixelRatioF();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, painted != part.size());
-    painter.drawImage(QRectF(target), picture, part);
 }
 
 void paintZoomMap(QPainter &painter, const QRect &map, const QImage &picture,

@@ -13,12 +13,6 @@ namespace ZorvaneClient {
 namespace GUI {
 namespace Player {
 
-namespace {
-
-constexpr auto dropProperty = "drop";
-
-} // namespace
-
 VideoPlaceholder::VideoPlaceholder(QWidget *parent) : QWidget(parent), ui(new Ui::VideoPlaceholder)
 {
     ui->setupUi(this);
@@ -43,18 +37,17 @@ void VideoPlaceholder::dragEnterEvent(QDragEnterEvent *event)
         return;
     }
     event->acceptProposedAction();
-    if (!property(dropProperty).toBool())
-        setDropTarget(true);
+    markDropTarget(this, true);
 }
 
 void VideoPlaceholder::dragLeaveEvent(QDragLeaveEvent *)
 {
-    setDropTarget(false);
+    markDropTarget(this, false);
 }
 
 void VideoPlaceholder::dropEvent(QDropEvent *event)
 {
-    setDropTarget(false);
+    markDropTarget(this, false);
     if (event->source() == this && event->possibleActions().testFlag(Qt::MoveAction))
         return;
     const CellDrop drop = takeDrop(event);
@@ -62,11 +55,6 @@ void VideoPlaceholder::dropEvent(QDropEvent *event)
         emit openCamera(drop.camera);
     else if (drop.tile)
         emit swapRequested(drop.tile->row, drop.tile->column);
-}
-
-void VideoPlaceholder::setDropTarget(bool isDropTarget)
-{
-    setStyleProperty(this, dropProperty, isDropTarget);
 }
 
 } // namespace Player

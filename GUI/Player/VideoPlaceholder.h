@@ -39,8 +39,6 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
-    void setDropTarget(bool isDropTarget);
-
     QScopedPointer<Ui::VideoPlaceholder> ui;
     int rowSpan = 1;
     int columnSpan = 1;

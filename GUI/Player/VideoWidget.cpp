@@ -50,7 +50,7 @@ VideoWidget::VideoWidget(API::CameraPtr camera, QWidget *parent)
     connect(d->camera.data(), &API::Camera::orientationChanged, this,
             &VideoWidget::orientationChanged);
     connect(d->camera.data(), &API::Camera::flagsChanged, this, &VideoWidget::onFlagsChanged);
-    startTimer(static_cast<int>(tickInterval.count()), Qt::CoarseTimer);
+    startTimer(tickInterval);
 }
 
 VideoWidget::~VideoWidget()
@@ -93,6 +93,11 @@ bool VideoWidget::isPaused() const
 int VideoWidget::quality() const
 {
     return d->quality;
+}
+
+bool VideoWidget::isActive() const
+{
+    return d->isActive;
 }
 
 void VideoWidget::setCameraName(QString name)

@@ -49,6 +49,9 @@ public:
     /// From exportFragment() on, as long as its child runs.
     bool isExporting() const;
     int quality() const;
+    bool isActive() const;
+    /// What the tile does, or the text that stands in place of its picture.
+    QString stateText() const;
     /// Shows `text` in place of the picture.
     void showError(const QString &text);
 
@@ -81,6 +84,8 @@ public slots:
     void setSpan(int rowSpan, int columnSpan);
     /// 0 to 2, low to high; other values are ignored. A change restarts what plays.
     void setQuality(int quality);
+    /// The same, but what plays goes on as it is: the next start has it.
+    void takeQuality(int quality);
     /// The tile is the only one to be seen: the wheel zooms its picture without Ctrl.
     void setAlone(bool isAlone);
     /// The whole picture is seen again.
@@ -105,6 +110,8 @@ signals:
     void maximiseRequested(Player::VideoWidget *widget);
     /// The tile is about to be dragged; what gives it another size does so now.
     void dragStarting();
+    /// The drag is over, and the tile still there.
+    void dragEnded();
     /// The tile at (`row`, `column`) was dropped here.
     void swapRequested(int row, int column);
     /// Another camera was dropped here.
@@ -176,6 +183,7 @@ private:
     void showBars(bool visible);
     void showPicture();
     void clearImage();
+    void setPictureSeen(bool isSeen);
     void showSpinner();
     void hideSpinner();
     void updateAspectRatio();

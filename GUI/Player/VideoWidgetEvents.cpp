@@ -23,6 +23,7 @@ void VideoWidget::mousePressEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton)
         return;
     setPressPosition(event->pos());
+    d->isPanning = isZoomed();
 }
 
 void VideoWidget::setPressPosition(QPoint position)
@@ -35,6 +36,7 @@ void VideoWidget::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return;
+    d->isPanning = false;
     showZoom();
     emit clicked(d->camera);
     dumpState();
@@ -43,7 +45,10 @@ void VideoWidget::mouseReleaseEvent(QMouseEvent *event)
 void VideoWidget::mouseMoveEvent(QMouseEvent *event)
 {
     const bool isHeld = event->buttons().testFlag(Qt::LeftButton);
-    if (isZoomed() && isHeld && d->pressPosition() != notPressed)
+    // A pan stays one to its end, also when the picture goes meanwhile.
+    if (isHeld && d->pressPosition() != notPressed && isZoomed())
+        d->isPanning = true;
+    if (d->isPanning)
         panTo(event->pos());
     else if (startsDrag(*event, d->pressPosition()))
         dragTile();
@@ -61,6 +66,7 @@ void VideoWidget::dragTile()
         return;
     d->isDragging = false;
     update();
+    emit dragEnded();
 }
 
 void VideoWidget::dragEnterEvent(QDragEnterEvent *event)

@@ -5,6 +5,8 @@
 #include <QMenu>
 #include <QPainter>
 
+#include <utility>
+
 #include "API/Camera.h"
 #include "App/Application.h"
 #include "GUI/Colours.h"
@@ -31,7 +33,7 @@ void VideoWidget::showPicture()
                    << "pixels can be shown";
     }
     d->image = d->frameFile.image(size);
-    d->hasPicture = true;
+    setPictureSeen(true);
     update();
 }
 
@@ -39,8 +41,15 @@ void VideoWidget::clearImage()
 {
     // A snapshot is blank then; the fill reaches the frame file, whose memory the image is.
     d->image.fill(Colours::tile());
-    d->hasPicture = false;
+    setPictureSeen(false);
     update();
+}
+
+void VideoWidget::setPictureSeen(bool isSeen)
+{
+    const bool hadPicture = std::exchange(d->hasPicture, isSeen);
+    if (hadPicture != isSeen)
+        showZoom();
 }
 
 void VideoWidget::showSpinner()
@@ -98,6 +107,11 @@ void VideoWidget::setNameShown(bool isShown)
     update();
 }
 
+QString VideoWidget::stateText() const
+{
+    return d->errorText.isEmpty() ? stateWord() : d->errorText;
+}
+
 QString VideoWidget::stateWord() const
 {
     if (!d->errorText.isEmpty())
@@ -122,8 +136,7 @@ BorderRule VideoWidget::borderRule() const
     rule.isDropTarget = d->isDropTarget;
     rule.isActive = d->isActive;
     rule.isHovered = d->isHovered;
-    const auto *application = qobject_cast<App::Application *>(qApp);
-    if (d->isActive && application) {
+    if (const auto *application = d->isActive ? App::application() : nullptr) {
         rule.playerCount = application->playerCount();
         rule.cellCount = application->cellCount();
     }

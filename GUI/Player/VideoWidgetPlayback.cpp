@@ -89,11 +89,18 @@ void VideoWidget::setArchiveMode(bool archivePlaying)
     d->archivePlaying = archivePlaying;
 }
 
+void VideoWidget::takeQuality(int quality)
+{
+    if (quality >= API::LowQuality && quality <= API::HighQuality)
+        d->quality = quality;
+}
+
 void VideoWidget::setQuality(int quality)
 {
-    if (quality < API::LowQuality || quality > API::HighQuality || quality == d->quality)
+    const int before = d->quality;
+    takeQuality(quality);
+    if (d->quality == before)
         return;
-    d->quality = quality;
     if (!d->archivePlaying)
         playLive();
     else if (isPlaying())

@@ -33,8 +33,11 @@ void VideoWidget::setUpPlayer()
     d->playerProcess = QSharedPointer<QProcess>(new QProcess(this));
     connect(d->playerProcess.data(), &QProcess::started, this,
             &VideoWidget::deliverPendingCommands);
+    // Queued: what is read can have the child closed, and the process tells of last words also
+    // in the middle of its own noticing that the child is over. Closed there, it would wait for
+    // an end that has been, for ever.
     connect(d->playerProcess.data(), &QProcess::readyReadStandardOutput, this,
-            &VideoWidget::readPlayerState);
+            &VideoWidget::readPlayerState, Qt::QueuedConnection);
 }
 
 bool VideoWidget::play(QString url)

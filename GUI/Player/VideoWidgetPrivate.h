@@ -75,6 +75,7 @@ public:
     // VideoWidgetZoom.cpp
     PictureZoom zoom; ///< stays while there is no picture
     bool isAlone = false;
+    bool isPanning = false; ///< a held button moves the picture
 
     // VideoWidgetEvents.cpp
     int pressX = 0;

@@ -42,6 +42,7 @@ void VideoWidget::mouseDoubleClickEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton)
         return;
     setPressPosition(notPressed); // the tile may get another size: what follows is no drag
+    d->isPanning = false;
     if (isZoomed())
         resetZoom();
     else
@@ -55,19 +56,20 @@ bool VideoWidget::isZoomed() const
 
 void VideoWidget::panTo(QPoint position)
 {
+    if (!isZoomed())
+        return;
     const QPointF moved = position - d->pressPosition();
     const QSizeF area = picturePlace().size();
     d->zoom.pan(QPointF(moved.x() / area.width(), moved.y() / area.height()));
     setPressPosition(position);
-    setCursor(Qt::ClosedHandCursor);
-    update();
+    showZoom();
 }
 
 /// The hand says that the picture can be moved.
 void VideoWidget::showZoom()
 {
-    if (d->zoom.isZoomed())
-        setCursor(Qt::OpenHandCursor);
+    if (isZoomed())
+        setCursor(d->isPanning ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
     else
         unsetCursor();
     update();

@@ -15,8 +15,9 @@ void Watchdog::started(const QDateTime &now)
 
 bool Watchdog::isFrozen(const QDateTime &now) const
 {
-    return lastRequestTime.secsTo(now) > requestTimeoutSecs &&
-           freezeTime.secsTo(now) > freezeTimeoutSecs;
+    // The wall clock can be set back; a tile must not wait for as long as that.
+    return qAbs(lastRequestTime.secsTo(now)) > requestTimeoutSecs &&
+           qAbs(freezeTime.secsTo(now)) > freezeTimeoutSecs;
 }
 
 Watchdog::Verdict Watchdog::judge(TileState state, bool archivePlaying, bool childRuns,

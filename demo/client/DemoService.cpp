@@ -12,7 +12,8 @@
 
 #include <chrono>
 
-#include "demo/Loopback.h"
+#include "demo/ServiceWords.h"
+#include "service/Loopback.h"
 
 namespace ZorvaneDemo {
 

@@ -5,8 +5,9 @@
 #include <array>
 #include <cmath>
 
-#include "demo/LocalTime.h"
+#include "demo/ServiceWords.h"
 #include "demo/StripCode.h"
+#include "service/LocalTime.h"
 
 namespace ZorvaneDemo {
 

@@ -25,7 +25,7 @@ void setZone(const QByteArray &zone)
 
 CameraPtr makeCamera(const QString &server)
 {
-    const CameraPtr camera = CameraPtr::create();
+    CameraPtr camera = CameraPtr::create();
     camera->setId(server, 7);
     return camera;
 }
@@ -97,6 +97,7 @@ private slots:
         QSignalSpy flagsSpy(&server, &Server::flagsChanged);
         QSignalSpy aliasSpy(&server, &Server::aliasChanged);
         QSignalSpy liveSpy(&server, &Server::liveEnabledChanged);
+        QSignalSpy archiveSpy(&server, &Server::archiveEnabledChanged);
         QStringList heard;
         connect(&server, &Server::cameraAdded, this,
                 [&heard](const CameraPtr &added) { heard << "+%1"_s.arg(added->id()); });
@@ -111,12 +112,17 @@ private slots:
                                server.isArcSearchEnabled(), server.isSpeedPlayEnabled()}),
                  (QVariantList{"s1", false, true, true, true, true}));
         QVERIFY(flagsSpy.isEmpty() && aliasSpy.isEmpty() && liveSpy.size() == 1);
+        QVERIFY(archiveSpy.isEmpty());
         // The object that widgets hold is the one that is brought up to date.
         QCOMPARE(server.cameras().value(3), camera);
         QCOMPARE(camera->name(), "Gate"_s);
 
-        server.update(parse("{'name':'Yard','online':true}"));
+        server.update(parse("{'name':'Yard','online':true,'archive':true}"));
         QVERIFY(server.isOnline() && aliasSpy.size() == 1 && liveSpy.size() == 2);
+        QVERIFY(archiveSpy.size() == 1 && server.isArchiveEnabled());
+        for (const ServerFlags flags : {0, 8, 8})
+            server.setFlags(flags);
+        QVERIFY(flagsSpy.size() == 1 && !server.isOnline());
         server.removeCamera(3); // gone by now
         QCOMPARE(heard, (QStringList{"+8", "+9", "-8", "-3", "-9"}));
         // A camera that was removed is frozen.

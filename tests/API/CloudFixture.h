@@ -82,8 +82,8 @@ class CloudFixture : public QObject
 protected:
     static void setTime(int seconds)
     {
-        const QDateTime time = QDateTime::fromSecsSinceEpoch(startStamp + seconds);
-        App::Environment::setClock([time] { return time; });
+        App::Environment::setClock(
+            [seconds] { return QDateTime::fromSecsSinceEpoch(startStamp + seconds); });
     }
 
     /// Asks past the throttle and waits for the outcome.

@@ -130,7 +130,7 @@ private slots:
         using Step = std::tuple<int, QByteArray, int, int>;
         const Step steps[] = {{0, "{}", 1, 0},  {0, "{}", 2, 0},       {0, oneServer, 3, 0},
                               {29, "{}", 3, 0}, {30, oneServer, 4, 0}, {60, "", 5, 1},
-                              {89, "{}", 5, 1}, {90, oneServer, 6, 1}};
+                              {89, "{}", 5, 1}, {90, oneServer, 6, 1}, {-3600, oneServer, 7, 1}};
         client->addLocalServer(lanServer(1));
         QSignalSpy updated(client.get(), &CloudAPIClient::rosterUpdated);
         QSignalSpy failed(client.get(), &CloudAPIClient::rosterUpdateError);

@@ -1,18 +1,22 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Test.h"
 
+#include <sys/stat.h>
+
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
 #include "API/Server.h"
 #include "App/Application.h"
 #include "App/Language.h"
+#include "App/RaisePipe.h"
 #include "App/ScreenChoice.h"
 #include "App/ServiceProfile.h"
 #include "App/Settings.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 #include "GUI/Player/VideoWidget.h"
+#include "tests/support/LogCapture.h"
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/Roster.h"
 
@@ -55,7 +59,7 @@ API::CameraPtr camera(int number)
 
 API::LayoutPtr twoCameras()
 {
-    const auto layout = API::LayoutPtr::create();
+    auto layout = API::LayoutPtr::create();
     layout->resize(1, 3);
     layout->setCamera(camera(1), 0, 0, 1, 1);
     layout->setCamera(camera(2), 0, 1, 1, 1);
@@ -227,6 +231,35 @@ private slots:
         QVERIFY(visibleTopLevels<MainWindow>().value(0)->isFullScreen());
     }
 
+    void secondStartGetsTheWindowsOfTheFirst()
+    {
+        application()->startLogin();
+        auto *dialog = visibleTopLevels<GUI::LoginDialog>().value(0);
+        MainWindow *behind = openWindow();
+        MainWindow *window = openWindow();
+        for (QWidget *each : {static_cast<QWidget *>(dialog), static_cast<QWidget *>(behind)})
+            each->showMinimized();
+        askForTheWindows();
+        QTRY_VERIFY(!behind->isMinimized() && !dialog->isMinimized());
+        QTRY_VERIFY(window->isActiveWindow());
+        behind->activateWindow();
+        QMessageBox question(behind);
+        question.setModal(true);
+        question.showMinimized();
+        askForTheWindows();
+        QTRY_VERIFY(!question.isMinimized() && question.isActiveWindow());
+    }
+
+    void onlyAPipeIsListenedTo()
+    {
+        QFile("file"_s).open(QIODevice::WriteOnly);
+        for (const QString &name : {"file"_s, "nothing"_s}) {
+            LogCapture log;
+            const App::RaisePipe pipe(name);
+            QCOMPARE(log.linesOf("Second starts cannot ask"_s).size(), 1);
+        }
+    }
+
     void signOutEndsAQuestion()
     {
         MainWindow *other = openWindow();
@@ -245,6 +278,13 @@ private slots:
     }
 
 private:
+    static void askForTheWindows()
+    {
+        QFile pipe("raise"_s);
+        QVERIFY(pipe.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+        pipe.write("x");
+    }
+
     MainWindow *openWindow()
     {
         const QList<MainWindow *> before = visibleTopLevels<MainWindow>();
@@ -260,6 +300,8 @@ private:
 
 int main(int argc, char **argv)
 {
+    mkfifo("raise", S_IRUSR | S_IWUSR);
+    qputenv("ZORVANE_RAISE", "raise");
     Application application(argc, argv);
     application.setStyleSheet(Application::globalStyleSheet());
     ApplicationTest test;

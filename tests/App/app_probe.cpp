@@ -44,6 +44,7 @@ int main(int argc, char *argv[])
     App::openLog();
     if (what == "threads") {
         std::vector<std::thread> threads;
+        threads.reserve(8);
         for (int thread = 0; thread < 8; ++thread) {
             threads.emplace_back([thread] {
                 for (int line = 0; line < 500; ++line)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The archive of all tiles of a window: what starts when, and how the tiles are kept in step.
+#include "GUI/Access/AccessFactory.h"
 #include "tests/GUI/ArchiveWindow.h"
 
 namespace {
@@ -51,6 +52,55 @@ private slots:
         QCOMPARE(timeline()->currentValue(), moment(plays ? expected : click));
         expectStarts(plays ? QStringList("1 " + expected + " 1x") : QStringList());
         QCOMPARE(showsText(*tile(0), VideoWidget::tr("No records")), !plays);
+    }
+
+    void screenReadersGoThroughTheRecords()
+    {
+        using A = QAccessible;
+        installAccess(); // as the program does
+        open({camera(1, {"10:00:00-11:00:00"})});
+        window->show();
+        press("showRecordsButton");
+        QAccessibleInterface *strip = A::queryAccessibleInterface(timeline());
+        QAccessibleValueInterface *value = strip->valueInterface();
+        QCOMPARE(value->minimumValue().toInt(), 0);
+        QCOMPARE(value->maximumValue().toInt(), 24 * 60 * 60 - 1);
+        value->setCurrentValue((10 * 60 + 5) * 60);
+        expectStarts({"1 10:05:00 1x"});
+        QCOMPARE(value->currentValue().toInt(), (10 * 60 + 5) * 60);
+        timeline()->zoom(50);
+        const QString spoken = QLocale().toString(day, QLocale::LongFormat);
+        const QString part = "%1 to %2"_s.arg(timeline()->startValue().toString("hh:mm"_s),
+                                              timeline()->endValue().toString("hh:mm"_s));
+        QCOMPARE(strip->text(A::Description), spoken + ", 10:05:00, shown from "_s + part);
+
+        auto *calendar = window->findChild<QCalendarWidget *>();
+        auto *view = calendar->findChild<QTableView *>();
+        const auto *days = A::queryAccessibleInterface(view)->tableInterface();
+        // Months that begin on the first day of a week, with five and with six weeks.
+        for (int month = 1; month <= 12; ++month) {
+            calendar->setCurrentPage(2026, month);
+            QStringList told;
+            QAccessibleInterface *last = nullptr;
+            for (int cell = 0; cell < days->rowCount() * days->columnCount(); ++cell) {
+                QAccessibleInterface *node = days->cellAt(cell / 7, cell % 7);
+                if (!node->state().focusable)
+                    continue;
+                told.append(node->text(A::Name));
+                last = node;
+            }
+            QStringList all;
+            for (QDate date(2026, month, 1); date.month() == month; date = date.addDays(1))
+                all.append(QLocale().toString(date, QLocale::LongFormat));
+            QCOMPARE(told, all);
+            last->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+            QCOMPARE(calendar->selectedDate().month(), month);
+            QCOMPARE(calendar->selectedDate().day(), calendar->selectedDate().daysInMonth());
+        }
+        calendar->setCurrentPage(day.year(), day.month());
+        QAccessibleInterface *cell = days->cellAt(2, day.dayOfWeek() - calendar->firstDayOfWeek());
+        QCOMPARE(cell->text(A::Name) + ": "_s + cell->text(A::Description),
+                 spoken + ": Has records");
     }
 
     void aTypedMomentPlaysAsAClickDoes_data()
@@ -111,6 +161,7 @@ private slots:
     {
         open({camera(1, {"10:00:00-12:00:00"}), camera(2, {"11:00:00-12:00:00"})});
         window->onPlayArchive(moment("10:59:00"));
+        QVERIFY2(tile(0)->isPlaying(), "before the first tick");
         expectStarts({"1 10:59:00 1x"});
         QVERIFY(!tile(1)->isPlaying());
 

@@ -1,4 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include <cstdlib>
+
+#include <xcb/xcb.h>
+
 #include "App/Application.h"
 #include "GUI/CameraWidget.h"
 #include "GUI/CloudToolTip.h"
@@ -199,7 +203,7 @@ private slots:
             QVERIFY(button->isChecked());
     }
 
-    /// This display has no compositor, which would show what is behind a translucent window.
+    /// Without a compositor, which would show what is behind a translucent window.
     void bubblesHaveNoBlackCorners()
     {
         const QColor behind(Qt::green);
@@ -225,6 +229,18 @@ private slots:
             for (const QPoint &corner : {place.topLeft(), place.bottomRight()})
                 QCOMPARE(seen(corner), behind);
         }
+        // With one it is not cut. Whoever owns that is one.
+        xcb_connection_t *composer = xcb_connect(nullptr, nullptr);
+        const QScopeGuard leave([&] { xcb_disconnect(composer); });
+        const auto root = xcb_setup_roots_iterator(xcb_get_setup(composer)).data->root;
+        xcb_intern_atom_reply_t *atom = xcb_intern_atom_reply(
+            composer, xcb_intern_atom(composer, 0, 13, "_NET_WM_CM_S0"), nullptr);
+        xcb_set_selection_owner(composer, root, atom->atom, XCB_CURRENT_TIME);
+        std::free(xcb_get_selection_owner_reply(
+            composer, xcb_get_selection_owner(composer, atom->atom), nullptr)); // it is done
+        std::free(atom);
+        CloudToolTip::showTip("A tip of some words"_s, QPoint(300, 200), &ground);
+        QVERIFY(ground.findChild<CloudToolTip *>()->mask().isEmpty());
         CloudToolTip::hideTip();
     }
 

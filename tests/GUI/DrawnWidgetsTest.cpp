@@ -145,9 +145,12 @@ private slots:
 
     void hoverChangesPictureAndTip()
     {
+        QCOMPARE(shownColour(first), QColor(Qt::red));
         moveMouseTo(first);
         QCOMPARE(shownColour(first), QColor(Qt::green));
         QCOMPARE(shownTip(), "What the first one is for."_s);
+        const QImage bubble = paintingOf(window->findChild<CloudToolTip *>());
+        QCOMPARE(bubble.pixelColor(6, bubble.height() / 2), QColor(Qt::white));
         moveMouseTo(second);
         QCOMPARE(shownTip(), "The second"_s);
         moveMouseTo(silent);

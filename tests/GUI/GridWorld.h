@@ -32,7 +32,7 @@ inline API::CameraPtr cameraNamed(const QString &name)
 inline API::LayoutPtr layoutOf(const QString &text)
 {
     const QStringList lines = text.split(" | "_s);
-    const auto layout = API::LayoutPtr::create();
+    auto layout = API::LayoutPtr::create();
     layout->resize(int(lines.size()), int(lines.first().split(' ').size()));
     for (int row = 0; row < layout->rows(); ++row) {
         for (int column = 0; column < layout->columns(); ++column) {

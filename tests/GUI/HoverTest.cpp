@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "App/Application.h"
 #include "App/Environment.h"
+#include "GUI/CloudToolTip.h"
 #include "GUI/ControlPanel.h"
+#include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 #include "GUI/RosterWidget.h"
+#include "GUI/TippedButton.h"
 #include "tests/GUI/GridWorld.h"
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/RealPointer.h"
@@ -129,6 +132,36 @@ private slots:
         showWindow();
         QCursor::setPos(place);
         QTRY_COMPARE(pictureOfPanels(), seen);
+    }
+
+    /// Neither the pointer moves nor is anything shown or hidden.
+    void anotherSizeUnderThePointer()
+    {
+        const QSize before = window->size();
+        const auto isOver = [this](const QString &name) {
+            return widget(name)->underMouse() && misledByThePointer().isEmpty();
+        };
+        QCursor::setPos(window->mapToGlobal(window->rect().bottomRight() - QPoint(200, 20)));
+        QTRY_VERIFY(isOver("ControlPanel"_s));
+        window->resize(before + QSize(0, 90)); // what was under it moves
+        QTRY_VERIFY(isOver("b"_s));
+        window->resize(before); // what is under it becomes smaller
+        QTRY_VERIFY(isOver("ControlPanel"_s));
+    }
+
+    /// One that its own window took for the end of the hover would go and come for ever.
+    void aTipStays()
+    {
+        LoginDialog dialog;
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        const auto *button = dialog.findChild<TippedButton *>();
+        QTRY_VERIFY((QCursor::setPos(button->mapToGlobal(QPoint(5, 5))),
+                     dialog.findChild<CloudToolTip *>()));
+        const QPointer<CloudToolTip> tip = dialog.findChild<CloudToolTip *>();
+        QVERIFY(QTest::qWaitForWindowExposed(tip));
+        QCoreApplication::processEvents();
+        QVERIFY(tip);
     }
 
 private:

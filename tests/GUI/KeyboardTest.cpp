@@ -41,7 +41,12 @@ void press(const QString &keys)
 {
     QWidget *focused = QApplication::focusWidget();
     const QString key = keys.section('+', -1);
-    const int code = key == "Backtab"_s ? int(Qt::Key_Backtab) : QKeySequence(key)[0];
+    const int code = QMetaEnum::fromType<Qt::Key>().keyToValue(qPrintable("Key_"_s + key));
+    if (keys.startsWith("Held"_s)) {
+        QKeyEvent again(QEvent::KeyPress, code, Qt::NoModifier, QString(), true);
+        QCoreApplication::sendEvent(focused, &again);
+        return;
+    }
     QTest::keyClick(focused ? focused : QApplication::activeWindow(), Qt::Key(code),
                     keys.startsWith("Shift"_s) ? Qt::ShiftModifier : Qt::NoModifier);
 }
@@ -107,8 +112,9 @@ private slots:
             "layoutNameEdit gridSizeButton saveLayoutButton cancelLayoutButton tile_c tile_b "
             "tile_a "
             "prevDayButton dateEdit nextDayButton zoomOutButton zoomSlider zoomInButton strip "
-            "hideRecordsButton goLiveButton pauseButton speedButton soundButton qualityButton "
-            "fullscreenButton"_s.split(' ');
+            "hideRecordsButton goLiveButton pauseButton timeLabel speedButton speedSlider "
+            "soundButton qualityButton fullscreenButton"_s.split(' ');
+        // A slider unfolds while the focus is beside it, on the left of the sound's button.
         // The one that comes last lies first.
         window->openLayout(layoutOf(". b | . a"_s));
         window->addToLayout(cameraNamed("c"_s));
@@ -134,7 +140,7 @@ private slots:
         }
         QStringList expected = stops.mid(1) + stops.mid(0, 1);
         for (int i = int(stops.size()) - 1; i >= 0; --i)
-            expected.append(stops.at(i));
+            expected.append(stops.at(i) == "speedSlider"_s ? "soundSlider"_s : stops.at(i));
         QCOMPARE(names, expected);
         QCOMPARE(faults.join(", "), QString());
     }
@@ -151,12 +157,17 @@ private slots:
              {"a tile", "Return", "tile_a", "view b . | . a, a of 4 at tile_a"},
              {"menu of a LAN server", "Menu", "server_lan", "Edit"},
              {"a cloud server has none", "Menu", "server_s", "view b . | . a, b of 4 at server_s"},
+             {"none of another row", "Hidden Menu", "showPBtn",
+              "view b . | . a, b of 0 at showPBtn"},
+             {"held down", "Held+Return", "pauseButton", "view b . | . a, b of 4 at pauseButton"},
              {"a server", "Return", "server_s", "view b . | . a, b of 0 at server_s"},
              {"the date", "Return", "dateEdit", "calendar"},
              {"saved", "Edit Return", "saveLayoutButton",
               "view b . | . a, b of 4 at settingsButton_settingsPage"},
              {"a layout", "Layouts Return", "card_Night", "view a b, a of 0 at card_Night"},
              {"languages", "Settings Return", "languageBox", "list"},
+             {"the time in records", "Return", "timeLabel", "list"},
+             {"the size of the grid", "Edit Return", "gridSizeButton", "list"},
              {"play in place of pause", "Return", "pauseButton",
               "view b . | . a, b of 4 at playButton"}});
     }
@@ -170,9 +181,38 @@ private slots:
             window->setSettingsMode();
         else if (keys.startsWith("Edit"_s))
             window->startLayoutEditor();
+        else if (keys.startsWith("Hidden"_s))
+            window->hideRosterAndToolbar();
         tabTo(place);
         press(keys.section(' ', -1));
         QTRY_COMPARE(state(), effect);
+    }
+
+    void screenReadersSeeAndPress()
+    {
+        using A = QAccessible;
+        const auto told = [](const QAccessibleInterface *node) {
+            return "%1: %2"_s.arg(node->text(A::Name), node->text(A::Description));
+        };
+        tabTo("card_c"_s);
+        QAccessibleInterface *card = A::queryAccessibleInterface(QApplication::focusWidget());
+        QVERIFY(card->state().focused && !card->state().selected);
+        QCOMPARE(told(card), "c (offline): Camera"_s);
+        card->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+        QTRY_COMPARE(told(card), "c (offline): Camera, open"_s);
+        QVERIFY(card->state().selected);
+        card->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
+        QTRY_COMPARE(state(), "Open camera"_s);
+        QApplication::activePopupWidget()->close();
+
+        auto *tile = window->findChild<Player::VideoWidget *>();
+        QAccessibleInterface *seen = A::queryAccessibleInterface(tile);
+        const QDateTime moment(QDate(2026, 3, 5), QTime(10, 6, 7));
+        tile->setTime(moment);
+        const QString time = QLocale().toString(moment.date(), QLocale::LongFormat) + ", 10:06:07";
+        QCOMPARE(told(seen), "c: Camera c is offline, "_s + time);
+        seen->actionInterface()->doAction(QAccessibleActionInterface::setFocusAction());
+        QCOMPARE(nameOf(QApplication::focusWidget()), "tile_c"_s);
     }
 
     void theQualityMenuFollowsTheArrows()

@@ -276,6 +276,14 @@ private slots:
              [&] { window->findChild<QPushButton *>("cancelLayoutButton"_s)->click(); }},
             {[&] { window->onPlayArchive(clock.now()); }, [&] { window->playLive(); }},
             {[&] { window->pause(); }, [&] { window->unpause(); }},
+            {[&] { gridOf(*window)->toggleMaximised(gridOf(*window)->players().first()); },
+             [&] { gridOf(*window)->showAllTiles(); }},
+            {[&] { window->showArchivePanels(); }, [&] { window->hideArchivePanels(); }},
+            {[&] {
+                 QTest::mousePress(handle, Qt::LeftButton, {}, QPoint(300, 300));
+                 clock.advance(9);
+             },
+             [&] { QTest::mouseRelease(handle, Qt::LeftButton, {}, QPoint(300, 300)); }},
             {[&] { menu.popup(QPoint(9, 9)); }, [&] { menu.close(); }},
             {[&] { box.open(); }, [&] { box.close(); }}};
         for (const auto &[begin, end] : stays) {
@@ -285,15 +293,22 @@ private slots:
             end();
             QVERIFY(shownAfter(10) != before);
         }
-        // A window that opens under a resting pointer sends this too.
+        // A window that opens under a resting pointer sends this too, and it rests between pixels.
         const QString before = shownAfter(9);
-        QTest::mouseMove(handle, QPoint(300, 300));
+        const QPointF place = handle->mapToGlobal(QPoint(300, 300)) + QPointF(0.5, 0.5);
+        QMouseEvent move(QEvent::MouseMove, place, place, place, Qt::NoButton, {}, {});
+        QCoreApplication::sendEvent(this, &move);
         QVERIFY(shownAfter(1) != before);
         press("T");
         const QString last = shownAfter(0);
         QCOMPARE(shownAfter(60), last);
         press("T");
         QVERIFY2(shownAfter(10) != last, "the choice is remembered");
+        press("T");
+        App::settings().setValue("tour/intervalSeconds"_s, 0);
+        press("T");
+        const QString first = shownAfter(29);
+        QVERIFY2(shownAfter(1) != first, "what was stored is too short");
     }
 
 private:

@@ -3,6 +3,8 @@
 // service falls silent.
 #include <QtDBus>
 
+#include "API/RestClient.h"
+#include "API/ServiceLink.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/Kiosk.h"
 #include "GUI/LayoutListWidget.h"
@@ -200,6 +202,14 @@ private slots:
         App::ServiceProfile::setCurrent(atService);
         ask(30);
         QVERIFY(!sign->isVisible());
+        // One that never comes, and all the time comes back.
+        service.server().setHandler([](const WireRequest &) { return WireReply::silence(); });
+        API::RestClient client;
+        client.request("anything"_s, {});
+        QVERIFY(!sign->isVisible());
+        QCOMPARE(expireTimers(20s, &API::ServiceLink::instance()), 1);
+        QVERIFY(sign->isVisible() && sign->toolTip().contains("05/03 07:08:30"_s));
+        API::ServiceLink::instance().setAnswered(true);
         // Something else answers in its place.
         service.server().setHandler([](const WireRequest &) { return WireReply::json("{}"); });
         ask(40);

@@ -5,7 +5,10 @@
 #include "GUI/CloudToolTip.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/TippedButton.h"
+#include "tests/support/FakeTime.h"
 #include "tests/support/ScriptedService.h"
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -99,7 +102,7 @@ struct LoginForm {
         for (const QLineEdit *field : proxyFields)
             text += field->isVisible() ? ' ' + field->text() : QString();
         const bool isAtRest = dialog.currentWidget()->pos().isNull() &&
-                              dialog.minimumHeight() == dialog.height() && dialog.width() == 440;
+                              dialog.minimumSize() == dialog.size() && dialog.maximumWidth() == 440;
         return isAtRest ? text : text + " moving";
     }
 
@@ -246,6 +249,32 @@ private slots:
             QTRY_COMPARE(form.success.size(), 1);
             QVERIFY(form.isWaiting(false));
         }
+    }
+
+    /// A wall that came up before its network signs in by itself, once the service answers.
+    void aWallTriesAgain()
+    {
+        const auto requests = [this] { return service.requestsTo(sessionsPath).size(); };
+        for (const bool isWall : {false, true}) {
+            init();
+            store("a@b.example:secret:true");
+            isWall ? qputenv("ZORVANE_KIOSK", "Gate") : qunsetenv("ZORVANE_KIOSK");
+            service.answer("POST", sessionsPath, WireReply::json("{}", 500));
+            LoginForm form;
+            QTRY_COMPARE(form.shown(), "sign-in 451 wrongEmailPassWgt"_s);
+            // Somebody types.
+            form.passwordLn->setText("s");
+            QCOMPARE(expireTimers(30s), int(isWall));
+            QCOMPARE(requests(), 1);
+            form.passwordLn->setText("secret");
+            form.press("signInButton");
+            QTRY_VERIFY(form.isWaiting(false) && requests() == 2);
+            QTRY_COMPARE(form.shown(), "sign-in 451 wrongEmailPassWgt"_s);
+            service.succeed("POST", sessionsPath, R"({"session_id":"s-3"})");
+            QCOMPARE(expireTimers(30s), int(isWall));
+            QTRY_COMPARE(form.success.size(), qsizetype(isWall));
+        }
+        qunsetenv("ZORVANE_KIOSK");
     }
 
     void tabButtonAndLinksOfTheForm()

@@ -34,7 +34,8 @@ QString shownBy(const InfoPanel &panel)
     const bool hasGrid = !panel.findChild<QPushButton *>("gridSizeButton"_s)->isHidden();
     QString words = "%1 %2 %3"_s.arg(panel.mode()).arg(buttons->objectName());
     words = words.arg(menu->actions().size()) + (hasGrid ? " grid" : "");
-    return words + (edit->isHidden() ? "" : edit->isReadOnly() ? " name" : " editable name");
+    const bool isFixed = edit->isReadOnly() && edit->focusPolicy() == Qt::NoFocus;
+    return words + (edit->isHidden() ? "" : isFixed ? " name" : " editable name");
 }
 
 /// How many pixels are bright.
@@ -58,8 +59,20 @@ private slots:
     void initTestCase()
     {
         QVERIFY(world.start());
+        takePointerAway();
         // Without it the program would end with the window of the first test.
         application->setupMainWindow(other = new MainWindow);
+    }
+
+    /// As in the user's country, also where the texts are English.
+    void theWeekBegins()
+    {
+        const QLocale before;
+        QLocale::setDefault(QLocale("en_US"_s));
+        const CalendarPopup popup;
+        QLocale::setDefault(before);
+        QCOMPARE(QLocale("en_US"_s).firstDayOfWeek(), Qt::Sunday);
+        QCOMPARE(popup.firstDayOfWeek(), QLocale::system().firstDayOfWeek());
     }
 
     void init()
@@ -112,6 +125,12 @@ private slots:
         QTRY_COMPARE(QToolTip::text(), "3 × 2"_s);
         QTest::mouseMove(editor, QPoint(45, 5)); // above the matrix
         QTRY_VERIFY(!QToolTip::isVisible());
+        for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Down, Qt::Key_Left})
+            QTest::keyClick(editor, key);
+        QCOMPARE(editor->accessibleName(), "Grid size: 4 × 4"_s);
+        QSignalSpy keyed(editor, &GridSizeEditor::sizeSelected);
+        QTest::keyClick(editor, Qt::Key_Return);
+        QCOMPARE(keyed.value(0), (QVariantList{4, 4}));
         QSignalSpy picked(find<InfoPanel>(), &InfoPanel::layoutSizeChanged);
         connect(find<InfoPanel>(), &InfoPanel::layoutSizeChanged, editor,
                 [editor] { QVERIFY(!editor->isVisible()); });
@@ -427,7 +446,7 @@ private:
     ArchiveWorld world;
     QScopedPointer<FakeClock> clock;
     QScopedPointer<ScriptedChild> child;
-    App::Application *application = qobject_cast<App::Application *>(qApp);
+    App::Application *application = App::application();
     MainWindow *other = nullptr;
     QPointer<MainWindow> window;
 };

@@ -92,7 +92,8 @@ struct Stage {
         QStringList servers;
         for (const ServerWidget *entry : entries()) {
             QString words = isShown(entry, "controlBar") ? labelText(entry, "serverName") : "";
-            words += isShown(entry, "serverOfflineImage") ? "-" : "";
+            const auto *sign = entry->findChild<QLabel *>("serverOfflineImage");
+            words += sign->isVisible() && !sign->pixmap(Qt::ReturnByValue).isNull() ? "-" : "";
             QStringList names;
             if (isShown(entry, "noCamerasLabel"))
                 names.append(labelText(entry, "noCamerasLabel"));
@@ -374,7 +375,7 @@ private slots:
                 opened = menu->isVisible();
                 stage.refresh(worldOf("Shop: Till"_s));
             });
-            QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(30, 30));
+            QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(30, 30), QPoint(30, 30));
             if (rightButton)
                 QCoreApplication::sendEvent(card, &event);
             else
@@ -393,6 +394,11 @@ private slots:
         API::LayoutsContainer layouts{{"1"_s, API::LayoutPtr::create()},
                                       {"2"_s, API::LayoutPtr::create()}};
         layouts.first()->setName("Yard"_s);
+        const API::CameraPtr camera = API::CloudAPIClient::serverList().first()->cameras().first();
+        QPixmap picture(64, 48);
+        picture.fill(Qt::red);
+        camera->setPreview(picture);
+        layouts.first()->setCamera(camera, 0, 0, 1, 1);
         bar.layoutListWidget()->updateLayouts(layouts);
         auto *edit = bar.findChild<QLineEdit *>("searchEdit");
         const auto *expanded = bar.findChild<QCheckBox *>("expandButton");
@@ -400,15 +406,18 @@ private slots:
             QString words = edit->isVisible() ? edit->placeholderText() + edit->text() : "";
             for (const char *name : {"rosterWidget", "layoutListWidget", "settingsWidget"})
                 words += isShown(&bar, name) ? ' ' + QString(name) : "";
-            for (const auto *card : bar.findChildren<GUI::LayoutCard *>())
-                words += card->isVisible() ? " card" : "";
+            for (auto *card : bar.findChildren<GUI::LayoutCard *>()) {
+                const QColor seen = card->grab().toImage().pixelColor(card->rect().center());
+                words += card->isVisible() ? " card " + seen.name() : "";
+            }
             return words;
         };
         QCOMPARE(shown(), "Search for cameras... rosterWidget"_s);
         QTest::keyClicks(edit, "yard"_s);
         QVERIFY(!expanded->isChecked());
+        bar.setSettingsMode();
         bar.setLayoutsMode();
-        QCOMPARE(shown(), "Search for layouts...yard layoutListWidget card"_s);
+        QCOMPARE(shown(), "Search for layouts...yard layoutListWidget card #ff0000"_s);
         bar.setSettingsMode();
         QCOMPARE(shown(), " settingsWidget"_s);
         bar.setRosterMode();

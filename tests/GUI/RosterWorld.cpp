@@ -8,8 +8,7 @@ namespace ZorvaneClient::Tests {
 void stopClockAt(double seconds)
 {
     const QDateTime start(QDate(2024, 5, 17), QTime(12, 0));
-    const QDateTime moment = start.addMSecs(static_cast<qint64>(seconds * 1000));
-    App::Environment::setClock([moment] { return moment; });
+    App::Environment::setClock([=] { return start.addMSecs(static_cast<qint64>(seconds * 1000)); });
 }
 
 QRect placeOf(const QColor &colour, QWidget *widget)

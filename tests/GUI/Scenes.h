@@ -24,7 +24,7 @@ inline const QString serverId = "s1"_s;
 
 inline API::LayoutPtr yardLayout()
 {
-    const auto layout = API::LayoutPtr::create();
+    auto layout = API::LayoutPtr::create();
     layout->resize(2, 2);
     layout->setCamera(rosterCamera(serverId, 1), 0, 0, 1, 1);
     return layout;

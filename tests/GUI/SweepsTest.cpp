@@ -14,6 +14,7 @@
 #include "GUI/LayoutListWidget.h"
 #include "GUI/LocalServerDialog.h"
 #include "GUI/MainWindow.h"
+#include "GUI/TabOrder.h"
 #include "tests/GUI/Contrast.h"
 #include "tests/GUI/Scenes.h"
 #include "tests/support/MisbehavingServer.h"
@@ -124,6 +125,16 @@ QImage pictureOf(QWidget *widget, const QRect &area, qreal scale)
     widget->window()->render(&picture, QPoint(),
                              QRect(widget->mapTo(widget->window(), area.topLeft()), area.size()));
     return picture;
+}
+
+/// Calls `look` with what screen readers are told of the window and of all in it.
+void visitTold(QAccessibleInterface *node, const std::function<void(QAccessibleInterface *)> &look)
+{
+    look(node);
+    for (int i = 0; i < node->childCount(); ++i) {
+        if (QAccessibleInterface *child = node->child(i))
+            visitTold(child, look);
+    }
 }
 
 QString textOf(const QWidget *widget)
@@ -287,6 +298,37 @@ private slots:
         });
         QCOMPARE(parts, QStringList());
         QVERIFY2(controls <= 0, QByteArray::number(controls));
+    }
+
+    void screenReadersAreTold_data() { scenes(); }
+
+    void screenReadersAreTold()
+    {
+        QFETCH(Scene, scene);
+        QFETCH(int, controls);
+        using A = QAccessible;
+        int told = 0;
+        scene([&](QWidget *window) {
+            // All that Tab goes to, and whatever else says that it can have the focus.
+            visitTold(A::queryAccessibleInterface(window), [&](QAccessibleInterface *node) {
+                const auto *widget = qobject_cast<QWidget *>(node->object());
+                const bool isStop = widget && GUI::isTabStop(widget) && widget->isVisible() &&
+                                    widget->isEnabled() && node->role() != A::SpinBox;
+                if (isStop && !node->state().focusable)
+                    faults.insert(nameOf(widget) + " can't have the focus"_s);
+                const auto *actions = node->actionInterface();
+                if (!node->state().focusable && (!actions || actions->actionNames().isEmpty()))
+                    return;
+                ++told;
+                const QString texts = node->text(A::Name) + node->text(A::Description);
+                const bool hasRole = node->role() != A::NoRole && node->role() != A::Client;
+                if (node->text(A::Name).isEmpty() || texts.contains('<') || !hasRole)
+                    faults.insert(
+                        "%1: %2 is told as %3"_s.arg(widget ? nameOf(widget) : QString(), texts)
+                            .arg(node->role(), 0, 16));
+            });
+        });
+        QVERIFY2(told >= controls, QByteArray::number(told));
     }
 
     /// A place larger than the icon would enlarge the large form, a smaller one squeeze it.

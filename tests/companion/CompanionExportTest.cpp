@@ -6,7 +6,7 @@
 #include <csignal>
 #include <optional>
 
-#include "companion/ExportTimeline.h"
+#include "companion/export/ExportTimeline.h"
 #include "tests/companion/StreamPlayer.h"
 
 using std::chrono::milliseconds;

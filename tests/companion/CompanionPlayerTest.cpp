@@ -228,7 +228,14 @@ private slots:
                                {"SIGBUS", SIGBUS},
                                {"SIGFPE", SIGFPE},
                                {"SIGILL", SIGILL},
-                               {"SIGABRT", SIGABRT}});
+                               {"SIGABRT", SIGABRT},
+                               {"SIGTRAP", SIGTRAP},
+                               {"SIGSYS", SIGSYS},
+                               {"SIGTERM", SIGTERM},
+                               {"SIGHUP", SIGHUP},
+                               {"SIGINT", SIGINT},
+                               {"SIGQUIT", SIGQUIT},
+                               {"SIGXCPU", SIGXCPU}});
     }
 
     /// The tile hears of it at once; and the system would rather end the tile than the window.

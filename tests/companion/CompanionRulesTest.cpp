@@ -8,16 +8,16 @@
 #include <csignal>
 #include <future>
 
-#include "companion/Arguments.h"
 #include "companion/CommandInput.h"
-#include "companion/ContainerWriter.h"
 #include "companion/Controls.h"
-#include "companion/ExportArguments.h"
-#include "companion/FormatProbe.h"
-#include "companion/LineOutput.h"
 #include "companion/PacketQueue.h"
-#include "companion/ParameterSets.h"
-#include "companion/TargetFile.h"
+#include "companion/PlayerArguments.h"
+#include "companion/PlayerOutput.h"
+#include "companion/export/ContainerWriter.h"
+#include "companion/export/ExportArguments.h"
+#include "companion/export/FormatProbe.h"
+#include "companion/export/ParameterSets.h"
+#include "companion/export/TargetFile.h"
 #include "tests/companion/Words.h"
 
 using namespace ZorvaneClient::Companion;
@@ -89,7 +89,7 @@ private slots:
     void playerArguments()
     {
         const auto [arguments, meaning] = row<QString, QString>();
-        const auto parsed = parseArguments(words(arguments));
+        const auto parsed = parsePlayerArguments(words(arguments));
         QVERIFY(parsed && parsed->frameName == "F");
         const std::string proxy = parsed->proxyUrl.empty() ? "" : " " + parsed->proxyUrl;
         QCOMPARE((parsed->url + (parsed->live ? " live" : "") + proxy).c_str(), meaning);
@@ -99,11 +99,11 @@ private slots:
     {
         for (const char *line : {"h://h/", "h/flv|F", "://h/flv|F", "a b://h/|F", "h://h/|../F",
                                  "h://h/|..", "h://h/|F|:http-proxi=http://p:1/"})
-            QVERIFY2(!parseArguments(words(line)), line);
+            QVERIFY2(!parsePlayerArguments(words(line)), line);
         for (const char *proxy :
              {"p:1/", "http://p/", "http://:1/", "http://p/a:1/", "http://p:8o/", "http://p:65536/",
               "http://p:1/|:http-proxy-pw=a", "http://p:1/|:http-proxy-pwd=a|b"})
-            QVERIFY2(!parseArguments(words("h://h/|F|:http-proxy="_s + proxy)), proxy);
+            QVERIFY2(!parsePlayerArguments(words("h://h/|F|:http-proxy="_s + proxy)), proxy);
         for (const char *line : {"|mp4|4|/f", "h://h/|mkv|4|/f", "h://h/|mp4|4s|/f",
                                  "h://h/|mp4|0|/f", "h://h/|mp4|1125899906842625|/f",
                                  "h://h/|mp4|4|f", "h://h/|mp4|4|/f/", "h://h/|mp4|4|/f|x"})
@@ -124,6 +124,7 @@ private slots:
              {"negative", "volume 7\nvolume -1\n", false, 0},
              {"very long", QByteArray(60'000, 'a') + " \npause\n", true, 0},
              {"end of a long one", QByteArray(10'000, ' ') + "pause\nvolume 3\n", false, 3},
+             {"a long one in one read", QByteArray(2'000, ' ') + "pause\nvolume 3\n", false, 3},
              {"zero byte", QByteArray("pause\0more\nvolume 4\n", 20), false, 4}});
     }
 
@@ -153,13 +154,11 @@ private slots:
              {"step that is a pause", "k0 10000 span", "10000"},
              {"step that is a jump", "k0 10001 span 10041 span", "0 40"},
              {"step back", "k1000 900 span 940 span", "0 40"},
-             {"to a key within reach", "k0 40 k80 120 k160 reach100 span pop span",
-              "dropped 120 80+40 80"},
-             {"to the last key of all", "k0 40 k80 120 k160 reach1000 pop pop",
-              "dropped 160+120 nothing"},
-             {"no key to go to", "k0 40 80 reach1000 pop", "kept 0"},
+             {"to a key within reach", "k0 40 k80 120 k160 reach100 span pop span", "120 80+40 80"},
+             {"to the last key of all", "k0 40 k80 120 k160 reach1000 pop pop", "160+120 nothing"},
+             {"no key to go to", "k0 40 80 reach1000 pop pop", "0 40"},
              {"bytes of what was dropped", "k0 1 2 3 4 k5 6 7 8 9 reach9 10 pop 11 12 13 pop",
-              "dropped 5+4 6"},
+              "5+4 6"},
              {"cleared", "k0 40 clear span pop k80 pop", "0 nothing 80+40"},
              {"end", "k0 finish pop pop", "0 end"}});
     }
@@ -180,8 +179,8 @@ private slots:
             if (step == "span"_s)
                 return QString::number(queue.span().count());
             if (step.startsWith("reach"_s))
-                return queue.dropToKey(millisecondsOf(step.mid(5))) ? "dropped"_s : "kept"_s;
-            if (step == "clear"_s)
+                queue.dropToKey(millisecondsOf(step.mid(5)));
+            else if (step == "clear"_s)
                 queue.clear();
             else if (step == "finish"_s)
                 queue.finish(PacketQueue::End::Finished);
@@ -222,7 +221,7 @@ private slots:
         fcntl(ends[1], F_SETPIPE_SZ, 4096);
         QFile client;
         QVERIFY(client.open(ends[0], QIODevice::ReadOnly, QFile::AutoCloseHandle));
-        LineOutput output(ends[1]);
+        PlayerOutput output(ends[1]);
         for (int i = 0; i < 2000; ++i) {
             output.time(i);
             output.frame();

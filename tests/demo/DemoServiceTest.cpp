@@ -1,31 +1,10 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/Test.h"
-
 #include "demo/client/DemoService.h"
+#include "tests/service/ServiceClient.h"
 
 using namespace ZorvaneDemo;
 
-namespace {
-
-constexpr int deadline = 15'000;
-const QByteArray formType = "application/x-www-form-urlencoded";
-const QByteArray jsonType = "application/json";
-
-/// How an exchange ended.
-struct Answer {
-    QJsonObject json() const { return QJsonDocument::fromJson(body).object(); }
-    QJsonObject response() const { return json()["response"].toObject(); }
-    /// 0 for success.
-    int code() const { return json()["success"].toBool() ? 0 : response()["code"].toInt(-1); }
-
-    int status; ///< 0 when no reply came
-    QByteArray body;
-    QString end; ///< where a redirect points, or why there is no whole reply
-};
-
-} // namespace
-
-/// Sign-in, paths, stored state, life, refusals and faults of the demo service.
+/// Life, world, refusals and faults of the demo service.
 class DemoServiceTest : public QObject
 {
     Q_OBJECT
@@ -39,6 +18,7 @@ private slots:
         options.cameras = 4;
         options.plain = true;
         QVERIFY2(service.start(options), qPrintable(service.errorString()));
+        client.profile = service.profile();
         const QDir folder = QFileInfo(service.caCertificate()).dir();
         for (const char *key : {"ca-key.pem", "server-key.pem"})
             QCOMPARE(QFile::permissions(folder.filePath(key)) | QFile::ReadUser | QFile::WriteUser,
@@ -52,59 +32,14 @@ private slots:
         QVERIFY(!session.isEmpty());
     }
 
-    void badSignInsAndPaths()
+    void cloudPreviews()
     {
-        const QString url = api("/public/sessions");
-        const QByteArray good = "clientType=windows&clientVersion=1&login=demo%40zorvane.example"
-                                "&password=demo";
-        QCOMPARE(ask(url, "POST", good).code(), 0);
-        QCOMPARE(ask(url, "POST", good + "n").code(), 10001);
-        QCOMPARE(ask(url, "POST", "").code(), 10003);
-        QCOMPARE(ask(url, "POST", good, jsonType).code(), 10003);
-
-        QCOMPARE(ask(api("//layouts?sessionId=") + session).code(), 0);
-        const Answer one = ask(api("/layouts?sessionId=") + session);
-        QCOMPARE(one.status, 404);
-        QCOMPARE(one.code(), 10004);
         QCOMPARE(ask(streaming("//preview/live")).status, 200);
         QCOMPARE(ask(streaming("/preview/live")).status, 404);
-    }
-
-    void sessionIsNeeded()
-    {
-        const QString roster = api("/public/roster?sessionId=");
-        QCOMPARE(ask(roster + session).code(), 0);
-        QCOMPARE(ask(roster).code(), 10002);
-        QCOMPARE(ask(api("/public/sessions/") + session, "DELETE").code(), 0);
-        QCOMPARE(ask(roster + session).code(), 10002);
-
-        session = signIn();
         QVERIFY(service.dropSessions());
         const Answer preview = ask(streaming("//preview/live"));
         QCOMPARE(preview.status, 403);
         QVERIFY(preview.body.isEmpty());
-    }
-
-    void layoutsAndSessionsOutliveTheService()
-    {
-        const QString path = api("//layouts?sessionId=");
-        QCOMPARE(ask(path + session).response(),
-                 (QJsonObject{{"last_update", 0}, {"layouts", QJsonArray()}}));
-        const qint64 before = QDateTime::currentSecsSinceEpoch();
-        const QByteArray list =
-            "[{\"cameras\":[],\"columns\":2,\"id\":\"x\",\"name\":\"Двор\",\"rows\":1}]";
-        QCOMPARE(ask(path + session, "POST", "{\"no\":\"list\"}", jsonType).code(), 10003);
-        QCOMPARE(ask(path + session, "POST", "[1", jsonType).code(), 10003);
-        QCOMPARE(ask(path + "none", "POST", list, jsonType).code(), 10002);
-        QCOMPARE(ask(path + session, "POST", list, jsonType).code(), 0);
-
-        QVERIFY2(service.restart(), qPrintable(service.errorString()));
-        QCOMPARE(ask(path + session).code(), 0); // the session has outlived the service
-        QVERIFY(service.dropSessions());
-        QCOMPARE(ask(path + session).code(), 10002);
-        const QJsonObject stored = ask(path + signIn()).response();
-        QVERIFY(stored["last_update"].toInt() >= before);
-        QCOMPARE(stored["layouts"].toArray(), QJsonDocument::fromJson(list).array());
     }
 
     void endsWithItsInput()
@@ -112,7 +47,8 @@ private slots:
         QProcess *const process = service.process();
         for (const auto &end : {&QProcess::terminate, &QProcess::closeWriteChannel}) {
             (process->*end)();
-            QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning, deadline);
+            QTRY_COMPARE_WITH_TIMEOUT(process->state(), QProcess::NotRunning,
+                                      ServiceClient::deadline);
             QCOMPARE(process->exitStatus(), QProcess::NormalExit);
             QCOMPARE(process->exitCode(), 0);
             QVERIFY2(service.restart(), qPrintable(service.errorString()));
@@ -149,8 +85,6 @@ private slots:
              {"no live right", 1, R"({"rights":["archive"]})", "live", 403},
              {"no archive right", 1, R"({"rights":["live"]})", "archive?startTime=[s]", 403},
              {"before the first key frame", 1, "{}", "archive?startTime=[s]", 404},
-             {"export of a gap", 5, "{}", "archive?startTime=[6]&endTime=[9]", 404},
-             {"export without an end", 5, "{}", "archive?startTime=[1]&endTime=-1", 400},
              {"export from the cloud", 1, "{}", "archive?startTime=[1]&endTime=[3]", 403}});
     }
 
@@ -164,7 +98,7 @@ private slots:
                                   QJsonDocument::fromJson(changed).object()));
         QString asked = flv(stream.section('?', 0, 0), camera) + '&' + stream.section('?', 1);
         asked.replace("[s]"_s, QString::number(begin));
-        for (const int seconds : {1, 3, 6, 9})
+        for (const int seconds : {1, 3})
             asked.replace("[%1]"_s.arg(seconds), QString::number((begin + seconds) * 1000));
         const Answer answer = ask(asked);
         QCOMPARE(answer.status, status);
@@ -205,8 +139,11 @@ private slots:
         const auto [kind, value, after, outcome] = row<QString, int, int, QString>();
         QVERIFY(service.addFault({kind, "/public/*"_s, "api"_s, QString(), -1, -1, value, after,
                                   "//h/elsewhere"_s}) > 0);
-        const QString url = api("/public/roster?sessionId=") + session;
-        const Answer answer = ask(url, "GET", "", formType, kind == "stall"_s);
+        const QString url = client.api("/public/roster?sessionId="_s + session);
+        // What stalls is overtaken by what is asked later, and ends with the fault.
+        const auto overtaken = [&] { return ask(streaming("//preview/live")).status == 200; };
+        const Answer answer = client.ask(url, "GET", "", ServiceClient::formType,
+                                         kind == "stall"_s ? overtaken : std::function<bool()>());
         QString found = answer.end;
         if (found.isEmpty())
             found = answer.body.isEmpty() ? "empty" : answer.json().isEmpty() ? "not JSON" : "JSON";
@@ -239,7 +176,8 @@ private slots:
                 socket->connectToHost(url.host(), quint16(url.port()));
                 socket->write("GET " + url.toEncoded(QUrl::RemoveScheme | QUrl::RemoveAuthority) +
                               " HTTP/1.1\r\nHost: x\r\n\r\n");
-                QTRY_VERIFY_WITH_TIMEOUT(socket->bytesAvailable() > 20'000, deadline);
+                QTRY_VERIFY_WITH_TIMEOUT(socket->bytesAvailable() > 20'000,
+                                         ServiceClient::deadline);
             }
             QVERIFY(service.addFault(
                         {kind, "/flv/*"_s, {}, camera.server, camera.camera, -1, 0, 0, {}}) > 0);
@@ -249,81 +187,41 @@ private slots:
                 return missed > 20'000;
             };
             other.readAll();
-            QVERIFY(QTest::qWaitFor(isSilent, deadline));
+            QVERIFY(QTest::qWaitFor(isSilent, ServiceClient::deadline));
             QCOMPARE(hit.state(), kind == "close"_s ? QAbstractSocket::UnconnectedState
                                                     : QAbstractSocket::ConnectedState);
             QVERIFY(service.clearFaults());
-            QTRY_COMPARE_WITH_TIMEOUT(hit.bytesAvailable() > 0, kind == "stall"_s, deadline);
+            QTRY_COMPARE_WITH_TIMEOUT(hit.bytesAvailable() > 0, kind == "stall"_s,
+                                      ServiceClient::deadline);
         }
     }
 
 private:
-    /// Addresses of the service interface, of the streaming one, and of a camera's streams.
-    QString api(const char *path) { return "https://127.0.0.1:%1"_s.arg(service.apiPort()) + path; }
+    /// Addresses of the streaming interface and of a camera's streams.
     QString streaming(const char *path, int camera = 1)
     {
-        return "https://127.0.0.1:%1"_s.arg(service.streamingPort()) + path +
-               queryOf(service.camera(camera));
+        return client.streaming(path + queryOf(service.camera(camera)));
     }
     QString flv(const QString &stream, const DemoCamera &camera)
     {
-        const int port = camera.lan ? service.lanPorts().value(0) : service.flvPort();
-        return "http://127.0.0.1:%1/flv/"_s.arg(port) + stream + queryOf(camera) + "&q=0";
+        return "http://127.0.0.1:%1/flv/"_s.arg(service.flvPort()) + stream + queryOf(camera) +
+               "&q=0";
     }
-    /// A LAN camera takes its server's password for the session.
     QString queryOf(const DemoCamera &camera)
     {
-        const QString password = camera.lan ? service.lanPassword() : session;
-        return "?server=" + (camera.lan ? "1"_s : camera.server) +
-               "&camera=%1&sessionId=%2"_s.arg(camera.camera).arg(password);
+        return "?server=%1&camera=%2&sessionId=%3"_s.arg(camera.server)
+            .arg(camera.camera)
+            .arg(session);
     }
-
-    /// Speaks to the service the way the client does, and trusts its authority alone.
-    Answer ask(const QString &address, const QByteArray &method = "GET",
-               const QByteArray &body = {}, const QByteArray &type = formType, bool stalls = false)
-    {
-        // Qt sends one of several leading slashes; what it will drop is added here.
-        QUrl url(address);
-        const auto lost =
-            url.path().size() - url.adjusted(QUrl::NormalizePathSegments).path().size();
-        url.setPath(QString(lost, '/') + url.path());
-        QNetworkRequest request(url);
-        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-        tls.setCaCertificates(QSslCertificate::fromPath(service.caCertificate()));
-        request.setSslConfiguration(tls);
-        request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-                             QNetworkRequest::ManualRedirectPolicy);
-        request.setHeader(QNetworkRequest::ContentTypeHeader, type);
-        QNetworkAccessManager manager;
-        manager.setProxy(QNetworkProxy::NoProxy);
-        QNetworkReply *reply = manager.sendCustomRequest(request, method, body);
-        const auto status = QNetworkRequest::HttpStatusCodeAttribute;
-        // What stalls is overtaken by what is asked later, and ends with the fault.
-        const bool held = stalls &&
-                          QTest::qWaitFor([&] { return reply->attribute(status).isValid(); }) &&
-                          ask(streaming("//preview/live")).status == 200 && !reply->isFinished() &&
-                          service.clearFaults();
-        Answer answer = {0, "", "never ends"_s};
-        if (QTest::qWaitFor([reply] { return reply->isFinished(); }, deadline))
-            answer.end = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toString();
-        answer.status = reply->attribute(status).toInt();
-        answer.body = reply->readAll();
-        if (reply->error() == QNetworkReply::RemoteHostClosedError)
-            answer.end = answer.body.isEmpty() ? "no answer"_s : "torn"_s;
-        else if (held)
-            answer.end = "held back"_s;
-        return answer;
-    }
+    Answer ask(const QString &address) { return client.ask(address); }
     /// The new session; empty on failure.
     QString signIn()
     {
-        const QByteArray form = "clientType=windows&clientVersion=1.0&login=" +
-                                QUrl::toPercentEncoding(service.email()) +
-                                "&password=" + service.password().toUtf8();
-        return ask(api("/public/sessions"), "POST", form).response()["session_id"].toString();
+        return client.signIn(ServiceClient::account(service.email(), service.password()));
     }
 
     DemoService service;
+    ServiceClient client;
     QString session;
 };
 

@@ -75,7 +75,7 @@ void pollRoster()
 void signIn(const QString &email, const QString &password)
 {
     if (!loginDialog())
-        qobject_cast<App::Application *>(qApp)->startLogin();
+        App::application()->startLogin();
     const auto type = [](const char *field, const QString &text) {
         part<QLineEdit>(loginDialog(), field)->clear();
         QTest::keyClicks(part<QLineEdit>(loginDialog(), field), text);

@@ -83,7 +83,7 @@ private:
     void fillProxyForm(const QString &password)
     {
         if (!loginDialog())
-            qobject_cast<App::Application *>(qApp)->startLogin();
+            App::application()->startLogin();
         part<QRadioButton>(loginDialog(), "proxyChoice")->setChecked(true);
         part<QLineEdit>(loginDialog(), "proxyHost")->setText("127.0.0.1"_s);
         part<QLineEdit>(loginDialog(), "proxyPort")->setText(QString::number(proxyPort));

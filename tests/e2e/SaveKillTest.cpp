@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Test.h"
 
+#include <csignal>
 #include <cstdio>
+
+#include <sys/resource.h>
 
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
@@ -83,6 +86,7 @@ private slots:
                 QJsonArray::fromVariantList(API::Internal::toVariantList(savedLayouts(variant)));
 
         int found[2] = {};
+        int kept = 0;
         const auto mayGoOn = [&](int kill) {
             return kill < killCount() ||
                    (kill < 10 * killCount() && (found[0] == 0 || found[1] == 0));
@@ -105,21 +109,41 @@ private slots:
             const QJsonArray layouts = document.value("layouts"_s).toArray();
             QVERIFY2(layouts == contents[0] || layouts == contents[1], "a mixture");
             ++found[layouts == contents[1] ? 1 : 0];
-            int gaps = 0;
-            bool isAny = false;
-            for (int number = API::Internal::keptLayoutVersions; number > 0; --number) {
+            const int before = qMin(kept, API::Internal::keptLayoutVersions);
+            kept = 0;
+            for (int number = API::Internal::keptLayoutVersions; number >= 0; --number) {
                 QFile version("%1.%2"_s.arg(cacheFile).arg(number));
-                if (!version.open(QIODevice::ReadOnly)) {
-                    QVERIFY2(!isAny || ++gaps <= 1, "a kill loses none but the oldest");
+                if (!version.open(QIODevice::ReadOnly))
                     continue;
-                }
-                isAny = true;
-                const QJsonValue kept =
+                ++kept;
+                const QJsonValue list =
                     QJsonDocument::fromJson(version.readAll()).object().value("layouts"_s);
-                QVERIFY2(kept == contents[0] || kept == contents[1], "a torn or mixed version");
+                QVERIFY2(list == contents[0] || list == contents[1], "a torn or mixed version");
             }
+            QVERIFY2(kept >= before, "a kill loses a version");
         }
         QVERIFY2(found[0] > 0 && found[1] > 0, "the kills fell at one and the same moment");
+    }
+
+    void aWriteThatFailsCostsNoVersion()
+    {
+        const QTemporaryDir folder;
+        const QString cacheFile = folder.filePath("cache"_s);
+        for (int number = 0; number <= API::Internal::keptLayoutVersions; ++number) {
+            QFile file(number == 0 ? cacheFile : "%1.%2"_s.arg(cacheFile).arg(number));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(QStringLiteral(R"({"layouts":[%1]})").arg(number).toUtf8());
+        }
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit before = {};
+        getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit none = {0, before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &none);
+        API::Internal::keepLayoutVersion(cacheFile, "{}");
+        setrlimit(RLIMIT_FSIZE, &before);
+        QFile oldest(cacheFile + ".10");
+        QVERIFY(oldest.open(QIODevice::ReadOnly));
+        QCOMPARE(oldest.readAll(), QByteArray(R"({"layouts":[10]})"));
     }
 };
 

@@ -65,7 +65,7 @@ void ArchiveWorld::setRecords(int id, const QList<API::ArchiveRecord> &records)
 
 API::CameraPtr ArchiveWorld::localCamera(int id)
 {
-    const API::CameraPtr camera = API::CameraPtr::create();
+    API::CameraPtr camera = API::CameraPtr::create();
     camera->setId("127.0.0.1:%1"_s.arg(lan.port()), id);
     camera->setKind(API::LocalCamera);
     return camera;

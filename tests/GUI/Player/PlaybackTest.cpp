@@ -36,7 +36,7 @@ QString asked(const ScriptedChild &child)
 /// What a tile tells of its exports, in words and in order.
 std::shared_ptr<QStringList> exportWords(VideoWidget &tile)
 {
-    const auto words = std::make_shared<QStringList>();
+    auto words = std::make_shared<QStringList>();
     QObject::connect(&tile, &VideoWidget::exportStarted, &tile, [=] { *words << "started"; });
     QObject::connect(&tile, &VideoWidget::exportPercentDone, &tile,
                      [=](int percent) { *words << QString::number(percent); });
@@ -199,6 +199,26 @@ private slots:
         QCOMPARE(stateOf(tile), "Playing"_s);
         door->setFlags(0);
         QCOMPARE(tile.starts().size(), starts + 2);
+    }
+
+    /// Where the program was held up, an end can be noticed before the last words.
+    void aChildThatEndsUnnoticed()
+    {
+        ScriptedTile tile("print state 7\\n|exit 0"_s);
+        QVERIFY(tile.playArchive(noon, noon.addSecs(60)));
+        QFile child("/proc/%1/stat"_s.arg(tile.process().processId()));
+        QDeadlineTimer deadline(30000);
+        QByteArray stat;
+        while (!stat.contains(") Z") && !deadline.hasExpired()) {
+            QThread::msleep(1);
+            QVERIFY(child.open(QIODevice::ReadOnly));
+            stat = child.readAll();
+            child.close();
+        }
+        QEvent isOver(QEvent::SockAct); // the notifier that was made last is that of the end
+        QCoreApplication::sendEvent(tile.process().findChildren<QSocketNotifier *>().last(),
+                                    &isOver);
+        QTRY_COMPARE(stateOf(tile), "Error"_s);
     }
 
     void failuresAreReloaded()
@@ -379,7 +399,7 @@ private:
         QList<API::ArchiveRecord> records;
         for (const QString &span : spans)
             records.append({at(span.section('-', 0, 0)), at(span.section('-', 1, 1))});
-        const API::CameraPtr door = world.loadedCamera(3, day, records);
+        API::CameraPtr door = world.loadedCamera(3, day, records);
         door->setId("abc:8080"_s, 3);
         door->setName("Door"_s);
         door->setSessionId("pass"_s);

@@ -11,7 +11,7 @@ namespace ZorvaneClient::Tests {
 
 API::CameraPtr localCamera(const QString &name)
 {
-    const auto camera = API::CameraPtr::create();
+    auto camera = API::CameraPtr::create();
     camera->setKind(API::LocalCamera);
     camera->setId("127.0.0.1:8080"_s, 3);
     camera->setName(name);
@@ -31,10 +31,16 @@ API::CameraPtr cloudCamera(const QVariantMap &changes)
     return API::CameraPtr::create(&server, json);
 }
 
+void takePointerAway()
+{
+    QCursor::setPos(10000, 10000);
+}
+
 ScriptedTile::ScriptedTile(const QString &script, const API::CameraPtr &camera)
     : VideoWidget(camera)
 {
     setScript(script);
+    takePointerAway();
     resize(320, 240);
     show();
     if (!QTest::qWaitForWindowExposed(this))

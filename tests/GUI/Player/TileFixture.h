@@ -33,6 +33,8 @@ struct ScriptedTile : ScriptedChild, GUI::Player::VideoWidget {
     bool playsLive();
 };
 
+/// Qt 6 tells a window that comes up under the pointer, also on a display without a mouse.
+void takePointerAway();
 /// What the tile writes into the log when it is clicked.
 QString dumpOf(GUI::Player::VideoWidget &tile);
 /// The word for the tile's state.

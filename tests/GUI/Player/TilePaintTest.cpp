@@ -120,43 +120,59 @@ private slots:
         QVERIFY(shaded.value() > 100 && shaded.value() < 200);
     }
 
-    /// "wheel N" and "ctrl N" turn it at the lower right, "drag X Y" begins there.
+    /// "wheel N" and "ctrl N" turn it at the lower right, "drag X Y" begins there, "gone" is the
+    /// picture.
     void closeLook_data()
     {
-        rows<QString, QString, int>({"steps", "seen", "maximised"},
-                                    {{"at rest", "wheel 9", "RGB", 0},
-                                     {"zoomed", "ctrl 36", "WWW", 0},
-                                     {"alone", "alone, wheel 36", "WWW", 0},
-                                     {"and back", "ctrl 9, ctrl -10", "RGB", 0},
-                                     {"moved", "ctrl 36, drag 9000 0", "BBB", 0},
-                                     {"moved twice", "ctrl 36, drag 9000 0, drag 0 9000", "RRR", 0},
-                                     {"reset", "ctrl 36, double", "RGB", 0},
-                                     {"maximised", "double, move -50 -50", "RGB", 1},
-                                     {"both", "ctrl 36, double, double", "RGB", 1},
-                                     {"turned", "ctrl 36, turn", "WBG", 0}});
+        constexpr auto arrow = Qt::ArrowCursor;
+        constexpr auto open = Qt::OpenHandCursor;
+        constexpr auto closed = Qt::ClosedHandCursor;
+        rows<QString, QString, int, Qt::CursorShape>(
+            {"steps", "seen", "maximised", "hand"},
+            {{"at rest", "wheel 9", "RGB", 0, arrow},
+             {"zoomed", "ctrl 36", "WWW", 0, open},
+             {"alone", "alone, wheel 36", "WWW", 0, open},
+             {"and back", "ctrl 9, ctrl -10", "RGB", 0, arrow},
+             {"moved", "ctrl 36, drag 9000 0", "BBB", 0, closed},
+             {"moved twice", "ctrl 36, drag 9000 0, drag 0 9000", "RRR", 0, closed},
+             {"no picture", "ctrl 36, gone", "???", 0, arrow},
+             {"held without it", "ctrl 36, drag 1 0, gone, move -50 -50", "???", 0, arrow},
+             {"held and played on", "ctrl 36, press, gone, live, move 9000 0", "BBB", 0, closed},
+             {"reset", "ctrl 36, double", "RGB", 0, arrow},
+             {"maximised", "double, move -50 -50", "RGB", 1, arrow},
+             {"both", "ctrl 36, double, double", "RGB", 1, arrow},
+             {"turned", "ctrl 36, turn", "WBG", 0, arrow}});
     }
 
     void closeLook()
     {
-        const auto [steps, seen, maximised] = row<QString, QString, int>();
+        const auto [steps, seen, maximised, hand] = row<QString, QString, int, Qt::CursorShape>();
         ScriptedTile tile(corners);
         turnWheel(tile, {5, 5}, 9, Qt::ControlModifier); // there is nothing to zoom yet
         QVERIFY(tile.playsLive());
         QSignalSpy asked(&tile, &VideoWidget::maximiseRequested);
+        QSignalSpy dragged(&tile, &VideoWidget::dragStarting);
+        connect(&tile, &VideoWidget::dragStarting,
+                [] { QTimer::singleShot(0, [] { QDrag::cancel(); }); });
         const QPoint place(319, 239);
         for (const QString &step : steps.split(", "_s)) {
             const QStringList words = step.split(' ') << "0"_s;
             const QString &what = words.first();
             const QPoint to = place + QPoint(words.at(1).toInt(), words.value(2).toInt());
-            if (what == "drag"_s)
+            if (what == "drag"_s || what == "press"_s)
                 QTest::mousePress(&tile, Qt::LeftButton, Qt::NoModifier, place);
-            QMouseEvent move(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+            QMouseEvent move(QEvent::MouseMove, to, tile.mapToGlobal(to), Qt::NoButton,
+                             Qt::LeftButton, Qt::NoModifier);
             if (what == "drag"_s || what == "move"_s)
                 QApplication::sendEvent(&tile, &move);
             if (what == "double"_s) {
                 QTest::mouseDClick(&tile, Qt::RightButton, Qt::NoModifier, place);
                 QTest::mouseDClick(&tile, Qt::LeftButton, Qt::NoModifier, place);
             }
+            if (what == "gone"_s)
+                tile.stop();
+            if (what == "live"_s)
+                QVERIFY(tile.playsLive());
             if (what == "turn"_s)
                 tile.camera()->setRotation(180);
             tile.setAlone(what == "alone"_s || steps.startsWith("alone"_s));
@@ -169,6 +185,8 @@ private slots:
                          letterAt(onScreen(tile), {80, 180}),
                      seen);
         QCOMPARE(asked.size(), maximised);
+        QCOMPARE(tile.cursor().shape(), hand);
+        QCOMPARE(dragged.size(), 0);
     }
 
     void nameTag()
@@ -358,6 +376,7 @@ private slots:
     void hints()
     {
         QDesktopServices::setUrlHandler("file"_s, this, "rememberUrl");
+        QImage icons[2];
         for (const QString &way : {"by itself"_s, "button"_s, "link"_s}) {
             QWidget parent;
             parent.setStyleSheet("background: black;"_s);
@@ -372,6 +391,7 @@ private slots:
             QCOMPARE(hint.geometry(), QRect(10, 10, 355, 40));
             const QColor seen = parent.grab().toImage().pixelColor(187, 12);
             QCOMPARE(seen.red() > seen.blue(), isError);
+            icons[isError] = hint.findChild<QLabel *>("pixmapLabel"_s)->grab().toImage();
 
             if (way == "link"_s)
                 emit hint.findChild<QLabel *>("messageLabel"_s)->linkActivated("/tmp/a b"_s);
@@ -385,6 +405,7 @@ private slots:
             QCOMPARE(closed.size(), 1);
             QCOMPARE(hint.pos(), QPoint(10, slides ? 50 : 10));
         }
+        QVERIFY(icons[false] != icons[true]);
         QDesktopServices::unsetUrlHandler("file"_s);
         QCOMPARE(opened, QList<QUrl>{QUrl::fromLocalFile("/tmp/a b"_s)});
     }

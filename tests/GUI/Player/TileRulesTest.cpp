@@ -5,6 +5,7 @@
 #include "GUI/Player/FrameFile.h"
 #include "GUI/Player/PictureGeometry.h"
 #include "GUI/Player/PlayerOutput.h"
+#include "GUI/Player/ScaledPicture.h"
 #include "GUI/Player/TilePainter.h"
 #include "GUI/Player/TileState.h"
 #include "GUI/Player/Watchdog.h"
@@ -154,6 +155,32 @@ private slots:
         }
     }
 
+    /// Painted band by band, a picture is the one that is painted at once, and clips stay.
+    void bands()
+    {
+        QImage frame(96, 90, QImage::Format_RGB32);
+        for (int i = 0; i < frame.width() * frame.height(); ++i)
+            frame.setPixel(i % 96, i / 96, QRandomGenerator::global()->generate());
+        for (const qreal scale : {1., 1.5, 2.}) {
+            for (const QRectF part : {QRectF(0, 0, 96, 90), QRectF(20.5, 40.25, 30, 37.5)}) {
+                QImage banded(QSize(150, 150) * scale, QImage::Format_RGB32);
+                banded.setDevicePixelRatio(scale);
+                banded.fill(Qt::magenta);
+                QImage whole = banded;
+                for (QImage *tile : {&banded, &whole}) {
+                    QPainter painter(tile);
+                    painter.setClipRect(10, 0, 130, 140);
+                    const QRect target(7, 13, 131, 129);
+                    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+                    tile == &banded ? drawScaled(painter, target, frame, part)
+                                    : painter.drawImage(QRectF(target), frame, part);
+                    painter.fillRect(0, 0, 150, 5, Qt::white);
+                }
+                QCOMPARE(banded, whole);
+            }
+        }
+    }
+
     /// A frame without alpha is opaque however it is turned, on background alone.
     void paintedTile()
     {
@@ -245,6 +272,9 @@ private slots:
         QVERIFY(judge(State::Error, true, 3, 99) == Verdict::Wait);
         QVERIFY(judge(State::Error, true, 4, 99) == Verdict::Reload);
         QVERIFY(judge(State::Error, false, 99, 11, 2) == Verdict::Reload);
+        // After the wall clock was set back.
+        QVERIFY(judge(State::Playing, false, -3600, -3600) == Verdict::Reload);
+        QVERIFY(judge(State::Error, true, -4, -10) == Verdict::Wait);
         QVERIFY(judge(State::Error, true, 0, 0, 3) == Verdict::GiveUp);
         QVERIFY(judge(State::Playing, false, 0, 0, 4) == Verdict::GiveUp);
     }

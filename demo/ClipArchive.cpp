@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#include "demo/ClipArchive.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "service/LocalTime.h"
+
+namespace ZorvaneDemo {
+
+ClipArchive::ClipArchive(ClipCursor clips) : cursor(std::move(clips))
+{
+}
+
+std::optional<std::int64_t> ClipArchive::seek(const Record &record, std::int64_t momentMs)
+{
+    // A picture needs the key frame of its second, unless that was before the record began.
+    const std::int64_t first = cursor.seek(std::max(momentMs, record.startMs));
+    return first < record.startMs ? cursor.seek(first + secondMs) : first;
+}
+
+MediaSource::Outcome ClipArchive::read(MediaPacket *packet)
+{
+    cursor.read(packet);
+    return Outcome::Packet;
+}
+
+} // namespace ZorvaneDemo

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+#include "service/Accounts.h"
+
+#include <openssl/rand.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <fstream>
+#include <stdexcept>
+#include <utility>
+
+#include "service/OwnerFile.h"
+#include "service/PasswordGuard.h"
+
+namespace ZorvaneService {
+
+namespace {
+
+std::string randomId()
+{
+    std::array<unsigned char, 16> random{};
+    if (RAND_bytes(random.data(), static_cast<int>(random.size())) != 1)
+        throw std::runtime_error("no random numbers");
+    std::string text;
+    for (const unsigned char byte : random) {
+        char hex[3];
+        std::snprintf(hex, sizeof hex, "%02x", byte);
+        text += hex;
+    }
+    return text;
+}
+
+nlohmann::json emptyDocument()
+{
+    return {{"last_update", 0}, {"layouts", nlohmann::json::array()}};
+}
+
+} // namespace
+
+Accounts::Accounts(std::string accountEmail, std::string accountPassword, std::string file)
+    : email(std::move(accountEmail))
+    , password(std::move(accountPassword))
+    , stateFile(std::move(file))
+    , document(emptyDocument())
+{
+    std::ifstream in(stateFile);
+    if (!in)
+        return;
+    const auto stored = nlohmann::json::parse(in, nullptr, false);
+    if (!stored.is_object() || !stored.contains(email) || !stored[email].is_object())
+        return;
+    document = stored[email];
+    for (const auto &session : document.value("sessions", nlohmann::json::array())) {
+        if (session.is_string())
+            sessions.insert(session.get<std::string>());
+    }
+    document.erase("sessions");
+}
+
+bool Accounts::isAccount(const std::string &givenEmail, const std::string &givenPassword) const
+{
+    const bool emailIsRight = PasswordGuard::areEqual(givenEmail, email);
+    return PasswordGuard::areEqual(givenPassword, password) && emailIsRight;
+}
+
+std::string Accounts::newSession()
+{
+    const std::string session = randomId();
+    const std::lock_guard<std::mutex> lock(mutex);
+    sessions.insert(session);
+    store();
+    return session;
+}
+
+bool Accounts::signOut(const std::string &session)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    const bool known = sessions.erase(session) > 0;
+    if (known)
+        store();
+    return known;
+}
+
+bool Accounts::isSignedIn(const std::string &session) const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return sessions.count(session) > 0;
+}
+
+void Accounts::dropSessions()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    sessions.clear();
+    store();
+}
+
+nlohmann::json Accounts::layouts() const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    return document;
+}
+
+void Accounts::saveLayouts(const nlohmann::json &list)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    document = {{"last_update", static_cast<std::int64_t>(std::time(nullptr))}, {"layouts", list}};
+    store();
+}
+
+void Accounts::store() const
+{
+    nlohmann::json stored = nlohmann::json::object();
+    if (std::ifstream in(stateFile); in) {
+        const auto before = nlohmann::json::parse(in, nullptr, false);
+        if (before.is_object())
+            stored = before;
+    }
+    stored[email] = document;
+    stored[email]["sessions"] = sessions;
+    if (!writeOwnerFile(stateFile, stored.dump(2) + '\n'))
+        std::fprintf(stderr, "%s: cannot write %s\n", program_invocation_short_name,
+                     stateFile.c_str());
+}
+
+} // namespace ZorvaneService

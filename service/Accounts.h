@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <atomic>
+#include <mutex>
+#include <set>
+#include <string>
+
+namespace ZorvaneService {
+
+/// The one account, and what the service keeps for it across restarts: its sessions and its
+/// layouts. Safe to use from any thread.
+class Accounts
+{
+public:
+    Accounts(std::string email, std::string password, std::string stateFile);
+
+    bool isAccount(const std::string &givenEmail, const std::string &givenPassword) const;
+    /// Its id.
+    std::string newSession();
+    /// False when there is no such session.
+    bool signOut(const std::string &session);
+    bool isSignedIn(const std::string &session) const;
+    void dropSessions();
+    /// Whether who wants to sign in is turned away, whatever the password.
+    void setRefused(bool refused) { signInRefused = refused; }
+    bool isRefused() const { return signInRefused; }
+
+    /// `{last_update, layouts}` as stored, or an empty list of age 0.
+    nlohmann::json layouts() const;
+    /// Stores the list and stamps it with the present second.
+    void saveLayouts(const nlohmann::json &list);
+
+private:
+    /// Writes all that is kept; the caller holds the lock.
+    void store() const;
+
+    std::string email;
+    std::string password;
+    std::string stateFile;
+    std::atomic<bool> signInRefused{false};
+    mutable std::mutex mutex;
+    std::set<std::string> sessions;
+    nlohmann::json document;
+};
+
+} // namespace ZorvaneService

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "service/OwnerFile.h"
+
+#include <cstdio>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ZorvaneService {
+
+bool writeOwnerFile(const std::string &fileName, const std::string &content)
+{
+    const std::string temporary = fileName + ".new";
+    const int file = open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    if (file < 0)
+        return false;
+    // One left by an earlier run may be open to others.
+    bool good = fchmod(file, 0600) == 0;
+    for (std::size_t written = 0; good && written < content.size();) {
+        const ssize_t count = write(file, content.data() + written, content.size() - written);
+        good = count > 0;
+        written += good ? static_cast<std::size_t>(count) : 0;
+    }
+    good = good && fsync(file) == 0;
+    good = close(file) == 0 && good;
+    return good && std::rename(temporary.c_str(), fileName.c_str()) == 0;
+}
+
+} // namespace ZorvaneService

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+namespace ZorvaneService {
+
+/// Writes a file that its owner alone may read, beside its name first: a crash or a full disk
+/// leaves the old content or the new one. False, with errno, on failure.
+bool writeOwnerFile(const std::string &fileName, const std::string &content);
+
+} // namespace ZorvaneService

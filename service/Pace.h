@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+
+#include "service/LocalTime.h"
+
+namespace ZorvaneService {
+
+/// Says when what is played is to be sent.
+class Pace
+{
+public:
+    /// What is before `startMs` is due at once.
+    Pace(std::int64_t startMs, int playSpeed) : firstMs(startMs), speed(playSpeed) {}
+
+    /// Blocks until `momentMs` is due; what isn't recorded yet is waited for.
+    void await(std::int64_t momentMs);
+
+private:
+    const std::int64_t firstMs;
+    const int speed;
+    std::int64_t beganMs = nowMs();
+};
+
+} // namespace ZorvaneService

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+
+#include "service/Access.h"
+
+namespace ZorvaneService {
+
+/// Looks whether a camera may still be seen: when the roster changes, and once a second.
+class Watch
+{
+public:
+    Watch(const RosterSource &source, const Access &rules, HttpRequest of, Access::Need what);
+
+    /// True when it is time to look.
+    bool isDue();
+    bool isAllowed() const { return access.check(request, need).isGranted(); }
+
+private:
+    const RosterSource &roster;
+    const Access &access;
+    const HttpRequest request;
+    const Access::Need need;
+    std::uint64_t generation;
+    std::int64_t checkedMs;
+};
+
+} // namespace ZorvaneService

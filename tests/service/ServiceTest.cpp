@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/Test.h"
+
+#include "App/ServiceProfile.h"
+#include "App/SettingsKeys.h"
+#include "service/ClientFiles.h"
+#include "service/HttpServer.h"
+#include "service/PasswordGuard.h"
+
+using namespace ZorvaneService;
+using namespace std::chrono_literals;
+
+/// What the library does to peers that ask for too much, and for those it is made for.
+class ServiceTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        HttpLimits limits;
+        limits.headerBytes = 2000;
+        limits.bodyBytes = 3000;
+        patient = portWith(limits);
+        limits.idleTime = limits.requestTime = 300ms;
+        hasty = portWith(limits);
+        QVERIFY(patient != 0 && hasty != 0);
+    }
+
+    /// "[n]" stands for so many letters. Who asks to close is waited for.
+    void requests_data()
+    {
+        rows<QByteArray, QByteArray, QByteArray, QByteArray>(
+            {"first", "rest", "status", "end"},
+            {{"good", "POST / HTTP/1.1\r\nConnection: close\r\n",
+              "Content-Length: 2900\r\n\r\n[2900]", "200 OK", "2900 bytes"},
+             {"long headers", "GET / HTTP/1.1\r\nConnection: close\r\n", "A: [1900]\r\n\r\n",
+              "200 OK", "0 bytes"},
+             {"too long headers", "GET / HTTP/1.1\r\nConnection: close\r\n",
+              "A: [1000]\r\nB: [1000]\r\n\r\n", "400 Bad Request", ""},
+             {"endless first line", "GET /[9000]", "", "", ""},
+             {"large body", "POST / HTTP/1.1\r\nConnection: close\r\n",
+              "Content-Length: 3001\r\n\r\n[3001]", "413 Payload Too Large", ""},
+             {"endless chunks", "POST / HTTP/1.1\r\nConnection: close\r\n",
+              "Transfer-Encoding: chunked\r\n\r\n1800\r\n[6144]\r\n", "400 Bad Request", ""},
+             {"many ranges", "GET / HTTP/1.1\r\nConnection: close\r\n",
+              "Range: bytes=0-1,0-1,0-1\r\n\r\n", "200 OK", "0 bytes"},
+             {"silence", "", "", "", ""},
+             {"half a request", "GET / HTTP/1.1\r\n", "A: b", "400 Bad Request", ""},
+             {"half a body", "POST / HTTP/1.1\r\n", "Content-Length: 9\r\n\r\nab",
+              "400 Bad Request", ""}});
+    }
+
+    void requests()
+    {
+        auto [first, rest, status, end] = row<QByteArray, QByteArray, QByteArray, QByteArray>();
+        QByteArray sent = first + rest;
+        for (const int letters : {1000, 1900, 2900, 3001, 6144, 9000})
+            sent.replace("[" + QByteArray::number(letters) + "]", QByteArray(letters, 'a'));
+        const auto socket = connected(sent.contains("close") ? patient : hasty);
+        socket->write(sent);
+        QTRY_COMPARE(socket->state(), QAbstractSocket::UnconnectedState);
+        const QByteArray reply = socket->readAll();
+        QCOMPARE(reply.left(reply.indexOf('\r')).mid(9), status);
+        QVERIFY2(reply.endsWith(end), reply);
+    }
+
+    void onePeerTooMany()
+    {
+        HttpLimits limits;
+        limits.connections = 2;
+        limits.idleTime = 1h;
+        const quint16 port = portWith(limits);
+        const auto answers = [](QTcpSocket &socket) {
+            socket.write("GET / HTTP/1.1\r\n\r\n");
+            return QTest::qWaitFor([&] {
+                       return socket.bytesAvailable() > 0 ||
+                              socket.state() != QAbstractSocket::ConnectedState;
+                   }) &&
+                   socket.bytesAvailable() > 0;
+        };
+        const auto first = connected(port);
+        const auto second = connected(port);
+        QVERIFY(answers(*first) && answers(*second));
+        QVERIFY(!answers(*connected(port)));
+        first->disconnectFromHost();
+        QVERIFY(QTest::qWaitFor([&] { return answers(*connected(port)); }));
+    }
+
+    /// "right", "wrong" and seconds that pass, and what came of each password.
+    void wrongPasswords_data()
+    {
+        rows<QString, QString>(
+            {"given", "outcomes"},
+            {{"some are forgiven", "wrong wrong right wrong wrong right", "001001"},
+             {"locked", "wrong wrong wrong right 59 right", "00000"},
+             {"opened again", "wrong wrong wrong 60 right", "0001"},
+             {"long ago", "wrong wrong 60 wrong right", "0001"}});
+    }
+
+    void wrongPasswords()
+    {
+        const auto [given, outcomes] = row<QString, QString>();
+        PasswordGuard guard({0ms, 3, 60s});
+        PasswordGuard::Clock::time_point now;
+        QString found;
+        for (const QString &word : given.split(' ')) {
+            if (word.toInt() > 0)
+                now += std::chrono::seconds(word.toInt());
+            else
+                found += guard.judge("peer", word == "right"_s, now) ? '1' : '0';
+        }
+        QCOMPARE(found, outcomes);
+        QVERIFY(guard.judge("other", true, now));
+    }
+
+    void clientFindsItsService()
+    {
+        ClientFiles files;
+        files.host = "127.0.0.1";
+        files.apiPort = files.streamingPort = 8443;
+        files.flvPort = 8080;
+        Server house;
+        house.id = "127.0.0.1:8080";
+        house.lan = true;
+        house.password = "pass";
+        QVERIFY(files.write("client", {{house, {}}}));
+        QVERIFY(ClientFiles::writeAccount("client", "home", "a\\b\"c;d=%e"));
+        QVERIFY(ClientFiles::writeAccount("client", "home", "another"));
+        for (const QFileInfo &file : QDir("client").entryInfoList(QDir::Files))
+            QCOMPARE(file.permissions(), QFile::Permissions(0x6600));
+
+        const auto profile = App::ServiceProfile::fromFile("client/service.ini");
+        QCOMPARE(profile.apiPort, 8443);
+        QCOMPARE(profile.flvHost, "127.0.0.1:8080"_s);
+        QFile roster("client/local_roster.txt");
+        QVERIFY(roster.open(QIODevice::ReadOnly));
+        const QJsonValue first = QJsonDocument::fromJson(roster.readAll())[0];
+        QCOMPARE(first["port"].toInt(), 8080);
+        const QSettings settings("client/ZorvaneClient.ini", QSettings::IniFormat);
+        QCOMPARE(settings.value(App::SettingsKey::password).toString(), "a\\b\"c;d=%e"_s);
+        QVERIFY(settings.value(App::SettingsKey::saveAuth).toBool());
+    }
+
+private:
+    /// Of a server that tells how long a request's body was. It is never released: its threads
+    /// don't end.
+    static quint16 portWith(const HttpLimits &limits)
+    {
+        auto *server = new HttpServer(
+            "test",
+            [](const HttpRequest &request) {
+                HttpReply reply;
+                reply.body = std::to_string(request.body.size()) + " bytes";
+                return reply;
+            },
+            nullptr, limits);
+        const int port = server->bind(0);
+        server->start();
+        return quint16(port);
+    }
+    static std::unique_ptr<QTcpSocket> connected(quint16 port)
+    {
+        auto socket = std::make_unique<QTcpSocket>();
+        socket->connectToHost(QHostAddress::LocalHost, port);
+        socket->waitForConnected();
+        return socket;
+    }
+
+    quint16 patient = 0;
+    quint16 hasty = 0;
+};
+
+QTEST_GUILESS_MAIN(ServiceTest)
+#include "ServiceTest.moc"
