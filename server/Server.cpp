@@ -18,30 +18,6 @@ std::vector<std::string> namesOf(const std::vector<Configuration::Camera> &camer
     return names;
 }
 
-class NoArchive : public ZorvaneService::ArchiveCatalogue
-{
-    std::vector<ZorvaneService::Record> records(const ZorvaneService::CameraId &, std::int64_t,
-                                                std::int64_t) const override
-    {
-        return {};
-    }
-};
-
-class NoMedia : public ZorvaneService::MediaLibrary
-{
-    std::unique_ptr<ZorvaneService::LiveSource> live(const ZorvaneService::CameraId &,
-                                                     int) const override
-    {
-        return nullptr;
-    }
-    std::unique_ptr<ZorvaneService::ArchiveSource> archive(const ZorvaneService::CameraId &, int,
-                                                           int) const override
-    {
-        return nullptr;
-    }
-    std::string preview(const ZorvaneService::CameraId &, int) const override { return {}; }
-};
-
 } // namespace
 
 Server::Server(const Configuration &given, const StateFolder &state, const std::string &password)
@@ -73,10 +49,12 @@ Server::Server(const Configuration &given, const StateFolder &state, const std::
             std::make_unique<Capture>(streams[i].id.text(), streams[i].source,
                                       [this, i](PacketPtr packet) { take(i, std::move(packet)); }));
     }
-    static const NoArchive archive;
-    static const NoMedia media;
+    rings = std::make_unique<LiveRings>(ids);
+    const auto nameOf = [this](const HouseRoster::CameraId &id) { return roster.nameOf(id); };
+    archive = std::make_unique<HouseArchive>(catalogue, nameOf);
+    media = std::make_unique<HouseMedia>(folder, catalogue, *rings, nameOf);
     service = std::make_unique<HouseService>(configuration.service, state, password, roster,
-                                             archive, media);
+                                             *archive, *media);
 }
 
 /// On the thread of the stream's capture.
@@ -90,6 +68,7 @@ void Server::take(std::size_t stream, PacketPtr packet)
             roster.setSize(streams[stream].camera, {format->width, format->height});
     }
     formats[stream] = format;
+    rings->find(streams[stream].id)->put(packet);
     recorder->take(stream, std::move(packet));
 }
 

@@ -9,9 +9,12 @@
 #include "server/Capture.h"
 #include "server/Catalogue.h"
 #include "server/Configuration.h"
+#include "server/HouseArchive.h"
+#include "server/HouseMedia.h"
 #include "server/HouseRoster.h"
 #include "server/HouseService.h"
 #include "server/Keeper.h"
+#include "server/LiveRings.h"
 #include "server/Recorder.h"
 #include "server/StateFolder.h"
 #include "server/Status.h"
@@ -56,9 +59,12 @@ private:
     std::vector<Stream> streams;
     std::vector<FormatPtr> formats; ///< by stream, each of its capture's thread
     std::vector<std::unique_ptr<StreamMeter>> meters;
+    std::unique_ptr<LiveRings> rings;
     std::unique_ptr<Keeper> keeper;
     std::unique_ptr<Recorder> recorder;
     std::vector<std::unique_ptr<Capture>> captures;
+    std::unique_ptr<HouseArchive> archive;
+    std::unique_ptr<HouseMedia> media;
     std::unique_ptr<HouseService> service;
 };
 
