@@ -19,13 +19,19 @@ Catalogue::Segment Catalogue::Entry::segment() const
     return {name, bytes, endMs()};
 }
 
+std::vector<Catalogue::Entry>::const_iterator
+Catalogue::Stream::firstFrom(std::int64_t startMs) const
+{
+    return std::lower_bound(
+        entries.begin(), entries.end(), startMs,
+        [](const Entry &one, std::int64_t moment) { return one.startMs < moment; });
+}
+
 /// The first entry that can end after the moment; most before it in the list end earlier.
 std::vector<Catalogue::Entry>::const_iterator
 Catalogue::Stream::firstEndingAfter(std::int64_t momentMs) const
 {
-    auto entry = std::lower_bound(
-        entries.begin(), entries.end(), momentMs - longestMs,
-        [](const Entry &one, std::int64_t startMs) { return one.startMs < startMs; });
+    auto entry = firstFrom(momentMs - longestMs);
     while (entry != entries.end() && entry->endMs() <= momentMs)
         ++entry;
     return entry;
@@ -34,9 +40,7 @@ Catalogue::Stream::firstEndingAfter(std::int64_t momentMs) const
 std::vector<Catalogue::Entry>::iterator
 Catalogue::Stream::find(std::int64_t startMs, bool isGrowing, std::uint32_t lengthMs)
 {
-    auto entry = std::lower_bound(
-        entries.begin(), entries.end(), startMs,
-        [](const Entry &one, std::int64_t moment) { return one.startMs < moment; });
+    auto entry = entries.begin() + (firstFrom(startMs) - entries.begin());
     for (; entry != entries.end() && entry->startMs == startMs; ++entry) {
         if (entry->isGrowing == isGrowing && (isGrowing || entry->lengthMs == lengthMs))
             return entry;
@@ -141,6 +145,7 @@ std::vector<Record> Catalogue::recordsOf(const Stream &stream, std::int64_t from
             found.back().endMs = std::max(found.back().endMs, entry->endMs());
         else
             found.push_back({entry->startMs, entry->endMs()});
+        found.back().isGrowing |= entry->isGrowing;
     }
     return found;
 }
@@ -187,6 +192,19 @@ std::optional<Catalogue::Segment> Catalogue::segmentFrom(const StreamId &id,
     if (best == entries.end())
         return {};
     return best->segment();
+}
+
+std::optional<Catalogue::Segment> Catalogue::segmentAt(const StreamId &id,
+                                                       std::int64_t startMs) const
+{
+    const Lock lock(mutex);
+    const auto stream = streams.find(id);
+    if (stream == streams.end())
+        return {};
+    const auto entry = stream->second.firstFrom(startMs);
+    if (entry == stream->second.entries.end() || entry->startMs != startMs)
+        return {};
+    return entry->segment();
 }
 
 std::optional<std::pair<StreamId, Catalogue::Segment>> Catalogue::oldest() const

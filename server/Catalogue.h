@@ -17,6 +17,7 @@ namespace ZorvaneServer {
 struct Record {
     std::int64_t startMs;
     std::int64_t endMs;
+    bool isGrowing = false; ///< one of its segments is still being written
 };
 
 /// What the archive holds, made of the names of its files. Any thread may ask and tell.
@@ -53,6 +54,8 @@ public:
                                     const std::vector<std::int64_t> &boundaries) const;
     /// The segment that holds the moment, or else the first one behind it.
     std::optional<Segment> segmentFrom(const StreamId &stream, std::int64_t momentMs) const;
+    /// The segment that begins exactly then.
+    std::optional<Segment> segmentAt(const StreamId &stream, std::int64_t startMs) const;
     /// The finished segment that ended first, of all streams.
     std::optional<std::pair<StreamId, Segment>> oldest() const;
     /// Finished segments whose size isn't known yet.
@@ -75,6 +78,7 @@ private:
         std::vector<Entry> entries; ///< by start
         std::int64_t longestMs = 0;
 
+        std::vector<Entry>::const_iterator firstFrom(std::int64_t startMs) const;
         std::vector<Entry>::const_iterator firstEndingAfter(std::int64_t momentMs) const;
         std::vector<Entry>::iterator find(std::int64_t startMs, bool isGrowing,
                                           std::uint32_t lengthMs);

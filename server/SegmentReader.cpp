@@ -68,17 +68,26 @@ bool SegmentReader::seek(std::int64_t timeMs)
 PacketPtr SegmentReader::next()
 {
     const auto block = walk.next();
-    if (!block)
-        return nullptr;
+    return block ? packetOf(*block) : nullptr;
+}
+
+PacketPtr SegmentReader::keyPicture(const KeyFrame &keyFrame)
+{
+    const auto block = BlockWalk(window, keyFrame.offset).next();
+    return block && block->isKeyPicture() ? packetOf(*block) : nullptr;
+}
+
+PacketPtr SegmentReader::packetOf(const Block &block) const
+{
     auto packet = std::make_shared<MediaPacket>();
-    packet->track = block->track;
-    packet->isKey = block->isKey;
-    packet->momentMs = head.startMs + block->timeMs;
+    packet->track = block.track;
+    packet->isKey = block.isKey;
+    packet->momentMs = head.startMs + block.timeMs;
     packet->format = streamFormat;
-    packet->data.resize(block->size);
+    packet->data.resize(block.size);
     const ssize_t got =
-        pread(file.get(), packet->data.data(), block->size, static_cast<off_t>(block->offset));
-    return got == static_cast<ssize_t>(block->size) ? packet : nullptr;
+        pread(file.get(), packet->data.data(), block.size, static_cast<off_t>(block.offset));
+    return got == static_cast<ssize_t>(block.size) ? packet : nullptr;
 }
 
 } // namespace ZorvaneServer

@@ -30,9 +30,12 @@ public:
     bool seek(std::int64_t timeMs);
     /// The packet that follows, and its place in time as a moment; null at the end.
     PacketPtr next();
+    /// The picture of one of `keyFrames()`; null when it can't be read.
+    PacketPtr keyPicture(const KeyFrame &keyFrame);
 
 private:
     SegmentReader(Descriptor file, SegmentHead head);
+    PacketPtr packetOf(const Block &block) const;
 
     Descriptor file;
     SegmentHead head;

@@ -22,6 +22,7 @@ class ServerRecordingTest : public QObject
     {
         QFile file(folder.filePath("conf"));
         QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(serviceSection(folder.filePath("state")).toUtf8());
         file.write("[archive]\nkeep_free = 0%\nfolder = "_s.toUtf8() + archive().toUtf8() + "\n" +
                    cameras.toUtf8());
         file.close();
