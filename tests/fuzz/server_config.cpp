@@ -32,10 +32,9 @@ void tryInput(const QByteArray &input)
     for (const std::string &error : configuration.errors)
         check(error.rfind("file:", 0) == 0 && error.find('\n') == std::string::npos);
     for (const Configuration::Camera &camera : configuration.cameras) {
-        check(camera.name.find('/') == std::string::npos);
         tryAddress(camera.main);
         if (configuration.errors.empty())
-            check(!camera.name.empty() && !camera.main.scheme().empty());
+            check(camera.name.find('/') == std::string::npos && !camera.main.scheme().empty());
     }
     tryAddress({input.toStdString()});
 }
