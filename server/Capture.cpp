@@ -136,9 +136,8 @@ bool Capture::takePicture(const CaptureInput &input, const AVPacket &packet, Pac
     if (maker.format() != before)
         Log::say(name + ": " + describe(*maker.format()));
     lastPicture = steadyTime();
-    const auto moment =
-        clock.place({input.stampOf(packet), lastPicture, wallTime(), picture->isKey});
-    send(std::move(*picture), moment + input.delayOf(packet));
+    const auto moment = clock.place({input.stamp(), lastPicture, wallTime(), picture->isKey});
+    send(std::move(*picture), moment + input.delay());
     return true;
 }
 
@@ -147,7 +146,7 @@ void Capture::takeSound(const CaptureInput &input, const AVPacket &packet, const
     if (clock.runs() == 0)
         return;
     if (auto sound = maker.sound(packet)) {
-        const Arrival arrival{input.stampOf(packet), steadyTime(), wallTime()};
+        const Arrival arrival{input.stamp(), steadyTime(), wallTime()};
         send(std::move(*sound), soundClock.place(arrival, clock));
     }
 }

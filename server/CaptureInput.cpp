@@ -86,8 +86,9 @@ AVPacket *CaptureInput::read()
     // Some sources tell their streams only with the first packets.
     if (!videoStream || (!soundStream && source.withSound))
         chooseStreams();
+    readTimes();
     if (source.isFile())
-        waitFor(stampOf(*packet));
+        waitForTime();
     return packet.get();
 }
 
@@ -99,40 +100,45 @@ bool CaptureInput::readLooped()
            avformat_seek_file(format.get(), -1, INT64_MIN, 0, 0, AVSEEK_FLAG_BACKWARD) >= 0;
 }
 
-void CaptureInput::waitFor(microseconds stamp)
+void CaptureInput::waitForTime()
 {
     if (!firstStamp) {
-        firstStamp = stamp;
-        begun = steadyTime() - stamp;
+        firstStamp = decoded;
+        begun = steadyTime() - decoded;
     }
     if (packet->stream_index == (videoStream ? videoStream->index : 0)) {
-        const AVRational base = format->streams[packet->stream_index]->time_base;
-        const microseconds length(av_rescale_q(packet->duration, base, microsecondBase));
-        latestEnd = std::max(latestEnd, stamp + (length > 0us ? length : usualPicture));
+        const microseconds length = timeOf(packet->duration);
+        latestEnd = std::max(latestEnd, decoded + (length > 0us ? length : usualPicture));
     }
     for (microseconds left = 1us; left > 0us && !isOver();) {
-        left = begun + stamp - steadyTime();
+        left = begun + decoded - steadyTime();
         if (left > 0us)
             std::this_thread::sleep_for(std::min(left, longestNap));
     }
 }
 
-microseconds CaptureInput::stampOf(const AVPacket &one) const
+microseconds CaptureInput::timeOf(std::int64_t units) const
 {
-    const std::int64_t stamp = one.dts != AV_NOPTS_VALUE ? one.dts : one.pts;
-    if (stamp == AV_NOPTS_VALUE)
-        return loopOffset;
-    const AVRational base = format->streams[one.stream_index]->time_base;
-    return loopOffset + microseconds(av_rescale_q(stamp, base, microsecondBase));
+    const AVRational base = format->streams[packet->stream_index]->time_base;
+    return microseconds(av_rescale_q(units, base, microsecondBase));
 }
 
-microseconds CaptureInput::delayOf(const AVPacket &one) const
+void CaptureInput::readTimes()
 {
-    if (one.dts == AV_NOPTS_VALUE || one.pts == AV_NOPTS_VALUE)
-        return 0us;
-    const AVRational base = format->streams[one.stream_index]->time_base;
-    const microseconds delay(av_rescale_q(one.pts - one.dts, base, microsecondBase));
-    return std::clamp(delay, 0us, longestDelay);
+    const bool isPicture = videoStream && packet->stream_index == videoStream->index;
+    shownLater = 0us;
+    if (packet->dts == AV_NOPTS_VALUE && packet->pts == AV_NOPTS_VALUE) {
+        decoded = loopOffset;
+    } else if (packet->pts == AV_NOPTS_VALUE) {
+        decoded = loopOffset + timeOf(packet->dts);
+    } else {
+        const microseconds shown = loopOffset + timeOf(packet->pts);
+        if (packet->dts != AV_NOPTS_VALUE)
+            decoded = loopOffset + timeOf(packet->dts);
+        else
+            decoded = isPicture ? order.place(shown) : shown;
+        shownLater = std::clamp(shown - decoded, -DecodingOrder::farthest, longestDelay);
+    }
 }
 
 } // namespace ZorvaneServer

@@ -8,6 +8,7 @@
 
 #include "server/AvHandles.h"
 #include "server/CameraSource.h"
+#include "server/DecodingOrder.h"
 
 namespace ZorvaneServer {
 
@@ -31,21 +32,26 @@ public:
     const AVStream *sound() const { return soundStream; }
     const std::string &failure() const { return reason; }
 
-    /// The decoding stamp of a packet if it has one, else the other.
-    std::chrono::microseconds stampOf(const AVPacket &packet) const;
-    /// How much later than it is decoded the packet is shown.
-    std::chrono::microseconds delayOf(const AVPacket &packet) const;
+    /// When the packet that was read is decoded, by the camera.
+    std::chrono::microseconds stamp() const { return decoded; }
+    /// How much later it is shown.
+    std::chrono::microseconds delay() const { return shownLater; }
 
 private:
     static int askOver(void *input);
     void chooseStreams();
     bool readLooped();
-    void waitFor(std::chrono::microseconds stamp);
+    void readTimes();
+    std::chrono::microseconds timeOf(std::int64_t units) const;
+    void waitForTime();
 
     const CameraSource source;
     const std::function<bool()> isOver;
     FormatHandle format;
     PacketHandle packet;
+    std::chrono::microseconds decoded{0};
+    std::chrono::microseconds shownLater{0};
+    DecodingOrder order;
     const AVStream *videoStream = nullptr;
     const AVStream *soundStream = nullptr;
     std::string reason;

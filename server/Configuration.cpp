@@ -33,16 +33,20 @@ Configuration Configuration::parse(const std::string &text, const std::string &f
     return configuration;
 }
 
-Configuration Configuration::read(const std::string &fileName)
+Configuration Configuration::read(const std::string &fileName, const std::string &stateFolder)
 {
+    Configuration configuration;
     std::ifstream file(fileName);
     std::ostringstream text;
-    if (!(file && text << file.rdbuf())) {
-        Configuration configuration;
+    if (file && text << file.rdbuf())
+        configuration = parse(text.str(), fileName);
+    else
         configuration.errors.push_back(fileName + ": " + std::strerror(errno));
-        return configuration;
-    }
-    return parse(text.str(), fileName);
+    if (configuration.service.stateFolder.empty())
+        configuration.service.stateFolder = stateFolder;
+    if (configuration.archive.folder.empty())
+        configuration.archive.folder = configuration.service.stateFolder + "/archive";
+    return configuration;
 }
 
 } // namespace ZorvaneServer

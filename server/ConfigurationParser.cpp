@@ -3,6 +3,12 @@
 
 #include <algorithm>
 
+#include <arpa/inet.h>
+
+extern "C" {
+#include <libavutil/avstring.h>
+}
+
 #include "server/UtcTime.h"
 
 namespace ZorvaneServer {
@@ -14,6 +20,7 @@ constexpr char cameraWord[] = "camera";
 constexpr std::size_t longestName = 100;
 constexpr std::int64_t mostDays = 36'500;
 constexpr int mostPercent = 90;
+constexpr int lastPort = 65'535;
 
 std::string trimmed(const std::string &text)
 {
@@ -41,11 +48,31 @@ std::optional<std::int64_t> readBytes(std::string text)
     return *number << power * bitsOfUnit;
 }
 
+bool isUtf8(const std::string &text)
+{
+    const auto *at = reinterpret_cast<const std::uint8_t *>(text.data());
+    const std::uint8_t *end = at + text.size();
+    std::int32_t letter = 0;
+    while (at < end) {
+        if (av_utf8_decode(&letter, &at, end, 0) < 0)
+            return false;
+    }
+    return true;
+}
+
+bool isAddress(const std::string &text)
+{
+    in_addr address{};
+    return inet_pton(AF_INET, text.c_str(), &address) == 1;
+}
+
 /// Empty when it can be the name of a folder.
 std::string objectionToName(const std::string &name)
 {
     if (name.empty() || name.size() > longestName)
         return "a camera needs a name of 1 to 100 bytes";
+    if (!isUtf8(name))
+        return "a camera's name is UTF-8";
     if (name.front() == '.')
         return "a camera's name doesn't begin with a dot";
     const bool isOdd = std::any_of(name.begin(), name.end(), [](unsigned char letter) {
@@ -89,10 +116,13 @@ void ConfigurationParser::beginSection(const std::string &title)
     const std::size_t word = title.find_first_of(blanks);
     if (title == "archive")
         section = Section::Archive;
+    else if (title == "service")
+        section = Section::Service;
     else if (title.substr(0, word) == cameraWord)
         beginCamera(word == std::string::npos ? std::string() : trimmed(title.substr(word)));
     else
-        error("no section \"" + title + "\": there are \"archive\" and \"camera NAME\"");
+        error("no section \"" + title + "\": there are \"archive\", \"service\" and " +
+              "\"camera NAME\"");
 }
 
 void ConfigurationParser::beginCamera(const std::string &name)
@@ -123,18 +153,66 @@ void ConfigurationParser::set(const std::string &key, const std::string &value)
     }
     if (!seenKeys.insert(key).second)
         error("\"" + key + "\" stands twice in this section");
-    const bool known = section == Section::Archive ? setArchive(key, value) : setCamera(key, value);
-    if (!known)
+    if (!setIn(key, value))
         error("no key \"" + key + "\" in this section");
+}
+
+/// False when the section has no such key.
+bool ConfigurationParser::setIn(const std::string &key, const std::string &value)
+{
+    switch (section) {
+    case Section::Archive:
+        return setArchive(key, value);
+    case Section::Service:
+        return setService(key, value);
+    default:
+        return setCamera(key, value);
+    }
+}
+
+void ConfigurationParser::setFolder(std::string *folder, const std::string &key,
+                                    const std::string &value)
+{
+    *folder = value;
+    if (value.front() != '/')
+        error('"' + key + "\" is a whole path, from \"/\" on");
+}
+
+void ConfigurationParser::setPort(int *port, const std::string &key, const std::string &value)
+{
+    const auto number = readDigits(value);
+    if (number && *number >= 1 && *number <= lastPort)
+        *port = static_cast<int>(*number);
+    else
+        error('"' + key + "\" is a number from 1 to 65535");
+}
+
+bool ConfigurationParser::setService(const std::string &key, const std::string &value)
+{
+    Configuration::Service &service = target.service;
+    if (key == "state") {
+        setFolder(&service.stateFolder, key, value);
+    } else if (key == "address") {
+        service.address = value;
+        if (!isAddress(value))
+            error("\"address\" is one such as 127.0.0.1, or 0.0.0.0 for all");
+    } else if (key == "port") {
+        setPort(&service.port, key, value);
+    } else if (key == "cameras_port") {
+        setPort(&service.camerasPort, key, value);
+    } else {
+        return false;
+    }
+    if (service.port == service.camerasPort)
+        error("\"port\" and \"cameras_port\" are the same");
+    return true;
 }
 
 bool ConfigurationParser::setArchive(const std::string &key, const std::string &value)
 {
     Configuration::Archive &archive = target.archive;
     if (key == "folder") {
-        archive.folder = value;
-        if (value.front() != '/')
-            error("\"folder\" is a whole path, from \"/\" on");
+        setFolder(&archive.folder, key, value);
     } else if (key == "days") {
         archive.days = readDigits(value);
         if (!archive.days || *archive.days < 1 || *archive.days > mostDays)

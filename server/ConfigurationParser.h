@@ -25,6 +25,10 @@ private:
     void beginSection(const std::string &title);
     void beginCamera(const std::string &name);
     void set(const std::string &key, const std::string &value);
+    bool setIn(const std::string &key, const std::string &value);
+    void setFolder(std::string *folder, const std::string &key, const std::string &value);
+    void setPort(int *port, const std::string &key, const std::string &value);
+    bool setService(const std::string &key, const std::string &value);
     bool setArchive(const std::string &key, const std::string &value);
     bool setCamera(const std::string &key, const std::string &value);
     void setUrl(CameraSource *source, const std::string &value);
@@ -32,7 +36,7 @@ private:
     void error(const std::string &what) { errorAt(lineNumber, what); }
     void errorAt(int line, const std::string &what);
 
-    enum class Section { None, Archive, Camera, Unknown };
+    enum class Section { None, Archive, Service, Camera, Unknown };
 
     const std::string fileName;
     Configuration &target;

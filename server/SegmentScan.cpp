@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "server/SegmentScan.h"
 
+#include <utility>
+
 #include "server/BlockWalk.h"
 #include "server/Ebml.h"
 #include "server/MatroskaIds.h"
@@ -23,9 +25,14 @@ std::optional<Ebml::Header> clusterAt(FileWindow &file, std::uint64_t offset)
 
 void PictureLength::take(std::int64_t timeMs)
 {
-    if (lastMs >= 0 && timeMs > lastMs && timeMs - lastMs <= longestMs)
-        lengthMs = timeMs - lastMs;
-    lastMs = std::max(lastMs, timeMs);
+    if (timeMs == lastMs)
+        return;
+    if (timeMs > lastMs)
+        beforeLastMs = std::exchange(lastMs, timeMs);
+    else
+        beforeLastMs = std::max(beforeLastMs, timeMs);
+    if (beforeLastMs >= 0 && lastMs - beforeLastMs <= longestMs)
+        lengthMs = lastMs - beforeLastMs;
 }
 
 SegmentScan SegmentScan::from(FileWindow &file, std::uint64_t offset)

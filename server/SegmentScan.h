@@ -31,7 +31,8 @@ struct PictureLength {
     static constexpr std::int64_t usualMs = 40;
     static constexpr std::int64_t longestMs = 2000;
 
-    std::int64_t lastMs = -1; ///< of the latest picture
+    std::int64_t lastMs = -1;       ///< of the picture shown last
+    std::int64_t beforeLastMs = -1; ///< of the one before, which may come after it
     std::int64_t lengthMs = usualMs;
 
     void take(std::int64_t timeMs);

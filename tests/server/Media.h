@@ -16,6 +16,18 @@ inline QByteArray outputOf(const QString &program, const QStringList &arguments)
     return process.waitForFinished(200'000) ? process.readAll() : "not finished";
 }
 
+/// The part of a configuration that keeps a program apart from others that run meanwhile.
+inline QString serviceSection(const QString &state)
+{
+    QTcpServer one;
+    QTcpServer other;
+    one.listen(QHostAddress::LocalHost);
+    other.listen(QHostAddress::LocalHost);
+    return "[service]\nstate = %1\nport = %2\ncameras_port = %3\n"_s.arg(state)
+        .arg(one.serverPort())
+        .arg(other.serverPort());
+}
+
 /// Makes a moving picture of three seconds with a tone. What went wrong.
 inline QByteArray makeClip(const QString &path, const QStringList &codec)
 {

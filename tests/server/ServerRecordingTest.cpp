@@ -22,6 +22,7 @@ class ServerRecordingTest : public QObject
     {
         QFile file(folder.filePath("conf"));
         QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(serviceSection(folder.filePath("state")).toUtf8());
         file.write("[archive]\nkeep_free = 0%\nfolder = "_s.toUtf8() + archive().toUtf8() + "\n" +
                    cameras.toUtf8());
         file.close();
@@ -93,7 +94,7 @@ private slots:
                                         .arg(isMain ? "aac" : "pcm_mulaw")
                                         .arg(isMain ? 16000 : 8000)
                                         .arg(sounds.size()));
-            QCOMPARE(outputOf("ffmpeg", {"-v", "warning", "-i", file, "-f", "null", "-"}),
+            QCOMPARE(outputOf("ffmpeg", {"-v", "error", "-i", file, "-f", "null", "-"}),
                      QByteArray());
             const QByteArray form = outputOf("mkvinfo", {"--all", file});
             QVERIFY2(form.contains("Cue cluster position") && form.contains("Duration: 00:00:"),
@@ -105,7 +106,8 @@ private slots:
             qint64 lastMs = 0;
             for (const PacketPtr &picture : pictures)
                 lastMs = qMax<qint64>(lastMs, picture->momentMs);
-            QVERIFY(qAbs(lastMs + 40 - name->startMs - *name->lengthMs) <= 40);
+            // Of the last three pictures two may be missing, which are shown before the third.
+            QVERIFY(qAbs(lastMs + 40 - name->startMs - *name->lengthMs) <= 80);
             QCOMPARE(QFile(file).permissions() & (QFile::ReadOther | QFile::ReadGroup), 0);
         }
     }

@@ -110,6 +110,27 @@ private slots:
         QCOMPARE(finished->keyFrames().size(), reader->keyFrames().size());
     }
 
+    /// When the last picture ends, by when the ones before it were shown.
+    void lengths_data()
+    {
+        rows<QList<int>, int>({"timesMs", "endMs"},
+                              {{"none", {}, 0},
+                               {"one", {0}, 40},
+                               {"ten a second", {0, 100, 200}, 300},
+                               {"out of order", {0, 120, 40, 80, 240, 160, 200}, 280},
+                               {"the same again", {0, 100, 100}, 200},
+                               {"after a silence", {0, 50, 9000}, 9050}});
+    }
+
+    void lengths()
+    {
+        const auto [timesMs, endMs] = row<QList<int>, int>();
+        PictureLength length;
+        for (const int timeMs : timesMs)
+            length.take(timeMs);
+        QCOMPARE(int(length.endMs()), endMs);
+    }
+
     /// However much of the end is missing, and whatever stands there instead, no whole packet is
     /// lost, and what is left is a file like any other.
     void cutAnywhere()
