@@ -83,6 +83,15 @@ SoundConverter::SoundConverter(CodecHandle soundDecoder)
 {
 }
 
+SoundConverter::~SoundConverter()
+{
+    // An encoder that is not emptied complains.
+    if (encoder && avcodec_send_frame(encoder.get(), nullptr) == 0) {
+        while (avcodec_receive_packet(encoder.get(), packet.get()) == 0)
+            av_packet_unref(packet.get());
+    }
+}
+
 void SoundConverter::put(const Bytes &frame, std::int64_t momentMs)
 {
     if (!fill(packet.get(), frame))

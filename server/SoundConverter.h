@@ -23,6 +23,10 @@ public:
     /// Null when there is no sound, or none that can be converted.
     static std::unique_ptr<SoundConverter> of(const StreamFormat &format);
 
+    ~SoundConverter();
+    SoundConverter(const SoundConverter &) = delete;
+    SoundConverter &operator=(const SoundConverter &) = delete;
+
     void put(const Bytes &frame, std::int64_t momentMs);
     /// The next frame that came of it; false when there is none yet.
     bool take(Frame *frame);

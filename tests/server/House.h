@@ -112,12 +112,12 @@ public:
         segment =
             folder.create(stream(isSub), picture(isSub, startMs, true, width).format, startMs);
         for (qint64 ms = 0; ms < lengthMs; ms += pictureMs)
-            append(picture(isSub, startMs + ms, ms % groupMs == 0, width));
+            append(picture(isSub, startMs + ms, ms % groupMs == 0, width), isSub);
     }
-    void append(const MediaPacket &packet)
+    void append(const MediaPacket &packet, bool isSub = false)
     {
         segment->append(packet);
-        catalogue.grow(stream(packet.data[13] == 1), segment->startMs(), segment->lengthMs(), 1);
+        catalogue.grow(stream(isSub), segment->startMs(), segment->lengthMs(), 1);
     }
     void finish(bool isSub)
     {
