@@ -117,6 +117,37 @@ private slots:
         QCOMPARE(all.round(0, 1), 0);
     }
 
+    /// A clock that is a year ahead of the archive has to be so for a day before it counts.
+    void keeperDoubtsClock()
+    {
+        const ArchiveFolder archive(folder.filePath("doubted").toStdString());
+        QVERIFY(archive.prepare());
+        constexpr std::int64_t hour = 3'600'000;
+        constexpr std::int64_t day = 24 * hour;
+        Catalogue catalogue;
+        const auto record = [&](std::int64_t startMs) {
+            catalogue.finish({"Door", Quality::Main}, {startMs, hour}, 1);
+        };
+        for (int i = 0; i < 4 * 24; ++i)
+            record(100 * day + i * hour);
+        Keeper keeper(archive, catalogue, {3, {}, 0});
+        QCOMPARE(keeper.round(104 * day, 0), 23);
+        for (int i = 0; i < 24; ++i) {
+            record(500 * day + i * hour);
+            QCOMPARE(keeper.round(500 * day + i * hour, 0), 0);
+        }
+        // Set right again, nothing is missing.
+        QCOMPARE(keeper.round(104 * day + hour, 0), 1);
+        // A program that is started later believes it once there is a yesterday.
+        Keeper later(archive, catalogue, {3, {}, 0});
+        QCOMPARE(later.round(501 * day, 0), 0);
+        QCOMPARE(later.round(501 * day + 1, 0), 72);
+        Keeper alone(archive, catalogue, {3, {}, 0});
+        for (int i = 0; i < 24; ++i)
+            QCOMPARE(alone.round(600 * day + i * hour, 0), 0);
+        QCOMPARE(alone.round(601 * day, 0), 24);
+    }
+
     /// One picture a second, "K" for a key picture; what is left after as many seconds.
     void queue_data()
     {
