@@ -72,7 +72,12 @@ class House : public ZorvaneService::RosterSource
 public:
     static constexpr int pictureMs = 40;
 
-    House() { folder.prepare(); }
+    /// With an archive of its own, unless it is told another one.
+    explicit House(const QString &archivePath = {})
+        : folder((archivePath.isEmpty() ? place.filePath("archive") : archivePath).toStdString())
+    {
+        folder.prepare();
+    }
 
     std::vector<ZorvaneService::ServerWithCameras> servers() const override { return {gate}; }
     std::optional<ZorvaneService::CameraOfServer>
@@ -145,7 +150,7 @@ public:
 
     QTemporaryDir place;
     ZorvaneService::ServerWithCameras gate{{}, std::vector<ZorvaneService::Camera>(1)};
-    ZorvaneServer::ArchiveFolder folder{place.filePath("archive").toStdString()};
+    ZorvaneServer::ArchiveFolder folder;
     ZorvaneServer::Catalogue catalogue;
     ZorvaneServer::LiveRings rings{{stream(false), stream(true)}};
     ZorvaneServer::CameraNames names = [](const ZorvaneService::CameraId &) { return "Gate"; };
