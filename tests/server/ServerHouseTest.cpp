@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tests/server/Media.h"
 
+#include <cstring>
 #include <sstream>
+
+#include <sys/socket.h>
+#include <sys/un.h>
 
 #include "server/AddCamera.h"
 #include "server/FirstLayout.h"
@@ -161,8 +165,6 @@ private slots:
         QCOMPARE(layout["cameras"].size(), std::size_t(qMin(cameras, 36)));
     }
 
-    /// The names of lists that were saved; "s" is one that is saved again, "k" a kill before the
-    /// others have made room.
     void formerLayouts()
     {
         using ZorvaneService::Accounts;
@@ -187,6 +189,7 @@ private slots:
         QCOMPARE(names(), "a"_s);
         save("bbcb");
         QCOMPARE(names(), "cba"_s);
+        // As after a kill before the others had made room.
         QVERIFY(QFile::rename(base + ".1", base + ".0"));
         save("d");
         QCOMPARE(names(), "bcba"_s);
@@ -256,6 +259,46 @@ private slots:
         QCOMPARE(StatusSocket::ask(folder).value_or(""), good);
         QCOMPARE(QFile::permissions(QString::fromStdString(folder) + "/status"),
                  QFile::Permissions(0x6600));
+    }
+
+    /// The program tells whoever supervises it that it is ready, alive, and about to end.
+    void supervised()
+    {
+        const int heard = socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK, 0);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        std::strcpy(address.sun_path, "notify");
+        QCOMPARE(bind(heard, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+        QByteArray said;
+        const auto says = [&](const QByteArray &word) {
+            char text[100];
+            for (ssize_t count; (count = recv(heard, text, sizeof text, 0)) > 0;)
+                said += QByteArray(text, int(count)) + ' ';
+            return said.contains(word);
+        };
+        QTemporaryDir folder;
+        write(folder.filePath("conf"),
+              serviceSection(folder.filePath("state")).toUtf8() + "[camera A]\nurl = file:/none\n");
+        QProcess server;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("NOTIFY_SOCKET"_s, QDir("notify").absolutePath());
+        environment.insert("WATCHDOG_USEC"_s, "300000"_s);
+        server.setProcessEnvironment(environment);
+        server.start(QStringLiteral(ZORVANE_BIN_DIR "/zorvane-server"),
+                     {"--config", folder.filePath("conf")});
+        QTRY_VERIFY_WITH_TIMEOUT(says("WATCHDOG=1 WATCHDOG=1"), 30'000);
+        QVERIFY2(said.startsWith("READY=1 "), said);
+        server.terminate();
+        QTRY_VERIFY_WITH_TIMEOUT(says("STOPPING=1"), 30'000);
+        QTRY_COMPARE_WITH_TIMEOUT(server.state(), QProcess::NotRunning, 30'000);
+        QCOMPARE(server.exitCode(), 0);
+        ::close(heard);
+
+        setenv("WATCHDOG_USEC", "3000000", 1);
+        setenv("WATCHDOG_PID", "1", 1);
+        QVERIFY(!Supervisor::heartbeat());
+        unsetenv("WATCHDOG_PID");
+        QCOMPARE(Supervisor::heartbeat()->count(), qint64(1000));
     }
 
     /// Answers apart by "|"; what is in the file afterwards.
