@@ -185,13 +185,22 @@ private slots:
             for (const char id : lists)
                 accounts.saveLayouts({{{"id", std::string(1, id)}}});
         };
-        save("aab");
+        save("a");
+        // The same list of another moment is no other list.
+        write(
+            folder.filePath("account"),
+            content(folder.filePath("account")).replace("\"last_update\": ", "\"last_update\": 1"));
+        save("ab");
         QCOMPARE(names(), "a"_s);
+        QVERIFY(!QFile::exists(base + ".2"));
         save("bbcb");
         QCOMPARE(names(), "cba"_s);
         // As after a kill before the others had made room.
         QVERIFY(QFile::rename(base + ".1", base + ".0"));
         save("d");
+        QCOMPARE(names(), "bcba"_s);
+        // As after a kill before the list itself was replaced.
+        QVERIFY(FormerContents(base.toStdString()).keep(content(base + ".1").toStdString()));
         QCOMPARE(names(), "bcba"_s);
         save("efghijkl");
         QCOMPARE(names(), "kjihgfedbc"_s);
