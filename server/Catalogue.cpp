@@ -207,6 +207,15 @@ std::optional<Catalogue::Segment> Catalogue::segmentAt(const StreamId &id,
     return entry->segment();
 }
 
+bool Catalogue::holdsAny(std::int64_t fromMs, std::int64_t toMs) const
+{
+    const Lock lock(mutex);
+    return std::any_of(streams.begin(), streams.end(), [fromMs, toMs](const auto &one) {
+        const auto entry = one.second.firstEndingAfter(fromMs);
+        return entry != one.second.entries.end() && entry->startMs < toMs;
+    });
+}
+
 std::optional<std::pair<StreamId, Catalogue::Segment>> Catalogue::oldest() const
 {
     const Lock lock(mutex);

@@ -56,6 +56,8 @@ public:
     std::optional<Segment> segmentFrom(const StreamId &stream, std::int64_t momentMs) const;
     /// The segment that begins exactly then.
     std::optional<Segment> segmentAt(const StreamId &stream, std::int64_t startMs) const;
+    /// Whether anything was recorded in [fromMs, toMs), by any stream.
+    bool holdsAny(std::int64_t fromMs, std::int64_t toMs) const;
     /// The finished segment that ended first, of all streams.
     std::optional<std::pair<StreamId, Segment>> oldest() const;
     /// Finished segments whose size isn't known yet.

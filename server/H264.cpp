@@ -15,50 +15,14 @@ constexpr std::uint8_t countMark = 0xe0;
 constexpr unsigned countBits = 0x1f;
 constexpr std::size_t profileEnd = 4;
 
-void appendSized(const Bytes &unit, std::size_t bytes, Bytes *out)
+void appendSized(const Bytes &unit, Bytes *out)
 {
-    for (std::size_t i = bytes; i-- > 0;)
-        out->push_back(static_cast<std::uint8_t>(unit.size() >> 8 * i));
+    out->push_back(static_cast<std::uint8_t>(unit.size() >> 8));
+    out->push_back(static_cast<std::uint8_t>(unit.size()));
     out->insert(out->end(), unit.begin(), unit.end());
 }
 
 } // namespace
-
-Units unitsAfterStartCodes(const std::uint8_t *data, std::size_t size)
-{
-    Units units;
-    const std::uint8_t *const end = data + size;
-    const std::uint8_t code[] = {0, 0, 1};
-    const std::uint8_t *at = std::search(data, end, code, code + sizeof code);
-    while (at != end) {
-        const std::uint8_t *const begin = at + sizeof code;
-        at = std::search(begin, end, code, code + sizeof code);
-        const std::uint8_t *unitEnd = at;
-        while (unitEnd > begin && unitEnd[-1] == 0)
-            --unitEnd;
-        if (unitEnd > begin)
-            units.push_back({begin, static_cast<std::size_t>(unitEnd - begin)});
-    }
-    return units;
-}
-
-Units unitsAfterLengths(const std::uint8_t *data, std::size_t size, std::size_t lengthBytes)
-{
-    Units units;
-    while (size > lengthBytes) {
-        std::size_t length = 0;
-        for (std::size_t i = 0; i < lengthBytes; ++i)
-            length = length << 8 | data[i];
-        data += lengthBytes;
-        size -= lengthBytes;
-        length = std::min(length, size);
-        if (length > 0)
-            units.push_back({data, length});
-        data += length;
-        size -= length;
-    }
-    return units;
-}
 
 std::size_t lengthBytesOf(const std::uint8_t *setup, std::size_t size)
 {
@@ -69,7 +33,7 @@ ParameterSets ParameterSets::of(const std::uint8_t *setup, std::size_t size)
 {
     ParameterSets sets;
     if (lengthBytesOf(setup, size) == 0) {
-        sets.take(unitsAfterStartCodes(setup, size));
+        sets.take(ZorvaneService::unitsAfterStartCodes(setup, size));
         return sets;
     }
     Units units;
@@ -116,10 +80,10 @@ Bytes ParameterSets::record() const
     Bytes out = {recordVersion, first[1], first[2], first[3], fourByteLengths};
     out.push_back(static_cast<std::uint8_t>(countMark | sequence.size()));
     for (const Bytes &set : sequence)
-        appendSized(set, 2, &out);
+        appendSized(set, &out);
     out.push_back(static_cast<std::uint8_t>(picture.size()));
     for (const Bytes &set : picture)
-        appendSized(set, 2, &out);
+        appendSized(set, &out);
     return out;
 }
 
@@ -140,15 +104,13 @@ Bytes pictureOf(const Units &units)
     Bytes out;
     std::size_t size = 0;
     for (const Unit &unit : units)
-        size += 4 + unit.size;
+        size += ZorvaneService::nalLengthBytes + unit.size;
     out.reserve(size);
     for (const Unit &unit : units) {
         const unsigned type = unit.type();
         if (type == Unit::SequenceSet || type == Unit::PictureSet || type == Unit::Delimiter)
             continue;
-        for (std::size_t i = 4; i-- > 0;)
-            out.push_back(static_cast<std::uint8_t>(unit.size >> 8 * i));
-        out.insert(out.end(), unit.data, unit.data + unit.size);
+        appendWithLength(unit, &out);
     }
     return out;
 }

@@ -6,26 +6,15 @@
 #include <vector>
 
 #include "server/StreamFormat.h"
+#include "service/NalUnit.h"
 
 namespace ZorvaneServer {
 
 /// Pictures of H.264, taken apart and put together.
 namespace H264 {
 
-/// One unit, in bytes that others own.
-struct Unit {
-    enum Type : unsigned { IdrSlice = 5, SequenceSet = 7, PictureSet = 8, Delimiter = 9 };
-
-    const std::uint8_t *data;
-    std::size_t size; ///< never 0
-
-    unsigned type() const { return data[0] & 0x1fu; }
-};
+using Unit = ZorvaneService::NalUnit;
 using Units = std::vector<Unit>;
-
-Units unitsAfterStartCodes(const std::uint8_t *data, std::size_t size);
-/// Each unit behind its length in so many bytes.
-Units unitsAfterLengths(const std::uint8_t *data, std::size_t size, std::size_t lengthBytes);
 
 /// What decoders have to know before the first picture.
 struct ParameterSets {

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "server/Log.h"
+#include "server/UtcTime.h"
 #include "server/WallClock.h"
 
 namespace ZorvaneServer {
@@ -14,6 +15,8 @@ namespace {
 constexpr std::int64_t checksPerDisk = 200;
 constexpr std::int64_t leastCheck = std::int64_t(1) << 20;
 constexpr std::int64_t mostCheck = std::int64_t(64) << 20;
+// Rounds are seconds apart, unless the machine slept or its clock was set.
+constexpr std::int64_t longestPauseMs = 60 * minuteMs;
 
 } // namespace
 
@@ -86,17 +89,28 @@ void Keeper::measure()
     isMeasured = true;
 }
 
+bool Keeper::knowsAge(std::int64_t nowMs)
+{
+    if (nowMs < latestRoundMs || nowMs - latestRoundMs > longestPauseMs)
+        steadySinceMs = nowMs;
+    latestRoundMs = nowMs;
+    return nowMs - steadySinceMs >= dayMs || catalogue.holdsAny(nowMs - 2 * dayMs, nowMs - dayMs);
+}
+
 int Keeper::round(std::int64_t nowMs, int least)
 {
     if (!folder.isReady())
         return 0;
     measure();
+    KeepRules believed = rules;
+    if (!knowsAge(nowMs))
+        believed.days.reset();
     int gone = 0;
     while (const auto oldest = catalogue.oldest()) {
         const auto &[stream, segment] = *oldest;
         const KeepRules::State state{nowMs, segment.endMs, catalogue.knownBytes(),
                                      folder.room().freeBytes};
-        if (gone >= least && !rules.mustGo(state))
+        if (gone >= least && !believed.mustGo(state))
             break;
         if (!folder.remove(stream, segment.name))
             Log::say("cannot remove " + folder.pathOf(stream, segment.name));

@@ -13,7 +13,9 @@
 namespace ZorvaneServer {
 
 /// Removes the oldest segments by the rules, on a thread of its own: every ten seconds, after
-/// so much has been written that the rules may be broken, and at once when there is no room.
+/// so much has been written that the rules may be broken, and at once when there is no room. A
+/// clock that was set wrong doesn't make it remove anything for its age: it has to tell the same
+/// for a day first, or the archive that there was a yesterday.
 class Keeper
 {
 public:
@@ -37,6 +39,7 @@ public:
 private:
     void run();
     void measure();
+    bool knowsAge(std::int64_t nowMs);
 
     const ArchiveFolder &folder;
     Catalogue &catalogue;
@@ -44,6 +47,8 @@ private:
     std::atomic<std::int64_t> unchecked{0}; ///< bytes written since the last round
     std::int64_t checkEvery = 0;
     bool isMeasured = false;
+    std::int64_t latestRoundMs = 0;
+    std::int64_t steadySinceMs = 0; ///< the clock hasn't jumped since
 
     std::mutex mutex;
     std::condition_variable wake;

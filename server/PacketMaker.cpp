@@ -87,8 +87,8 @@ H264::Units PacketMaker::unitsOf(const AVPacket &packet, const AVStream &video)
     else if (!hasSetup && video.codecpar->extradata_size > 0)
         takeSetup(video.codecpar->extradata,
                   static_cast<std::size_t>(video.codecpar->extradata_size));
-    return lengthBytes == 0 ? H264::unitsAfterStartCodes(packet.data, size)
-                            : H264::unitsAfterLengths(packet.data, size, lengthBytes);
+    return lengthBytes == 0 ? ZorvaneService::unitsAfterStartCodes(packet.data, size)
+                            : ZorvaneService::unitsAfterLengths(packet.data, size, lengthBytes);
 }
 
 void PacketMaker::updateFormat(const H264::Units &keyPicture, const AVStream &video,

@@ -13,11 +13,11 @@
 namespace ZorvaneServer {
 
 /// Puts segments onto the disk, on a thread of its own, so that who writes them never waits for
-/// it: the growing ones every ten seconds, the finished ones at once, with their names.
+/// it: the growing ones every eight seconds, the finished ones at once, with their names.
 class SegmentFinisher
 {
 public:
-    static constexpr auto syncInterval = std::chrono::seconds(10);
+    static constexpr auto syncInterval = std::chrono::seconds(8);
 
     SegmentFinisher(const ArchiveFolder &folder, Catalogue &catalogue);
     ~SegmentFinisher();

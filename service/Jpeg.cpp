@@ -26,7 +26,7 @@ Bytes standalone(const MediaFormat &format, const Bytes &keyFrame)
     Bytes out;
     appendUnit(format.sps.data(), format.sps.size(), &out);
     appendUnit(format.pps.data(), format.pps.size(), &out);
-    for (const NalUnit &unit : unitsAfterLengths(keyFrame))
+    for (const NalUnit &unit : unitsAfterLengths(keyFrame.data(), keyFrame.size()))
         appendUnit(unit.data, unit.size, &out);
     return out;
 }

@@ -147,8 +147,9 @@ private slots:
         const auto *data = reinterpret_cast<const std::uint8_t *>(bytes.constData());
         const auto size = std::size_t(bytes.size());
         const H264::Units units =
-            lengthBytes == 0 ? H264::unitsAfterStartCodes(data, size)
-                             : H264::unitsAfterLengths(data, size, std::size_t(lengthBytes));
+            lengthBytes == 0
+                ? ZorvaneService::unitsAfterStartCodes(data, size)
+                : ZorvaneService::unitsAfterLengths(data, size, std::size_t(lengthBytes));
         const Bytes made = H264::pictureOf(units);
         QCOMPARE(QByteArray(reinterpret_cast<const char *>(made.data()), int(made.size())),
                  QByteArray::fromHex(picture));
@@ -168,9 +169,9 @@ private slots:
         QCOMPARE(H264::lengthBytesOf(record.data(), record.size()), std::size_t(4));
         const auto again = H264::ParameterSets::of(record.data(), record.size());
         QVERIFY(again.withStartCodes() == sets.withStartCodes());
-        QVERIFY(!sets.take(H264::unitsAfterStartCodes(data, std::size_t(stream.size()))));
+        QVERIFY(!sets.take(ZorvaneService::unitsAfterStartCodes(data, std::size_t(stream.size()))));
         const Bytes other = {0, 0, 1, 0x68, 1};
-        QVERIFY(sets.take(H264::unitsAfterStartCodes(other.data(), other.size())));
+        QVERIFY(sets.take(ZorvaneService::unitsAfterStartCodes(other.data(), other.size())));
         // However it is cut off, nothing is read that isn't there.
         for (std::size_t size = 0; size < record.size(); ++size) {
             const Bytes part(record.begin(), record.begin() + long(size));

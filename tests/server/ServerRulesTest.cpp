@@ -117,6 +117,37 @@ private slots:
         QCOMPARE(all.round(0, 1), 0);
     }
 
+    /// A clock that is a year ahead of the archive has to be so for a day before it counts.
+    void keeperDoubtsClock()
+    {
+        const ArchiveFolder archive(folder.filePath("doubted").toStdString());
+        QVERIFY(archive.prepare());
+        constexpr std::int64_t hour = 3'600'000;
+        constexpr std::int64_t day = 24 * hour;
+        Catalogue catalogue;
+        const auto record = [&](std::int64_t startMs) {
+            catalogue.finish({"Door", Quality::Main}, {startMs, hour}, 1);
+        };
+        for (int i = 0; i < 4 * 24; ++i)
+            record(100 * day + i * hour);
+        Keeper keeper(archive, catalogue, {3, {}, 0});
+        QCOMPARE(keeper.round(104 * day, 0), 23);
+        for (int i = 0; i < 24; ++i) {
+            record(500 * day + i * hour);
+            QCOMPARE(keeper.round(500 * day + i * hour, 0), 0);
+        }
+        // Set right again, nothing is missing.
+        QCOMPARE(keeper.round(104 * day + hour, 0), 1);
+        // A program that is started later believes it once there is a yesterday.
+        Keeper later(archive, catalogue, {3, {}, 0});
+        QCOMPARE(later.round(501 * day, 0), 0);
+        QCOMPARE(later.round(501 * day + 1, 0), 72);
+        Keeper alone(archive, catalogue, {3, {}, 0});
+        for (int i = 0; i < 24; ++i)
+            QCOMPARE(alone.round(600 * day + i * hour, 0), 0);
+        QCOMPARE(alone.round(601 * day, 0), 24);
+    }
+
     /// One picture a second, "K" for a key picture; what is left after as many seconds.
     void queue_data()
     {
@@ -165,7 +196,8 @@ private slots:
             {"file", "wrong"},
             {{"two lines", "[camera Front door]|url = rtsp://a:b@10.0.0.9/1", ""},
              {"all there is",
-              "# x|[archive]|folder=/a|days=3|bytes=5G|keep_free=5%|[camera Ä]|url=file:a|"
+              "# x|[archive]|folder=/a|days=3|bytes=5G|keep_free=5%|[service]|address=0.0.0.0|"
+              "port=1|cameras_port=65535|state=/s|[camera Ä]|url=file:a|"
               "sub=http://h/b|transport=udp|sound=no",
               ""},
              {"nothing", "", "0"},
@@ -185,6 +217,10 @@ private slots:
              {"numbers",
               "[archive]|days = 0|bytes = 5X|keep_free = 95%|folder = a|[camera A]|url = file:a",
               "2 3 4 5"},
+             {"service",
+              "[service]|address = localhost|port = 0|cameras_port = 8843|state = s|"
+              "[camera A]|url = file:a",
+              "2 3 4 5"},
              {"words", "[camera A]|url = file:a|transport = tls|sound = 1", "3 4"}});
     }
 
@@ -202,6 +238,9 @@ private slots:
         const auto &camera = result.cameras.front();
         const bool isWhole = camera.sub.has_value();
         QCOMPARE(camera.main.overUdp, isWhole);
+        QCOMPARE(result.service.address, std::string(isWhole ? "0.0.0.0" : "127.0.0.1"));
+        QCOMPARE(result.service.camerasHost(), std::string("127.0.0.1"));
+        QCOMPARE(result.service.camerasPort, isWhole ? 65535 : 8880);
         QCOMPARE(camera.main.withSound, !isWhole);
         QCOMPARE(QString::fromStdString(camera.name), isWhole ? "Ä"_s : "Front door"_s);
     }
