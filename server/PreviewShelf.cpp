@@ -56,7 +56,10 @@ std::string PreviewShelf::take(const LiveRing &ring, int quality)
     const std::lock_guard<std::mutex> lock(place->mutex);
     const auto now = std::chrono::steady_clock::now();
     if (picture != place->picture && (!place->picture || now - place->made >= kept)) {
-        auto decoded = ZorvaneService::decoded(wireFormat(*picture->format), picture->data);
+        const WireFormat format = WireFormat::of(*picture->format);
+        Bytes data;
+        format.write(*picture, &data);
+        auto decoded = ZorvaneService::decoded(format.told, data);
         const auto width = widths.at(static_cast<std::size_t>(quality));
         place->jpeg = ZorvaneService::jpegOf(narrowed(std::move(decoded), width).get());
         place->picture = picture;

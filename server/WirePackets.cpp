@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "server/WirePackets.h"
 
-#include "server/WireFormat.h"
-
 namespace ZorvaneServer {
 
 bool WirePackets::turn(const MediaPacket &packet, std::int64_t momentMs,
@@ -17,8 +15,8 @@ bool WirePackets::turn(const MediaPacket &packet, std::int64_t momentMs,
     out->isPicture = true;
     out->keyFrame = packet.isKey;
     out->momentMs = momentMs;
-    out->data.assign(packet.data.begin(), packet.data.end());
-    out->format = wire;
+    wire.write(packet, &out->data);
+    out->format = told;
     return true;
 }
 
@@ -31,7 +29,7 @@ bool WirePackets::takeMore(ZorvaneService::MediaPacket *out)
     out->keyFrame = false;
     out->momentMs = frame.momentMs;
     out->data = std::move(frame.data);
-    out->format = wire;
+    out->format = told;
     return true;
 }
 
@@ -42,10 +40,10 @@ void WirePackets::change(const FormatPtr &next)
         return;
     if (!format || *next != *format) {
         converter = withSound ? SoundConverter::of(*next) : nullptr;
-        auto changed = wireFormat(*next);
+        wire = WireFormat::of(*next);
         if (converter)
-            changed.sound = ZorvaneService::MediaFormat::Sound::Mp3;
-        wire = std::make_shared<const ZorvaneService::MediaFormat>(std::move(changed));
+            wire.told.sound = ZorvaneService::MediaFormat::Sound::Mp3;
+        told = std::make_shared<const ZorvaneService::MediaFormat>(wire.told);
     }
     format = next;
 }

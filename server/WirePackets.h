@@ -3,6 +3,7 @@
 
 #include "server/MediaPacket.h"
 #include "server/SoundConverter.h"
+#include "server/WireFormat.h"
 #include "service/MediaPacket.h"
 
 namespace ZorvaneServer {
@@ -29,7 +30,8 @@ private:
 
     const bool withSound;
     FormatPtr format;
-    std::shared_ptr<const ZorvaneService::MediaFormat> wire;
+    WireFormat wire;
+    std::shared_ptr<const ZorvaneService::MediaFormat> told;
     std::unique_ptr<SoundConverter> converter;
     std::int64_t soundFromMs = 0;
 };

@@ -45,8 +45,12 @@ public:
             if (bytes[at] == 9 && bytes[at + 12] == 0)
                 ++formats;
             if (bytes[at] == 9 && bytes[at + 12] == 1) {
-                pictures.push_back({number(at + 21, 8), number(at + 7, 1) << 24 | number(at + 4, 3),
-                                    bytes[at + 11] == 0x17, bytes[at + 29] == 1, formats});
+                // Before a key picture comes the set of six bytes that has no other place.
+                const bool isKey = bytes[at + 11] == 0x17;
+                const int unit = at + 16 + (isKey ? 6 : 0);
+                pictures.push_back({number(unit + 5, 8),
+                                    number(at + 7, 1) << 24 | number(at + 4, 3), isKey,
+                                    bytes[unit + 13] == 1, formats});
                 last = pictures.back().momentMs;
                 open = open && !(enough && enough(pictures.back()));
             }
@@ -99,8 +103,10 @@ public:
         MediaPacket packet = aPicture(momentMs, isKey, isKey ? 50'000 : 2'000);
         auto format = std::make_shared<ZorvaneServer::StreamFormat>(*packet.format);
         format->width = width;
-        format->videoSetup = {1, 0x64, 0, 0x28, 0xff, 0xe1, 0, 4, 0x67, 1, 2, std::uint8_t(width),
-                              1, 0,    1, 0x68};
+        // With a second picture set, which FLV has no place for before the pictures.
+        format->videoSetup = {
+            1, 0x64, 0, 0x28, 0xff, 0xe1, 0,    4, 0x67, 1, 2, std::uint8_t(width),
+            2, 0,    1, 0x68, 0,    2,    0x68, 7};
         packet.format = format;
         const auto size = std::uint32_t(packet.data.size() - 4);
         for (int i = 0; i < 4; ++i)
