@@ -7,9 +7,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <iostream>
 
 #include <sys/stat.h>
 
+#include "server/AddCamera.h"
 #include "server/Configuration.h"
 #include "server/HouseService.h"
 #include "server/Log.h"
@@ -181,6 +183,9 @@ int runCommand(const Options &options)
         return EXIT_SUCCESS;
     case Options::Command::Check:
         return check(Setup(options));
+    case Options::Command::Add:
+        return addCamera(std::cin, std::cout, Setup(options).fileName) ? EXIT_SUCCESS
+                                                                       : EXIT_FAILURE;
     case Options::Command::Probe:
         return probeCamera(options.argument);
     case Options::Command::Prepare:

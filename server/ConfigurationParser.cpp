@@ -185,6 +185,8 @@ void ConfigurationParser::setPort(int *port, const std::string &key, const std::
         *port = static_cast<int>(*number);
     else
         error('"' + key + "\" is a number from 1 to 65535");
+    if (target.service.port == target.service.camerasPort)
+        error("\"port\" and \"cameras_port\" are the same");
 }
 
 bool ConfigurationParser::setService(const std::string &key, const std::string &value)
@@ -203,8 +205,6 @@ bool ConfigurationParser::setService(const std::string &key, const std::string &
     } else {
         return false;
     }
-    if (service.port == service.camerasPort)
-        error("\"port\" and \"cameras_port\" are the same");
     return true;
 }
 

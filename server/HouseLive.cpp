@@ -11,13 +11,20 @@ std::optional<std::int64_t> HouseLive::begin()
 {
     run.reset();
     shiftMs = 0;
-    return ring.begin(&place);
+    const auto seenFromMs = ring.begin(&place);
+    wire.beginSoundAt(seenFromMs.value_or(0));
+    return seenFromMs;
 }
 
 HouseLive::Outcome HouseLive::read(ZorvaneService::MediaPacket *packet)
 {
-    const PacketPtr next = ring.take(&place, longestWait);
-    return next && wire.turn(*next, continued(*next), packet) ? Outcome::Packet : Outcome::NotYet;
+    if (wire.takeMore(packet))
+        return Outcome::Packet;
+    while (const PacketPtr next = ring.take(&place, longestWait)) {
+        if (wire.turn(*next, continued(*next), packet))
+            return Outcome::Packet;
+    }
+    return Outcome::NotYet;
 }
 
 /// Moments of different runs don't follow from each other: a receiver's go by when they come.

@@ -5,8 +5,6 @@
 
 #include "server/HouseLive.h"
 #include "server/HouseRecorded.h"
-#include "server/WireFormat.h"
-#include "service/Jpeg.h"
 #include "service/Quality.h"
 
 namespace ZorvaneServer {
@@ -47,9 +45,8 @@ std::unique_ptr<ZorvaneService::ArchiveSource> HouseMedia::archive(const CameraI
 
 std::string HouseMedia::preview(const CameraId &camera, int quality) const
 {
-    LiveRing *found = ring(camera, quality);
-    const PacketPtr key = found ? found->newestKey() : nullptr;
-    return key ? ZorvaneService::jpegOf(wireFormat(*key->format), key->data) : std::string();
+    const LiveRing *found = ring(camera, quality);
+    return found ? previews.take(*found, quality) : std::string();
 }
 
 } // namespace ZorvaneServer

@@ -5,6 +5,7 @@
 #include "server/CameraNames.h"
 #include "server/Catalogue.h"
 #include "server/LiveRings.h"
+#include "server/PreviewShelf.h"
 #include "service/MediaLibrary.h"
 
 namespace ZorvaneServer {
@@ -36,6 +37,7 @@ private:
     const Catalogue &catalogue;
     LiveRings &rings;
     const CameraNames cameraName;
+    mutable PreviewShelf previews;
 };
 
 } // namespace ZorvaneServer

@@ -36,15 +36,17 @@ bool HouseRecorded::hasKeyFramesOnly() const
     return speed >= ZorvaneService::MediaLibrary::keyFramesOnlyFrom;
 }
 
-/// The segment that holds the moment, of the best stream; else the first one behind it of any.
-std::optional<HouseRecorded::Found> HouseRecorded::find(std::int64_t momentMs) const
+/// Of the best stream that has something at the moment, or so soon after it; else the first one
+/// behind it of any.
+std::optional<HouseRecorded::Found> HouseRecorded::find(std::int64_t momentMs,
+                                                        std::int64_t gapMs) const
 {
     std::optional<Found> nearest;
     for (const StreamId &one : streams) {
         const auto segment = catalogue.segmentFrom(one, momentMs);
         if (!segment)
             continue;
-        if (segment->name.startMs <= momentMs)
+        if (segment->name.startMs <= momentMs + gapMs)
             return Found{one, *segment};
         if (!nearest || segment->name.startMs < nearest->segment.name.startMs)
             nearest = Found{one, *segment};
@@ -74,8 +76,9 @@ std::optional<std::int64_t> HouseRecorded::seek(const ZorvaneService::Record &re
 {
     reader.reset();
     wantedMs = std::max(momentMs, record.startMs);
+    wire.beginSoundAt(wantedMs);
     awaitsKey = false;
-    const auto found = find(wantedMs);
+    const auto found = find(wantedMs, 0);
     if (!found || found->segment.name.startMs >= record.endMs || !open(*found) ||
         !reader->seek(wantedMs - reader->startMs()))
         return {};
@@ -88,6 +91,8 @@ std::optional<std::int64_t> HouseRecorded::seek(const ZorvaneService::Record &re
 
 HouseRecorded::Outcome HouseRecorded::read(ZorvaneService::MediaPacket *packet)
 {
+    if (wire.takeMore(packet))
+        return Outcome::Packet;
     while (reader) {
         PacketPtr found = next();
         if (!found) {
@@ -120,17 +125,13 @@ HouseRecorded::Outcome HouseRecorded::read(ZorvaneService::MediaPacket *packet)
 /// can.
 std::optional<HouseRecorded::Found> HouseRecorded::follower(std::int64_t endMs, bool grows) const
 {
-    std::optional<Found> found;
-    if (const auto own = catalogue.segmentFrom(stream, endMs))
-        found = Found{stream, *own};
-    const auto follows = [&] {
-        const bool isOther = found && (found->segment.name.startMs != reader->startMs() ||
-                                       !(found->stream == stream));
-        return isOther && found->segment.name.startMs <= endMs + farthestMs;
-    };
-    if (!follows() && !grows)
-        found = find(endMs);
-    return follows() ? found : std::nullopt;
+    auto found = find(endMs, farthestMs);
+    if (const auto own = catalogue.segmentFrom(stream, endMs); grows)
+        found = own ? std::optional<Found>({stream, *own}) : std::nullopt;
+    if (!found || found->segment.name.startMs > endMs + farthestMs)
+        return {};
+    const bool isSame = found->stream == stream && found->segment.name.startMs == reader->startMs();
+    return isSame ? std::nullopt : found;
 }
 
 PacketPtr HouseRecorded::next()

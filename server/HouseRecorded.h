@@ -31,7 +31,7 @@ private:
     };
 
     bool hasKeyFramesOnly() const;
-    std::optional<Found> find(std::int64_t momentMs) const;
+    std::optional<Found> find(std::int64_t momentMs, std::int64_t gapMs) const;
     std::optional<Found> follower(std::int64_t endMs, bool grows) const;
     bool open(const Found &found);
     PacketPtr next();

@@ -1,10 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "server/HouseService.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "server/FirstLayout.h"
+#include "server/Log.h"
 #include "service/Certificates.h"
 #include "service/ClientFiles.h"
 #include "service/OwnerFile.h"
@@ -33,6 +40,20 @@ std::string contentOf(const std::string &fileName)
     return content.str();
 }
 
+/// What root puts into somebody's folder is for that one.
+void giveToOwner(const std::string &folder)
+{
+    struct stat owner {
+    };
+    if (geteuid() != 0 || stat(folder.c_str(), &owner) != 0)
+        return;
+    std::error_code code;
+    for (const auto &file : std::filesystem::directory_iterator(folder, code)) {
+        if (lchown(file.path().c_str(), owner.st_uid, owner.st_gid) != 0)
+            Log::say(file.path().string() + ": " + std::strerror(errno));
+    }
+}
+
 std::string certificates(const StateFolder &state, Certificates *made)
 {
     *made = Certificates::inFolder(state.folder(), authorityName);
@@ -49,6 +70,9 @@ HouseService::HouseService(const Configuration::Service &where, const StateFolde
     , accounts(account, password, state.file("account.json"), FormerContents(state.file("layouts")))
     , service(roster, archive, media, accounts, ZORVANE_VERSION, passwordRules)
 {
+    const auto lan = roster.lanServer(where.camerasPort);
+    if (accounts.layouts()["last_update"] == 0 && lan && !lan->cameras.empty())
+        accounts.saveLayouts(firstLayouts(*lan));
 }
 
 std::string HouseService::bind()
@@ -103,7 +127,10 @@ std::string HouseService::writeClientFiles(const Configuration::Service &where,
     const bool good = files.write(whole, roster.servers()) &&
                       writeOwnerFile(files.caCertificate, contentOf(made.authorityFile)) &&
                       ClientFiles::writeAccount(whole, account, password);
-    return good ? std::string() : folder + ": " + std::strerror(errno);
+    if (!good)
+        return folder + ": " + std::strerror(errno);
+    giveToOwner(whole);
+    return {};
 }
 
 } // namespace ZorvaneServer

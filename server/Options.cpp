@@ -12,6 +12,7 @@ const char *Options::usage()
            "Without a command it records the cameras of the file and shows them to the client.\n"
            "\n"
            "  check             says what is wrong with the file\n"
+           "  add               asks for a camera, tries it and writes it into the file\n"
            "  probe ADDRESS     tells what a camera sends\n"
            "  prepare [FOLDER]  makes the folder, or the file's, one for an archive\n"
            "  client-files DIR  writes what a client needs that is started in DIR\n"
@@ -29,6 +30,7 @@ bool Options::parse(int count, char **arguments)
     };
     const std::map<std::string, Form> forms{
         {"check", {Command::Check, Argument::None}},
+        {"add", {Command::Add, Argument::None}},
         {"probe", {Command::Probe, Argument::Needed}},
         {"prepare", {Command::Prepare, Argument::Maybe}},
         {"client-files", {Command::ClientFiles, Argument::Needed}},

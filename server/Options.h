@@ -7,7 +7,7 @@ namespace ZorvaneServer {
 
 /// The command line.
 struct Options {
-    enum class Command { Run, Check, Probe, Prepare, ClientFiles, Status, Help, Version };
+    enum class Command { Run, Check, Add, Probe, Prepare, ClientFiles, Status, Help, Version };
 
     Command command = Command::Run;
     std::string configFile; ///< empty: the usual one

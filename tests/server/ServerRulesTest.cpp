@@ -196,7 +196,8 @@ private slots:
             {"file", "wrong"},
             {{"two lines", "[camera Front door]|url = rtsp://a:b@10.0.0.9/1", ""},
              {"all there is",
-              "# x|[archive]|folder=/a|days=3|bytes=5G|keep_free=5%|[camera Ä]|url=file:a|"
+              "# x|[archive]|folder=/a|days=3|bytes=5G|keep_free=5%|[service]|address=0.0.0.0|"
+              "port=1|cameras_port=65535|state=/s|[camera Ä]|url=file:a|"
               "sub=http://h/b|transport=udp|sound=no",
               ""},
              {"nothing", "", "0"},
@@ -216,6 +217,10 @@ private slots:
              {"numbers",
               "[archive]|days = 0|bytes = 5X|keep_free = 95%|folder = a|[camera A]|url = file:a",
               "2 3 4 5"},
+             {"service",
+              "[service]|address = localhost|port = 0|cameras_port = 8843|state = s|"
+              "[camera A]|url = file:a",
+              "2 3 4 5"},
              {"words", "[camera A]|url = file:a|transport = tls|sound = 1", "3 4"}});
     }
 
@@ -233,6 +238,9 @@ private slots:
         const auto &camera = result.cameras.front();
         const bool isWhole = camera.sub.has_value();
         QCOMPARE(camera.main.overUdp, isWhole);
+        QCOMPARE(result.service.address, std::string(isWhole ? "0.0.0.0" : "127.0.0.1"));
+        QCOMPARE(result.service.camerasHost(), std::string("127.0.0.1"));
+        QCOMPARE(result.service.camerasPort, isWhole ? 65535 : 8880);
         QCOMPARE(camera.main.withSound, !isWhole);
         QCOMPARE(QString::fromStdString(camera.name), isWhole ? "Ä"_s : "Front door"_s);
     }
