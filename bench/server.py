@@ -7,6 +7,7 @@ import argparse
 import glob
 import os
 import pathlib
+import socket
 import subprocess
 import sys
 import tempfile
@@ -42,12 +43,20 @@ class Cameras:
         self.addresses = [self.process.stdout.readline().strip() for _ in range(count)]
 
 
+def free_port():
+    with socket.socket() as one:
+        one.bind(("127.0.0.1", 0))
+        return one.getsockname()[1]
+
+
 def zorvane(folder, addresses):
     archive = folder / "archive"
     program = os.environ.get("ZORVANE_SERVER", PROJECT / "build/release/bin/zorvane-server")
     subprocess.run([program, "prepare", archive], check=True)
     cameras = "".join(f"[camera {i}]\nurl = {url}\n" for i, url in enumerate(addresses))
-    (folder / "conf").write_text(f"[archive]\nfolder = {archive}\nkeep_free = 0%\n{cameras}")
+    (folder / "conf").write_text(
+        f"[service]\nstate = {folder}/state\nport = {free_port()}\ncameras_port = {free_port()}\n"
+        f"[archive]\nfolder = {archive}\nkeep_free = 0%\n{cameras}")
     return [subprocess.Popen([program, "--config", folder / "conf"],
                              stderr=subprocess.DEVNULL)]
 

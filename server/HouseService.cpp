@@ -78,7 +78,7 @@ HouseService::HouseService(const Configuration::Service &where, const StateFolde
 std::string HouseService::bind()
 {
     Certificates files;
-    if (const std::string failure = certificates(stateFolder, &files); !failure.empty())
+    if (std::string failure = certificates(stateFolder, &files); !failure.empty())
         return failure;
     const HttpServer::Tls tls{files.serverFile, files.serverKeyFile};
     HttpLimits limits;

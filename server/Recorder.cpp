@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "server/Recorder.h"
 
+#include <utility>
+
 #include "server/Log.h"
 #include "server/WallClock.h"
 
@@ -56,11 +58,14 @@ void Recorder::take(std::size_t stream, PacketPtr packet)
 {
     Lane &lane = *lanes[stream];
     int dropped = 0;
+    bool wakes = false;
     {
         const std::lock_guard<std::mutex> lock(mutex);
         dropped = lane.queue.push(std::move(packet), steadyTime());
+        wakes = std::exchange(isIdle, false);
     }
-    wake.notify_one();
+    if (wakes)
+        wake.notify_one();
     if (dropped == 0)
         return;
     lane.dropped += dropped;
@@ -82,6 +87,7 @@ void Recorder::run()
     std::unique_lock<std::mutex> lock(mutex);
     int triesLeft = lastTries;
     while (!isOver || (hasWork() && triesLeft > 0)) {
+        isIdle = !hasWork();
         wake.wait(lock, [this] { return isOver || hasWork(); });
         wake.wait_for(lock, gather, [this] { return isOver; });
         bool wroteAll = true;

@@ -59,6 +59,7 @@ private:
     std::mutex mutex;
     std::condition_variable wake;
     bool isOver = false;
+    bool isIdle = false; ///< the thread waits for work
     std::thread thread;
 };
 

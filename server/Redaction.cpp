@@ -72,9 +72,14 @@ std::string unescaped(const std::string &text)
 void Redaction::learn(const std::string &url)
 {
     const std::size_t scheme = url.find("://");
-    const std::string user = userInfo(scheme == std::string::npos ? url : url.substr(scheme + 3));
-    if (const std::size_t colon = user.find(':'); colon != std::string::npos)
-        add(user.substr(colon + 1));
+    const std::string address = scheme == std::string::npos ? url : url.substr(scheme + 3);
+    // Where it ends isn't agreed upon when characters aren't escaped that should be.
+    for (const std::size_t end :
+         {address.size(), endOfAddress(address, 0), address.find_first_of("/?#")}) {
+        const std::string user = userInfo(address.substr(0, end));
+        if (const std::size_t colon = user.find(':'); colon != std::string::npos)
+            add(user.substr(colon + 1));
+    }
     forEachSecretValue(url,
                        [&](std::size_t begin, std::size_t size) { add(url.substr(begin, size)); });
 }

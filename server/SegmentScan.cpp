@@ -11,12 +11,12 @@ namespace ZorvaneServer {
 
 namespace {
 
-/// The header of a cluster; nothing for any other element.
+/// The header of a cluster of ours, which has room for its size; nothing for any other element.
 std::optional<Ebml::Header> clusterAt(FileWindow &file, std::uint64_t offset)
 {
     const FileWindow::View head = file.at(offset, Ebml::longestHeader);
     const auto element = Ebml::readHeader(head.data, head.size);
-    if (!element || element->id != MatroskaId::Cluster)
+    if (!element || element->id != MatroskaId::Cluster || element->bytes != Ebml::longestHeader)
         return {};
     return element;
 }

@@ -13,6 +13,7 @@ namespace {
 std::vector<std::string> namesOf(const std::vector<Configuration::Camera> &cameras)
 {
     std::vector<std::string> names;
+    names.reserve(cameras.size());
     for (const Configuration::Camera &camera : cameras)
         names.push_back(camera.name);
     return names;

@@ -69,7 +69,7 @@ bool Accounts::isAccount(const std::string &givenEmail, const std::string &given
 
 std::string Accounts::newSession()
 {
-    const std::string session = randomId();
+    std::string session = randomId();
     const std::lock_guard<std::mutex> lock(mutex);
     sessions.insert(session);
     store();

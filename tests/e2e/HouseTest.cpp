@@ -175,6 +175,43 @@ private slots:
         }
     }
 
+    /// Each wrong password costs a second, and after ten the right one doesn't help either.
+    void guessingIsLockedOut()
+    {
+        const QSettings profile("service.ini", QSettings::IniFormat);
+        const auto port = profile.value("service/flvHost"_s).toString().section(':', 1).toUShort();
+        const auto ask = [port](const QByteArray &password) {
+            auto socket = std::make_unique<QTcpSocket>();
+            socket->connectToHost(QHostAddress::LocalHost, port);
+            socket->write("GET /vs_info/?server=1&sessionId=" + password +
+                          " HTTP/1.1\r\nConnection: close\r\n\r\n");
+            return socket;
+        };
+        const auto status = [](const std::unique_ptr<QTcpSocket> &socket) {
+            const bool ended = QTest::qWaitFor(
+                [&] { return socket->state() == QAbstractSocket::UnconnectedState; },
+                replyDeadlineMs);
+            return ended ? socket->readAll().mid(9, 3) : "none";
+        };
+        // Whoever knows the password is forgiven what was wrong before, so nobody else may ask.
+        QVERIFY(leave());
+        const QByteArray password = House::content("state/password").trimmed();
+        QCOMPARE(status(ask(password)), QByteArray("200"));
+        QElapsedTimer time;
+        time.start();
+        QCOMPARE(status(ask(password.left(19) + '!')), QByteArray("403"));
+        QVERIFY(time.elapsed() >= 1000);
+        const auto isLocked = [&] {
+            std::vector<std::unique_ptr<QTcpSocket>> guesses;
+            for (int i = 0; i < 10; ++i)
+                guesses.push_back(ask(password.left(19) + '!'));
+            const bool refused = std::all_of(guesses.begin(), guesses.end(),
+                                             [&](const auto &one) { return status(one) == "403"; });
+            return refused && status(ask(password)) == "403";
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(isLocked(), pollDeadlineMs);
+    }
+
     void cleanupTestCase()
     {
         leave();

@@ -126,6 +126,36 @@ private slots:
         QCOMPARE(connections.join(", "), "320 aac, 160 -, 320 aac"_s);
     }
 
+    /// One that changes its settings goes on as another from its next key picture.
+    void changesItsMind()
+    {
+        const QStringList common = {
+            "-c:v", "libx264", "-an", "-g", "10", "-flvflags", "no_duration_filesize"};
+        const QByteArray large = clip("c.flv", common);
+        const QByteArray small = clip("d.flv", common + QStringList{"-s", "160x90"});
+        constexpr int fileHead = 13;
+        ScriptedCamera camera({{large + small.mid(fileHead), true}});
+        std::mutex mutex;
+        QStringList pictures;
+        Capture capture(
+            "A", {"http://127.0.0.1:%1/live.flv"_s.arg(camera.serverPort()).toStdString()},
+            [&](PacketPtr packet) {
+                const std::lock_guard<std::mutex> lock(mutex);
+                if (packet)
+                    pictures << QString::number(packet->format->width) + (packet->isKey ? "K" : "");
+            });
+        const auto count = [&](const QString &kind) {
+            const std::lock_guard<std::mutex> lock(mutex);
+            return int(pictures.count(kind));
+        };
+        capture.start();
+        QTRY_COMPARE_WITH_TIMEOUT(count("160") + count("160K"), 75, 60'000);
+        capture.stop();
+        QCOMPARE(count("320") + count("320K"), 75);
+        QCOMPARE(pictures.indexOf("160K"), 75);
+        QCOMPARE(camera.connections, 1);
+    }
+
     /// Units of a picture in either form, in hex; "AUD" and what the record says go.
     void pictures_data()
     {
