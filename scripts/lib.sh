@@ -69,3 +69,31 @@ start_display() {
     rm -f "$pipe"
     export DISPLAY=":$number"
 }
+
+# Where the first card of the client's side list stands in its window.
+card_x=190 card_y=150
+
+# The main window is the one as wide as the side list and the grid together.
+main_window() {
+    local id
+    for id in $(xdotool search --onlyvisible --pid "$client_pid" 2>/dev/null); do
+        eval "$(xdotool getwindowgeometry --shell "$id" 2>/dev/null)" || continue
+        [ "${WIDTH:-0}" -ge 900 ] && { echo "$id"; return 0; }
+    done
+    return 1
+}
+
+# wait_for_main_window: sets window to the one of the client that is client_pid, whose output
+# goes to $data/client.out.
+wait_for_main_window() {
+    window=
+    for _ in $(seq 150); do
+        kill -0 "$client_pid" 2>/dev/null || fail "the client ended (see $data/client.out)"
+        window=$(main_window) && break
+        sleep 0.2
+    done
+    [ -n "$window" ] || fail "no main window within 30 seconds"
+}
+
+# capture FILE: the picture of that window.
+capture() { import -window "$window" "$1"; }

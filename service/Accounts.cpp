@@ -39,10 +39,12 @@ nlohmann::json emptyDocument()
 
 } // namespace
 
-Accounts::Accounts(std::string accountEmail, std::string accountPassword, std::string file)
+Accounts::Accounts(std::string accountEmail, std::string accountPassword, std::string file,
+                   std::optional<FormerContents> formerLayouts)
     : email(std::move(accountEmail))
     , password(std::move(accountPassword))
     , stateFile(std::move(file))
+    , former(std::move(formerLayouts))
     , document(emptyDocument())
 {
     std::ifstream in(stateFile);
@@ -105,6 +107,10 @@ nlohmann::json Accounts::layouts() const
 void Accounts::saveLayouts(const nlohmann::json &list)
 {
     const std::lock_guard<std::mutex> lock(mutex);
+    const bool isFirst = document["last_update"] == 0;
+    // Clients that have nothing new send the same list again and again.
+    if (former && !isFirst && document["layouts"] != list && !former->keep(document.dump(2) + '\n'))
+        std::fprintf(stderr, "%s: cannot keep the former layouts\n", program_invocation_short_name);
     document = {{"last_update", static_cast<std::int64_t>(std::time(nullptr))}, {"layouts", list}};
     store();
 }

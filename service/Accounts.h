@@ -5,8 +5,11 @@
 
 #include <atomic>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
+
+#include "service/FormerContents.h"
 
 namespace ZorvaneService {
 
@@ -15,7 +18,9 @@ namespace ZorvaneService {
 class Accounts
 {
 public:
-    Accounts(std::string email, std::string password, std::string stateFile);
+    /// With `formerLayouts`, lists of layouts that were replaced are kept under that name.
+    Accounts(std::string email, std::string password, std::string stateFile,
+             std::optional<FormerContents> formerLayouts = {});
 
     bool isAccount(const std::string &givenEmail, const std::string &givenPassword) const;
     /// Its id.
@@ -40,6 +45,7 @@ private:
     std::string email;
     std::string password;
     std::string stateFile;
+    const std::optional<FormerContents> former;
     std::atomic<bool> signInRefused{false};
     mutable std::mutex mutex;
     std::set<std::string> sessions;

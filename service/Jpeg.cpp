@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <iterator>
 
-#include "service/AvHandles.h"
 #include "service/NalUnit.h"
 
 namespace ZorvaneService {
@@ -27,26 +26,9 @@ Bytes standalone(const MediaFormat &format, const Bytes &keyFrame)
     Bytes out;
     appendUnit(format.sps.data(), format.sps.size(), &out);
     appendUnit(format.pps.data(), format.pps.size(), &out);
-    for (const NalUnit &unit : unitsAfterLengths(keyFrame))
+    for (const NalUnit &unit : unitsAfterLengths(keyFrame.data(), keyFrame.size()))
         appendUnit(unit.data, unit.size, &out);
     return out;
-}
-
-FrameHandle decoded(const Bytes &stream)
-{
-    const CodecHandle codec(avcodec_alloc_context3(avcodec_find_decoder(AV_CODEC_ID_H264)));
-    codec->thread_count = 1;
-    codec->flags |= AV_CODEC_FLAG_LOW_DELAY;
-    const PacketHandle packet(av_packet_alloc());
-    FrameHandle frame(av_frame_alloc());
-    if (avcodec_open2(codec.get(), nullptr, nullptr) < 0 ||
-        av_new_packet(packet.get(), static_cast<int>(stream.size())) < 0)
-        return nullptr;
-    std::copy(stream.begin(), stream.end(), packet->data);
-    if (avcodec_send_packet(codec.get(), packet.get()) < 0)
-        return nullptr;
-    avcodec_send_packet(codec.get(), nullptr);
-    return avcodec_receive_frame(codec.get(), frame.get()) == 0 ? std::move(frame) : nullptr;
 }
 
 /// JPEG knows no other levels than 0 to 255. False for a picture that is not 4:2:0.
@@ -79,10 +61,32 @@ bool toFullRange(AVFrame *frame)
 
 } // namespace
 
+FrameHandle decoded(const MediaFormat &format, const Bytes &keyFrame)
+{
+    const Bytes stream = standalone(format, keyFrame);
+    const CodecHandle codec(avcodec_alloc_context3(avcodec_find_decoder(AV_CODEC_ID_H264)));
+    codec->thread_count = 1;
+    codec->flags |= AV_CODEC_FLAG_LOW_DELAY;
+    const PacketHandle packet(av_packet_alloc());
+    FrameHandle frame(av_frame_alloc());
+    if (avcodec_open2(codec.get(), nullptr, nullptr) < 0 ||
+        av_new_packet(packet.get(), static_cast<int>(stream.size())) < 0)
+        return nullptr;
+    std::copy(stream.begin(), stream.end(), packet->data);
+    if (avcodec_send_packet(codec.get(), packet.get()) < 0)
+        return nullptr;
+    avcodec_send_packet(codec.get(), nullptr);
+    return avcodec_receive_frame(codec.get(), frame.get()) == 0 ? std::move(frame) : nullptr;
+}
+
 std::string jpegOf(const MediaFormat &format, const Bytes &keyFrame)
 {
-    const FrameHandle frame = decoded(standalone(format, keyFrame));
-    if (!frame || !toFullRange(frame.get()))
+    return jpegOf(decoded(format, keyFrame).get());
+}
+
+std::string jpegOf(AVFrame *frame)
+{
+    if (!frame || !toFullRange(frame))
         return {};
     const CodecHandle codec(avcodec_alloc_context3(avcodec_find_encoder(AV_CODEC_ID_MJPEG)));
     codec->width = frame->width;
@@ -98,7 +102,7 @@ std::string jpegOf(const MediaFormat &format, const Bytes &keyFrame)
         return {};
     frame->quality = codec->global_quality;
     frame->pict_type = AV_PICTURE_TYPE_NONE;
-    if (avcodec_send_frame(codec.get(), frame.get()) < 0 ||
+    if (avcodec_send_frame(codec.get(), frame) < 0 ||
         avcodec_receive_packet(codec.get(), packet.get()) < 0)
         return {};
     return std::string(reinterpret_cast<const char *>(packet->data),

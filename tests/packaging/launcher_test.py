@@ -329,6 +329,65 @@ class LauncherTest(unittest.TestCase):
         os.kill(client["pid"], signal.SIGKILL)
         wait_for("end of the service", lambda: not (self.root / "demo").exists())
 
+    def test_home(self):
+        """Which programs it starts, with stand-ins for all of them: a server that runs has left
+        its mark, and so has one of the whole machine."""
+        data = self.home / ".local/share"
+        state, client = data / "zorvane-server", data / "zorvane-home"
+        marks = self.root / "marks"
+        for name, does in {
+                "zorvane-server": """case $1 in
+                    status) [ -e $m/runs ] ;; check) [ -e $m/sound ] ;;
+                    prepare) mkdir "$2" ;; client-files) mkdir -p "$2"; touch "$2/service.ini" ;;
+                    *) [ -e $m/starts ] && touch $m/runs || echo taken >&2 ;; esac""",
+                "systemctl": "[ -e $m/machine ]",
+                "sudo": '"$@"',
+                "zorvane-client": ":"}.items():
+            write_program(self.root / "path" / name, f"""#!/bin/bash
+                m={marks}
+                [ "{name} $1" = "zorvane-server status" ] || [ {name} = systemctl ] \\
+                    || echo "{name} $*" >>{self.root}/did
+                {does}
+                """)
+        place = self.root / "bin/zorvane-home"
+        write_program(place, (source / "zorvane-home").read_text().replace(
+            "\nanswer_seconds=20\n", "\nanswer_seconds=1\n"))
+        prepare = f"zorvane-server prepare {state}/archive"
+        files = f"zorvane-server client-files {client}"
+        show = f"zorvane-client --folder {client}"
+        check, start = "zorvane-server check", "zorvane-server "
+        for marked, kept, arguments, status, did, errors in (
+                ("", "", ["--what"], 2, [], "Usage"),
+                ("", "", ["--help"], 0, [], ""),
+                ("", "", [], 1, [prepare, check], "no cameras"),
+                ("sound", "", [], 1, [prepare, check, start], "ends with: taken"),
+                ("sound starts", "", [], 0, [prepare, check, start, files, show], ""),
+                ("sound starts", "archive", [], 0, [check, start, files, show], ""),
+                ("runs", "archive", [], 0, [files, show], ""),
+                ("runs", "archive service.ini", [], 0, [show], ""),
+                ("runs", "service.ini", ["--kiosk", "A b"], 0, [f"{show} --kiosk A b"], ""),
+                ("machine", "", [], 0, [f"sudo {files}", files, show], ""),
+                ("machine", "service.ini", [], 0, [show], "")):
+            with self.subTest(marked=marked, kept=kept, arguments=arguments):
+                shutil.rmtree(data, ignore_errors=True)
+                shutil.rmtree(marks, ignore_errors=True)
+                (self.root / "did").unlink(missing_ok=True)
+                marks.mkdir()
+                for mark in marked.split():
+                    (marks / mark).touch()
+                for folder, name in ((state, "archive"), (client, "service.ini")):
+                    if name in kept:
+                        folder.mkdir(parents=True)
+                        (folder / name).touch()
+                result = subprocess.run([place, *arguments], env=self.environment, text=True,
+                                        capture_output=True, timeout=patience)
+                self.assertEqual(result.returncode, status, result.stderr)
+                done = self.root / "did"
+                self.assertEqual(done.read_text().splitlines() if done.exists() else [], did)
+                self.assertIn(errors, result.stderr)
+                if prepare in did:
+                    self.assertEqual(stat.S_IMODE(state.stat().st_mode), 0o700)
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/service/Program.h"
+#include "tests/service/ServerProgram.h"
 
 /// What the client asks for, of each program that answers it.
 class InterfaceTest : public QObject
@@ -11,13 +11,14 @@ private slots:
     {
         QTest::addColumn<QString>("program");
         QTest::newRow("demo") << "demo"_s;
+        QTest::newRow("server") << "server"_s;
     }
 
     void init()
     {
         QFETCH_GLOBAL(QString, program);
         if (!running.contains(program)) {
-            running[program] = std::make_shared<DemoProgram>();
+            running[program] = programNamed(program);
             QVERIFY(running[program]->start());
         }
         tested = running[program];
@@ -122,6 +123,13 @@ private slots:
     }
 
 private:
+    static std::shared_ptr<Program> programNamed(const QString &name)
+    {
+        if (name == "demo")
+            return std::make_shared<DemoProgram>();
+        return std::make_shared<ServerProgram>();
+    }
+
     QHash<QString, std::shared_ptr<Program>> running;
     std::shared_ptr<Program> tested;
     ServiceClient client;

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: MIT
+#include "server/Configuration.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+#include "server/ConfigurationParser.h"
+
+namespace ZorvaneServer {
+
+namespace {
+
+constexpr std::int64_t percent = 100;
+
+} // namespace
+
+KeepRules Configuration::Archive::rules(std::int64_t diskBytes) const
+{
+    const std::int64_t share = diskBytes / percent * keepFreePercent;
+    return {days, bytes, keepFreeBytes > 0 ? keepFreeBytes : share};
+}
+
+Configuration Configuration::parse(const std::string &text, const std::string &fileName)
+{
+    Configuration configuration;
+    ConfigurationParser parser(fileName, configuration);
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        parser.take(line);
+    parser.finish();
+    return configuration;
+}
+
+Configuration Configuration::read(const std::string &fileName, const std::string &stateFolder)
+{
+    Configuration configuration;
+    std::ifstream file(fileName);
+    std::ostringstream text;
+    if (file && text << file.rdbuf())
+        configuration = parse(text.str(), fileName);
+    else
+        configuration.errors.push_back(fileName + ": " + std::strerror(errno));
+    if (configuration.service.stateFolder.empty())
+        configuration.service.stateFolder = stateFolder;
+    if (configuration.archive.folder.empty())
+        configuration.archive.folder = configuration.service.stateFolder + "/archive";
+    return configuration;
+}
+
+} // namespace ZorvaneServer

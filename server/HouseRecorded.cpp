@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+#include "server/HouseRecorded.h"
+
+#include <algorithm>
+#include <thread>
+
+#include "server/SegmentScan.h"
+#include "server/UtcTime.h"
+#include "service/MediaLibrary.h"
+
+namespace ZorvaneServer {
+
+namespace {
+
+// More are seen as a movement no better, and cost reading.
+constexpr int mostKeyFramesPerSecond = 12;
+// How often a segment is looked at that grows. Nobody sees it: what is played is sent ahead.
+constexpr std::chrono::milliseconds glance{100};
+// Between the last picture of a segment and the first of one that follows without a gap.
+constexpr std::int64_t farthestMs = PictureLength::longestMs + Catalogue::gapMs;
+
+} // namespace
+
+HouseRecorded::HouseRecorded(const ArchiveFolder &archive, const Catalogue &segments,
+                             std::vector<StreamId> cameraStreams, int playSpeed)
+    : folder(archive)
+    , catalogue(segments)
+    , streams(std::move(cameraStreams))
+    , speed(playSpeed)
+    , wire(playSpeed == 1)
+{
+}
+
+bool HouseRecorded::hasKeyFramesOnly() const
+{
+    return speed >= ZorvaneService::MediaLibrary::keyFramesOnlyFrom;
+}
+
+/// Of the best stream that has something at the moment, or so soon after it; else the first one
+/// behind it of any.
+std::optional<HouseRecorded::Found> HouseRecorded::find(std::int64_t momentMs,
+                                                        std::int64_t gapMs) const
+{
+    std::optional<Found> nearest;
+    for (const StreamId &one : streams) {
+        const auto segment = catalogue.segmentFrom(one, momentMs);
+        if (!segment)
+            continue;
+        if (segment->name.startMs <= momentMs + gapMs)
+            return Found{one, *segment};
+        if (!nearest || segment->name.startMs < nearest->segment.name.startMs)
+            nearest = Found{one, *segment};
+    }
+    return nearest;
+}
+
+bool HouseRecorded::open(const Found &found)
+{
+    SegmentName name = found.segment.name;
+    auto opened = SegmentReader::open(folder.pathOf(found.stream, name));
+    if (!opened) {
+        // It may have been finished just now, and has another name.
+        const auto again = catalogue.segmentFrom(found.stream, name.startMs);
+        if (again && again->name.startMs == name.startMs)
+            opened = SegmentReader::open(folder.pathOf(found.stream, again->name));
+    }
+    if (!opened)
+        return false;
+    reader = std::move(opened);
+    stream = found.stream;
+    return true;
+}
+
+std::optional<std::int64_t> HouseRecorded::seek(const ZorvaneService::Record &record,
+                                                std::int64_t momentMs)
+{
+    reader.reset();
+    const std::int64_t wantedMs = std::max(momentMs, record.startMs);
+    wire.beginSoundAt(wantedMs);
+    awaitsKey = false;
+    const auto found = find(wantedMs, 0);
+    if (!found || found->segment.name.startMs >= record.endMs || !open(*found) ||
+        !reader->seek(wantedMs - reader->startMs()))
+        return {};
+    first = reader->next();
+    if (!first)
+        return {};
+    lastMs = first->momentMs;
+    return lastMs;
+}
+
+HouseRecorded::Outcome HouseRecorded::read(ZorvaneService::MediaPacket *packet)
+{
+    if (wire.takeMore(packet))
+        return Outcome::Packet;
+    while (reader) {
+        PacketPtr found = next();
+        if (!found) {
+            const auto current = catalogue.segmentAt(stream, reader->startMs());
+            const bool grows = current && current->name.isGrowing();
+            const auto after = follower(std::max(current ? current->endMs : 0, lastMs), grows);
+            // What the segment has got since comes before what follows it.
+            found = next();
+            if (!found && after && open(*after)) {
+                awaitsKey = true;
+                reader->seek(lastMs + 1 - reader->startMs());
+                continue;
+            }
+            if (!found && !grows)
+                return Outcome::End;
+            if (!found) {
+                std::this_thread::sleep_for(glance);
+                return Outcome::NotYet;
+            }
+        }
+        if (found->track == Track::Video)
+            lastMs = std::max(lastMs, found->momentMs);
+        if (wire.turn(*found, found->momentMs, packet))
+            return Outcome::Packet;
+    }
+    return Outcome::End;
+}
+
+/// What goes on where the segment ends, if anything does. As long as it grows only its own stream
+/// can.
+std::optional<HouseRecorded::Found> HouseRecorded::follower(std::int64_t endMs, bool grows) const
+{
+    auto found = find(endMs, farthestMs);
+    if (const auto own = catalogue.segmentFrom(stream, endMs); grows)
+        found = own ? std::optional<Found>({stream, *own}) : std::nullopt;
+    if (!found || found->segment.name.startMs > endMs + farthestMs)
+        return {};
+    const bool isSame = found->stream == stream && found->segment.name.startMs == reader->startMs();
+    return isSame ? std::nullopt : found;
+}
+
+PacketPtr HouseRecorded::next()
+{
+    if (first)
+        return std::exchange(first, nullptr);
+    return hasKeyFramesOnly() ? nextKeyPicture() : nextOfAll();
+}
+
+PacketPtr HouseRecorded::nextOfAll()
+{
+    while (PacketPtr packet = reader->next()) {
+        if (awaitsKey && !(packet->isKeyPicture() && packet->momentMs > lastMs))
+            continue;
+        awaitsKey = false;
+        return packet;
+    }
+    return nullptr;
+}
+
+PacketPtr HouseRecorded::nextKeyPicture()
+{
+    const std::int64_t stepMs = speed * secondMs / mostKeyFramesPerSecond;
+    const std::int64_t timeMs = lastMs + stepMs - reader->startMs();
+    const auto &known = reader->keyFrames();
+    const auto chosen = std::lower_bound(
+        known.begin(), known.end(), timeMs,
+        [](const KeyFrame &keyFrame, std::int64_t time) { return keyFrame.timeMs < time; });
+    return chosen == known.end() ? nullptr : reader->keyPicture(*chosen);
+}
+
+} // namespace ZorvaneServer

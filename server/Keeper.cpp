@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+#include "server/Keeper.h"
+
+#include <algorithm>
+
+#include "server/Log.h"
+#include "server/UtcTime.h"
+#include "server/WallClock.h"
+
+namespace ZorvaneServer {
+
+namespace {
+
+// Free space may fall so far below the rule before it is looked at.
+constexpr std::int64_t checksPerDisk = 200;
+constexpr std::int64_t leastCheck = std::int64_t(1) << 20;
+constexpr std::int64_t mostCheck = std::int64_t(64) << 20;
+// Rounds are seconds apart, unless the machine slept or its clock was set.
+constexpr std::int64_t longestPauseMs = 60 * minuteMs;
+
+} // namespace
+
+Keeper::Keeper(const ArchiveFolder &archiveFolder, Catalogue &known, const KeepRules &keepRules)
+    : folder(archiveFolder), catalogue(known), rules(keepRules)
+{
+}
+
+Keeper::~Keeper()
+{
+    stop();
+}
+
+void Keeper::start()
+{
+    checkEvery = std::clamp(folder.room().totalBytes / checksPerDisk, leastCheck, mostCheck);
+    thread = std::thread([this] { run(); });
+}
+
+void Keeper::stop()
+{
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        isOver = true;
+    }
+    wake.notify_one();
+    if (thread.joinable())
+        thread.join();
+}
+
+void Keeper::wrote(std::int64_t bytes)
+{
+    if (unchecked.fetch_add(bytes) + bytes < checkEvery)
+        return;
+    unchecked = 0;
+    const std::lock_guard<std::mutex> lock(mutex);
+    isDue = true;
+    wake.notify_one();
+}
+
+void Keeper::needsRoom()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    isFull = true;
+    isDue = true;
+    wake.notify_one();
+}
+
+void Keeper::run()
+{
+    std::unique_lock<std::mutex> lock(mutex);
+    while (!isOver) {
+        const int least = isFull ? 1 : 0;
+        isFull = false;
+        isDue = false;
+        lock.unlock();
+        round(wallMs(), least);
+        lock.lock();
+        wake.wait_for(lock, interval, [this] { return isOver || isDue; });
+    }
+}
+
+/// Names don't tell how large files are; that is only asked for where a rule needs it.
+void Keeper::measure()
+{
+    if (isMeasured || !rules.bytes)
+        return;
+    for (const auto &[stream, name] : catalogue.unmeasured())
+        catalogue.setBytes(stream, name, folder.sizeOf(stream, name));
+    isMeasured = true;
+}
+
+bool Keeper::knowsAge(std::int64_t nowMs)
+{
+    if (nowMs < latestRoundMs || nowMs - latestRoundMs > longestPauseMs)
+        steadySinceMs = nowMs;
+    latestRoundMs = nowMs;
+    return nowMs - steadySinceMs >= dayMs || catalogue.holdsAny(nowMs - 2 * dayMs, nowMs - dayMs);
+}
+
+int Keeper::round(std::int64_t nowMs, int least)
+{
+    if (!folder.isReady())
+        return 0;
+    measure();
+    KeepRules believed = rules;
+    if (!knowsAge(nowMs))
+        believed.days.reset();
+    int gone = 0;
+    while (const auto oldest = catalogue.oldest()) {
+        const auto &[stream, segment] = *oldest;
+        const KeepRules::State state{nowMs, segment.endMs, catalogue.knownBytes(),
+                                     folder.room().freeBytes};
+        if (gone >= least && !believed.mustGo(state))
+            break;
+        if (!folder.remove(stream, segment.name))
+            Log::say("cannot remove " + folder.pathOf(stream, segment.name));
+        // What can't be removed isn't tried again until the next start.
+        catalogue.remove(stream, segment.name);
+        ++gone;
+    }
+    return gone;
+}
+
+} // namespace ZorvaneServer

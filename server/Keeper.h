@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include "server/ArchiveFolder.h"
+#include "server/Catalogue.h"
+#include "server/KeepRules.h"
+
+namespace ZorvaneServer {
+
+/// Removes the oldest segments by the rules, on a thread of its own: every ten seconds, after
+/// so much has been written that the rules may be broken, and at once when there is no room. A
+/// clock that was set wrong doesn't make it remove anything for its age: it has to tell the same
+/// for a day first, or the archive that there was a yesterday.
+class Keeper
+{
+public:
+    static constexpr auto interval = std::chrono::seconds(10);
+
+    Keeper(const ArchiveFolder &folder, Catalogue &catalogue, const KeepRules &rules);
+    ~Keeper();
+    Keeper(const Keeper &) = delete;
+    Keeper &operator=(const Keeper &) = delete;
+
+    void start();
+    void stop();
+    /// So much has been written.
+    void wrote(std::int64_t bytes);
+    /// The disk is full, whatever the rules say of it.
+    void needsRoom();
+
+    /// One round; `least` segments go in any case, as far as there are any. How many went.
+    int round(std::int64_t nowMs, int least);
+
+private:
+    void run();
+    void measure();
+    bool knowsAge(std::int64_t nowMs);
+
+    const ArchiveFolder &folder;
+    Catalogue &catalogue;
+    const KeepRules rules;
+    std::atomic<std::int64_t> unchecked{0}; ///< bytes written since the last round
+    std::int64_t checkEvery = 0;
+    bool isMeasured = false;
+    std::int64_t latestRoundMs = 0;
+    std::int64_t steadySinceMs = 0; ///< the clock hasn't jumped since
+
+    std::mutex mutex;
+    std::condition_variable wake;
+    bool isFull = false;
+    bool isDue = false;
+    bool isOver = false;
+    std::thread thread;
+};
+
+} // namespace ZorvaneServer

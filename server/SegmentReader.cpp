@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: MIT
+#include "server/SegmentReader.h"
+
+#include <algorithm>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "server/SegmentScan.h"
+
+namespace ZorvaneServer {
+
+std::unique_ptr<SegmentReader> SegmentReader::open(const std::string &path)
+{
+    Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file)
+        return nullptr;
+    FileWindow window(file.get());
+    const FileWindow::View view = window.at(0, SegmentHead::bytes);
+    auto head = SegmentHead::decode(view.data, view.size);
+    if (!head)
+        return nullptr;
+    return std::unique_ptr<SegmentReader>(new SegmentReader(std::move(file), std::move(*head)));
+}
+
+SegmentReader::SegmentReader(Descriptor segmentFile, SegmentHead segmentHead)
+    : file(std::move(segmentFile))
+    , head(std::move(segmentHead))
+    , streamFormat(std::make_shared<StreamFormat>(head.format))
+    , window(file.get())
+    , walk(window, SegmentHead::bytes)
+{
+}
+
+const std::vector<KeyFrame> &SegmentReader::keyFrames()
+{
+    if (!head.lengthMs) {
+        const bool begun = !head.keyFrames.empty();
+        const std::uint64_t from = begun ? head.keyFrames.back().offset : SegmentHead::bytes;
+        if (begun)
+            head.keyFrames.pop_back();
+        const SegmentScan scan = SegmentScan::from(window, from);
+        head.keyFrames.insert(head.keyFrames.end(), scan.keyFrames.begin(), scan.keyFrames.end());
+    }
+    return head.keyFrames;
+}
+
+bool SegmentReader::seek(std::int64_t timeMs)
+{
+    const std::vector<KeyFrame> &known = keyFrames();
+    const auto after = std::upper_bound(
+        known.begin(), known.end(), timeMs,
+        [](std::int64_t time, const KeyFrame &keyFrame) { return time < keyFrame.timeMs; });
+    // A cluster may have further key frames behind its first.
+    BlockWalk search(window, after == known.begin() ? SegmentHead::bytes : (after - 1)->offset);
+    bool found = false;
+    for (BlockWalk before = search; const auto block = search.next(); before = search) {
+        if (block->isKeyPicture() && (!found || block->timeMs <= timeMs)) {
+            walk = before;
+            found = true;
+        }
+        if (found && block->track == Track::Video && block->timeMs > timeMs)
+            break;
+    }
+    return found;
+}
+
+PacketPtr SegmentReader::next()
+{
+    const auto block = walk.next();
+    return block ? packetOf(*block) : nullptr;
+}
+
+PacketPtr SegmentReader::keyPicture(const KeyFrame &keyFrame)
+{
+    const auto block = BlockWalk(window, keyFrame.offset).next();
+    return block && block->isKeyPicture() ? packetOf(*block) : nullptr;
+}
+
+PacketPtr SegmentReader::packetOf(const Block &block) const
+{
+    auto packet = std::make_shared<MediaPacket>();
+    packet->track = block.track;
+    packet->isKey = block.isKey;
+    packet->momentMs = head.startMs + block.timeMs;
+    packet->format = streamFormat;
+    packet->data.resize(block.size);
+    const ssize_t got =
+        pread(file.get(), packet->data.data(), block.size, static_cast<off_t>(block.offset));
+    return got == static_cast<ssize_t>(block.size) ? packet : nullptr;
+}
+
+} // namespace ZorvaneServer

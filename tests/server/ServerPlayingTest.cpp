@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: MIT
+#include "tests/server/House.h"
+
+#include <future>
+
+using namespace ZorvaneServer;
+
+/// What is recorded, as it is asked for and sent. Moments are those that the pictures tell.
+class ServerPlayingTest : public QObject
+{
+    Q_OBJECT
+
+    static constexpr int pictureMs = House::pictureMs;
+    /// Yesterday, as seconds are asked for.
+    const qint64 begin = QDateTime::currentSecsSinceEpoch() * 1000 - 86'400'000;
+
+    /// Main: [0, 20) [20, 40) [40, 60) [100, 110) seconds, with another width from 20 on. Sub: the
+    /// same without [20, 40).
+    void fill(House &house, int groupMs) const
+    {
+        for (const int second : {0, 20, 40, 100}) {
+            house.record(false, begin + second * 1000, second < 100 ? 20'000 : 10'000, groupMs,
+                         second == 20 ? 1280 : 1920);
+            house.finish(false);
+            if (second == 20)
+                continue;
+            house.record(true, begin + second * 1000, second < 100 ? 20'000 : 10'000, groupMs, 640);
+            house.finish(true);
+        }
+    }
+
+    /// Bytes that this process has read.
+    static qint64 bytesRead()
+    {
+        QFile file("/proc/self/io");
+        return file.open(QIODevice::ReadOnly)
+                   ? file.readLine().split(' ').last().trimmed().toLongLong()
+                   : 0;
+    }
+
+private slots:
+    void played_data()
+    {
+        rows<int, int, int, int, int>({"speed", "quality", "groupMs", "second", "pictures"},
+                                      {{"within a second of pictures", 1, 2, 1000, 3, 20},
+                                       {"far behind a key picture", 1, 2, 2000, 17, 20},
+                                       {"farther", 1, 1, 10'000, 9, 20},
+                                       {"into the next segment", 2, 2, 2000, 19, 50},
+                                       {"into another stream", 2, 0, 2000, 19, 50},
+                                       {"and back", 2, 0, 10'000, 39, 50},
+                                       {"4x", 4, 2, 1000, 17, 6},
+                                       {"8x, all pictures are key pictures", 8, 2, 40, 15, 10},
+                                       {"8x", 8, 0, 2000, 17, 6},
+                                       {"16x", 16, 2, 1000, 5, 10},
+                                       {"32x", 32, 2, 2000, 1, 10},
+                                       {"32x, few key pictures", 32, 1, 10'000, 11, 4}});
+    }
+
+    void played()
+    {
+        const auto [speed, quality, groupMs, second, count] = row<int, int, int, int, int>();
+        House house;
+        fill(house, groupMs);
+        const qint64 asked = begin + second * 1000;
+        int shown = 0;
+        Receiver receiver([&, most = count](const SeenPicture &picture) {
+            shown += picture.stampMs > 0 || picture.momentMs >= asked;
+            return shown > most;
+        });
+        const qint64 before = bytesRead();
+        house.play(
+            "/flv/archive?startTime=%1&speed=%2&q=%3"_s.arg(asked / 1000).arg(speed).arg(quality),
+            receiver);
+        const qint64 readBytes = bytesRead() - before;
+
+        const auto &seen = receiver.pictures;
+        QVERIFY(seen.size() > count && seen.first().isKey);
+        const bool allPictures = speed < 4;
+        // Not more than twelve a second are shown, of those that the index has.
+        const int indexMs = std::max(groupMs, 1000);
+        const qint64 stepMs =
+            allPictures ? pictureMs : (speed * 1000 / 12 + indexMs - 1) / indexMs * indexMs;
+        qint64 shownFirst = 0;
+        for (int i = 0; i < seen.size(); ++i) {
+            const SeenPicture &picture = seen[i];
+            const bool isOfOther =
+                picture.momentMs >= begin + 20'000 && picture.momentMs < begin + 40'000;
+            QCOMPARE(picture.isSub, quality < 2 && !isOfOther);
+            QCOMPARE(picture.formats, 1 + (picture.momentMs >= begin + 20'000) - (second >= 20) +
+                                          (picture.momentMs >= begin + 40'000));
+            QVERIFY(allPictures || picture.isKey);
+            if (picture.stampMs == 0)
+                shownFirst = picture.momentMs;
+            else
+                QVERIFY2(qAbs(picture.momentMs - asked - picture.stampMs * speed) < pictureMs,
+                         picture.text());
+            if (i > (allPictures ? 0 : 1))
+                QCOMPARE(picture.momentMs - seen[i - 1].momentMs, stepMs);
+        }
+        QVERIFY(shownFirst <= asked && shownFirst > asked - (allPictures ? pictureMs : groupMs));
+        if (!allPictures)
+            QVERIFY2(readBytes < 60'000 * seen.size() + 200'000, QByteArray::number(readBytes));
+    }
+
+    /// It doesn't wait for what comes after a gap.
+    void endsWithTheRecord()
+    {
+        House house;
+        fill(house, 2000);
+        Receiver receiver;
+        const auto started = std::chrono::steady_clock::now();
+        QVERIFY(
+            house.play("/flv/archive?startTime=%1&speed=2&q=0"_s.arg(begin / 1000 + 59), receiver));
+        QCOMPARE(receiver.last.load(), begin + 60'000 - pictureMs);
+        QVERIFY(std::chrono::steady_clock::now() - started < std::chrono::seconds(20));
+    }
+
+    /// Packet by packet, without the gaps.
+    void exported()
+    {
+        House house;
+        fill(house, 2000);
+        Receiver receiver;
+        QVERIFY(house.play(
+            "/flv/archive?startTime=%1&endTime=%2&q=2"_s.arg(begin + 19'960).arg(begin + 102'000),
+            receiver));
+        qint64 expectedMs = begin + 18'000;
+        qint64 stampMs = 0;
+        for (const SeenPicture &picture : receiver.pictures) {
+            QCOMPARE(picture.text(),
+                     QByteArray::number(expectedMs) + " at " + QByteArray::number(stampMs));
+            expectedMs += expectedMs == begin + 59'960 ? 40'040 : pictureMs;
+            stampMs += pictureMs;
+        }
+        QCOMPARE(expectedMs, begin + 102'000);
+    }
+
+    /// A segment that grows, and the one that follows it, while another stream is farther.
+    void followed_data() { rows<int>({"speed"}, {{"in its time", 1}, {"fast", 8}}); }
+
+    void followed()
+    {
+        const auto [speed] = row<int>();
+        House house;
+        const qint64 nowS = QDateTime::currentSecsSinceEpoch();
+        const qint64 startMs = (nowS - 8) * 1000;
+        house.record(false, startMs, 7800, 1000);
+        house.record(true, startMs, 7000, 1000);
+        const qint64 endMs = startMs + 10'000;
+        const qint64 keyMs = speed == 1 ? pictureMs : 1000; ///< from one to the next
+        Receiver receiver([=](const SeenPicture &one) { return one.momentMs >= endMs - keyMs; });
+        const auto player = std::async(std::launch::async, [&, playSpeed = speed] {
+            house.play("/flv/archive?startTime=%1&speed=%2&q=0"_s.arg(nowS - 4).arg(playSpeed),
+                       receiver);
+        });
+        QTRY_COMPARE_WITH_TIMEOUT(receiver.last.load(), startMs + 7000 - keyMs, 30'000);
+        // The catalogue is told of it later.
+        for (qint64 ms = 7000; ms < 8000; ms += pictureMs)
+            house.segment->append(House::picture(true, startMs + ms, ms % 1000 == 0));
+        QTRY_COMPARE_WITH_TIMEOUT(receiver.last.load(), startMs + 8000 - keyMs, 30'000);
+        house.finish(true);
+        house.record(true, startMs + 8000, 2000, 1000);
+        player.wait();
+        for (int i = 1; i < receiver.pictures.size(); ++i)
+            QCOMPARE(receiver.pictures[i].momentMs - receiver.pictures[i - 1].momentMs, keyMs);
+        QCOMPARE(receiver.last.load(), endMs - keyMs);
+        QCOMPARE(receiver.pictures.last().formats, 1);
+        QVERIFY(receiver.pictures.last().isSub);
+    }
+
+    /// The clock was set back: what was seen already isn't seen again.
+    void overlapping()
+    {
+        House house;
+        for (const int ms : {0, 8500}) {
+            house.record(false, begin + ms, 10'000, 1000);
+            house.finish(false);
+        }
+        Receiver receiver([this](const SeenPicture &one) { return one.momentMs > begin + 11'000; });
+        house.play("/flv/archive?startTime=%1&speed=2&q=2"_s.arg(begin / 1000 + 8), receiver);
+        const auto &seen = receiver.pictures;
+        const auto jump = std::adjacent_find(seen.begin(), seen.end(),
+                                             [](const SeenPicture &one, const SeenPicture &next) {
+                                                 return next.momentMs != one.momentMs + pictureMs;
+                                             });
+        QVERIFY(jump != seen.end() && (jump + 1)->isKey);
+        QCOMPARE(jump->momentMs, begin + 10'000 - pictureMs);
+        QCOMPARE((jump + 1)->momentMs, begin + 10'500);
+        QCOMPARE(seen.last().momentMs, begin + 11'020);
+    }
+};
+
+QTEST_GUILESS_MAIN(ServerPlayingTest)
+#include "ServerPlayingTest.moc"
