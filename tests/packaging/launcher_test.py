@@ -141,6 +141,7 @@ class LauncherTest(unittest.TestCase):
                 self.assertEqual(stat.S_IMODE(folder.stat().st_mode), mode)
                 self.assertEqual(client["arguments"], [])
                 self.assertEqual(client["umask"], os.umask(client["umask"]))
+                self.assertTrue((self.home / ".cache").is_dir())
                 self.assertNotIn("ZORVANE_KIOSK", client["environment"])
                 self.tell("end")
                 self.assertEqual(self.finish(process), (7, "", ""))
