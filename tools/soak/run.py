@@ -292,6 +292,10 @@ class Run:
         if processes.wait_until(lambda: len(self.client.tiles()) >= self.count, 5, 0.3):
             return
         # It was edited and saved.
+        user.show_page(self, window, "rosterButton")
+        if not processes.wait_until(lambda: len(self.server_bars()) >= SERVERS, 30, 1):
+            self.say("no whole wall: a server is not in the roster")
+            return
         if self.client.main_windows()[0]["title"].startswith(WALL):
             user.delete_card(self, window, self.top_card(window))
             time.sleep(1)
