@@ -222,8 +222,8 @@ bool ConfigurationParser::setArchive(const std::string &key, const std::string &
         if (!archive.bytes)
             error("\"bytes\" is a number such as 500G");
     } else if (key == "keep_free") {
-        const auto share =
-            value.back() == '%' ? readDigits(value.substr(0, value.size() - 1)) : std::nullopt;
+        const bool isShare = value.back() == '%';
+        const auto share = readDigits(isShare ? value.substr(0, value.size() - 1) : std::string());
         const auto bytes = readBytes(value);
         if (share && *share <= mostPercent)
             archive.keepFreePercent = static_cast<int>(*share);

@@ -75,7 +75,7 @@ std::optional<std::int64_t> HouseRecorded::seek(const ZorvaneService::Record &re
                                                 std::int64_t momentMs)
 {
     reader.reset();
-    wantedMs = std::max(momentMs, record.startMs);
+    const std::int64_t wantedMs = std::max(momentMs, record.startMs);
     wire.beginSoundAt(wantedMs);
     awaitsKey = false;
     const auto found = find(wantedMs, 0);
@@ -155,7 +155,7 @@ PacketPtr HouseRecorded::nextOfAll()
 PacketPtr HouseRecorded::nextKeyPicture()
 {
     const std::int64_t stepMs = speed * secondMs / mostKeyFramesPerSecond;
-    const std::int64_t timeMs = std::max(lastMs + stepMs, wantedMs) - reader->startMs();
+    const std::int64_t timeMs = lastMs + stepMs - reader->startMs();
     const auto &known = reader->keyFrames();
     const auto chosen = std::lower_bound(
         known.begin(), known.end(), timeMs,

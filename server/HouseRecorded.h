@@ -44,10 +44,9 @@ private:
     const int speed;
     WirePackets wire;
     std::unique_ptr<SegmentReader> reader;
-    StreamId stream;           ///< whose segment is read
-    PacketPtr first;           ///< read while it was looked for
-    std::int64_t lastMs = 0;   ///< of the pictures read
-    std::int64_t wantedMs = 0; ///< what is before it is only for the decoder
+    StreamId stream;         ///< whose segment is read
+    PacketPtr first;         ///< read while it was looked for
+    std::int64_t lastMs = 0; ///< of the pictures read
     bool awaitsKey = false;
 };
 

@@ -126,33 +126,41 @@ private slots:
         QCOMPARE(connections.join(", "), "320 aac, 160 -, 320 aac"_s);
     }
 
-    /// One that changes its settings goes on as another from its next key picture.
+    /// One that changes its settings goes on as another from its next key picture, whether its
+    /// stream says so before the pictures or among them.
+    void changesItsMind_data()
+    {
+        rows<QString, int>({"form", "fileHead"}, {{"before", "flv", 13}, {"among", "ts", 0}});
+    }
+
     void changesItsMind()
     {
-        const QStringList common = {
-            "-c:v", "libx264", "-an", "-g", "10", "-flvflags", "no_duration_filesize"};
-        const QByteArray large = clip("c.flv", common);
-        const QByteArray small = clip("d.flv", common + QStringList{"-s", "160x90"});
-        constexpr int fileHead = 13;
+        const auto [form, fileHead] = row<QString, int>();
+        const QStringList common = {"-c:v", "libx264", "-an", "-g", "10", "-bf", "0"};
+        const QByteArray large = clip("c." + form, common);
+        const QByteArray small = clip("d." + form, common + QStringList{"-s", "160x90"});
         ScriptedCamera camera({{large + small.mid(fileHead), true}});
         std::mutex mutex;
         QStringList pictures;
-        Capture capture(
-            "A", {"http://127.0.0.1:%1/live.flv"_s.arg(camera.serverPort()).toStdString()},
-            [&](PacketPtr packet) {
-                const std::lock_guard<std::mutex> lock(mutex);
-                if (packet)
-                    pictures << QString::number(packet->format->width) + (packet->isKey ? "K" : "");
-            });
+        Capture capture("A", {"http://127.0.0.1:%1/live"_s.arg(camera.serverPort()).toStdString()},
+                        [&](PacketPtr packet) {
+                            const std::lock_guard<std::mutex> lock(mutex);
+                            if (packet)
+                                pictures << QString::number(packet->format->width) +
+                                                (packet->isKey ? "K" : "");
+                        });
         const auto count = [&](const QString &kind) {
             const std::lock_guard<std::mutex> lock(mutex);
             return int(pictures.count(kind));
         };
         capture.start();
-        QTRY_COMPARE_WITH_TIMEOUT(count("160") + count("160K"), 75, 60'000);
+        // Some may be lost where the two meet, and the last one ends with the next.
+        constexpr int most = 70;
+        QTRY_VERIFY_WITH_TIMEOUT(count("160") + count("160K") >= most, 60'000);
         capture.stop();
-        QCOMPARE(count("320") + count("320K"), 75);
-        QCOMPARE(pictures.indexOf("160K"), 75);
+        const int before = count("320") + count("320K");
+        QVERIFY(before >= most);
+        QCOMPARE(pictures.indexOf("160K"), before);
         QCOMPARE(camera.connections, 1);
     }
 
@@ -164,6 +172,8 @@ private slots:
             {{"start codes", "00000001 65aa 000001 41bb00", 0, "0000000265aa 0000000241bb", true},
              {"with what goes", "00000109f0 00000167010203 0000016801 00000141cc", 0,
               "0000000241cc", false},
+             {"a 1 before a start code", "00000001 65aa01 000001 41", 0,
+              "0000000365aa01 0000000141", true},
              {"lengths of two", "0002 65aa 0001 41", 2, "0000000265aa 0000000141", true},
              {"a length too long", "00000009 65aa", 4, "0000000265aa", true},
              {"nothing", "", 0, "", false},

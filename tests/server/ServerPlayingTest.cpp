@@ -135,7 +135,7 @@ private slots:
         QCOMPARE(expectedMs, begin + 102'000);
     }
 
-    /// A segment that grows, and the one that follows it.
+    /// A segment that grows, and the one that follows it, while another stream is farther.
     void followed_data() { rows<int>({"speed"}, {{"in its time", 1}, {"fast", 8}}); }
 
     void followed()
@@ -144,24 +144,49 @@ private slots:
         House house;
         const qint64 nowS = QDateTime::currentSecsSinceEpoch();
         const qint64 startMs = (nowS - 8) * 1000;
-        house.record(false, startMs, 7000, 1000);
+        house.record(false, startMs, 7800, 1000);
+        house.record(true, startMs, 7000, 1000);
         const qint64 endMs = startMs + 10'000;
         const qint64 keyMs = speed == 1 ? pictureMs : 1000; ///< from one to the next
         Receiver receiver([=](const SeenPicture &one) { return one.momentMs >= endMs - keyMs; });
         const auto player = std::async(std::launch::async, [&, playSpeed = speed] {
-            house.play("/flv/archive?startTime=%1&speed=%2&q=2"_s.arg(nowS - 4).arg(playSpeed),
+            house.play("/flv/archive?startTime=%1&speed=%2&q=0"_s.arg(nowS - 4).arg(playSpeed),
                        receiver);
         });
         QTRY_COMPARE_WITH_TIMEOUT(receiver.last.load(), startMs + 7000 - keyMs, 30'000);
+        // The catalogue is told of it later.
         for (qint64 ms = 7000; ms < 8000; ms += pictureMs)
-            house.append(House::picture(false, startMs + ms, ms % 1000 == 0));
+            house.segment->append(House::picture(true, startMs + ms, ms % 1000 == 0));
         QTRY_COMPARE_WITH_TIMEOUT(receiver.last.load(), startMs + 8000 - keyMs, 30'000);
-        house.finish(false);
-        house.record(false, startMs + 8000, 2000, 1000);
+        house.finish(true);
+        house.record(true, startMs + 8000, 2000, 1000);
         player.wait();
         for (int i = 1; i < receiver.pictures.size(); ++i)
             QCOMPARE(receiver.pictures[i].momentMs - receiver.pictures[i - 1].momentMs, keyMs);
         QCOMPARE(receiver.last.load(), endMs - keyMs);
+        QCOMPARE(receiver.pictures.last().formats, 1);
+        QVERIFY(receiver.pictures.last().isSub);
+    }
+
+    /// The clock was set back: what was seen already isn't seen again.
+    void overlapping()
+    {
+        House house;
+        for (const int ms : {0, 8500}) {
+            house.record(false, begin + ms, 10'000, 1000);
+            house.finish(false);
+        }
+        Receiver receiver([this](const SeenPicture &one) { return one.momentMs > begin + 11'000; });
+        house.play("/flv/archive?startTime=%1&speed=2&q=2"_s.arg(begin / 1000 + 8), receiver);
+        const auto &seen = receiver.pictures;
+        const auto jump = std::adjacent_find(seen.begin(), seen.end(),
+                                             [](const SeenPicture &one, const SeenPicture &next) {
+                                                 return next.momentMs != one.momentMs + pictureMs;
+                                             });
+        QVERIFY(jump != seen.end() && (jump + 1)->isKey);
+        QCOMPARE(jump->momentMs, begin + 10'000 - pictureMs);
+        QCOMPARE((jump + 1)->momentMs, begin + 10'500);
+        QCOMPARE(seen.last().momentMs, begin + 11'020);
     }
 };
 
