@@ -12,7 +12,8 @@ namespace ZorvaneService {
 bool writeOwnerFile(const std::string &fileName, const std::string &content)
 {
     const std::string temporary = fileName + ".new";
-    const int file = open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600);
+    const int file =
+        open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600);
     if (file < 0)
         return false;
     // One left by an earlier run may be open to others.
