@@ -71,7 +71,7 @@ def ffmpeg(folder, addresses):
 def motion(folder, addresses):
     common = (f"daemon off\nlog_level 3\ntarget_dir {folder}\nframerate 25\nwidth 1920\n"
               "height 1080\nemulate_motion on\nmovie_output on\nmovie_passthrough on\n"
-              "movie_max_time 300\nmovie_container mkv\npicture_output off\nwebcontrol_port 0\n")
+              "movie_max_time 300\npicture_output off\nwebcontrol_port 0\n")
     for i, url in enumerate(addresses):
         (folder / f"camera{i}.conf").write_text(
             f"camera_id {i + 1}\nnetcam_url {url}\nmovie_filename {i}-%v\n")
@@ -95,7 +95,7 @@ def number(process, file, name):
 
 def media_bytes(folder):
     total = 0
-    for path in glob.glob(f"{folder}/**/*.mkv", recursive=True):
+    for path in glob.glob(f"{folder}/**/*.m[kp][v4]", recursive=True):
         sizes = subprocess.run(["ffprobe", "-v", "error", "-show_entries", "packet=size", "-of",
                                 "csv=p=0", path], capture_output=True, text=True, check=True)
         total += sum(int(line.strip(",")) for line in sizes.stdout.split())

@@ -41,6 +41,14 @@ class ServerRecordingTest : public QObject
 
     QStringList files(const QString &pattern) const { return filesBelow(archive(), pattern); }
 
+    /// All pictures there are. A segment may end at any moment of the five minutes that it lasts.
+    std::vector<PacketPtr> recorded() const
+    {
+        QStringList segments = files("*.mkv") + files("*.part");
+        segments.sort();
+        return packetsOf(segments);
+    }
+
 private slots:
     void initTestCase()
     {
@@ -74,12 +82,12 @@ private slots:
     {
         start("[camera Front door]\nurl = file:%1/aac.mp4\nsub = file:%1/g711.mkv\n"_s.arg(
             folder.path()));
-        QTRY_VERIFY_WITH_TIMEOUT(packetsOf(files("*.part")).size() > 200, 60'000);
+        QTRY_VERIFY_WITH_TIMEOUT(recorded().size() > 200, 60'000);
         server.terminate();
         QVERIFY(server.waitForFinished(30'000));
         QCOMPARE(server.exitCode(), 0);
         QVERIFY(files("*.part").isEmpty());
-        QCOMPARE(files("*.mkv").size(), 2);
+        QVERIFY(files("*.mkv").size() >= 2);
         for (const QString &file : files("*.mkv")) {
             const bool isMain = file.contains("/Front door/main/"_s);
             const QByteArray seen =
@@ -112,47 +120,44 @@ private slots:
         }
     }
 
-    /// Killed at any moment, it keeps each packet that was in its file, and leaves the finished
-    /// files alone.
+    /// Killed at any moment, it keeps each packet that was in its files, and leaves the finished
+    /// ones alone.
     void killed()
     {
         std::mt19937 random(9);
         QMap<QString, QByteArray> finished;
         for (int i = 0; i < 4; ++i) {
             start("[camera A]\nurl = file:%1/aac.mp4\n"_s.arg(folder.path()));
-            const std::size_t wanted = 5 + random() % 40;
-            std::vector<PacketPtr> before;
-            const auto grows = [&] {
-                before = packetsOf(files("*.part"));
-                return before.size() >= wanted;
-            };
-            QTRY_VERIFY_WITH_TIMEOUT(grows(), 60'000);
-            const QString part = files("*.part").value(0);
+            const std::size_t wanted = recorded().size() + 5 + random() % 40;
+            QTRY_VERIFY_WITH_TIMEOUT(recorded().size() >= wanted, 60'000);
             server.kill();
             QVERIFY(server.waitForFinished());
-            for (auto file = finished.cbegin(); file != finished.cend(); ++file) {
-                QFile now(file.key());
-                QVERIFY(now.open(QIODevice::ReadOnly));
-                QCOMPARE(now.readAll(), file.value());
-            }
+            const auto before = recorded();
+            const int left = files("*.part").size();
+            QVERIFY(left > 0 && before.size() >= wanted);
             start("[camera B]\nurl = file:%1/none.mp4\n"_s.arg(folder.path()));
-            QTRY_VERIFY_WITH_TIMEOUT(says("1 of 1 segments finished"), 60'000);
+            const QString words = "%1 of %1 segments finished"_s.arg(left);
+            QTRY_VERIFY_WITH_TIMEOUT(says(words.toUtf8()), 60'000);
             server.kill();
             QVERIFY(server.waitForFinished());
             log.clear();
-            const QString whole = files(QFileInfo(part).completeBaseName() + "+*.mkv").value(0);
-            const auto after = packetsOf({whole});
+            const auto after = recorded();
             QVERIFY(after.size() >= before.size());
             for (std::size_t k = 0; k < before.size(); ++k)
                 QVERIFY(after[k]->momentMs == before[k]->momentMs &&
                         after[k]->data == before[k]->data);
-            QCOMPARE(outputOf("ffmpeg", {"-v", "error", "-i", whole, "-f", "null", "-"}),
-                     QByteArray());
-            QFile file(whole);
-            QVERIFY(file.open(QIODevice::ReadOnly));
-            finished[whole] = file.readAll();
+            for (const QString &path : files("*.mkv")) {
+                QFile file(path);
+                QVERIFY(file.open(QIODevice::ReadOnly));
+                const QByteArray content = file.readAll();
+                if (!finished.contains(path))
+                    QCOMPARE(outputOf("ffmpeg", {"-v", "error", "-i", path, "-f", "null", "-"}),
+                             QByteArray());
+                QCOMPARE(content, finished.value(path, content));
+                finished[path] = content;
+            }
         }
-        QCOMPARE(finished.size(), 4);
+        QVERIFY(finished.size() >= 4);
     }
 
     /// What can't be recorded is named, and its password isn't.
