@@ -6,7 +6,7 @@
 # With "screens" its window moves from a screen to one of twice the density instead; with "light"
 # and "dark", themes of a desktop, only the parts that keep still are looked at.
 # Leaves pictures in FOLDER. Needs a session bus with assistive technology (dbus-run-session).
-import json, os, subprocess, sys, time
+import json, os, signal, subprocess, sys, time
 
 STORIES = ("x11", "wayland", "screens", "light", "dark")
 if len(sys.argv) not in (4, 5) or sys.argv[3] not in STORIES:
@@ -380,6 +380,7 @@ def main():
     story.get(STORY, use_all)(cards)
 
 
+signal.signal(signal.SIGTERM, lambda *_: sys.exit("ended"))  # with all that it started
 try:
     main()
 finally:
