@@ -126,6 +126,13 @@ private slots:
     }
 
     /// The map stays clear of the bars, and its mark can be seen.
+    /// Beside the picture, its nearest edge is meant.
+    void zoomBesideThePicture()
+    {
+        QCOMPARE(fractionOf(QRect(10, 10, 100, 50), QPointF(300, -5)), QPointF(1, 0));
+        QCOMPARE(fractionOf(QRect(10, 10, 100, 50), QPointF(-5, 300)), QPointF(0, 1));
+    }
+
     void zoomMap()
     {
         PictureZoom zoom;
