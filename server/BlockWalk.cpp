@@ -13,7 +13,7 @@ constexpr std::uint8_t keyFlag = 0x80;
 constexpr std::uint8_t trackMark = 0x80;
 constexpr std::uint64_t largestTime = 8;
 // No picture and no void is larger; a size beyond it is damage.
-constexpr std::uint64_t largestElement = 256 * 1024 * 1024;
+constexpr std::uint64_t largestElement = std::uint64_t(256) * 1024 * 1024;
 
 } // namespace
 

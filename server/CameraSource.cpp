@@ -9,7 +9,7 @@ std::string CameraSource::scheme() const
 {
     constexpr std::array network = {"rtsp", "rtsps", "http", "https"};
     const std::size_t colon = url.find(':');
-    const std::string name = url.substr(0, colon);
+    std::string name = url.substr(0, colon);
     if (colon == std::string::npos || url.find_first_of(" \t", colon) == colon + 1)
         return {};
     if (name == "file")
