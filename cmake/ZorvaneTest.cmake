@@ -1,4 +1,12 @@
 # SPDX-License-Identifier: MIT
+# What every test program is given beside its folder.
+set(zorvane_test_environment
+    "QT_QPA_PLATFORM=offscreen"
+    "QT_LOGGING_RULES="
+    "SDL_AUDIODRIVER=dummy"
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/leaks.supp:print_suppressions=0"
+    "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/threads.supp")
+
 # zorvane_add_test(Name SOURCES a.cpp... LIBRARIES lib... [TIMEOUT seconds] [NEEDS target...])
 # Builds a QtTest program and gives it to CTest. It runs without a display, in a fresh
 # folder of its own, with the home and cache folders inside that folder. Programs named
@@ -23,5 +31,5 @@ function(zorvane_add_test name)
     add_test(NAME ${name}
         COMMAND "${PROJECT_SOURCE_DIR}/tests/support/run-test" $<TARGET_FILE:${name}>)
     set_tests_properties(${name} PROPERTIES TIMEOUT ${arg_TIMEOUT}
-        ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_LOGGING_RULES=;SDL_AUDIODRIVER=dummy;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/leaks.supp:print_suppressions=0;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/threads.supp")
+        ENVIRONMENT "${zorvane_test_environment}")
 endfunction()

@@ -166,33 +166,16 @@ private slots:
     {
         const auto [sound, address] = row<QString, QString>();
         // What serves connections is never released: they may still be served.
-        static House *house = nullptr;
-        house = new House;
+        static auto &houses = *new QVector<House *>;
+        auto *house = new House;
+        houses << house;
         const QString clip = house->place.filePath("clip.mkv");
-        QCOMPARE(outputOf("ffmpeg",
-                          QStringList{"-v",
-                                      "error",
-                                      "-f",
-                                      "lavfi",
-                                      "-i",
-                                      "color=black:s=640x360:r=25,drawbox=c=white:t=fill:enable="
-                                      "'between(mod(t,1),0.4,0.59)'",
-                                      "-f",
-                                      "lavfi",
-                                      "-i",
-                                      "aevalsrc='sin(6000*t)*between(mod(t,1),0.4,0.6)'",
-                                      "-t",
-                                      "4",
-                                      "-c:v",
-                                      "libx264",
-                                      "-preset",
-                                      "superfast",
-                                      "-bf",
-                                      "0",
-                                      "-g",
-                                      "10"} +
-                              sound.split(' ') + QStringList{clip}),
-                 QByteArray());
+        const QString made = "-v error -f lavfi -i color=black:s=640x360:r=25,"
+                             "drawbox=c=white:t=fill:enable='between(mod(t,1),0.4,0.59)' "
+                             "-f lavfi -i aevalsrc='sin(6000*t)*between(mod(t,1),0.4,0.6)' "
+                             "-t 4 -c:v libx264 -preset superfast -bf 0 -g 10 "_s +
+                             sound;
+        QCOMPARE(outputOf("ffmpeg", made.split(' ') << clip), QByteArray());
         Capture camera("", CameraSource{"file:" + clip.toStdString()}, [&](PacketPtr packet) {
             house->rings.find(House::stream(false))->put(packet);
             if (packet && !house->segment)
@@ -212,7 +195,7 @@ private slots:
 
         auto *server =
             new ZorvaneService::HttpServer(ZorvaneService::HttpRequest::lanListener,
-                                           [](const ZorvaneService::HttpRequest &request) {
+                                           [house](const ZorvaneService::HttpRequest &request) {
                                                return house->service.lan.handle(request);
                                            });
         const int port = server->bind(0);
