@@ -303,10 +303,11 @@ class Run:
         self.say("the wall is made anew")
 
     def top_card(self, window):
-        user.show_page(self, window, "layoutsButton")
-        card = processes.wait_until(lambda: min(
-            self.client.find(user.LAYOUTS, "", window["window"]),
-            key=lambda each: each["place"][1], default=None), 45, 0.5)
+        def shown():
+            user.show_page(self, window, "layoutsButton")
+            return min(self.client.find(user.LAYOUTS, "", window["window"]),
+                       key=lambda each: each["place"][1], default=None)
+        card = processes.wait_until(shown, 45, 0.5)
         if not card:
             raise Failure("no layout in the list")
         return card
