@@ -243,10 +243,8 @@ private slots:
     {
         const auto [signal] = row<int>();
         StreamPlayer player;
-        // What a signal does is ours, also under the sanitizers.
         for (const char *options : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
-            player.setEnvironment(options, "handle_segv=0:handle_sigbus=0:handle_sigfpe=0:"
-                                           "handle_sigill=0:handle_abort=0");
+            player.setEnvironment(options, ownSignals);
         QVERIFY(player.play(StreamScript::of(clip.repeated(30))));
         QVERIFY(player.shows(3));
         QFile score("/proc/%1/oom_score_adj"_s.arg(player.pid()));

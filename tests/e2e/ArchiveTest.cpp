@@ -5,6 +5,7 @@
 #include <csignal>
 
 #include "tests/e2e/Wall.h"
+#include "tests/support/PlayerProcess.h"
 
 using GUI::Player::VideoWidget;
 
@@ -33,6 +34,7 @@ class ArchiveTest : public EndToEndTest
 private slots:
     void initTestCase()
     {
+        qputenv("ASAN_OPTIONS", ownSignals);
         startWorld(1, 4, 0);
         setRecords(world.at(0), {"12:00:00", "12:20:00"});
         setRecords(world.at(1), {"12:00:00", "12:00:30", "12:00:42", "12:20:00"});

@@ -11,6 +11,10 @@ struct PlayerLine {
     QByteArray text;
 };
 
+/// For the sanitizers: what a signal does is the player's own.
+inline constexpr char ownSignals[] =
+    "handle_segv=0:handle_sigbus=0:handle_sigfpe=0:handle_sigill=0:handle_abort=0";
+
 /// The real player as a child process, with a frame file of its own and a ping each second.
 class PlayerProcess : public QObject
 {
