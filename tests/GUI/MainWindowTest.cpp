@@ -35,13 +35,11 @@ void click(const MainWindow &window, const QString &button)
     window.findChild<QPushButton *>(button)->click();
 }
 
-/// Of the first layout in the file.
 QString savedName()
 {
     QFile file(API::Internal::layoutsCacheFile(QString()));
-    const bool isOpen = file.open(QIODevice::ReadOnly);
-    const QJsonDocument document = QJsonDocument::fromJson(isOpen ? file.readAll() : "");
-    return document["layouts"][0]["name"].toString();
+    const QByteArray content = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return QJsonDocument::fromJson(content)["layouts"][0]["name"].toString();
 }
 
 /// Names on the cards of layouts, from the top.
@@ -325,8 +323,7 @@ private slots:
         const LogCapture log;
         MainWindow window;
         window.openLayout(layoutOf(grid));
-        // At once, and not the best one first.
-        QCOMPARE(int(log.linesOf("Open url:"_s).size()), 1);
+        QCOMPARE(int(log.linesOf("Open url:"_s).size()), 1); // not the best one first
         for (const QString &step : then.split(' ')) {
             if (step == "2x5"_s)
                 emit window.findChild<InfoPanel *>()->layoutSizeChanged(2, 5);
@@ -335,8 +332,8 @@ private slots:
             else if (!step.isEmpty())
                 QMetaObject::invokeMethod(window.findChild<ControlPanel *>(), qPrintable(step));
         }
-        const auto *process = gridOf(window)->players().first()->findChild<QProcess *>();
-        QTRY_COMPARE(child.lastProcessId(), process->processId());
+        const auto *tile = gridOf(window)->players().first();
+        QTRY_COMPARE(child.lastProcessId(), tile->findChild<QProcess *>()->processId());
         const QUrlQuery query(QUrl(child.starts().last().first()));
         QCOMPARE(query.queryItemValue("q"_s), QString::number(quality));
     }
