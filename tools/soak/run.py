@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
 """One run: an X server, the service, the client, and the plan that drives them."""
+import itertools
 import math
 import os
 import random
@@ -25,17 +26,22 @@ WALL = "A wall"
 SERVERS = 2  # of the roster: one of the service, one in the LAN
 
 
+# Servers that look for a free number begin at 0; one that ends may take the socket of another
+# with it that got its number meanwhile. A run of hours stays out of their way.
+DISPLAY_NUMBERS = itertools.count(1000 + os.getpid() % 20000)
+
+
 def start_display(size, log):
     """Xvfb on a number of its own, with a window manager; both processes and the display."""
+    display = f":{next(DISPLAY_NUMBERS)}"
     reader, writer = os.pipe()
-    server = subprocess.Popen(["Xvfb", "-displayfd", str(writer), "-screen", "0", size + "x24",
-                               "-nolisten", "tcp", "-noreset"], pass_fds=[writer], stdout=log,
-                              stderr=log, preexec_fn=processes.end_with_parent)
+    server = subprocess.Popen(["Xvfb", display, "-displayfd", str(writer), "-screen", "0",
+                               size + "x24", "-nolisten", "tcp", "-noreset"], pass_fds=[writer],
+                              stdout=log, stderr=log, preexec_fn=processes.end_with_parent)
     os.close(writer)
     with os.fdopen(reader) as pipe:
-        display = ":" + pipe.readline().strip()
-    if display == ":":
-        raise RuntimeError("Xvfb did not start")
+        if not pipe.readline().strip():
+            raise RuntimeError("Xvfb did not start")
     manager = subprocess.Popen(["openbox"], env=dict(os.environ, DISPLAY=display), stdout=log,
                                stderr=log, preexec_fn=processes.end_with_parent)
     return server, manager, display
