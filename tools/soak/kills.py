@@ -13,18 +13,17 @@ import json
 import os
 import random
 import shutil
-import subprocess
 import sys
 import threading
 import time
 import traceback
 
-import outside
 import processes
 import user
 from client import Client, middle
+from display import start_display
 from hands import Hands
-from run import EMAIL, PASSWORD, fresh_folder, start_display
+from run import EMAIL, PASSWORD, fresh_folder
 from watch import GRACE_SECONDS, Failure
 from world import World
 

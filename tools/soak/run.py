@@ -1,11 +1,9 @@
 # SPDX-License-Identifier: MIT
 """One run: an X server, the service, the client, and the plan that drives them."""
-import itertools
 import math
 import os
 import random
 import shutil
-import subprocess
 import tempfile
 import time
 
@@ -13,6 +11,7 @@ import outside
 import processes
 import user
 from client import Client, faketime_library, middle
+from display import start_display
 from hands import Hands
 from watch import Failure, Watch
 from world import World
@@ -24,27 +23,6 @@ PROGRAM_STARTS_APART = 1500  # growth is judged within the life of one process
 EMAIL, PASSWORD = "demo@zorvane.example", "demo"
 WALL = "A wall"
 SERVERS = 2  # of the roster: one of the service, one in the LAN
-
-
-# Servers that look for a free number begin at 0; one that ends may take the socket of another
-# with it that got its number meanwhile. A run of hours stays out of their way.
-DISPLAY_NUMBERS = itertools.count(1000 + os.getpid() % 20000)
-
-
-def start_display(size, log):
-    """Xvfb on a number of its own, with a window manager; both processes and the display."""
-    display = f":{next(DISPLAY_NUMBERS)}"
-    reader, writer = os.pipe()
-    server = subprocess.Popen(["Xvfb", display, "-displayfd", str(writer), "-screen", "0",
-                               size + "x24", "-nolisten", "tcp", "-noreset"], pass_fds=[writer],
-                              stdout=log, stderr=log, preexec_fn=processes.end_with_parent)
-    os.close(writer)
-    with os.fdopen(reader) as pipe:
-        if not pipe.readline().strip():
-            raise RuntimeError("Xvfb did not start")
-    manager = subprocess.Popen(["openbox"], env=dict(os.environ, DISPLAY=display), stdout=log,
-                               stderr=log, preexec_fn=processes.end_with_parent)
-    return server, manager, display
 
 
 class Run:
@@ -422,6 +400,8 @@ class Run:
                 if one["parent"] == me and one["name"].startswith("vlc-stream")]
 
     def keep_evidence(self):
+        if not self.client.stream:
+            return  # it never came up
         try:
             self.client.ask("shot", os.path.join(self.folder, "failure.png"))
             with open(os.path.join(self.folder, "failure.txt"), "w") as file:

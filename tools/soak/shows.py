@@ -8,7 +8,6 @@ import argparse
 import os
 import random
 import shutil
-import signal
 import subprocess
 import sys
 import time
@@ -16,7 +15,6 @@ import time
 import outside
 import processes
 import user
-from client import middle
 from run import Run, fresh_folder
 from watch import Failure
 
