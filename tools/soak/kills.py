@@ -130,8 +130,10 @@ class Session(threading.Thread):
         scene = dice.choice([self.saves, self.saves, self.export, self.language, None])
         self.client.start()
         if scene:
-            processes.wait_until(lambda: self.client.main_windows()
-                                 and self.client.find(user.CARDS), 60, 0.05)
+            # The page that was open when the last one was killed is open again.
+            processes.wait_until(lambda: self.client.main_windows() and
+                                 (self.client.find(user.CARDS) or self.client.find(user.LAYOUTS)),
+                                 60, 0.05)
         self.kills_done = False
         # An export is reached after some seconds only.
         shortest, longest = {None: (0.02, 0.8), self.export: (2, 9)}.get(scene, (0.02, 3))
