@@ -6,6 +6,7 @@
 #include <QDialog>
 #include <QKeyEvent>
 #include <QRadioButton>
+#include <QScrollArea>
 
 #include "GUI/FocusRing.h"
 #include "GUI/FocusedEntry.h"
@@ -18,10 +19,11 @@ namespace GUI {
 
 namespace {
 
-/// A plain widget only holds others: a page that has come in place of another one, a window.
+/// These only hold others: a page that has come in place of another one, a list, a window.
 bool isContainer(const QWidget *widget)
 {
-    return widget->isWindow() || widget->metaObject() == &QWidget::staticMetaObject;
+    return widget->isWindow() || widget->metaObject() == &QWidget::staticMetaObject ||
+           qobject_cast<const QScrollArea *>(widget);
 }
 
 /// Lists that drop down show for themselves what is chosen, and so does the sign-in's sheet,
@@ -56,9 +58,11 @@ bool FocusMark::handleKey(const QKeyEvent &event)
 {
     switch (event.key()) {
     case Qt::Key_Tab:
-    case Qt::Key_Backtab:
+    case Qt::Key_Backtab: {
+        const QWidget *before = QApplication::focusWidget();
         setShown(true);
-        return false;
+        return QApplication::focusWidget() != before; // it has gone into what held the others
+    }
     case Qt::Key_Return:
     case Qt::Key_Enter:
         if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
@@ -97,8 +101,10 @@ void FocusMark::moveRing()
         return;
     }
     const QWidgetList inside = target->isWindow() ? QWidgetList() : tabStops({target});
-    if (!inside.isEmpty())
-        inside.first()->setFocus(Qt::TabFocusReason);
+    if (inside.isEmpty())
+        return;
+    inside.first()->setFocus(Qt::TabFocusReason);
+    scrollTo(inside.first());
 }
 
 } // namespace GUI

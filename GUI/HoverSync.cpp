@@ -33,6 +33,19 @@ bool isOnWayTo(const QWidget *widget, const QWidget *candidate)
 
 } // namespace
 
+void enterWindow(QWidget *window, const QPoint &place)
+{
+    const QPoint inWindow = window->mapFromGlobal(place);
+    QEnterEvent enter(inWindow, inWindow, place);
+    QCoreApplication::sendEvent(window->windowHandle(), &enter);
+}
+
+void leaveWindow(QWidget *window)
+{
+    QEvent leave(QEvent::Leave);
+    QCoreApplication::sendEvent(window->windowHandle(), &leave);
+}
+
 HoverSync::HoverSync(QObject *parent) : QObject(parent)
 {
     settled.setSingleShot(true);
@@ -104,19 +117,16 @@ void HoverSync::followPointer()
     leaveAllBut(under);
     if (!window || !window->windowHandle())
         return;
-    // The window takes it from here, so that the toolkit knows it for the next move.
-    if (under) {
-        const QPoint inWindow = window->mapFromGlobal(place);
-        QEnterEvent enter(inWindow, inWindow, place);
-        QCoreApplication::sendEvent(window->windowHandle(), &enter);
-        // Push buttons are lit by a move only.
-        QMouseEvent move(QEvent::MouseMove, inWindow, inWindow, place, Qt::NoButton, Qt::NoButton,
-                         QGuiApplication::keyboardModifiers());
-        QCoreApplication::sendEvent(window->windowHandle(), &move);
-    } else {
-        QEvent leave(QEvent::Leave);
-        QCoreApplication::sendEvent(window->windowHandle(), &leave);
+    if (!under) {
+        leaveWindow(window);
+        return;
     }
+    enterWindow(window, place);
+    // Push buttons are lit by a move only.
+    const QPoint inWindow = window->mapFromGlobal(place);
+    QMouseEvent move(QEvent::MouseMove, inWindow, inWindow, place, Qt::NoButton, Qt::NoButton,
+                     QGuiApplication::keyboardModifiers());
+    QCoreApplication::sendEvent(window->windowHandle(), &move);
 }
 
 bool HoverSync::agreesWith(const QWidget *under) const

@@ -10,6 +10,11 @@
 namespace ZorvaneClient {
 namespace GUI {
 
+/// As if the pointer had come into `window` at `place` of the screen, or had left it. The window
+/// takes it on from there, so that the toolkit knows it for the next move.
+void enterWindow(QWidget *window, const QPoint &place);
+void leaveWindow(QWidget *window);
+
 /// Has all widgets of the program that look otherwise under the pointer look so exactly while
 /// the pointer is over them. The toolkit tells them when the pointer moves; this tells them when
 /// what lies under it has moved or gone instead: after popups and drags, and when something under

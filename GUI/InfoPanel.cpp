@@ -47,6 +47,12 @@ int InfoPanel::mode() const
     return currentMode;
 }
 
+void InfoPanel::editName()
+{
+    ui->layoutNameEdit->setFocus();
+    ui->layoutNameEdit->selectAll();
+}
+
 void InfoPanel::setMode(Mode mode)
 {
     currentMode = mode;

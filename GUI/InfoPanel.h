@@ -30,6 +30,8 @@ public:
 
     QString layoutName() const;
     int mode() const;
+    /// The keys go to the name, which the next letter replaces.
+    void editName();
 
 public slots:
     void setTitle(QString title);

@@ -2,10 +2,13 @@
 #include "GUI/Kiosk.h"
 
 #include <QApplication>
+#include <QCursor>
 
 #include <chrono>
+#include <utility>
 
 #include "API/Layout.h"
+#include "GUI/HoverSync.h"
 #include "GUI/LayoutListWidget.h"
 #include "GUI/LayoutWidget.h"
 #include "GUI/MainWindow.h"
@@ -79,6 +82,8 @@ void Kiosk::wake()
     parts.bar->show();
     showCursor(true);
     quiet.start();
+    if (std::exchange(isHoverEnded, false) && parts.window->geometry().contains(QCursor::pos()))
+        enterWindow(parts.window, QCursor::pos());
 }
 
 void Kiosk::rest()
@@ -90,6 +95,10 @@ void Kiosk::rest()
         quiet.start();
         return;
     }
+    // A pointer that nobody sees lights nothing; only a move of it brings that back.
+    isHoverEnded = isHoverEnded || parts.window->underMouse();
+    if (parts.window->underMouse())
+        leaveWindow(parts.window);
     parts.bar->setVisible(parts.records->isVisible());
     showCursor(false);
 }

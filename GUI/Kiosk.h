@@ -51,6 +51,7 @@ private:
     QTimer look;
     ScreenSaverHold screenSaver;
     bool isCursorShown = true;
+    bool isHoverEnded = false; ///< of the window, though the pointer is still over it
 };
 
 } // namespace GUI

@@ -3,6 +3,7 @@
 
 #include <QDebug>
 #include <QFileInfo>
+#include <QScopedValueRollback>
 
 #include "API/Camera.h"
 #include "API/Layout.h"
@@ -110,7 +111,10 @@ void LayoutWidget::resizeLayout(int rows, int columns)
     const auto resized =
         d->workingLayout ? API::LayoutPtr::create(*d->workingLayout) : API::LayoutPtr::create();
     resized->resize(rows, columns);
-    openLayout(resized);
+    {
+        const QScopedValueRollback<bool> resizing(d->givesQuality, d->autoQuality);
+        openLayout(resized);
+    }
     d->savedLayout = remembered;
     if (d->autoQuality)
         updateQuality();

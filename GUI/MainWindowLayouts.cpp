@@ -188,9 +188,11 @@ void MainWindow::openNewLayout()
 {
     const auto layout = API::LayoutPtr::create();
     layout->resize(newLayoutSide, newLayoutSide);
-    openLayout(layout);
+    const bool isOpened = openLayout(layout);
     startLayoutEditor();
     newLayoutUntouched = true;
+    if (isOpened)
+        infoPanel->editName();
 }
 
 void MainWindow::resizeLayout(int row, int column)

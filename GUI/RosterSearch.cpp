@@ -52,6 +52,18 @@ void searchServer(ServerWidget *server, const QString &name)
         card->highlight(name);
 }
 
+QWidget *firstFound(const ServerWidget *server, const QString &name)
+{
+    if (contains(server->server()->alias(), name) && !server->heading()->isHidden())
+        return server->heading();
+    const QList<API::CameraPtr> cameras = server->server()->sortedCameras();
+    for (const API::CameraPtr &camera : cameras) {
+        if (contains(camera->name(), name))
+            return server->cardOf(camera->id());
+    }
+    return nullptr;
+}
+
 void endSearch(ServerWidget *server)
 {
     const QList<CameraWidget *> cards = server->cameraWidgets();

@@ -29,6 +29,8 @@ namespace {
 constexpr std::chrono::milliseconds pollInterval{20000};
 constexpr int stretchFactor = 10;
 constexpr int preparedCards = 100;
+/// Round what a search has found.
+constexpr int marginPixels = 8;
 
 /// By name, the servers that are offline behind all others.
 QList<QWidget *> sortedServers(const QMap<API::server_id_t, ServerWidget *> &servers)
@@ -197,6 +199,23 @@ void RosterWidget::search(QString name)
             endSearch(server);
         } else {
             searchServer(server, name);
+        }
+    }
+    if (!name.isEmpty())
+        showFirstFound(name);
+}
+
+void RosterWidget::showFirstFound(const QString &name)
+{
+    const QList<QWidget *> order = sortedServers(servers);
+    // What the search has opened and closed takes its place at once.
+    for (const QWidget *server : order)
+        server->layout()->activate();
+    serversLayout->activate();
+    for (const QWidget *server : order) {
+        if (QWidget *found = firstFound(static_cast<const ServerWidget *>(server), name)) {
+            ensureWidgetVisible(found, 0, marginPixels);
+            return;
         }
     }
 }

@@ -38,7 +38,8 @@ signals:
 
 public slots:
     /// Opens the servers with a camera whose name contains `name`, closes those that match in
-    /// nothing, and marks what was found. An empty text restores what was open before.
+    /// nothing, marks what was found, and has the first of it in view. An empty text restores what
+    /// was open before.
     void search(QString name);
     /// Takes over the process-wide roster as it is now.
     void updateRoster();
@@ -58,6 +59,7 @@ private:
     void rebuildOrder();
     void setOpen(const API::camera_global_id_t &camera, bool isOpen);
     void prepareFirstCards();
+    void showFirstFound(const QString &name);
 
     QMap<API::server_id_t, ServerWidget *> servers;
     QVBoxLayout *serversLayout = nullptr;

@@ -86,6 +86,11 @@ CameraWidget *ServerWidget::cardOf(API::camera_id_t camera) const
     return cards.value(camera, nullptr);
 }
 
+QWidget *ServerWidget::heading() const
+{
+    return ui->controlBar;
+}
+
 QList<CameraWidget *> ServerWidget::cardsWithin(const QRect &area) const
 {
     QList<CameraWidget *> found;

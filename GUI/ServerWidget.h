@@ -35,6 +35,8 @@ public:
     ~ServerWidget() override;
 
     API::ServerPtr server() const;
+    /// Hidden where the server is a camera itself.
+    QWidget *heading() const;
     /// By camera number.
     QList<CameraWidget *> cameraWidgets() const;
     /// Of the camera with that number; null if there is none.

@@ -28,11 +28,11 @@ ServiceSign::ServiceSign(QWidget *parent) : QLabel(parent)
 void ServiceSign::showLink()
 {
     const QDateTime since = API::ServiceLink::instance().silentSince();
-    const QString moment = since.toString(QStringLiteral("dd/MM hh:mm:ss"));
-    setToolTip(tr("The service has not answered since %1. Cameras and layouts are asked for "
-                  "again and again, at least once a minute.")
-                   .arg(moment));
     setVisible(since.isValid());
+    setToolTip(since.isValid() ? tr("The service has not answered since %1. Cameras and layouts "
+                                    "are asked for again and again, at least once a minute.")
+                                     .arg(since.toString(QStringLiteral("dd/MM hh:mm:ss")))
+                               : QString());
 }
 
 } // namespace GUI

@@ -46,14 +46,6 @@ void collect(QWidget *widget, QWidgetList *stops)
         collect(part, stops);
 }
 
-void scrollTo(QWidget *widget)
-{
-    for (QWidget *outer = widget->parentWidget(); outer; outer = outer->parentWidget()) {
-        if (auto *area = qobject_cast<QScrollArea *>(outer))
-            area->ensureWidgetVisible(widget);
-    }
-}
-
 } // namespace
 
 bool isTabStop(const QWidget *widget)
@@ -69,6 +61,14 @@ QWidgetList tabStops(const QWidgetList &parts)
     for (QWidget *part : parts)
         collect(part, &stops);
     return stops;
+}
+
+void scrollTo(QWidget *widget)
+{
+    for (QWidget *outer = widget->parentWidget(); outer; outer = outer->parentWidget()) {
+        if (auto *area = qobject_cast<QScrollArea *>(outer))
+            area->ensureWidgetVisible(widget);
+    }
 }
 
 bool moveFocus(const QWidgetList &stops, bool forward)

@@ -16,6 +16,9 @@ bool isTabStop(const QWidget *widget);
 /// most buttons have none, so that a click leaves the focus where it is.
 QWidgetList tabStops(const QWidgetList &parts);
 
+/// Has all of it in view in the scrolled pages round it.
+void scrollTo(QWidget *widget);
+
 /// Moves the focus to the next or the previous stop, round and round, and scrolls it into view.
 /// False without a stop.
 bool moveFocus(const QWidgetList &stops, bool forward);

@@ -3,16 +3,19 @@
 #include "App/Environment.h"
 #include "GUI/CloudToolTip.h"
 #include "GUI/ControlPanel.h"
+#include "GUI/Kiosk.h"
 #include "GUI/LoginDialog.h"
 #include "GUI/MainWindow.h"
 #include "GUI/RosterWidget.h"
 #include "GUI/TippedButton.h"
 #include "tests/GUI/GridWorld.h"
+#include "tests/support/FakeTime.h"
 #include "tests/support/MisbehavingServer.h"
 #include "tests/support/RealPointer.h"
 #include "tests/support/VirtualDisplay.h"
 
 using namespace ZorvaneClient::GUI;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -147,6 +150,24 @@ private slots:
         QTRY_VERIFY(isOver("b"_s));
         window->resize(before); // what is under it becomes smaller
         QTRY_VERIFY(isOver("ControlPanel"_s));
+    }
+
+    /// A pointer that is left on a tile is not seen after a while, nor are the bars of the tile.
+    void aWallAtRest()
+    {
+        window->enterKiosk(QString());
+        const QWidget *bar = widget("a/settingsButton"_s);
+        for (int round = 0; round < 2; ++round) {
+            const QPoint place = widget("a"_s)->mapToGlobal(QPoint(90, 90 + round));
+            QTRY_VERIFY((QCursor::setPos(place), bar->isVisible()));
+            QTRY_COMPARE(misledByThePointer(), QString());
+            QCOMPARE(expireTimers(3s, window->findChild<Kiosk *>()), 1);
+            QVERIFY(!bar->isVisible() && !widget("a"_s)->underMouse());
+            window->openLayout(layoutOf(round == 0 ? "a b | . ."_s : "a ."_s));
+            QCoreApplication::processEvents();
+            bar = widget("a/settingsButton"_s);
+            QVERIFY(!bar->isVisible());
+        }
     }
 
     /// One that its own window took for the end of the hover would go and come for ever.

@@ -164,6 +164,8 @@ private slots:
              {"the date", "Return", "dateEdit", "calendar"},
              {"saved", "Edit Return", "saveLayoutButton",
               "view b . | . a, b of 4 at settingsButton_settingsPage"},
+             {"a new layout", "Layouts Return", "addLayoutButton",
+              "edit . . | . ., none of 4 at layoutNameEdit"},
              {"a layout", "Layouts Return", "card_Night", "view a b, a of 0 at card_Night"},
              {"languages", "Settings Return", "languageBox", "list"},
              {"the time in records", "Return", "timeLabel", "list"},
@@ -264,6 +266,14 @@ private slots:
         QVERIFY(!isMarked(field));
         press("Tab"_s);
         QVERIFY(isMarked(QApplication::focusWidget()));
+        // A list has no frame of its own: what it holds has.
+        for (const char *key : {"Tab", "Backtab"}) {
+            QTest::mousePress(tile, Qt::LeftButton);
+            window->findChild<RosterWidget *>()->setFocus();
+            press(key);
+            QCOMPARE(nameOf(QApplication::focusWidget()), "server_s"_s);
+            QVERIFY(isMarked(QApplication::focusWidget()));
+        }
         // What is hidden has the keys no longer, and nothing else gets them unasked.
         window->hideRosterAndToolbar();
         QCOMPARE(nameOf(QApplication::focusWidget()), "nothing"_s);
@@ -294,8 +304,8 @@ private:
                                         [](const QWidget *card) { return card->isVisible(); });
         const bool isEdited = window->findChild<InfoPanel *>()->mode() == InfoPanel::EditMode;
         const QString text = isEdited ? "edit %1, %2 of %3 at %4"_s : "view %1, %2 of %3 at %4"_s;
-        return text
-            .arg(cellsOf(*gridOf(*window)), window->findChild<Timeline *>()->activeCamera()->name())
+        const API::CameraPtr active = window->findChild<Timeline *>()->activeCamera();
+        return text.arg(cellsOf(*gridOf(*window)), active ? active->name() : "none"_s)
             .arg(seen)
             .arg(nameOf(QApplication::focusWidget()));
     }

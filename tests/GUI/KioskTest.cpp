@@ -192,7 +192,7 @@ private slots:
         QVERIFY(service.start());
         const App::ServiceProfile atService = App::ServiceProfile::current();
         ask(0); // it says no, but answers
-        QVERIFY(!sign->isVisible());
+        QVERIFY(!sign->isVisible() && sign->toolTip().isEmpty());
         useServiceAt(MisbehavingServer::deadPort());
         ask(10);
         ask(20);
@@ -201,7 +201,7 @@ private slots:
         QCOMPARE(tab->geometry(), tabPlace);
         App::ServiceProfile::setCurrent(atService);
         ask(30);
-        QVERIFY(!sign->isVisible());
+        QVERIFY(!sign->isVisible() && sign->toolTip().isEmpty());
         // One that never comes, and all the time comes back.
         service.server().setHandler([](const WireRequest &) { return WireReply::silence(); });
         API::RestClient client;

@@ -199,6 +199,23 @@ private slots:
         QVERIFY(stage.shown().startsWith("My Home; "_s));
     }
 
+    void theFirstFoundComesIntoView()
+    {
+        Stage stage({manyCameras("first"_s, 12), manyCameras("second"_s, 12)});
+        for (ServerWidget *entry : stage.entries())
+            entry->collapse();
+        const auto isInView = [](const QWidget *part) {
+            return part->visibleRegion().boundingRect() == part->rect();
+        };
+        stage.roster.search("00011"_s); // there are two
+        const QWidget *card = stage.entries().first()->cardOf(11);
+        QVERIFY(isInView(card));
+        const int bottom = card->mapTo(stage.roster.widget(), card->rect().bottomLeft()).y() + 1;
+        QCOMPARE(stage.roster.widget()->y() + bottom + 8, stage.roster.viewport()->height());
+        stage.roster.search("sec"_s);
+        QVERIFY(isInView(stage.entries().last()->heading()));
+    }
+
     void onlyCardsInViewHavePreviews()
     {
         QBuffer jpeg;
