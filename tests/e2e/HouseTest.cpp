@@ -204,7 +204,7 @@ private slots:
         const auto isLocked = [&] {
             std::vector<std::unique_ptr<QTcpSocket>> guesses;
             for (int i = 0; i < 10; ++i)
-                guesses.push_back(ask(password.left(19) + '!'));
+                guesses.push_back(ask(password.left(19) + '!' + QByteArray::number(i)));
             const bool refused = std::all_of(guesses.begin(), guesses.end(),
                                              [&](const auto &one) { return status(one) == "403"; });
             return refused && status(ask(password)) == "403";

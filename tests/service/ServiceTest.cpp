@@ -87,15 +87,17 @@ private slots:
         QVERIFY(QTest::qWaitFor([&] { return answers(*connected(port)); }));
     }
 
-    /// "right", "wrong" and seconds that pass, and what came of each password.
+    /// "right", others that are wrong, and seconds that pass; and what came of each password.
     void wrongPasswords_data()
     {
-        rows<QString, QString>(
-            {"given", "outcomes"},
-            {{"some are forgiven", "wrong wrong right wrong wrong right", "001001"},
-             {"locked", "wrong wrong wrong right 59 right", "00000"},
-             {"opened again", "wrong wrong wrong 60 right", "0001"},
-             {"long ago", "wrong wrong 60 wrong right", "0001"}});
+        rows<QString, QString>({"given", "outcomes"},
+                               {{"some are forgiven", "a b right c d right", "001001"},
+                                {"locked", "a b c right 59 right", "00000"},
+                                {"opened again", "a b c 60 right", "0001"},
+                                {"long ago", "a b 60 c right", "0001"},
+                                {"one again and again", "a a a a right", "00001"},
+                                {"one again, and others", "a a b a b c right", "0000000"},
+                                {"one for long", "a b 59 a a 1 c right", "000001"}});
     }
 
     void wrongPasswords()
@@ -108,10 +110,11 @@ private slots:
             if (word.toInt() > 0)
                 now += std::chrono::seconds(word.toInt());
             else
-                found += guard.judge("peer", word == "right"_s, now) ? '1' : '0';
+                found +=
+                    guard.judge("peer", word.toStdString(), word == "right"_s, now) ? '1' : '0';
         }
         QCOMPARE(found, outcomes);
-        QVERIFY(guard.judge("other", true, now));
+        QVERIFY(guard.judge("other", "right", true, now));
     }
 
     void clientFindsItsService()
