@@ -135,6 +135,42 @@ private slots:
         QCOMPARE(expectedMs, begin + 102'000);
     }
 
+    /// A camera that hung, and its next connection, which others than players need to know of: what
+    /// is told ends where pictures do, and nothing ends early.
+    void hung()
+    {
+        House house;
+        const qint64 startMs = QDateTime::currentSecsSinceEpoch() * 1000 - 20'000;
+        house.record(false, startMs, 10'000, 1000);
+        const auto records = [&] {
+            const auto reply =
+                house.ask("/archive/list?startTime=%1&endTime=%2"_s.arg(startMs / 1000)
+                              .arg(startMs / 1000 + 20));
+            return QString::fromStdString(reply.body);
+        };
+        const QString told = R"([{"duration":12000,"startTime":%1}])"_s.arg(startMs);
+        QCOMPARE(records(), told);
+        Receiver receiver;
+        auto film = std::async(std::launch::async, [&] {
+            return house.play(
+                "/flv/archive?startTime=%1&endTime=%2&q=2"_s.arg(startMs).arg(startMs + 17'000),
+                receiver);
+        });
+        QTRY_COMPARE(receiver.last.load(), startMs + 10'000 - pictureMs);
+        auto hanging = std::move(house.segment);
+        house.record(false, startMs + 15'000, 2000, 1000);
+        house.finish(false);
+        house.segment = std::move(hanging);
+        house.finish(false);
+        QVERIFY(film.get());
+        QCOMPARE(receiver.last.load(), startMs + 17'000 - pictureMs);
+        QCOMPARE(receiver.pictures.size(), 12'000 / pictureMs);
+        QCOMPARE(
+            records(),
+            R"([{"duration":10000,"startTime":%1},{"duration":2000,"startTime":%2}])"_s.arg(startMs)
+                .arg(startMs + 15'000));
+    }
+
     /// A segment that grows, and the one that follows it, while another stream is farther.
     void followed_data() { rows<int>({"speed"}, {{"in its time", 1}, {"fast", 8}}); }
 
