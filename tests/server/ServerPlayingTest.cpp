@@ -94,6 +94,7 @@ private slots:
             else
                 QVERIFY2(qAbs(picture.momentMs - asked - picture.stampMs * speed) < pictureMs,
                          picture.text());
+            QCOMPARE(picture.laterMs, 0);
             if (i > (allPictures ? 0 : 1))
                 QCOMPARE(picture.momentMs - seen[i - 1].momentMs, stepMs);
         }
@@ -169,6 +170,29 @@ private slots:
             records(),
             R"([{"duration":10000,"startTime":%1},{"duration":2000,"startTime":%2}])"_s.arg(startMs)
                 .arg(startMs + 15'000));
+    }
+
+    /// Those that others are made of come before them.
+    void picturesOutOfOrder()
+    {
+        House house;
+        house.record(false, begin, pictureMs, 1000);
+        for (int group = 0; group < 50; ++group) {
+            for (const int place : {4, 2, 1, 3})
+                house.append(House::picture(false, begin + (group * 4 + place) * pictureMs, false));
+        }
+        house.finish(false);
+        Receiver receiver;
+        QVERIFY(
+            house.play("/flv/archive?startTime=%1&speed=1&q=2"_s.arg(begin / 1000 + 1), receiver));
+        QCOMPARE(receiver.pictures.size(), 201);
+        qint64 lastMs = 0;
+        for (const SeenPicture &picture : receiver.pictures) {
+            QVERIFY2(picture.stampMs >= lastMs, picture.text());
+            lastMs = picture.stampMs;
+            QCOMPARE(picture.stampMs + picture.laterMs,
+                     std::max<qint64>(picture.momentMs - begin - 1000, 0));
+        }
     }
 
     /// A segment that grows, and the one that follows it, while another stream is farther.

@@ -4,6 +4,7 @@
 #include "App/ServiceProfile.h"
 #include "App/SettingsKeys.h"
 #include "service/ClientFiles.h"
+#include "service/DecodingTimes.h"
 #include "service/HttpServer.h"
 #include "service/PasswordGuard.h"
 
@@ -115,6 +116,31 @@ private slots:
         }
         QCOMPARE(found, outcomes);
         QVERIFY(guard.judge("other", "right", true, now));
+    }
+
+    /// When pictures are shown, in the order in which they come, and when they are decoded.
+    void decodingTimes_data()
+    {
+        rows<QString, QString>(
+            {"shown", "decoded"},
+            {{"in order, with jumps", "0 40 80 5000 5040 90 130", "0 40 80 5000 5040 90 130"},
+             {"order is learnt", "0 160 80 40 120 320 240 200 280 480 400 360 440",
+              "0 160 160 160 160 160 160 200 240 280 320 360 400"},
+             {"jump ahead", "0 80 40 160 120 5000 5080 5040 5160 5120",
+              "0 80 80 80 120 5000 5000 5040 5080 5120"},
+             {"jump back", "5000 5080 5040 0 80 40", "5000 5080 5080 0 0 40"},
+             {"far, but no jump", "0 1000 0 2000 1000", "0 1000 1000 1000 1000"},
+             {"just a jump", "0 1001 0 1001 0", "0 1001 0 1001 0"}});
+    }
+
+    void decodingTimes()
+    {
+        const auto [shown, decoded] = row<QString, QString>();
+        DecodingTimes times;
+        QStringList found;
+        for (const QString &moment : shown.split(' '))
+            found << QString::number(times.place(moment.toLongLong()));
+        QCOMPARE(found.join(' '), decoded);
     }
 
     void clientFindsItsService()
