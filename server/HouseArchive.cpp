@@ -30,7 +30,10 @@ std::vector<ZorvaneService::Record> HouseArchive::records(const ZorvaneService::
               [](const Record &one, const Record &other) { return one.startMs < other.startMs; });
     std::vector<ZorvaneService::Record> joined;
     for (const Record &one : all) {
-        const std::int64_t until = one.isGrowing ? std::max(one.endMs, wallMs()) : one.endMs;
+        // The catalogue learns of pictures a little later than whoever reads them; what hangs is
+        // told no further than to where there would be a gap.
+        const std::int64_t presentMs = std::min(wallMs(), one.endMs + Catalogue::gapMs);
+        const std::int64_t until = one.isGrowing ? std::max(one.endMs, presentMs) : one.endMs;
         if (!joined.empty() && one.startMs <= joined.back().endMs + Catalogue::gapMs)
             joined.back().endMs = std::max(joined.back().endMs, until);
         else

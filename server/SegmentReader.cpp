@@ -51,8 +51,12 @@ bool SegmentReader::seek(std::int64_t timeMs)
     const auto after = std::upper_bound(
         known.begin(), known.end(), timeMs,
         [](std::int64_t time, const KeyFrame &keyFrame) { return time < keyFrame.timeMs; });
+    const std::uint64_t from = after == known.begin() ? SegmentHead::bytes : (after - 1)->offset;
+    // Most of it is needed: the disk is asked once, not piece by piece.
+    if (after != known.end() && after->offset > from)
+        posix_fadvise(file.get(), off_t(from), off_t(after->offset - from), POSIX_FADV_WILLNEED);
     // A cluster may have further key frames behind its first.
-    BlockWalk search(window, after == known.begin() ? SegmentHead::bytes : (after - 1)->offset);
+    BlockWalk search(window, from);
     bool found = false;
     for (BlockWalk before = search; const auto block = search.next(); before = search) {
         if (block->isKeyPicture() && (!found || block->timeMs <= timeMs)) {

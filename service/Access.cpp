@@ -75,7 +75,7 @@ Access::Result Access::checkLan(const HttpRequest &request, Need need) const
 bool Access::opens(const HttpRequest &request, const Server &server) const
 {
     const std::string given = request.parameters()["sessionId"];
-    return guard.admits(request.peer, PasswordGuard::areEqual(given, server.password));
+    return guard.admits(request.peer, given, PasswordGuard::areEqual(given, server.password));
 }
 
 } // namespace ZorvaneService

@@ -95,7 +95,10 @@ HttpReply ApiService::signIn(const HttpRequest &request)
         return failure(HttpStatus::BadRequest, malformedRequest);
     if (accounts.isRefused())
         return failure(HttpStatus::Forbidden, signInRefused);
-    if (!guard.admits(request.peer, accounts.isAccount(form["login"], form["password"])))
+    const std::string &login = form["login"];
+    const std::string &password = form["password"];
+    const std::string given = login + '\n' + password;
+    if (!guard.admits(request.peer, given, accounts.isAccount(login, password)))
         return failure(HttpStatus::Forbidden, wrongPassword);
     return success({{"session_id", accounts.newSession()}});
 }

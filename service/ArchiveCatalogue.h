@@ -23,7 +23,7 @@ public:
     virtual ~ArchiveCatalogue() = default;
 
     /// The camera's records that touch [startMs, endMs], ascending and apart. One that is still
-    /// being written ends at the present.
+    /// being written ends at the present, or soon after its last picture.
     virtual std::vector<Record> records(const CameraId &camera, std::int64_t startMs,
                                         std::int64_t endMs) const = 0;
 

@@ -21,7 +21,10 @@ bool FlvStream::send(const MediaPacket &packet)
             appendFlvSound(*format, stamp(packet.momentMs), packet.data, &waiting);
         return true;
     }
-    appendFlvPicture(stamp(packet.momentMs), packet.keyFrame, packet.data, &waiting);
+    const std::int64_t decodedMs = decoded.place(packet.momentMs);
+    const std::uint32_t time = stamp(decodedMs);
+    const std::uint32_t shown = std::max(stamp(packet.momentMs), time);
+    appendFlvPicture(time, shown - time, packet.keyFrame, packet.data, &waiting);
     pictureMs = lastPictureMs > 0 ? packet.momentMs - lastPictureMs : 0;
     lastPictureMs = packet.momentMs;
     return flush();

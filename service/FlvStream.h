@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "service/DecodingTimes.h"
 #include "service/Http.h"
 #include "service/MediaPacket.h"
 
@@ -31,6 +32,7 @@ private:
     BodySink &sink;
     const int speed;
     std::int64_t zeroMs;
+    DecodingTimes decoded;
     std::int64_t lastPictureMs = 0;
     std::int64_t pictureMs = 0; ///< how long the last picture but one was shown
     std::shared_ptr<const MediaFormat> format;

@@ -135,12 +135,13 @@ void appendFlvFormat(const MediaFormat &format, std::uint32_t timeMs, Bytes *out
     endTag(soundBegin, out);
 }
 
-void appendFlvPicture(std::uint32_t timeMs, bool keyFrame, const Bytes &picture, Bytes *out)
+void appendFlvPicture(std::uint32_t timeMs, std::uint32_t laterMs, bool keyFrame,
+                      const Bytes &picture, Bytes *out)
 {
     const std::size_t begin = beginTag(videoTag, timeMs, out);
     out->push_back(keyFrame ? keyFrameAvc : interFrameAvc);
     out->push_back(codedFrame);
-    putNumber(0, 3, out);
+    putNumber(laterMs, 3, out);
     out->insert(out->end(), picture.begin(), picture.end());
     endTag(begin, out);
 }

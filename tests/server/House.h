@@ -14,6 +14,7 @@ namespace ZorvaneClient::Tests {
 struct SeenPicture {
     qint64 momentMs; ///< that was written into it
     qint64 stampMs;
+    qint64 laterMs; ///< it is shown later than its stamp
     bool isKey;
     bool isSub;
     int formats; ///< that were told before it
@@ -49,8 +50,8 @@ public:
                 const bool isKey = bytes[at + 11] == 0x17;
                 const int unit = at + 16 + (isKey ? 6 : 0);
                 pictures.push_back({number(unit + 5, 8),
-                                    number(at + 7, 1) << 24 | number(at + 4, 3), isKey,
-                                    bytes[unit + 13] == 1, formats});
+                                    number(at + 7, 1) << 24 | number(at + 4, 3), number(at + 13, 3),
+                                    isKey, bytes[unit + 13] == 1, formats});
                 last = pictures.back().momentMs;
                 open = open && !(enough && enough(pictures.back()));
             }

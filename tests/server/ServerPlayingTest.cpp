@@ -94,6 +94,7 @@ private slots:
             else
                 QVERIFY2(qAbs(picture.momentMs - asked - picture.stampMs * speed) < pictureMs,
                          picture.text());
+            QCOMPARE(picture.laterMs, 0);
             if (i > (allPictures ? 0 : 1))
                 QCOMPARE(picture.momentMs - seen[i - 1].momentMs, stepMs);
         }
@@ -133,6 +134,65 @@ private slots:
             stampMs += pictureMs;
         }
         QCOMPARE(expectedMs, begin + 102'000);
+    }
+
+    /// A camera that hung, and its next connection, which others than players need to know of: what
+    /// is told ends where pictures do, and nothing ends early.
+    void hung()
+    {
+        House house;
+        const qint64 startMs = QDateTime::currentSecsSinceEpoch() * 1000 - 20'000;
+        house.record(false, startMs, 10'000, 1000);
+        const auto records = [&] {
+            const auto reply =
+                house.ask("/archive/list?startTime=%1&endTime=%2"_s.arg(startMs / 1000)
+                              .arg(startMs / 1000 + 20));
+            return QString::fromStdString(reply.body);
+        };
+        const QString told = R"([{"duration":12000,"startTime":%1}])"_s.arg(startMs);
+        QCOMPARE(records(), told);
+        Receiver receiver;
+        auto film = std::async(std::launch::async, [&] {
+            return house.play(
+                "/flv/archive?startTime=%1&endTime=%2&q=2"_s.arg(startMs).arg(startMs + 17'000),
+                receiver);
+        });
+        QTRY_COMPARE(receiver.last.load(), startMs + 10'000 - pictureMs);
+        auto hanging = std::move(house.segment);
+        house.record(false, startMs + 15'000, 2000, 1000);
+        house.finish(false);
+        house.segment = std::move(hanging);
+        house.finish(false);
+        QVERIFY(film.get());
+        QCOMPARE(receiver.last.load(), startMs + 17'000 - pictureMs);
+        QCOMPARE(receiver.pictures.size(), 12'000 / pictureMs);
+        QCOMPARE(
+            records(),
+            R"([{"duration":10000,"startTime":%1},{"duration":2000,"startTime":%2}])"_s.arg(startMs)
+                .arg(startMs + 15'000));
+    }
+
+    /// Those that others are made of come before them.
+    void picturesOutOfOrder()
+    {
+        House house;
+        house.record(false, begin, pictureMs, 1000);
+        for (int group = 0; group < 50; ++group) {
+            for (const int place : {4, 2, 1, 3})
+                house.append(House::picture(false, begin + (group * 4 + place) * pictureMs, false));
+        }
+        house.finish(false);
+        Receiver receiver;
+        QVERIFY(
+            house.play("/flv/archive?startTime=%1&speed=1&q=2"_s.arg(begin / 1000 + 1), receiver));
+        QCOMPARE(receiver.pictures.size(), 201);
+        qint64 lastMs = 0;
+        for (const SeenPicture &picture : receiver.pictures) {
+            QVERIFY2(picture.stampMs >= lastMs, picture.text());
+            lastMs = picture.stampMs;
+            QCOMPARE(picture.stampMs + picture.laterMs,
+                     std::max<qint64>(picture.momentMs - begin - 1000, 0));
+        }
     }
 
     /// A segment that grows, and the one that follows it, while another stream is farther.

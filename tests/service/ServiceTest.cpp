@@ -4,6 +4,7 @@
 #include "App/ServiceProfile.h"
 #include "App/SettingsKeys.h"
 #include "service/ClientFiles.h"
+#include "service/DecodingTimes.h"
 #include "service/HttpServer.h"
 #include "service/PasswordGuard.h"
 
@@ -87,15 +88,17 @@ private slots:
         QVERIFY(QTest::qWaitFor([&] { return answers(*connected(port)); }));
     }
 
-    /// "right", "wrong" and seconds that pass, and what came of each password.
+    /// "right", others that are wrong, and seconds that pass; and what came of each password.
     void wrongPasswords_data()
     {
-        rows<QString, QString>(
-            {"given", "outcomes"},
-            {{"some are forgiven", "wrong wrong right wrong wrong right", "001001"},
-             {"locked", "wrong wrong wrong right 59 right", "00000"},
-             {"opened again", "wrong wrong wrong 60 right", "0001"},
-             {"long ago", "wrong wrong 60 wrong right", "0001"}});
+        rows<QString, QString>({"given", "outcomes"},
+                               {{"some are forgiven", "a b right c d right", "001001"},
+                                {"locked", "a b c right 59 right", "00000"},
+                                {"opened again", "a b c 60 right", "0001"},
+                                {"long ago", "a b 60 c right", "0001"},
+                                {"one again and again", "a a a a right", "00001"},
+                                {"one again, and others", "a a b a b c right", "0000000"},
+                                {"one for long", "a b 59 a a 1 c right", "000001"}});
     }
 
     void wrongPasswords()
@@ -108,10 +111,36 @@ private slots:
             if (word.toInt() > 0)
                 now += std::chrono::seconds(word.toInt());
             else
-                found += guard.judge("peer", word == "right"_s, now) ? '1' : '0';
+                found +=
+                    guard.judge("peer", word.toStdString(), word == "right"_s, now) ? '1' : '0';
         }
         QCOMPARE(found, outcomes);
-        QVERIFY(guard.judge("other", true, now));
+        QVERIFY(guard.judge("other", "right", true, now));
+    }
+
+    /// When pictures are shown, in the order in which they come, and when they are decoded.
+    void decodingTimes_data()
+    {
+        rows<QString, QString>(
+            {"shown", "decoded"},
+            {{"in order, with jumps", "0 40 80 5000 5040 90 130", "0 40 80 5000 5040 90 130"},
+             {"order is learnt", "0 160 80 40 120 320 240 200 280 480 400 360 440",
+              "0 160 160 160 160 160 160 200 240 280 320 360 400"},
+             {"jump ahead", "0 80 40 160 120 5000 5080 5040 5160 5120",
+              "0 80 80 80 120 5000 5000 5040 5080 5120"},
+             {"jump back", "5000 5080 5040 0 80 40", "5000 5080 5080 0 0 40"},
+             {"far, but no jump", "0 1000 0 2000 1000", "0 1000 1000 1000 1000"},
+             {"just a jump", "0 1001 0 1001 0", "0 1001 0 1001 0"}});
+    }
+
+    void decodingTimes()
+    {
+        const auto [shown, decoded] = row<QString, QString>();
+        DecodingTimes times;
+        QStringList found;
+        for (const QString &moment : shown.split(' '))
+            found << QString::number(times.place(moment.toLongLong()));
+        QCOMPARE(found.join(' '), decoded);
     }
 
     void clientFindsItsService()
