@@ -57,6 +57,10 @@ SegmentScan SegmentScan::from(FileWindow &file, std::uint64_t offset)
                 continue;
             }
         }
+        // Told by the last cluster alone, whichever of those before it are passed over.
+        length = {};
+        if (!scan.keyFrames.empty())
+            length.take(scan.keyFrames.back().timeMs);
         const std::uint64_t begin = offset;
         while (block && block->cluster == begin) {
             scan.wholeEnd = block->end();
