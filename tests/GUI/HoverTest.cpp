@@ -183,6 +183,8 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(tip));
         QCoreApplication::processEvents();
         QVERIFY(tip);
+        // It has its shape also where nobody composes the screen.
+        QVERIFY(tip->mask().contains(tip->rect().center()) && !tip->mask().contains(QPoint()));
     }
 
 private:
