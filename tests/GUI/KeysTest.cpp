@@ -2,6 +2,7 @@
 // What keys do in a window with three saved layouts, of which the first is open.
 #include "App/Settings.h"
 #include "GUI/ActivityWatch.h"
+#include "GUI/Colours.h"
 #include "GUI/ControlPanel.h"
 #include "GUI/InfoPanel.h"
 #include "GUI/KeyCard.h"
@@ -194,6 +195,7 @@ private slots:
             press("F1 R");
             const QPointer<KeyCard> card = window->findChild<KeyCard *>();
             QVERIFY(card && card->isVisible());
+            QCOMPARE(card->grab().toImage().pixelColor(0, 9), Colours::accent()); // its frame
             const QList<QLabel *> labels = card->findChildren<QLabel *>();
             QStringList texts;
             for (const QLabel *label : labels)

@@ -166,7 +166,9 @@ private slots:
             if (what == "drag"_s || what == "move"_s)
                 QApplication::sendEvent(&tile, &move);
             if (what == "double"_s) {
+                const auto before = asked.size();
                 QTest::mouseDClick(&tile, Qt::RightButton, Qt::NoModifier, place);
+                QCOMPARE(asked.size(), before);
                 QTest::mouseDClick(&tile, Qt::LeftButton, Qt::NoModifier, place);
             }
             if (what == "gone"_s)
