@@ -26,7 +26,7 @@ using namespace ZorvaneService;
 
 namespace {
 
-// A wrong password costs a second; after ten its peer is locked out for a minute.
+// A wrong password costs a second; after ten different ones their peer is locked out for a minute.
 constexpr PasswordRules passwordRules{std::chrono::seconds(1), 10, std::chrono::minutes(1)};
 // A house has few watchers, each of whom may fill a wall.
 constexpr int mostConnections = 300;

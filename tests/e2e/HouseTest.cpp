@@ -226,7 +226,8 @@ private slots:
         }
     }
 
-    /// Each wrong password costs a second, and after ten the right one doesn't help either.
+    /// Each wrong password costs a second, and after ten different ones the right one doesn't help
+    /// either.
     void guessingIsLockedOut()
     {
         const QSettings profile("service.ini", QSettings::IniFormat);

@@ -250,6 +250,10 @@ private slots:
         QCOMPARE(jump->momentMs, begin + 10'000 - pictureMs);
         QCOMPARE((jump + 1)->momentMs, begin + 10'500);
         QCOMPARE(seen.last().momentMs, begin + 11'020);
+
+        const qint64 later = QDateTime::currentMSecsSinceEpoch() + 60'000;
+        house.record(false, later, 1000, 1000);
+        QCOMPARE(house.archive.records({}, later, later)[0].endMs, later + 1000);
     }
 };
 
