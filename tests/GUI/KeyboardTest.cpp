@@ -196,6 +196,7 @@ private slots:
         const auto told = [](const QAccessibleInterface *node) {
             return "%1: %2"_s.arg(node->text(A::Name), node->text(A::Description));
         };
+        window->findChild<RosterWidget *>()->updateRoster(); // from then on cards say their state
         tabTo("card_c"_s);
         QAccessibleInterface *card = A::queryAccessibleInterface(QApplication::focusWidget());
         QVERIFY(card->state().focused && !card->state().selected);
