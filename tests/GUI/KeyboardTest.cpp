@@ -188,6 +188,8 @@ private slots:
         tabTo(place);
         press(keys.section(' ', -1));
         QTRY_COMPARE(state(), effect);
+        if (const auto *name = qobject_cast<QLineEdit *>(QApplication::focusWidget()))
+            QCOMPARE(name->selectedText(), name->text()); // the first letter replaces it
     }
 
     void screenReadersSeeAndPress()
