@@ -154,7 +154,7 @@ private slots:
              {"menu of a card", "Menu", "card_b", "Open camera"},
              {"the other keys for it", "Shift+F10", "card_b", "Open camera"},
              {"menu of a tile", "Menu", "tile_a", "Settings"},
-             {"a tile", "Return", "tile_a", "view b . | . a, a of 4 at tile_a"},
+             {"a tile", "Return", "tile_a", "alone b . | . a, a of 4 at tile_a"},
              {"menu of a LAN server", "Menu", "server_lan", "Edit"},
              {"a cloud server has none", "Menu", "server_s", "view b . | . a, b of 4 at server_s"},
              {"none of another row", "Hidden Menu", "showPBtn",
@@ -188,6 +188,8 @@ private slots:
         tabTo(place);
         press(keys.section(' ', -1));
         QTRY_COMPARE(state(), effect);
+        if (const auto *name = qobject_cast<QLineEdit *>(QApplication::focusWidget()))
+            QCOMPARE(name->selectedText(), name->text()); // the first letter replaces it
     }
 
     void screenReadersSeeAndPress()
@@ -196,6 +198,7 @@ private slots:
         const auto told = [](const QAccessibleInterface *node) {
             return "%1: %2"_s.arg(node->text(A::Name), node->text(A::Description));
         };
+        window->findChild<RosterWidget *>()->updateRoster(); // from then on cards say their state
         tabTo("card_c"_s);
         QAccessibleInterface *card = A::queryAccessibleInterface(QApplication::focusWidget());
         QVERIFY(card->state().focused && !card->state().selected);
@@ -303,9 +306,12 @@ private:
         const auto seen = std::count_if(cards.begin(), cards.end(),
                                         [](const QWidget *card) { return card->isVisible(); });
         const bool isEdited = window->findChild<InfoPanel *>()->mode() == InfoPanel::EditMode;
-        const QString text = isEdited ? "edit %1, %2 of %3 at %4"_s : "view %1, %2 of %3 at %4"_s;
+        const QString mode = isEdited                         ? "edit"_s
+                             : gridOf(*window)->isMaximised() ? "alone"_s
+                                                              : "view"_s;
         const API::CameraPtr active = window->findChild<Timeline *>()->activeCamera();
-        return text.arg(cellsOf(*gridOf(*window)), active ? active->name() : "none"_s)
+        return "%1 %2, %3 of %4 at %5"_s
+            .arg(mode, cellsOf(*gridOf(*window)), active ? active->name() : "none"_s)
             .arg(seen)
             .arg(nameOf(QApplication::focusWidget()));
     }

@@ -258,7 +258,7 @@ private slots:
         FakeClock clock(QDateTime(QDate(2026, 3, 5), QTime(12, 0)));
         App::settings().setValue("tour/intervalSeconds"_s, 30);
         const auto *button = window->findChild<TourButton *>();
-        const QList<QAction *> choices = button->findChild<QMenu *>()->actions();
+        const QList<QAction *> choices = button->menu()->actions();
         const auto shownAfter = [&](int seconds) {
             clock.advance(seconds);
             expireTimers(1s, window.data());
