@@ -171,7 +171,7 @@ private slots:
             return played > start.addSecs(10) && played < start.addSecs(35) && *least >= 0 &&
                    (*most - *least) * 40 <= 1500;
         };
-        QTRY_VERIFY_WITH_TIMEOUT(areInStep(), 2 * pollDeadlineMs);
+        QVERIFY(QTest::qWaitFor(areInStep, 2 * pollDeadlineMs));
         part<QSlider>(mainWindow(), "speedSlider")->setValue(0);
     }
 
