@@ -82,7 +82,8 @@ void Kiosk::wake()
     parts.bar->show();
     showCursor(true);
     quiet.start();
-    if (std::exchange(isHoverEnded, false) && parts.window->geometry().contains(QCursor::pos()))
+    const QWidget *under = QApplication::widgetAt(QCursor::pos());
+    if (std::exchange(isHoverEnded, false) && under && under->window() == parts.window)
         enterWindow(parts.window, QCursor::pos());
 }
 
@@ -95,7 +96,7 @@ void Kiosk::rest()
         quiet.start();
         return;
     }
-    // A pointer that nobody sees lights nothing; only a move of it brings that back.
+    // A pointer that nobody sees lights nothing.
     isHoverEnded = isHoverEnded || parts.window->underMouse();
     if (parts.window->underMouse())
         leaveWindow(parts.window);

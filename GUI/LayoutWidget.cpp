@@ -112,7 +112,7 @@ void LayoutWidget::resizeLayout(int rows, int columns)
         d->workingLayout ? API::LayoutPtr::create(*d->workingLayout) : API::LayoutPtr::create();
     resized->resize(rows, columns);
     {
-        const QScopedValueRollback<bool> resizing(d->givesQuality, d->autoQuality);
+        const QScopedValueRollback<bool> resizing(d->givesQuality, true);
         openLayout(resized);
     }
     d->savedLayout = remembered;

@@ -65,7 +65,7 @@ void LayoutWidget::addCamera(API::CameraPtr camera, API::LayoutPoint position, A
     tile->setSpan(rowSpan, columnSpan);
     d->grid->addWidget(tile, position.row, position.column, rowSpan, columnSpan);
     d->workingLayout->setCamera(camera, position.row, position.column, rowSpan, columnSpan);
-    if (d->givesQuality)
+    if (d->givesQuality && d->autoQuality)
         tile->takeQuality(qualityOf(*tile));
     emit layoutModified();
     emit cameraAdded(camera);

@@ -33,7 +33,7 @@ public:
     bool isPaused = false;
     bool autoQuality = true;
     bool areNamesShown = false;
-    /// New tiles start in the quality of their share: given later, it would start them twice.
+    /// New tiles start in the automatic quality: given later, it would start them twice.
     bool givesQuality = false;
     Player::VideoWidget *maximised = nullptr;
     int qualityBefore = 0; ///< of the tile that is maximised

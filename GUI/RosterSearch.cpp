@@ -54,7 +54,7 @@ void searchServer(ServerWidget *server, const QString &name)
 
 QWidget *firstFound(const ServerWidget *server, const QString &name)
 {
-    if (contains(server->server()->alias(), name))
+    if (contains(server->server()->alias(), name) && !server->heading()->isHidden())
         return server->heading();
     const QList<API::CameraPtr> cameras = server->server()->sortedCameras();
     for (const API::CameraPtr &camera : cameras) {

@@ -208,7 +208,9 @@ void RosterWidget::search(QString name)
 void RosterWidget::showFirstFound(const QString &name)
 {
     const QList<QWidget *> order = sortedServers(servers);
-    // What the search has opened and closed takes its place at once.
+    // What the search has opened and closed takes its place at once, from the inside out.
+    for (const QWidget *server : order)
+        server->layout()->activate();
     serversLayout->activate();
     for (const QWidget *server : order) {
         if (QWidget *found = firstFound(static_cast<const ServerWidget *>(server), name)) {
