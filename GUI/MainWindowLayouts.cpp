@@ -111,7 +111,10 @@ void MainWindow::closeCamera(API::CameraPtr camera)
 
 void MainWindow::activateCamera(API::CameraPtr camera)
 {
-    if (camera == timeline->activeCamera())
+    // Two windows may hold two objects of one camera, when its server went and came back between
+    // them: told apart, they would go on telling each other of it without end.
+    const API::CameraPtr active = timeline->activeCamera();
+    if (camera == active || (camera && active && camera->globalId() == active->globalId()))
         return;
     if (!camera || !timeline->hasCamera(camera->globalId())) {
         layoutWidget->setActiveCamera(API::CameraPtr());

@@ -187,6 +187,21 @@ private slots:
         }
     }
 
+    void aCameraThatCameBackIsOneCamera()
+    {
+        MainWindow *window = openWindow();
+        window->openLayout(twoCameras());
+        const API::CameraPtr former = camera(1);
+        setWorld({});
+        addServerToRoster("later"_s, {});
+        QVERIFY(camera(1) && camera(1) != former);
+        MainWindow *other = openWindow();
+        QSignalSpy told(window, &MainWindow::cameraActivated);
+        other->openLayout(twoCameras());
+        other->activateCamera(camera(2));
+        QCOMPARE(told.count(), 1); // of the second camera; without end, it would be of the first
+    }
+
     void furtherWindowTakesTheFreeScreen()
     {
         const QRect left(0, 0, 1920, 1080);
