@@ -63,12 +63,12 @@ public:
 
     QVector<SeenPicture> pictures;
     std::atomic<qint64> last{0}; ///< moment of the newest one
+    QDeadlineTimer patience{60'000};
 
 private:
     const Enough enough;
     int formats = 0;
     std::atomic<bool> open{true};
-    const QDeadlineTimer patience{60'000};
 };
 
 /// A house with one camera, which is asked as its client does.

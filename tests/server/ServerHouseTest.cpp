@@ -71,8 +71,7 @@ private slots:
         QVERIFY(!StateFolder("state").make().empty());
         QVERIFY(QFile::remove("state") && QDir().mkdir("given"));
         const auto rights = QFile::permissions("given");
-        QCOMPARE(StateFolder("given").make(), std::string());
-        QCOMPARE(QFile::permissions("given"), rights);
+        QVERIFY(StateFolder("given").make().empty() && QFile::permissions("given") == rights);
         StateFolder state("state");
         QCOMPARE(state.make(), std::string());
         QCOMPARE(QFile::permissions("state"), QFile::Permissions(0x7700));
@@ -308,8 +307,7 @@ private slots:
         QTcpSocket peer;
         peer.connectToHost("127.0.0.1", quint16(section.section(' ', -1).toInt()));
         peer.write("POST / HTTP/1.1\r\nContent-Length: 1025\r\n\r\n" + QByteArray(1025, 'a'));
-        QTRY_VERIFY(peer.bytesAvailable() > 0);
-        QVERIFY(peer.readAll().contains(" 413 "));
+        QTRY_VERIFY(peer.peek(100).contains(" 413 "));
         server.terminate();
         QTRY_VERIFY_WITH_TIMEOUT(says("STOPPING=1"), 30'000);
         QTRY_COMPARE_WITH_TIMEOUT(server.state(), QProcess::NotRunning, 30'000);
