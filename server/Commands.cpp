@@ -27,7 +27,7 @@ namespace ZorvaneServer {
 namespace {
 
 constexpr int usageError = 2;
-constexpr mode_t othersBits = 077;
+constexpr mode_t groupAndOthers = 077;
 
 struct Setup {
     std::string fileName;
@@ -57,12 +57,18 @@ int outcome(const std::string &failure)
     return failure.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-int check(const Setup &setup)
+/// Says so when anybody has one of those rights on the file.
+void warnOfReaders(const std::string &fileName, mode_t rights)
 {
     struct stat facts {
     };
-    if (stat(setup.fileName.c_str(), &facts) == 0 && (facts.st_mode & othersBits) != 0)
-        Log::say(setup.fileName + ": others can read it, and the passwords in it");
+    if (stat(fileName.c_str(), &facts) == 0 && (facts.st_mode & rights) != 0)
+        Log::say(fileName + ": others can read it, and the passwords in it");
+}
+
+int check(const Setup &setup)
+{
+    warnOfReaders(setup.fileName, groupAndOthers);
     if (!setup.isSound())
         return EXIT_FAILURE;
     const std::string &folder = setup.configuration.archive.folder;
@@ -135,6 +141,8 @@ void serve(const Server &server, const sigset_t &signals)
 
 int run(const Setup &setup)
 {
+    // What a service is lent seems its group's, where a list of rights lets its user read it.
+    warnOfReaders(setup.fileName, S_IRWXO);
     if (!setup.isSound())
         return EXIT_FAILURE;
     // Before the threads, which would be ended by them otherwise.

@@ -143,6 +143,11 @@ void ConfigurationParser::set(const std::string &key, const std::string &value)
 {
     if (section == Section::Unknown)
         return;
+    // Not repeated: it may hold the first part of a password.
+    if (key.find("://") != std::string::npos) {
+        error("an address stands behind \"url = \" or \"sub = \"");
+        return;
+    }
     if (section == Section::None) {
         error("\"" + key + "\" stands before the first section");
         return;

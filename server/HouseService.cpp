@@ -30,6 +30,8 @@ namespace {
 constexpr PasswordRules passwordRules{std::chrono::seconds(1), 10, std::chrono::minutes(1)};
 // A house has few watchers, each of whom may fill a wall.
 constexpr int mostConnections = 300;
+// Nothing is asked of the cameras' port with a body, and other machines may reach it.
+constexpr std::size_t largestCamerasBody = 1024;
 constexpr char authorityName[] = "Zorvane home authority";
 constexpr char authorityFile[] = "/authority.pem";
 
@@ -87,6 +89,7 @@ std::string HouseService::bind()
     listeners.push_back(std::make_unique<HttpServer>(
         "api", [this](const HttpRequest &request) { return service.api.handle(request); }, &tls,
         limits));
+    limits.bodyBytes = largestCamerasBody;
     listeners.push_back(std::make_unique<HttpServer>(
         HttpRequest::lanListener,
         [this](const HttpRequest &request) { return service.lan.handle(request); }, nullptr,

@@ -13,7 +13,8 @@ namespace {
 constexpr char hidden[] = "***";
 // A shorter one stands in too many words; where addresses hold it, it is found all the same.
 constexpr std::size_t shortestAnywhere = 4;
-constexpr std::array words = {"pass", "pwd", "secret", "token", "auth", "key"};
+constexpr std::array words = {"pas", "pw", "psw", "secret", "token", "auth", "key"};
+constexpr char wholeWord[] = "p"; // within others it says nothing
 
 /// Where an address that begins before `from` ends in a text.
 std::size_t endOfAddress(const std::string &text, std::size_t from)
@@ -32,8 +33,9 @@ bool namesSecret(std::string name)
 {
     std::transform(name.begin(), name.end(), name.begin(),
                    [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-    return std::any_of(words.begin(), words.end(),
-                       [&name](const char *word) { return name.find(word) != std::string::npos; });
+    return name == wholeWord || std::any_of(words.begin(), words.end(), [&name](const char *word) {
+               return name.find(word) != std::string::npos;
+           });
 }
 
 /// Calls `take(begin, size)` for the value of each "name=value" whose name promises a secret.

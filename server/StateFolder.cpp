@@ -47,8 +47,9 @@ std::string newPassword()
 std::string StateFolder::make() const
 {
     std::error_code code;
-    std::filesystem::create_directories(path, code);
-    if (!code && chmod(path.c_str(), ownerFolder) == 0)
+    const bool isNew = std::filesystem::create_directories(path, code);
+    // Another folder's rights are its owner's affair; each file in it has its own.
+    if (!code && (!isNew || chmod(path.c_str(), ownerFolder) == 0))
         return {};
     return path + ": " + (code ? code.message() : std::strerror(errno));
 }

@@ -24,12 +24,27 @@ std::string portOf(const std::string &address)
     return colon == std::string::npos ? std::string() : address.substr(colon);
 }
 
+bool hasPassword(const HttpRequest &request, const Server &server)
+{
+    return PasswordGuard::areEqual(request.parameters()["sessionId"], server.password);
+}
+
 } // namespace
 
 Access::Result Access::check(const HttpRequest &request, Need need) const
 {
+    return check(request, need, Asked::First);
+}
+
+bool Access::isStillGranted(const HttpRequest &request, Need need) const
+{
+    return check(request, need, Asked::Again).isGranted();
+}
+
+Access::Result Access::check(const HttpRequest &request, Need need, Asked asked) const
+{
     // A LAN recorder has its streams on its own port, beside everything else.
-    return request.isForLanServer() ? checkLan(request, need) : checkCloud(request, need);
+    return request.isForLanServer() ? checkLan(request, need, asked) : checkCloud(request, need);
 }
 
 Access::Result Access::checkCloud(const HttpRequest &request, Need need) const
@@ -50,7 +65,7 @@ Access::Result Access::checkCloud(const HttpRequest &request, Need need) const
     return {HttpStatus::Ok, *found};
 }
 
-Access::Result Access::checkLan(const HttpRequest &request, Need need) const
+Access::Result Access::checkLan(const HttpRequest &request, Need need, Asked asked) const
 {
     auto parameters = request.parameters();
     const auto owner = roster.lanServer(request.localPort);
@@ -65,7 +80,7 @@ Access::Result Access::checkLan(const HttpRequest &request, Need need) const
         parameters["server"] == "1" || portOf(parameters["server"]) == portOf(server.id);
     if (camera == cameras.end() || !isMeant)
         return refused(HttpStatus::NotFound);
-    if (!opens(request, server))
+    if (!(asked == Asked::First ? opens(request, server) : hasPassword(request, server)))
         return refused(HttpStatus::Forbidden);
     if (need == Need::Live && !camera->online)
         return refused(HttpStatus::NotFound);
@@ -74,8 +89,8 @@ Access::Result Access::checkLan(const HttpRequest &request, Need need) const
 
 bool Access::opens(const HttpRequest &request, const Server &server) const
 {
-    const std::string given = request.parameters()["sessionId"];
-    return guard.admits(request.peer, given, PasswordGuard::areEqual(given, server.password));
+    return guard.admits(request.peer, request.parameters()["sessionId"],
+                        hasPassword(request, server));
 }
 
 } // namespace ZorvaneService

@@ -29,12 +29,18 @@ public:
 
     /// Goes by `server`, `camera` and `sessionId` of the request's query.
     Result check(const HttpRequest &request, Need need) const;
+    /// The same for what was granted before: its password is no new try, so it counts for nothing,
+    /// and that its peer is locked out since doesn't matter.
+    bool isStillGranted(const HttpRequest &request, Need need) const;
     /// Whether the request's `sessionId` opens the LAN server.
     bool opens(const HttpRequest &request, const Server &server) const;
 
 private:
+    enum class Asked { First, Again };
+
+    Result check(const HttpRequest &request, Need need, Asked asked) const;
     Result checkCloud(const HttpRequest &request, Need need) const;
-    Result checkLan(const HttpRequest &request, Need need) const;
+    Result checkLan(const HttpRequest &request, Need need, Asked asked) const;
 
     const RosterSource &roster;
     const Accounts &accounts;

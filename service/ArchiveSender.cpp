@@ -5,6 +5,13 @@
 
 namespace ZorvaneService {
 
+namespace {
+
+// A clock that is set back makes a wait long: so often it is looked whether anybody still waits.
+constexpr std::int64_t longestSleepMs = 250;
+
+} // namespace
+
 ArchiveSender::ArchiveSender(const ArchiveCatalogue &archive, const CameraId &whose,
                              const ArchiveSpan &wanted, const Record &record, ArchiveSource &media,
                              std::int64_t first, Watch &eye, BodySink &sink)
@@ -45,12 +52,25 @@ ArchiveSender::Step ArchiveSender::beforePicture()
 {
     if (packet.momentMs >= span.endMs)
         return Step::End;
-    if (!span.isExport())
-        pace.await(packet.momentMs);
-    auto step = Step::Send;
+    auto step = span.isExport() ? Step::Send : awaitTime();
     while (step == Step::Send && (packet.momentMs >= current.endMs || watch.isDue()))
         step = watch.isAllowed() ? findRecord(packet.momentMs) : Step::End;
     return step;
+}
+
+/// `Send` once the picture is due, something else when nobody is to get it any more.
+ArchiveSender::Step ArchiveSender::awaitTime()
+{
+    const std::int64_t dueMs = pace.dueMs(packet.momentMs);
+    for (;;) {
+        sleepUntil(std::min(dueMs, nowMs() + longestSleepMs));
+        if (nowMs() >= dueMs)
+            return Step::Send;
+        if (!watch.isAllowed())
+            return Step::End;
+        if (!limited.isOpen())
+            return Step::Skip;
+    }
 }
 
 /// Looks what is recorded at `momentMs`, or for an export from there on. `Send`: still the record

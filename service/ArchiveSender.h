@@ -27,6 +27,7 @@ private:
     enum class Step { Send, Skip, End };
 
     Step beforePicture();
+    Step awaitTime();
     Step findRecord(std::int64_t momentMs);
 
     const ArchiveCatalogue &catalogue;

@@ -34,7 +34,7 @@ private:
     std::int64_t zeroMs;
     DecodingTimes decoded;
     std::int64_t lastPictureMs = 0;
-    std::int64_t pictureMs = 0; ///< how long the last picture but one was shown
+    std::int64_t pictureMs = 0; ///< between the last two as they came: negative out of order
     std::shared_ptr<const MediaFormat> format;
     Bytes waiting;
 };

@@ -14,14 +14,14 @@ constexpr std::int64_t leadMs = 500;
 
 } // namespace
 
-void Pace::await(std::int64_t momentMs)
+std::int64_t Pace::dueMs(std::int64_t momentMs)
 {
     const std::int64_t playedMs = std::max<std::int64_t>(momentMs - firstMs, 0);
-    const std::int64_t dueMs = beganMs + playedMs / speed - leadMs;
-    const std::int64_t lagMs = nowMs() - dueMs;
+    const std::int64_t playedAtMs = beganMs + playedMs / speed - leadMs;
+    const std::int64_t lagMs = nowMs() - playedAtMs;
     if (lagMs > largestLagMs)
         beganMs += lagMs;
-    sleepUntil(std::max(dueMs, momentMs + 1));
+    return std::max(playedAtMs, momentMs + 1);
 }
 
 } // namespace ZorvaneService

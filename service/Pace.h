@@ -14,8 +14,8 @@ public:
     /// What is before `startMs` is due at once.
     Pace(std::int64_t startMs, int playSpeed) : firstMs(startMs), speed(playSpeed) {}
 
-    /// Blocks until `momentMs` is due; what isn't recorded yet is waited for.
-    void await(std::int64_t momentMs);
+    /// When `momentMs` is due, by the wall clock; what isn't recorded yet is waited for.
+    std::int64_t dueMs(std::int64_t momentMs);
 
 private:
     const std::int64_t firstMs;

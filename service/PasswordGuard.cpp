@@ -27,7 +27,8 @@ std::string digestOf(const std::string &given)
 bool PasswordGuard::admits(const std::string &peer, const std::string &given, bool isRight)
 {
     const bool admitted = judge(peer, given, isRight, Clock::now());
-    if (!isRight)
+    // Also a right one that is locked out: who gives it is not to learn that it is.
+    if (!admitted)
         std::this_thread::sleep_for(rules.wrongCosts);
     return admitted;
 }

@@ -26,7 +26,7 @@ public:
     explicit PasswordGuard(const PasswordRules &given) : rules(given) {}
 
     /// Whether a peer that gave this password, right or wrong, is let in. Blocks for as long as a
-    /// wrong one costs.
+    /// wrong one costs when it isn't.
     bool admits(const std::string &peer, const std::string &given, bool isRight);
     /// The same at `now`, without blocking.
     bool judge(const std::string &peer, const std::string &given, bool isRight,

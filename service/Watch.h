@@ -15,7 +15,7 @@ public:
 
     /// True when it is time to look.
     bool isDue();
-    bool isAllowed() const { return access.check(request, need).isGranted(); }
+    bool isAllowed() const { return access.isStillGranted(request, need); }
 
 private:
     const RosterSource &roster;

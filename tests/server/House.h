@@ -63,12 +63,12 @@ public:
 
     QVector<SeenPicture> pictures;
     std::atomic<qint64> last{0}; ///< moment of the newest one
+    QDeadlineTimer patience{60'000};
 
 private:
     const Enough enough;
     int formats = 0;
     std::atomic<bool> open{true};
-    const QDeadlineTimer patience{60'000};
 };
 
 /// A house with one camera, which is asked as its client does.
@@ -91,7 +91,7 @@ public:
         return ZorvaneService::CameraOfServer{gate.server, gate.cameras[0]};
     }
     std::optional<ZorvaneService::ServerWithCameras> lanServer(int) const override { return gate; }
-    std::uint64_t generation() const override { return 0; }
+    std::uint64_t generation() const override { return changes; }
     bool setRotation(const ZorvaneService::CameraId &, int) override { return false; }
 
     static ZorvaneServer::StreamId stream(bool isSub)
@@ -145,7 +145,7 @@ public:
         request.listener = ZorvaneService::HttpRequest::lanListener;
         request.method = "GET";
         request.path = path.section('?', 0, 0).toStdString();
-        request.query = "server=1&camera=0&sessionId=&" + path.section('?', 1).toStdString();
+        request.query = "server=1&camera=0&" + path.section('?', 1).toStdString() + "&sessionId=";
         return service.lan.handle(request);
     }
     /// Until the receiver has enough or the stream has ended, which is true then.
@@ -157,6 +157,7 @@ public:
 
     QTemporaryDir place;
     ZorvaneService::ServerWithCameras gate{{}, std::vector<ZorvaneService::Camera>(1)};
+    std::atomic<std::uint64_t> changes{0}; ///< of what may be seen
     ZorvaneServer::ArchiveFolder folder;
     ZorvaneServer::Catalogue catalogue;
     ZorvaneServer::LiveRings rings{{stream(false), stream(true)}};
@@ -164,7 +165,8 @@ public:
     ZorvaneServer::HouseArchive archive{catalogue, names};
     ZorvaneServer::HouseMedia media{folder, catalogue, rings, names};
     ZorvaneService::Accounts accounts{"", "", place.filePath("accounts").toStdString()};
-    mutable ZorvaneService::VideoService service{*this, archive, media, accounts, ""};
+    mutable ZorvaneService::VideoService service{*this,    archive, media,
+                                                 accounts, "",      {{}, 2, std::chrono::hours(1)}};
     std::unique_ptr<ZorvaneServer::SegmentWriter> segment;
 };
 

@@ -69,7 +69,9 @@ private slots:
     {
         write("state", "");
         QVERIFY(!StateFolder("state").make().empty());
-        QVERIFY(QFile::remove("state") && QDir().mkdir("state"));
+        QVERIFY(QFile::remove("state") && QDir().mkdir("given"));
+        const auto rights = QFile::permissions("given");
+        QVERIFY(StateFolder("given").make().empty() && QFile::permissions("given") == rights);
         StateFolder state("state");
         QCOMPARE(state.make(), std::string());
         QCOMPARE(QFile::permissions("state"), QFile::Permissions(0x7700));
@@ -289,8 +291,9 @@ private slots:
             return said.contains(word);
         };
         QTemporaryDir folder;
-        write(folder.filePath("conf"),
-              serviceSection(folder.filePath("state")).toUtf8() + "[camera A]\nurl = file:/none\n");
+        const QString section = serviceSection(folder.filePath("state"));
+        write(folder.filePath("conf"), section.toUtf8() + "[camera A]\nurl = file:/none\n");
+        QVERIFY(QFile::setPermissions(folder.filePath("conf"), QFile::Permissions(0x6604)));
         QProcess server;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("NOTIFY_SOCKET"_s, QDir("notify").absolutePath());
@@ -300,6 +303,11 @@ private slots:
                      {"--config", folder.filePath("conf")});
         QTRY_VERIFY_WITH_TIMEOUT(says("WATCHDOG=1 WATCHDOG=1"), 30'000);
         QVERIFY2(said.startsWith("READY=1 "), said);
+        QVERIFY(server.readAllStandardError().contains("others can read it"));
+        QTcpSocket peer;
+        peer.connectToHost("127.0.0.1", quint16(section.section(' ', -1).toInt()));
+        peer.write("POST / HTTP/1.1\r\nContent-Length: 1025\r\n\r\n" + QByteArray(1025, 'a'));
+        QTRY_VERIFY(peer.peek(100).contains(" 413 "));
         server.terminate();
         QTRY_VERIFY_WITH_TIMEOUT(says("STOPPING=1"), 30'000);
         QTRY_COMPARE_WITH_TIMEOUT(server.state(), QProcess::NotRunning, 30'000);

@@ -136,6 +136,49 @@ private slots:
         QCOMPARE(expectedMs, begin + 102'000);
     }
 
+    /// Wrong passwords that its peer gives meanwhile don't end a stream, nor does it make up for
+    /// them; another password of the server does end it.
+    void exportedByPassword()
+    {
+        House house;
+        fill(house, 2000);
+        Receiver receiver([&](const SeenPicture &one) {
+            const qint64 ms = one.momentMs - begin;
+            if (ms == 1000 || ms == 2000)
+                house.ask("/streams/info?sessionId=%1"_s.arg(ms));
+            house.gate.server.password = ms < 4000 ? "" : "other";
+            ++house.changes;
+            return false;
+        });
+        const QString film = "/flv/archive?startTime=%1&endTime=%2&q=2"_s.arg(begin);
+        QVERIFY(house.play(film.arg(begin + 10'000), receiver));
+        QCOMPARE(receiver.last.load(), begin + 4000);
+        house.gate.server.password.clear();
+        QCOMPARE(house.ask(film.arg(begin + 1000)).status, 403);
+    }
+
+    /// As when the clock was set back: the next picture's time is far. Once the camera has gone,
+    /// and once the receiver, who is one of little patience then.
+    void endsWhileItWaits()
+    {
+        for (const bool online : {false, true}) {
+            House house;
+            const qint64 startMs = QDateTime::currentSecsSinceEpoch() * 1000 - 1000;
+            house.record(false, startMs, pictureMs, 1000);
+            house.append(House::picture(false, startMs + 100'000, true));
+            const auto change = [&](const SeenPicture &) {
+                house.gate.server.online = online;
+                return false;
+            };
+            Receiver receiver(change);
+            receiver.patience.setRemainingTime(online ? 1000 : 60'000);
+            QCOMPARE(
+                house.play("/flv/archive?startTime=%1&speed=1"_s.arg(startMs / 1000), receiver),
+                !online);
+            QCOMPARE(receiver.pictures.size(), 1);
+        }
+    }
+
     /// A camera that hung, and its next connection, which others than players need to know of: what
     /// is told ends where pictures do, and nothing ends early.
     void hung()

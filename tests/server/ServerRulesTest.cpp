@@ -221,6 +221,8 @@ private slots:
               "[service]|address = localhost|port = 0|cameras_port = 8843|state = s|"
               "[camera A]|url = file:a",
               "2 3 4 5"},
+             {"bare addresses", "rtsp://u:se=cret@h|[camera A]|url = file:a|rtsp://u:se=cret@h",
+              "1 4"},
              {"words", "[camera A]|url = file:a|transport = tls|sound = 1", "3 4"}});
     }
 
@@ -230,8 +232,10 @@ private slots:
         auto text = file;
         const auto result = Configuration::parse(text.replace('|', '\n').toStdString(), "f");
         QStringList lines;
-        for (const std::string &error : result.errors)
+        for (const std::string &error : result.errors) {
+            QVERIFY(error.find("u:se") == std::string::npos);
             lines << QString::fromStdString(error).section(':', 1, 1);
+        }
         QCOMPARE(lines.join(' '), wrong);
         if (!wrong.isEmpty())
             return;
@@ -253,6 +257,8 @@ private slots:
               "open rtsp://***@10.0.0.9/1 failed"},
              {"alone", "bad pa%40ss or pa@ss.", "bad *** or ***."},
              {"in a question", "GET /v?user=a&Password=x1&n=2", "GET /v?user=a&Password=***&n=2"},
+             {"and shorter", "/v?loginpas=x1&psw=x2&pw=x3&p=x4&fps=5&up=6",
+              "/v?loginpas=***&psw=***&pw=***&p=***&fps=5&up=6"},
              {"unknown address", "'http://u:q@r@h/x' and \"rtsp://h/y\"",
               "'http://***@h/x' and \"rtsp://h/y\""},
              {"an @ in the path", "bad opensesame", "bad ***"},

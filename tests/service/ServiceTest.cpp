@@ -118,6 +118,16 @@ private slots:
         QVERIFY(guard.judge("other", "right", true, now));
     }
 
+    /// Else the time it takes would tell who is locked out that this one is right.
+    void lockedOutRightPasswordCostsToo()
+    {
+        PasswordGuard guard({50ms, 1, 1h});
+        QVERIFY(!guard.admits("peer", "wrong", false));
+        const auto given = PasswordGuard::Clock::now();
+        QVERIFY(!guard.admits("peer", "right", true));
+        QVERIFY(PasswordGuard::Clock::now() - given >= 50ms);
+    }
+
     /// When pictures are shown, in the order in which they come, and when they are decoded.
     void decodingTimes_data()
     {
