@@ -14,7 +14,8 @@ class StateFolder
 public:
     explicit StateFolder(std::string folder) : path(std::move(folder)) {}
 
-    /// Makes the folder, its owner's alone, when there is none. Empty on success, here and below, else what failed.
+    /// Makes the folder, its owner's alone, when there is none. Empty on success, here and below,
+    /// else what failed.
     std::string make() const;
     /// Keeps others from running on it for as long as this object lives.
     std::string lock();
