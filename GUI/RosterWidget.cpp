@@ -201,7 +201,8 @@ void RosterWidget::search(QString name)
             searchServer(server, name);
         }
     }
-    if (!name.isEmpty())
+    // Both lists are given what is typed, also the one that another page hides.
+    if (!name.isEmpty() && isVisible())
         showFirstFound(name);
 }
 

@@ -38,8 +38,8 @@ signals:
 
 public slots:
     /// Opens the servers with a camera whose name contains `name`, closes those that match in
-    /// nothing, marks what was found, and has the first of it in view. An empty text restores what
-    /// was open before.
+    /// nothing, marks what was found, and has the first of it in view while it is shown. An empty
+    /// text restores what was open before.
     void search(QString name);
     /// Takes over the process-wide roster as it is now.
     void updateRoster();
