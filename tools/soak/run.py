@@ -91,7 +91,8 @@ class Run:
                             middle(self.client.first("VideoPlaceholder")))
             time.sleep(1)
             self.fold_server(place)
-        for place in range(SERVERS):
+        # The last one first: an unfolded server pushes those below it out of sight.
+        for place in reversed(range(SERVERS)):
             self.fold_server(place)
         if not processes.wait_until(lambda: len(self.client.tiles()) >= self.count, 30):
             raise Failure(f"{len(self.client.tiles())} tiles from dropped servers of {self.count}")
