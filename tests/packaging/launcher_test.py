@@ -357,6 +357,7 @@ class LauncherTest(unittest.TestCase):
         files = f"zorvane-server client-files {client}"
         show = f"zorvane-client --folder {client}"
         check, start = "zorvane-server check", "zorvane-server "
+        full_log = "a line\n" * 200_000
         for marked, kept, arguments, status, did, errors in (
                 ("", "", ["--what"], 2, [], "Usage"),
                 ("", "", ["--help"], 0, [], ""),
@@ -364,6 +365,7 @@ class LauncherTest(unittest.TestCase):
                 ("sound", "", [], 1, [prepare, check, start], "ends with: taken"),
                 ("sound starts", "", [], 0, [prepare, check, start, files, show], ""),
                 ("sound starts", "archive", [], 0, [check, start, files, show], ""),
+                ("sound starts", "archive log", [], 0, [check, start, files, show], ""),
                 ("runs", "archive", [], 0, [files, show], ""),
                 ("runs", "archive service.ini", [], 0, [show], ""),
                 ("runs", "service.ini", ["--kiosk", "A b"], 0, [f"{show} --kiosk A b"], ""),
@@ -380,6 +382,8 @@ class LauncherTest(unittest.TestCase):
                     if name in kept:
                         folder.mkdir(parents=True)
                         (folder / name).touch()
+                if "log" in kept:
+                    (state / "log").write_text(full_log)
                 result = subprocess.run([place, *arguments], env=self.environment, text=True,
                                         capture_output=True, timeout=patience)
                 self.assertEqual(result.returncode, status, result.stderr)
@@ -388,6 +392,9 @@ class LauncherTest(unittest.TestCase):
                 self.assertIn(errors, result.stderr)
                 if prepare in did:
                     self.assertEqual(stat.S_IMODE(state.stat().st_mode), 0o700)
+                if "log" in kept:
+                    self.assertEqual((state / "log.1").read_text(), full_log)
+                    self.assertLess((state / "log").stat().st_size, len(full_log))
 
 
 if __name__ == "__main__":
