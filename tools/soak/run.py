@@ -84,18 +84,15 @@ class Run:
         side = math.ceil(math.sqrt(self.count))
         user.choose_grid(self, window, side, side)
         processes.wait_until(lambda: len(self.client.find("VideoPlaceholder")) == side * side, 10)
-        # The name of a server is dragged with all its cameras, and the server then folded, so
-        # that the next one is in sight.
+        # The name of a server is dragged with all its cameras. Folded, all names are in sight.
+        self.fold_servers()
         for place in range(SERVERS):
             self.hands.drag(middle(self.server_bars()[place]),
                             middle(self.client.first("VideoPlaceholder")))
             time.sleep(1)
-            self.fold_server(place)
-        # The last one first: an unfolded server pushes those below it out of sight.
-        for place in reversed(range(SERVERS)):
-            self.fold_server(place)
         if not processes.wait_until(lambda: len(self.client.tiles()) >= self.count, 30):
             raise Failure(f"{len(self.client.tiles())} tiles from dropped servers of {self.count}")
+        self.unfold_servers()
         self.name_wall()
 
     def server_bars(self):
@@ -103,13 +100,29 @@ class Run:
                 if any(user.inside(each, server) for server in self.client.find("ServerWidget"))]
         return sorted(bars, key=lambda each: each["place"][1])
 
-    def fold_server(self, place):
-        """Or unfold it."""
-        bar = self.server_bars()[place]
-        button = next(each for each in self.client.find("", "expandButton")
-                      if user.inside(each, bar))
-        self.hands.click(*middle(button))
-        time.sleep(0.5)
+    def fold_servers(self):
+        """All that are unfolded, and with that the list back to its top."""
+        for _ in range(2 * SERVERS):
+            place = self.client.first("RosterWidget")
+            if place:
+                self.hands.wheel(*middle(place), 30)
+                time.sleep(0.3)
+            bars = self.server_bars()
+            unfolded = next((each for each in self.client.find("", "expandButton")
+                             if each["checked"] and any(user.inside(each, bar) for bar in bars)),
+                            None)
+            if not unfolded:
+                return
+            self.hands.click(*middle(unfolded))
+            time.sleep(0.5)
+
+    def unfold_servers(self):
+        # The last one first: an unfolded server pushes those below it out of sight.
+        for bar in reversed(self.server_bars()):
+            button = next(each for each in self.client.find("", "expandButton")
+                          if user.inside(each, bar))
+            self.hands.click(*middle(button))
+            time.sleep(0.5)
 
     def name_wall(self):
         if not user.save_as(self, random.Random(0), WALL):
@@ -278,7 +291,9 @@ class Run:
             return
         # It was edited and saved.
         user.show_page(self, window, "rosterButton")
+        self.fold_servers()
         if not processes.wait_until(lambda: len(self.server_bars()) >= SERVERS, 30, 1):
+            self.unfold_servers()
             self.say("no whole wall: a server is not in the roster")
             return
         if self.client.main_windows()[0]["title"].startswith(WALL):
