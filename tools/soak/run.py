@@ -119,10 +119,11 @@ class Run:
     def unfold_servers(self):
         # The last one first: an unfolded server pushes those below it out of sight.
         for bar in reversed(self.server_bars()):
-            button = next(each for each in self.client.find("", "expandButton")
-                          if user.inside(each, bar))
-            self.hands.click(*middle(button))
-            time.sleep(0.5)
+            button = next((each for each in self.client.find("", "expandButton")
+                           if user.inside(each, bar)), None)
+            if button:
+                self.hands.click(*middle(button))
+                time.sleep(0.5)
 
     def name_wall(self):
         if not user.save_as(self, random.Random(0), WALL):
@@ -151,6 +152,9 @@ class Run:
         def is_in():
             if self.client.main_windows():
                 return True
+            # Nobody gets in while the service answers nonsense.
+            self.watch.hold_disturbances()
+            self.world.clear_faults()
             self.sign_in()
             return bool(self.client.main_windows())
         if not self.world.is_up():
