@@ -252,7 +252,7 @@ def shown_after(url, below):
     with tempfile.NamedTemporaryFile(dir=below) as frame:
         os.truncate(frame.name, FRAME_FILE_BYTES)
         begun = time.monotonic()
-        with running(PLAYER, url, frame.name, stdin=subprocess.PIPE,
+        with running(PLAYER, url, pathlib.Path(frame.name).name, stdin=subprocess.PIPE,
                      stdout=subprocess.PIPE, env={**os.environ, "TMPDIR": str(below)}) as player:
             if any(line == b"frame\n" for line in player.stdout):
                 return (time.monotonic() - begun) * 1000
