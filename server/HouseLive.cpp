@@ -21,7 +21,7 @@ HouseLive::Outcome HouseLive::read(ZorvaneService::MediaPacket *packet)
     if (wire.takeMore(packet))
         return Outcome::Packet;
     while (const PacketPtr next = ring.take(&place, longestWait)) {
-        if (wire.turn(*next, continued(*next), packet))
+        if (wire.turn(*next, continued(*next), packet, place.next - 1))
             return Outcome::Packet;
     }
     return Outcome::NotYet;

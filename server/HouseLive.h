@@ -11,7 +11,7 @@ namespace ZorvaneServer {
 class HouseLive : public ZorvaneService::LiveSource
 {
 public:
-    explicit HouseLive(LiveRing &packets) : ring(packets) {}
+    explicit HouseLive(LiveRing &packets) : ring(packets), wire(packets.sound()) {}
 
     std::optional<std::int64_t> begin() override;
     Outcome read(ZorvaneService::MediaPacket *packet) override;
@@ -21,7 +21,7 @@ private:
 
     LiveRing &ring;
     LiveRing::Place place;
-    WirePackets wire{true};
+    WirePackets wire;
     std::optional<std::uint32_t> run;
     std::int64_t shiftMs = 0; ///< what moments of this run are told later than they were
     std::int64_t lastMs = 0;  ///< as told

@@ -80,4 +80,13 @@ PacketPtr LiveRing::newestKey() const
     return key;
 }
 
+std::shared_ptr<SharedSound> LiveRing::sound()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    auto current = sharedSound.lock();
+    if (!current)
+        sharedSound = current = std::make_shared<SharedSound>();
+    return current;
+}
+
 } // namespace ZorvaneServer

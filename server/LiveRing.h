@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "server/MediaPacket.h"
+#include "server/SharedSound.h"
 
 namespace ZorvaneServer {
 
@@ -37,6 +38,8 @@ public:
     PacketPtr take(Place *place, std::chrono::milliseconds longestWait);
     /// Null while the camera isn't connected.
     PacketPtr newestKey() const;
+    /// What its sound is made into for all who watch; it ends with the last of them.
+    std::shared_ptr<SharedSound> sound();
 
 private:
     std::uint64_t end() const { return first + packets.size(); }
@@ -51,6 +54,7 @@ private:
     PacketPtr key; ///< the newest one; kept when its group is too large
     std::uint64_t keyNumber = 0;
     std::int64_t newestMs = 0; ///< of the pictures
+    std::weak_ptr<SharedSound> sharedSound;
 };
 
 } // namespace ZorvaneServer

@@ -4,11 +4,13 @@
 namespace ZorvaneServer {
 
 bool WirePackets::turn(const MediaPacket &packet, std::int64_t momentMs,
-                       ZorvaneService::MediaPacket *out)
+                       ZorvaneService::MediaPacket *out, std::uint64_t number)
 {
     change(packet.format);
     if (packet.track != Track::Video) {
-        if (converter && momentMs >= soundFromMs)
+        if (momentMs >= soundFromMs && shared)
+            takeShared(shared->of(number, packet), momentMs - packet.momentMs);
+        else if (momentMs >= soundFromMs && converter)
             converter->put(packet.data, momentMs);
         return takeMore(out);
     }
@@ -23,14 +25,26 @@ bool WirePackets::turn(const MediaPacket &packet, std::int64_t momentMs,
 bool WirePackets::takeMore(ZorvaneService::MediaPacket *out)
 {
     SoundConverter::Frame frame;
-    if (!converter || !converter->take(&frame))
+    if (!ready.empty()) {
+        frame = std::move(ready.front());
+        ready.pop_front();
+    } else if (!converter || !converter->take(&frame)) {
         return false;
+    }
     out->isPicture = false;
     out->keyFrame = false;
     out->momentMs = frame.momentMs;
     out->data = std::move(frame.data);
     out->format = told;
     return true;
+}
+
+void WirePackets::takeShared(const SharedSound::Frames &frames, std::int64_t laterMs)
+{
+    if (!frames)
+        return;
+    for (const SoundConverter::Frame &frame : *frames)
+        ready.push_back({frame.momentMs + laterMs, frame.data});
 }
 
 /// Each segment has a format of its own, which mostly says the same.
@@ -43,6 +57,8 @@ void WirePackets::change(const FormatPtr &next)
         wire = WireFormat::of(*next);
         if (converter)
             wire.told.sound = ZorvaneService::MediaFormat::Sound::Mp3;
+        if (shared)
+            converter.reset(); // it has shown that the sound can be converted
         told = std::make_shared<const ZorvaneService::MediaFormat>(wire.told);
     }
     format = next;

@@ -5,6 +5,7 @@
 #include <future>
 
 #include "server/Capture.h"
+#include "server/HouseLive.h"
 #include "service/HttpServer.h"
 
 using namespace ZorvaneServer;
@@ -149,6 +150,57 @@ private slots:
             QCOMPARE(one.stampMs, i < 25 ? std::max(0, (i - 9) * 40) : behind + (i - 25) * 40);
         }
         QVERIFY(behind >= 15 * 40 + awayMs);
+    }
+
+    /// Whoever comes later hears what the others hear, not a sound that begins anew; and each hears
+    /// it with the pictures, also after the camera's time has jumped.
+    void soundIsMadeOnce()
+    {
+        House house;
+        LiveRing &ring = *house.rings.find(House::stream(false));
+        auto format = *aFormat();
+        format.sound = SoundCodec::MuLaw;
+        format.soundRate = 8000;
+        const auto shared = std::make_shared<const StreamFormat>(format);
+        std::mt19937 random(5);
+        const auto put = [&](unsigned run, qint64 fromMs, qint64 lengthMs) {
+            for (qint64 ms = 0; ms < lengthMs; ms += 20) {
+                Bytes data(160);
+                std::generate(data.begin(), data.end(), random);
+                const bool isKey = ms == 0;
+                const qint64 momentMs = fromMs + ms;
+                if (ms % 40 == 0)
+                    ring.put(std::make_shared<MediaPacket>(
+                        MediaPacket{Track::Video, isKey, run, momentMs, shared, Bytes(9)}));
+                ring.put(std::make_shared<MediaPacket>(
+                    MediaPacket{Track::Sound, true, run, momentMs, shared, std::move(data)}));
+            }
+        };
+        const auto heardBy = [](HouseLive *one) {
+            QVector<Bytes> heard;
+            qint64 pictureMs = 0;
+            ZorvaneService::MediaPacket got;
+            while (one->read(&got) == HouseLive::Outcome::Packet) {
+                if (got.isPicture)
+                    pictureMs = got.momentMs;
+                else if (qAbs(got.momentMs - pictureMs) < 500)
+                    heard << got.data;
+            }
+            return heard;
+        };
+        HouseLive first(ring);
+        HouseLive later(ring);
+        put(1, 10'000, 20);
+        QVERIFY(first.begin());
+        put(1, 10'040, 2000);
+        QVERIFY(heardBy(&first).size() > 10);
+        put(2, 3'600'000, 1000);
+        QVERIFY(later.begin());
+        put(2, 3'601'000, 1000);
+        const auto all = heardBy(&first);
+        const auto some = heardBy(&later);
+        QVERIFY(some.size() > 10 && all.size() >= some.size());
+        QCOMPARE(all.mid(all.size() - some.size()), some);
     }
 
     /// A flash and a tone begin at the same time, and still do when others' programs play them.
