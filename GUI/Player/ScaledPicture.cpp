@@ -38,12 +38,7 @@ void readAhead(const QImage &picture, const QRect &area)
 void drawScaled(QPainter &painter, const QRect &target, const QImage &picture, const QRectF &part)
 {
     const QSizeF painted = QSizeF(target.size()) * painter.device()->devicePixelRatioF();
-    const bool mixes = painted != part.size();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, mixes);
-    if (!mixes) {
-        painter.drawImage(QRectF(target), picture, part);
-        return;
-    }
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, painted != part.size());
     const qreal rowsEach = part.height() / target.height();
     for (int top = 0; top < target.height(); top += bandHeight) {
         const int height = std::min(bandHeight, target.height() - top);

@@ -262,6 +262,14 @@ private slots:
         window->resize(window->size() + QSize(60, 40));
         QCoreApplication::processEvents();
         QVERIFY(isMarked(tile));
+        // Two pixels wide, on two of them and off two.
+        const QImage frame = tile->grab().toImage();
+        QVector<int> columns(8);
+        for (int x = 0; x < 8; ++x) {
+            for (int y = 20; y < 100; ++y)
+                columns[x] += frame.pixelColor(x, y) == Colours::accent() ? 1 : 0;
+        }
+        QCOMPARE(columns, QVector<int>({0, 0, 0, 40, 40, 0, 0, 0}));
         QTest::mousePress(tile, Qt::LeftButton);
         QVERIFY(tile->hasFocus() && !isMarked(tile));
         auto *field = window->findChild<QLineEdit *>("searchEdit"_s);

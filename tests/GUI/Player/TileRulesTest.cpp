@@ -131,6 +131,9 @@ private slots:
     {
         QCOMPARE(fractionOf(QRect(10, 10, 100, 50), QPointF(300, -5)), QPointF(1, 0));
         QCOMPARE(fractionOf(QRect(10, 10, 100, 50), QPointF(-5, 300)), QPointF(0, 1));
+        QCOMPARE(fractionOf(QRect(), QPointF(5, 5)), QPointF());
+        // Three notches of a common wheel.
+        QCOMPARE(zoomOfWheel(-360), 0.5);
     }
 
     void zoomMap()
