@@ -203,9 +203,20 @@ private slots:
         QAccessibleInterface *card = A::queryAccessibleInterface(QApplication::focusWidget());
         QVERIFY(card->state().focused && !card->state().selected);
         QCOMPARE(told(card), "c (offline): Camera"_s);
+        // An open one has an edge of three pixels.
+        const auto edge = [seen = QPointer<QWidget>(QApplication::focusWidget())] {
+            QMap<int, QColor> colours;
+            for (const int x : {0, 2, 3})
+                colours[x] = seen->grab().toImage().pixelColor(x, seen->height() / 2);
+            return colours;
+        };
+        const QMap<int, QColor> closed = edge();
         card->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
         QTRY_COMPARE(told(card), "c (offline): Camera, open"_s);
         QVERIFY(card->state().selected);
+        const QColor blue = Colours::accent();
+        QCOMPARE(edge(), (QMap<int, QColor>{{0, blue}, {2, blue}, {3, closed[3]}}));
+        QVERIFY(closed[0] != blue && closed[2] != blue);
         card->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
         QTRY_COMPARE(state(), "Open camera"_s);
         QApplication::activePopupWidget()->close();
