@@ -110,6 +110,7 @@ private slots:
                        {"menu over its button", "menu a/settingsButton, escape"},
                        {"menu of the panel", "menu InfoPanel/settingsButton, over b, escape"},
                        {"fullscreen", "click fullscreenButton, over a, escape"},
+                       {"dialog", "over b, dialog b, escape"},
                        {"side bar", "click hideRosterButton, click showPBtn"}});
     }
 
@@ -229,9 +230,14 @@ private:
         if (verb == "escape") {
             inWindows([&] {
                 QWidget *popup = QApplication::activePopupWidget();
-                QTest::keyClick(popup ? popup : window.data(), Qt::Key_Escape);
+                QWidget *above = popup ? popup : QApplication::activeModalWidget();
+                QTest::keyClick(above ? above : window.data(), Qt::Key_Escape);
             });
             return comesTrue([&] { return !hasPopup() && !window->isFullScreen(); });
+        }
+        if (verb == "dialog") { // what it lies beside is blocked
+            inWindows([this] { (new QMessageBox(window.data()))->open(); });
+            return comesTrue([&] { return !widget(name)->underMouse(); });
         }
         QPoint place;
         if (name.contains('/'))

@@ -119,6 +119,7 @@ private slots:
         window->openLayout(layoutOf(". b | . a"_s));
         window->addToLayout(cameraNamed("c"_s));
         window->showArchivePanels();
+        window->resize(0, 0); // the list has to scroll
         QCoreApplication::processEvents();
         QStringList names;
         QStringList faults;
@@ -170,6 +171,7 @@ private slots:
              {"languages", "Settings Return", "languageBox", "list"},
              {"the time in records", "Return", "timeLabel", "list"},
              {"the size of the grid", "Edit Return", "gridSizeButton", "list"},
+             {"another key", "Space", "pauseButton", "view b . | . a, b of 4 at playButton"},
              {"play in place of pause", "Return", "pauseButton",
               "view b . | . a, b of 4 at playButton"}});
     }

@@ -200,6 +200,7 @@ private slots:
         QVERIFY(sign->toolTip().contains("05/03 07:08:10"_s));
         QCOMPARE(tab->geometry(), tabPlace);
         QCOMPARE(sign->height(), tab->height());
+        QVERIFY(!sign->pixmap(Qt::ReturnByValue).isNull());
         QCOMPARE(sign->accessibleName(), "No connection to the service"_s);
         App::ServiceProfile::setCurrent(atService);
         ask(30);

@@ -211,6 +211,17 @@ private slots:
         }
     }
 
+    /// All but its edge becomes darker.
+    void dimming()
+    {
+        QImage tile(8, 8, QImage::Format_RGB32);
+        tile.fill(Qt::white);
+        QPainter painter(&tile);
+        paintDimming(painter, tile.rect());
+        for (int x = 0; x < 8; ++x)
+            QCOMPARE(tile.pixelColor(x, x).red() / 10, x % 7 == 0 ? 25 : 12);
+    }
+
     void border()
     {
         // Drop target, active, hovered, tiles, cells.
