@@ -36,7 +36,7 @@ TourButton::TourButton(QWidget *parent) : QPushButton(tr("Tour"), parent)
     setMenu(menu);
     connect(intervals, &QActionGroup::triggered, this,
             [this](const QAction *action) { emit chosen(action->data().toInt()); });
-    showTour(false, 0);
+    intervals->actions().constFirst()->setChecked(true);
 }
 
 void TourButton::showTour(bool isOn, int seconds)

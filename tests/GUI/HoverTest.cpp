@@ -138,7 +138,7 @@ private slots:
         QTRY_COMPARE(pictureOfPanels(), seen);
     }
 
-    /// Neither the pointer moves nor is anything shown or hidden.
+    /// The pointer doesn't move.
     void anotherSizeUnderThePointer()
     {
         const QSize before = window->size();
@@ -151,6 +151,10 @@ private slots:
         QTRY_VERIFY(isOver("b"_s));
         window->resize(before); // what is under it becomes smaller
         QTRY_VERIFY(isOver("ControlPanel"_s));
+        QWidget cover(window.data());
+        cover.setGeometry(window->rect());
+        cover.show(); // what was under it is covered
+        QTRY_VERIFY(cover.underMouse() && misledByThePointer().isEmpty());
     }
 
     /// A pointer that is left on a tile is not seen after a while, nor are the bars of the tile.
