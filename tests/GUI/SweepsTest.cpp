@@ -323,18 +323,6 @@ private slots:
         QVERIFY(!seen.isEmpty());
     }
 
-    void theTickOfAMenuIsSharp()
-    {
-        showMainWindow([](QWidget *window) {
-            QMenu *menu = window->findChild<QPushButton *>("tourButton"_s)->menu();
-            menu->popup(QPoint());
-            const QRect entry = menu->actionGeometry(menu->actions().first());
-            const QRect tick(entry.topLeft(), QSize(26, entry.height()));
-            QVERIFY(showsALargeForm(menu->grab(tick).toImage()));
-            menu->close();
-        });
-    }
-
     /// They inherit the sheets of what they belong to, which colour all that lies there.
     void tipsStandOut()
     {
