@@ -55,7 +55,6 @@ CardForm::CardForm(QFrame *card, int cardKind)
     openMark->setObjectName(QStringLiteral("openMark"));
     openMark->setGeometry(0, 0, openMarkPixels, card->height());
     openMark->raise();
-    openMark->setVisible(false);
     nameIconButton(ui->previewMenu, SharedTexts::options());
     if (!isSeen)
         return;

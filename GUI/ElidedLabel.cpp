@@ -54,11 +54,7 @@ void ElidedLabel::highlight(const QString &part)
 {
     // Selected for those who ask the label; it paints a selection only if the user can make one.
     const int position = positionOf(part, text());
-    if (position >= 0) {
-        setSelection(position, static_cast<int>(part.length()));
-    } else {
-        setSelection(0, 0);
-    }
+    setSelection(std::max(position, 0), position < 0 ? 0 : static_cast<int>(part.length()));
     if (marked == part)
         return;
     marked = part;

@@ -59,35 +59,29 @@ bool canBePressed(const QWidget *widget)
 
 bool pressEntry(QWidget *widget)
 {
-    if (auto *card = qobject_cast<Preview *>(widget)) {
-        emit card->clicked();
-        return true;
-    }
     // It becomes the active one, and the window does with that what it does on Return.
     if (auto *tile = qobject_cast<Player::VideoWidget *>(widget)) {
         emit tile->clicked(tile->camera());
         return false;
     }
-    if (auto *list = qobject_cast<QComboBox *>(widget)) {
+    if (auto *card = qobject_cast<Preview *>(widget)) {
+        emit card->clicked();
+    } else if (auto *list = qobject_cast<QComboBox *>(widget)) {
         list->showPopup();
-        return true;
-    }
-    if (auto *picture = qobject_cast<TippedButton *>(widget)) {
+    } else if (auto *picture = qobject_cast<TippedButton *>(widget)) {
         emit picture->clicked();
-        return true;
-    }
-    if (isPressedLabel(widget)) {
+    } else if (isPressedLabel(widget)) {
         const QPointF middle = widget->rect().center();
         QMouseEvent release(QEvent::MouseButtonRelease, middle,
                             widget->mapToGlobal(widget->rect().center()), Qt::LeftButton,
                             Qt::NoButton, Qt::NoModifier);
         QCoreApplication::sendEvent(widget, &release);
-        return true;
-    }
-    auto *button = qobject_cast<QAbstractButton *>(widget);
-    if (button)
+    } else if (auto *button = qobject_cast<QAbstractButton *>(widget)) {
         button->click();
-    return button;
+    } else {
+        return false;
+    }
+    return true;
 }
 
 bool openEntryMenu(QWidget *widget)

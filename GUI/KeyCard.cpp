@@ -16,11 +16,8 @@ namespace {
 
 constexpr int columnsOfLines = 2;
 constexpr int columnsOfLine = 3; // keys, text, a gap
-constexpr int marginPixels = 24;
-constexpr int lineGapPixels = 8;
-constexpr int titleHeightPixels = 36;
-constexpr int textGapPixels = 12;
-constexpr int columnGapPixels = 24;
+constexpr int marginPixels = 24; // as wide is the gap
+constexpr int spacingPixels = 10;
 
 } // namespace
 
@@ -35,13 +32,11 @@ KeyCard::KeyCard(QWidget *parent) : QWidget(parent, Qt::Popup)
 
     auto *grid = new QGridLayout(this);
     grid->setContentsMargins(marginPixels, marginPixels, marginPixels, marginPixels);
-    grid->setVerticalSpacing(lineGapPixels);
-    grid->setHorizontalSpacing(textGapPixels);
-    grid->setColumnMinimumWidth(columnsOfLine - 1, columnGapPixels);
+    grid->setSpacing(spacingPixels);
+    grid->setColumnMinimumWidth(columnsOfLine - 1, marginPixels);
     auto *title = new QLabel(tr("Keys"), this);
     title->setObjectName(QStringLiteral("title"));
-    grid->addWidget(title, 0, 0, 1, -1, Qt::AlignTop);
-    grid->setRowMinimumHeight(0, titleHeightPixels);
+    grid->addWidget(title, 0, 0, 1, -1);
 
     const QVector<KeyLine> lines = keyLines();
     const int rows = (lines.size() + columnsOfLines - 1) / columnsOfLines;

@@ -40,7 +40,6 @@ MomentField::MomentField(const QDateTime &shown, QWidget *parent)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     layout->addWidget(edit);
-    setFocusProxy(edit);
     connect(edit, &QLineEdit::returnPressed, this, &MomentField::choose);
     connect(edit, &QLineEdit::textEdited, this,
             [this] { setStyleProperty(edit, "refused", false); });

@@ -9,7 +9,6 @@ namespace GUI {
 namespace {
 
 const QColor light(224, 228, 235);
-const QColor paler(233, 236, 241);
 const QColor grey(175, 176, 178);
 const QColor dim(91, 102, 122);
 const QColor edge(108, 118, 136);
@@ -28,9 +27,6 @@ QPalette housePalette()
 {
     QPalette palette(Colours::panel(), light, Qt::white, edge, QColor(166, 170, 176),
                      Colours::panel(), Qt::white, Qt::white, light);
-    palette.setColor(QPalette::Midlight, paler);
-    palette.setColor(QPalette::Shadow, QColor(64, 69, 78));
-    palette.setColor(QPalette::AlternateBase, paler);
     palette.setColor(QPalette::PlaceholderText, dim);
     palette.setColor(QPalette::Highlight, Colours::accent());
     palette.setColor(QPalette::HighlightedText, Colours::tile());

@@ -24,13 +24,10 @@ constexpr int cacheLineBytes = 64;
 /// there, would wait for each of them, and takes more than twice as long.
 void readAhead(const QImage &picture, const QRect &area)
 {
-    const int bytesPerPixel = picture.depth() / 8;
-    for (int row = area.top(); row <= area.bottom(); ++row) {
-        const volatile uchar *line = picture.constScanLine(row);
-        const int end = (area.right() + 1) * bytesPerPixel;
-        for (int at = area.left() * bytesPerPixel; at < end; at += cacheLineBytes)
-            static_cast<void>(line[at]);
-    }
+    const volatile uchar *bytes = picture.constBits();
+    const qsizetype end = (area.bottom() + 1) * picture.bytesPerLine();
+    for (qsizetype at = area.top() * picture.bytesPerLine(); at < end; at += cacheLineBytes)
+        static_cast<void>(bytes[at]);
 }
 
 } // namespace
@@ -38,12 +35,7 @@ void readAhead(const QImage &picture, const QRect &area)
 void drawScaled(QPainter &painter, const QRect &target, const QImage &picture, const QRectF &part)
 {
     const QSizeF painted = QSizeF(target.size()) * painter.device()->devicePixelRatioF();
-    const bool mixes = painted != part.size();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, mixes);
-    if (!mixes) {
-        painter.drawImage(QRectF(target), picture, part);
-        return;
-    }
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, painted != part.size());
     const qreal rowsEach = part.height() / target.height();
     for (int top = 0; top < target.height(); top += bandHeight) {
         const int height = std::min(bandHeight, target.height() - top);

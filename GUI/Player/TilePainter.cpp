@@ -94,10 +94,7 @@ QRectF partOf(const QImage &picture, const PictureZoom &zoom)
 void paintZoomMap(QPainter &painter, const QRect &map, const QImage &picture,
                   const PictureZoom &zoom)
 {
-    // So much smaller, it would hardly look better smooth; and a zoomed picture costs no more.
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
     painter.drawImage(QRectF(map), picture, QRectF(picture.rect()));
-    painter.setBrush(Qt::NoBrush);
     painter.setPen(mapFrame);
     painter.drawRect(map.adjusted(-1, -1, 0, 0));
     const QRectF part = zoomMapPart(map, zoom);
@@ -126,7 +123,6 @@ void paintPicture(QPainter &painter, const QRect &tile, const QRect &target, con
 {
     const QImage picture = finalPicture(frame, rotation, mirror);
     paintAround(painter, tile, target, picture);
-    painter.setPen(Qt::NoPen);
     drawScaled(painter, target, picture, partOf(picture, zoom));
     if (zoom.isZoomed())
         paintZoomMap(painter, zoomMapPlace(tile.size(), target), picture, zoom);
@@ -135,13 +131,11 @@ void paintPicture(QPainter &painter, const QRect &tile, const QRect &target, con
 void paintMessage(QPainter &painter, const QRect &tile, const QFont &font, const QString &text)
 {
     paintBackground(painter, tile);
-    painter.save();
     painter.setPen(QColor(Qt::white));
     QFont messageFont = font;
     messageFont.setPixelSize(messagePixelSize(tile.size()));
     painter.setFont(messageFont);
     painter.drawText(tile, Qt::AlignCenter | Qt::TextWordWrap, text);
-    painter.restore();
 }
 
 void paintDimming(QPainter &painter, const QRect &tile)
@@ -153,7 +147,6 @@ void paintBorder(QPainter &painter, const QRect &tile, TileBorder border)
 {
     if (border == TileBorder::None)
         return;
-    painter.setBrush(Qt::NoBrush);
     painter.setPen(border == TileBorder::Selection ? selectionPen() : hoverPen());
     painter.drawRoundedRect(innerRect(tile), borderRadius, borderRadius);
 }

@@ -31,7 +31,6 @@ void VideoWidget::wheelEvent(QWheelEvent *event)
         event->ignore();
         return;
     }
-    event->accept();
     d->zoom.zoomAt(fractionOf(picturePlace(), event->position()),
                    zoomOfWheel(event->angleDelta().y()));
     showZoom();
@@ -42,7 +41,6 @@ void VideoWidget::mouseDoubleClickEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton)
         return;
     setPressPosition(notPressed); // the tile may get another size: what follows is no drag
-    d->isPanning = false;
     if (isZoomed())
         resetZoom();
     else

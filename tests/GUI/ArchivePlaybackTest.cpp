@@ -110,6 +110,7 @@ private slots:
                                {{"date and time", "05/03/2026 10:45:10", "10:45:10"},
                                 {"a time of the day", "10:45", "10:45:00"},
                                 {"another day", " 4/3/2026  10:45:10 ", "2026-03-04 10:45:10"},
+                                {"with dashes", "4-3-2026 10:45:10", "2026-03-04 10:45:10"},
                                 {"with dots", "4.3.2026 10:45:10", "2026-03-04 10:45:10"},
                                 {"now", "23:00:00", "23:00:00"},
                                 {"the future", "23:00:01", ""},
@@ -135,7 +136,10 @@ private slots:
         const QPointer<QWidget> field = QApplication::activePopupWidget();
         QVERIFY(field && qAbs(field->x() - time->mapToGlobal(QPoint()).x()) <= 2); // a frame
         auto *edit = field->findChild<QLineEdit *>();
-        QCOMPARE(field->size(), edit->size());
+        QCOMPARE(field->size(), QSize(edit->width(), time->height()));
+        const int free = edit->width() - edit->fontMetrics().horizontalAdvance(edit->text());
+        QVERIFY(free > 14 && free < 30 && edit->font().pixelSize() == 14);
+        QVERIFY(edit->hasFocus() && edit->accessibleName() == "Date and time"_s);
         QCOMPARE(edit->selectedText(), "05/03/2026 23:00:00"_s);
         const QColor usual = borderOf(edit);
         edit->setText(typed);

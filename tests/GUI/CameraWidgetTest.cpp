@@ -156,6 +156,7 @@ private slots:
               {"release"_s, [&] { card.deletePreview(); }},
               {"expire"_s, [] { QCOMPARE(expireTimers(releaseDelay), 1); }}});
         QTRY_COMPARE(look(&card), seen);
+        QVERIFY(card.findChild<GUI::SpinnerWidget *>()->isHidden() == (seen != "spinner"_s));
         QVERIFY(seen == "NoCam"_s || card.hasPreview() == (seen != "Cam"_s));
         QVERIFY(seen == "NoCam"_s || seen == "spinner"_s || look(&second) == seen);
         // A new card is right from the first, before a refresh.
@@ -286,6 +287,9 @@ private slots:
         const QImage first = painted(card);
         QCOMPARE(labelText(card, "cameraName"), caption);
         QCOMPARE(look(card), seen);
+        const QPixmap state(":/roster/icons/rosterCard%1.png"_s.arg(online ? "On" : "Off"));
+        const auto *shown = card->findChild<QLabel *>("cameraStateImage");
+        QCOMPARE(shown->pixmap(Qt::ReturnByValue).toImage(), state.toImage());
 
         // It looks like a card that was made whole, from the first.
         CameraWidget whole(camera, nullptr);

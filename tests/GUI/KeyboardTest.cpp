@@ -119,6 +119,7 @@ private slots:
         window->openLayout(layoutOf(". b | . a"_s));
         window->addToLayout(cameraNamed("c"_s));
         window->showArchivePanels();
+        window->resize(0, 0); // the list has to scroll
         QCoreApplication::processEvents();
         QStringList names;
         QStringList faults;
@@ -170,6 +171,7 @@ private slots:
              {"languages", "Settings Return", "languageBox", "list"},
              {"the time in records", "Return", "timeLabel", "list"},
              {"the size of the grid", "Edit Return", "gridSizeButton", "list"},
+             {"another key", "Space", "pauseButton", "view b . | . a, b of 4 at playButton"},
              {"play in place of pause", "Return", "pauseButton",
               "view b . | . a, b of 4 at playButton"}});
     }
@@ -203,9 +205,20 @@ private slots:
         QAccessibleInterface *card = A::queryAccessibleInterface(QApplication::focusWidget());
         QVERIFY(card->state().focused && !card->state().selected);
         QCOMPARE(told(card), "c (offline): Camera"_s);
+        // An open one has an edge of three pixels.
+        const auto edge = [seen = QPointer<QWidget>(QApplication::focusWidget())] {
+            const QImage picture = seen->grab().toImage();
+            int blue = 0;
+            while (picture.pixelColor(blue, picture.height() / 2) == Colours::accent())
+                ++blue;
+            return blue;
+        };
+        QCOMPARE(edge(), 0);
         card->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
         QTRY_COMPARE(told(card), "c (offline): Camera, open"_s);
         QVERIFY(card->state().selected);
+        window->findChild<QWidget *>("focusRing"_s)->hide(); // lies over it
+        QCOMPARE(edge(), 3);
         card->actionInterface()->doAction(QAccessibleActionInterface::showMenuAction());
         QTRY_COMPARE(state(), "Open camera"_s);
         QApplication::activePopupWidget()->close();
@@ -262,6 +275,14 @@ private slots:
         window->resize(window->size() + QSize(60, 40));
         QCoreApplication::processEvents();
         QVERIFY(isMarked(tile));
+        // Two pixels wide, with gaps as long as its dashes.
+        const QImage frame = tile->grab().toImage();
+        QVector<int> columns(8);
+        for (int x = 0; x < 8; ++x) {
+            for (int y = 20; y < 100; ++y)
+                columns[x] += frame.pixelColor(x, y) == Colours::accent() ? 1 : 0;
+        }
+        QCOMPARE(columns, QVector<int>({0, 0, 0, 40, 40, 0, 0, 0}));
         QTest::mousePress(tile, Qt::LeftButton);
         QVERIFY(tile->hasFocus() && !isMarked(tile));
         auto *field = window->findChild<QLineEdit *>("searchEdit"_s);

@@ -56,6 +56,11 @@ private slots:
                                 {"already live", "Space L", "Gate >a paused"},
                                 {"snapshot", "S", "Gate >a hint"},
                                 {"mute", "M", "Gate >a mute"},
+                                {"names", "N", "Gate >a named"},
+                                {"no names", "N N", "Gate >a"},
+                                {"alone", "Return", "Gate >a alone"},
+                                {"and all again", "Enter F Esc", "Gate >a fullscreen"},
+                                {"alone, the next one", "Return Ctrl+Right", "Gate >b alone"},
                                 {"no seeking live", "Right Shift+Left =", "Gate >a"},
                                 {"first layout", "Ctrl+3 Ctrl+1", "Gate >a"},
                                 {"last layout", "Ctrl+3", "Yard >e"},
@@ -87,23 +92,30 @@ private slots:
     void pressedKeys_data()
     {
         const int none = Qt::NoModifier;
-        rows<int, int, int>(
-            {"key", "modifiers", "action"},
+        const int shift = Qt::ShiftModifier;
+        rows<int, int, int, int>(
+            {"key", "modifiers", "action", "number"},
             {
-                {"of the Russian layout", 0x042b, none, int(KeyAction::Snapshot)},
-                {"with Ctrl", 0x0410, Qt::ControlModifier, int(KeyAction::Search)},
-                {"number pad", Qt::Key_Plus, Qt::KeypadModifier, int(KeyAction::Speed)},
-                {"shifted plus", Qt::Key_Plus, Qt::ShiftModifier, int(KeyAction::Speed)},
-                {"too many modifiers", Qt::Key_F, Qt::ControlModifier | Qt::ShiftModifier, -1},
-                {"of the desktop", Qt::Key_F11, Qt::AltModifier, -1},
+                {"of the Russian layout", 0x042b, none, int(KeyAction::Snapshot), 0},
+                {"with Ctrl", 0x0410, Qt::ControlModifier, int(KeyAction::Search), 0},
+                {"number pad", Qt::Key_Plus, Qt::KeypadModifier, int(KeyAction::Speed), 1},
+                {"shifted plus", Qt::Key_Plus, shift, int(KeyAction::Speed), 1},
+                {"plus unshifted", Qt::Key_Equal, none, int(KeyAction::Speed), 1},
+                {"minus", Qt::Key_Minus, none, int(KeyAction::Speed), -1},
+                {"on", Qt::Key_Right, none, int(KeyAction::Seek), 10000},
+                {"far back", Qt::Key_Left, shift, int(KeyAction::Seek), -60000},
+                {"whole pictures", Qt::Key_0, none, int(KeyAction::ResetZoom), 0},
+                {"too many modifiers", Qt::Key_F, Qt::ControlModifier | shift, -1, 0},
+                {"of the desktop", Qt::Key_F11, Qt::AltModifier, -1, 0},
             });
     }
 
     void pressedKeys()
     {
-        const auto [key, modifiers, action] = row<int, int, int>();
+        const auto [key, modifiers, action, number] = row<int, int, int, int>();
         const KeyRow *found = keyRow(key, Qt::KeyboardModifiers(modifiers));
         QCOMPARE(found ? int(found->action) : -1, action);
+        QCOMPARE(found ? found->number : 0, number);
     }
 
     void noKeyWhileTyping()
@@ -195,11 +207,31 @@ private slots:
             press("F1 R");
             const QPointer<KeyCard> card = window->findChild<KeyCard *>();
             QVERIFY(card && card->isVisible());
-            QCOMPARE(card->grab().toImage().pixelColor(0, 9), Colours::accent()); // its frame
+            const QPoint off =
+                card->geometry().center() - window->mapToGlobal(window->rect().center());
+            QVERIFY(off.manhattanLength() <= 5); // a frame
+            const QImage picture = card->grab().toImage();
+            const QPoint end = picture.rect().bottomRight(), frame(1, 1);
+            for (const QPoint &place : {QPoint(), end})
+                QCOMPARE(picture.pixelColor(place), Colours::accent());
+            for (const QPoint &place : {frame, end - frame})
+                QCOMPARE(picture.pixelColor(place), Colours::panel());
+            // Two even columns of keys with their texts, and room round it all.
             const QList<QLabel *> labels = card->findChildren<QLabel *>();
+            QCOMPARE(labels.first()->font().pixelSize(), 18);
             QStringList texts;
-            for (const QLabel *label : labels)
-                texts << label->text();
+            QRegion taken;
+            int left = 0;
+            for (int i = 0; i < labels.size(); ++i) {
+                const QRect place = labels.at(i)->geometry();
+                QVERIFY(!taken.intersects(place));
+                taken += place;
+                left += place.x() == 24 ? 1 : 0;
+                QVERIFY(i == 0 || i % 2 == 1 || place.y() == labels.at(i - 1)->y());
+                texts << labels.at(i)->text();
+            }
+            QCOMPARE(taken.boundingRect(), card->rect().adjusted(24, 24, -24, -24));
+            QCOMPARE(left, 1 + (int(labels.size()) / 2 + 1) / 2);
             for (const KeyRow &row : keyMap())
                 QVERIFY(!row.text || texts.contains(KeyCard::tr(row.text)));
             for (const char *keys : {"F F11", "Shift+← →", "Ctrl+← → ↑ ↓", "Ctrl+1 … 9", "+ -"})
@@ -222,6 +254,7 @@ private slots:
              {"missed ones are not made up for", "abc", "on +300 ? ?", "b-"},
              {"a clock set back", "abc", "on -3600 ? +29 ? +1 ?", "--b"},
              {"too fast", "abc", "on1 +4 ? +1 ?", "-b"},
+             {"none", "", "on +30 ?", "-"},
              {"one layout", "a", "on +30 ?", "-"}});
     }
 
@@ -235,7 +268,7 @@ private slots:
         }
         Tour tour;
         QDateTime now(QDate(2026, 3, 5), QTime(12, 0));
-        API::LayoutPtr at = layouts.first();
+        API::LayoutPtr at = layouts.value(0);
         QString answers;
         for (const QString &step : steps.split(' ')) {
             now = now.addSecs(step.toInt());
@@ -259,17 +292,33 @@ private slots:
         App::settings().setValue("tour/intervalSeconds"_s, 30);
         const auto *button = window->findChild<TourButton *>();
         const QList<QAction *> choices = button->menu()->actions();
+        QVERIFY(choices.first()->isChecked());
         const auto shownAfter = [&](int seconds) {
             clock.advance(seconds);
             expireTimers(1s, window.data());
             return window->findChild<InfoPanel *>()->layoutName();
         };
+        const auto hints = [this] {
+            QStringList texts;
+            for (const auto *hint : gridOf(*window)->findChildren<PlayerNotification *>())
+                texts += hint->findChild<QLabel *>("messageLabel"_s)->text();
+            return texts;
+        };
         press("T");
         QCOMPARE(shown(), "Gate >a hint"_s);
+        QCOMPARE(hints(), QStringList{"Saved layouts in turn, every 30 s."});
         QCOMPARE(shownAfter(29), "Gate"_s);
         QCOMPARE(shownAfter(1), "Night"_s);
         QVERIFY(button->property("isOn").toBool() && choices.at(2)->isChecked());
 
+        QSignalSpy chosen(button, &TourButton::chosen);
+        QList<int> seconds;
+        for (int i = 0; i < choices.size(); ++i) {
+            choices.at(i)->trigger();
+            seconds += chosen.at(i).first().toInt();
+        }
+        QCOMPARE(seconds, QList<int>({0, 10, 30, 60, 300}));
+        QVERIFY(hints().contains("The tour is over."_s));
         choices.at(1)->trigger();
         QWindow *handle = window->windowHandle();
         QMenu menu(window.data());
@@ -327,6 +376,7 @@ private:
     void openWindow()
     {
         App::settings().setValue("sound/on"_s, true);
+        App::settings().setValue("mainWindow/namesOnTiles"_s, false);
         window.reset(new MainWindow);
         connect(window.data(), &MainWindow::soundEnabled, window.data(), &MainWindow::enableSound);
         auto *list = window->findChild<LayoutListWidget *>();
@@ -366,6 +416,10 @@ private:
             words += " records";
         if (!panel->isSoundEnabled())
             words += " mute";
+        if (gridOf(*window)->isMaximised())
+            words += " alone";
+        if (gridOf(*window)->areNamesShown())
+            words += " named";
         if (gridOf(*window)->findChild<PlayerNotification *>())
             words += " hint";
         if (panel->findChild<QWidget *>("playButton"_s)->isVisibleTo(window.data()))

@@ -199,6 +199,9 @@ private slots:
         QTRY_VERIFY(sign->isVisible());
         QVERIFY(sign->toolTip().contains("05/03 07:08:10"_s));
         QCOMPARE(tab->geometry(), tabPlace);
+        QCOMPARE(sign->height(), tab->height());
+        QVERIFY(!sign->pixmap(Qt::ReturnByValue).isNull());
+        QCOMPARE(sign->accessibleName(), "No connection to the service"_s);
         App::ServiceProfile::setCurrent(atService);
         ask(30);
         QVERIFY(!sign->isVisible() && sign->toolTip().isEmpty());

@@ -263,6 +263,8 @@ private slots:
         using A = QAccessible;
         int told = 0;
         scene([&](QWidget *window) {
+            if (A::queryAccessibleInterface(window)->text(A::Name).isEmpty())
+                faults.insert(nameOf(window) + " has no name"_s);
             // All that Tab goes to, and whatever else says that it can have the focus.
             visitTold(A::queryAccessibleInterface(window), [&](QAccessibleInterface *node) {
                 const auto *widget = qobject_cast<QWidget *>(node->object());
@@ -373,6 +375,20 @@ private slots:
                     faults.insert("%1 %2: %3"_s.arg(pair.key()).arg(group).arg(contrast));
             }
         }
+        for (const P::ColorRole role :
+             {P::WindowText, P::Text, P::ButtonText, P::Base, P::Highlight})
+            QVERIFY(qApp->palette().color(P::Disabled, role) != qApp->palette().color(role));
+        // A ring marks the focus, and no frame of dots.
+        for (const auto part : {QStyle::PE_IndicatorArrowDown, QStyle::PE_FrameFocusRect}) {
+            QImage drawn(20, 20, QImage::Format_RGB32);
+            drawn.fill(Qt::red);
+            const QImage blank = drawn.copy();
+            QPainter painter(&drawn);
+            QStyleOptionFocusRect option;
+            option.rect = drawn.rect();
+            qApp->style()->drawPrimitive(part, &option, &painter);
+            QCOMPARE(drawn == blank, part == QStyle::PE_FrameFocusRect);
+        }
         // The style that main() asks for, as a desktop would, moves the text of a pressed button.
         QCOMPARE(qApp->style()->pixelMetric(QStyle::PM_ButtonShiftHorizontal), 0);
     }
@@ -405,6 +421,10 @@ private:
             auto *card = new GUI::KeyCard(&window);
             card->showOver(window);
             look(card);
+            // Each text has its translation.
+            const QRegularExpression russian("[а-я]"_s);
+            for (const auto *label : card->findChildren<QLabel *>())
+                QVERIFY(label->property("isKeys").toBool() || label->text().contains(russian));
         };
         // Controls at least, and some of the deep parts.
         rows<Scene, int, QStringList>({"scene", "controls", "parts"},

@@ -3,6 +3,7 @@
 #include "GUI/Player/NameTag.h"
 #include "GUI/Player/PictureZoom.h"
 #include "GUI/PlayerNotification.h"
+#include "tests/GUI/Contrast.h"
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/LogCapture.h"
 
@@ -116,6 +117,8 @@ private slots:
         const QRect map = zoomMapPlace(tile.size(), area);
         QCOMPARE(onScreen(tile).pixelColor(map.bottomRight()), selection);
         QCOMPARE(letterAt(onScreen(tile), map.bottomRight() - QPoint(1, 1)), quarters.right(1));
+        for (const QPoint &corner : {map.topLeft() - QPoint(1, 1), map.topRight() + QPoint(1, -1)})
+            QCOMPARE(onScreen(tile).pixelColor(corner), QColor(41, 44, 49));
         const QColor shaded = onScreen(tile).pixelColor(map.topLeft());
         QVERIFY(shaded.value() > 100 && shaded.value() < 200);
     }
@@ -212,6 +215,14 @@ private slots:
         QVERIFY(says("Connecting"_s, background));
         QVERIFY(tile.playsLive());
         QVERIFY(says("Live"_s, Qt::green));
+        // Its edges, and a corner that is a little round.
+        const QImage tag = onScreen(tile);
+        for (const QPoint &place : {QPoint(3, 16), QPoint(30, 5), QPoint(30, 26)})
+            QCOMPARE(tag.pixelColor(place), QColor(Qt::green));
+        for (const QPoint &place : {QPoint(4, 16), QPoint(30, 6), QPoint(30, 25), QPoint(5, 7)})
+            QCOMPARE(tag.pixelColor(place), QColor(0, 85, 0));
+        QVERIFY(tag.pixelColor(4, 6).green() > 85);
+        QVERIFY(lit(tag.copy(4, 6, 6, 20)) == 0 && lit(tag.copy(10, 6, 6, 20)) > 0);
         tile.pause();
         QVERIFY(says("Paused"_s, Qt::green));
         tile.unpause();
@@ -245,7 +256,7 @@ private slots:
         hover(tile, true);
         QTRY_COMPARE(onScreen(tile).pixelColor(1, 120), hovered);
         QCOMPARE(onScreen(tile).pixelColor(318, 120), hovered);
-        QCOMPARE(onScreen(tile).pixelColor(4, 120), background);
+        QCOMPARE(onScreen(tile).pixelColor(2, 120), background);
         QMimeData data;
         data.setData("camera"_s, "x");
         QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);

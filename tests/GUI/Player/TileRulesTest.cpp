@@ -131,6 +131,9 @@ private slots:
     {
         QCOMPARE(fractionOf(QRect(10, 10, 100, 50), QPointF(300, -5)), QPointF(1, 0));
         QCOMPARE(fractionOf(QRect(10, 10, 100, 50), QPointF(-5, 300)), QPointF(0, 1));
+        QCOMPARE(fractionOf(QRect(), QPointF(5, 5)), QPointF());
+        // Three notches of a common wheel.
+        QCOMPARE(zoomOfWheel(-360), 0.5);
     }
 
     void zoomMap()
@@ -206,6 +209,17 @@ private slots:
                 QCOMPARE(tile.pixelColor(12, 8), background);
             }
         }
+    }
+
+    /// All but its edge becomes darker.
+    void dimming()
+    {
+        QImage tile(8, 8, QImage::Format_RGB32);
+        tile.fill(Qt::white);
+        QPainter painter(&tile);
+        paintDimming(painter, tile.rect());
+        for (int x = 0; x < 8; ++x)
+            QCOMPARE(tile.pixelColor(x, x).red() / 10, x % 7 == 0 ? 25 : 12);
     }
 
     void border()
