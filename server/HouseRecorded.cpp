@@ -78,6 +78,7 @@ std::optional<std::int64_t> HouseRecorded::seek(const ZorvaneService::Record &re
     const std::int64_t wantedMs = std::max(momentMs, record.startMs);
     wire.beginSoundAt(wantedMs);
     awaitsKey = false;
+    recordEndMs = record.endMs;
     const auto found = find(wantedMs, 0);
     if (!found || found->segment.name.startMs >= record.endMs || !open(*found) ||
         !reader->seek(wantedMs - reader->startMs()))
@@ -98,19 +99,19 @@ HouseRecorded::Outcome HouseRecorded::read(ZorvaneService::MediaPacket *packet)
         if (!found) {
             const auto current = catalogue.segmentAt(stream, reader->startMs());
             const bool grows = current && current->name.isGrowing();
-            const auto after = follower(std::max(current ? current->endMs : 0, lastMs), grows);
+            const std::int64_t endMs = std::max(current ? current->endMs : 0, lastMs);
+            const auto after = follower(endMs, grows);
             // What the segment has got since comes before what follows it.
             found = next();
-            if (!found && after && open(*after)) {
-                awaitsKey = true;
-                reader->seek(lastMs + 1 - reader->startMs());
-                continue;
-            }
-            if (!found && !grows)
-                return Outcome::End;
-            if (!found) {
+            if (!found && grows && !after) {
                 std::this_thread::sleep_for(glance);
                 return Outcome::NotYet;
+            }
+            if (!found) {
+                const Outcome outcome = afterSegment(after, endMs);
+                if (outcome == Outcome::Packet)
+                    continue;
+                return outcome;
             }
         }
         if (found->track == Track::Video)
@@ -119,6 +120,21 @@ HouseRecorded::Outcome HouseRecorded::read(ZorvaneService::MediaPacket *packet)
             return Outcome::Packet;
     }
     return Outcome::End;
+}
+
+/// Goes on where the segment that was read ends: `Packet` when there is something.
+HouseRecorded::Outcome HouseRecorded::afterSegment(const std::optional<Found> &after,
+                                                   std::int64_t endMs)
+{
+    const bool isWhole = hasKeyFramesOnly() || reader->isReadWhole();
+    if (after && open(*after)) {
+        awaitsKey = true;
+        reader->seek(lastMs + 1 - reader->startMs());
+        return isWhole ? Outcome::Packet : Outcome::Lost;
+    }
+    reader.reset();
+    // What the record still had may have been removed.
+    return isWhole && !after && endMs + farthestMs >= recordEndMs ? Outcome::End : Outcome::Lost;
 }
 
 /// What goes on where the segment ends, if anything does. As long as it grows only its own stream

@@ -34,6 +34,7 @@ private:
     std::optional<Found> find(std::int64_t momentMs, std::int64_t gapMs) const;
     std::optional<Found> follower(std::int64_t endMs, bool grows) const;
     bool open(const Found &found);
+    Outcome afterSegment(const std::optional<Found> &after, std::int64_t endMs);
     PacketPtr next();
     PacketPtr nextOfAll();
     PacketPtr nextKeyPicture();
@@ -48,6 +49,7 @@ private:
     PacketPtr first;         ///< read while it was looked for
     std::int64_t lastMs = 0; ///< of the pictures read
     bool awaitsKey = false;
+    std::int64_t recordEndMs = 0; ///< as it was when it was looked for
 };
 
 } // namespace ZorvaneServer

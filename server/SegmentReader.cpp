@@ -72,7 +72,9 @@ bool SegmentReader::seek(std::int64_t timeMs)
 PacketPtr SegmentReader::next()
 {
     const auto block = walk.next();
-    return block ? packetOf(*block) : nullptr;
+    PacketPtr packet = block ? packetOf(*block) : nullptr;
+    missed = missed || (block && !packet);
+    return packet;
 }
 
 PacketPtr SegmentReader::keyPicture(const KeyFrame &keyFrame)

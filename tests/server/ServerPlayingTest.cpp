@@ -151,10 +151,46 @@ private slots:
             return false;
         });
         const QString film = "/flv/archive?startTime=%1&endTime=%2&q=2"_s.arg(begin);
-        QVERIFY(house.play(film.arg(begin + 10'000), receiver));
+        QVERIFY(!house.play(film.arg(begin + 10'000), receiver));
+        QVERIFY(receiver.isBroken);
         QCOMPARE(receiver.last.load(), begin + 4000);
         house.gate.server.password.clear();
         QCOMPARE(house.ask(film.arg(begin + 1000)).status, 403);
+    }
+
+    /// A film that lacks something is not told as whole; who watches goes on behind it.
+    void lacks_data()
+    {
+        rows<QByteArray, int>({"lacking", "lastMs"},
+                              {{"nothing", "", 60'000 - pictureMs},
+                               {"a byte at the end", "byte", 40'000 - 2 * pictureMs},
+                               {"a file", "file", 20'000 - pictureMs},
+                               {"what was known", "known", 20'000 - pictureMs}});
+    }
+
+    void lacks()
+    {
+        const auto [lacking, lastMs] = row<QByteArray, int>();
+        House house;
+        fill(house, 1000);
+        const SegmentName name{begin + 20'000, 20'000};
+        QFile file(QString::fromStdString(house.folder.pathOf(House::stream(false), name)));
+        QVERIFY(lacking != "byte" || file.resize(file.size() - 1));
+        QVERIFY(lacking != "file" || file.remove());
+        Receiver film([&, what = lacking](const SeenPicture &one) {
+            if (one.momentMs == begin + 10'000 && what == "known")
+                house.catalogue.remove(House::stream(false), name);
+            return false;
+        });
+        const QString span = "/flv/archive?startTime=%1&endTime=%2&q=2"_s.arg(begin);
+        QCOMPARE(house.play(span.arg(begin + 60'000), film), lacking.isEmpty());
+        QCOMPARE(film.isBroken, !lacking.isEmpty());
+        QCOMPARE(film.last.load(), begin + lastMs);
+        if (lacking == "byte") {
+            Receiver player([&](const SeenPicture &one) { return one.momentMs > begin + 40'000; });
+            house.play("/flv/archive?startTime=%1&speed=2&q=2"_s.arg(begin / 1000 + 39), player);
+            QVERIFY(player.last > begin + 40'000);
+        }
     }
 
     /// As when the clock was set back: the next picture's time is far. Once the camera has gone,
@@ -236,6 +272,18 @@ private slots:
             // By the end of the first group it is known how far they are out of order.
             const qint64 isShownMs = picture.stampMs + picture.laterMs;
             QCOMPARE(isShownMs, i > 0 && i < 5 ? 4 * pictureMs : picture.momentMs - begin);
+        }
+        // All of the span, and those before them that they may be made of.
+        for (const auto &[pictures, sent] : {QPair(37, 37), {38, 40}, {39, 40}, {40, 41}}) {
+            Receiver film;
+            QVERIFY(house.play("/flv/archive?startTime=%1&endTime=%2&q=2"_s.arg(begin).arg(
+                                   begin + pictures * pictureMs),
+                               film));
+            const qint64 endMs = begin + pictures * pictureMs;
+            QCOMPARE(std::count_if(film.pictures.begin(), film.pictures.end(),
+                                   [=](const SeenPicture &one) { return one.momentMs < endMs; }),
+                     pictures);
+            QCOMPARE(film.pictures.size(), sent);
         }
     }
 
