@@ -2,6 +2,8 @@
 #include "service/ArchiveSender.h"
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 namespace ZorvaneService {
 
@@ -91,10 +93,10 @@ bool ArchiveSender::send()
 /// `Send` once the picture is due, something else when nobody is to get it any more.
 ArchiveSender::Step ArchiveSender::awaitTime()
 {
-    const std::int64_t dueMs = pace.dueMs(packet.momentMs);
     for (;;) {
-        sleepUntil(std::min(dueMs, nowMs() + longestSleepMs));
-        if (nowMs() >= dueMs)
+        const std::int64_t leftMs = pace.leftMs(packet.momentMs);
+        std::this_thread::sleep_for(std::chrono::milliseconds(std::min(leftMs, longestSleepMs)));
+        if (leftMs <= longestSleepMs)
             return Step::Send;
         if (!watch.isAllowed())
             return Step::End;
