@@ -79,8 +79,9 @@ PacketPtr SegmentReader::next()
 
 PacketPtr SegmentReader::keyPicture(const KeyFrame &keyFrame)
 {
-    const auto block = BlockWalk(window, keyFrame.offset).next();
-    return block && block->isKeyPicture() ? packetOf(*block) : nullptr;
+    walk = BlockWalk(window, keyFrame.offset);
+    PacketPtr packet = next();
+    return packet && packet->isKeyPicture() ? packet : nullptr;
 }
 
 PacketPtr SegmentReader::packetOf(const Block &block) const

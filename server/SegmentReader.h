@@ -33,7 +33,7 @@ public:
     /// Of a segment that doesn't grow any more, behind what `next()` found last: whether that was
     /// all it had.
     bool isReadWhole() const { return !missed && walk.isAtEnd(); }
-    /// The picture of one of `keyFrames()`; null when it can't be read.
+    /// The picture of one of `keyFrames()`; null when it can't be read. Others follow it.
     PacketPtr keyPicture(const KeyFrame &keyFrame);
 
 private:
