@@ -23,6 +23,7 @@ public:
 
     bool write(const void *data, std::size_t size) override;
     bool isOpen() override { return target.isOpen(); }
+    void breakOff() override { target.breakOff(); }
 
 private:
     /// Bytes that are still to be written.

@@ -30,6 +30,8 @@ public:
     BlockWalk(FileWindow &segment, std::uint64_t offset);
 
     std::optional<Block> next();
+    /// Whether nothing is left, not even what isn't whole.
+    bool isAtEnd() const { return !file->reaches(at + 1); }
 
 private:
     std::optional<Block> end();

@@ -14,10 +14,29 @@ namespace {
 
 // More are seen as a movement no better, and cost reading.
 constexpr int mostKeyFramesPerSecond = 12;
+// With less, no movement is seen: where there are fewer key pictures, others go with them ...
+constexpr int leastPicturesPerSecond = 5;
+// ... as many as this speed has, which everybody can decode ...
+constexpr int affordableSpeed = 2;
+// ... but not where each group passes quicker than they are seen.
+constexpr int fastestWithOthers = 8;
+// Without pictures a player's clock soon stands, later where they have come slowly so far. So the
+// others leave a short pause to the next key picture, or come where the clock would stand anyway.
+constexpr std::int64_t shortPauseMs = 500;
+constexpr std::int64_t longestRunOnMs = 1500;
 // How often a segment is looked at that grows. Nobody sees it: what is played is sent ahead.
 constexpr std::chrono::milliseconds glance{100};
 // Between the last picture of a segment and the first of one that follows without a gap.
 constexpr std::int64_t farthestMs = PictureLength::longestMs + Catalogue::gapMs;
+
+/// The first one not before that time.
+std::vector<KeyFrame>::const_iterator keyFrameFrom(const std::vector<KeyFrame> &known,
+                                                   std::int64_t timeMs)
+{
+    return std::lower_bound(
+        known.begin(), known.end(), timeMs,
+        [](const KeyFrame &keyFrame, std::int64_t time) { return keyFrame.timeMs < time; });
+}
 
 } // namespace
 
@@ -31,7 +50,7 @@ HouseRecorded::HouseRecorded(const ArchiveFolder &archive, const Catalogue &segm
 {
 }
 
-bool HouseRecorded::hasKeyFramesOnly() const
+bool HouseRecorded::isByIndex() const
 {
     return speed >= ZorvaneService::MediaLibrary::keyFramesOnlyFrom;
 }
@@ -78,6 +97,8 @@ std::optional<std::int64_t> HouseRecorded::seek(const ZorvaneService::Record &re
     const std::int64_t wantedMs = std::max(momentMs, record.startMs);
     wire.beginSoundAt(wantedMs);
     awaitsKey = false;
+    recordEndMs = record.endMs;
+    othersUntilMs = 0;
     const auto found = find(wantedMs, 0);
     if (!found || found->segment.name.startMs >= record.endMs || !open(*found) ||
         !reader->seek(wantedMs - reader->startMs()))
@@ -86,6 +107,8 @@ std::optional<std::int64_t> HouseRecorded::seek(const ZorvaneService::Record &re
     if (!first)
         return {};
     lastMs = first->momentMs;
+    if (isByIndex())
+        beginGroup(lastMs);
     return lastMs;
 }
 
@@ -98,19 +121,19 @@ HouseRecorded::Outcome HouseRecorded::read(ZorvaneService::MediaPacket *packet)
         if (!found) {
             const auto current = catalogue.segmentAt(stream, reader->startMs());
             const bool grows = current && current->name.isGrowing();
-            const auto after = follower(std::max(current ? current->endMs : 0, lastMs), grows);
+            const std::int64_t endMs = std::max(current ? current->endMs : 0, lastMs);
+            const auto after = follower(endMs, grows);
             // What the segment has got since comes before what follows it.
             found = next();
-            if (!found && after && open(*after)) {
-                awaitsKey = true;
-                reader->seek(lastMs + 1 - reader->startMs());
-                continue;
-            }
-            if (!found && !grows)
-                return Outcome::End;
-            if (!found) {
+            if (!found && grows && !after) {
                 std::this_thread::sleep_for(glance);
                 return Outcome::NotYet;
+            }
+            if (!found) {
+                const Outcome outcome = afterSegment(after, endMs);
+                if (outcome == Outcome::Packet)
+                    continue;
+                return outcome;
             }
         }
         if (found->track == Track::Video)
@@ -119,6 +142,21 @@ HouseRecorded::Outcome HouseRecorded::read(ZorvaneService::MediaPacket *packet)
             return Outcome::Packet;
     }
     return Outcome::End;
+}
+
+/// Goes on where the segment that was read ends: `Packet` when there is something.
+HouseRecorded::Outcome HouseRecorded::afterSegment(const std::optional<Found> &after,
+                                                   std::int64_t endMs)
+{
+    const bool isWhole = isByIndex() || reader->isReadWhole();
+    if (after && open(*after)) {
+        awaitsKey = true;
+        reader->seek(lastMs + 1 - reader->startMs());
+        return isWhole ? Outcome::Packet : Outcome::Lost;
+    }
+    reader.reset();
+    // What the record still had may have been removed.
+    return isWhole && !after && endMs + farthestMs >= recordEndMs ? Outcome::End : Outcome::Lost;
 }
 
 /// What goes on where the segment ends, if anything does. As long as it grows only its own stream
@@ -138,7 +176,7 @@ PacketPtr HouseRecorded::next()
 {
     if (first)
         return std::exchange(first, nullptr);
-    return hasKeyFramesOnly() ? nextKeyPicture() : nextOfAll();
+    return isByIndex() ? nextByIndex() : nextOfAll();
 }
 
 PacketPtr HouseRecorded::nextOfAll()
@@ -152,14 +190,46 @@ PacketPtr HouseRecorded::nextOfAll()
     return nullptr;
 }
 
+/// A key picture, or one of those behind it, of which none comes without the ones before.
+PacketPtr HouseRecorded::nextByIndex()
+{
+    while (lastMs < othersUntilMs) {
+        PacketPtr packet = reader->next();
+        if (!packet || packet->momentMs >= othersUntilMs)
+            break;
+        if (packet->track == Track::Video)
+            return packet;
+    }
+    othersUntilMs = 0;
+    PacketPtr packet = nextKeyPicture();
+    if (packet)
+        beginGroup(packet->momentMs);
+    return packet;
+}
+
+/// Says how much of the group goes with its key picture.
+void HouseRecorded::beginGroup(std::int64_t momentMs)
+{
+    const auto &known = reader->keyFrames();
+    const std::int64_t timeMs = momentMs - reader->startMs();
+    const auto after = keyFrameFrom(known, timeMs + 1);
+    // One that grows, or is the last of its segment, is as long as the one before.
+    if (after != known.end())
+        groupMs = after->timeMs - timeMs;
+    const std::int64_t playedMs = groupMs / speed;
+    const std::int64_t othersMs = playedMs * affordableSpeed / speed;
+    const bool isWanted =
+        speed <= fastestWithOthers && playedMs * leastPicturesPerSecond > secondMs;
+    const bool keepsTime = playedMs - othersMs <= shortPauseMs || playedMs > longestRunOnMs;
+    othersUntilMs = isWanted && keepsTime ? momentMs + othersMs * speed : 0;
+}
+
 PacketPtr HouseRecorded::nextKeyPicture()
 {
     const std::int64_t stepMs = speed * secondMs / mostKeyFramesPerSecond;
     const std::int64_t timeMs = lastMs + stepMs - reader->startMs();
     const auto &known = reader->keyFrames();
-    const auto chosen = std::lower_bound(
-        known.begin(), known.end(), timeMs,
-        [](const KeyFrame &keyFrame, std::int64_t time) { return keyFrame.timeMs < time; });
+    const auto chosen = keyFrameFrom(known, timeMs);
     return chosen == known.end() ? nullptr : reader->keyPicture(*chosen);
 }
 

@@ -30,12 +30,15 @@ private:
         Catalogue::Segment segment;
     };
 
-    bool hasKeyFramesOnly() const;
+    bool isByIndex() const;
     std::optional<Found> find(std::int64_t momentMs, std::int64_t gapMs) const;
     std::optional<Found> follower(std::int64_t endMs, bool grows) const;
     bool open(const Found &found);
+    Outcome afterSegment(const std::optional<Found> &after, std::int64_t endMs);
     PacketPtr next();
     PacketPtr nextOfAll();
+    PacketPtr nextByIndex();
+    void beginGroup(std::int64_t momentMs);
     PacketPtr nextKeyPicture();
 
     const ArchiveFolder &folder;
@@ -48,6 +51,9 @@ private:
     PacketPtr first;         ///< read while it was looked for
     std::int64_t lastMs = 0; ///< of the pictures read
     bool awaitsKey = false;
+    std::int64_t recordEndMs = 0;   ///< as it was when it was looked for
+    std::int64_t groupMs = 0;       ///< between the key pictures that the index has
+    std::int64_t othersUntilMs = 0; ///< so far pictures behind the key picture are sent, too
 };
 
 } // namespace ZorvaneServer

@@ -72,13 +72,16 @@ bool SegmentReader::seek(std::int64_t timeMs)
 PacketPtr SegmentReader::next()
 {
     const auto block = walk.next();
-    return block ? packetOf(*block) : nullptr;
+    PacketPtr packet = block ? packetOf(*block) : nullptr;
+    missed = missed || (block && !packet);
+    return packet;
 }
 
 PacketPtr SegmentReader::keyPicture(const KeyFrame &keyFrame)
 {
-    const auto block = BlockWalk(window, keyFrame.offset).next();
-    return block && block->isKeyPicture() ? packetOf(*block) : nullptr;
+    walk = BlockWalk(window, keyFrame.offset);
+    PacketPtr packet = next();
+    return packet && packet->isKeyPicture() ? packet : nullptr;
 }
 
 PacketPtr SegmentReader::packetOf(const Block &block) const

@@ -30,7 +30,10 @@ public:
     bool seek(std::int64_t timeMs);
     /// The packet that follows, and its place in time as a moment; null at the end.
     PacketPtr next();
-    /// The picture of one of `keyFrames()`; null when it can't be read.
+    /// Of a segment that doesn't grow any more, behind what `next()` found last: whether that was
+    /// all it had.
+    bool isReadWhole() const { return !missed && walk.isAtEnd(); }
+    /// The picture of one of `keyFrames()`; null when it can't be read. Others follow it.
     PacketPtr keyPicture(const KeyFrame &keyFrame);
 
 private:
@@ -42,6 +45,7 @@ private:
     FormatPtr streamFormat;
     FileWindow window;
     BlockWalk walk;
+    bool missed = false; ///< a packet of it can't be read
 };
 
 } // namespace ZorvaneServer

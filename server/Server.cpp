@@ -109,17 +109,24 @@ void Server::stop()
     keeper->stop();
 }
 
-Status Server::status() const
+std::vector<Status::Stream> Server::streamStatus() const
 {
-    Status status;
+    std::vector<Status::Stream> all;
     const std::int64_t nowMs = wallMs();
     for (std::size_t i = 0; i < streams.size(); ++i) {
         Status::Stream stream{streams[i].id, meters[i]->read(steadyTime()), 0,
                               recorder->dropped(i)};
         for (const Record &record : catalogue.records(streams[i].id, 0, nowMs))
             stream.recordedMs += record.endMs - record.startMs;
-        status.streams.push_back(stream);
+        all.push_back(stream);
     }
+    return all;
+}
+
+Status Server::status() const
+{
+    Status status;
+    status.streams = streamStatus();
     status.archiveFolder = configuration.archive.folder;
     status.room = folder.room();
     status.segments = catalogue.size();

@@ -42,6 +42,8 @@ public:
     void stop();
     /// Any thread may ask, from the start on.
     Status status() const;
+    /// The same of the cameras alone, for which no disk is asked.
+    std::vector<Status::Stream> streamStatus() const;
 
 private:
     struct Stream {

@@ -2,6 +2,8 @@
 #include "service/ArchiveSender.h"
 
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 namespace ZorvaneService {
 
@@ -32,39 +34,69 @@ ArchiveSender::ArchiveSender(const ArchiveCatalogue &archive, const CameraId &wh
 bool ArchiveSender::run()
 {
     for (;;) {
-        const auto outcome = source.read(&packet);
-        auto step = Step::Send;
-        if (outcome == MediaSource::Outcome::End)
-            step = findRecord(current.endMs) == Step::Skip ? Step::Skip : Step::End;
-        else if (outcome == MediaSource::Outcome::NotYet)
-            step = watch.isDue() && !watch.isAllowed() ? Step::End : Step::Skip;
-        else if (packet.isPicture)
-            step = beforePicture();
+        const Step step = afterOutcome(source.read(&packet));
         if (step == Step::End)
             return true;
-        if (!(step == Step::Send ? stream.send(packet) : limited.isOpen()))
+        if (step == Step::Break)
+            limited.breakOff();
+        if (step == Step::Break || !(step == Step::Send ? send() : limited.isOpen()))
             return false;
     }
+}
+
+ArchiveSender::Step ArchiveSender::afterOutcome(MediaSource::Outcome outcome)
+{
+    switch (outcome) {
+    case MediaSource::Outcome::Packet:
+        return packet.isPicture ? beforePicture() : Step::Send;
+    case MediaSource::Outcome::NotYet:
+        return watch.isDue() && !watch.isAllowed() ? refused() : Step::Skip;
+    case MediaSource::Outcome::Lost:
+        // Who watches goes on behind it, but a file must not lack it unnoticed.
+        return span.isExport() ? Step::Break : Step::Skip;
+    case MediaSource::Outcome::End:
+        break;
+    }
+    const Step step = findRecord(current.endMs);
+    return step == Step::Send ? Step::End : step;
 }
 
 /// Waits until the picture is due, and finds the record that it belongs to.
 ArchiveSender::Step ArchiveSender::beforePicture()
 {
-    if (packet.momentMs >= span.endMs)
-        return Step::End;
+    if (packet.momentMs >= span.endMs) {
+        // Pictures of the span may come behind it and need it, but none behind the next one that
+        // is shown still later.
+        if (!beyond.empty() && packet.momentMs > beyond.front().momentMs)
+            return Step::End;
+        beyond.push_back(std::move(packet));
+        return Step::Skip;
+    }
     auto step = span.isExport() ? Step::Send : awaitTime();
     while (step == Step::Send && (packet.momentMs >= current.endMs || watch.isDue()))
-        step = watch.isAllowed() ? findRecord(packet.momentMs) : Step::End;
+        step = watch.isAllowed() ? findRecord(packet.momentMs) : refused();
     return step;
+}
+
+bool ArchiveSender::send()
+{
+    if (packet.isPicture) {
+        for (const MediaPacket &picture : beyond) {
+            if (!stream.send(picture))
+                return false;
+        }
+        beyond.clear();
+    }
+    return stream.send(packet);
 }
 
 /// `Send` once the picture is due, something else when nobody is to get it any more.
 ArchiveSender::Step ArchiveSender::awaitTime()
 {
-    const std::int64_t dueMs = pace.dueMs(packet.momentMs);
     for (;;) {
-        sleepUntil(std::min(dueMs, nowMs() + longestSleepMs));
-        if (nowMs() >= dueMs)
+        const std::int64_t leftMs = pace.leftMs(packet.momentMs);
+        std::this_thread::sleep_for(std::chrono::milliseconds(std::min(leftMs, longestSleepMs)));
+        if (leftMs <= longestSleepMs)
             return Step::Send;
         if (!watch.isAllowed())
             return Step::End;
@@ -85,11 +117,11 @@ ArchiveSender::Step ArchiveSender::findRecord(std::int64_t momentMs)
         current = *found;
         return Step::Send;
     }
-    const auto first = span.isExport() && found->startMs < span.endMs
-                           ? source.seek(*found, momentMs)
-                           : std::nullopt;
-    if (!first)
+    if (!span.isExport() || found->startMs >= span.endMs)
         return Step::End;
+    const auto first = source.seek(*found, momentMs);
+    if (!first)
+        return Step::Break;
     stream.join(current.endMs, *first);
     current = *found;
     return Step::Skip;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <vector>
+
 #include "service/ArchiveCatalogue.h"
 #include "service/ArchiveSpan.h"
 #include "service/FlvStream.h"
@@ -20,13 +22,17 @@ public:
                   const Record &record, ArchiveSource &media, std::int64_t first, Watch &eye,
                   BodySink &sink);
 
-    /// True when the span came to its end, false when the receiver is gone.
+    /// True when the span came to its end, false when the receiver is gone or an export has
+    /// broken off.
     bool run();
 
 private:
-    enum class Step { Send, Skip, End };
+    enum class Step { Send, Skip, End, Break };
 
+    Step afterOutcome(MediaSource::Outcome outcome);
     Step beforePicture();
+    Step refused() const { return span.isExport() ? Step::Break : Step::End; }
+    bool send();
     Step awaitTime();
     Step findRecord(std::int64_t momentMs);
 
@@ -41,6 +47,7 @@ private:
     FlvStream stream;
     Pace pace;
     MediaPacket packet;
+    std::vector<MediaPacket> beyond; ///< pictures that are shown behind the span
 };
 
 } // namespace ZorvaneService

@@ -62,7 +62,7 @@ Connection::Connection(int socket, SSL_CTX *tls, const HttpLimits &allowed)
 Connection::~Connection()
 {
     served = nullptr;
-    if (session && shaken)
+    if (session && shaken && !isBrokenOff)
         SSL_shutdown(session.get());
     hangUp();
     close(file);
@@ -75,7 +75,15 @@ Connection *Connection::current()
 
 void Connection::hangUp()
 {
-    shutdown(file, SHUT_RDWR);
+    // An ordinary end on the way would come first.
+    if (!isBrokenOff)
+        shutdown(file, SHUT_RDWR);
+}
+
+void Connection::breakOff()
+{
+    const linger reset{1, 0};
+    isBrokenOff = setsockopt(file, SOL_SOCKET, SO_LINGER, &reset, sizeof reset) == 0;
 }
 
 bool Connection::awaitRequest()

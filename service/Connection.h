@@ -29,6 +29,9 @@ public:
     bool awaitRequest();
     /// Closes both directions at once.
     void hangUp();
+    /// Closes it at the end in a way that no peer takes for the end of a reply. Many do so even
+    /// where the last chunk is missing.
+    void breakOff();
     /// The one that the calling thread serves.
     static Connection *current();
 
@@ -66,6 +69,7 @@ private:
     std::size_t lineLength = 0; ///< of the header that is being read
     bool inHeaders = true;
     bool isBroken = false;
+    bool isBrokenOff = false;
 };
 
 } // namespace ZorvaneService

@@ -42,6 +42,8 @@ public:
     virtual bool write(const void *data, std::size_t size) = 0;
     /// False when the connection is gone.
     virtual bool isOpen() = 0;
+    /// The body ends before its end, and the receiver is to take it for broken.
+    virtual void breakOff() = 0;
 };
 
 struct HttpReply {

@@ -21,6 +21,7 @@ public:
     }
 
     bool isOpen() override { return sink.is_writable(); }
+    void breakOff() override { Connection::current()->breakOff(); }
 
 private:
     httplib::DataSink &sink;

@@ -3,25 +3,29 @@
 
 #include <algorithm>
 
+#include "service/LocalTime.h"
+
 namespace ZorvaneService {
 
 namespace {
 
+using std::chrono::milliseconds;
+
 /// A stream whose receiver fell back further goes on from where it was.
-constexpr std::int64_t largestLagMs = 3000;
+constexpr milliseconds largestLag{3000};
 /// Pictures come so much before their time: recorders read ahead.
-constexpr std::int64_t leadMs = 500;
+constexpr milliseconds lead{500};
 
 } // namespace
 
-std::int64_t Pace::dueMs(std::int64_t momentMs)
+std::int64_t Pace::leftMs(std::int64_t momentMs)
 {
-    const std::int64_t playedMs = std::max<std::int64_t>(momentMs - firstMs, 0);
-    const std::int64_t playedAtMs = beganMs + playedMs / speed - leadMs;
-    const std::int64_t lagMs = nowMs() - playedAtMs;
-    if (lagMs > largestLagMs)
-        beganMs += lagMs;
-    return std::max(playedAtMs, momentMs + 1);
+    const milliseconds played(std::max<std::int64_t>(momentMs - firstMs, 0) / speed);
+    const auto lag = std::chrono::steady_clock::now() - (began + played - lead);
+    if (lag > largestLag)
+        began += lag;
+    return std::max<std::int64_t>(std::chrono::ceil<milliseconds>(-lag).count(),
+                                  momentMs + 1 - nowMs());
 }
 
 } // namespace ZorvaneService

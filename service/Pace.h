@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <cstdint>
-
-#include "service/LocalTime.h"
 
 namespace ZorvaneService {
 
@@ -14,13 +13,14 @@ public:
     /// What is before `startMs` is due at once.
     Pace(std::int64_t startMs, int playSpeed) : firstMs(startMs), speed(playSpeed) {}
 
-    /// When `momentMs` is due, by the wall clock; what isn't recorded yet is waited for.
-    std::int64_t dueMs(std::int64_t momentMs);
+    /// How long it is until `momentMs` is due; what isn't recorded yet by the wall clock is waited
+    /// for.
+    std::int64_t leftMs(std::int64_t momentMs);
 
 private:
     const std::int64_t firstMs;
     const int speed;
-    std::int64_t beganMs = nowMs();
+    std::chrono::steady_clock::time_point began = std::chrono::steady_clock::now();
 };
 
 } // namespace ZorvaneService

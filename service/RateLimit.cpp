@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "service/RateLimit.h"
 
+#include <thread>
+
 namespace ZorvaneService {
 
 bool RateLimit::write(const void *data, std::size_t size)
@@ -9,7 +11,7 @@ bool RateLimit::write(const void *data, std::size_t size)
         return false;
     passed += static_cast<std::int64_t>(size);
     if (rate > 0)
-        sleepUntil(beganMs + passed / rate);
+        std::this_thread::sleep_until(began + std::chrono::milliseconds(passed / rate));
     return true;
 }
 

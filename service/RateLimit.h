@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
 #include "service/Http.h"
-#include "service/LocalTime.h"
 
 namespace ZorvaneService {
 
@@ -16,11 +16,12 @@ public:
 
     bool write(const void *data, std::size_t size) override;
     bool isOpen() override { return sink.isOpen(); }
+    void breakOff() override { sink.breakOff(); }
 
 private:
     BodySink &sink;
     const std::int64_t rate;
-    const std::int64_t beganMs = nowMs();
+    const std::chrono::steady_clock::time_point began = std::chrono::steady_clock::now();
     std::int64_t passed = 0;
 };
 

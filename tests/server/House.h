@@ -60,9 +60,11 @@ public:
         return isOpen();
     }
     bool isOpen() override { return open && !patience.hasExpired(); }
+    void breakOff() override { isBroken = true; }
 
     QVector<SeenPicture> pictures;
     std::atomic<qint64> last{0}; ///< moment of the newest one
+    bool isBroken = false;
     QDeadlineTimer patience{60'000};
 
 private:

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Test.h"
 
+#include <poll.h>
+#include <sys/socket.h>
+
 #include "App/ServiceProfile.h"
 #include "App/SettingsKeys.h"
 #include "service/ClientFiles.h"
@@ -64,6 +67,27 @@ private slots:
         const QByteArray reply = socket->readAll();
         QCOMPARE(reply.left(reply.indexOf('\r')).mid(9), status);
         QVERIFY2(reply.endsWith(end), reply);
+    }
+
+    /// What looks like its end to whoever only sees that nothing comes any more.
+    void brokenOff_data() { rows<bool>({"isWhole"}, {{"whole", true}, {"broken off", false}}); }
+
+    void brokenOff()
+    {
+        const auto [isWhole] = row<bool>();
+        const auto socket = connected(patient);
+        socket->write(isWhole ? "GET /stream HTTP/1.1\r\n\r\n" : "GET /broken HTTP/1.1\r\n\r\n");
+        QVERIFY(socket->waitForBytesWritten());
+        const int descriptor = int(socket->socketDescriptor());
+        char bytes[4096];
+        ssize_t size = 1;
+        while (size > 0) {
+            pollfd one{descriptor, POLLIN, 0};
+            QVERIFY(poll(&one, 1, 60'000) == 1);
+            size = recv(descriptor, bytes, sizeof bytes, 0);
+        }
+        QCOMPARE(size, isWhole ? 0 : -1);
+        QVERIFY(isWhole || errno == ECONNRESET);
     }
 
     void onePeerTooMany()
@@ -190,6 +214,14 @@ private:
             "test",
             [](const HttpRequest &request) {
                 HttpReply reply;
+                if (request.path.size() > 1) {
+                    reply.stream = [isWhole = request.path == "/stream"](BodySink &sink) {
+                        sink.write("film", 4);
+                        if (!isWhole)
+                            sink.breakOff();
+                        return isWhole;
+                    };
+                }
                 reply.body = std::to_string(request.body.size()) + " bytes";
                 return reply;
             },
