@@ -3,6 +3,10 @@
 
 #include <csignal>
 
+#include <sys/ptrace.h>
+#include <sys/user.h>
+#include <sys/wait.h>
+
 #include "companion/AvHandles.h"
 #include "companion/PictureConverter.h"
 #include "tests/companion/StreamPlayer.h"
@@ -13,6 +17,29 @@ extern "C" {
 }
 
 using namespace ZorvaneClient::Companion;
+
+namespace {
+
+constexpr int anyThread = -1; ///< gets the signal
+constexpr int nobody = -2;    ///< minds it
+
+/// Where a debugger can do so.
+bool crashWithoutStack(pid_t thread)
+{
+#ifdef __x86_64__
+    user_regs_struct registers;
+    if (::ptrace(PTRACE_ATTACH, thread, nullptr, nullptr) == 0 &&
+        ::waitpid(thread, nullptr, __WALL) == thread &&
+        ::ptrace(PTRACE_GETREGS, thread, nullptr, &registers) == 0) {
+        registers.rsp = 0;
+        return ::ptrace(PTRACE_SETREGS, thread, nullptr, &registers) == 0 &&
+               ::ptrace(PTRACE_DETACH, thread, nullptr, SIGSEGV) == 0;
+    }
+#endif
+    return false;
+}
+
+} // namespace
 
 /// The player as its client sees it: arguments, frame file, commands, sound, proxy.
 class CompanionPlayerTest : public QObject
@@ -224,33 +251,51 @@ private slots:
 
     void crashes_data()
     {
-        rows<int>({"signal"}, {{"SIGSEGV", SIGSEGV},
-                               {"SIGBUS", SIGBUS},
-                               {"SIGFPE", SIGFPE},
-                               {"SIGILL", SIGILL},
-                               {"SIGABRT", SIGABRT},
-                               {"SIGTRAP", SIGTRAP},
-                               {"SIGSYS", SIGSYS},
-                               {"SIGTERM", SIGTERM},
-                               {"SIGHUP", SIGHUP},
-                               {"SIGINT", SIGINT},
-                               {"SIGQUIT", SIGQUIT},
-                               {"SIGXCPU", SIGXCPU}});
+        rows<int, int>({"signal", "thread"}, {{"SIGSEGV", SIGSEGV, anyThread},
+                                              {"SIGBUS", SIGBUS, anyThread},
+                                              {"SIGFPE", SIGFPE, anyThread},
+                                              {"SIGILL", SIGILL, anyThread},
+                                              {"SIGABRT", SIGABRT, anyThread},
+                                              {"SIGTRAP", SIGTRAP, anyThread},
+                                              {"SIGSYS", SIGSYS, anyThread},
+                                              {"SIGTERM", SIGTERM, anyThread},
+                                              {"SIGHUP", SIGHUP, anyThread},
+                                              {"SIGINT", SIGINT, anyThread},
+                                              {"SIGQUIT", SIGQUIT, anyThread},
+                                              {"SIGXCPU", SIGXCPU, anyThread},
+                                              {"no stack for pictures", SIGSEGV, 0},
+                                              {"no stack for commands", SIGSEGV, 1},
+                                              {"no stack for the stream", SIGSEGV, 2},
+                                              {"no stack for sound", SIGSEGV, 3},
+                                              {"under nohup", SIGHUP, nobody}});
     }
 
     /// The tile hears of it at once; and the system would rather end the tile than the window.
     void crashes()
     {
-        const auto [signal] = row<int>();
+        const auto [signal, thread] = row<int, int>();
         StreamPlayer player;
         for (const char *options : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
             player.setEnvironment(options, ownSignals);
-        QVERIFY(player.play(StreamScript::of(clip.repeated(30))));
-        QVERIFY(player.shows(3));
-        QFile score("/proc/%1/oom_score_adj"_s.arg(player.pid()));
+        const auto before = ::signal(signal, thread == nobody ? SIG_IGN : SIG_DFL);
+        const bool plays = player.play(StreamScript::of(clip.repeated(30)));
+        ::signal(signal, before);
+        QVERIFY(plays && player.shows(3));
+        const QString process = "/proc/%1/"_s.arg(player.pid());
+        QFile score(process + "oom_score_adj");
         QVERIFY(score.open(QIODevice::ReadOnly));
-        QVERIFY(score.readAll().toInt() >= 500);
-        QCOMPARE(::kill(pid_t(player.pid()), signal), 0);
+        QCOMPARE(score.readAll().toInt(), 500);
+        const QStringList threads = QDir(process + "task")
+                                        .entryList(QDir::Dirs | QDir::NoDotAndDotDot,
+                                                   QDir::Unsorted); // as they began
+        if (thread < 0)
+            QCOMPARE(::kill(pid_t(player.pid()), signal), 0);
+        else if (!crashWithoutStack(threads.value(thread).toInt()))
+            QSKIP("threads of others can't be changed here");
+        if (thread == nobody) {
+            QVERIFY(player.shows(player.frames() + 10));
+            return;
+        }
         QVERIFY(player.ends());
         QCOMPARE(player.lines().last().text, QByteArray("state 7"));
         QCOMPARE(player.exitCode(), 128 + signal);

@@ -12,13 +12,24 @@
 #include "GUI/Player/FrameFile.h"
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ProcessTraces.h"
 
 using GUI::Player::VideoWidget;
 using GUI::Player::Internal::FrameFile;
 
 static bool isLockable = true;
+static int diskFault = 0; ///< what the disk says when it is asked for room the next time
+static int roomRequests = 0;
 
-/// In place of the C library's; a disk may know no locks.
+/// In place of the C library's; a disk may know no locks, and nothing of room.
+extern "C" int fallocate(int descriptor, int, off_t offset, off_t length)
+{
+    ++roomRequests;
+    const int fault = std::exchange(diskFault, 0);
+    errno = fault ? fault : ::posix_fallocate(descriptor, offset, length);
+    return errno ? -1 : 0;
+}
+
 extern "C" int flock(int descriptor, int operation) noexcept
 {
     errno = ENOLCK;
@@ -203,12 +214,15 @@ private slots:
         ScriptedTile running;
         QVERIFY(running.playLive());
         QTRY_COMPARE(running.starts().size(), 1);
+        const FakeClock clock(noon);
+        const int descriptors = ProcessTraces::now().descriptors;
         const QStringList before = QDir::temp().entryList(QDir::Files);
-        for (const char *name : {"zorvane-player-99999", "zorvane-player-99998", "zorvane-other"}) {
+        for (const char *name :
+             {"zorvane-player-99999", "zorvane-player-99998", "zorvane-player-x"}) {
             QFile file(QDir::temp().filePath(QLatin1String(name)));
             QVERIFY(file.open(QIODevice::ReadWrite));
-            if (!file.fileName().endsWith("8"_s))
-                QVERIFY(file.setFileTime(noon, QFileDevice::FileModificationTime));
+            const QDateTime time = noon.addSecs(file.fileName().endsWith("8"_s) ? -10 : -11);
+            QVERIFY(file.setFileTime(time, QFileDevice::FileModificationTime));
         }
         const utimbuf longAgo = {};
         ::utime(QFile::encodeName(frameFileOf(running)), &longAgo);
@@ -218,9 +232,37 @@ private slots:
         isLockable = true;
         FrameFile::removeLeftOvers();
         QStringList left = QDir::temp().entryList(QDir::Files);
-        for (const QString &name : {"zorvane-player-99998"_s, "zorvane-other"_s})
+        for (const QString &name : {"zorvane-player-99998"_s, "zorvane-player-x"_s})
             QVERIFY(left.removeOne(name) && QDir::temp().remove(name));
         QCOMPARE(left, before);
+        QCOMPARE(ProcessTraces::now().descriptors, descriptors);
+    }
+
+    void roomOnDisk_data()
+    {
+        rows<int, bool, int>({"fault", "isGiven", "requests"},
+                             {{"full", ENOSPC, false, 2},
+                              {"interrupted", EINTR, true, 2},
+                              {"old system", ENOSYS, true, 1},
+                              {"other disk", EOPNOTSUPP, true, 1}});
+    }
+
+    /// The disk is asked for a picture's room once, if it answers.
+    void roomOnDisk()
+    {
+        const auto [fault, isGiven, requests] = row<int, bool, int>();
+        FrameFile frames;
+        QFile leftOver(QDir::temp().filePath(frames.name()));
+        QVERIFY(leftOver.open(QIODevice::WriteOnly));
+        roomRequests = 0;
+        isLockable = false; // nor is there a way to know who uses what is there
+        QVERIFY(frames.image(QSize(4, 4)).isNull() && frames.open());
+        isLockable = true;
+        diskFault = fault;
+        QVERIFY(frames.image(QSize(4096, 4096)).isNull());
+        QCOMPARE(!frames.image(QSize(4, 4)).isNull(), isGiven);
+        QVERIFY(!frames.image(QSize(4, 4)).isNull() && !frames.image(QSize(4, 4)).isNull());
+        QCOMPARE(roomRequests, requests);
     }
 
     /// Memory over no block of the disk ends whoever touches it.
