@@ -21,12 +21,12 @@ static bool isLockable = true;
 static int diskFault = 0; ///< what the disk says when it is asked for room the next time
 static int roomRequests = 0;
 
-/// In place of the C library's; a disk may know no locks, and nothing of room.
+/// Both in place of the C library's; a disk may know neither room nor locks.
 extern "C" int fallocate(int descriptor, int, off_t offset, off_t length)
 {
     ++roomRequests;
-    const int fault = std::exchange(diskFault, 0);
-    errno = fault ? fault : ::posix_fallocate(descriptor, offset, length);
+    errno = diskFault ? diskFault : ::posix_fallocate(descriptor, offset, length);
+    diskFault = 0;
     return errno ? -1 : 0;
 }
 
