@@ -68,7 +68,7 @@ bool SignInForm::load()
         ui.emailLn->setFocus();
         return false;
     }
-    if (settings.value(App::SettingsKey::saveAuth, false).toBool())
+    if (settings.value(App::SettingsKey::saveAuth).toBool())
         ui.passwordLn->setText(settings.value(App::SettingsKey::password).toString());
     if (password().isEmpty()) {
         ui.passwordLn->setFocus();
@@ -93,7 +93,7 @@ void SignInForm::save() const
 bool SignInForm::isRemembered() const
 {
     const App::Settings &settings = App::settings();
-    return isComplete() && settings.value(App::SettingsKey::saveAuth, false).toBool() &&
+    return isComplete() && settings.value(App::SettingsKey::saveAuth).toBool() &&
            email() == settings.value(App::SettingsKey::email).toString() &&
            password() == settings.value(App::SettingsKey::password).toString();
 }

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdint>
 #include <memory>
+#include <string_view>
 
 #include "companion/PlayerOutput.h"
 
@@ -15,47 +16,20 @@ namespace Companion {
 namespace {
 
 constexpr int signalExitBase = 128;
+/// The registers of large processors alone are several thousand.
+constexpr size_t stackBytes = size_t(64) * 1024;
 
 static_assert(static_cast<int>(StreamState::Error) == 7, "what a crash says");
 /// Begins with an end of line, as the crash may lie in the middle of one.
-constexpr char crashLine[] = "\nstate 7\n";
+constexpr std::string_view crashLine = "\nstate 7\n";
 
 extern "C" void onCrash(int signal)
 {
     // Nobody is left to tell when this fails.
-    const ssize_t written = ::write(STDOUT_FILENO, crashLine, sizeof(crashLine) - 1);
+    const ssize_t written = ::write(STDOUT_FILENO, crashLine.data(), crashLine.size());
     static_cast<void>(written);
     ::_exit(signalExitBase + signal);
 }
-
-/// For as long as its thread lives.
-class SignalStack
-{
-public:
-    SignalStack() : bytes(std::make_unique<uint8_t[]>(sizeBytes))
-    {
-        stack_t stack = {};
-        stack.ss_sp = bytes.get();
-        stack.ss_size = sizeBytes;
-        sigaltstack(&stack, nullptr);
-    }
-    ~SignalStack()
-    {
-        stack_t none = {};
-        none.ss_flags = SS_DISABLE;
-        sigaltstack(&none, nullptr);
-    }
-    SignalStack(const SignalStack &) = delete;
-    SignalStack &operator=(const SignalStack &) = delete;
-
-private:
-    // The registers of large processors alone are several thousand bytes.
-    static constexpr size_t sizeBytes = size_t(64) * 1024;
-
-    // On the heap: what a thread has of its own would be taken from every thread's stack, and
-    // the audio library makes one that is too small for that.
-    std::unique_ptr<uint8_t[]> bytes;
-};
 
 } // namespace
 
@@ -76,14 +50,22 @@ void LastWords::sayAtCrash()
     for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS, SIGTERM,
                              SIGHUP, SIGINT, SIGQUIT, SIGXCPU}) {
         struct sigaction present = {};
-        if (sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_DFL)
+        sigaction(signal, nullptr, &present);
+        if (present.sa_handler == SIG_DFL)
             sigaction(signal, &action, nullptr);
     }
 }
 
 void LastWords::lendStack()
 {
-    thread_local const SignalStack stack;
+    // On the heap: what a thread has of its own would be taken from every thread's stack, and
+    // the audio library makes one that is too small for that. Made first, it is freed last of
+    // what the thread has.
+    thread_local const auto bytes = std::make_unique<uint8_t[]>(stackBytes);
+    stack_t stack = {};
+    stack.ss_sp = bytes.get();
+    stack.ss_size = stackBytes;
+    sigaltstack(&stack, nullptr);
 }
 
 } // namespace Companion

@@ -41,9 +41,9 @@ enum class Use {
 
 Use lock(int descriptor)
 {
-    if (descriptor >= 0 && ::flock(descriptor, LOCK_EX | LOCK_NB) == 0)
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0)
         return Use::Nobody;
-    return descriptor >= 0 && errno == EWOULDBLOCK ? Use::Another : Use::Unknown;
+    return errno == EWOULDBLOCK ? Use::Another : Use::Unknown;
 }
 
 /// Removes what lies under that name if `isRemovable` of who uses it.
@@ -55,8 +55,7 @@ bool removeIf(const QString &fileName, Rule isRemovable)
     const bool isRemoved = isRemovable(lock(present));
     if (isRemoved)
         QFile::remove(fileName);
-    if (present >= 0)
-        ::close(present);
+    ::close(present); // nothing, where none could be opened
     return isRemoved;
 }
 
@@ -144,12 +143,11 @@ bool FrameFile::isBacked(qint64 bytes) const
 {
     if (bytes <= backedBytes)
         return true;
-    int result = 0;
-    do {
-        result = ::fallocate(file.handle(), FALLOC_FL_KEEP_SIZE, 0, bytes);
-    } while (result != 0 && errno == EINTR);
-    // Where files can't be given blocks beforehand, it has to be tried.
-    if (result != 0 && errno != EOPNOTSUPP && errno != ENOSYS) {
+    while (::fallocate(file.handle(), FALLOC_FL_KEEP_SIZE, 0, bytes) != 0) {
+        if (errno == EINTR)
+            continue;
+        if (errno == EOPNOTSUPP || errno == ENOSYS)
+            break; // where files can't be given blocks beforehand, it has to be tried
         if (!std::exchange(isWarned, true))
             qWarning() << "VideoWidget: No room for a frame in" << file.fileName();
         return false;

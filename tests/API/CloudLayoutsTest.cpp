@@ -128,6 +128,7 @@ private slots:
             servers = CloudAPIClient::serverList().size() + CloudAPIClient::layoutList().size();
         });
         update(0, 2); // GET and POST
+        update(0, 2);
         update(29, 2);
         QCOMPARE(servers, 1);
         // The cache is read every time.
@@ -152,7 +153,9 @@ private slots:
         QSignalSpy failed(client.get(), &CloudAPIClient::layoutsUpdateError);
         client->addLayout(LayoutPtr::create());
         QVERIFY(QDir().mkdir(cache)); // stands where the file should
+        const LogCapture log;
         client->saveLayoutsToFile();
+        QCOMPARE(log.linesOf("Could not save layouts cache to"_s).size(), 1);
         client->saveLayoutsToAPI();
         QTRY_COMPARE(failed.count(), 1);
 
@@ -221,6 +224,18 @@ private slots:
         QVERIFY(QFile::remove(cache) && QFile::copy(cache + ".1"_s, cache));
         save("n"_s);
         QCOMPARE(kept(), "l k j h g f e d c b -"_s);
+        // None takes another's place where one can't move on; it waits for the next time.
+        const QString oldest = cache + ".10"_s;
+        QVERIFY(QFile::remove(oldest) && QDir().mkdir(oldest));
+        save("o"_s);
+        QCOMPARE(kept(), "l k j h g f e d c - -"_s);
+        QVERIFY(QDir().rmdir(oldest));
+        save("p"_s);
+        QCOMPARE(kept(), "o n l k j h g f e d -"_s);
+        // No list of ours is that large.
+        QVERIFY(QFile::resize(cache, Internal::LayoutBounds::documentBytes + 1));
+        save("q"_s);
+        QCOMPARE(kept(), "o n l k j h g f e d -"_s);
     }
 
     void bounds_data()

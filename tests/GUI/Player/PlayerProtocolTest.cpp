@@ -12,6 +12,7 @@
 #include "GUI/Player/FrameFile.h"
 #include "tests/GUI/Player/TileFixture.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ProcessTraces.h"
 
 using GUI::Player::VideoWidget;
 using GUI::Player::Internal::FrameFile;
@@ -203,24 +204,33 @@ private slots:
         ScriptedTile running;
         QVERIFY(running.playLive());
         QTRY_COMPARE(running.starts().size(), 1);
+        const FakeClock clock(noon);
+        const int descriptors = ProcessTraces::now().descriptors;
         const QStringList before = QDir::temp().entryList(QDir::Files);
-        for (const char *name : {"zorvane-player-99999", "zorvane-player-99998", "zorvane-other"}) {
+        for (const char *name :
+             {"zorvane-player-99999", "zorvane-player-99998", "zorvane-player-x"}) {
             QFile file(QDir::temp().filePath(QLatin1String(name)));
             QVERIFY(file.open(QIODevice::ReadWrite));
-            if (!file.fileName().endsWith("8"_s))
-                QVERIFY(file.setFileTime(noon, QFileDevice::FileModificationTime));
+            const QDateTime time = noon.addSecs(file.fileName().endsWith("8"_s) ? -10 : -11);
+            QVERIFY(file.setFileTime(time, QFileDevice::FileModificationTime));
         }
         const utimbuf longAgo = {};
         ::utime(QFile::encodeName(frameFileOf(running)), &longAgo);
         isLockable = false;
         FrameFile::removeLeftOvers();
         QVERIFY(QDir::temp().exists("zorvane-player-99999"_s));
+        {
+            FrameFile frames;
+            QVERIFY(QFile(QDir::temp().filePath(frames.name())).open(QIODevice::WriteOnly));
+            QVERIFY(frames.open()); // no tile stays dark for a file that may be nobody's
+        }
         isLockable = true;
         FrameFile::removeLeftOvers();
         QStringList left = QDir::temp().entryList(QDir::Files);
-        for (const QString &name : {"zorvane-player-99998"_s, "zorvane-other"_s})
+        for (const QString &name : {"zorvane-player-99998"_s, "zorvane-player-x"_s})
             QVERIFY(left.removeOne(name) && QDir::temp().remove(name));
         QCOMPARE(left, before);
+        QCOMPARE(ProcessTraces::now().descriptors, descriptors);
     }
 
     /// Memory over no block of the disk ends whoever touches it.

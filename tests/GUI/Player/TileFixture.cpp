@@ -101,7 +101,7 @@ bool showsText(VideoWidget &tile, const QString &text)
         painter.setPen(Qt::white);
         painter.drawText(tile.rect(), Qt::AlignCenter | Qt::TextWordWrap, text);
         painter.end();
-        return shown.convertToFormat(QImage::Format_RGB32) == expected;
+        return !shown.isNull() && shown.convertToFormat(QImage::Format_RGB32) == expected;
     });
 }
 

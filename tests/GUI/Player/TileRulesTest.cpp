@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/Test.h"
 
+#include <fcntl.h>
+
+#include <cerrno>
+
 #include "GUI/Player/ExportOutput.h"
 #include "GUI/Player/FrameFile.h"
 #include "GUI/Player/PictureGeometry.h"
@@ -13,6 +17,18 @@
 using namespace ZorvaneClient::GUI::Player::Internal;
 
 const QColor background(25, 25, 29);
+
+static int diskFault = 0; ///< what the disk says when it is asked for room the next time
+static int roomRequests = 0;
+
+/// In place of the C library's.
+extern "C" int fallocate(int descriptor, int, off_t offset, off_t length)
+{
+    ++roomRequests;
+    errno = diskFault ? diskFault : ::posix_fallocate(descriptor, offset, length);
+    diskFault = 0;
+    return errno ? -1 : 0;
+}
 
 /// What a tile decides without a window.
 class TileRulesTest : public QObject
@@ -298,6 +314,29 @@ private slots:
         QVERIFY(judge(State::Error, true, -4, -10) == Verdict::Wait);
         QVERIFY(judge(State::Error, true, 0, 0, 3) == Verdict::GiveUp);
         QVERIFY(judge(State::Playing, false, 0, 0, 4) == Verdict::GiveUp);
+    }
+
+    void roomOnDisk_data()
+    {
+        rows<int, bool, int>({"fault", "isGiven", "requests"},
+                             {{"full", ENOSPC, false, 2},
+                              {"interrupted", EINTR, true, 2},
+                              {"old system", ENOSYS, true, 1},
+                              {"other disk", EOPNOTSUPP, true, 1}});
+    }
+
+    /// The disk is asked for a picture's room once, if it answers.
+    void roomOnDisk()
+    {
+        const auto [fault, isGiven, requests] = row<int, bool, int>();
+        FrameFile frames;
+        roomRequests = 0;
+        QVERIFY(frames.image(QSize(4, 4)).isNull() && frames.open());
+        diskFault = fault;
+        QVERIFY(frames.image(QSize(4096, 4096)).isNull());
+        QCOMPARE(!frames.image(QSize(4, 4)).isNull(), isGiven);
+        QVERIFY(!frames.image(QSize(4, 4)).isNull() && !frames.image(QSize(4, 4)).isNull());
+        QCOMPARE(roomRequests, requests);
     }
 };
 
