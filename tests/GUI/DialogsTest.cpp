@@ -8,6 +8,7 @@
 #include "App/Settings.h"
 #include "GUI/CameraSettingsDialog.h"
 #include "GUI/CameraWidget.h"
+#include "GUI/HouseStyle.h"
 #include "GUI/Player/VideoWidget.h"
 #include "GUI/SettingsWidget.h"
 #include "GUI/SideBar.h"
@@ -106,6 +107,21 @@ private slots:
     {
         API::CloudAPIClient().logout();
         QFile::remove(rosterFile);
+    }
+
+    /// A ring marks the focus, and no frame of dots.
+    void styleDrawsWhatIsItsOwn()
+    {
+        for (const auto part : {QStyle::PE_IndicatorArrowDown, QStyle::PE_FrameFocusRect}) {
+            QImage drawn(20, 20, QImage::Format_RGB32);
+            drawn.fill(Qt::red);
+            const QImage blank = drawn.copy();
+            QPainter painter(&drawn);
+            QStyleOptionFocusRect option;
+            option.rect = drawn.rect();
+            GUI::HouseStyle().drawPrimitive(part, &option, &painter, nullptr);
+            QCOMPARE(drawn == blank, part == QStyle::PE_FrameFocusRect);
+        }
     }
 
     void languageIsChosenAndNeedsARestart()
