@@ -113,10 +113,14 @@ void HoverSync::followPointer()
     const QWidget *under = widgetUnder(place);
     if (entered.isEmpty() || (!std::exchange(isCountLost, false) && agreesWith(under)))
         return;
-    const QPointer<QWidget> window = under ? under->window() : nullptr;
+    const QPointer<QWidget> window = (under ? under : entered.first())->window();
     leaveAllBut(under);
     if (!window || !window->windowHandle())
         return;
+    if (!under) {
+        leaveWindow(window);
+        return;
+    }
     enterWindow(window, place);
     // Push buttons are lit by a move only.
     const QPoint inWindow = window->mapFromGlobal(place);

@@ -34,6 +34,7 @@ Kiosk::Kiosk(const Parts &ofWindow, const QString &layout)
     , look(this)
     , screenSaver(this)
 {
+    quiet.setSingleShot(true);
     quiet.setInterval(quietTime);
     connect(&quiet, &QTimer::timeout, this, &Kiosk::rest);
     connect(&activity, &ActivityWatch::pointerMoved, this, &Kiosk::wake);
@@ -88,10 +89,13 @@ void Kiosk::wake()
 
 void Kiosk::rest()
 {
-    // Whoever uses a menu or a dialog may take longer; the next time-out looks again.
-    if (!parts.window->isFullScreen() || QApplication::activePopupWidget() ||
-        QApplication::activeModalWidget())
+    if (!parts.window->isFullScreen())
         return;
+    // A menu or a dialog is being used; the pointer that ends it starts the time anew.
+    if (QApplication::activePopupWidget() || QApplication::activeModalWidget()) {
+        quiet.start();
+        return;
+    }
     // A pointer that nobody sees lights nothing.
     isHoverEnded = isHoverEnded || parts.window->underMouse();
     if (parts.window->underMouse())

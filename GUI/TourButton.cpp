@@ -5,6 +5,7 @@
 #include <QActionGroup>
 #include <QMenu>
 
+#include "GUI/Colours.h"
 #include "GUI/StyleSheet.h"
 
 namespace ZorvaneClient {
@@ -17,10 +18,13 @@ TourButton::TourButton(QWidget *parent) : QPushButton(tr("Tour"), parent)
     setToolTip(tr("Saved layouts in turn"));
     auto *menu = new QMenu(this);
     // The desktop's own tick has no form for screens of high density.
-    menu->setStyleSheet(QStringLiteral(
-        "QMenu::item { padding: 4px 16px 4px 8px; }"
-        "QMenu::indicator { width: 16px; height: 16px; margin-left: 4px; }"
-        "QMenu::indicator:checked { image: url(:/mainwidget/icons/dropdownCheck.png); }"));
+    menu->setStyleSheet(
+        QStringLiteral(
+            "QMenu::item { padding: 4px 16px 4px 8px; }"
+            "QMenu::item:selected { color: %1; background-color: %2; }"
+            "QMenu::indicator { width: 16px; height: 16px; margin-left: 4px; }"
+            "QMenu::indicator:checked { image: url(:/mainwidget/icons/dropdownCheck.png); }")
+            .arg(Colours::tile().name(), Colours::accent().name()));
     intervals = new QActionGroup(menu);
     const QPair<QString, int> choices[] = {{tr("Off"), 0},
                                            {tr("Every 10 seconds"), 10},
@@ -36,7 +40,7 @@ TourButton::TourButton(QWidget *parent) : QPushButton(tr("Tour"), parent)
     setMenu(menu);
     connect(intervals, &QActionGroup::triggered, this,
             [this](const QAction *action) { emit chosen(action->data().toInt()); });
-    intervals->actions().constFirst()->setChecked(true);
+    showTour(false, 0);
 }
 
 void TourButton::showTour(bool isOn, int seconds)

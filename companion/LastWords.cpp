@@ -31,6 +31,17 @@ extern "C" void onCrash(int signal)
     ::_exit(signalExitBase + signal);
 }
 
+/// Whatever the thread still does at its end finds no stack that is gone.
+struct GiveBack {
+    void operator()(const uint8_t *bytes) const
+    {
+        stack_t none = {};
+        none.ss_flags = SS_DISABLE;
+        sigaltstack(&none, nullptr);
+        delete[] bytes;
+    }
+};
+
 } // namespace
 
 void LastWords::say()
@@ -59,9 +70,8 @@ void LastWords::sayAtCrash()
 void LastWords::lendStack()
 {
     // On the heap: what a thread has of its own would be taken from every thread's stack, and
-    // the audio library makes one that is too small for that. Made first, it is freed last of
-    // what the thread has.
-    thread_local const auto bytes = std::make_unique<uint8_t[]>(stackBytes);
+    // the audio library makes one that is too small for that.
+    thread_local const std::unique_ptr<uint8_t[], GiveBack> bytes(new uint8_t[stackBytes]);
     stack_t stack = {};
     stack.ss_sp = bytes.get();
     stack.ss_size = stackBytes;

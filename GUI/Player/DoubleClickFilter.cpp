@@ -15,6 +15,7 @@ bool DoubleClickFilter::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() != QEvent::MouseButtonDblClick)
         return QObject::eventFilter(watched, event);
+    event->accept();
     return true;
 }
 

@@ -19,9 +19,9 @@ namespace {
 constexpr int bandHeight = 32;
 constexpr int cacheLineBytes = 64;
 
-/// Reads what the next band mixes, in the order in which it lies in memory. Another process wrote
-/// it, and a wall's pictures together fit in no cache: mixing, which takes pixels from here and
-/// there, would wait for each of them, and takes more than twice as long.
+/// Reads the rows that the next band mixes, in the order in which they lie in memory. Another
+/// process wrote them, and a wall's pictures together fit in no cache: mixing, which takes pixels
+/// from here and there, would wait for each of them, and takes more than twice as long.
 void readAhead(const QImage &picture, const QRect &area)
 {
     const volatile uchar *bytes = picture.constBits();

@@ -94,6 +94,8 @@ QRectF partOf(const QImage &picture, const PictureZoom &zoom)
 void paintZoomMap(QPainter &painter, const QRect &map, const QImage &picture,
                   const PictureZoom &zoom)
 {
+    // So much smaller, it would hardly look better smooth; and a zoomed picture costs no more.
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
     painter.drawImage(QRectF(map), picture, QRectF(picture.rect()));
     painter.setPen(mapFrame);
     painter.drawRect(map.adjusted(-1, -1, 0, 0));

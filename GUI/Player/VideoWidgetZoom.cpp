@@ -41,6 +41,7 @@ void VideoWidget::mouseDoubleClickEvent(QMouseEvent *event)
     if (event->button() != Qt::LeftButton)
         return;
     setPressPosition(notPressed); // the tile may get another size: what follows is no drag
+    d->isPanning = false;
     if (isZoomed())
         resetZoom();
     else
