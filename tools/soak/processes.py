@@ -94,6 +94,14 @@ def pss_bytes(pid):
     return 0
 
 
+def own_bytes(pid):
+    """What it has to itself in memory, whatever others share libraries and frames with it."""
+    for line in read(f"/proc/{pid}/status").splitlines():
+        if line.startswith(b"RssAnon:"):
+            return int(line.split()[1]) * 1024
+    return 0
+
+
 def count(folder):
     try:
         return len(os.listdir(folder))

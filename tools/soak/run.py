@@ -126,9 +126,10 @@ class Run:
                 time.sleep(0.5)
 
     def name_wall(self):
+        others = self.layouts[1:]
         if not user.save_as(self, random.Random(0), WALL):
             raise Failure("the wall can't be saved")
-        self.layouts = [WALL]
+        self.layouts = [WALL] + others
 
     # Ends and starts of the program.
 
@@ -152,9 +153,7 @@ class Run:
         def is_in():
             if self.client.main_windows():
                 return True
-            # Nobody gets in while the service answers nonsense.
-            self.watch.hold_disturbances()
-            self.world.clear_faults()
+            outside.clear_faults(self, None)  # nobody gets in while the service answers nonsense
             self.sign_in()
             return bool(self.client.main_windows())
         if not self.world.is_up():

@@ -27,10 +27,10 @@ def read_arguments():
 
 
 def judge_growth(watch):
-    for count, pss, heap in watch.slopes():
-        print(f"growth over {count} minutes at rest: PSS {pss / MIB:+.1f} MiB an hour, "
+    for count, own, heap in watch.slopes():
+        print(f"growth over {count} minutes at rest: own memory {own / MIB:+.1f} MiB an hour, "
               f"heap {heap / MIB:+.1f} MiB an hour (limit {SLOPE_LIMIT / MIB:.0f})")
-        if pss > SLOPE_LIMIT:
+        if own > SLOPE_LIMIT:
             raise Failure("the client grows")
     if not watch.slopes():
         print(f"growth is judged from {LEAST_ROWS} minutes at rest on")

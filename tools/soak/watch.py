@@ -10,7 +10,7 @@ GRACE_SECONDS = 11     # for a child without a tile, and a file without a run
 PICTURE_SECONDS = 60   # for a new picture of a healthy stream
 WARM_UP = 0.25         # of the rows of one process, left out of its slope
 LEAST_ROWS = 8         # a slope over fewer is not judged
-SLOPE_LIMIT = 16 << 20  # bytes an hour, of the client's PSS
+SLOPE_LIMIT = 16 << 20  # bytes an hour, of the client's own memory
 MIB = 1 << 20
 LAN_SERVER = "1"
 
@@ -192,7 +192,8 @@ class Watch:
                     if one["parent"] == pid and one["name"].startswith("vlc-stream")]
         log = os.path.join(self.client.run_folder, "zorvane_client_log.txt")
         row = {"seconds": time.monotonic() - self.began, "pid": pid, "rest": False,
-               "pss": processes.pss_bytes(pid), "heap": int(vitals["heap"]),
+               "pss": processes.pss_bytes(pid), "own": processes.own_bytes(pid),
+               "heap": int(vitals["heap"]),
                "childPss": sum(map(processes.pss_bytes, children)),
                "widgets": int(vitals["widgets"]),
                "fds": processes.descriptors(pid), "threads": processes.threads(pid),
@@ -205,27 +206,28 @@ class Watch:
         self.pictures = 0
         return row
 
-    HEAD = ("| min | PSS MiB | heap MiB | widgets | children PSS MiB | fds | threads | mappings "
-            "| children/tiles | files | log KiB | stall ms (machine) | dark | new pictures |\n"
-            + "|---" * 14 + "|")
+    HEAD = ("| min | PSS MiB | own MiB | heap MiB | widgets | children PSS MiB | fds | threads "
+            "| mappings | children/tiles | files | log KiB | stall ms (machine) | dark | new pictures |\n"
+            + "|---" * 15 + "|")
 
     @staticmethod
     def line(row):
-        return (f"| {row['seconds'] / 60:.1f} | {row['pss'] / MIB:.1f} | {row['heap'] / MIB:.1f} "
+        return (f"| {row['seconds'] / 60:.1f} | {row['pss'] / MIB:.1f} "
+                f"| {row['own'] / MIB:.1f} | {row['heap'] / MIB:.1f} "
                 f"| {row['widgets']} | {row['childPss'] / MIB:.0f} | {row['fds']} "
                 f"| {row['threads']} | {row['maps']} | {row['children']}/{row['tiles']} "
                 f"| {row['files']} | {row['log'] // 1024} | {row['stall']} ({row['hold']}) | {row['dark']} "
                 f"| {row['pictures']} |")
 
     def slopes(self):
-        """For each process that lived long enough: rows, and growth an hour of PSS and heap."""
+        """For each process that lived long enough: rows, and growth an hour of own and heap."""
         result = []  # what is compared was measured in the same state, at rest
         for pid in dict.fromkeys(row["pid"] for row in self.rows):
             own = [row for row in self.rows if row["pid"] == pid and row["rest"]]
             own = own[int(len(own) * WARM_UP):]
             if len(own) >= LEAST_ROWS:
                 result.append((len(own), *(slope([(row["seconds"], row[what]) for row in own])
-                                           for what in ("pss", "heap"))))
+                                           for what in ("own", "heap"))))
         return result
 
 
