@@ -24,10 +24,12 @@ constexpr int cacheLineBytes = 64;
 /// from here and there, would wait for each of them, and takes more than twice as long.
 void readAhead(const QImage &picture, const QRect &area)
 {
-    const volatile uchar *bytes = picture.constBits();
-    const qsizetype end = (area.bottom() + 1) * picture.bytesPerLine();
-    for (qsizetype at = area.top() * picture.bytesPerLine(); at < end; at += cacheLineBytes)
-        static_cast<void>(bytes[at]);
+    if (area.isEmpty())
+        return;
+    const volatile uchar *at = picture.constScanLine(area.top());
+    const volatile uchar *end = picture.constScanLine(area.bottom()) + picture.bytesPerLine();
+    for (; at < end; at += cacheLineBytes)
+        static_cast<void>(*at);
 }
 
 } // namespace
