@@ -73,8 +73,13 @@ ArchiveSender::Step ArchiveSender::beforePicture()
         return Step::Skip;
     }
     auto step = span.isExport() ? Step::Send : awaitTime();
-    while (step == Step::Send && (packet.momentMs >= current.endMs || watch.isDue()))
+    while (step == Step::Send && (packet.momentMs >= current.endMs || watch.isDue())) {
+        const bool isWithin = packet.momentMs < current.endMs;
         step = watch.isAllowed() ? findRecord(packet.momentMs) : refused();
+        // The record that is being read has been removed.
+        if (isWithin && step != Step::Send)
+            step = refused();
+    }
     return step;
 }
 
