@@ -133,8 +133,8 @@ void serve(const Server &server, const sigset_t &signals)
         const timespec wait{ms / 1000, ms % 1000 * 1'000'000};
         if (sigtimedwait(&signals, nullptr, heartbeat ? &wait : nullptr) > 0)
             return;
-        // It takes every lock there is: one that is never given back stops the heart. A disk that
-        // doesn't answer must not, since who watches needs none.
+        // It takes the locks of meters and catalogue: one that is never given back stops the heart.
+        // A disk that doesn't answer must not, since who watches needs none.
         if (errno == EAGAIN && !server.streamStatus().empty())
             Supervisor::tell("WATCHDOG=1");
     }

@@ -25,7 +25,7 @@ public:
     Frames of(std::uint64_t number, const MediaPacket &packet);
 
 private:
-    /// More than the slowest receiver may be behind, of the shortest packets.
+    /// Some 10 s of common packets; a receiver that is further behind misses sound.
     static constexpr std::size_t mostKept = 500;
     struct Made {
         std::uint64_t number;

@@ -18,7 +18,7 @@ public:
     enum class Outcome {
         Packet,
         NotYet, ///< ask again: what comes next is not there yet
-        Lost,   ///< there was something that can't be read; the next one is behind it
+        Lost,   ///< there was something that can't be read; ask again: others may follow
         End
     };
     /// A read waits so long at most for what is still to come.
