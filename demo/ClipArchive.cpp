@@ -21,6 +21,11 @@ std::optional<std::int64_t> ClipArchive::seek(const Record &record, std::int64_t
 
 MediaSource::Outcome ClipArchive::read(MediaPacket *packet)
 {
+    // What there will be is invented, too, but nobody has recorded it yet.
+    const std::int64_t due = cursor.pictureMs() + 1;
+    sleepUntil(std::min<std::int64_t>(due, nowMs() + longestWait.count()));
+    if (nowMs() < due)
+        return Outcome::NotYet;
     cursor.read(packet);
     return Outcome::Packet;
 }

@@ -29,15 +29,6 @@ constexpr std::chrono::milliseconds glance{100};
 // Between the last picture of a segment and the first of one that follows without a gap.
 constexpr std::int64_t farthestMs = PictureLength::longestMs + Catalogue::gapMs;
 
-/// The first one not before that time.
-std::vector<KeyFrame>::const_iterator keyFrameFrom(const std::vector<KeyFrame> &known,
-                                                   std::int64_t timeMs)
-{
-    return std::lower_bound(
-        known.begin(), known.end(), timeMs,
-        [](const KeyFrame &keyFrame, std::int64_t time) { return keyFrame.timeMs < time; });
-}
-
 } // namespace
 
 HouseRecorded::HouseRecorded(const ArchiveFolder &archive, const Catalogue &segments,
@@ -106,7 +97,7 @@ std::optional<std::int64_t> HouseRecorded::seek(const ZorvaneService::Record &re
     first = reader->next();
     if (!first)
         return {};
-    lastMs = first->momentMs;
+    lastMs = wholeUntilMs = first->momentMs;
     if (isByIndex())
         beginGroup(lastMs);
     return lastMs;
@@ -130,26 +121,32 @@ HouseRecorded::Outcome HouseRecorded::read(ZorvaneService::MediaPacket *packet)
                 return Outcome::NotYet;
             }
             if (!found) {
-                const Outcome outcome = afterSegment(after, endMs);
+                const Outcome outcome = afterSegment(after, endMs, &packet->momentMs);
                 if (outcome == Outcome::Packet)
                     continue;
                 return outcome;
             }
         }
-        if (found->track == Track::Video)
-            lastMs = std::max(lastMs, found->momentMs);
+        if (found->track == Track::Video && found->momentMs > lastMs)
+            wholeUntilMs = std::exchange(lastMs, found->momentMs);
         if (wire.turn(*found, found->momentMs, packet))
             return Outcome::Packet;
     }
     return Outcome::End;
 }
 
-/// Goes on where the segment that was read ends: `Packet` when there is something.
+/// Goes on where the segment that was read ends: `Packet` when there is something. What is lost
+/// is so from `lostMs` on.
 HouseRecorded::Outcome HouseRecorded::afterSegment(const std::optional<Found> &after,
-                                                   std::int64_t endMs)
+                                                   std::int64_t endMs, std::int64_t *lostMs)
 {
     const bool isWhole = isByIndex() || reader->isReadWhole();
-    if (after && open(*after)) {
+    *lostMs = isWhole ? endMs : wholeUntilMs + 1;
+    if (!isWhole && (first = reader->keyPictureFrom(lastMs + 1 - reader->startMs())))
+        return Outcome::Lost;
+    // A player that got nothing for long would hold up those that play in step with it.
+    const bool isNear = after && after->segment.name.startMs <= lastMs + farthestMs;
+    if (after && (isWhole || isNear) && open(*after)) {
         awaitsKey = true;
         reader->seek(lastMs + 1 - reader->startMs());
         return isWhole ? Outcome::Packet : Outcome::Lost;
@@ -210,11 +207,9 @@ PacketPtr HouseRecorded::nextByIndex()
 /// Says how much of the group goes with its key picture.
 void HouseRecorded::beginGroup(std::int64_t momentMs)
 {
-    const auto &known = reader->keyFrames();
     const std::int64_t timeMs = momentMs - reader->startMs();
-    const auto after = keyFrameFrom(known, timeMs + 1);
     // One that grows, or is the last of its segment, is as long as the one before.
-    if (after != known.end())
+    if (const KeyFrame *after = reader->keyFrameFrom(timeMs + 1))
         groupMs = after->timeMs - timeMs;
     const std::int64_t playedMs = groupMs / speed;
     const std::int64_t othersMs = playedMs * affordableSpeed / speed;
@@ -227,10 +222,7 @@ void HouseRecorded::beginGroup(std::int64_t momentMs)
 PacketPtr HouseRecorded::nextKeyPicture()
 {
     const std::int64_t stepMs = speed * secondMs / mostKeyFramesPerSecond;
-    const std::int64_t timeMs = lastMs + stepMs - reader->startMs();
-    const auto &known = reader->keyFrames();
-    const auto chosen = keyFrameFrom(known, timeMs);
-    return chosen == known.end() ? nullptr : reader->keyPicture(*chosen);
+    return reader->keyPictureFrom(lastMs + stepMs - reader->startMs());
 }
 
 } // namespace ZorvaneServer

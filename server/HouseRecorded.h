@@ -34,7 +34,8 @@ private:
     std::optional<Found> find(std::int64_t momentMs, std::int64_t gapMs) const;
     std::optional<Found> follower(std::int64_t endMs, bool grows) const;
     bool open(const Found &found);
-    Outcome afterSegment(const std::optional<Found> &after, std::int64_t endMs);
+    Outcome afterSegment(const std::optional<Found> &after, std::int64_t endMs,
+                         std::int64_t *lostMs);
     PacketPtr next();
     PacketPtr nextOfAll();
     PacketPtr nextByIndex();
@@ -50,6 +51,8 @@ private:
     StreamId stream;         ///< whose segment is read
     PacketPtr first;         ///< read while it was looked for
     std::int64_t lastMs = 0; ///< of the pictures read
+    /// The last one before that: pictures that are shown in between may come behind it.
+    std::int64_t wholeUntilMs = 0;
     bool awaitsKey = false;
     std::int64_t recordEndMs = 0;   ///< as it was when it was looked for
     std::int64_t groupMs = 0;       ///< between the key pictures that the index has

@@ -45,6 +45,15 @@ const std::vector<KeyFrame> &SegmentReader::keyFrames()
     return head.keyFrames;
 }
 
+const KeyFrame *SegmentReader::keyFrameFrom(std::int64_t timeMs)
+{
+    const std::vector<KeyFrame> &known = keyFrames();
+    const auto found = std::lower_bound(
+        known.begin(), known.end(), timeMs,
+        [](const KeyFrame &keyFrame, std::int64_t time) { return keyFrame.timeMs < time; });
+    return found == known.end() ? nullptr : &*found;
+}
+
 bool SegmentReader::seek(std::int64_t timeMs)
 {
     const std::vector<KeyFrame> &known = keyFrames();
@@ -77,11 +86,16 @@ PacketPtr SegmentReader::next()
     return packet;
 }
 
-PacketPtr SegmentReader::keyPicture(const KeyFrame &keyFrame)
+PacketPtr SegmentReader::keyPictureFrom(std::int64_t timeMs)
 {
-    walk = BlockWalk(window, keyFrame.offset);
-    PacketPtr packet = next();
-    return packet && packet->isKeyPicture() ? packet : nullptr;
+    const KeyFrame *one = keyFrameFrom(timeMs);
+    const KeyFrame *const end = head.keyFrames.data() + head.keyFrames.size();
+    for (; one && one != end; ++one) {
+        walk = BlockWalk(window, one->offset);
+        if (PacketPtr packet = next(); packet && packet->isKeyPicture())
+            return packet;
+    }
+    return nullptr;
 }
 
 PacketPtr SegmentReader::packetOf(const Block &block) const

@@ -24,6 +24,8 @@ public:
     std::int64_t startMs() const { return head.startMs; }
     /// Key frames that clusters begin with, ascending; all of them that the file has by now.
     const std::vector<KeyFrame> &keyFrames();
+    /// The first of them that isn't before `timeMs`; null when there is none.
+    const KeyFrame *keyFrameFrom(std::int64_t timeMs);
 
     /// Goes to the last key picture that isn't later than `timeMs` after the start, or to the
     /// first. False when there is none.
@@ -33,8 +35,9 @@ public:
     /// Of a segment that doesn't grow any more, behind what `next()` found last: whether that was
     /// all it had.
     bool isReadWhole() const { return !missed && walk.isAtEnd(); }
-    /// The picture of one of `keyFrames()`; null when it can't be read. Others follow it.
-    PacketPtr keyPicture(const KeyFrame &keyFrame);
+    /// The picture of the first of `keyFrames()` that isn't before `timeMs` and can be read, else
+    /// null. The packets behind it follow.
+    PacketPtr keyPictureFrom(std::int64_t timeMs);
 
 private:
     SegmentReader(Descriptor file, SegmentHead head);

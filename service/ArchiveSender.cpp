@@ -21,6 +21,8 @@ ArchiveSender::ArchiveSender(const ArchiveCatalogue &archive, const CameraId &wh
     , camera(whose)
     , span(wanted)
     , current(record)
+    , promised(span.isExport() ? catalogue.records(camera, span.startMs, span.endMs)
+                               : std::vector<Record>())
     , source(media)
     , watch(eye)
     , limited(sink, span.bytesPerMs)
@@ -53,7 +55,7 @@ ArchiveSender::Step ArchiveSender::afterOutcome(MediaSource::Outcome outcome)
         return watch.isDue() && !watch.isAllowed() ? refused() : Step::Skip;
     case MediaSource::Outcome::Lost:
         // Who watches goes on behind it, but a file must not lack it unnoticed.
-        return span.isExport() ? Step::Break : Step::Skip;
+        return span.isExport() && packet.momentMs < span.endMs ? Step::Break : Step::Skip;
     case MediaSource::Outcome::End:
         break;
     }
@@ -116,6 +118,8 @@ ArchiveSender::Step ArchiveSender::findRecord(std::int64_t momentMs)
 {
     const auto found = span.isExport() ? catalogue.recordFrom(camera, momentMs)
                                        : catalogue.recordAt(camera, momentMs);
+    if (isPassedOver(found ? &*found : nullptr))
+        return Step::Break;
     if (!found)
         return Step::End;
     if (found->startMs < current.endMs) {
@@ -130,6 +134,15 @@ ArchiveSender::Step ArchiveSender::findRecord(std::int64_t momentMs)
     stream.join(current.endMs, *first);
     current = *found;
     return Step::Skip;
+}
+
+/// Whether a record of an export, or its beginning, was removed before it was reached.
+bool ArchiveSender::isPassedOver(const Record *next) const
+{
+    return std::any_of(promised.begin(), promised.end(), [&](const Record &one) {
+        return one.startMs >= current.endMs && one.startMs < span.endMs &&
+               (!next || one.startMs < next->startMs);
+    });
 }
 
 } // namespace ZorvaneService

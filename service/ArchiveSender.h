@@ -35,11 +35,13 @@ private:
     bool send();
     Step awaitTime();
     Step findRecord(std::int64_t momentMs);
+    bool isPassedOver(const Record *next) const;
 
     const ArchiveCatalogue &catalogue;
     const CameraId camera;
     const ArchiveSpan span;
     Record current;
+    const std::vector<Record> promised; ///< to an export, as they were when it began
     ArchiveSource &source;
     Watch &watch;
     RateLimit limited;

@@ -18,7 +18,7 @@ public:
     enum class Outcome {
         Packet,
         NotYet, ///< ask again: what comes next is not there yet
-        Lost,   ///< there was something that can't be read; ask again: others may follow
+        Lost,   ///< something can't be read, from the packet's moment on; ask again
         End
     };
     /// A read waits so long at most for what is still to come.

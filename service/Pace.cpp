@@ -3,8 +3,6 @@
 
 #include <algorithm>
 
-#include "service/LocalTime.h"
-
 namespace ZorvaneService {
 
 namespace {
@@ -24,8 +22,7 @@ std::int64_t Pace::leftMs(std::int64_t momentMs)
     const auto lag = std::chrono::steady_clock::now() - (began + played - lead);
     if (lag > largestLag)
         began += lag;
-    return std::max<std::int64_t>(std::chrono::ceil<milliseconds>(-lag).count(),
-                                  momentMs + 1 - nowMs());
+    return std::chrono::ceil<milliseconds>(-lag).count();
 }
 
 } // namespace ZorvaneService

@@ -13,8 +13,7 @@ public:
     /// What is before `startMs` is due at once.
     Pace(std::int64_t startMs, int playSpeed) : firstMs(startMs), speed(playSpeed) {}
 
-    /// How long it is until `momentMs` is due; what isn't recorded yet by the wall clock is waited
-    /// for.
+    /// How long it is until `momentMs` is due, less than nothing when it was before.
     std::int64_t leftMs(std::int64_t momentMs);
 
 private:

@@ -3,13 +3,11 @@
 
 #include <utility>
 
-#include "service/LocalTime.h"
-
 namespace ZorvaneService {
 
 namespace {
 
-constexpr std::int64_t periodMs = secondMs;
+constexpr std::chrono::seconds period{1};
 
 } // namespace
 
@@ -19,17 +17,17 @@ Watch::Watch(const RosterSource &source, const Access &rules, HttpRequest of, Ac
     , request(std::move(of))
     , need(what)
     , generation(roster.generation())
-    , checkedMs(nowMs())
+    , checked(std::chrono::steady_clock::now())
 {
 }
 
 bool Watch::isDue()
 {
-    const std::int64_t now = nowMs();
-    if (generation == roster.generation() && now - checkedMs < periodMs)
+    const auto now = std::chrono::steady_clock::now();
+    if (generation == roster.generation() && now - checked < period)
         return false;
     generation = roster.generation();
-    checkedMs = now;
+    checked = now;
     return true;
 }
 

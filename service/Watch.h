@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
 #include "service/Access.h"
@@ -23,7 +24,7 @@ private:
     const HttpRequest request;
     const Access::Need need;
     std::uint64_t generation;
-    std::int64_t checkedMs;
+    std::chrono::steady_clock::time_point checked;
 };
 
 } // namespace ZorvaneService

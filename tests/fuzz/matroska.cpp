@@ -55,8 +55,8 @@ void tryInput(const QByteArray &input)
     std::vector<Bytes> before;
     if (const auto reader = SegmentReader::open("segments/" + part.text())) {
         before = packetsOf(*reader);
-        for (const KeyFrame &keyFrame : reader->keyFrames())
-            reader->keyPicture(keyFrame);
+        for (const KeyFrame &keyFrame : std::vector(reader->keyFrames()))
+            reader->keyPictureFrom(keyFrame.timeMs);
         for (const std::int64_t timeMs : {INT64_MIN / 2, std::int64_t(1000), INT64_MAX / 2})
             check(!reader->seek(timeMs) || reader->next() != nullptr);
     }

@@ -29,6 +29,25 @@ class ServerPlayingTest : public QObject
         }
     }
 
+    /// Where in its segment a picture is.
+    static qint64 placeOf(const QString &path, qint64 momentMs)
+    {
+        QByteArray moment(8, 0);
+        qToBigEndian(momentMs, moment.data());
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll().indexOf(moment) : -1;
+    }
+
+    /// Makes the head of a picture's block unreadable.
+    static void damage(const QString &path, qint64 momentMs)
+    {
+        constexpr int headBytes = 13;
+        const qint64 at = placeOf(path, momentMs) - headBytes;
+        QFile file(path);
+        QVERIFY(at > 0 && file.open(QIODevice::ReadWrite) && file.seek(at));
+        QCOMPARE(file.write(QByteArray(headBytes, 0)), qint64(headBytes));
+    }
+
     /// Bytes that this process has read.
     static qint64 bytesRead()
     {
@@ -169,39 +188,87 @@ private slots:
         QCOMPARE(house.ask(film.arg(begin + 1000)).status, 403);
     }
 
-    /// A film that lacks something is not told as whole; who watches goes on behind it.
+    /// A film that lacks something is not told as whole.
     void lacks_data()
     {
-        rows<QByteArray, int>({"lacking", "lastMs"},
-                              {{"nothing", "", 60'000 - pictureMs},
-                               {"a byte at the end", "byte", 40'000 - 2 * pictureMs},
-                               {"a file", "file", 20'000 - pictureMs},
-                               {"what was known", "known", 20'000 - pictureMs}});
+        rows<QByteArray, int, int, bool>({"lacking", "endMs", "untilMs", "isWhole"},
+                                         {{"nothing", "", 60'000, 60'000, true},
+                                          {"a byte at the end", "byte", 60'000, 39'960, false},
+                                          {"a picture", "picture", 60'000, 31'000, false},
+                                          {"a file", "file", 60'000, 20'000, false},
+                                          {"a file behind it", "file", 20'000, 20'000, true},
+                                          {"what was known", "known", 60'000, 20'000, false},
+                                          {"a later record", "later", 105'000, 60'000, false},
+                                          {"one behind it", "later", 100'000, 60'000, true},
+                                          {"its record", "known later", 60'000, 10'040, false}});
     }
 
     void lacks()
     {
-        const auto [lacking, lastMs] = row<QByteArray, int>();
+        const auto [lacking, endMs, untilMs, isWhole] = row<QByteArray, int, int, bool>();
         House house;
         fill(house, 1000);
         const SegmentName name{begin + 20'000, 20'000};
-        QFile file(QString::fromStdString(house.folder.pathOf(House::stream(false), name)));
-        QVERIFY(lacking != "byte" || file.resize(file.size() - 1));
-        QVERIFY(lacking != "file" || file.remove());
+        const auto path = QString::fromStdString(house.folder.pathOf(House::stream(false), name));
+        QVERIFY(lacking != "byte" || QFile::resize(path, QFileInfo(path).size() - 1));
+        QVERIFY(lacking != "file" || QFile::remove(path));
+        if (lacking == "picture")
+            damage(path, begin + 31'000);
         Receiver film([&, what = lacking](const SeenPicture &one) {
-            if (one.momentMs == begin + 10'000 && what == "known")
+            if (one.momentMs != begin + 10'000)
+                return false;
+            if (what.contains("known"))
                 house.catalogue.remove(House::stream(false), name);
+            for (const bool isSub : {false, true}) {
+                if (what.contains("later"))
+                    house.catalogue.remove(House::stream(isSub), {begin + 100'000, 10'000});
+                for (const int second : {0, 40})
+                    if (what.contains("known later"))
+                        house.catalogue.remove(House::stream(isSub),
+                                               {begin + second * 1000, 20'000});
+            }
+            ++house.changes;
             return false;
         });
         const QString span = "/flv/archive?startTime=%1&endTime=%2&q=2"_s.arg(begin);
-        QCOMPARE(house.play(span.arg(begin + 60'000), film), lacking.isEmpty());
-        QCOMPARE(film.isBroken, !lacking.isEmpty());
-        QCOMPARE(film.last.load(), begin + lastMs);
-        if (lacking == "byte") {
-            Receiver player([&](const SeenPicture &one) { return one.momentMs > begin + 40'000; });
-            house.play("/flv/archive?startTime=%1&speed=2&q=2"_s.arg(begin / 1000 + 39), player);
-            QVERIFY(player.last > begin + 40'000);
-        }
+        QCOMPARE(house.play(span.arg(begin + endMs), film), isWhole);
+        QCOMPARE(film.isBroken, !isWhole);
+        QCOMPARE(film.last.load(), begin + untilMs - pictureMs);
+    }
+
+    /// Who watches goes on with the next key picture that can be read, unless that is far.
+    void goesOnBehindDamage_data()
+    {
+        rows<int, int, int, int>({"speed", "second", "lostMs", "nextMs"},
+                                 {{"a picture", 2, 30, 31'000, 32'000},
+                                  {"a key picture of the index", 8, 30, 31'000, 32'000},
+                                  {"the last byte", 2, 39, 39'960, 40'000},
+                                  {"a half", 2, 29, 30'000, 0}});
+    }
+
+    void goesOnBehindDamage()
+    {
+        const auto [speed, second, lostMs, nextMs] = row<int, int, int, int>();
+        House house;
+        fill(house, 1000);
+        const auto path = QString::fromStdString(
+            house.folder.pathOf(House::stream(false), {begin + 20'000, 20'000}));
+        if (lostMs == 31'000)
+            damage(path, begin + lostMs);
+        else
+            QVERIFY(QFile::resize(path, placeOf(path, begin + lostMs)));
+        Receiver player([&, until = nextMs](const SeenPicture &one) {
+            return until > 0 && one.momentMs >= begin + until;
+        });
+        const QString asked = "/flv/archive?startTime=%1&speed=%2&q=2"_s;
+        QCOMPARE(house.play(asked.arg(begin / 1000 + second).arg(speed), player), nextMs == 0);
+        const auto &seen = player.pictures;
+        const auto after =
+            std::find_if(seen.begin(), seen.end(), [&, from = lostMs](const auto &one) {
+                return one.momentMs >= begin + from;
+            });
+        QVERIFY(after > seen.begin() && (after == seen.end()) == (nextMs == 0));
+        QVERIFY(nextMs == 0 || after->momentMs == begin + nextMs);
     }
 
     /// As when the clock was set back: the next picture's time is far. Once the camera has gone,
