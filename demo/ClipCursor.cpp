@@ -81,7 +81,7 @@ void ClipCursor::readPicture(MediaPacket *packet)
     packet->keyFrame = video->isKeyFrame(at);
     packet->momentMs = pictureMs();
     video->appendPicture(at, camera, &packet->data);
-    nextPicture += speed >= MediaLibrary::keyFramesOnlyFrom
+    nextPicture += speed >= MediaLibrary::byKeyFramesFrom
                        ? keyFrameStep(speed) * video->packetCount() / secondsPerMinute
                        : 1;
 }

@@ -43,7 +43,7 @@ HouseRecorded::HouseRecorded(const ArchiveFolder &archive, const Catalogue &segm
 
 bool HouseRecorded::isByIndex() const
 {
-    return speed >= ZorvaneService::MediaLibrary::keyFramesOnlyFrom;
+    return speed >= ZorvaneService::MediaLibrary::byKeyFramesFrom;
 }
 
 /// Of the best stream that has something at the moment, or so soon after it; else the first one
