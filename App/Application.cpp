@@ -8,11 +8,13 @@
 #include <QLocale>
 #include <QScreen>
 #include <QStandardPaths>
+#include <QTimer>
 
 #include "API/Camera.h"
 #include "API/CloudAPIClient.h"
 #include "API/Layout.h"
 #include "App/Environment.h"
+#include "App/FreedMemory.h"
 #include "App/Language.h"
 #include "App/Log.h"
 #include "App/QtShims.h"
@@ -74,6 +76,9 @@ Application::Application(HighDensity, int &argc, char **argv) : QApplication(arg
     ServiceProfile::setCurrent(ServiceProfile::fromFile(QStringLiteral("service.ini")));
     setWindowIcon(QIcon(QStringLiteral("://icons/zorvane-client.png")));
     new GUI::HoverSync(this);
+    auto *freedMemoryTimer = new QTimer(this);
+    connect(freedMemoryTimer, &QTimer::timeout, this, &giveBackFreedMemory);
+    freedMemoryTimer->start(freedMemoryPeriod);
     const QString raisePipe = Environment::raisePipe();
     if (!raisePipe.isEmpty())
         connect(new RaisePipe(raisePipe, this), &RaisePipe::asked, this,

@@ -19,7 +19,7 @@ from world import World
 SCREEN = "1920x1080"
 STORM_SECONDS = 110
 CALM_SECONDS = 80     # longer than a healthy tile may be without a new picture
-PROGRAM_STARTS_APART = 1500  # growth is judged within the life of one process
+PROGRAM_STARTS_APART = 2700  # growth is judged within the life of one process
 EMAIL, PASSWORD = "demo@zorvane.example", "demo"
 WALL = "A wall"
 SERVERS = 2  # of the roster: one of the service, one in the LAN
