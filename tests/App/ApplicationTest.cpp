@@ -8,6 +8,7 @@
 #include "API/Layout.h"
 #include "API/Server.h"
 #include "App/Application.h"
+#include "App/FreedMemory.h"
 #include "App/Language.h"
 #include "App/RaisePipe.h"
 #include "App/ScreenChoice.h"
@@ -306,7 +307,36 @@ private slots:
         QCOMPARE(visibleTopLevels<GUI::LoginDialog>().size(), 1);
     }
 
+#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    /// What lies between what stays: the C library would keep it.
+    void givesFreedMemoryBack()
+    {
+        const auto timers = qApp->findChildren<QTimer *>();
+        const auto timer = std::find_if(timers.begin(), timers.end(), [](const QTimer *one) {
+            return one->intervalAsDuration() == App::freedMemoryPeriod;
+        });
+        QVERIFY(timer != timers.end() && (*timer)->isActive());
+        constexpr int count = 2048;
+        std::vector<QByteArray> blocks;
+        for (int i = 0; i < count; ++i)
+            blocks.emplace_back(32'000, 'x');
+        const QByteArray last = blocks.back();
+        blocks.clear();
+        const qint64 freedKiB = ownKiB();
+        (*timer)->start(0);
+        QTRY_VERIFY(ownKiB() < freedKiB - 40'000);
+        (*timer)->start(App::freedMemoryPeriod);
+    }
+#endif
+
 private:
+    static qint64 ownKiB()
+    {
+        QFile file("/proc/self/status"_s);
+        const QByteArray text = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        return text.mid(text.indexOf("RssAnon:") + 8).trimmed().split(' ').first().toLongLong();
+    }
+
     static void askForTheWindows()
     {
         QFile pipe("raise"_s);
