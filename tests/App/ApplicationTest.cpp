@@ -307,10 +307,12 @@ private slots:
         QCOMPARE(visibleTopLevels<GUI::LoginDialog>().size(), 1);
     }
 
-#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     /// What lies between what stays: the C library would keep it.
     void givesFreedMemoryBack()
     {
+#if !defined(__GLIBC__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+        QSKIP("Memory is another library's here");
+#endif
         const auto timers = qApp->findChildren<QTimer *>();
         const auto timer = std::find_if(timers.begin(), timers.end(), [](const QTimer *one) {
             return one->intervalAsDuration() == App::freedMemoryPeriod;
@@ -327,7 +329,6 @@ private slots:
         QTRY_VERIFY(ownKiB() < freedKiB - 40'000);
         (*timer)->start(App::freedMemoryPeriod);
     }
-#endif
 
 private:
     static qint64 ownKiB()
