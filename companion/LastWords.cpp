@@ -3,6 +3,8 @@
 
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdint>
 #include <memory>
@@ -22,6 +24,10 @@ constexpr size_t stackBytes = size_t(64) * 1024;
 static_assert(static_cast<int>(StreamState::Error) == 7, "what a crash says");
 /// Begins with an end of line, as the crash may lie in the middle of one.
 constexpr std::string_view crashLine = "\nstate 7\n";
+
+/// What doesn't end a process, unless it asks for it.
+constexpr std::array harmless{SIGCHLD, SIGCONT, SIGSTOP, SIGTSTP,
+                              SIGTTIN, SIGTTOU, SIGURG,  SIGWINCH};
 
 extern "C" void onCrash(int signal)
 {
@@ -57,9 +63,10 @@ void LastWords::sayAtCrash()
     struct sigaction action = {};
     action.sa_handler = onCrash;
     action.sa_flags = SA_ONSTACK;
-    // Faults of its own, and what ends a process from outside; only SIGKILL leaves no word.
-    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS, SIGTERM,
-                             SIGHUP, SIGINT, SIGQUIT, SIGXCPU}) {
+    // Faults of its own, and what ends a process from outside: only SIGKILL leaves no word.
+    for (int signal = 1; signal <= SIGRTMAX; ++signal) {
+        if (std::find(harmless.begin(), harmless.end(), signal) != harmless.end())
+            continue;
         struct sigaction present = {};
         sigaction(signal, nullptr, &present);
         if (present.sa_handler == SIG_DFL)

@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -52,7 +53,9 @@ bool removeIf(const QString &fileName, Rule isRemovable)
 {
     const QByteArray name = QFile::encodeName(fileName);
     const int present = ::open(name.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    const bool isRemoved = isRemovable(lock(present));
+    // What this user may not even look into is another one's.
+    const Use use = present >= 0 ? lock(present) : errno == EACCES ? Use::Another : Use::Unknown;
+    const bool isRemoved = isRemovable(use);
     if (isRemoved)
         QFile::remove(fileName);
     ::close(present); // nothing, where none could be opened
@@ -79,7 +82,7 @@ FrameFile::FrameFile() : frameFileName(nameStart + QString::number(nextFrameFile
 
 FrameFile::~FrameFile()
 {
-    if (file.isOpen())
+    if (file.isOpen() && !hasVanished())
         file.remove();
 }
 
@@ -95,11 +98,32 @@ bool FrameFile::open()
     file.setFileName(QDir::tempPath() + QDir::separator() + frameFileName);
     if (create())
         return true;
+    if (taken)
+        qWarning() << "VideoWidget: Another copy of the program uses SHM file" << file.fileName();
     if (file.isOpen()) {
-        file.close();
-        file.remove();
+        if (!taken)
+            file.remove();
+        close();
     }
     return false;
+}
+
+bool FrameFile::hasVanished() const
+{
+    struct stat ours = {};
+    struct stat named = {};
+    return file.isOpen() && ::fstat(file.handle(), &ours) == 0 &&
+           (::lstat(QFile::encodeName(file.fileName()).constData(), &named) != 0 ||
+            ours.st_ino != named.st_ino || ours.st_dev != named.st_dev);
+}
+
+void FrameFile::close()
+{
+    if (frameMemory)
+        file.unmap(frameMemory);
+    frameMemory = nullptr;
+    backedBytes = 0;
+    file.close();
 }
 
 bool FrameFile::create()
@@ -107,17 +131,18 @@ bool FrameFile::create()
     // A file of that name is left over from a run that crashed, or planted: never write into it.
     // Where nothing can be locked, one left over would keep this tile dark for ever.
     taken = !removeIf(file.fileName(), [](Use use) { return use != Use::Another; });
-    if (taken) {
-        qWarning() << "VideoWidget: Another copy of the program uses SHM file" << file.fileName();
+    if (taken)
         return false;
-    }
     // What cameras see is nobody else's business.
     const App::OwnerOnlyFiles guard;
     if (!file.open(QIODevice::ReadWrite | QIODevice::NewOnly)) {
         qWarning() << "VideoWidget: Could not open SHM file " << file.fileName();
         return false;
     }
-    lock(file.handle());
+    // Until it is locked another copy may take it for one left over.
+    taken = lock(file.handle()) == Use::Another || hasVanished();
+    if (taken)
+        return false;
     if (!file.resize(byteCount)) {
         qWarning() << "VideoWidget: Could not resize SHM file to " << byteCount << " bytes";
         return false;
@@ -143,11 +168,10 @@ bool FrameFile::isBacked(qint64 bytes) const
 {
     if (bytes <= backedBytes)
         return true;
-    while (::fallocate(file.handle(), FALLOC_FL_KEEP_SIZE, 0, bytes) != 0) {
-        if (errno == EINTR)
-            continue;
-        if (errno == EOPNOTSUPP || errno == ENOSYS)
-            break; // where files can't be given blocks beforehand, it has to be tried
+    int result = EINTR;
+    while (result == EINTR)
+        result = ::posix_fallocate(file.handle(), 0, bytes);
+    if (result != 0) {
         if (!std::exchange(isWarned, true))
             qWarning() << "VideoWidget: No room for a frame in" << file.fileName();
         return false;

@@ -25,7 +25,7 @@ public:
 
     /// Takes the next name of this process. Makes no file.
     FrameFile();
-    /// Removes the file, if this object made it.
+    /// Removes the file, if it is the one that this object made.
     ~FrameFile();
     Q_DISABLE_COPY(FrameFile)
 
@@ -37,8 +37,12 @@ public:
     /// The last `open()` found the name in use: by another copy of the program that runs in the
     /// same temporary folder.
     bool isTaken() const { return taken; }
+    /// Somebody has removed it: a child that starts now would not find it.
+    bool hasVanished() const;
+    /// No image of it may be used any more; `open()` makes it anew.
+    void close();
 
-    /// The current frame in place, with no copy; valid as long as this object. Null if there
+    /// The current frame in place, with no copy; valid until it is closed. Null if there
     /// is no file yet, it has no room for `size`, or the disk has none.
     QImage image(QSize size) const;
     static bool hasRoomFor(QSize size);

@@ -22,7 +22,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr std::chrono::milliseconds retryDelay = 30s;
 const QLatin1String clockFormat("hh:mm:ss");
 
 } // namespace
@@ -130,13 +129,16 @@ void VideoWidget::timerEvent(QTimerEvent *)
     switch (d->watchdog.judge(d->state, d->archivePlaying, childRuns, now)) {
     case Watchdog::Verdict::Wait:
         break;
+    case Watchdog::Verdict::Play:
+        playLive();
+        break;
     case Watchdog::Verdict::Reload:
         reloadByTimer();
         break;
     case Watchdog::Verdict::GiveUp:
         stop();
         showError(tr("No video available"));
-        QTimer::singleShot(retryDelay, this, &VideoWidget::playLive);
+        QTimer::singleShot(Watchdog::retryDelay, this, &VideoWidget::playLive);
         break;
     }
 }

@@ -43,6 +43,7 @@ void VideoWidget::setUpPlayer()
 bool VideoWidget::play(QString url)
 {
     qDebug() << "Open url:" << url;
+    d->watchdog.stopped();
     clearImage();
     if (!d->camera->isOnline() || (!d->camera->isPaid() && !d->archivePlaying)) {
         showError(d->camera->statusText());
@@ -52,9 +53,14 @@ bool VideoWidget::play(QString url)
     d->url = url;
     if (d->state != TileState::Idle)
         closePlayer();
+    if (d->frameFile.hasVanished()) {
+        d->image = QImage();
+        d->frameFile.close();
+    }
     if (!d->frameFile.open()) {
-        if (d->frameFile.isTaken())
-            showError(tr("Used by another copy of the program"));
+        showError(d->frameFile.isTaken() ? tr("Used by another copy of the program")
+                                         : tr("No video available"));
+        d->watchdog.missedFile(App::Environment::now());
         emit error();
         return false;
     }
@@ -69,6 +75,7 @@ bool VideoWidget::play(QString url)
 
 void VideoWidget::stop()
 {
+    d->watchdog.stopped();
     if (d->state != TileState::Idle)
         closePlayer();
     clearImage();
@@ -136,6 +143,8 @@ void VideoWidget::deliverPendingCommands()
 
 void VideoWidget::readPlayerState()
 {
+    if (!d->playerProcess->isOpen())
+        return; // told of before it was closed
     const QByteArray read = d->playerProcess->readAllStandardOutput();
     if (d->state == TileState::Stopping)
         return; // the last words of a child that is being ended

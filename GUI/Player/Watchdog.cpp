@@ -11,6 +11,7 @@ void Watchdog::started(const QDateTime &now)
     lastRequestTime = now;
     freezeTime = now;
     reloadsCount = 0;
+    missedFileTime = {};
 }
 
 bool Watchdog::isFrozen(const QDateTime &now) const
@@ -23,6 +24,9 @@ bool Watchdog::isFrozen(const QDateTime &now) const
 Watchdog::Verdict Watchdog::judge(TileState state, bool archivePlaying, bool childRuns,
                                   const QDateTime &now) const
 {
+    if (missedFileTime.isValid() && !archivePlaying)
+        return qAbs(missedFileTime.secsTo(now)) < retryDelay.count() ? Verdict::Wait
+                                                                     : Verdict::Play;
     const bool diedPlaying = !childRuns && state == TileState::Playing;
     if (archivePlaying || (state != TileState::Error && !diedPlaying))
         return Verdict::Wait;

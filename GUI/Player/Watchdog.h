@@ -3,6 +3,8 @@
 
 #include <QDateTime>
 
+#include <chrono>
+
 #include "GUI/Player/TileState.h"
 
 namespace ZorvaneClient {
@@ -14,7 +16,8 @@ namespace Internal {
 /// A child that stays but delivers nothing is not noticed, nor one that ends before its first
 /// frame or in a pause.
 struct Watchdog {
-    enum class Verdict { Wait, Reload, GiveUp };
+    enum class Verdict { Wait, Play, Reload, GiveUp };
+    static constexpr std::chrono::seconds retryDelay{30};
 
     QDateTime lastRequestTime; ///< when the child was last started
     int requestTimeoutSecs = 3;
@@ -22,11 +25,15 @@ struct Watchdog {
     int freezeTimeoutSecs = 10;
     int reloadsCount = 0; ///< in a row, by the watchdog
     int maxReloads = 3;
+    QDateTime missedFileTime; ///< when no child could be started for want of a frame file
 
     /// A child was started, by whomever.
     void started(const QDateTime &now);
     /// A child was started by the watchdog, as often in a row as that.
     void reloaded(int count) { reloadsCount = count; }
+    /// None was started, since there was no frame file; it is tried again, unless the user stops.
+    void missedFile(const QDateTime &now) { missedFileTime = now; }
+    void stopped() { missedFileTime = {}; }
     /// The child reported an error.
     void failed(const QDateTime &now) { freezeTime = now; }
     bool isFrozen(const QDateTime &now) const;

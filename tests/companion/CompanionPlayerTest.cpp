@@ -255,8 +255,9 @@ private slots:
                                               {"no stack for sound", SIGSEGV, 3},
                                               {"under nohup", SIGHUP, nobody}});
         for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS, SIGTERM,
-                                 SIGHUP, SIGINT, SIGQUIT, SIGXCPU})
+                                 SIGHUP, SIGINT, SIGQUIT, SIGXCPU, SIGUSR1, SIGIO, SIGRTMAX})
             QTest::newRow(::strsignal(signal)) << signal << anyThread;
+        QTest::newRow("a window that changes its size") << SIGWINCH << nobody;
     }
 
     /// The tile hears of it at once; and the system would rather end the tile than the window.
@@ -266,7 +267,8 @@ private slots:
         StreamPlayer player;
         for (const char *options : {"ASAN_OPTIONS", "TSAN_OPTIONS"})
             player.setEnvironment(options, ownSignals);
-        const auto before = ::signal(signal, thread == nobody ? SIG_IGN : SIG_DFL);
+        const auto before =
+            ::signal(signal, thread == nobody && signal == SIGHUP ? SIG_IGN : SIG_DFL);
         const bool plays = player.play(StreamScript::of(clip.repeated(30)));
         ::signal(signal, before);
         QVERIFY(plays && player.shows(3));

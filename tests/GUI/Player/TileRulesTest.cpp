@@ -22,12 +22,12 @@ static int diskFault = 0; ///< what the disk says when it is asked for room the 
 static int roomRequests = 0;
 
 /// In place of the C library's.
-extern "C" int fallocate(int descriptor, int, off_t offset, off_t length)
+extern "C" int posix_fallocate(int descriptor, off_t offset, off_t length)
 {
     ++roomRequests;
-    errno = diskFault ? diskFault : ::posix_fallocate(descriptor, offset, length);
-    diskFault = 0;
-    return errno ? -1 : 0;
+    if (diskFault != 0)
+        return std::exchange(diskFault, 0);
+    return ::fallocate(descriptor, 0, offset, length) == 0 ? 0 : errno;
 }
 
 /// What a tile decides without a window.
@@ -318,17 +318,14 @@ private slots:
 
     void roomOnDisk_data()
     {
-        rows<int, bool, int>({"fault", "isGiven", "requests"},
-                             {{"full", ENOSPC, false, 2},
-                              {"interrupted", EINTR, true, 2},
-                              {"old system", ENOSYS, true, 1},
-                              {"other disk", EOPNOTSUPP, true, 1}});
+        rows<int, bool>({"fault", "isGiven"},
+                        {{"full", ENOSPC, false}, {"interrupted", EINTR, true}});
     }
 
     /// The disk is asked for a picture's room once, if it answers.
     void roomOnDisk()
     {
-        const auto [fault, isGiven, requests] = row<int, bool, int>();
+        const auto [fault, isGiven] = row<int, bool>();
         FrameFile frames;
         roomRequests = 0;
         QVERIFY(frames.image(QSize(4, 4)).isNull() && frames.open());
@@ -336,7 +333,7 @@ private slots:
         QVERIFY(frames.image(QSize(4096, 4096)).isNull());
         QCOMPARE(!frames.image(QSize(4, 4)).isNull(), isGiven);
         QVERIFY(!frames.image(QSize(4, 4)).isNull() && !frames.image(QSize(4, 4)).isNull());
-        QCOMPARE(roomRequests, requests);
+        QCOMPARE(roomRequests, 2);
     }
 };
 
