@@ -43,7 +43,8 @@ def lines(process, deadline):
 
 
 def shows_nothing(url):
-    return TimeoutError(f"the player has shown nothing of {url} for {PATIENCE_SECONDS} s, or ended")
+    return TimeoutError(f"the player shows no picture of {url}: {PATIENCE_SECONDS} s have passed, "
+                        "or it has ended")
 
 
 def first_shown(url, folder, program=PLAYER):

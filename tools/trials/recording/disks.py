@@ -139,6 +139,6 @@ def full(folder, chosen):
     disk.close()
     print(f"{chosen.minutes} minutes on a full disk: {missed:.2%} of it less free than asked, at "
           f"most; longest gap {longest} ms. With {taken} MiB taken from outside: runs on: {runs}, "
-          f"longest gap {after} ms, {dropped} lines of dropped pictures, all cameras' newest segments "
-          f"began {age:.0f} s ago or later")
+          f"longest gap {after} ms, {dropped} lines of dropped pictures, all cameras' newest "
+          f"segments began {age:.0f} s ago or later")
     return runs and missed <= ROOM_SHARE and longest <= GROUP_MS
