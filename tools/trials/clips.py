@@ -9,7 +9,8 @@ PICTURE_MS = 1000 // PICTURES_PER_SECOND
 CLIP_SECONDS = 20
 NUMBER_CELLS = 9  # enough for each picture of a clip
 NUMBER_HEIGHT = 32
-SIMPLE = ("-preset", "ultrafast", "-bufsize", "1M")
+SIMPLE = ("-preset", "ultrafast", "-bufsize", "1M", "-sc_threshold", "0")
+# Where the picture changes all at once there are key pictures, too.
 LIKE_A_CAMERA = ("-preset", "superfast", "-tune", "zerolatency", "-bufsize", "2M")
 
 
@@ -37,8 +38,8 @@ def read_number(pixels, width):
 
 def make(path, size, rate, group, seconds=CLIP_SECONDS, numbered=False, reordered=0,
          encoder=SIMPLE):
-    """Makes a clip once; its path. `group`: pictures from key picture to key picture; `reordered`:
-    how many of them in a row may be coded out of order."""
+    """Makes a clip once; its path. `group`: pictures from key picture to key picture, at most;
+    `reordered`: how many of them in a row may be coded out of order."""
     if not path.exists():
         part = path.with_suffix(".part.mp4")
         subprocess.run(
@@ -46,8 +47,8 @@ def make(path, size, rate, group, seconds=CLIP_SECONDS, numbered=False, reordere
              f"testsrc2=s={size}:r={PICTURES_PER_SECOND},noise=alls=12:allf=t"
              f"{number_strip() * numbered}", "-f", "lavfi", "-i", "anoisesrc=r=16000:a=0.1", "-t",
              str(seconds), "-c:v", "libx264", *encoder, "-bf", str(reordered), "-pix_fmt",
-             "yuv420p", "-g", str(group), "-sc_threshold", "0", "-b:v", rate, "-minrate", rate,
-             "-maxrate", rate, "-c:a", "aac", "-b:a", "48k", part], check=True)
+             "yuv420p", "-g", str(group), "-b:v", rate, "-minrate", rate, "-maxrate", rate, "-c:a",
+             "aac", "-b:a", "48k", part], check=True)
         os.rename(part, path)
     return path
 

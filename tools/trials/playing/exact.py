@@ -66,7 +66,7 @@ class Numbered:
 
 
 def tell_moments(camera, play):
-    first, since, after, off, begin = [], [], [], [], camera.first_ms // 1000
+    first, since, after, off, never, begin = [], [], [], [], 0, camera.first_ms // 1000
     half_ms = camera.group * PICTURE_MS // 2
     ends = [begin + place * camera.length_ms // 1000 for place in range(1, PIECES)]
     moments = [random.randint(begin, begin + PIECES * camera.length_ms // 1000 - 5)
@@ -77,12 +77,16 @@ def tell_moments(camera, play):
         first.append(start * 1000 - camera.moment(shown[0].number, start * 1000 - half_ms))
         offs = [(one.at - shown[0].at, camera.moment(one.number, start * 1000) -
                  start * 1000 - (one.at - shown[0].at)) for one in shown]
-        exact = next(at for at, late in offs if abs(late) <= PICTURE_MS)
+        exact = next((at for at, late in offs if abs(late) <= PICTURE_MS), None)
+        if exact is None:
+            never += 1
+            continue
         after.append(exact)
         off.extend(abs(late) for at, late in offs if at >= exact)
     say(f"first picture shown, {camera.gap}, after the player's start", spread(since))
     say("it is before the moment", spread(first))
-    say("within a picture of the moment, after that one", spread(after))
+    say("within a picture of the moment, after that one",
+        spread(after) + (f"; not within a second at {never} of {len(moments)}" if never else ""))
     say("off it from then on", spread(off))
 
 
