@@ -8,4 +8,6 @@ def say(what, figure):
 
 
 def spread(values, unit="ms"):
+    if not values:
+        return "none"
     return f"{statistics.median(values):.1f} {unit}, at most {max(values):.1f}"
