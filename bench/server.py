@@ -5,10 +5,13 @@ its watchers cost, how soon a moment of the archive is seen. Prints tables and f
 zorvane-server is over its limits."""
 import argparse
 import os
+import pathlib
 import signal
 import sys
 
 sys.dont_write_bytecode = True
+# What is shared with the trials lies there.
+sys.path.append(str(pathlib.Path(__file__).resolve().parent.parent / "tools"))
 
 from house import living, recording, seeking, transport  # noqa: E402
 

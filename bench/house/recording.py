@@ -9,7 +9,9 @@ import subprocess
 import tempfile
 import time
 
-from house.parts import PROGRAM, Cameras, cpu_seconds, free_port
+from house.parts import Cameras, House
+from trials import clips
+from trials.system import cpu_seconds
 
 MOST_CPU_PERCENT = 0.60  # of a core, a camera
 MOST_MEMORY_MIB = 48  # of all
@@ -18,30 +20,15 @@ SETTLE_SECONDS = 10
 BLOCK_BYTES = 512
 
 
-def make_clip():
-    path = os.path.join(os.environ.get("ZORVANE_CLIP_CACHE", "."), "server-1080p25-4M.mp4")
-    if os.path.exists(path):
-        return path
-    part = path + ".part.mp4"
-    subprocess.run(
-        ["ffmpeg", "-v", "error", "-y", "-f", "lavfi", "-i",
-         "testsrc2=s=1920x1080:r=25,noise=alls=12:allf=t", "-f", "lavfi", "-i",
-         "anoisesrc=r=16000:a=0.1", "-t", "12", "-c:v", "libx264", "-preset", "superfast",
-         "-tune", "zerolatency", "-pix_fmt", "yuv420p", "-g", "50", "-b:v", "4M", "-minrate", "4M",
-         "-maxrate", "4M", "-bufsize", "2M", "-c:a", "aac", "-b:a", "48k", part], check=True)
-    os.rename(part, path)
-    return path
+def clip():
+    return clips.make(clips.cache() / "server-1080p25-4M.mp4", "1920x1080", "4M", 50,
+                      seconds=12, encoder=clips.LIKE_A_CAMERA)
 
 
 def zorvane(folder, addresses):
-    archive = folder / "archive"
-    subprocess.run([PROGRAM, "prepare", archive], check=True)
-    cameras = "".join(f"[camera {i}]\nurl = {url}\n" for i, url in enumerate(addresses))
-    (folder / "conf").write_text(
-        f"[service]\nstate = {folder}/state\nport = {free_port()}\ncameras_port = {free_port()}\n"
-        f"[archive]\nfolder = {archive}\nkeep_free = 0%\n{cameras}")
-    return [subprocess.Popen([PROGRAM, "--config", folder / "conf"],
-                             stderr=subprocess.DEVNULL)]
+    house = House(folder, addresses)
+    house.start()
+    return [house.process]
 
 
 def ffmpeg(folder, addresses):
@@ -106,7 +93,7 @@ def run(below, cameras=8, seconds=60, only=None):
     print(f"{'':16}{'% of a core':>12}{'memory':>10}{'written':>10}{'recorded':>11}")
     print(f"{'':16}{'a camera':>12}{'MiB':>10}{'a byte':>10}{'MiB':>11}", flush=True)
     good = True
-    with Cameras([make_clip()], cameras) as all_cameras:
+    with Cameras([clip()], cameras) as all_cameras:
         for name, start in (("zorvane-server", zorvane), ("ffmpeg", ffmpeg), ("motion", motion)):
             if only not in (None, name):
                 continue

@@ -2,57 +2,37 @@
 """How soon a moment of the archive is there: of 30 days of 8 cameras, which are recorded meanwhile,
 beside an ffmpeg that looks for it in a list of what its own segmenter has written. No file that is
 asked for is in the system's memory."""
-import datetime
 import itertools
-import os
 import pathlib
 import random
 import subprocess
 import tempfile
 import time
 
-from house.parts import (CLIP_SECONDS, PICTURE, PICTURES_PER_SECOND, PLAYER, PROGRAM, House, Table,
-                         clip, flv_pictures, flv_tags, picture_id, running, shown_after)
+from house.parts import House
+from house.table import Table
+from trials import clips, flv, segments
+from trials.clips import CLIP_SECONDS, PICTURES_PER_SECOND
+from trials.player import PLAYER, first_shown
+from trials.segments import DAYS
+from trials.server import PROGRAM
+from trials.system import forget, running
 
-DAYS, CAMERAS = 30, 8
-DAY, SEGMENT = 86_400, 300  # seconds
-LENGTH_MS = SEGMENT * 1000 - 40
+CAMERAS = 8
+DAY, SEGMENT = segments.DAY_MS // 1000, segments.SEGMENT_MS // 1000  # seconds
 STARTED_MS = 1000
-FIRST_BYTE_MS = 20
+FIRST_BYTE_MS = 20  # each time, as those below
 SHOWN_MS = {2: 150, 10: 250}  # by how far key pictures are apart, in seconds
 MAKE_SEGMENT = PROGRAM.parent.parent / "bench/bin/make_segment"
 SEED = 8
 
 
-def name_of(start):
-    at = datetime.datetime.fromtimestamp(start, datetime.timezone.utc)
-    return f"{at:%Y-%m-%d}", f"{at:%Y-%m-%dT%H-%M-%S}.000Z+{LENGTH_MS}.mkv"
-
-
-def make_month(archive, first):
-    """Names of all segments, main and sub, of nothing."""
-    for camera in range(CAMERAS):
-        for kind in ("main", "sub"):
-            for begin in range(first, first + DAYS * DAY, DAY):
-                folder = archive / f"C{camera}" / kind / name_of(begin)[0]
-                folder.mkdir(parents=True)
-                for start in range(begin, begin + DAY, SEGMENT):
-                    os.close(os.open(folder / name_of(start)[1], os.O_CREAT | os.O_WRONLY, 0o600))
-
-
-def forget(path):
-    """What the system holds of a file in memory."""
-    with open(path, "rb") as file:
-        os.fsync(file.fileno())
-        os.posix_fadvise(file.fileno(), 0, 0, os.POSIX_FADV_DONTNEED)
-
-
 def arrival(stream, chunked, begun, wanted):
     """Milliseconds until the first bytes, and until that picture."""
     first = None
-    for tag in flv_tags(stream, chunked):
+    for tag in flv.tags(stream, chunked):
         first = first or tag.at
-        if tag.kind == PICTURE and picture_id(tag.body) == wanted:
+        if flv.is_picture(tag) and flv.tail(tag.body) == wanted:
             return (first - begun) * 1000, (tag.at - begun) * 1000
     raise RuntimeError("the picture never came")
 
@@ -61,20 +41,18 @@ class Footage:
     """Pictures that repeat, as the server and as ffmpeg's segmenter write them."""
 
     def __init__(self, folder, group):
-        self.source = clip("1920x1080", "4M", group * PICTURES_PER_SECOND)
-        flv, self.segment = folder / "clip.flv", folder / f"{group}-0.mkv"
-        subprocess.run(["ffmpeg", "-v", "error", "-y", "-i", self.source, "-c", "copy", "-flvflags",
-                        "no_duration_filesize", flv], check=True)
-        with open(flv, "rb") as stream:
-            self.pictures = [picture_id(tag.body) for tag in flv_pictures(stream, False)]
+        self.source = clips.plain(clips.cache(), "1920x1080", "4M", group * PICTURES_PER_SECOND)
+        self.segment = folder / f"{group}-0.mkv"
+        self.pictures = [flv.tail(tag.body) for tag in
+                         filter(flv.is_picture, flv.tags_of(self.source))]
         subprocess.run(["ffmpeg", "-v", "error", "-stream_loop", "-1", "-i", self.source, "-t",
                         str(SEGMENT), "-c", "copy", "-f", "segment", "-segment_time",
                         str(2 * SEGMENT), folder / f"{group}-%d.mkv"], check=True)
 
     def write(self, path, start):
         path.unlink()
-        subprocess.run([MAKE_SEGMENT, self.source, str(start * 1000), str(LENGTH_MS), path],
-                       check=True)
+        subprocess.run([MAKE_SEGMENT, self.source, str(start * 1000), str(segments.LENGTH_MS),
+                        path], check=True)
 
     def list_month(self, first, start):
         """ffmpeg's list of a month whose segment at `start` is there; the first one is opened,
@@ -94,8 +72,7 @@ class Place:
 
     def __init__(self, house, camera, footage, first, start):
         self.camera, self.footage, self.start = camera, footage, start
-        day, name = name_of(start)
-        self.path = house.archive / f"C{camera}" / "main" / day / name
+        self.path = house.archive / f"C{camera}" / "main" / segments.name_of(start * 1000)
         footage.write(self.path, start)
         self.list, self.offset = footage.list_month(first, start), start - first
 
@@ -119,7 +96,7 @@ class Place:
 
     def in_player(self, house, second, below):
         forget(self.path)
-        return shown_after(house.url(self.url(second), self.camera + 1), below)
+        return first_shown(house.url(self.url(second), self.camera + 1), below)[0]
 
 
 def measure(below, times):
@@ -127,8 +104,9 @@ def measure(below, times):
     cameras has, what server, ffmpeg and player took."""
     dice = random.Random(SEED)
     first = int(time.time()) // DAY * DAY - (DAYS + 1) * DAY
-    house = House(below / "house", [f"file:{clip('640x360', '500k', 50)}"] * CAMERAS)
-    make_month(house.archive, first)
+    small = clips.plain(clips.cache(), "640x360", "500k", 50)
+    house = House(below / "house", [f"file:{small}"] * CAMERAS)
+    segments.make_month(house.archive, [f"C{i}" for i in range(CAMERAS)], first * 1000)
     footage = {group: Footage(below, group) for group in SHOWN_MS}
     places = {group: [] for group in SHOWN_MS}
     for camera in range(CAMERAS):

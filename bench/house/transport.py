@@ -1,13 +1,16 @@
 # SPDX-License-Identifier: MIT
 """What each of many watchers of one live stream costs, beside a relay that has the same camera and
 as many watchers at the same time."""
-import pathlib
 import selectors
 import tempfile
 import threading
 import time
 
-from house.parts import CLIP_SECONDS, Cameras, House, Relay, Table, clip, cpu_seconds
+from house.parts import Cameras, House, Relay
+from house.table import Table
+from trials import clips
+from trials.clips import CLIP_SECONDS
+from trials.system import cpu_seconds
 
 MOST_CPU_PERCENT = 0.20  # of a core, a watcher
 SETTLE_SECONDS = 3
@@ -69,14 +72,14 @@ def measure(below, source, address, sound, watchers, seconds):
             before = dict(readers.bytes)
             watched = shares(processes, seconds)
             least = min(readers.bytes[one] - before[one] for one in connections)
-    expected = pathlib.Path(source).stat().st_size / CLIP_SECONDS * seconds
+    expected = source.stat().st_size / CLIP_SECONDS * seconds
     if least < expected * ALL_ARRIVES:
         raise RuntimeError(f"a watcher got {least} bytes of {expected:.0f}")
     return alone, watched
 
 
 def run(below, watchers=16, seconds=12):
-    source = clip("1280x720", "2M", 50)
+    source = clips.plain(clips.cache(), "1280x720", "2M", 50)
     table = Table(f"Transport: {watchers} watchers of 1280x720, 25 pictures a second, 2 Mbit/s, "
                   "% of a core", "GStreamer")
     with Cameras([source]) as cameras:

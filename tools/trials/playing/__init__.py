@@ -1,0 +1,2 @@
+# SPDX-License-Identifier: MIT
+"""Trials of what zorvane-server plays."""
