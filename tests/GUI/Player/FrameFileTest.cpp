@@ -211,6 +211,9 @@ private slots:
                 QVERIFY(theirs.remove());
             }
             QVERIFY(theirs.open(QIODevice::WriteOnly));
+            QCOMPARE(::flock(theirs.handle(), LOCK_EX), 0);
+            QVERIFY(!tile.playLive());
+            tile.stop();
         }
         QVERIFY(theirs.remove());
     }
