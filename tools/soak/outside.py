@@ -159,8 +159,16 @@ def screen_size(run, random):
 
 
 def set_screen(run, size):
-    subprocess.run(["xrandr", "-s", size], env=run.hands.environment,
-                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    def xrandr(*words, **options):
+        subprocess.run(["xrandr", *words], env=run.hands.environment, **options)
+
+    if size not in run.screen_modes:
+        # Xvfb knows only the size that it began with.
+        width, height = size.split("x")
+        xrandr("--newmode", size, "0", width, "0", "0", width, height, "0", "0", height, check=True)
+        xrandr("--addmode", "screen", size, check=True)
+        run.screen_modes.add(size)
+    xrandr("--output", "screen", "--mode", size, check=True)
 
 
 STEPS = {end_child: 6, stop_child: 2, fault: 6, clear_faults: 3, service_ends: 1,

@@ -28,7 +28,7 @@ SERVERS = 2  # of the roster: one of the service, one in the LAN
 class Run:
     def __init__(self, build, folder, tiles, seed, full_rate=True, clock_jumps=True):
         self.build, self.folder, self.count, self.seed = build, folder, tiles, seed
-        self.screen = SCREEN
+        self.screen, self.screen_modes = SCREEN, {SCREEN}
         self.lan_roster = None
         self.layouts = []
         self.stopped = []
