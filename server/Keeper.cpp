@@ -2,6 +2,7 @@
 #include "server/Keeper.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "server/Log.h"
 #include "server/UtcTime.h"
@@ -20,8 +21,8 @@ constexpr std::int64_t longestPauseMs = 60 * minuteMs;
 
 } // namespace
 
-Keeper::Keeper(const ArchiveFolder &archiveFolder, Catalogue &known, const KeepRules &keepRules)
-    : folder(archiveFolder), catalogue(known), rules(keepRules)
+Keeper::Keeper(const ArchiveFolder &archiveFolder, Catalogue &known, Configuration::Archive rules)
+    : folder(archiveFolder), catalogue(known), configured(std::move(rules))
 {
 }
 
@@ -32,7 +33,6 @@ Keeper::~Keeper()
 
 void Keeper::start()
 {
-    checkEvery = std::clamp(folder.room().totalBytes / checksPerDisk, leastCheck, mostCheck);
     thread = std::thread([this] { run(); });
 }
 
@@ -82,7 +82,7 @@ void Keeper::run()
 /// Names don't tell how large files are; that is only asked for where a rule needs it.
 void Keeper::measure()
 {
-    if (isMeasured || !rules.bytes)
+    if (isMeasured || !configured.bytes)
         return;
     for (const auto &[stream, name] : catalogue.unmeasured())
         catalogue.setBytes(stream, name, folder.sizeOf(stream, name));
@@ -97,20 +97,29 @@ bool Keeper::knowsAge(std::int64_t nowMs)
     return nowMs - steadySinceMs >= dayMs || catalogue.holdsAny(nowMs - 2 * dayMs, nowMs - dayMs);
 }
 
+std::int64_t Keeper::roomBytes() const
+{
+    const std::int64_t diskBytes = folder.room().totalBytes;
+    return configured.rules(diskBytes).roomBytes(diskBytes);
+}
+
 int Keeper::round(std::int64_t nowMs, int least)
 {
     if (!folder.isReady())
         return 0;
+    checkEvery = std::clamp(folder.room().totalBytes / checksPerDisk, leastCheck, mostCheck);
     measure();
-    KeepRules believed = rules;
-    if (!knowsAge(nowMs))
-        believed.days.reset();
+    const bool isAgeKnown = knowsAge(nowMs);
     int gone = 0;
     while (const auto oldest = catalogue.oldest()) {
         const auto &[stream, segment] = *oldest;
-        const KeepRules::State state{nowMs, segment.endMs, catalogue.knownBytes(),
-                                     folder.room().freeBytes};
-        if (gone >= least && !believed.mustGo(state))
+        // Both of one look: another disk may have been mounted since the last one.
+        const ArchiveFolder::Room room = folder.room();
+        KeepRules rules = configured.rules(room.totalBytes);
+        if (!isAgeKnown)
+            rules.days.reset();
+        const KeepRules::State state{nowMs, segment.endMs, catalogue.knownBytes(), room.freeBytes};
+        if (gone >= least && !rules.mustGo(state))
             break;
         if (!folder.remove(stream, segment.name))
             Log::say("cannot remove " + folder.pathOf(stream, segment.name));

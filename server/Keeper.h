@@ -8,20 +8,21 @@
 
 #include "server/ArchiveFolder.h"
 #include "server/Catalogue.h"
-#include "server/KeepRules.h"
+#include "server/Configuration.h"
 
 namespace ZorvaneServer {
 
 /// Removes the oldest segments by the rules, on a thread of its own: every ten seconds, after
 /// so much has been written that the rules may be broken, and at once when there is no room. A
 /// clock that was set wrong doesn't make it remove anything for its age: it has to tell the same
-/// for a day first, or the archive that there was a yesterday.
+/// for a day first, or the archive that there was a yesterday. Shares of the disk are those of
+/// the one that is there now.
 class Keeper
 {
 public:
     static constexpr auto interval = std::chrono::seconds(10);
 
-    Keeper(const ArchiveFolder &folder, Catalogue &catalogue, const KeepRules &rules);
+    Keeper(const ArchiveFolder &folder, Catalogue &catalogue, Configuration::Archive rules);
     ~Keeper();
     Keeper(const Keeper &) = delete;
     Keeper &operator=(const Keeper &) = delete;
@@ -35,6 +36,8 @@ public:
 
     /// One round; `least` segments go in any case, as far as there are any. How many went.
     int round(std::int64_t nowMs, int least);
+    /// How much the archive may hold on the disk that is there. Any thread may ask.
+    std::int64_t roomBytes() const;
 
 private:
     void run();
@@ -43,9 +46,9 @@ private:
 
     const ArchiveFolder &folder;
     Catalogue &catalogue;
-    const KeepRules rules;
+    const Configuration::Archive configured;
     std::atomic<std::int64_t> unchecked{0}; ///< bytes written since the last round
-    std::int64_t checkEvery = 0;
+    std::atomic<std::int64_t> checkEvery{0};
     bool isMeasured = false;
     std::int64_t latestRoundMs = 0;
     std::int64_t steadySinceMs = 0; ///< the clock hasn't jumped since

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "server/Server.h"
 
-#include <algorithm>
-
 #include "server/Log.h"
 #include "server/WallClock.h"
 
@@ -38,12 +36,8 @@ Server::Server(const Configuration &given, const StateFolder &state, const std::
         ids.push_back(stream.id);
     formats.resize(streams.size());
 
-    const std::int64_t diskBytes = folder.room().totalBytes;
-    const KeepRules rules = configuration.archive.rules(diskBytes);
-    keeper = std::make_unique<Keeper>(folder, catalogue, rules);
-    const std::int64_t room = std::max<std::int64_t>(diskBytes - rules.keepFreeBytes, 0);
-    recorder = std::make_unique<Recorder>(folder, catalogue, *keeper, ids,
-                                          std::min(room, rules.bytes.value_or(room)));
+    keeper = std::make_unique<Keeper>(folder, catalogue, configuration.archive);
+    recorder = std::make_unique<Recorder>(folder, catalogue, *keeper, ids);
     for (std::size_t i = 0; i < streams.size(); ++i) {
         meters.push_back(std::make_unique<StreamMeter>());
         captures.push_back(

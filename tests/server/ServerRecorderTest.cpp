@@ -32,13 +32,13 @@ private slots:
     void init()
     {
         folder = std::make_unique<QTemporaryDir>();
-        archive = std::make_unique<ArchiveFolder>(folder->path().toStdString());
-        QVERIFY(archive->prepare());
+        archive = std::make_unique<ArchiveFolder>(folder->filePath("archive").toStdString());
         catalogue = std::make_unique<Catalogue>();
-        keeper = std::make_unique<Keeper>(*archive, *catalogue, KeepRules());
-        recorder = std::make_unique<Recorder>(*archive, *catalogue, *keeper,
-                                              std::vector<StreamId>{door}, std::int64_t(1) << 40);
+        keeper = std::make_unique<Keeper>(*archive, *catalogue, Configuration::Archive());
+        recorder =
+            std::make_unique<Recorder>(*archive, *catalogue, *keeper, std::vector<StreamId>{door});
         recorder->start();
+        QVERIFY(archive->prepare());
     }
 
     void cleanup() { recorder->stop(); }
@@ -77,7 +77,8 @@ private slots:
             if (word == 'h')
                 momentMs -= 3600 * secondMs;
             run += word == 'h' || word == 'r' ? 1 : 0;
-            MediaPacket packet = aPicture(momentMs, key.contains(word));
+            // Large enough to be cut on a disk that is taken to be small.
+            MediaPacket packet = aPicture(momentMs, key.contains(word), 400'000);
             packet.format = aFormat(word == 'w' ? 640 : 1920);
             packet.run = run;
             take(packet);
@@ -94,8 +95,7 @@ private slots:
     /// While the archive isn't there its pictures wait; once it is back all of them are in it.
     void waitsForItsDisk()
     {
-        const QString marker = folder->filePath(ArchiveFolder::marker);
-        QVERIFY(QFile::remove(marker));
+        QVERIFY(QFile::remove(folder->filePath("archive/.zorvane-archive")));
         const auto packets = randomPackets(4, 400, startMs);
         for (const MediaPacket &packet : packets)
             take(packet);
