@@ -72,6 +72,18 @@ bool ArchiveFolder::isReady() const
     return hasMarker(openFolder(AT_FDCWD, path.c_str()).get());
 }
 
+std::string ArchiveFolder::identity() const
+{
+    struct stat facts {
+    };
+    const Descriptor root = openFolder(AT_FDCWD, path.c_str());
+    if (!root || fstatat(root.get(), marker, &facts, 0) != 0)
+        return {};
+    // Another disk may have the same number of a device, and of a file.
+    return std::to_string(facts.st_dev) + ' ' + std::to_string(facts.st_ino) + ' ' +
+           std::to_string(facts.st_ctim.tv_sec) + '.' + std::to_string(facts.st_ctim.tv_nsec);
+}
+
 ArchiveFolder::Room ArchiveFolder::room() const
 {
     struct statvfs facts {

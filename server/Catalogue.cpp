@@ -61,12 +61,16 @@ void Catalogue::add(const StreamId &id, const std::vector<SegmentName> &names)
 {
     const Lock lock(mutex);
     Stream &stream = streams[id];
-    stream.entries.reserve(stream.entries.size() + names.size());
+    std::vector<Entry> fresh;
+    fresh.reserve(stream.entries.size() + names.size());
     for (const SegmentName &name : names) {
         const auto lengthMs = static_cast<std::uint32_t>(name.lengthMs.value_or(0));
         stream.longestMs = std::max<std::int64_t>(stream.longestMs, lengthMs);
-        stream.entries.push_back({name.startMs, unknownBytes, lengthMs, false});
+        if (stream.find(name.startMs, false, lengthMs) == stream.entries.end())
+            fresh.push_back({name.startMs, unknownBytes, lengthMs, false});
     }
+    fresh.insert(fresh.end(), stream.entries.begin(), stream.entries.end());
+    stream.entries = std::move(fresh);
     std::sort(stream.entries.begin(), stream.entries.end(),
               [](const Entry &one, const Entry &other) { return one.startMs < other.startMs; });
 }
@@ -92,10 +96,25 @@ void Catalogue::finish(const StreamId &id, const SegmentName &name, std::int64_t
 {
     const Lock lock(mutex);
     Stream &stream = streams[id];
+    const auto lengthMs = static_cast<std::uint32_t>(name.lengthMs.value_or(0));
     erase(stream, stream.find(name.startMs, true, 0));
-    stream.insert(
-        {name.startMs, size, static_cast<std::uint32_t>(name.lengthMs.value_or(0)), false});
+    // Whoever lists the folder may have seen it with its last name already.
+    erase(stream, stream.find(name.startMs, false, lengthMs));
+    stream.insert({name.startMs, size, lengthMs, false});
     bytes += size;
+}
+
+void Catalogue::forgetFinished()
+{
+    const Lock lock(mutex);
+    for (auto &[id, stream] : streams) {
+        auto &entries = stream.entries;
+        const auto finished = std::stable_partition(
+            entries.begin(), entries.end(), [](const Entry &entry) { return entry.isGrowing; });
+        for (auto entry = finished; entry != entries.end(); ++entry)
+            bytes -= std::max<std::int64_t>(entry->bytes, 0);
+        entries.erase(finished, entries.end());
+    }
 }
 
 void Catalogue::erase(Stream &stream, std::vector<Entry>::iterator entry)

@@ -22,7 +22,10 @@ constexpr std::int64_t longestPauseMs = 60 * minuteMs;
 } // namespace
 
 Keeper::Keeper(const ArchiveFolder &archiveFolder, Catalogue &known, Configuration::Archive rules)
-    : folder(archiveFolder), catalogue(known), configured(std::move(rules))
+    : folder(archiveFolder)
+    , catalogue(known)
+    , inventory(archiveFolder, known)
+    , configured(std::move(rules))
 {
 }
 
@@ -73,6 +76,8 @@ void Keeper::run()
         isFull = false;
         isDue = false;
         lock.unlock();
+        if (inventory.follow())
+            isMeasured = false;
         round(wallMs(), least);
         lock.lock();
         wake.wait_for(lock, interval, [this] { return isOver || isDue; });

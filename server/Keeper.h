@@ -9,6 +9,7 @@
 #include "server/ArchiveFolder.h"
 #include "server/Catalogue.h"
 #include "server/Configuration.h"
+#include "server/Inventory.h"
 
 namespace ZorvaneServer {
 
@@ -27,6 +28,9 @@ public:
     Keeper(const Keeper &) = delete;
     Keeper &operator=(const Keeper &) = delete;
 
+    /// Lists what the archive holds, which it does again whenever another disk is there. Before
+    /// the start.
+    void open() { inventory.take(); }
     void start();
     void stop();
     /// So much has been written.
@@ -46,6 +50,7 @@ private:
 
     const ArchiveFolder &folder;
     Catalogue &catalogue;
+    Inventory inventory;
     const Configuration::Archive configured;
     std::atomic<std::int64_t> unchecked{0}; ///< bytes written since the last round
     std::atomic<std::int64_t> checkEvery{0};

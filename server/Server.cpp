@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "server/Server.h"
 
-#include "server/Log.h"
 #include "server/WallClock.h"
 
 namespace ZorvaneServer {
@@ -65,23 +64,6 @@ void Server::take(std::size_t stream, PacketPtr packet)
     formats[stream] = format;
     rings->find(streams[stream].id)->put(packet);
     recorder->take(stream, std::move(packet));
-}
-
-void Server::openArchive()
-{
-    int left = 0;
-    int recovered = 0;
-    folder.list(catalogue, [&](const StreamId &stream, const SegmentName &part) {
-        ++left;
-        if (const auto finished = folder.recover(stream, part)) {
-            catalogue.finish(stream, *finished, folder.sizeOf(stream, *finished));
-            ++recovered;
-        }
-    });
-    Log::say("the archive holds " + std::to_string(catalogue.size()) + " segments");
-    if (left > 0)
-        Log::say(std::to_string(recovered) + " of " + std::to_string(left) +
-                 " segments finished that were left unfinished");
 }
 
 void Server::start()

@@ -34,7 +34,8 @@ private slots:
         folder = std::make_unique<QTemporaryDir>();
         archive = std::make_unique<ArchiveFolder>(folder->filePath("archive").toStdString());
         catalogue = std::make_unique<Catalogue>();
-        keeper = std::make_unique<Keeper>(*archive, *catalogue, Configuration::Archive());
+        keeper = std::make_unique<Keeper>(*archive, *catalogue,
+                                          Configuration::Archive{{}, {}, 40 << 20, 0, 0});
         recorder =
             std::make_unique<Recorder>(*archive, *catalogue, *keeper, std::vector<StreamId>{door});
         recorder->start();
@@ -57,6 +58,7 @@ private slots:
                                 {"a silence", "Kp...Kp", "2 2"},
                                 {"clock set back", "KpKphp", "2 4"},
                                 {"each alone", "K-K-K", "1 1 1"},
+                                {"an eighth of the room", "KKKKKKKKKKKKKKKK", "14 2"},
                                 {"nothing", "-", ""}});
     }
 
@@ -107,6 +109,48 @@ private slots:
                 packetsOf(files("*.mkv") + files("*.part"), Track::Sound).size(),
             packets.size(), 30'000);
         QCOMPARE(recorder->dropped(0), std::int64_t(0));
+    }
+
+    /// A disk that comes late brings what it holds, and has finished what was left growing there;
+    /// one that goes and comes back loses nothing of what grows on it, exchanged all of it goes.
+    void diskComesLate()
+    {
+        const auto disk = [&](const QString &name) {
+            return ArchiveFolder(folder->filePath(name).toStdString());
+        };
+        const auto mount = [&](const QString &from, const QString &to) {
+            QVERIFY(QDir(folder->path()).rename(from, to));
+            keeper->wrote(std::int64_t(1) << 40);
+        };
+        QVERIFY(disk("late").prepare() && QDir(folder->filePath("archive")).removeRecursively());
+        for (const std::int64_t olderMs : {2000, 1000}) {
+            const auto writer = disk("late").create(door, aFormat(), startMs - olderMs * secondMs);
+            writer->append(aPicture(writer->startMs(), true));
+        }
+        QVERIFY(disk("late").recover(door, {startMs - 2000 * secondMs, {}}));
+        keeper->open();
+        keeper->start();
+        take(aPicture(startMs, true));
+        QTRY_VERIFY_WITH_TIMEOUT(recorder->isRefused(), 30'000);
+        mount("late", "archive");
+        QTRY_COMPARE(catalogue->size(), std::size_t(3));
+        QCOMPARE(files("*.mkv").size(), 2);
+        QVERIFY(disk("empty").prepare());
+        mount("archive", "late");
+        mount("empty", "archive");
+        QTRY_COMPARE(catalogue->size(), std::size_t(1));
+        mount("archive", "empty");
+        mount("late", "archive");
+        QTRY_COMPARE(catalogue->size(), std::size_t(3));
+        take(aPicture(startMs + secondMs, false));
+        recorder->stop();
+        QCOMPARE(catalogue->size(), std::size_t(3));
+        QCOMPARE(packetsOf(files("*.mkv")).size(), std::size_t(4));
+        qint64 bytes = 0;
+        for (const QString &file : files("*.mkv"))
+            bytes += QFileInfo(file).size();
+        QTRY_COMPARE(catalogue->knownBytes(), std::int64_t(bytes));
+        keeper->stop();
     }
 
     /// What grows is in the catalogue, as long as it is by now.
