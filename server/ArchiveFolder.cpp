@@ -180,9 +180,10 @@ std::optional<SegmentName> ArchiveFolder::recover(const StreamId &stream,
 
 bool ArchiveFolder::remove(const StreamId &stream, const SegmentName &name) const
 {
-    const bool gone = unlink(pathOf(stream, name).c_str()) == 0 || errno == ENOENT;
+    if (unlink(pathOf(stream, name).c_str()) != 0 && errno != ENOENT)
+        return false;
     rmdir(dayPath(stream, name.startMs).c_str());
-    return gone;
+    return true;
 }
 
 std::int64_t ArchiveFolder::sizeOf(const StreamId &stream, const SegmentName &name) const

@@ -47,7 +47,8 @@ public:
     /// Finishes what was left growing; nothing when nothing came of it, EWOULDBLOCK in `errno`
     /// while it is still written.
     std::optional<SegmentName> recover(const StreamId &stream, const SegmentName &part) const;
-    /// Removes the file, and its day with the last one of it.
+    /// Removes the file, and its day with the last one of it; none to remove is as good. False
+    /// with `errno`.
     bool remove(const StreamId &stream, const SegmentName &name) const;
     /// Bytes of a segment's file; 0 when it isn't there.
     std::int64_t sizeOf(const StreamId &stream, const SegmentName &name) const;

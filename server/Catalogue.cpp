@@ -235,23 +235,30 @@ bool Catalogue::holdsAny(std::int64_t fromMs, std::int64_t toMs) const
     });
 }
 
-std::optional<std::pair<StreamId, Catalogue::Segment>> Catalogue::oldest() const
+std::optional<std::pair<StreamId, Catalogue::Segment>>
+Catalogue::oldest(const std::vector<Place> &but) const
 {
     const Lock lock(mutex);
     std::optional<std::pair<StreamId, Segment>> found;
     for (const auto &[id, stream] : streams) {
-        const auto first = std::find_if(stream.entries.begin(), stream.entries.end(),
-                                        [](const Entry &entry) { return !entry.isGrowing; });
+        const auto isIn = [&id = id](const Entry &entry, const std::vector<Place> &places) {
+            return std::any_of(places.begin(), places.end(), [&](const Place &place) {
+                return place.first == id && place.second.startMs == entry.startMs;
+            });
+        };
+        const auto first =
+            std::find_if(stream.entries.begin(), stream.entries.end(),
+                         [&](const Entry &entry) { return !entry.isGrowing && !isIn(entry, but); });
         if (first != stream.entries.end() && (!found || first->endMs() < found->second.endMs))
             found = {id, first->segment()};
     }
     return found;
 }
 
-std::vector<std::pair<StreamId, SegmentName>> Catalogue::unmeasured() const
+std::vector<Catalogue::Place> Catalogue::unmeasured() const
 {
     const Lock lock(mutex);
-    std::vector<std::pair<StreamId, SegmentName>> found;
+    std::vector<Place> found;
     for (const auto &[id, stream] : streams) {
         for (const Entry &entry : stream.entries) {
             if (entry.bytes == unknownBytes)

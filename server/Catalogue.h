@@ -60,10 +60,11 @@ public:
     std::optional<Segment> segmentAt(const StreamId &stream, std::int64_t startMs) const;
     /// Whether anything was recorded in [fromMs, toMs), by any stream.
     bool holdsAny(std::int64_t fromMs, std::int64_t toMs) const;
-    /// The finished segment that ended first, of all streams.
-    std::optional<std::pair<StreamId, Segment>> oldest() const;
+    using Place = std::pair<StreamId, SegmentName>;
+    /// The finished segment that ended first, of all streams, apart from those.
+    std::optional<std::pair<StreamId, Segment>> oldest(const std::vector<Place> &but) const;
     /// Finished segments whose size isn't known yet.
-    std::vector<std::pair<StreamId, SegmentName>> unmeasured() const;
+    std::vector<Place> unmeasured() const;
     /// Of all segments whose size is known.
     std::int64_t knownBytes() const;
     std::size_t size() const;

@@ -2,6 +2,8 @@
 #include "server/Keeper.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <utility>
 
 #include "server/Log.h"
@@ -18,6 +20,8 @@ constexpr std::int64_t leastCheck = std::int64_t(1) << 20;
 constexpr std::int64_t mostCheck = std::int64_t(64) << 20;
 // Rounds are seconds apart, unless the machine slept or its clock was set.
 constexpr std::int64_t longestPauseMs = 60 * minuteMs;
+// A single file may be somebody's; where this many can't be removed, it is the disk that refuses.
+constexpr std::size_t mostRefused = 8;
 
 } // namespace
 
@@ -116,7 +120,8 @@ int Keeper::round(std::int64_t nowMs, int least)
     measure();
     const bool isAgeKnown = knowsAge(nowMs);
     int gone = 0;
-    while (const auto oldest = catalogue.oldest()) {
+    std::vector<Catalogue::Place> refused;
+    while (const auto oldest = catalogue.oldest(refused)) {
         const auto &[stream, segment] = *oldest;
         // Both of one look: another disk may have been mounted since the last one.
         const ArchiveFolder::Room room = folder.room();
@@ -126,12 +131,20 @@ int Keeper::round(std::int64_t nowMs, int least)
         const KeepRules::State state{nowMs, segment.endMs, catalogue.knownBytes(), room.freeBytes};
         if (gone >= least && !rules.mustGo(state))
             break;
-        if (!folder.remove(stream, segment.name))
-            Log::say("cannot remove " + folder.pathOf(stream, segment.name));
-        // What can't be removed isn't tried again until the next start.
-        catalogue.remove(stream, segment.name);
-        ++gone;
+        if (folder.remove(stream, segment.name)) {
+            catalogue.remove(stream, segment.name);
+            ++gone;
+            continue;
+        }
+        if (!std::exchange(isHindered, true))
+            Log::say("cannot remove " + folder.pathOf(stream, segment.name) + ": " +
+                     std::strerror(errno));
+        refused.emplace_back(stream, segment.name);
+        if (refused.size() == mostRefused)
+            return gone;
     }
+    if (gone > 0 && refused.empty())
+        isHindered = false;
     return gone;
 }
 

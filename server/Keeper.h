@@ -38,7 +38,9 @@ public:
     /// The disk is full, whatever the rules say of it.
     void needsRoom();
 
-    /// One round; `least` segments go in any case, as far as there are any. How many went.
+    /// One round; `least` segments go in any case, as far as there are any. What can't be removed
+    /// stays known, and the next ones go in its place, unless there are many of that kind. How
+    /// many went.
     int round(std::int64_t nowMs, int least);
     /// How much the archive may hold on the disk that is there. Any thread may ask.
     std::int64_t roomBytes() const;
@@ -55,6 +57,7 @@ private:
     std::atomic<std::int64_t> unchecked{0}; ///< bytes written since the last round
     std::atomic<std::int64_t> checkEvery{0};
     bool isMeasured = false;
+    bool isHindered = false; ///< what couldn't be removed has been said
     std::int64_t latestRoundMs = 0;
     std::int64_t steadySinceMs = 0; ///< the clock hasn't jumped since
 
