@@ -115,12 +115,11 @@ int writeClientFiles(const Setup &setup, const std::string &folder)
 
 int tellStatus(const Setup &setup)
 {
-    const auto text = StatusSocket::ask(setup.configuration.service.stateFolder);
-    if (!text)
-        return outcome("no zorvane-server runs with the folder " +
-                       setup.configuration.service.stateFolder);
-    std::fputs(text->c_str(), stdout);
-    return EXIT_SUCCESS;
+    std::string text;
+    const std::string failure = StatusSocket::ask(setup.configuration.service.stateFolder, &text);
+    if (failure.empty())
+        std::fputs(text.c_str(), stdout);
+    return outcome(failure);
 }
 
 /// Returns at SIGTERM or SIGINT, which must be blocked.

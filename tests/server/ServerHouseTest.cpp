@@ -266,13 +266,26 @@ private slots:
 
         const std::string folder = QString(200, 'd').toStdString(); // longer than an address
         QVERIFY(QDir().mkdir(folder.c_str()));
-        QVERIFY(!StatusSocket::ask(folder));
+        std::string told;
+        QVERIFY(StatusSocket::ask(folder, &told).find("no zorvane-server") == 0);
         write(QString::fromStdString(folder) + "/status", "left over");
         auto *socket = new StatusSocket(folder, [good] { return good; }); // runs to the end
         QCOMPARE(socket->start(), std::string());
-        QCOMPARE(StatusSocket::ask(folder).value_or(""), good);
+        QCOMPARE(StatusSocket::ask(folder, &told), std::string());
+        QCOMPARE(told, good);
         QCOMPARE(QFile::permissions(QString::fromStdString(folder) + "/status"),
                  QFile::Permissions(0x6600));
+        // One that hangs answers nobody, whether it takes who asks or lets them queue.
+        QVERIFY(QDir().mkdir("hung"));
+        const auto hang = []() -> std::string {
+            for (;;)
+                pause();
+        };
+        QCOMPARE((new StatusSocket("hung", hang))->start(), std::string());
+        for (int i = 0; i < 10; ++i) {
+            const auto said = StatusSocket::ask("hung", &told, std::chrono::milliseconds(10));
+            QVERIFY2(said.find("doesn't answer") != std::string::npos, said.c_str());
+        }
     }
 
     /// The program tells whoever supervises it that it is ready, alive, and about to end.
