@@ -67,7 +67,8 @@ private slots:
     void init()
     {
         QVERIFY(QDir(archive()).removeRecursively());
-        QCOMPARE(outputOf(program(), {"prepare", archive()}), QByteArray());
+        QCOMPARE(QString(outputOf(program(), {"prepare", archive()})),
+                 archive() + " is prepared for an archive\n");
         log.clear();
     }
 
@@ -158,6 +159,25 @@ private slots:
             }
         }
         QVERIFY(finished.size() >= 4);
+    }
+
+    /// A file with a mistake prepares nothing: who knows whose folder it would be.
+    void preparesWhatIsMeant()
+    {
+        QFile file(folder.filePath("mistaken"));
+        const QByteArray camera = "[camera A]\nurl = file:a\n";
+        const auto prepare = [&](const QString &key) {
+            file.open(QIODevice::WriteOnly);
+            file.write(
+                "[service]\nstate = %1\n[archive]\n%2 = %1/new/archive\n"_s.arg(folder.path(), key)
+                    .toUtf8() +
+                camera);
+            file.close();
+            return outputOf(program(), {"--config", file.fileName(), "prepare"});
+        };
+        QVERIFY(prepare("fodler").contains("mistaken:4: "));
+        QVERIFY(prepare("folder").contains("new/archive is prepared"));
+        QVERIFY(QFile::exists(folder.filePath("new/archive/.zorvane-archive")));
     }
 
     /// What can't be recorded is named, and its password isn't.
