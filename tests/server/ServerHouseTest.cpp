@@ -86,6 +86,15 @@ private slots:
         QVERIFY(QFile::remove("state/password"));
         QCOMPARE(state.readPassword(&again), std::string());
         QVERIFY(again != password);
+        write("state/password", "");
+        QCOMPARE(state.readPassword(&password), std::string());
+        QVERIFY(password != again && content("state/password") == (password + '\n').c_str());
+        write("state/password", "\nmine");
+        QVERIFY(!state.readPassword(&again).empty() && content("state/password") == "\nmine");
+        // One that leads to itself can't be read by anybody.
+        QVERIFY(QFile::remove("state/password") && QFile::link("password", "state/password"));
+        QVERIFY(state.readPassword(&again).find("state/password: ") == 0);
+        QVERIFY(QFileInfo("state/password").isSymLink());
     }
 
     /// Cameras of one start after the other, "!" and "?" for a damaged file; each with its number.
