@@ -89,6 +89,8 @@ private slots:
         QCOMPARE(server.exitCode(), 0);
         QVERIFY(files("*.part").isEmpty());
         QVERIFY(files("*.mkv").size() >= 2);
+        // Listed once, as no other disk has come.
+        QVERIFY2(says("the archive holds") && log.count("the archive holds") == 1, log);
         for (const QString &file : files("*.mkv")) {
             const bool isMain = file.contains("/Front door/main/"_s);
             const QByteArray seen =
