@@ -115,19 +115,13 @@ private slots:
         QCOMPARE(all.round(0, 0), 1);
         QCOMPARE(left(), "105"_s);
         // What can't be removed stays known, and doesn't keep others; much of it ends the round.
-        const auto refuse = [&](std::int64_t startMs) {
-            const SegmentName name{startMs, 1};
+        for (int i = 1; i < 9; ++i) {
+            const SegmentName name{i, 1};
             QVERIFY(QDir().mkpath(QString::fromStdString(archive.pathOf(door, name))));
             catalogue.finish(door, name, 1);
-        };
-        refuse(1);
-        catalogue.finish(yard, {2, 1}, 1);
-        QCOMPARE(all.round(0, 0), 1);
-        QCOMPARE(catalogue.size(), std::size_t(2));
-        for (int i = 2; i < 9; ++i)
-            refuse(i);
-        catalogue.finish(yard, {9, 1}, 1);
-        QCOMPARE(all.round(0, 1), 0);
+            catalogue.finish(yard, name, 1);
+            QCOMPARE(all.round(0, 0), i < 8 ? 1 : 0);
+        }
         QCOMPARE(catalogue.size(), std::size_t(10));
         QVERIFY(QFile::remove(folder.filePath("archive/.zorvane-archive")));
         QCOMPARE(all.round(0, 1), 0);
