@@ -72,6 +72,18 @@ bool ArchiveFolder::isReady() const
     return hasMarker(openFolder(AT_FDCWD, path.c_str()).get());
 }
 
+std::string ArchiveFolder::identity() const
+{
+    struct stat facts {
+    };
+    const Descriptor root = openFolder(AT_FDCWD, path.c_str());
+    if (!root || fstatat(root.get(), marker, &facts, 0) != 0)
+        return {};
+    // Another disk may have the same number of a device, and of a file.
+    return std::to_string(facts.st_dev) + ' ' + std::to_string(facts.st_ino) + ' ' +
+           std::to_string(facts.st_ctim.tv_sec) + '.' + std::to_string(facts.st_ctim.tv_nsec);
+}
+
 ArchiveFolder::Room ArchiveFolder::room() const
 {
     struct statvfs facts {
@@ -168,9 +180,10 @@ std::optional<SegmentName> ArchiveFolder::recover(const StreamId &stream,
 
 bool ArchiveFolder::remove(const StreamId &stream, const SegmentName &name) const
 {
-    const bool gone = unlink(pathOf(stream, name).c_str()) == 0 || errno == ENOENT;
+    if (unlink(pathOf(stream, name).c_str()) != 0 && errno != ENOENT)
+        return false;
     rmdir(dayPath(stream, name.startMs).c_str());
-    return gone;
+    return true;
 }
 
 std::int64_t ArchiveFolder::sizeOf(const StreamId &stream, const SegmentName &name) const

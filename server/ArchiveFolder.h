@@ -24,6 +24,9 @@ public:
     /// Makes the folder, unless it is there, and its marker. False with `errno`.
     bool prepare() const;
     bool isReady() const;
+    /// What tells the folder that is there now from others in its place; empty when it isn't
+    /// ready.
+    std::string identity() const;
 
     struct Room {
         std::int64_t totalBytes = 0;
@@ -41,9 +44,11 @@ public:
                                           std::int64_t startMs) const;
     /// Gives a finished file its name.
     bool rename(const StreamId &stream, const SegmentName &part, const SegmentName &finished) const;
-    /// Finishes what was left growing; nothing when nothing came of it.
+    /// Finishes what was left growing; nothing when nothing came of it, EWOULDBLOCK in `errno`
+    /// while it is still written.
     std::optional<SegmentName> recover(const StreamId &stream, const SegmentName &part) const;
-    /// Removes the file, and its day with the last one of it.
+    /// Removes the file, and its day with the last one of it; none to remove is as good. False
+    /// with `errno`.
     bool remove(const StreamId &stream, const SegmentName &name) const;
     /// Bytes of a segment's file; 0 when it isn't there.
     std::int64_t sizeOf(const StreamId &stream, const SegmentName &name) const;

@@ -61,12 +61,16 @@ void Catalogue::add(const StreamId &id, const std::vector<SegmentName> &names)
 {
     const Lock lock(mutex);
     Stream &stream = streams[id];
-    stream.entries.reserve(stream.entries.size() + names.size());
+    std::vector<Entry> fresh;
+    fresh.reserve(stream.entries.size() + names.size());
     for (const SegmentName &name : names) {
         const auto lengthMs = static_cast<std::uint32_t>(name.lengthMs.value_or(0));
         stream.longestMs = std::max<std::int64_t>(stream.longestMs, lengthMs);
-        stream.entries.push_back({name.startMs, unknownBytes, lengthMs, false});
+        if (stream.find(name.startMs, false, lengthMs) == stream.entries.end())
+            fresh.push_back({name.startMs, unknownBytes, lengthMs, false});
     }
+    fresh.insert(fresh.end(), stream.entries.begin(), stream.entries.end());
+    stream.entries = std::move(fresh);
     std::sort(stream.entries.begin(), stream.entries.end(),
               [](const Entry &one, const Entry &other) { return one.startMs < other.startMs; });
 }
@@ -92,10 +96,25 @@ void Catalogue::finish(const StreamId &id, const SegmentName &name, std::int64_t
 {
     const Lock lock(mutex);
     Stream &stream = streams[id];
+    const auto lengthMs = static_cast<std::uint32_t>(name.lengthMs.value_or(0));
     erase(stream, stream.find(name.startMs, true, 0));
-    stream.insert(
-        {name.startMs, size, static_cast<std::uint32_t>(name.lengthMs.value_or(0)), false});
+    // Whoever lists the folder may have seen it with its last name already.
+    erase(stream, stream.find(name.startMs, false, lengthMs));
+    stream.insert({name.startMs, size, lengthMs, false});
     bytes += size;
+}
+
+void Catalogue::forgetFinished()
+{
+    const Lock lock(mutex);
+    for (auto &[id, stream] : streams) {
+        auto &entries = stream.entries;
+        const auto finished = std::stable_partition(
+            entries.begin(), entries.end(), [](const Entry &entry) { return entry.isGrowing; });
+        for (auto entry = finished; entry != entries.end(); ++entry)
+            bytes -= std::max<std::int64_t>(entry->bytes, 0);
+        entries.erase(finished, entries.end());
+    }
 }
 
 void Catalogue::erase(Stream &stream, std::vector<Entry>::iterator entry)
@@ -216,23 +235,30 @@ bool Catalogue::holdsAny(std::int64_t fromMs, std::int64_t toMs) const
     });
 }
 
-std::optional<std::pair<StreamId, Catalogue::Segment>> Catalogue::oldest() const
+std::optional<std::pair<StreamId, Catalogue::Segment>>
+Catalogue::oldest(const std::vector<Place> &but) const
 {
     const Lock lock(mutex);
     std::optional<std::pair<StreamId, Segment>> found;
     for (const auto &[id, stream] : streams) {
-        const auto first = std::find_if(stream.entries.begin(), stream.entries.end(),
-                                        [](const Entry &entry) { return !entry.isGrowing; });
+        const auto isIn = [&id = id](const Entry &entry, const std::vector<Place> &places) {
+            return std::any_of(places.begin(), places.end(), [&](const Place &place) {
+                return place.first == id && place.second.startMs == entry.startMs;
+            });
+        };
+        const auto first =
+            std::find_if(stream.entries.begin(), stream.entries.end(),
+                         [&](const Entry &entry) { return !entry.isGrowing && !isIn(entry, but); });
         if (first != stream.entries.end() && (!found || first->endMs() < found->second.endMs))
             found = {id, first->segment()};
     }
     return found;
 }
 
-std::vector<std::pair<StreamId, SegmentName>> Catalogue::unmeasured() const
+std::vector<Catalogue::Place> Catalogue::unmeasured() const
 {
     const Lock lock(mutex);
-    std::vector<std::pair<StreamId, SegmentName>> found;
+    std::vector<Place> found;
     for (const auto &[id, stream] : streams) {
         for (const Entry &entry : stream.entries) {
             if (entry.bytes == unknownBytes)

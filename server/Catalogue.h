@@ -35,12 +35,14 @@ public:
         std::int64_t endMs = 0; ///< also of one that grows: by now
     };
 
-    /// All finished segments of a stream at once, in any order.
+    /// Finished segments of a stream, in any order; those that are known stay as they are.
     void add(const StreamId &stream, const std::vector<SegmentName> &names);
     /// A segment that grows is told with its length and size by now, until it is finished.
     void grow(const StreamId &stream, std::int64_t startMs, std::int64_t lengthMs,
               std::int64_t bytes);
     void finish(const StreamId &stream, const SegmentName &name, std::int64_t bytes);
+    /// Only what grows is known from here on.
+    void forgetFinished();
     /// Nothing came of the segment that grew.
     void abandon(const StreamId &stream, std::int64_t startMs);
     void remove(const StreamId &stream, const SegmentName &name);
@@ -58,10 +60,11 @@ public:
     std::optional<Segment> segmentAt(const StreamId &stream, std::int64_t startMs) const;
     /// Whether anything was recorded in [fromMs, toMs), by any stream.
     bool holdsAny(std::int64_t fromMs, std::int64_t toMs) const;
-    /// The finished segment that ended first, of all streams.
-    std::optional<std::pair<StreamId, Segment>> oldest() const;
+    using Place = std::pair<StreamId, SegmentName>;
+    /// The finished segment that ended first, of all streams, apart from those.
+    std::optional<std::pair<StreamId, Segment>> oldest(const std::vector<Place> &but) const;
     /// Finished segments whose size isn't known yet.
-    std::vector<std::pair<StreamId, SegmentName>> unmeasured() const;
+    std::vector<Place> unmeasured() const;
     /// Of all segments whose size is known.
     std::int64_t knownBytes() const;
     std::size_t size() const;

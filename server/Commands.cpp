@@ -97,12 +97,18 @@ int prepare(const Options &options)
 {
     std::string folder = options.argument;
     if (folder.empty()) {
-        folder = Setup(options).configuration.archive.folder;
+        const Setup setup(options);
+        // What it says otherwise isn't where anybody wants an archive.
+        if (!setup.isSound())
+            return EXIT_FAILURE;
+        folder = setup.configuration.archive.folder;
         std::error_code code;
         std::filesystem::create_directories(std::filesystem::path(folder).parent_path(), code);
     }
-    return outcome(ArchiveFolder(folder).prepare() ? std::string()
-                                                   : folder + ": " + std::strerror(errno));
+    if (!ArchiveFolder(folder).prepare())
+        return outcome(folder + ": " + std::strerror(errno));
+    std::printf("%s is prepared for an archive\n", folder.c_str());
+    return EXIT_SUCCESS;
 }
 
 int writeClientFiles(const Setup &setup, const std::string &folder)
@@ -115,12 +121,11 @@ int writeClientFiles(const Setup &setup, const std::string &folder)
 
 int tellStatus(const Setup &setup)
 {
-    const auto text = StatusSocket::ask(setup.configuration.service.stateFolder);
-    if (!text)
-        return outcome("no zorvane-server runs with the folder " +
-                       setup.configuration.service.stateFolder);
-    std::fputs(text->c_str(), stdout);
-    return EXIT_SUCCESS;
+    std::string text;
+    const std::string failure = StatusSocket::ask(setup.configuration.service.stateFolder, &text);
+    if (failure.empty())
+        std::fputs(text.c_str(), stdout);
+    return outcome(failure);
 }
 
 /// Returns at SIGTERM or SIGINT, which must be blocked.

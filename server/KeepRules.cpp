@@ -19,6 +19,12 @@ bool KeepRules::mustGo(const State &state) const
            (bytes && state.archiveBytes > *bytes) || state.freeBytes < keepFreeBytes;
 }
 
+std::int64_t KeepRules::roomBytes(std::int64_t diskBytes) const
+{
+    const std::int64_t room = std::max<std::int64_t>(diskBytes - keepFreeBytes, 0);
+    return std::min(room, bytes.value_or(room));
+}
+
 SegmentRule SegmentRule::of(int stream, int streams, std::int64_t roomBytes)
 {
     const std::int64_t share = roomBytes / (growingShare * std::max(streams, 1));

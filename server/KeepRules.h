@@ -19,6 +19,8 @@ struct KeepRules {
         std::int64_t freeBytes;
     };
     bool mustGo(const State &state) const;
+    /// How much an archive may hold on a disk of that size.
+    std::int64_t roomBytes(std::int64_t diskBytes) const;
 };
 
 /// How long segments get. One is cut at the first key picture that is due.

@@ -2,6 +2,9 @@
 #include "server/Keeper.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
 
 #include "server/Log.h"
 #include "server/UtcTime.h"
@@ -17,11 +20,16 @@ constexpr std::int64_t leastCheck = std::int64_t(1) << 20;
 constexpr std::int64_t mostCheck = std::int64_t(64) << 20;
 // Rounds are seconds apart, unless the machine slept or its clock was set.
 constexpr std::int64_t longestPauseMs = 60 * minuteMs;
+// A single file may be somebody's; where this many can't be removed, it is the disk that refuses.
+constexpr std::size_t mostRefused = 8;
 
 } // namespace
 
-Keeper::Keeper(const ArchiveFolder &archiveFolder, Catalogue &known, const KeepRules &keepRules)
-    : folder(archiveFolder), catalogue(known), rules(keepRules)
+Keeper::Keeper(const ArchiveFolder &archiveFolder, Catalogue &known, Configuration::Archive rules)
+    : folder(archiveFolder)
+    , catalogue(known)
+    , inventory(archiveFolder, known)
+    , configured(std::move(rules))
 {
 }
 
@@ -32,7 +40,6 @@ Keeper::~Keeper()
 
 void Keeper::start()
 {
-    checkEvery = std::clamp(folder.room().totalBytes / checksPerDisk, leastCheck, mostCheck);
     thread = std::thread([this] { run(); });
 }
 
@@ -73,6 +80,8 @@ void Keeper::run()
         isFull = false;
         isDue = false;
         lock.unlock();
+        if (inventory.follow())
+            isMeasured = false;
         round(wallMs(), least);
         lock.lock();
         wake.wait_for(lock, interval, [this] { return isOver || isDue; });
@@ -82,7 +91,7 @@ void Keeper::run()
 /// Names don't tell how large files are; that is only asked for where a rule needs it.
 void Keeper::measure()
 {
-    if (isMeasured || !rules.bytes)
+    if (isMeasured || !configured.bytes)
         return;
     for (const auto &[stream, name] : catalogue.unmeasured())
         catalogue.setBytes(stream, name, folder.sizeOf(stream, name));
@@ -97,27 +106,45 @@ bool Keeper::knowsAge(std::int64_t nowMs)
     return nowMs - steadySinceMs >= dayMs || catalogue.holdsAny(nowMs - 2 * dayMs, nowMs - dayMs);
 }
 
+std::int64_t Keeper::roomBytes() const
+{
+    const std::int64_t diskBytes = folder.room().totalBytes;
+    return configured.rules(diskBytes).roomBytes(diskBytes);
+}
+
 int Keeper::round(std::int64_t nowMs, int least)
 {
     if (!folder.isReady())
         return 0;
+    checkEvery = std::clamp(folder.room().totalBytes / checksPerDisk, leastCheck, mostCheck);
     measure();
-    KeepRules believed = rules;
-    if (!knowsAge(nowMs))
-        believed.days.reset();
+    const bool isAgeKnown = knowsAge(nowMs);
     int gone = 0;
-    while (const auto oldest = catalogue.oldest()) {
+    std::vector<Catalogue::Place> refused;
+    while (const auto oldest = catalogue.oldest(refused)) {
         const auto &[stream, segment] = *oldest;
-        const KeepRules::State state{nowMs, segment.endMs, catalogue.knownBytes(),
-                                     folder.room().freeBytes};
-        if (gone >= least && !believed.mustGo(state))
+        // Both of one look: another disk may have been mounted since the last one.
+        const ArchiveFolder::Room room = folder.room();
+        KeepRules rules = configured.rules(room.totalBytes);
+        if (!isAgeKnown)
+            rules.days.reset();
+        const KeepRules::State state{nowMs, segment.endMs, catalogue.knownBytes(), room.freeBytes};
+        if (gone >= least && !rules.mustGo(state))
             break;
-        if (!folder.remove(stream, segment.name))
-            Log::say("cannot remove " + folder.pathOf(stream, segment.name));
-        // What can't be removed isn't tried again until the next start.
-        catalogue.remove(stream, segment.name);
-        ++gone;
+        if (folder.remove(stream, segment.name)) {
+            catalogue.remove(stream, segment.name);
+            ++gone;
+            continue;
+        }
+        if (!std::exchange(isHindered, true))
+            Log::say("cannot remove " + folder.pathOf(stream, segment.name) + ": " +
+                     std::strerror(errno));
+        refused.emplace_back(stream, segment.name);
+        if (refused.size() == mostRefused)
+            return gone;
     }
+    if (gone > 0 && refused.empty())
+        isHindered = false;
     return gone;
 }
 

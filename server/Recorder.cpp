@@ -19,15 +19,17 @@ constexpr int lastTries = 10;
 } // namespace
 
 Recorder::Recorder(const ArchiveFolder &archive, Catalogue &catalogue, Keeper &archiveKeeper,
-                   std::vector<StreamId> streams, std::int64_t roomBytes)
+                   const std::vector<StreamId> &streams)
     : folder(archive), keeper(archiveKeeper), finisher(archive, catalogue)
 {
     const int count = static_cast<int>(streams.size());
     for (int i = 0; i < count; ++i) {
         const StreamId &stream = streams[static_cast<std::size_t>(i)];
+        const auto rule = [this, i, count] {
+            return SegmentRule::of(i, count, keeper.roomBytes());
+        };
         lanes.push_back(
-            std::make_unique<Lane>(stream, Recording(stream, SegmentRule::of(i, count, roomBytes),
-                                                     archive, catalogue, finisher)));
+            std::make_unique<Lane>(stream, Recording(stream, rule, archive, catalogue, finisher)));
     }
 }
 

@@ -20,7 +20,7 @@ class Recorder
 {
 public:
     Recorder(const ArchiveFolder &folder, Catalogue &catalogue, Keeper &keeper,
-             std::vector<StreamId> streams, std::int64_t roomBytes);
+             const std::vector<StreamId> &streams);
     ~Recorder();
     Recorder(const Recorder &) = delete;
     Recorder &operator=(const Recorder &) = delete;

@@ -7,10 +7,10 @@
 
 namespace ZorvaneServer {
 
-Recording::Recording(StreamId streamId, const SegmentRule &segmentRule,
+Recording::Recording(StreamId streamId, std::function<SegmentRule()> ruleNow,
                      const ArchiveFolder &archive, Catalogue &known, SegmentFinisher &end)
     : stream(std::move(streamId))
-    , rule(segmentRule)
+    , nextRule(std::move(ruleNow))
     , folder(archive)
     , catalogue(known)
     , finisher(end)
@@ -30,6 +30,7 @@ Recording::Outcome Recording::begin(const MediaPacket &packet)
     segment = folder.create(stream, packet.format, packet.momentMs);
     if (!segment)
         return errno == ENOSPC || errno == EDQUOT ? Outcome::NoRoom : Outcome::Failed;
+    rule = nextRule();
     run = packet.run;
     fresh += std::int64_t(segment->bytes());
     finisher.opened(segment);

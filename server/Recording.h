@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "server/ArchiveFolder.h"
@@ -16,7 +17,8 @@ class Recording
 public:
     using Outcome = SegmentWriter::Outcome;
 
-    Recording(StreamId streamId, const SegmentRule &segmentRule, const ArchiveFolder &archive,
+    /// `ruleNow` is asked at the begin of each segment: the disk may be another one by then.
+    Recording(StreamId streamId, std::function<SegmentRule()> ruleNow, const ArchiveFolder &archive,
               Catalogue &known, SegmentFinisher &end);
 
     /// What wasn't written can be tried again. Pictures without their key picture are passed
@@ -31,7 +33,8 @@ private:
     Outcome begin(const MediaPacket &packet);
 
     const StreamId stream;
-    const SegmentRule rule;
+    const std::function<SegmentRule()> nextRule;
+    SegmentRule rule;
     const ArchiveFolder &folder;
     Catalogue &catalogue;
     SegmentFinisher &finisher;

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "server/SegmentRecovery.h"
 
+#include <cerrno>
 #include <cstdio>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include "server/Descriptor.h"
@@ -22,8 +24,9 @@ std::optional<SegmentName> recoverSegment(int folder, const SegmentName &part)
 {
     const std::string fileName = part.text();
     const Descriptor file(openat(folder, fileName.c_str(), O_RDWR | O_CLOEXEC));
-    if (!file)
+    if (!file || (flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK))
         return {};
+    errno = 0;
     FileWindow window(file.get());
     const FileWindow::View view = window.at(0, SegmentHead::bytes);
     auto head = SegmentHead::decode(view.data, view.size);

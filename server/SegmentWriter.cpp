@@ -5,6 +5,8 @@
 #include <cerrno>
 
 #include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -71,6 +73,14 @@ std::unique_ptr<SegmentWriter> SegmentWriter::create(int folder, const std::stri
         openat(folder, fileName.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, ownerOnly));
     if (!file)
         return nullptr;
+    // What nobody holds was left growing: it may have been taken up, or removed, just now.
+    struct stat facts {
+    };
+    if ((flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) ||
+        fstat(file.get(), &facts) != 0 || facts.st_nlink == 0) {
+        errno = EEXIST;
+        return nullptr;
+    }
     std::unique_ptr<SegmentWriter> writer(
         new SegmentWriter(std::move(file), std::move(format), startMs));
     if (writeHead(writer->file.get(), writer->head))

@@ -18,7 +18,8 @@ class SegmentWriter
 public:
     enum class Outcome { Written, NoRoom, Failed };
 
-    /// Begins the file in the folder; it must not be there yet. Null on failure, with `errno`.
+    /// Begins the file in the folder; it must not be there yet. It is locked for as long as this
+    /// object lives, which tells it from what was left. Null on failure, with `errno`.
     static std::unique_ptr<SegmentWriter> create(int folder, const std::string &fileName,
                                                  FormatPtr format, std::int64_t startMs);
 

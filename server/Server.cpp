@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "server/Server.h"
 
-#include <algorithm>
-
-#include "server/Log.h"
 #include "server/WallClock.h"
 
 namespace ZorvaneServer {
@@ -38,12 +35,8 @@ Server::Server(const Configuration &given, const StateFolder &state, const std::
         ids.push_back(stream.id);
     formats.resize(streams.size());
 
-    const std::int64_t diskBytes = folder.room().totalBytes;
-    const KeepRules rules = configuration.archive.rules(diskBytes);
-    keeper = std::make_unique<Keeper>(folder, catalogue, rules);
-    const std::int64_t room = std::max<std::int64_t>(diskBytes - rules.keepFreeBytes, 0);
-    recorder = std::make_unique<Recorder>(folder, catalogue, *keeper, ids,
-                                          std::min(room, rules.bytes.value_or(room)));
+    keeper = std::make_unique<Keeper>(folder, catalogue, configuration.archive);
+    recorder = std::make_unique<Recorder>(folder, catalogue, *keeper, ids);
     for (std::size_t i = 0; i < streams.size(); ++i) {
         meters.push_back(std::make_unique<StreamMeter>());
         captures.push_back(
@@ -71,23 +64,6 @@ void Server::take(std::size_t stream, PacketPtr packet)
     formats[stream] = format;
     rings->find(streams[stream].id)->put(packet);
     recorder->take(stream, std::move(packet));
-}
-
-void Server::openArchive()
-{
-    int left = 0;
-    int recovered = 0;
-    folder.list(catalogue, [&](const StreamId &stream, const SegmentName &part) {
-        ++left;
-        if (const auto finished = folder.recover(stream, part)) {
-            catalogue.finish(stream, *finished, folder.sizeOf(stream, *finished));
-            ++recovered;
-        }
-    });
-    Log::say("the archive holds " + std::to_string(catalogue.size()) + " segments");
-    if (left > 0)
-        Log::say(std::to_string(recovered) + " of " + std::to_string(left) +
-                 " segments finished that were left unfinished");
 }
 
 void Server::start()

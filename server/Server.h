@@ -36,7 +36,7 @@ public:
     /// Listens, without answering yet. Empty on success, else what failed.
     std::string bind() { return service->bind(); }
     /// Knows what the archive holds and finishes what an end without warning has left.
-    void openArchive();
+    void openArchive() { keeper->open(); }
     void start();
     /// Finishes all segments.
     void stop();

@@ -71,6 +71,10 @@ std::string StateFolder::readPassword(std::string *password) const
     // A user may have put an own one there.
     if (in && std::getline(in, *password) && !password->empty())
         return {};
+    if (in.is_open() ? in.bad() : errno != ENOENT)
+        return name + ": " + std::strerror(errno);
+    if (in >> *password)
+        return name + ": its first line is empty";
     *password = newPassword();
     if (password->empty())
         return "no random numbers";

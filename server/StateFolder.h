@@ -19,7 +19,7 @@ public:
     std::string make() const;
     /// Keeps others from running on it for as long as this object lives.
     std::string lock();
-    /// The password, which is made when there is none yet.
+    /// The password, which is made when there is none yet. One that can't be read stays.
     std::string readPassword(std::string *password) const;
 
     const std::string &folder() const { return path; }

@@ -79,19 +79,29 @@ void StatusSocket::run()
     }
 }
 
-std::optional<std::string> StatusSocket::ask(const std::string &folder)
+std::string StatusSocket::ask(const std::string &folder, std::string *told,
+                              std::chrono::milliseconds patience)
 {
+    using std::chrono::microseconds;
+    using std::chrono::seconds;
     const Descriptor parent = openFolder(folder);
     const Descriptor peer = newSocket();
     const sockaddr_un address = addressIn(parent);
+    const auto whole = std::chrono::duration_cast<seconds>(patience);
+    const timeval limit{whole.count(), microseconds(patience - whole).count()};
+    setsockopt(peer.get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+    // A connection waits, too, where others wait already.
+    setsockopt(peer.get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
+    const std::string silent = "the zorvane-server with the folder " + folder + " doesn't answer";
     if (!parent ||
         connect(peer.get(), reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0)
-        return {};
-    std::string text;
+        return parent && errno == EAGAIN ? silent
+                                         : "no zorvane-server runs with the folder " + folder;
     std::array<char, 4096> buffer;
-    for (ssize_t count; (count = read(peer.get(), buffer.data(), buffer.size())) > 0;)
-        text.append(buffer.data(), static_cast<std::size_t>(count));
-    return text;
+    ssize_t count = 0;
+    while ((count = read(peer.get(), buffer.data(), buffer.size())) > 0)
+        told->append(buffer.data(), static_cast<std::size_t>(count));
+    return count == 0 && !told->empty() ? std::string() : silent;
 }
 
 } // namespace ZorvaneServer

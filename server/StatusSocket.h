@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <functional>
-#include <optional>
 #include <string>
 #include <thread>
 
@@ -22,8 +22,10 @@ public:
     /// Empty on success, else what failed. Takes the place of one that was left.
     std::string start();
 
-    /// What the program says that runs with that folder; nothing when none does.
-    static std::optional<std::string> ask(const std::string &folder);
+    /// What the program says that runs with that folder. Empty on success, else what failed: none
+    /// runs, or it is silent for as long as `patience`.
+    static std::string ask(const std::string &folder, std::string *told,
+                           std::chrono::milliseconds patience = std::chrono::seconds(5));
 
 private:
     void run();

@@ -86,6 +86,13 @@ private slots:
         QVERIFY(QFile::remove("state/password"));
         QCOMPARE(state.readPassword(&again), std::string());
         QVERIFY(again != password);
+        write("state/password", "");
+        QCOMPARE(state.readPassword(&password), std::string());
+        write("state/password", "\nmine");
+        QVERIFY(!state.readPassword(&again).empty() && content("state/password") == "\nmine");
+        // One that leads to itself can't be read by anybody.
+        QVERIFY(QFile::remove("state/password") && QFile::link("password", "state/password"));
+        QVERIFY(!state.readPassword(&again).empty() && QFileInfo("state/password").isSymLink());
     }
 
     /// Cameras of one start after the other, "!" and "?" for a damaged file; each with its number.
@@ -266,13 +273,25 @@ private slots:
 
         const std::string folder = QString(200, 'd').toStdString(); // longer than an address
         QVERIFY(QDir().mkdir(folder.c_str()));
-        QVERIFY(!StatusSocket::ask(folder));
+        std::string told;
+        QVERIFY(StatusSocket::ask(folder, &told).find("no zorvane-server") == 0);
         write(QString::fromStdString(folder) + "/status", "left over");
         auto *socket = new StatusSocket(folder, [good] { return good; }); // runs to the end
         QCOMPARE(socket->start(), std::string());
-        QCOMPARE(StatusSocket::ask(folder).value_or(""), good);
+        QCOMPARE(StatusSocket::ask(folder, &told), std::string());
+        QCOMPARE(told, good);
         QCOMPARE(QFile::permissions(QString::fromStdString(folder) + "/status"),
                  QFile::Permissions(0x6600));
+        // One that hangs answers nobody, whether it takes who asks or lets them queue.
+        QVERIFY(QDir().mkdir("hung"));
+        const auto hang = []() -> std::string {
+            for (;;)
+                pause();
+        };
+        QCOMPARE((new StatusSocket("hung", hang))->start(), std::string());
+        for (int i = 0; i < 10; ++i)
+            QVERIFY(StatusSocket::ask("hung", &told, std::chrono::milliseconds(10)).find("the ") ==
+                    0);
     }
 
     /// The program tells whoever supervises it that it is ready, alive, and about to end.

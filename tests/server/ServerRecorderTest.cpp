@@ -32,13 +32,14 @@ private slots:
     void init()
     {
         folder = std::make_unique<QTemporaryDir>();
-        archive = std::make_unique<ArchiveFolder>(folder->path().toStdString());
-        QVERIFY(archive->prepare());
+        archive = std::make_unique<ArchiveFolder>(folder->filePath("archive").toStdString());
         catalogue = std::make_unique<Catalogue>();
-        keeper = std::make_unique<Keeper>(*archive, *catalogue, KeepRules());
-        recorder = std::make_unique<Recorder>(*archive, *catalogue, *keeper,
-                                              std::vector<StreamId>{door}, std::int64_t(1) << 40);
+        keeper = std::make_unique<Keeper>(*archive, *catalogue,
+                                          Configuration::Archive{{}, {}, 40 << 20, 0, 0});
+        recorder =
+            std::make_unique<Recorder>(*archive, *catalogue, *keeper, std::vector<StreamId>{door});
         recorder->start();
+        QVERIFY(archive->prepare());
     }
 
     void cleanup() { recorder->stop(); }
@@ -57,6 +58,7 @@ private slots:
                                 {"a silence", "Kp...Kp", "2 2"},
                                 {"clock set back", "KpKphp", "2 4"},
                                 {"each alone", "K-K-K", "1 1 1"},
+                                {"an eighth of the room", "KKKKKKKKKKKKKKKK", "14 2"},
                                 {"nothing", "-", ""}});
     }
 
@@ -77,7 +79,8 @@ private slots:
             if (word == 'h')
                 momentMs -= 3600 * secondMs;
             run += word == 'h' || word == 'r' ? 1 : 0;
-            MediaPacket packet = aPicture(momentMs, key.contains(word));
+            // Large enough to be cut on a disk that is taken to be small.
+            MediaPacket packet = aPicture(momentMs, key.contains(word), 400'000);
             packet.format = aFormat(word == 'w' ? 640 : 1920);
             packet.run = run;
             take(packet);
@@ -94,8 +97,7 @@ private slots:
     /// While the archive isn't there its pictures wait; once it is back all of them are in it.
     void waitsForItsDisk()
     {
-        const QString marker = folder->filePath(ArchiveFolder::marker);
-        QVERIFY(QFile::remove(marker));
+        QVERIFY(QFile::remove(folder->filePath("archive/.zorvane-archive")));
         const auto packets = randomPackets(4, 400, startMs);
         for (const MediaPacket &packet : packets)
             take(packet);
@@ -107,6 +109,37 @@ private slots:
                 packetsOf(files("*.mkv") + files("*.part"), Track::Sound).size(),
             packets.size(), 30'000);
         QCOMPARE(recorder->dropped(0), std::int64_t(0));
+    }
+
+    /// A disk that comes late brings what it holds, and has finished what was left growing there;
+    /// one that goes and comes back loses nothing of what grows on it, exchanged all of it goes.
+    void diskComesLate()
+    {
+        const auto mount = [&](const char *from, const char *to) {
+            QVERIFY(QDir(folder->path()).rename(from, to));
+            keeper->wrote(std::int64_t(1) << 40);
+        };
+        archive->create(door, aFormat(), startMs - 9000)->append(aPicture(startMs - 9000, true));
+        mount("archive", "late");
+        keeper->open();
+        keeper->start();
+        take(aPicture(startMs, true));
+        QTRY_VERIFY_WITH_TIMEOUT(recorder->isRefused(), 30'000);
+        mount("late", "archive");
+        QTRY_COMPARE(catalogue->size(), std::size_t(2));
+        QVERIFY(ArchiveFolder(folder->filePath("empty").toStdString()).prepare());
+        mount("archive", "late");
+        mount("empty", "archive");
+        QTRY_COMPARE(catalogue->size(), std::size_t(1));
+        QCOMPARE(catalogue->knownBytes(), std::int64_t(QFileInfo(files("*.part")[0]).size()));
+        mount("archive", "empty");
+        mount("late", "archive");
+        QTRY_COMPARE(catalogue->size(), std::size_t(2));
+        QTRY_VERIFY(catalogue->unmeasured().empty());
+        take(aPicture(startMs + secondMs, false));
+        recorder->stop();
+        QCOMPARE(packetsOf(files("*.mkv")).size(), std::size_t(3));
+        keeper->stop();
     }
 
     /// What grows is in the catalogue, as long as it is by now.

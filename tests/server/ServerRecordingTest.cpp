@@ -67,7 +67,7 @@ private slots:
     void init()
     {
         QVERIFY(QDir(archive()).removeRecursively());
-        QCOMPARE(outputOf(program(), {"prepare", archive()}), QByteArray());
+        QVERIFY(outputOf(program(), {"prepare", archive()}).startsWith(archive().toUtf8()));
         log.clear();
     }
 
@@ -88,6 +88,8 @@ private slots:
         QCOMPARE(server.exitCode(), 0);
         QVERIFY(files("*.part").isEmpty());
         QVERIFY(files("*.mkv").size() >= 2);
+        // Listed once, as no other disk has come.
+        QVERIFY2(says("the archive holds") && log.count("the archive holds") == 1, log);
         for (const QString &file : files("*.mkv")) {
             const bool isMain = file.contains("/Front door/main/"_s);
             const QByteArray seen =
@@ -158,6 +160,16 @@ private slots:
             }
         }
         QVERIFY(finished.size() >= 4);
+    }
+
+    /// A file with a mistake, here without a camera, prepares nothing.
+    void preparesWhatIsMeant()
+    {
+        start({});
+        QVERIFY(server.waitForFinished(30'000) && QDir(archive()).removeRecursively());
+        const QString conf = folder.filePath("conf");
+        QVERIFY(outputOf(program(), {"--config", conf, "prepare"}).contains("conf:"));
+        QVERIFY(!QFile::exists(archive()));
     }
 
     /// What can't be recorded is named, and its password isn't.

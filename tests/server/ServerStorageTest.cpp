@@ -136,8 +136,10 @@ private slots:
     void cutAnywhere()
     {
         const auto packets = randomPackets(7, 600, startMs);
-        const auto writer = archive().create(door, aFormat(), startMs);
+        auto writer = archive().create(door, aFormat(), startMs);
         const auto ends = write(*writer, packets);
+        QVERIFY(!archive().recover(door, {startMs, {}}));
+        writer.reset();
         QCOMPARE(ends.size(), packets.size());
         const SegmentName part{startMs, {}};
         QFile file(pathOf(part));
@@ -290,6 +292,9 @@ private slots:
         });
         QCOMPARE(growing, std::vector<std::int64_t>{startMs + 1});
         QCOMPARE(catalogue.size(), std::size_t(1));
+        catalogue.finish(door, *finished, 5);
+        catalogue.add(door, {*finished});
+        QVERIFY(catalogue.size() == 1 && catalogue.knownBytes() == 5);
         const auto found = catalogue.segmentFrom(door, startMs + 1);
         QVERIFY(found && found->name.text() == finished->text());
         QVERIFY(!catalogue.segmentFrom(door, found->endMs));
