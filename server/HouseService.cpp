@@ -73,8 +73,8 @@ HouseService::HouseService(const Configuration::Service &where, const StateFolde
     , service(roster, archive, media, accounts, ZORVANE_VERSION, passwordRules)
 {
     const auto lan = roster.lanServer(where.camerasPort);
-    if (accounts.layouts()["last_update"] == 0 && lan && !lan->cameras.empty())
-        accounts.saveLayouts(firstLayouts(*lan));
+    if (lan && !lan->cameras.empty())
+        accounts.beginWith(firstLayouts(*lan));
 }
 
 std::string HouseService::bind()

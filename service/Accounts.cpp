@@ -32,9 +32,20 @@ std::string randomId()
     return text;
 }
 
+std::int64_t presentSecond()
+{
+    return std::time(nullptr);
+}
+
 nlohmann::json emptyDocument()
 {
     return {{"last_update", 0}, {"layouts", nlohmann::json::array()}};
+}
+
+bool isDocument(const nlohmann::json &stored)
+{
+    return stored.is_object() && stored.contains("last_update") && stored.contains("layouts") &&
+           stored["last_update"].is_number_integer() && stored["layouts"].is_array();
 }
 
 } // namespace
@@ -48,17 +59,32 @@ Accounts::Accounts(std::string accountEmail, std::string accountPassword, std::s
     , document(emptyDocument())
 {
     std::ifstream in(stateFile);
-    if (!in)
+    if (!in && errno == ENOENT)
         return;
     const auto stored = nlohmann::json::parse(in, nullptr, false);
-    if (!stored.is_object() || !stored.contains(email) || !stored[email].is_object())
+    const bool isNew = stored.is_object() && !stored.contains(email);
+    if (isNew)
         return;
+    if (!stored.is_object() || !isDocument(stored[email])) {
+        putAside();
+        return;
+    }
     document = stored[email];
     for (const auto &session : document.value("sessions", nlohmann::json::array())) {
         if (session.is_string())
             sessions.insert(session.get<std::string>());
     }
     document.erase("sessions");
+}
+
+void Accounts::putAside()
+{
+    wasDamaged = true;
+    const std::string aside = stateFile + ".damaged";
+    const bool moved = std::rename(stateFile.c_str(), aside.c_str()) == 0;
+    std::fprintf(stderr, "%s: %s is damaged, so layouts begin anew; what it holds is %s\n",
+                 program_invocation_short_name, stateFile.c_str(),
+                 moved ? ("in " + aside).c_str() : "lost with the next change");
 }
 
 bool Accounts::isAccount(const std::string &givenEmail, const std::string &givenPassword) const
@@ -104,6 +130,16 @@ nlohmann::json Accounts::layouts() const
     return document;
 }
 
+void Accounts::beginWith(const nlohmann::json &list)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (document["last_update"] != 0)
+        return;
+    const std::int64_t oldest = 1;
+    document = {{"last_update", wasDamaged ? oldest : presentSecond()}, {"layouts", list}};
+    store();
+}
+
 void Accounts::saveLayouts(const nlohmann::json &list)
 {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -111,7 +147,7 @@ void Accounts::saveLayouts(const nlohmann::json &list)
     // Clients that have nothing new send the same list again and again.
     if (former && !isFirst && document["layouts"] != list && !former->keep(document.dump(2) + '\n'))
         std::fprintf(stderr, "%s: cannot keep the former layouts\n", program_invocation_short_name);
-    document = {{"last_update", static_cast<std::int64_t>(std::time(nullptr))}, {"layouts", list}};
+    document = {{"last_update", presentSecond()}, {"layouts", list}};
     store();
 }
 

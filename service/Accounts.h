@@ -18,7 +18,8 @@ namespace ZorvaneService {
 class Accounts
 {
 public:
-    /// With `formerLayouts`, lists of layouts that were replaced are kept under that name.
+    /// With `formerLayouts`, lists of layouts that were replaced are kept under that name. A
+    /// damaged `stateFile` is said, and put aside as "FILE.damaged".
     Accounts(std::string email, std::string password, std::string stateFile,
              std::optional<FormerContents> formerLayouts = {});
 
@@ -35,10 +36,14 @@ public:
 
     /// `{last_update, layouts}` as stored, or an empty list of age 0.
     nlohmann::json layouts() const;
+    /// Stores the list if there is none yet. If that is so for damage, it is older than whatever
+    /// a client still knows of what was lost.
+    void beginWith(const nlohmann::json &list);
     /// Stores the list and stamps it with the present second.
     void saveLayouts(const nlohmann::json &list);
 
 private:
+    void putAside();
     /// Writes all that is kept; the caller holds the lock.
     void store() const;
 
@@ -50,6 +55,7 @@ private:
     mutable std::mutex mutex;
     std::set<std::string> sessions;
     nlohmann::json document;
+    bool wasDamaged = false;
 };
 
 } // namespace ZorvaneService

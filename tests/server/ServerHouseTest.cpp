@@ -212,6 +212,36 @@ private slots:
         QCOMPARE(QFile::permissions(base + ".1"), QFile::Permissions(0x6600));
     }
 
+    /// What the account's file held; the age of its list afterwards, "new" for the present second.
+    void account_data()
+    {
+        rows<QByteArray, QString, bool>(
+            {"stored", "age", "isDamaged"},
+            {{"whole", R"({"a": {"last_update": 5, "layouts": []}})", "5", false},
+             {"another's", R"({"b": {"last_update": 5, "layouts": []}})", "new", false},
+             {"torn", R"({"a": {"last_update": 5, "layouts": [])", "1", true},
+             {"empty", "", "1", true},
+             {"a list", "[]", "1", true},
+             {"a list alone", R"({"a": []})", "1", true},
+             {"no age", R"({"a": {"layouts": []}})", "1", true},
+             {"no list", R"({"a": {"last_update": 5, "layouts": {}}})", "1", true}});
+    }
+
+    void account()
+    {
+        const auto [stored, age, isDamaged] = row<QByteArray, QString, bool>();
+        QTemporaryDir folder;
+        const QString file = folder.filePath("account");
+        write(file, stored);
+        ZorvaneService::Accounts accounts("a", "b", file.toStdString());
+        accounts.beginWith({{{"id", "x"}}});
+        QCOMPARE(QFile::exists(file + ".damaged"), isDamaged);
+        QVERIFY(!isDamaged || content(file + ".damaged") == stored);
+        const qint64 found = accounts.layouts()["last_update"];
+        QVERIFY(age == "new" ? QDateTime::currentSecsSinceEpoch() - found < 60
+                             : found == age.toInt());
+    }
+
     /// Pictures of 1,000 bytes with the seconds at which they come; "-" ends the connection.
     void meter_data()
     {
