@@ -7,11 +7,7 @@
 #include <fstream>
 #include <sstream>
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "server/FirstLayout.h"
-#include "server/Log.h"
 #include "service/Certificates.h"
 #include "service/ClientFiles.h"
 #include "service/OwnerFile.h"
@@ -40,20 +36,6 @@ std::string contentOf(const std::string &fileName)
     std::ostringstream content;
     content << std::ifstream(fileName).rdbuf();
     return content.str();
-}
-
-/// What root puts into somebody's folder is for that one.
-void giveToOwner(const std::string &folder)
-{
-    struct stat owner {
-    };
-    if (geteuid() != 0 || stat(folder.c_str(), &owner) != 0)
-        return;
-    std::error_code code;
-    for (const auto &file : std::filesystem::directory_iterator(folder, code)) {
-        if (lchown(file.path().c_str(), owner.st_uid, owner.st_gid) != 0)
-            Log::say(file.path().string() + ": " + std::strerror(errno));
-    }
 }
 
 std::string certificates(const StateFolder &state, Certificates *made)
@@ -130,10 +112,7 @@ std::string HouseService::writeClientFiles(const Configuration::Service &where,
     const bool good = files.write(whole, roster.servers()) &&
                       writeOwnerFile(files.caCertificate, contentOf(made.authorityFile)) &&
                       ClientFiles::writeAccount(whole, account, password);
-    if (!good)
-        return folder + ": " + std::strerror(errno);
-    giveToOwner(whole);
-    return {};
+    return good ? std::string() : folder + ": " + std::strerror(errno);
 }
 
 } // namespace ZorvaneServer

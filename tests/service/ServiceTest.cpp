@@ -3,6 +3,7 @@
 
 #include <poll.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include "App/ServiceProfile.h"
 #include "App/SettingsKeys.h"
@@ -187,11 +188,21 @@ private slots:
         house.id = "127.0.0.1:8080";
         house.lan = true;
         house.password = "pass";
+        QVERIFY(QDir().mkdir("client"));
+        QFile others("client/others");
+        QVERIFY(others.open(QIODevice::WriteOnly) &&
+                others.setPermissions(QFile::Permissions(0x6600)));
+        // In somebody's folder, root writes for that one.
+        const uint self = geteuid();
+        const uint owner = self == 0 ? 65534 : self;
+        QCOMPARE(chown("client", owner, gid_t(-1)), 0);
         QVERIFY(files.write("client", {{house, {}}}));
         QVERIFY(ClientFiles::writeAccount("client", "home", "a\\b\"c;d=%e"));
         QVERIFY(ClientFiles::writeAccount("client", "home", "another"));
-        for (const QFileInfo &file : QDir("client").entryInfoList(QDir::Files))
+        for (const QFileInfo &file : QDir("client").entryInfoList(QDir::Files)) {
             QCOMPARE(file.permissions(), QFile::Permissions(0x6600));
+            QCOMPARE(file.ownerId(), file.fileName() == "others" ? self : owner);
+        }
 
         const auto profile = App::ServiceProfile::fromFile("client/service.ini");
         QCOMPARE(profile.apiPort, 8443);
