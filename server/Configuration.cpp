@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "server/ConfigurationParser.h"
+#include "service/Loopback.h"
 
 namespace ZorvaneServer {
 
@@ -20,6 +21,15 @@ KeepRules Configuration::Archive::rules(std::int64_t diskBytes) const
 {
     const std::int64_t share = diskBytes / percent * keepFreePercent;
     return {days, bytes, keepFreeBytes > 0 ? keepFreeBytes : share};
+}
+
+std::vector<std::string> Configuration::Service::addresses() const
+{
+    const std::string own = ZorvaneService::loopback;
+    if (address == own || address == "0.0.0.0")
+        return {address};
+    // Rosters and layouts of this machine's client name the cameras by it.
+    return {own, address};
 }
 
 Configuration Configuration::parse(const std::string &text, const std::string &fileName)

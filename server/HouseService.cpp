@@ -71,17 +71,18 @@ std::string HouseService::bind()
     listeners.push_back(std::make_unique<HttpServer>(
         "api", [this](const HttpRequest &request) { return service.api.handle(request); }, &tls,
         limits));
-    limits.bodyBytes = largestCamerasBody;
-    listeners.push_back(std::make_unique<HttpServer>(
-        HttpRequest::lanListener,
-        [this](const HttpRequest &request) { return service.lan.handle(request); }, nullptr,
-        limits));
     // Who signs in is on this machine: the certificate is for no other address.
-    if (listeners[0]->bind(place.port) == 0)
+    if (listeners.back()->bind(place.port) == 0)
         return "cannot listen on port " + std::to_string(place.port) + " of " + loopback;
-    if (listeners[1]->bind(place.camerasPort, place.address) == 0)
-        return "cannot listen on port " + std::to_string(place.camerasPort) + " of " +
-               place.address;
+    limits.bodyBytes = largestCamerasBody;
+    for (const std::string &address : place.addresses()) {
+        listeners.push_back(std::make_unique<HttpServer>(
+            HttpRequest::lanListener,
+            [this](const HttpRequest &request) { return service.lan.handle(request); }, nullptr,
+            limits));
+        if (listeners.back()->bind(place.camerasPort, address) == 0)
+            return "cannot listen on port " + std::to_string(place.camerasPort) + " of " + address;
+    }
     return {};
 }
 
@@ -108,7 +109,7 @@ std::string HouseService::writeClientFiles(const Configuration::Service &where,
     files.apiPort = files.streamingPort = where.port;
     files.flvPort = where.camerasPort;
     files.caCertificate = whole + authorityFile;
-    const HouseRoster roster({}, where.camerasHost(), where.camerasPort, password, {});
+    const HouseRoster roster({}, loopback, where.camerasPort, password, {});
     const bool good = files.write(whole, roster.servers()) &&
                       writeOwnerFile(files.caCertificate, contentOf(made.authorityFile)) &&
                       ClientFiles::writeAccount(whole, account, password);

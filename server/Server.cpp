@@ -5,6 +5,7 @@
 
 #include "server/Log.h"
 #include "server/WallClock.h"
+#include "service/Loopback.h"
 
 namespace ZorvaneServer {
 
@@ -24,8 +25,8 @@ std::vector<std::string> namesOf(const std::vector<Configuration::Camera> &camer
 Server::Server(const Configuration &given, const StateFolder &state, const std::string &password)
     : configuration(given)
     , folder(given.archive.folder)
-    , roster(namesOf(given.cameras), given.service.camerasHost(), given.service.camerasPort,
-             password, state.file("cameras.json"))
+    , roster(namesOf(given.cameras), ZorvaneService::loopback, given.service.camerasPort, password,
+             state.file("cameras.json"))
 {
     for (std::size_t i = 0; i < configuration.cameras.size(); ++i) {
         const Configuration::Camera &camera = configuration.cameras[i];
