@@ -2,7 +2,9 @@
 #include "service/Accounts.h"
 
 #include <openssl/rand.h>
+#include <openssl/sha.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -18,18 +20,34 @@ namespace ZorvaneService {
 
 namespace {
 
-std::string randomId()
+constexpr std::size_t mostSessions = 100;
+constexpr char digestKey[] = "password_digest"; ///< of the password that the sessions began with
+
+template <typename Bytes>
+std::string hexOf(const Bytes &bytes)
 {
-    std::array<unsigned char, 16> random{};
-    if (RAND_bytes(random.data(), static_cast<int>(random.size())) != 1)
-        throw std::runtime_error("no random numbers");
     std::string text;
-    for (const unsigned char byte : random) {
+    for (const unsigned char byte : bytes) {
         char hex[3];
         std::snprintf(hex, sizeof hex, "%02x", byte);
         text += hex;
     }
     return text;
+}
+
+std::string randomId()
+{
+    std::array<unsigned char, 16> random{};
+    if (RAND_bytes(random.data(), static_cast<int>(random.size())) != 1)
+        throw std::runtime_error("no random numbers");
+    return hexOf(random);
+}
+
+std::string digestOf(const std::string &text)
+{
+    std::array<unsigned char, SHA256_DIGEST_LENGTH> digest{};
+    SHA256(reinterpret_cast<const unsigned char *>(text.data()), text.size(), digest.data());
+    return hexOf(digest);
 }
 
 std::int64_t presentSecond()
@@ -70,11 +88,14 @@ Accounts::Accounts(std::string accountEmail, std::string accountPassword, std::s
         return;
     }
     document = stored[email];
-    for (const auto &session : document.value("sessions", nlohmann::json::array())) {
-        if (session.is_string())
-            sessions.insert(session.get<std::string>());
+    if (document.value(digestKey, nlohmann::json()) == digestOf(password)) {
+        for (const auto &session : document.value("sessions", nlohmann::json::array())) {
+            if (session.is_string())
+                sessions.push_back(session.get<std::string>());
+        }
     }
     document.erase("sessions");
+    document.erase(digestKey);
 }
 
 void Accounts::putAside()
@@ -97,7 +118,9 @@ std::string Accounts::newSession()
 {
     std::string session = randomId();
     const std::lock_guard<std::mutex> lock(mutex);
-    sessions.insert(session);
+    if (sessions.size() >= mostSessions)
+        sessions.erase(sessions.begin());
+    sessions.push_back(session);
     store();
     return session;
 }
@@ -105,16 +128,18 @@ std::string Accounts::newSession()
 bool Accounts::signOut(const std::string &session)
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    const bool known = sessions.erase(session) > 0;
-    if (known)
-        store();
-    return known;
+    const auto known = std::find(sessions.begin(), sessions.end(), session);
+    if (known == sessions.end())
+        return false;
+    sessions.erase(known);
+    store();
+    return true;
 }
 
 bool Accounts::isSignedIn(const std::string &session) const
 {
     const std::lock_guard<std::mutex> lock(mutex);
-    return sessions.count(session) > 0;
+    return std::find(sessions.begin(), sessions.end(), session) != sessions.end();
 }
 
 void Accounts::dropSessions()
@@ -161,6 +186,7 @@ void Accounts::store() const
     }
     stored[email] = document;
     stored[email]["sessions"] = sessions;
+    stored[email][digestKey] = digestOf(password);
     if (!writeOwnerFile(stateFile, stored.dump(2) + '\n'))
         std::fprintf(stderr, "%s: cannot write %s\n", program_invocation_short_name,
                      stateFile.c_str());

@@ -6,8 +6,8 @@
 #include <atomic>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string>
+#include <vector>
 
 #include "service/FormerContents.h"
 
@@ -24,7 +24,8 @@ public:
              std::optional<FormerContents> formerLayouts = {});
 
     bool isAccount(const std::string &givenEmail, const std::string &givenPassword) const;
-    /// Its id.
+    /// Its id. A client that is never signed out leaves one behind with each start, so the oldest
+    /// beyond a hundred end; another password ends all.
     std::string newSession();
     /// False when there is no such session.
     bool signOut(const std::string &session);
@@ -53,7 +54,7 @@ private:
     const std::optional<FormerContents> former;
     std::atomic<bool> signInRefused{false};
     mutable std::mutex mutex;
-    std::set<std::string> sessions;
+    std::vector<std::string> sessions; ///< the oldest first
     nlohmann::json document;
     bool wasDamaged = false;
 };

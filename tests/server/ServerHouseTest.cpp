@@ -242,6 +242,24 @@ private slots:
                              : found == age.toInt());
     }
 
+    void sessionsEnd()
+    {
+        using ZorvaneService::Accounts;
+        std::string first;
+        std::string second;
+        {
+            Accounts accounts("a", "b", "sessions");
+            first = accounts.newSession();
+            second = accounts.newSession();
+            for (int i = 0; i < 99; ++i)
+                accounts.newSession();
+        }
+        const Accounts again("a", "b", "sessions");
+        QVERIFY(!again.isSignedIn(first) && again.isSignedIn(second));
+        QCOMPARE(again.layouts().size(), std::size_t(2));
+        QVERIFY(!Accounts("a", "another", "sessions").isSignedIn(second));
+    }
+
     /// Pictures of 1,000 bytes with the seconds at which they come; "-" ends the connection.
     void meter_data()
     {
