@@ -43,13 +43,21 @@ Configuration Configuration::parse(const std::string &text, const std::string &f
     return configuration;
 }
 
+bool Configuration::readText(const std::string &fileName, std::string *text)
+{
+    std::ifstream file(fileName);
+    for (std::string line; std::getline(file, line);)
+        *text += line + '\n';
+    // A folder can be opened, and a file without a letter is no failure.
+    return file.is_open() && !file.bad();
+}
+
 Configuration Configuration::read(const std::string &fileName, const std::string &stateFolder)
 {
     Configuration configuration;
-    std::ifstream file(fileName);
-    std::ostringstream text;
-    if (file && text << file.rdbuf())
-        configuration = parse(text.str(), fileName);
+    std::string text;
+    if (readText(fileName, &text))
+        configuration = parse(text, fileName);
     else
         configuration.errors.push_back(fileName + ": " + std::strerror(errno));
     if (configuration.service.stateFolder.empty())

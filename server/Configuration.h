@@ -47,6 +47,8 @@ struct Configuration {
 
     /// `fileName` is for the errors.
     static Configuration parse(const std::string &text, const std::string &fileName);
+    /// Appends the file's lines, each with its end. False, with errno, when it can't be read.
+    static bool readText(const std::string &fileName, std::string *text);
     /// A file that can't be read is an error, too. Folders that it doesn't name are set.
     static Configuration read(const std::string &fileName, const std::string &stateFolder);
 };

@@ -380,10 +380,11 @@ private slots:
         const char *before = "[camera A]\nurl = file:/a";
         rows<QByteArray, QString, QByteArray, int>(
             {"before", "answers", "after", "asked"},
-            {{"first", "", "Front door|file:[clip]|", "[camera Front door]\nurl = file:[clip]\n",
-              2},
+            {{"first", QByteArray(), "Front door|file:[clip]|",
+              "[camera Front door]\nurl = file:[clip]\n", 2},
              {"further, with a sub stream", before, "B|file:[clip]|file:[clip]",
               "[camera A]\nurl = file:/a\n\n[camera B]\nurl = file:[clip]\nsub = file:[clip]\n", 2},
+             {"into nothing", "", "A|nonsense|", "", 1},
              {"known name", before, "A|file:[clip]|", before, 0},
              {"no name", before, "|file:[clip]|", before, 0},
              {"no address", before, "B|nonsense|", before, 1},
@@ -406,7 +407,7 @@ private slots:
         }
         QTemporaryDir folder;
         const QString file = folder.filePath("new/conf");
-        if (!before.isEmpty()) {
+        if (!before.isNull()) {
             QVERIFY(QDir(folder.path()).mkdir("new"));
             write(file, before);
         }
