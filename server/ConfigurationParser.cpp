@@ -185,13 +185,12 @@ void ConfigurationParser::setFolder(std::string *folder, const std::string &key,
 
 void ConfigurationParser::setPort(int *port, const std::string &key, const std::string &value)
 {
+    portLine = lineNumber;
     const auto number = readDigits(value);
     if (number && *number >= 1 && *number <= lastPort)
         *port = static_cast<int>(*number);
     else
         error('"' + key + "\" is a number from 1 to 65535");
-    if (target.service.port == target.service.camerasPort)
-        error("\"port\" and \"cameras_port\" are the same");
 }
 
 bool ConfigurationParser::setService(const std::string &key, const std::string &value)
@@ -289,6 +288,8 @@ void ConfigurationParser::endCamera()
 void ConfigurationParser::finish()
 {
     endCamera();
+    if (target.service.port == target.service.camerasPort)
+        errorAt(portLine, "\"port\" and \"cameras_port\" are the same");
     if (target.cameras.empty())
         error("there is no camera: write a line \"[camera NAME]\", and below it \"url = ...\"");
 }

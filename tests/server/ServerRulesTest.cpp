@@ -197,7 +197,7 @@ private slots:
             {{"two lines", "[camera Front door]|url = rtsp://a:b@10.0.0.9/1", ""},
              {"all there is",
               "# x|[archive]|folder=/a|days=3|bytes=5G|keep_free=5%|[service]|address=0.0.0.0|"
-              "port=1|cameras_port=65535|state=/s|[camera Ä]|url=file:a|"
+              "port=8880|cameras_port=65535|state=/s|[camera Ä]|url=file:a|"
               "sub=http://h/b|transport=udp|sound=no",
               ""},
              {"nothing", "", "0"},
@@ -220,7 +220,7 @@ private slots:
              {"service",
               "[service]|address = localhost|port = 0|cameras_port = 8843|state = s|"
               "[camera A]|url = file:a",
-              "2 3 4 5"},
+              "2 3 5 4"},
              {"bare addresses", "rtsp://u:se=cret@h|[camera A]|url = file:a|rtsp://u:se=cret@h",
               "1 4"},
              {"words", "[camera A]|url = file:a|transport = tls|sound = 1", "3 4"}});
