@@ -196,7 +196,8 @@ private slots:
             {"file", "wrong"},
             {{"two lines", "[camera Front door]|url = rtsp://a:b@10.0.0.9/1", ""},
              {"all there is",
-              "# x|[archive]|folder=/a|days=3|bytes=5G|keep_free=5%|[service]|address=0.0.0.0|"
+              "\xef\xbb\xbf# x|[archive]|folder=/a|days=3|bytes=5G|keep_free=5%|"
+              "[service]|address=0.0.0.0|"
               "port=8880|cameras_port=65535|state=/s|[camera Ä]|url=file:a|"
               "sub=http://h/b|transport=udp|sound=no",
               ""},
@@ -223,6 +224,10 @@ private slots:
               "2 3 5 4"},
              {"bare addresses", "rtsp://u:se=cret@h|[camera A]|url = file:a|rtsp://u:se=cret@h",
               "1 4"},
+             {"remarks and control characters",
+              "[archive]|folder = /a #b|[service]|state = /s\t#b|[camera A]|url = file:a|"
+              "sub = file:b\x7f|[camera B]|url = file:b\1",
+              "2 4 7 9"},
              {"words", "[camera A]|url = file:a|transport = tls|sound = 1", "3 4"}});
     }
 
