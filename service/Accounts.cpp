@@ -169,8 +169,12 @@ void Accounts::saveLayouts(const nlohmann::json &list)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     const bool isFirst = document["last_update"] == 0;
-    // Clients that have nothing new send the same list again and again.
-    if (former && !isFirst && document["layouts"] != list && !former->keep(document.dump(2) + '\n'))
+    const bool isSame = document["layouts"] == list;
+    // Clients that have nothing new send the same list again and again. It is as old as it was,
+    // unless a clock was wrong: what is saved next must be newer.
+    if (isSame && !isFirst && document["last_update"] <= presentSecond())
+        return;
+    if (former && !isFirst && !isSame && !former->keep(document.dump(2) + '\n'))
         std::fprintf(stderr, "%s: cannot keep the former layouts\n", program_invocation_short_name);
     document = {{"last_update", presentSecond()}, {"layouts", list}};
     store();

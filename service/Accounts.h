@@ -40,7 +40,8 @@ public:
     /// Stores the list if there is none yet. If that is so for damage, it is older than whatever
     /// a client still knows of what was lost.
     void beginWith(const nlohmann::json &list);
-    /// Stores the list and stamps it with the present second.
+    /// Stores the list and stamps it with the present second; one that is stored already stays as
+    /// it is.
     void saveLayouts(const nlohmann::json &list);
 
 private:
