@@ -4,9 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <sstream>
 
 #include "server/Configuration.h"
 #include "server/Log.h"
@@ -22,18 +20,10 @@ constexpr char newFile[] = "# The cameras of zorvane-server. See zorvane-server.
 /// The file's text; of one that is missing, what it begins with. False when it can't be read.
 bool readFile(const std::string &fileName, std::string *text)
 {
-    std::ifstream file(fileName);
-    if (!file && errno == ENOENT) {
-        *text = newFile;
+    if (Configuration::readText(fileName, text))
         return true;
-    }
-    std::ostringstream content;
-    if (!(file && content << file.rdbuf()))
-        return false;
-    *text = content.str();
-    if (!text->empty() && text->back() != '\n')
-        *text += '\n';
-    return true;
+    *text = newFile;
+    return errno == ENOENT;
 }
 
 /// Says all that is wrong with the text.

@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "server/ConfigurationParser.h"
+#include "service/Loopback.h"
 
 namespace ZorvaneServer {
 
@@ -22,6 +23,15 @@ KeepRules Configuration::Archive::rules(std::int64_t diskBytes) const
     return {days, bytes, keepFreeBytes > 0 ? keepFreeBytes : share};
 }
 
+std::vector<std::string> Configuration::Service::addresses() const
+{
+    const std::string own = ZorvaneService::loopback;
+    if (address == own || address == "0.0.0.0")
+        return {address};
+    // Rosters and layouts of this machine's client name the cameras by it.
+    return {own, address};
+}
+
 Configuration Configuration::parse(const std::string &text, const std::string &fileName)
 {
     Configuration configuration;
@@ -33,13 +43,21 @@ Configuration Configuration::parse(const std::string &text, const std::string &f
     return configuration;
 }
 
+bool Configuration::readText(const std::string &fileName, std::string *text)
+{
+    std::ifstream file(fileName);
+    for (std::string line; std::getline(file, line);)
+        *text += line + '\n';
+    // A folder can be opened, and a file without a letter is no failure.
+    return file.is_open() && !file.bad();
+}
+
 Configuration Configuration::read(const std::string &fileName, const std::string &stateFolder)
 {
     Configuration configuration;
-    std::ifstream file(fileName);
-    std::ostringstream text;
-    if (file && text << file.rdbuf())
-        configuration = parse(text.str(), fileName);
+    std::string text;
+    if (readText(fileName, &text))
+        configuration = parse(text, fileName);
     else
         configuration.errors.push_back(fileName + ": " + std::strerror(errno));
     if (configuration.service.stateFolder.empty())

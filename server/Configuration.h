@@ -31,13 +31,13 @@ struct Configuration {
 
     struct Service {
         std::string stateFolder; ///< of `StateFolder`
-        /// Where the cameras' listener is; who signs in is on this machine.
+        /// Where the cameras are shown besides 127.0.0.1; who signs in is on this machine.
         std::string address = "127.0.0.1";
         int port = 8843;
         int camerasPort = 8880;
 
-        /// As the client on this machine reaches the cameras.
-        std::string camerasHost() const { return address == "0.0.0.0" ? "127.0.0.1" : address; }
+        /// All those at which the cameras are shown.
+        std::vector<std::string> addresses() const;
     };
 
     Archive archive;
@@ -47,6 +47,8 @@ struct Configuration {
 
     /// `fileName` is for the errors.
     static Configuration parse(const std::string &text, const std::string &fileName);
+    /// Appends the file's lines, each with its end. False, with errno, when it can't be read.
+    static bool readText(const std::string &fileName, std::string *text);
     /// A file that can't be read is an error, too. Folders that it doesn't name are set.
     static Configuration read(const std::string &fileName, const std::string &stateFolder);
 };

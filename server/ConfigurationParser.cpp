@@ -16,6 +16,7 @@ namespace ZorvaneServer {
 namespace {
 
 constexpr char blanks[] = " \t\r";
+constexpr char byteOrderMark[] = "\xef\xbb\xbf"; ///< that some editors begin UTF-8 with
 constexpr char cameraWord[] = "camera";
 constexpr std::size_t longestName = 100;
 constexpr std::int64_t mostDays = 36'500;
@@ -66,6 +67,23 @@ bool isAddress(const std::string &text)
     return inet_pton(AF_INET, text.c_str(), &address) == 1;
 }
 
+bool isControl(unsigned char letter)
+{
+    return letter < ' ' || letter == 0x7f;
+}
+
+/// Empty when it can be a value. What it says doesn't repeat it, as it may hold a password.
+std::string objectionToValue(const std::string &value)
+{
+    if (value.empty())
+        return "no value";
+    if (value.find(" #") != std::string::npos || value.find("\t#") != std::string::npos)
+        return "a blank and \"#\" in its value: a remark has a line of its own";
+    if (std::any_of(value.begin(), value.end(), isControl))
+        return "control characters in its value";
+    return {};
+}
+
 /// Empty when it can be the name of a folder.
 std::string objectionToName(const std::string &name)
 {
@@ -75,9 +93,8 @@ std::string objectionToName(const std::string &name)
         return "a camera's name is UTF-8";
     if (name.front() == '.')
         return "a camera's name doesn't begin with a dot";
-    const bool isOdd = std::any_of(name.begin(), name.end(), [](unsigned char letter) {
-        return letter < ' ' || letter == '/' || letter == 0x7f;
-    });
+    const bool isOdd =
+        name.find('/') != std::string::npos || std::any_of(name.begin(), name.end(), isControl);
     return isOdd ? "a camera's name has no slash and no control characters" : std::string();
 }
 
@@ -90,7 +107,8 @@ void ConfigurationParser::errorAt(int line, const std::string &what)
 
 void ConfigurationParser::take(std::string line)
 {
-    ++lineNumber;
+    if (++lineNumber == 1 && line.rfind(byteOrderMark, 0) == 0)
+        line.erase(0, sizeof byteOrderMark - 1);
     line = trimmed(line);
     if (line.empty() || line.front() == '#' || line.front() == ';')
         return;
@@ -152,12 +170,12 @@ void ConfigurationParser::set(const std::string &key, const std::string &value)
         error("\"" + key + "\" stands before the first section");
         return;
     }
-    if (value.empty()) {
-        error("\"" + key + "\" has no value");
-        return;
-    }
     if (!seenKeys.insert(key).second)
         error("\"" + key + "\" stands twice in this section");
+    if (const std::string objection = objectionToValue(value); !objection.empty()) {
+        error("\"" + key + "\" has " + objection);
+        return;
+    }
     if (!setIn(key, value))
         error("no key \"" + key + "\" in this section");
 }
@@ -185,13 +203,12 @@ void ConfigurationParser::setFolder(std::string *folder, const std::string &key,
 
 void ConfigurationParser::setPort(int *port, const std::string &key, const std::string &value)
 {
+    portLine = lineNumber;
     const auto number = readDigits(value);
     if (number && *number >= 1 && *number <= lastPort)
         *port = static_cast<int>(*number);
     else
         error('"' + key + "\" is a number from 1 to 65535");
-    if (target.service.port == target.service.camerasPort)
-        error("\"port\" and \"cameras_port\" are the same");
 }
 
 bool ConfigurationParser::setService(const std::string &key, const std::string &value)
@@ -276,7 +293,7 @@ void ConfigurationParser::endCamera()
     if (section != Section::Camera)
         return;
     Configuration::Camera &camera = target.cameras.back();
-    if (camera.main.url.empty())
+    if (seenKeys.count("url") == 0)
         errorAt(camera.line, "camera \"" + camera.name + "\" has no \"url\"");
     for (CameraSource *source : {&camera.main, camera.sub ? &*camera.sub : nullptr}) {
         if (source) {
@@ -289,6 +306,8 @@ void ConfigurationParser::endCamera()
 void ConfigurationParser::finish()
 {
     endCamera();
+    if (target.service.port == target.service.camerasPort)
+        errorAt(portLine, "\"port\" and \"cameras_port\" are the same");
     if (target.cameras.empty())
         error("there is no camera: write a line \"[camera NAME]\", and below it \"url = ...\"");
 }

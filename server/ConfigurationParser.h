@@ -41,6 +41,7 @@ private:
     const std::string fileName;
     Configuration &target;
     int lineNumber = 0;
+    int portLine = 0; ///< that named one last
     Section section = Section::None;
     std::set<std::string> seenKeys; ///< of this section
     CameraSource shared;            ///< what holds for both streams of a camera

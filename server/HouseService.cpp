@@ -7,11 +7,7 @@
 #include <fstream>
 #include <sstream>
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "server/FirstLayout.h"
-#include "server/Log.h"
 #include "service/Certificates.h"
 #include "service/ClientFiles.h"
 #include "service/OwnerFile.h"
@@ -42,20 +38,6 @@ std::string contentOf(const std::string &fileName)
     return content.str();
 }
 
-/// What root puts into somebody's folder is for that one.
-void giveToOwner(const std::string &folder)
-{
-    struct stat owner {
-    };
-    if (geteuid() != 0 || stat(folder.c_str(), &owner) != 0)
-        return;
-    std::error_code code;
-    for (const auto &file : std::filesystem::directory_iterator(folder, code)) {
-        if (lchown(file.path().c_str(), owner.st_uid, owner.st_gid) != 0)
-            Log::say(file.path().string() + ": " + std::strerror(errno));
-    }
-}
-
 std::string certificates(const StateFolder &state, Certificates *made)
 {
     *made = Certificates::inFolder(state.folder(), authorityName);
@@ -73,8 +55,8 @@ HouseService::HouseService(const Configuration::Service &where, const StateFolde
     , service(roster, archive, media, accounts, ZORVANE_VERSION, passwordRules)
 {
     const auto lan = roster.lanServer(where.camerasPort);
-    if (accounts.layouts()["last_update"] == 0 && lan && !lan->cameras.empty())
-        accounts.saveLayouts(firstLayouts(*lan));
+    if (lan && !lan->cameras.empty())
+        accounts.beginWith(firstLayouts(*lan));
 }
 
 std::string HouseService::bind()
@@ -89,17 +71,18 @@ std::string HouseService::bind()
     listeners.push_back(std::make_unique<HttpServer>(
         "api", [this](const HttpRequest &request) { return service.api.handle(request); }, &tls,
         limits));
-    limits.bodyBytes = largestCamerasBody;
-    listeners.push_back(std::make_unique<HttpServer>(
-        HttpRequest::lanListener,
-        [this](const HttpRequest &request) { return service.lan.handle(request); }, nullptr,
-        limits));
     // Who signs in is on this machine: the certificate is for no other address.
-    if (listeners[0]->bind(place.port) == 0)
+    if (listeners.back()->bind(place.port) == 0)
         return "cannot listen on port " + std::to_string(place.port) + " of " + loopback;
-    if (listeners[1]->bind(place.camerasPort, place.address) == 0)
-        return "cannot listen on port " + std::to_string(place.camerasPort) + " of " +
-               place.address;
+    limits.bodyBytes = largestCamerasBody;
+    for (const std::string &address : place.addresses()) {
+        listeners.push_back(std::make_unique<HttpServer>(
+            HttpRequest::lanListener,
+            [this](const HttpRequest &request) { return service.lan.handle(request); }, nullptr,
+            limits));
+        if (listeners.back()->bind(place.camerasPort, address) == 0)
+            return "cannot listen on port " + std::to_string(place.camerasPort) + " of " + address;
+    }
     return {};
 }
 
@@ -126,14 +109,11 @@ std::string HouseService::writeClientFiles(const Configuration::Service &where,
     files.apiPort = files.streamingPort = where.port;
     files.flvPort = where.camerasPort;
     files.caCertificate = whole + authorityFile;
-    const HouseRoster roster({}, where.camerasHost(), where.camerasPort, password, {});
+    const HouseRoster roster({}, loopback, where.camerasPort, password, {});
     const bool good = files.write(whole, roster.servers()) &&
                       writeOwnerFile(files.caCertificate, contentOf(made.authorityFile)) &&
                       ClientFiles::writeAccount(whole, account, password);
-    if (!good)
-        return folder + ": " + std::strerror(errno);
-    giveToOwner(whole);
-    return {};
+    return good ? std::string() : folder + ": " + std::strerror(errno);
 }
 
 } // namespace ZorvaneServer

@@ -80,10 +80,21 @@ void Redaction::learn(const std::string &url)
          {address.size(), endOfAddress(address, 0), address.find_first_of("/?#")}) {
         const std::string user = userInfo(address.substr(0, end));
         if (const std::size_t colon = user.find(':'); colon != std::string::npos)
-            add(user.substr(colon + 1));
+            addWithPieces(user.substr(colon + 1));
     }
     forEachSecretValue(url,
                        [&](std::size_t begin, std::size_t size) { add(url.substr(begin, size)); });
+}
+
+/// Whoever takes an address apart elsewhere says only a piece of it.
+void Redaction::addWithPieces(const std::string &secret)
+{
+    add(secret);
+    for (std::size_t begin = 0; begin < secret.size();) {
+        const std::size_t end = std::min(secret.find_first_of("@/?#:", begin), secret.size());
+        add(secret.substr(begin, end - begin));
+        begin = end + 1;
+    }
 }
 
 void Redaction::add(const std::string &secret)

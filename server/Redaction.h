@@ -15,6 +15,7 @@ public:
     std::string hide(std::string text) const;
 
 private:
+    void addWithPieces(const std::string &secret);
     void add(const std::string &secret);
 
     std::vector<std::string> secrets;

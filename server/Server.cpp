@@ -2,6 +2,7 @@
 #include "server/Server.h"
 
 #include "server/WallClock.h"
+#include "service/Loopback.h"
 
 namespace ZorvaneServer {
 
@@ -21,8 +22,8 @@ std::vector<std::string> namesOf(const std::vector<Configuration::Camera> &camer
 Server::Server(const Configuration &given, const StateFolder &state, const std::string &password)
     : configuration(given)
     , folder(given.archive.folder)
-    , roster(namesOf(given.cameras), given.service.camerasHost(), given.service.camerasPort,
-             password, state.file("cameras.json"))
+    , roster(namesOf(given.cameras), ZorvaneService::loopback, given.service.camerasPort, password,
+             state.file("cameras.json"))
 {
     for (std::size_t i = 0; i < configuration.cameras.size(); ++i) {
         const Configuration::Camera &camera = configuration.cameras[i];

@@ -72,6 +72,9 @@ Access::Result Access::checkLan(const HttpRequest &request, Need need, Asked ask
     if (!owner || !owner->server.online)
         return refused(HttpStatus::NotFound);
     const auto &[server, cameras] = *owner;
+    // First of all: who doesn't know it is not to learn which cameras there are.
+    if (!(asked == Asked::First ? opens(request, server) : hasPassword(request, server)))
+        return refused(HttpStatus::Forbidden);
     const auto camera =
         std::find_if(cameras.begin(), cameras.end(),
                      [id = cameraId(parameters)](const Camera &one) { return one.id == id; });
@@ -80,8 +83,6 @@ Access::Result Access::checkLan(const HttpRequest &request, Need need, Asked ask
         parameters["server"] == "1" || portOf(parameters["server"]) == portOf(server.id);
     if (camera == cameras.end() || !isMeant)
         return refused(HttpStatus::NotFound);
-    if (!(asked == Asked::First ? opens(request, server) : hasPassword(request, server)))
-        return refused(HttpStatus::Forbidden);
     if (need == Need::Live && !camera->online)
         return refused(HttpStatus::NotFound);
     return {HttpStatus::Ok, {server, *camera}};

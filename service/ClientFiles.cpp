@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "service/ClientFiles.h"
 
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 #include <sstream>
 
 #include "service/OwnerFile.h"
@@ -23,6 +27,28 @@ std::string quoted(const std::string &text)
     return result + '"';
 }
 
+/// The `own` servers, and behind them what else the file names. An older entry of an own one has
+/// its address or its password.
+nlohmann::json withOthersOf(const std::string &fileName, nlohmann::json own)
+{
+    std::ifstream in(fileName);
+    const auto known = nlohmann::json::parse(in, nullptr, false);
+    if (!known.is_array())
+        return own;
+    auto all = own;
+    for (const auto &entry : known) {
+        const auto isSame = [&entry](const nlohmann::json &one) {
+            const auto agree = [&](const char *key) {
+                return entry.value(key, nlohmann::json()) == one[key];
+            };
+            return entry.is_object() && ((agree("ip") && agree("port")) || agree("password"));
+        };
+        if (std::none_of(own.begin(), own.end(), isSame))
+            all.push_back(entry);
+    }
+    return all;
+}
+
 } // namespace
 
 bool ClientFiles::write(const std::string &folder,
@@ -36,8 +62,10 @@ bool ClientFiles::write(const std::string &folder,
             << "apiHost=" << host << "\napiPort=" << apiPort << "\nstreamingHost=" << host
             << "\nstreamingPort=" << streamingPort << "\nflvHost=" << streams
             << "\nredirectorHost=" << streams << "\ncaCertificate=" << caCertificate << "\n";
+    const std::string rosterFile = folder + "/local_roster.txt";
+    const auto servers = withOthersOf(rosterFile, localRosterJson(roster));
     return writeOwnerFile(folder + "/service.ini", profile.str()) &&
-           writeOwnerFile(folder + "/local_roster.txt", localRosterJson(roster).dump(4) + '\n');
+           writeOwnerFile(rosterFile, servers.dump(4) + '\n');
 }
 
 bool ClientFiles::writeAccount(const std::string &folder, const std::string &email,

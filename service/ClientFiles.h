@@ -17,7 +17,8 @@ struct ClientFiles {
     std::string caCertificate; ///< PEM file of the service's authority
 
     /// Writes `service.ini` and `local_roster.txt` into `folder`, which is made when it is
-    /// missing. For their owner alone, since the roster holds passwords.
+    /// missing. For their owner alone, since the roster holds passwords. Servers that a user has
+    /// added to the roster stay there.
     bool write(const std::string &folder, const std::vector<ServerWithCameras> &roster) const;
     /// Writes the settings of a client that was never started, with the account to sign in with.
     /// Settings that are there already stay as they are.

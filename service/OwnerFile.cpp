@@ -9,6 +9,22 @@
 
 namespace ZorvaneService {
 
+namespace {
+
+/// By its descriptor: a name could be another file's by now, in a folder that others write to.
+bool giveToOwnerOfFolder(int file, const std::string &fileName)
+{
+    struct stat folder {
+    };
+    const std::size_t nameAt = fileName.rfind('/') + 1; // 0 without a slash
+    const std::string path = nameAt == 0 ? "." : fileName.substr(0, nameAt);
+    if (geteuid() != 0)
+        return true;
+    return stat(path.c_str(), &folder) == 0 && fchown(file, folder.st_uid, folder.st_gid) == 0;
+}
+
+} // namespace
+
 bool writeOwnerFile(const std::string &fileName, const std::string &content)
 {
     const std::string temporary = fileName + ".new";
@@ -17,7 +33,7 @@ bool writeOwnerFile(const std::string &fileName, const std::string &content)
     if (file < 0)
         return false;
     // One left by an earlier run may be open to others.
-    bool good = fchmod(file, 0600) == 0;
+    bool good = fchmod(file, 0600) == 0 && giveToOwnerOfFolder(file, fileName);
     for (std::size_t written = 0; good && written < content.size();) {
         const ssize_t count = write(file, content.data() + written, content.size() - written);
         good = count > 0;

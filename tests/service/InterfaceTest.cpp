@@ -90,7 +90,7 @@ private slots:
              {"other server", "/vs_info/?server=2&sessionId=[p]", 404, ""},
              {"wrong password", "/vs_info/?server=1&sessionId=no", 403, ""},
              {"and for a preview", "/preview/live?server=1&camera=[c]&sessionId=no", 403, ""},
-             {"and for a stream", "/flv/live?server=1&camera=[c]&sessionId=no", 403, ""},
+             {"and for a stream of none", "/flv/live?server=1&camera=99&sessionId=no", 403, ""},
              {"no such camera", "/flv/live?server=1&camera=99&sessionId=[p]", 404, ""},
              {"list", "/archive/list?[q]&startTime=[1]&endTime=[9]", 200, "\"duration\":4000"},
              {"days", "/archive/days?[q]&startTime=[1]&endTime=[9]", 200, "\"recordsCount\":2"},

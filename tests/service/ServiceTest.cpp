@@ -3,6 +3,7 @@
 
 #include <poll.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include "App/ServiceProfile.h"
 #include "App/SettingsKeys.h"
@@ -187,19 +188,38 @@ private slots:
         house.id = "127.0.0.1:8080";
         house.lan = true;
         house.password = "pass";
+        QVERIFY(QDir().mkdir("client"));
+        QFile others("client/others");
+        QVERIFY(others.open(QIODevice::WriteOnly) &&
+                others.setPermissions(QFile::Permissions(0x6600)));
+        // In somebody's folder, root writes for that one.
+        const uint self = geteuid();
+        const uint owner = self == 0 ? 65534 : self;
+        QCOMPARE(chown("client", owner, gid_t(-1)), 0);
+        // What a user has added outlives a second time, what was of the house does not.
+        QFile roster("client/local_roster.txt");
+        QVERIFY(roster.open(QIODevice::ReadWrite));
+        roster.write(R"([{"ip": "127.0.0.1", "port": 8080, "password": "older"},
+                         {"ip": "10.0.0.9", "port": 81, "password": "pass"},
+                         {"ip": "127.0.0.1", "port": 81, "password": "x"}, 7])");
+        roster.close();
         QVERIFY(files.write("client", {{house, {}}}));
         QVERIFY(ClientFiles::writeAccount("client", "home", "a\\b\"c;d=%e"));
         QVERIFY(ClientFiles::writeAccount("client", "home", "another"));
-        for (const QFileInfo &file : QDir("client").entryInfoList(QDir::Files))
+        for (const QFileInfo &file : QDir("client").entryInfoList(QDir::Files)) {
             QCOMPARE(file.permissions(), QFile::Permissions(0x6600));
+            QCOMPARE(file.ownerId(), file.fileName() == "others" ? self : owner);
+        }
 
         const auto profile = App::ServiceProfile::fromFile("client/service.ini");
         QCOMPARE(profile.apiPort, 8443);
         QCOMPARE(profile.flvHost, "127.0.0.1:8080"_s);
-        QFile roster("client/local_roster.txt");
         QVERIFY(roster.open(QIODevice::ReadOnly));
-        const QJsonValue first = QJsonDocument::fromJson(roster.readAll())[0];
-        QCOMPARE(first["port"].toInt(), 8080);
+        const QJsonDocument servers = QJsonDocument::fromJson(roster.readAll());
+        QCOMPARE(servers.array().size(), 3);
+        QCOMPARE(servers[0]["password"].toString(), "pass"_s);
+        QCOMPARE(servers[0]["port"].toInt(), 8080);
+        QCOMPARE(servers[1]["password"].toString(), "x"_s);
         const QSettings settings("client/ZorvaneClient.ini", QSettings::IniFormat);
         QCOMPARE(settings.value(App::SettingsKey::password).toString(), "a\\b\"c;d=%e"_s);
         QVERIFY(settings.value(App::SettingsKey::saveAuth).toBool());
