@@ -8,6 +8,7 @@ import processes
 
 # Servers that look for a free number begin at 0; one that ends may take the socket of another
 # with it that got its number meanwhile. A run of hours stays out of their way.
+OUTPUT = "screen"  # as Xvfb calls it
 DISPLAY_NUMBERS = itertools.count(1000 + os.getpid() % 20000)
 
 
@@ -25,3 +26,22 @@ def start_display(size, log):
     manager = subprocess.Popen(["openbox"], env=dict(os.environ, DISPLAY=display), stdout=log,
                                stderr=log, preexec_fn=processes.end_with_parent)
     return server, manager, display
+
+
+def add_modes(display, sizes):
+    """Xvfb has but the mode that it began with: those of other sizes, for `set_size`."""
+    for size in sizes:
+        width, height = size.split("x")
+        xrandr(display, "--newmode", size, "0", width, "0", "0", width, height, "0", "0", height)
+        xrandr(display, "--addmode", OUTPUT, size)
+
+
+def set_size(display, size):
+    xrandr(display, "--output", OUTPUT, "--mode", size)
+
+
+def xrandr(display, *words):
+    done = subprocess.run(["xrandr", *words], env=dict(os.environ, DISPLAY=display),
+                          capture_output=True, text=True)
+    if done.returncode:
+        raise RuntimeError(f"xrandr {' '.join(words)}: {done.stderr}")

@@ -20,6 +20,7 @@ import traceback
 
 import processes
 import user
+import versions
 from client import Client, middle
 from display import start_display
 from hands import Hands
@@ -32,7 +33,7 @@ WALL_SIDE = 2
 FINAL_CHECK_EVERY = 25
 EXPORT_SECONDS = 3
 QUIET_LOOKS = 15  # a program that starts anew is between two processes for a moment
-LAYOUT_KEYS = {"id", "name", "rows", "columns", "cameras"}
+KILLED = -9
 FRAME_FILES = "zorvane-player-"
 
 
@@ -72,6 +73,7 @@ class Session(threading.Thread):
                 "cameras": cells}
         with open(self.cache, "w") as file:
             json.dump({"last_update": int(time.time()), "layouts": [wall]}, file)
+        os.chmod(self.cache, versions.OWNER_ONLY)
 
     # What goes on when the kill comes. Each step may meet a program that is gone.
 
@@ -126,7 +128,7 @@ class Session(threading.Thread):
         pass
 
     def cycle(self, dice):
-        before = self.read_files()
+        before = versions.read(self.cache)
         scene = dice.choice([self.saves, self.saves, self.export, self.language, None])
         self.client.start()
         if scene:
@@ -146,9 +148,15 @@ class Session(threading.Thread):
         except (OSError, ValueError, IndexError, StopIteration, TypeError):
             fuse.join()  # killed on the way
         self.kill()
-        self.client.process.wait()
+        self.check_end(scene)
         self.shared.count(scene.__name__ if scene else "start")
         self.check_files(before)
+
+    def check_end(self, scene):
+        """It ended by the kill; or, left for one in another language, by itself and well."""
+        code = self.client.process.wait()
+        if code != KILLED and (code, scene) != (0, self.language):
+            raise Failure(f"the program ended with {code}, before it was killed")
 
     def kill(self):
         """All that runs as the client here, also one that is just coming in its place."""
@@ -167,24 +175,8 @@ class Session(threading.Thread):
 
     # What is left.
 
-    def read_files(self):
-        names = [self.cache] + [f"{self.cache}.{number}" for number in range(1, 11)]
-        return {name: processes.read(name) for name in names}
-
     def check_files(self, before):
-        for name, content in self.read_files().items():
-            if not content:
-                if name == self.cache:
-                    raise Failure("the layouts are gone")
-                continue
-            document = json.loads(content)
-            whole = document["last_update"] > 0 and all(
-                LAYOUT_KEYS <= layout.keys() for layout in document["layouts"])
-            if not whole:
-                raise Failure(f"{name} is torn")
-            if name == self.cache and before[name] \
-                    and document["last_update"] < json.loads(before[name])["last_update"]:
-                raise Failure(f"{name} went back")
+        versions.judge(self.cache, before, versions.read(self.cache))
         run = self.client.run_folder
         with open(os.path.join(run, "local_roster.txt")) as file:
             if json.load(file) != self.roster:
@@ -213,7 +205,7 @@ class Session(threading.Thread):
         if parts:
             raise Failure(f"exports of dead runs stay: {parts}")
         self.kill()
-        self.client.process.wait()
+        self.check_end(None)
         self.shared.count("start")
 
     def run(self):
@@ -284,7 +276,9 @@ class Kills:
         own = {each.pid for session in self.sessions
                for each in (session.client.process, session.server, session.manager) if each}
         own.add(self.world.process.pid)
-        processes.reap(own)
+        for name, code in processes.reap(own).values():
+            if name.startswith("ZorvaneClient") and code not in (0, KILLED):
+                raise Failure(f"a program that was started anew ended with {code}")
         for pid, one in processes.everyone().items():
             if one["parent"] != me or not one["name"].startswith("vlc-stream"):
                 continue

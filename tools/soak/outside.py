@@ -6,14 +6,16 @@ A step takes the run and its own random numbers, and says what it did. `mend` un
 import json
 import os
 import signal
-import subprocess
 import time
 
+from display import set_size
 from watch import LAN_SERVER, stream_of
 
 CRASHES = [signal.SIGSEGV, signal.SIGBUS, signal.SIGFPE, signal.SIGILL, signal.SIGABRT]
 ENDS = [signal.SIGTERM, signal.SIGKILL, signal.SIGHUP, signal.SIGINT, signal.SIGQUIT,
-        signal.SIGTRAP, signal.SIGSYS, signal.SIGXCPU]
+        signal.SIGTRAP, signal.SIGSYS, signal.SIGXCPU, signal.SIGUSR1, signal.SIGUSR2,
+        signal.SIGALRM, signal.SIGSTKFLT, signal.SIGVTALRM, signal.SIGPROF, signal.SIGIO,
+        signal.SIGPWR, signal.SIGRTMIN, signal.SIGRTMAX]
 KINDS = ["close", "stall", "truncate", "garble", "slow", "delay", "empty", "redirect", "nonjson",
          "status"]
 VALUES = {"slow": 2000, "delay": 3000, "status": 500}
@@ -154,21 +156,8 @@ def set_clock(run, seconds):
 
 def screen_size(run, random):
     size = random.choice(SIZES + [run.screen])
-    set_screen(run, size)
+    set_size(run.display, size)
     return f"screen of {size}"
-
-
-def set_screen(run, size):
-    def xrandr(*words, **options):
-        subprocess.run(["xrandr", *words], env=run.hands.environment, **options)
-
-    if size not in run.screen_modes:
-        # Xvfb knows only the size that it began with.
-        width, height = size.split("x")
-        xrandr("--newmode", size, "0", width, "0", "0", width, height, "0", "0", height, check=True)
-        xrandr("--addmode", "screen", size, check=True)
-        run.screen_modes.add(size)
-    xrandr("--output", "screen", "--mode", size, check=True)
 
 
 STEPS = {end_child: 6, stop_child: 2, fault: 6, clear_faults: 3, service_ends: 1,
@@ -230,5 +219,5 @@ def mend(run):
             is_empty = file.read().strip() in ("[]", "")
         if is_empty:
             lan_roster(run, None)
-    set_screen(run, run.screen)
+    set_size(run.display, run.screen)
     run.watch.disturb()

@@ -138,13 +138,14 @@ def send(pid, number):
 
 
 def reap(except_for=()):
-    """Takes note of orphans that have ended; what was started here waits for its owner."""
+    """Name and status of orphans that have ended; what was started here waits for its owner."""
     me = os.getpid()
     ended = {}
     for pid, one in everyone().items():
         if one["parent"] == me and one["state"] == "Z" and pid not in except_for:
             try:
-                ended[pid] = os.waitpid(pid, os.WNOHANG)[1]
+                status_now = os.waitpid(pid, os.WNOHANG)[1]
+                ended[pid] = one["name"], os.waitstatus_to_exitcode(status_now)
             except ChildProcessError:
                 pass
     return ended

@@ -1,6 +1,5 @@
 # SPDX-License-Identifier: MIT
 """One run: an X server, the service, the client, and the plan that drives them."""
-import math
 import os
 import random
 import shutil
@@ -10,10 +9,11 @@ import time
 import outside
 import processes
 import user
+import wall
 from client import Client, faketime_library, middle
-from display import start_display
+from display import add_modes, start_display
 from hands import Hands
-from watch import Failure, Watch
+from watch import JUDGED_SECONDS, Failure, Watch
 from world import World
 
 SCREEN = "1920x1080"
@@ -21,14 +21,16 @@ STORM_SECONDS = 110
 CALM_SECONDS = 80     # longer than a healthy tile may be without a new picture
 PROGRAM_STARTS_APART = 2700  # growth is judged within the life of one process
 EMAIL, PASSWORD = "demo@zorvane.example", "demo"
-WALL = "A wall"
-SERVERS = 2  # of the roster: one of the service, one in the LAN
+RECORDS_EVERY = 3     # of so many calms, one plays the wall from records
+BACK_SECONDS = 20     # from records to a wall that plays live
+END_SECONDS = 30
+WHOLE_SECONDS = 30    # one tile or the other may just be taken up again
 
 
 class Run:
     def __init__(self, build, folder, tiles, seed, full_rate=True, clock_jumps=True):
         self.build, self.folder, self.count, self.seed = build, folder, tiles, seed
-        self.screen, self.screen_modes = SCREEN, {SCREEN}
+        self.screen = SCREEN
         self.lan_roster = None
         self.layouts = []
         self.stopped = []
@@ -44,6 +46,7 @@ class Run:
         self.x_log = open(os.path.join(folder, "x.log"), "ab")
         self.server, self.manager, self.display = start_display(SCREEN, self.x_log)
         self.hands = Hands(self.display)
+        add_modes(self.display, outside.SIZES)
         self.clock_file = None
         if clock_jumps and faketime_library():
             self.clock_file = os.path.join(folder, "clock")
@@ -63,73 +66,12 @@ class Run:
         self.client.remember(EMAIL, PASSWORD)
         self.client.start()
         self.wait_for_cards()
-        self.make_wall()
+        wall.make(self)
         self.watch.new_client()
 
     def wait_for_cards(self):
         if not processes.wait_until(lambda: self.client.find(user.CARDS), 90, 0.3):
             raise Failure("no camera in the roster within 90 s")
-
-    # What a user does before the run: a layout of so many tiles.
-
-    def make_wall(self):
-        window = self.client.main_windows()[0]
-        self.hands.raise_window(window["window"])
-        self.hands.run("windowsize", window["window"], 1800, 1000)
-        self.hands.run("windowmove", window["window"], 20, 20)
-        user.show_page(self, window, "layoutsButton")
-        user.press(self, window, "addLayoutButton")
-        processes.wait_until(lambda: self.client.find("VideoPlaceholder"), 20)
-        time.sleep(1)
-        side = math.ceil(math.sqrt(self.count))
-        user.choose_grid(self, window, side, side)
-        processes.wait_until(lambda: len(self.client.find("VideoPlaceholder")) == side * side, 10)
-        # The name of a server is dragged with all its cameras. Folded, all names are in sight.
-        self.fold_servers()
-        for place in range(SERVERS):
-            self.hands.drag(middle(self.server_bars()[place]),
-                            middle(self.client.first("VideoPlaceholder")))
-            time.sleep(1)
-        if not processes.wait_until(lambda: len(self.client.tiles()) >= self.count, 30):
-            raise Failure(f"{len(self.client.tiles())} tiles from dropped servers of {self.count}")
-        self.unfold_servers()
-        self.name_wall()
-
-    def server_bars(self):
-        bars = [each for each in self.client.find("", "controlBar")
-                if any(user.inside(each, server) for server in self.client.find("ServerWidget"))]
-        return sorted(bars, key=lambda each: each["place"][1])
-
-    def fold_servers(self):
-        """All that are unfolded, and with that the list back to its top."""
-        for _ in range(2 * SERVERS):
-            place = self.client.first("RosterWidget")
-            if place:
-                self.hands.wheel(*middle(place), 30)
-                time.sleep(0.3)
-            bars = self.server_bars()
-            unfolded = next((each for each in self.client.find("", "expandButton")
-                             if each["checked"] and any(user.inside(each, bar) for bar in bars)),
-                            None)
-            if not unfolded:
-                return
-            self.hands.click(*middle(unfolded))
-            time.sleep(0.5)
-
-    def unfold_servers(self):
-        # The last one first: an unfolded server pushes those below it out of sight.
-        for bar in reversed(self.server_bars()):
-            button = next((each for each in self.client.find("", "expandButton")
-                           if user.inside(each, bar)), None)
-            if button:
-                self.hands.click(*middle(button))
-                time.sleep(0.5)
-
-    def name_wall(self):
-        others = self.layouts[1:]
-        if not user.save_as(self, random.Random(0), WALL):
-            raise Failure("the wall can't be saved")
-        self.layouts = [WALL] + others
 
     # Ends and starts of the program.
 
@@ -142,11 +84,26 @@ class Run:
             self.client.accept(60)
         except TimeoutError:
             raise Failure("no program came in the place of the one that was left")
+        if code := self.exit_status(old):
+            raise Failure(f"the program that was left for one in another language ended with {code}")
         self.expected_end = False
         self.session_is_lost = False  # it signs in by itself
         self.say(f"process {old} left, {self.client.pid} came")
         self.watch.new_client()
         self.wait_for_window()
+
+    def exit_status(self, pid):
+        """Of a client that was left; one that came in another's place is an orphan of ours."""
+        if self.client.process.pid == pid:
+            return self.client.process.wait(END_SECONDS)
+        found = {}
+
+        def has_ended():
+            ended, found["status"] = os.waitpid(pid, os.WNOHANG)
+            return ended
+        if not processes.wait_until(has_ended, END_SECONDS):
+            raise Failure(f"the program {pid} was left and does not end")
+        return os.waitstatus_to_exitcode(found["status"])
 
     def wait_for_window(self):
         """Signed in again; whoever couldn't, as the service was away, presses the button."""
@@ -221,17 +178,18 @@ class Run:
 
     def plan(self, seconds):
         """Phases of (moment, step); the same for the same seed and length."""
+        apart = PROGRAM_STARTS_APART if seconds >= JUDGED_SECONDS else 0
         dice = random.Random(self.seed)
         count = max(1, round(seconds / (STORM_SECONDS + CALM_SECONDS)))
         storm = max(0.0, seconds / count - CALM_SECONDS)
-        phases, last_start = [], -PROGRAM_STARTS_APART / 2
+        phases, last_start = [], 0
         for place in range(count):
             began = place * (storm + CALM_SECONDS)
             stormy, moment = [], dice.uniform(0.5, 4)
             while moment < storm:
                 kinds = user.STEPS if dice.random() < 0.65 else outside.STEPS
                 step = dice.choices(list(kinds), list(kinds.values()))[0]
-                if step is user.change_language and began - last_start < PROGRAM_STARTS_APART:
+                if step is user.change_language and began - last_start < apart:
                     step = user.settings_page
                 elif step is user.change_language:
                     last_start = began
@@ -260,7 +218,7 @@ class Run:
         self.hands.run("windowmove", window["window"], 20, 20)
         if self.client.find("", "playButton"):
             self.hands.key("space")
-        self.open_wall(dice)
+        wall.open(self)
         self.watch.disturb()
         self.say("calm: " + ", ".join(each["title"] for each in self.client.main_windows()))
 
@@ -283,38 +241,6 @@ class Run:
             return self.sign_in()
         return user.sign_out_and_in(self, dice) == "signed out and in"
 
-    def open_wall(self, dice):
-        window = self.client.main_windows()[0]
-        card = self.top_card(window)
-        self.hands.click(*middle(card))
-        time.sleep(0.4)
-        if any(each["modal"] for each in self.client.windows()):
-            self.answer_question(1)  # not saved
-        if processes.wait_until(lambda: len(self.client.tiles()) >= self.count, 5, 0.3):
-            return
-        # It was edited and saved.
-        user.show_page(self, window, "rosterButton")
-        self.fold_servers()
-        if not processes.wait_until(lambda: len(self.server_bars()) >= SERVERS, 30, 1):
-            self.unfold_servers()
-            self.say("no whole wall: a server is not in the roster")
-            return
-        if self.client.main_windows()[0]["title"].startswith(WALL):
-            user.delete_card(self, window, self.top_card(window))
-            time.sleep(1)
-        self.make_wall()
-        self.say("the wall is made anew")
-
-    def top_card(self, window):
-        def shown():
-            user.show_page(self, window, "layoutsButton")
-            return min(self.client.find(user.LAYOUTS, "", window["window"]),
-                       key=lambda each: each["place"][1], default=None)
-        card = processes.wait_until(shown, 45, 0.5)
-        if not card:
-            raise Failure("no layout in the list")
-        return card
-
     def drive(self, seconds):
         phases = self.plan(seconds)
         with open(os.path.join(self.folder, "plan.txt"), "w") as file:
@@ -324,11 +250,28 @@ class Run:
                 file.writelines(f"{moment:.1f} {step.__name__}\n" for moment, step in calm)
         print(Watch.HEAD, flush=True)
         self.table_file.write(Watch.HEAD + "\n")
-        for stormy, length, calm in phases:
+        for place, (stormy, length, calm) in enumerate(phases):
+            self.watch.at_rest = False
             self.take_all(stormy, length)
             self.calm_down()
-            self.take_all(calm, CALM_SECONDS)
-            self.write_row(at_rest=True)
+            self.watch.at_rest = True
+            if place % RECORDS_EVERY == 1:
+                self.rest_in_records(calm)
+            else:
+                self.take_all(calm, CALM_SECONDS)
+            self.write_row("at rest")
+
+    def rest_in_records(self, calm):
+        """The same wall, and its one clock, judged in archive play; then back to live."""
+        wall.play_records(self)
+        self.watch.in_records = True
+        self.watch.disturb()
+        self.take_all(calm, CALM_SECONDS)
+        self.write_row("in records")
+        self.watch.in_records = False
+        wall.open(self)
+        self.watch.disturb()
+        self.take_all([], BACK_SECONDS)
 
     def take_all(self, steps, seconds):
         """Takes each step at its moment; whoever is late leaves out, rather than being late."""
@@ -339,7 +282,7 @@ class Run:
             outside.every_second(self)
             self.watch.look()
             if not self.watch.rows or time.monotonic() - self.last_row >= 60:
-                self.write_row(at_rest=False)
+                self.write_row()
             while len(left) > 1 and left[1][0] < now:
                 left.pop(0)
                 self.number += 1
@@ -350,13 +293,21 @@ class Run:
                 time.sleep(0.5)
         self.number += len(left)
 
-    def write_row(self, at_rest):
+    def write_row(self, state=""):
+        """A wall that is whole shows all its tiles, each with its player, and nothing else."""
+        def is_whole():
+            self.check_alive()
+            return len(self.watch.players()) == len(self.client.tiles()) == self.count
+        if state and not processes.wait_until(is_whole, WHOLE_SECONDS, 0.5):
+            raise Failure(f"{len(self.watch.players())} players and {len(self.client.tiles())} "
+                          f"tiles {state}, of {self.count}")
         self.last_row = time.monotonic()
         row = self.watch.row(self.client.tiles())
-        row["rest"] = at_rest
-        line = Watch.line(row) + (" at rest" if at_rest else "")
+        row["rest"] = state == "at rest"
+        line = " ".join(filter(None, [Watch.line(row), state]))
         print(line, flush=True)
         self.table_file.write(line + "\n")
+        self.watch.judge_stall(row)
 
     def take(self, number, step):
         """Every step has random numbers of its own, whatever the ones before it found."""
@@ -398,12 +349,7 @@ class Run:
                 break
         if not processes.wait_until(lambda: not self.client.is_alive(), 20):
             raise Failure("the program does not end with its last window")
-        code = None
-        if self.client.process.pid == pid:
-            code = self.client.process.wait()
-        else:
-            code = processes.reap({self.client.process.pid}).get(pid, 0)
-        if code:
+        if code := self.exit_status(pid):
             raise Failure(f"the program ended with {code}")
         left = os.listdir(self.client.temporary)
         if left:

@@ -21,6 +21,7 @@ from watch import Failure
 TILES = 9
 SMALL_DISK, LARGE_DISK = "20m", "300m"
 PATIENCE_SECONDS = 120
+CLOCK_SECONDS = 3  # from a crash until the clock of the grid goes on
 
 
 def playing(run):
@@ -83,6 +84,8 @@ def crashes(run):
             run.keep_evidence()
             raise Failure(f"after {number.name}: clock {went_on}, tile {again}")
         print(f"| {number.name} | {went_on:.1f} s | {again:.1f} s |", flush=True)
+        if went_on > CLOCK_SECONDS:
+            raise Failure(f"after {number.name} the clock stood for {went_on:.1f} s")
         time.sleep(6)
 
 
@@ -102,16 +105,19 @@ def full_disk(run):
     time.sleep(40)
     tiles = run.client.tiles()
     shown = playing(run)
+    spinning = sum(bool(tile.get("spinner")) for tile in tiles)
     free = shutil.disk_usage(run.client.temporary).free
     run.client.ask("shot", os.path.join(run.folder, "full.png"))
     print(f"| temporary folder of {SMALL_DISK} | {len(tiles)} tiles | {len(shown)} play | "
-          f"{sum(bool(tile.get('spinner')) for tile in tiles)} with a spinner | "
+          f"{spinning} with a spinner | "
           f"client {'lives' if run.client.is_alive() else 'is gone'} | {free} bytes free |")
     mount(run, LARGE_DISK, "remount")
     seconds = wait_for(run, lambda: len(playing(run)) == TILES, "not all play with room")
     print(f"| then {LARGE_DISK} | all {TILES} play after {seconds:.0f} s |")
     if len(shown) >= TILES:
         raise Failure("the folder was not full")
+    if spinning:
+        raise Failure(f"{spinning} tiles without room show a spinner, and no word")
 
 
 def main():

@@ -8,9 +8,10 @@ import sys
 import os
 import traceback
 
+import growth
 import processes
 from run import Run, fresh_folder
-from watch import LEAST_ROWS, MIB, SLOPE_LIMIT, Failure
+from watch import Failure
 
 
 def read_arguments():
@@ -26,16 +27,6 @@ def read_arguments():
     return parser.parse_args()
 
 
-def judge_growth(watch):
-    for count, own, heap in watch.slopes():
-        print(f"growth over {count} minutes at rest: own memory {own / MIB:+.1f} MiB an hour, "
-              f"heap {heap / MIB:+.1f} MiB an hour (limit {SLOPE_LIMIT / MIB:.0f})")
-        if own > SLOPE_LIMIT:
-            raise Failure("the client grows")
-    if not watch.slopes():
-        print(f"growth is judged from {LEAST_ROWS} minutes at rest on")
-
-
 def main():
     options = read_arguments()
     seed = options.seed if options.seed is not None else random.randrange(10 ** 6)
@@ -49,7 +40,7 @@ def main():
                   not options.no_clock)
         run.start()
         run.drive(options.minutes * 60)
-        judge_growth(run.watch)
+        growth.judge(run.watch.lives(), options.minutes * 60)
         run.leave()
     except Failure as caught:
         failure = str(caught)

@@ -8,11 +8,17 @@ import processes
 
 GRACE_SECONDS = 11     # for a child without a tile, and a file without a run
 PICTURE_SECONDS = 60   # for a new picture of a healthy stream
+CLOCK_SECONDS = 30     # in which the clock of a grid in records must move
+STALL_SECONDS = 10     # of the client's event loop, less what the machine held everything up
+JUDGED_SECONDS = 3600  # a run as long as this must have a process whose growth can be judged
 WARM_UP = 0.25         # of the rows of one process, left out of its slope
 LEAST_ROWS = 8         # a slope over fewer is not judged
-SLOPE_LIMIT = 16 << 20  # bytes an hour, of the client's own memory
+SLOPE_LIMIT = 16 << 20  # bytes an hour, of the client's own memory and of its heap
+# More of them in the last third of the rows than in the first; a card of a layout has 11 widgets.
+MORE_LIMITS = {"fds": 4, "threads": 2, "maps": 40, "widgets": 150}
 MIB = 1 << 20
 LAN_SERVER = "1"
+RECORDS_UNTIL = "11:50"  # all cameras have records until then, those with gaps too
 
 
 class Failure(Exception):
@@ -57,6 +63,9 @@ class Watch:
         self.stopped = set()   # children that were sent SIGSTOP
         self.heartbeat = processes.Heartbeat()
         self.began = time.monotonic()
+        self.at_rest = False     # nothing disturbs, and one window shows the whole wall
+        self.in_records = False  # so, and plays it from its records
+        self.clock = None        # of the grid, and since when
 
     def disturb(self, what=None):
         self.disturbed[what] = time.monotonic()
@@ -72,6 +81,7 @@ class Watch:
         self.hold_disturbances()
         tiles = self.client.tiles()
         self.look_at_tiles(tiles, now)
+        self.look_at_clock(now)
         self.look_at_children(tiles, now)
         self.look_at_files(tiles, now)
         return tiles
@@ -138,7 +148,9 @@ class Watch:
         return is_new
 
     def should_play(self, tile, stream, is_paused):
-        if not stream or tile["place"][2] == 0 or is_paused or not self.world.is_up():
+        if not stream:
+            return self.at_rest  # its player was never started
+        if tile["place"][2] == 0 or is_paused or not self.world.is_up():
             return False
         camera = self.world.camera(*stream[:2])
         if not camera or camera.get("off"):
@@ -147,7 +159,20 @@ class Watch:
             return True
         # The archive doesn't run over midnight by itself.
         clock = tile.get("cameraTime", "")
-        return bool(camera.get("steady")) and "00:02" < clock < "22:00"
+        return "00:02" < clock < ("22:00" if camera.get("steady") else RECORDS_UNTIL)
+
+    def look_at_clock(self, now):
+        """In records one tile that comes to nothing holds the clock, and with it all others."""
+        if not self.in_records:
+            self.clock = None
+            return
+        label = self.client.first("", "timeLabel")
+        text = label and label["text"]
+        if self.clock is None or self.clock[0] != text:
+            self.clock = text, now
+        age = now - max(self.clock[1], self.quiet_since(None))
+        if age > CLOCK_SECONDS:
+            raise Failure(f"the clock of the grid stands at {text} for {age:.0f} s")
 
     def look_at_children(self, tiles, now):
         known = {int(tile[kind]) for tile in tiles for kind in ("player", "exporter")
@@ -185,11 +210,14 @@ class Watch:
 
     # Every minute.
 
+    def players(self):
+        return [each for each, one in processes.everyone().items()
+                if one["parent"] == self.client.pid and one["name"].startswith("vlc-stream")]
+
     def row(self, tiles):
         pid = self.client.pid
         vitals = self.client.ask("vitals")
-        children = [each for each, one in processes.everyone().items()
-                    if one["parent"] == pid and one["name"].startswith("vlc-stream")]
+        children = self.players()
         log = os.path.join(self.client.run_folder, "zorvane_client_log.txt")
         row = {"seconds": time.monotonic() - self.began, "pid": pid, "rest": False,
                "pss": processes.pss_bytes(pid), "own": processes.own_bytes(pid),
@@ -219,15 +247,20 @@ class Watch:
                 f"| {row['files']} | {row['log'] // 1024} | {row['stall']} ({row['hold']}) | {row['dark']} "
                 f"| {row['pictures']} |")
 
-    def slopes(self):
-        """For each process that lived long enough: rows, and growth an hour of own and heap."""
-        result = []  # what is compared was measured in the same state, at rest
+    def judge_stall(self, row):
+        seconds = (row["stall"] - row["hold"]) / 1000
+        if seconds > STALL_SECONDS:
+            raise Failure(f"the client's event loop stood for {seconds:.1f} s")
+
+    def lives(self):
+        """The rows at rest, which were measured in the same state, of each process that lived
+        long enough."""
+        result = []
         for pid in dict.fromkeys(row["pid"] for row in self.rows):
             own = [row for row in self.rows if row["pid"] == pid and row["rest"]]
             own = own[int(len(own) * WARM_UP):]
             if len(own) >= LEAST_ROWS:
-                result.append((len(own), *(slope([(row["seconds"], row[what]) for row in own])
-                                           for what in ("own", "heap"))))
+                result.append(own)
         return result
 
 

@@ -4,6 +4,7 @@ import datetime
 import http.client
 import json
 import os
+import random
 import subprocess
 import time
 
@@ -13,7 +14,8 @@ READY_SECONDS = 300  # the first start on a machine draws and encodes its clips
 CONTROL_SECONDS = 600  # more than the machine may hold everything up
 ARCHIVE_DAYS = 4
 LAN_CAMERAS = 3     # of the one LAN server that the demo makes
-MADE_UP_EVERY = 4   # the archive of every fourth camera has gaps
+GAPS_EVERY = 4      # the archive of every fourth camera has gaps
+WHOLE_MINUTES = 12 * 60  # of each day that every camera has recorded
 
 
 class World:
@@ -70,17 +72,17 @@ class World:
         return found
 
     def make_steady(self):
-        """Most cameras record round the clock."""
+        """Most cameras record round the clock; the others in the morning, and now and then."""
         today = datetime.datetime.now().replace(hour=0, minute=0, second=0, microsecond=0)
         days = [today + datetime.timedelta(days=day) for day in range(-ARCHIVE_DAYS, 1)]
-        records = [[int(day.timestamp() * 1000),
-                    int((day + datetime.timedelta(days=1)).timestamp() * 1000) - 1000]
-                   for day in days]
+        dice = random.Random(0)
         for place, camera in enumerate(self.cameras):
-            camera["steady"] = camera["lan"] or place % MADE_UP_EVERY != 0
-            if camera["steady"]:
-                self.post("/cameras/archive", server=camera["server"], camera=camera["camera"],
-                          records=records)
+            camera["steady"] = camera["lan"] or place % GAPS_EVERY != 0
+            records = [piece for day in days
+                       for piece in (pieces(day, [(0, 24 * 60)]) if camera["steady"]
+                                     else pieces(day, with_gaps(dice)))]
+            self.post("/cameras/archive", server=camera["server"], camera=camera["camera"],
+                      records=records)
 
     def is_up(self):
         return self.process is not None and self.process.poll() is None
@@ -123,3 +125,19 @@ class World:
             if camera["server"] == server and camera["camera"] == number:
                 return camera
         return None
+
+
+def with_gaps(dice):
+    """Minutes of a day: its first half, then pieces."""
+    result, minute = [(0, WHOLE_MINUTES)], WHOLE_MINUTES + dice.randint(1, 60)
+    while minute < 24 * 60 - 60:
+        end = minute + dice.randint(1, 60)
+        result.append((minute, end))
+        minute = end + dice.randint(1, 60)
+    return result
+
+
+def pieces(day, minutes):
+    """As the service has them: first and last millisecond."""
+    return [[int((day + datetime.timedelta(minutes=each)).timestamp() * 1000) - less
+             for each, less in ((begin, 0), (end, 1000))] for begin, end in minutes]
