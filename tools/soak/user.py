@@ -223,7 +223,7 @@ def archive(run, random):
     if not window or not run.client.find("VideoWidget", "", window["window"]):
         return ""
     if not run.client.find("Timeline", "", window["window"]):
-        run.hands.key("r")
+        press(run, window, "showRecordsButton")  # keys may go into a field
         if not processes.wait_until(
                 lambda: run.client.find("Timeline", "", window["window"]), 5):
             return ""
