@@ -32,7 +32,7 @@ def press(run, window, name):
 def choose(run, entry):
     """In the open menu, the entry of that number from 0."""
     entries = processes.wait_until(lambda: run.client.ask("menu")["found"], 3) or []
-    if entry >= len(entries) or not entries[entry]["enabled"]:
+    if not 0 <= entry < len(entries) or not entries[entry]["enabled"]:
         run.hands.key("Escape")
         return False
     run.hands.click(*middle(entries[entry]))
