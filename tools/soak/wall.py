@@ -12,7 +12,7 @@ from watch import Failure, stream_of
 NAME = "A wall"
 SERVERS = 2  # of the roster: one of the service, one in the LAN
 ROSTER_SECONDS = 90  # until a server that came back is in the list
-RECORDS_SECONDS = 30
+RECORDS_SECONDS = ROSTER_SECONDS  # a camera that was off is shown once the list says that it is back
 STRIP_PART = 1 / 3  # of the day: where all cameras have records
 
 
