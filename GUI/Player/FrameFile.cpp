@@ -47,14 +47,34 @@ Use lock(int descriptor)
     return errno == EWOULDBLOCK ? Use::Another : Use::Unknown;
 }
 
+/// Whether the name still leads to the open file.
+bool isNamed(int descriptor, const QByteArray &name)
+{
+    struct stat open = {};
+    struct stat named = {};
+    return ::fstat(descriptor, &open) == 0 && ::lstat(name.constData(), &named) == 0 &&
+           open.st_ino == named.st_ino && open.st_dev == named.st_dev;
+}
+
+/// What this user may not even look into is another one's.
+bool isAnothers(const QByteArray &name)
+{
+    struct stat named = {};
+    return ::lstat(name.constData(), &named) == 0 && named.st_uid != ::geteuid();
+}
+
 /// Removes what lies under that name if `isRemovable` of who uses it.
 template <typename Rule>
 bool removeIf(const QString &fileName, Rule isRemovable)
 {
     const QByteArray name = QFile::encodeName(fileName);
     const int present = ::open(name.constData(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    // What this user may not even look into is another one's.
-    const Use use = present >= 0 ? lock(present) : errno == EACCES ? Use::Another : Use::Unknown;
+    Use use = present >= 0                          ? lock(present)
+              : errno == EACCES && isAnothers(name) ? Use::Another
+                                                    : Use::Unknown;
+    // Another copy that starts may have put its own in the place of the one that was left over.
+    if (use == Use::Nobody && !isNamed(present, name))
+        use = Use::Another;
     const bool isRemoved = isRemovable(use);
     if (isRemoved)
         QFile::remove(fileName);
@@ -98,7 +118,7 @@ bool FrameFile::open()
     file.setFileName(QDir::tempPath() + QDir::separator() + frameFileName);
     if (create())
         return true;
-    if (taken)
+    if (taken && !std::exchange(isWarnedOfAnother, true)) // records are tried at each tick
         qWarning() << "VideoWidget: Another copy of the program uses SHM file" << file.fileName();
     if (file.isOpen()) {
         if (!taken)
@@ -110,11 +130,7 @@ bool FrameFile::open()
 
 bool FrameFile::hasVanished() const
 {
-    struct stat ours = {};
-    struct stat named = {};
-    return file.isOpen() && ::fstat(file.handle(), &ours) == 0 &&
-           (::lstat(QFile::encodeName(file.fileName()).constData(), &named) != 0 ||
-            ours.st_ino != named.st_ino || ours.st_dev != named.st_dev);
+    return file.isOpen() && !isNamed(file.handle(), QFile::encodeName(file.fileName()));
 }
 
 void FrameFile::close()
@@ -123,6 +139,7 @@ void FrameFile::close()
         file.unmap(frameMemory);
     frameMemory = nullptr;
     backedBytes = 0;
+    isWarned = false;
     file.close();
 }
 

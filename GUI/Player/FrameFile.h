@@ -55,6 +55,7 @@ private:
     QFile file;
     uchar *frameMemory = nullptr;
     bool taken = false;
+    bool isWarnedOfAnother = false;
     mutable bool isWarned = false;
     mutable qint64 backedBytes = 0; ///< so many can be read and written without a fault
 };

@@ -24,7 +24,7 @@ bool Watchdog::isFrozen(const QDateTime &now) const
 Watchdog::Verdict Watchdog::judge(TileState state, bool archivePlaying, bool childRuns,
                                   const QDateTime &now) const
 {
-    if (missedFileTime.isValid() && !archivePlaying)
+    if (missedFileTime.isValid() && !archivePlaying && state != TileState::Paused)
         return qAbs(missedFileTime.secsTo(now)) < retryDelay.count() ? Verdict::Wait
                                                                      : Verdict::Play;
     const bool diedPlaying = !childRuns && state == TileState::Playing;

@@ -269,7 +269,7 @@ int main(int argc, char **argv)
     const int result = QTest::qExec(&test, argc, argv);
 #ifdef __SANITIZE_THREAD__
     // As the programs end: threads that still answer somebody are not waited for.
-    std::_Exit(result);
+    ::_exit(result);
 #endif
     return result;
 }

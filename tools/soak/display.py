@@ -6,9 +6,9 @@ import subprocess
 
 import processes
 
+OUTPUT = "screen"  # as Xvfb calls it
 # Servers that look for a free number begin at 0; one that ends may take the socket of another
 # with it that got its number meanwhile. A run of hours stays out of their way.
-OUTPUT = "screen"  # as Xvfb calls it
 DISPLAY_NUMBERS = itertools.count(1000 + os.getpid() % 20000)
 
 

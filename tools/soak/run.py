@@ -3,6 +3,7 @@
 import os
 import random
 import shutil
+import subprocess
 import tempfile
 import time
 
@@ -95,7 +96,10 @@ class Run:
     def exit_status(self, pid):
         """Of a client that was left; one that came in another's place is an orphan of ours."""
         if self.client.process.pid == pid:
-            return self.client.process.wait(END_SECONDS)
+            try:
+                return self.client.process.wait(END_SECONDS)
+            except subprocess.TimeoutExpired:
+                raise Failure(f"the program {pid} was left and does not end")
         found = {}
 
         def has_ended():

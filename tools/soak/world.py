@@ -12,7 +12,7 @@ import processes
 
 READY_SECONDS = 300  # the first start on a machine draws and encodes its clips
 CONTROL_SECONDS = 600  # more than the machine may hold everything up
-ARCHIVE_DAYS = 4
+ARCHIVE_DAYS = 8  # a storm goes back by up to three, a calm by two more
 LAN_CAMERAS = 3     # of the one LAN server that the demo makes
 GAPS_EVERY = 4      # the archive of every fourth camera has gaps
 WHOLE_MINUTES = 12 * 60  # of each day that every camera has recorded

@@ -309,6 +309,12 @@ private slots:
         QVERIFY(judge(State::Error, true, 3, 99) == Verdict::Wait);
         QVERIFY(judge(State::Error, true, 4, 99) == Verdict::Reload);
         QVERIFY(judge(State::Error, false, 99, 11, 2) == Verdict::Reload);
+        const QDateTime missed(QDate(2015, 3, 3), QTime(14, 5, 9));
+        Watchdog without;
+        without.missedFile(missed);
+        for (const auto state : {State::Idle, State::Paused})
+            QCOMPARE(without.judge(State(state), false, false, missed.addSecs(30)) == Verdict::Play,
+                     state == State::Idle);
         // After the wall clock was set back.
         QVERIFY(judge(State::Playing, false, -3600, -3600) == Verdict::Reload);
         QVERIFY(judge(State::Error, true, -4, -10) == Verdict::Wait);
