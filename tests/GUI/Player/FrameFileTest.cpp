@@ -52,7 +52,7 @@ public:
     QByteArray path() const { return QFile::encodeName(folder.path()); }
 
 private:
-    const QTemporaryDir folder;
+    const QTemporaryDir folder{"/tmp/zorvane-frames-XXXXXX"_s}; // where others may look
     const QByteArray before = qgetenv("TMPDIR");
 };
 
