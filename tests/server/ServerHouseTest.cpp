@@ -8,7 +8,6 @@
 #include <sys/un.h>
 
 #include "server/AddCamera.h"
-#include "server/FirstLayout.h"
 #include "server/HouseRoster.h"
 #include "server/Places.h"
 #include "server/StateFolder.h"
@@ -153,28 +152,6 @@ private slots:
         QVERIFY(roster.setRotation(second, 90) && !roster.setRotation({"house", 2}, 90));
         HouseRoster again({"B"}, "127.0.0.1", 8880, "secret", "roster.json");
         QCOMPARE(again.camera(second)->camera.rotation, 90);
-    }
-
-    void firstLayout_data()
-    {
-        rows<int, QString>({"cameras", "grid"}, {{"one", 1, "1x1 0,0"},
-                                                 {"three", 3, "2x2 0,0 0,1 1,0"},
-                                                 {"five", 5, "2x3 0,0 0,1 0,2 1,0 1,1"},
-                                                 {"more than fit", 50, "6x6"}});
-    }
-
-    void firstLayout()
-    {
-        const auto [cameras, grid] = row<int, QString>();
-        HouseRoster roster(std::vector<std::string>(1, "A"), "127.0.0.1", 80, "p", "first.json");
-        auto lan = roster.servers().back();
-        lan.cameras.resize(std::size_t(cameras), lan.cameras[0]);
-        const auto layout = firstLayouts(lan)[0];
-        QString found = "%1x%2"_s.arg(layout["rows"].get<int>()).arg(layout["columns"].get<int>());
-        for (const auto &cell : layout["cameras"])
-            found += " %1,%2"_s.arg(cell["row"].get<int>()).arg(cell["column"].get<int>());
-        QCOMPARE(found.left(grid.size()), grid);
-        QCOMPARE(layout["cameras"].size(), std::size_t(qMin(cameras, 36)));
     }
 
     void formerLayouts()

@@ -3,6 +3,8 @@
 
 #include "server/BackOff.h"
 #include "server/Configuration.h"
+#include "server/FirstLayout.h"
+#include "server/HouseRoster.h"
 #include "server/Keeper.h"
 #include "server/Redaction.h"
 #include "server/StreamQueue.h"
@@ -289,6 +291,28 @@ private slots:
         redaction.learn("http://cam:opensesame@h/to@all");
         redaction.learn("rtsp://admin:ab@eins/zwei?drei#vier:fünf@host/x");
         QCOMPARE(QString::fromStdString(redaction.hide(text.toStdString())), said);
+    }
+
+    void firstLayout_data()
+    {
+        rows<int, QString>({"cameras", "grid"}, {{"one", 1, "1x1 0,0"},
+                                                 {"three", 3, "2x2 0,0 0,1 1,0"},
+                                                 {"five", 5, "2x3 0,0 0,1 0,2 1,0 1,1"},
+                                                 {"more than fit", 50, "6x6"}});
+    }
+
+    void firstLayout()
+    {
+        const auto [cameras, grid] = row<int, QString>();
+        HouseRoster roster(std::vector<std::string>(1, "A"), "127.0.0.1", 80, "p", "first.json");
+        auto lan = roster.servers().back();
+        lan.cameras.resize(std::size_t(cameras), lan.cameras[0]);
+        const auto layout = firstLayouts(lan)[0];
+        QString found = "%1x%2"_s.arg(layout["rows"].get<int>()).arg(layout["columns"].get<int>());
+        for (const auto &cell : layout["cameras"])
+            found += " %1,%2"_s.arg(cell["row"].get<int>()).arg(cell["column"].get<int>());
+        QCOMPARE(found.left(grid.size()), grid);
+        QCOMPARE(layout["cameras"].size(), std::size_t(qMin(cameras, 36)));
     }
 };
 
